@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// DeepHeaderAdapter: the engine. It holds the loaded rules and turns one query into one answer.
+//
+// Made on the heap only (the rule table is stored inline), counted, and never changed once
+// constructed: any number of scans run on one engine at once, each on a MsgProperties record of its
+// own. RefDeepHeaderAdapter is the counted handle; its static `instance` keeps the process-wide
+// engine, and every caller of it holds DeepHeaderScanner::m_Mutex.
+#pragma once
+
+#include "DeepHeaderAnswer.h"
+#include "DeepHeaderQuery.h"
+#include "MsgReceived.h"
+#include "include2/Export.h"
+#include "include2/QvaneRefcounted.h"
+#include "platform/DeepHeaderSettings.h"
+#include "platform/EmailAddress.h"
+#include "rules/format/AttributeTable.h"
+#include "rules/format/RuleFiles.h"
+
+#include <array>
+#include <cstdint>
+#include <list>
+#include <string>
+#include <vector>
+
+namespace Quorvane {
+
+class DeepHeaderAnswerImpl;
+
+class QV_API DeepHeaderAdapter : public virtual RefImpl {
+  public:
+    // The analysis of one hop. Value codes as in AttributeTable.h; 3 says "never analysed".
+    struct SingleReceiver {
+        std::string helo;        // announced name, lower-cased, without its brackets
+        std::string ip;          // address text; empty when the hop has none
+        std::string reverseName; // lower-cased
+        std::int32_t hasIP = Code::notAnalysed;
+        std::int32_t heloIsDomain = Code::notAnalysed;
+        std::int32_t heloIsIP = Code::notAnalysed;
+        std::int32_t heloDynamic = Code::notAnalysed;
+        std::int32_t heloEqualsIP = 0; // meaningful only for an address literal: 2 equal, 0 not
+        std::int32_t reverseDynamic = Code::notAnalysed;
+        std::int32_t reverseIsDomain = Code::notAnalysed;
+        std::int32_t isForged = Code::notAnalysed; // first hop only
+        std::int32_t heloMatchesReverse = Code::notAnalysed;
+        std::int32_t fromDomainMatchesHelo = Code::notAnalysed;
+        std::int32_t fromDomainMatchesReverse = Code::notAnalysed;
+        std::int32_t envFromDomainMatches = Code::notAnalysed;
+        std::int32_t fromDomainMatchesBoth = Code::notAnalysed;
+    };
+
+    // The working record of one scan, filled stage by stage.
+    struct MsgProperties {
+        MsgProperties();
+
+        std::string messageIdDomain; // lower-cased
+        EmailAddress headerFrom;
+        EmailAddress envelopeFrom;
+        EmailAddress recipient;
+        std::list<MsgReceived> receivedList; // the hops to judge, newest first
+        // [0] the first public hop, [1] the deepest of the first run of public hops, [2] the hop
+        // analysed into [1] just before.
+        std::array<SingleReceiver, 3> receivers;
+        std::int32_t scoredHopFound = 0; // 1: a relay's reputation ended the walk
+        std::int32_t hopCount = 0;
+        std::int32_t maxPrivateRun = 0; // longest run of private hops
+        std::int32_t publicRun = 0;     // length of the last run of public hops
+        std::int32_t noAddressHops = 0;
+        std::array<std::int32_t, attributeCount> attributes;
+        std::string scoredHopIP;
+        std::int32_t scoredHopScore = 0;
+    };
+
+    // The result of one run over the elite rules.
+    struct EliteHits {
+        double adjust = 0.0;     // sum of the weights of the adjusting rules that fired
+        double confidence = 0.0; // of the chosen deciding rule
+        double support = 0.0;    // of the chosen deciding rule
+        std::int32_t code = 0;   // of the chosen deciding rule; 0: none chosen yet
+        std::string reasons;     // one character for each adjusting rule that fired
+    };
+
+    // Loads the rules; a DeepHeaderException when the tree cannot be loaded. Elite rules that cannot
+    // be loaded are left out.
+    DeepHeaderAdapter();
+    ~DeepHeaderAdapter() override;
+
+    // Judges one message; throws only DeepHeaderException.
+    DeepHeaderAnswer scanMessage(DeepHeaderQuery& query);
+    // The same, and leaves the working record of the scan in `props`, also when it throws. `props`
+    // is a fresh record.
+    DeepHeaderAnswer scanMessage(DeepHeaderQuery& query, MsgProperties& props);
+
+    // The stages of a scan, in order.
+    void getFields(MsgProperties& props, DeepHeaderQuery& query);
+    bool parseFields(MsgProperties& props); // false: no public hop, nothing to judge
+    void getAttributes(MsgProperties& props);
+    void getResults(DeepHeaderAnswerImpl& answer, DeepHeaderQuery& query, MsgProperties& props);
+
+    // Parts of the stages.
+    int parseSingleReceiver(MsgReceived& hop, SingleReceiver& slot, MsgProperties& props);
+    int checkElite(EliteHits& hits, MsgProperties& props, DeepHeaderSettings const& settings);
+    // The node that decides, starting from node `start`; -1 when none does.
+    int travelDT(DeepHeaderSettings const& settings, int start, MsgProperties& props);
+    // The same, and the nodes that the walk stood on, `start` first, in `path`.
+    int travelDT(DeepHeaderSettings const& settings, int start, MsgProperties& props,
+                 std::vector<int>& path);
+    // Whether the settings and the elite file let the tree be consulted.
+    bool consultsTree(DeepHeaderSettings const& settings) const;
+    bool hasEliteNodes() const;
+
+    // What was loaded, for display.
+    std::array<DTNode, treeTableSize> const& treeNodes() const { return m_dtNodes; }
+    std::list<EliteNodes> const& eliteNodes() const { return m_eliteNodes; }
+    EliteFileHeader const& eliteHeader() const { return m_eliteHeader; }
+
+  private:
+    int loadDTRules();
+    int loadEliteNodes();
+    int isDynamicHostname(std::string& name);
+
+    std::array<DTNode, treeTableSize> m_dtNodes;
+    EliteFileHeader m_eliteHeader;
+    std::list<EliteNodes> m_eliteNodes;
+};
+
+class QV_API RefDeepHeaderAdapter : public Ref<DeepHeaderAdapter> {
+  public:
+    // Empty.
+    RefDeepHeaderAdapter();
+    // Takes over the engine's initial reference.
+    explicit RefDeepHeaderAdapter(DeepHeaderAdapter* adapter);
+    RefDeepHeaderAdapter(RefDeepHeaderAdapter const&) = default;
+    RefDeepHeaderAdapter& operator=(RefDeepHeaderAdapter const&) = default;
+    ~RefDeepHeaderAdapter() override;
+
+    // Publishes `adapter` when it is not null, then returns a counted handle to the engine in force;
+    // an empty one before the first. REQUIRES: the caller holds DeepHeaderScanner::m_Mutex.
+    static RefDeepHeaderAdapter instance(DeepHeaderAdapter* adapter);
+};
+
+} // namespace Quorvane

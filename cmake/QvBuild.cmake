@@ -1,0 +1,61 @@
+# SPDX-License-Identifier: Apache-2.0
+# How everything here is compiled, and how rooms see one another.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+
+# Linked by every target: warnings, sanitizers, coverage.
+add_library(qv_options INTERFACE)
+target_compile_options(qv_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+target_compile_features(qv_options INTERFACE cxx_std_20)
+if(QV_SANITIZE)
+    target_compile_options(qv_options INTERFACE -fsanitize=${QV_SANITIZE}
+                           -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(qv_options INTERFACE -fsanitize=${QV_SANITIZE})
+endif()
+if(QV_COVERAGE)
+    target_compile_options(qv_options INTERFACE --coverage)
+    target_link_options(qv_options INTERFACE --coverage)
+endif()
+
+# qv_room(NAME DEPENDS ROOM...)
+# Declares the headers of the current folder as room NAME, a target qv_room_<name with _>. A header
+# is included as "NAME/Header.h", and only by targets that link the room or a room above it: each
+# room has an include directory of its own that holds nothing but a link to the folder. So a layer
+# that reaches upwards does not compile.
+function(qv_room name)
+    cmake_parse_arguments(ROOM "" "" "DEPENDS" ${ARGN})
+    string(REPLACE "/" "_" flat "${name}")
+    set(view "${CMAKE_BINARY_DIR}/rooms/${flat}")
+    get_filename_component(parent "${view}/${name}" DIRECTORY)
+    file(MAKE_DIRECTORY "${parent}")
+    file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${view}/${name}" SYMBOLIC)
+    add_library(qv_room_${flat} INTERFACE)
+    target_include_directories(qv_room_${flat} INTERFACE "$<BUILD_INTERFACE:${view}>")
+    foreach(room ${ROOM_DEPENDS})
+        string(REPLACE "/" "_" room "${room}")
+        target_link_libraries(qv_room_${flat} INTERFACE qv_room_${room})
+    endforeach()
+endfunction()
+
+# The public headers of include/ are included by their bare name, as hosts do.
+add_library(qv_public_headers INTERFACE)
+target_include_directories(qv_public_headers
+                           INTERFACE "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>")
+
+# qv_test(NAME SOURCES FILE... LINK TARGET...): one GoogleTest program for each room.
+function(qv_test name)
+    cmake_parse_arguments(TEST "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${TEST_SOURCES})
+    target_link_libraries(${name} PRIVATE qv_options ${TEST_LINK} GTest::gmock_main)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+endfunction()

@@ -1,0 +1,25 @@
+# SPDX-License-Identifier: Apache-2.0
+# The libraries that we stand on; README names the reason for each.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(Boost 1.74 REQUIRED)
+find_package(spdlog REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET gmime-3.0)
+pkg_check_modules(RE2 REQUIRED IMPORTED_TARGET re2)
+
+# tomlplusplus ships no imported target in every release; its header is all there is.
+find_path(TOMLPLUSPLUS_INCLUDE_DIR toml++/toml.h REQUIRED)
+
+# The pkg-config file of libunbound asks for libevent's development files, which we do not need.
+find_path(UNBOUND_INCLUDE_DIR unbound.h REQUIRED)
+find_library(UNBOUND_LIBRARY unbound REQUIRED)
+add_library(qv_unbound INTERFACE)
+target_include_directories(qv_unbound SYSTEM INTERFACE "${UNBOUND_INCLUDE_DIR}")
+target_link_libraries(qv_unbound INTERFACE "${UNBOUND_LIBRARY}")
+
+if(QV_BUILD_TESTS)
+    find_package(GTest REQUIRED)
+endif()

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The reference-counting scheme behind every shared object: three levels, of which only the lowest
+// is shared.
+//
+//   RefImpl        base of every shareable implementation object; carries the count
+//   RefCounted<T>  a small heap wrapper that owns exactly one counted reference to a T
+//   Ref<T>         a handle that owns exactly one wrapper
+//
+// Copying a handle makes a new wrapper over the same implementation and adds one to its count.
+// The implementation dies, through its virtual destructor, with its last wrapper.
+//
+// Threads: counts change only by atomic read-modify-write, so wrappers over one implementation may
+// be made and destroyed on different threads at once. Nothing else is synchronised: neither the
+// implementation's fields, nor a handle's wrapper pointer, nor RefCountedImplCopy on one target.
+#pragma once
+
+#include "include2/Exception.h"
+#include "include2/Export.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace Quorvane {
+
+// Locations that operator-> reports; programs match on them, so never renumber.
+inline constexpr char refCountedFile[] = "include2/QvaneRefcounted";
+inline constexpr unsigned int refArrowLine = 359;
+inline constexpr unsigned int refArrowConstLine = 368;
+
+// Starts with a count of 1: the creator's reference, which the creator hands to the first wrapper.
+class QV_API RefImpl {
+  public:
+    RefImpl() = default;
+    RefImpl(RefImpl const&) = delete;
+    RefImpl& operator=(RefImpl const&) = delete;
+    virtual ~RefImpl();
+
+    void addReference() { m_references.fetch_add(1, std::memory_order_relaxed); }
+    // True when the reference given up was the last one; the caller then destroys the object.
+    bool dropReference() { return m_references.fetch_sub(1, std::memory_order_acq_rel) == 1; }
+    // For tests and diagnostics: out of date as soon as it is read.
+    std::int32_t references() const { return m_references.load(std::memory_order_relaxed); }
+
+  private:
+    std::atomic<std::int32_t> m_references{1};
+};
+
+template<typename T>
+class RefCounted {
+  public:
+    // Holds a new default-constructed T and takes over its initial reference.
+    RefCounted() : m_impl(new T) {}
+
+    // Without `addReference` the caller hands over the reference it holds, and `impl` may be null.
+    // With it the count grows by one; a null `impl` then throws an Exception of category 4.
+    RefCounted(T* impl, bool addReference) : m_impl(impl) {
+        if (!addReference) {
+            return;
+        }
+        if (impl == nullptr) {
+            throw Exception("RefCounted constructor for RefImpl failed.", 4, nullptr, 0);
+        }
+        impl->addReference();
+    }
+
+    RefCounted(RefCounted const&) = delete;
+    RefCounted& operator=(RefCounted const&) = delete;
+
+    virtual ~RefCounted() {
+        if (m_impl != nullptr && m_impl->dropReference()) {
+            delete static_cast<RefImpl*>(m_impl);
+        }
+    }
+
+    // Identity of the implementation, not equality of its content.
+    virtual bool operator==(RefCounted const& other) const { return m_impl == other.m_impl; }
+
+    // May be null.
+    T* impl() const { return m_impl; }
+
+  private:
+    T* m_impl;
+};
+
+// The copy step of a handle: afterwards `target` is a wrapper of its own over the implementation of
+// `source`, or null when `source` is null. What `target` held before is released first.
+template<typename T>
+void RefCountedImplCopy(RefCounted<T>*& target, RefCounted<T> const* source) {
+    if (target == source) {
+        return;
+    }
+    delete target;
+    target = nullptr;
+    if (source != nullptr) {
+        target = new RefCounted<T>(source->impl(), source->impl() != nullptr);
+    }
+}
+
+template<typename T>
+class Ref {
+  public:
+    Ref() = default;
+    Ref(Ref const& other) { RefCountedImplCopy(m_wrapper, other.m_wrapper); }
+
+    Ref& operator=(Ref const& other) {
+        RefCountedImplCopy(m_wrapper, other.m_wrapper);
+        return *this;
+    }
+
+    virtual ~Ref() {
+        delete m_wrapper;
+        m_wrapper = nullptr;
+    }
+
+    // An Exception of category 1 when the handle has no wrapper; null when its wrapper holds null.
+    T* operator->() { return implOrThrow(refArrowLine); }
+    T const* operator->() const { return implOrThrow(refArrowConstLine); }
+
+    bool isEmpty() const { return m_wrapper == nullptr; }
+
+  protected:
+    // Takes ownership of `wrapper`, which may be null.
+    explicit Ref(RefCounted<T>* wrapper) : m_wrapper(wrapper) {}
+
+  private:
+    T* implOrThrow(unsigned int line) const {
+        if (m_wrapper == nullptr) {
+            throw Exception("operator->", 1, refCountedFile, line);
+        }
+        return m_wrapper->impl();
+    }
+
+    RefCounted<T>* m_wrapper = nullptr;
+};
+
+} // namespace Quorvane

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// HeaderContainer: all header fields of one message in the message's order, a counted handle over
+// one list. Copying shares the list; a default-constructed container has an empty list of its own.
+// Fill it on one thread, then share it read-only.
+#pragma once
+
+#include "include2/Export.h"
+#include "include2/QvaneRefcounted.h"
+#include "platform/Header.h"
+
+#include <list>
+
+namespace Quorvane {
+
+class QV_API HeaderContainerImpl : public virtual RefImpl {
+  public:
+    HeaderContainerImpl() = default;
+    ~HeaderContainerImpl() override;
+
+    std::list<Header> m_headers;
+};
+
+class QV_API HeaderContainer {
+  public:
+    HeaderContainer();
+    HeaderContainer(HeaderContainer const& other);
+    HeaderContainer& operator=(HeaderContainer const& other);
+    virtual ~HeaderContainer();
+
+    std::list<Header> const& headers() const;
+    // Adds `header` at the end; every container that shares the list sees it.
+    void append(Header const& header);
+
+  private:
+    RefCounted<HeaderContainerImpl>* m_wrapper;
+};
+
+} // namespace Quorvane

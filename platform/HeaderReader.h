@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Splits a raw header section (RFC 5322 section 2.2) into header fields.
+//
+// A value keeps its folding byte for byte, line breaks included: what parses Received headers looks
+// for them. Dropped are blanks between name and colon, blanks and tabs after the colon, and the
+// line break (CR LF or LF) that ends the field. A line without a colon that continues nothing is
+// skipped, and so is a leading mbox "From " line. NUL is an ordinary byte.
+#pragma once
+
+#include "include2/Export.h"
+#include "platform/HeaderContainer.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace Quorvane {
+
+class QV_API HeaderReader {
+  public:
+    // The header fields of `message` up to its first empty line or its end. Bytes behind the empty
+    // line are not looked at. One pass; each name and value is copied once.
+    static HeaderContainer read(std::string_view message);
+
+    // Length in bytes of the header section of `message`, the empty line that ends it included;
+    // the length of `message` when there is no empty line.
+    static std::size_t sectionLength(std::string_view message);
+};
+
+} // namespace Quorvane

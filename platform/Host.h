@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Host: the addresses of a name. HostName: the name of an address. Plain values; constructing a
+// Host may block on the Resolver for its deadline.
+#pragma once
+
+#include "include2/Export.h"
+#include "platform/IPAddress.h"
+
+#include <list>
+#include <string>
+
+namespace Quorvane {
+
+class QV_API HostName {
+  public:
+    // Null.
+    HostName() = default;
+    explicit HostName(std::string name) : m_name(static_cast<std::string&&>(name)) {}
+
+    bool isNull() const { return m_name.empty(); }
+    // Without trailing dot; empty when null.
+    std::string const& asString() const { return m_name; }
+
+  private:
+    std::string m_name;
+};
+
+class QV_API Host {
+  public:
+    // With `forwardLookup` asks for the A and AAAA records of `name`, side by side; without it the
+    // host is null.
+    Host(std::string const& name, bool forwardLookup);
+
+    // True when the name has no address, or none could be asked for.
+    bool isNull() const { return m_addresses.empty(); }
+    std::list<IPAddress> const& addressList() const { return m_addresses; }
+
+  private:
+    std::list<IPAddress> m_addresses;
+};
+
+} // namespace Quorvane

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// IPPrefix: a range of addresses in CIDR notation (RFC 4632, RFC 4291 section 2.3). A plain value.
+#pragma once
+
+#include "include2/Export.h"
+#include "platform/IPAddress.h"
+
+#include <string>
+
+namespace Quorvane {
+
+class QV_API IPPrefix {
+  public:
+    // Parses "192.0.2.0/24", "2001:db8::/32", "IPv6:2001:db8::1" or a single address (its whole
+    // length). Throws an Exception of category 3 that names the text and what is wrong with it: no
+    // address, a length out of range, or bits set behind the length.
+    static IPPrefix parse(std::string const& text);
+
+    // The lowest and the highest address of the range.
+    IPAddress::Bytes const& first() const { return m_first; }
+    IPAddress::Bytes const& last() const { return m_last; }
+    // In bits of the 16-byte form: an IPv4 length counts 96 more.
+    int length() const { return m_length; }
+
+    // False for a null address.
+    bool contains(IPAddress const& address) const;
+    // Canonical text, such as "192.0.2.0/24".
+    std::string asString() const;
+
+  private:
+    IPAddress::Bytes m_first{};
+    IPAddress::Bytes m_last{};
+    int m_length = 0;
+};
+
+} // namespace Quorvane

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the host knows about a message besides its headers: the reputation score of the connecting
+// client, the scores of the relays named in the trail, and a status.
+//
+// A host fills one record before it posts the query; during the scan it is only read.
+#pragma once
+
+#include "include2/Export.h"
+#include "include2/QvaneRefcounted.h"
+#include "platform/IPAddress.h"
+
+#include <cstdint>
+#include <list>
+
+namespace Quorvane {
+
+// The one fact of an analysed Received header that scoring needs: the relay's address.
+class QV_API Received {
+  public:
+    Received() = default;
+    explicit Received(IPAddress const& address) : m_address(address) {}
+
+    // Null when the header named none.
+    IPAddress const& address() const { return m_address; }
+
+  private:
+    IPAddress m_address;
+};
+
+struct AnalysedReceived {
+    Received m_received;
+    // 0..9 is the scale of the reputation scores; other values never end a walk.
+    std::int32_t m_score = 0;
+};
+
+// The analysed Received headers of a message, newest first.
+using ReceivedHeaderAnalysis = std::list<AnalysedReceived>;
+
+// The status of a message whose indicator the engine hands to the rules (attribute 36).
+inline constexpr std::int32_t indicatedMessageStatus = 3;
+
+class QV_API MessageProperties : public virtual RefImpl {
+  public:
+    MessageProperties() = default;
+    ~MessageProperties() override;
+
+    std::uint32_t clientScore() const { return m_clientScore; }
+    void clientScore(std::uint32_t score) { m_clientScore = score; }
+    std::int32_t status() const { return m_status; }
+    void status(std::int32_t status) { m_status = status; }
+    ReceivedHeaderAnalysis& receivedHeaderAnalysis() { return m_analysis; }
+    ReceivedHeaderAnalysis const& receivedHeaderAnalysis() const { return m_analysis; }
+
+  private:
+    std::uint32_t m_clientScore = 0;
+    std::int32_t m_status = 0;
+    ReceivedHeaderAnalysis m_analysis;
+};
+
+class QV_API RefMessageProperties : public Ref<MessageProperties> {
+  public:
+    // With `create` a handle to a fresh record, else an empty handle. A query needs a record: a
+    // scan of a query with an empty handle fails.
+    explicit RefMessageProperties(bool create);
+    RefMessageProperties(RefMessageProperties const&) = default;
+    RefMessageProperties& operator=(RefMessageProperties const&) = default;
+    ~RefMessageProperties() override;
+};
+
+} // namespace Quorvane

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Resolver: blocking, cached DNS look-ups with a deadline, for many threads at once.
+//
+// Configuration is checked when it is made, never during a scan: a look-up that fails, is refused
+// or comes late gives an empty answer and is counted. Settings are published as a whole; look-ups
+// under way finish with the ones they began with. libunbound does not survive fork(): configure
+// after becoming a daemon.
+#pragma once
+
+#include "include2/Export.h"
+#include "platform/IPAddress.h"
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Quorvane {
+
+class HostName;
+
+// Numbers of the IANA "Resource Record (RR) TYPEs" registry, and one of our own.
+enum class RecordType : int {
+    A = 1,
+    PTR = 12,
+    MX = 15,
+    AAAA = 28,
+    // "Does this name exist in mail's sense?": an A, AAAA or MX record, asked side by side.
+    mailName = 100,
+};
+
+// Numbers of the IANA "DNS CLASSes" registry.
+enum class RecordClass : int { IN = 1 };
+
+// The answer to one look-up: its records in the order of the answer. A plain value.
+class QV_API ResolverMessage {
+  public:
+    bool isEmpty() const { return m_records.empty(); }
+    // Wire-format record data (RFC 1035 section 3.2.1, RDATA).
+    std::vector<std::string> const& records() const { return m_records; }
+    void append(std::string rdata);
+
+  private:
+    std::vector<std::string> m_records;
+};
+
+struct ResolverSettings {
+    enum class Mode {
+        system,  // the servers of the system's resolver configuration
+        servers, // m_servers
+        local,   // m_zoneData alone; nothing else is asked
+        off,     // nothing resolves
+    };
+    Mode m_mode = Mode::system;
+    // "192.0.2.1", "192.0.2.1@5353", "2001:db8::1@53".
+    std::vector<std::string> m_servers;
+    // Zone-file lines: "name. A 192.0.2.1", "name. MX 10 mail.name.", answered locally.
+    std::vector<std::string> m_zoneData;
+    // From the call to the answer, for each look-up; late answers count as empty.
+    std::chrono::milliseconds m_deadline{2000};
+};
+
+// A look-up under way. Waiting for it gives the answer; dropping it cancels it.
+class QV_API PendingLookup {
+  public:
+    // No look-up: wait gives an empty answer at once.
+    PendingLookup();
+    PendingLookup(PendingLookup&&) noexcept;
+    PendingLookup& operator=(PendingLookup&&) noexcept;
+    ~PendingLookup();
+
+    // Blocks until the answer is there or the deadline, counted from the start of the look-up, has
+    // passed. Call it once.
+    ResolverMessage wait();
+
+  private:
+    friend class Resolver;
+    class State;
+    explicit PendingLookup(std::unique_ptr<State> state);
+
+    std::unique_ptr<State> m_state;
+};
+
+class QV_API Resolver {
+  public:
+    static Resolver& instance();
+
+    // Puts other settings in force. An Exception of category 3 names the server or the line of zone
+    // data that is wrong; the settings in force then stay.
+    void configure(ResolverSettings const& settings);
+
+    // Blocking look-up; an address literal given as a name, an empty name and a name that is no
+    // domain name do not resolve. One trailing dot is ignored.
+    ResolverMessage submit(RecordType type, std::string const& name, RecordClass recordClass);
+    // The same without waiting, so that look-ups can run side by side.
+    PendingLookup start(RecordType type, std::string const& name, RecordClass recordClass);
+
+    // The reverse name of an address (RFC 1035 section 3.5, RFC 3596 section 2.5); null when there
+    // is none.
+    HostName getHostname(IPAddress const& address);
+
+    // Look-ups since start that failed (SERVFAIL, refused, no server) and that came late. With
+    // them a host tells "does not resolve" from "could not ask".
+    struct Counters {
+        std::uint64_t m_failed = 0;
+        std::uint64_t m_late = 0;
+    };
+    Counters counters() const;
+
+    Resolver(Resolver const&) = delete;
+    Resolver& operator=(Resolver const&) = delete;
+
+  private:
+    Resolver();
+    ~Resolver();
+
+    class Engine;
+    class Slot;
+    std::unique_ptr<Slot> m_slot;
+};
+
+} // namespace Quorvane

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/Strings.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace Quorvane {
+
+namespace {
+
+constexpr char trimmed[] = " \t\r\n";
+
+// Written so that the compiler can turn a loop over it into vector instructions.
+char s_lower(char c) {
+    bool const upper = c >= 'A' && c <= 'Z';
+    return static_cast<char>(c | (upper ? 0x20 : 0));
+}
+
+} // namespace
+
+void copyStringToLower(std::string const& src, std::string& dst, std::string::size_type pos,
+                       std::string::size_type length) {
+    dst.assign(src, pos, length);
+    stringToLowerNoCopy(dst);
+}
+
+void stringToLowerNoCopy(std::string& text) {
+    std::transform(text.begin(), text.end(), text.begin(), s_lower);
+}
+
+int stringCompareNoCase(std::string const& a, std::string const& b, std::string::size_type pos) {
+    std::string_view rest(a);
+    rest.remove_prefix(std::min(pos, rest.size()));
+    auto const common = std::min(rest.size(), b.size());
+    for (std::string::size_type i = 0; i < common; ++i) {
+        auto const left = static_cast<unsigned char>(s_lower(rest[i]));
+        auto const right = static_cast<unsigned char>(s_lower(b[i]));
+        if (left != right) {
+            return left < right ? -1 : 1;
+        }
+    }
+    if (rest.size() == b.size()) {
+        return 0;
+    }
+    return rest.size() < b.size() ? -1 : 1;
+}
+
+void stringLeftTrim(std::string& text) {
+    text.erase(0, text.find_first_not_of(trimmed));
+}
+
+void stringRightTrim(std::string& text) {
+    text.erase(text.find_last_not_of(trimmed) + 1);
+}
+
+} // namespace Quorvane

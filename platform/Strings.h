@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Byte-string helpers. All of them are pure, treat NUL as an ordinary byte, and change case in
+// ASCII only, whatever the locale: the rules compare names that attackers choose, and a name must
+// not read differently on a host with another language setting.
+#pragma once
+
+#include "include2/Export.h"
+
+#include <string>
+
+namespace Quorvane {
+
+// Sets `dst` to the lower-cased `length` bytes of `src` from `pos` (to the end when `length` runs
+// past it). Throws std::out_of_range when `pos` is beyond the end.
+QV_API void copyStringToLower(std::string const& src, std::string& dst, std::string::size_type pos,
+                              std::string::size_type length);
+QV_API void stringToLowerNoCopy(std::string& text);
+
+// 0 when `a` from byte `pos` on equals `b` but for letter case, else the order: negative when that
+// rest of `a` sorts first. A `pos` beyond the end compares the empty string.
+QV_API int stringCompareNoCase(std::string const& a, std::string const& b,
+                               std::string::size_type pos);
+
+// Strip space, tab, CR and LF at one end.
+QV_API void stringLeftTrim(std::string& text);
+QV_API void stringRightTrim(std::string& text);
+
+} // namespace Quorvane

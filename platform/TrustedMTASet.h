@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The relays that the site trusts: its own mail servers (skipped along the trail) and its own
+// anti-spam relays (they end the trail).
+//
+// A TrustedMTASet never changes. TrustedMTASetRef::install publishes a new one at any time; scans
+// that hold a reference to the old one finish with it.
+#pragma once
+
+#include "include2/Export.h"
+#include "include2/QvaneRefcounted.h"
+#include "platform/IPAddress.h"
+#include "platform/IPPrefix.h"
+
+#include <memory>
+#include <vector>
+
+namespace Quorvane {
+
+class QV_API TrustedMTASet : public RefImpl {
+  public:
+    // Trusts nobody.
+    TrustedMTASet();
+    TrustedMTASet(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam);
+    ~TrustedMTASet() override;
+
+    // Both are false for a null address. An anti-spam relay is not by itself a trusted relay.
+    bool isTrustedMTA(IPAddress const& address) const;
+    bool isTrustedAntiSpamMTA(IPAddress const& address) const;
+
+  private:
+    friend class TrustedMTASetRef;
+    struct Prefixes;
+    explicit TrustedMTASet(std::shared_ptr<Prefixes const> prefixes);
+
+    std::shared_ptr<Prefixes const> m_prefixes;
+};
+
+class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
+  public:
+    // Empty.
+    TrustedMTASetRef() = default;
+    // Takes over the initial reference of `set`.
+    explicit TrustedMTASetRef(TrustedMTASet* set);
+    ~TrustedMTASetRef() override;
+
+    // A counted reference to the set in force: the empty set until one is installed, never an empty
+    // handle. `reload` is there for hosts whose set has a source of its own; this one has none and
+    // ignores it. Each thread counts on a line of its own, so taking a reference costs no traffic
+    // between cores.
+    static TrustedMTASetRef instance(bool reload);
+
+    // Puts a new set in force. Safe at any time from any thread.
+    static void install(std::vector<IPPrefix> const& trusted,
+                        std::vector<IPPrefix> const& antiSpam);
+};
+
+} // namespace Quorvane
