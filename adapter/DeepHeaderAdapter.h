@@ -10,9 +10,9 @@
 
 #include "DeepHeaderAnswer.h"
 #include "DeepHeaderQuery.h"
-#include "MsgReceived.h"
 #include "include2/Export.h"
 #include "include2/QvaneRefcounted.h"
+#include "MsgReceived.h"
 #include "platform/DeepHeaderSettings.h"
 #include "platform/EmailAddress.h"
 #include "rules/format/AttributeTable.h"
@@ -81,8 +81,8 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
         std::string reasons;     // one character for each adjusting rule that fired
     };
 
-    // Loads the rules; a DeepHeaderException when the tree cannot be loaded. Elite rules that cannot
-    // be loaded are left out.
+    // Loads the rules; a DeepHeaderException when the tree cannot be loaded. Elite rules that
+    // cannot be loaded are left out.
     DeepHeaderAdapter();
     ~DeepHeaderAdapter() override;
 
@@ -119,6 +119,7 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
     int loadDTRules();
     int loadEliteNodes();
     int isDynamicHostname(std::string& name);
+    void classifyNames(SingleReceiver& slot);
 
     std::array<DTNode, treeTableSize> m_dtNodes;
     EliteFileHeader m_eliteHeader;
@@ -135,8 +136,8 @@ class QV_API RefDeepHeaderAdapter : public Ref<DeepHeaderAdapter> {
     RefDeepHeaderAdapter& operator=(RefDeepHeaderAdapter const&) = default;
     ~RefDeepHeaderAdapter() override;
 
-    // Publishes `adapter` when it is not null, then returns a counted handle to the engine in force;
-    // an empty one before the first. REQUIRES: the caller holds DeepHeaderScanner::m_Mutex.
+    // Publishes `adapter` when it is not null, then returns a counted handle to the engine in
+    // force; an empty one before the first. REQUIRES: the caller holds DeepHeaderScanner::m_Mutex.
     static RefDeepHeaderAdapter instance(DeepHeaderAdapter* adapter);
 };
 

@@ -61,6 +61,9 @@ class QV_API MsgReceived : public Header {
     int isForged() const;
     // Sets the answer of isForged; -1 makes the next call compute it.
     void isForged(int forged);
+
+  private:
+    friend class ReceivedAccess;
 };
 
 // True when `name` resolves, but not to `address`. False when either is missing, and when DNS gives

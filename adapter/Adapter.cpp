@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The engine's construction, its publication, and the order of the stages of a scan. Each stage is
+// a file beside this one:
+//
+//   getFields      HeaderFields.cpp   addresses, Message-ID domain, the hops to judge
+//   parseFields    ReceivedChain.cpp  the hops, classified and analysed
+//   getAttributes  Attributes.cpp     the vector of 38 attributes
+//   getResults     Verdict.cpp        EliteNodes.cpp and DecisionTree.cpp turn it into the answer
+#include "adapter/DeepHeaderAdapter.h"
+#include "include2/DeepHeaderException.h"
+#include "scanner/records/RecordAccess.h"
+
+namespace Quorvane {
+
+template class RefCounted<DeepHeaderAdapter>;
+template class Ref<DeepHeaderAdapter>;
+
+namespace {
+
+// Locations that DeepHeaderExceptions report; programs match on them, so never renumber.
+constexpr char adapterFile[] = "Adapter";
+constexpr unsigned int rulesLine = 175;
+constexpr unsigned int knownFailureLine = 771;
+constexpr unsigned int otherFailureLine = 775;
+
+[[noreturn]] void s_fail(unsigned int line, std::string const& text) {
+    DeepHeaderException exception(adapterFile, line);
+    exception.stringParameter(text);
+    throw exception;
+}
+
+RefDeepHeaderAdapter* s_adapterInstance = nullptr;
+
+} // namespace
+
+// --- construction -------------------------------------------------------------------------------
+
+DeepHeaderAdapter::DeepHeaderAdapter() : m_dtNodes{}, m_eliteHeader{} {
+    loadEliteNodes(); // an engine without elite rules is a valid one
+    if (loadDTRules() != 0) {
+        s_fail(rulesLine, "Error loading the deep header rules");
+    }
+}
+
+DeepHeaderAdapter::~DeepHeaderAdapter() = default;
+
+DeepHeaderAdapter::MsgProperties::MsgProperties() {
+    for (auto const& facts : attributeTable) {
+        attributes[facts.m_index] = facts.m_start;
+    }
+}
+
+// --- publication --------------------------------------------------------------------------------
+
+RefDeepHeaderAdapter::RefDeepHeaderAdapter() = default;
+
+RefDeepHeaderAdapter::RefDeepHeaderAdapter(DeepHeaderAdapter* adapter)
+    : Ref(new RefCounted<DeepHeaderAdapter>(adapter, false)) {}
+
+RefDeepHeaderAdapter::~RefDeepHeaderAdapter() = default;
+
+RefDeepHeaderAdapter RefDeepHeaderAdapter::instance(DeepHeaderAdapter* adapter) {
+    if (adapter != nullptr) {
+        delete s_adapterInstance;
+        s_adapterInstance = nullptr;
+        s_adapterInstance = new RefDeepHeaderAdapter(adapter);
+    }
+    return s_adapterInstance == nullptr ? RefDeepHeaderAdapter() : *s_adapterInstance;
+}
+
+// --- the scan -----------------------------------------------------------------------------------
+
+DeepHeaderAnswer DeepHeaderAdapter::scanMessage(DeepHeaderQuery& query) {
+    MsgProperties props;
+    return scanMessage(query, props);
+}
+
+DeepHeaderAnswer DeepHeaderAdapter::scanMessage(DeepHeaderQuery& query, MsgProperties& props) {
+    DeepHeaderAnswer answer;
+    try {
+        getFields(props, query);
+        if (parseFields(props)) {
+            getAttributes(props);
+            getResults(RecordAccess::record(answer), query, props);
+        }
+    } catch (Exception const& exception) {
+        s_fail(knownFailureLine, exception.asString());
+    } catch (...) {
+        s_fail(otherFailureLine, "Error deep header scanning ");
+    }
+    return answer;
+}
+
+} // namespace Quorvane

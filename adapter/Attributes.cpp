@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Third stage of a scan: completes the attribute vector from the hop slots and the addresses, with
+// at most two DNS look-ups.
+#include "adapter/DeepHeaderAdapter.h"
+#include "adapter/NameRelation.h"
+#include "platform/Resolver.h"
+
+namespace Quorvane {
+
+namespace {
+
+using SingleReceiver = DeepHeaderAdapter::SingleReceiver;
+using AttributeVector = decltype(DeepHeaderAdapter::MsgProperties::attributes);
+
+static_assert(std::tuple_size<AttributeVector>::value == attributeTable.size());
+
+std::int32_t s_relation(std::string const& a, std::string const& b) {
+    return a.empty() || b.empty() ? Code::unknown : s_domainMatch(a, b);
+}
+
+std::int32_t s_resolves(std::string const& name) {
+    if (name.empty()) {
+        return Code::no;
+    }
+    auto const answer = Resolver::instance().submit(RecordType::mailName, name, RecordClass::IN);
+    return answer.isEmpty() ? Code::no : Code::yes;
+}
+
+// A literal needs no look-up, and where nothing was analysed there is nothing to look up.
+std::int32_t s_heloResolves(SingleReceiver const& hop) {
+    return hop.heloIsIP == Code::no ? s_resolves(hop.helo) : hop.heloIsIP;
+}
+
+std::int32_t s_sameAddress(SingleReceiver const& deep, SingleReceiver const& first) {
+    if (deep.ip.empty()) {
+        return Code::unknown;
+    }
+    return deep.ip == first.ip ? Code::yes : Code::no;
+}
+
+void s_copyFirstHop(AttributeVector& attributes, SingleReceiver const& hop) {
+    attributes[Attribute::firstHeloIsDomain] = hop.heloIsDomain;
+    attributes[Attribute::firstReverseDynamic] = hop.reverseDynamic;
+    attributes[Attribute::firstForged] = hop.isForged;
+    attributes[Attribute::firstHeloMatchesReverse] = hop.heloMatchesReverse;
+    attributes[Attribute::firstFromMatchesHelo] = hop.fromDomainMatchesHelo;
+    attributes[Attribute::firstHeloDynamic] = hop.heloDynamic;
+    attributes[Attribute::firstFromMatchesBoth] = hop.fromDomainMatchesBoth;
+    attributes[Attribute::firstEnvelopeMatches] = hop.envFromDomainMatches;
+    attributes[Attribute::firstFromMatchesReverse] = hop.fromDomainMatchesReverse;
+}
+
+void s_copyDeepHop(AttributeVector& attributes, SingleReceiver const& hop) {
+    attributes[Attribute::deepHeloIsDomain] = hop.heloIsDomain;
+    attributes[Attribute::deepReverseDynamic] = hop.reverseDynamic;
+    attributes[Attribute::deepHeloMatchesReverse] = hop.heloMatchesReverse;
+    attributes[Attribute::deepFromMatchesHelo] = hop.fromDomainMatchesHelo;
+    attributes[Attribute::deepFromMatchesReverse] = hop.fromDomainMatchesReverse;
+    attributes[Attribute::deepHeloDynamic] = hop.heloDynamic;
+}
+
+} // namespace
+
+void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
+    std::string const& fromDomain = props.headerFrom.domain();
+    std::string envFromDomain = props.envelopeFrom.domain();
+    std::string rcptDomain = props.recipient.domain();
+    auto& first = props.receivers[0];
+    auto const& deep = props.receivers[1];
+    auto& attributes = props.attributes;
+
+    attributes[Attribute::messageIdHasDot] =
+        props.messageIdDomain.find('.') != std::string::npos ? 1 : 0;
+    attributes[Attribute::fromMatchesMessageId] = s_relation(fromDomain, props.messageIdDomain);
+    attributes[Attribute::fromMatchesEnvelope] = s_relation(fromDomain, envFromDomain);
+    s_copyFirstHop(attributes, first);
+    attributes[Attribute::firstHeloResolves] = s_heloResolves(first);
+    attributes[Attribute::envelopeDomainResolves] = s_resolves(envFromDomain);
+    attributes[Attribute::heloIsRecipientNotEnvelope] =
+        s_ThreeWayMisMatch(first.helo, rcptDomain, envFromDomain) ? 1 : 0;
+    s_copyDeepHop(attributes, deep);
+    attributes[Attribute::deepSameAddress] = s_sameAddress(deep, first);
+}
+
+} // namespace Quorvane

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "adapter/NameRelation.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace Quorvane {
+
+namespace {
+
+constexpr std::string::size_type shortestName = 3;
+
+std::string_view s_key(std::string_view name) {
+    if (std::count(name.begin(), name.end(), '.') >= 2) {
+        name.remove_prefix(name.find('.') + 1);
+    }
+    return name;
+}
+
+} // namespace
+
+int s_domainMatch(std::string const& a, std::string const& b) {
+    if (a.size() < shortestName || b.size() < shortestName) {
+        return 0;
+    }
+    bool const isFirstShorter = a.size() < b.size();
+    std::string_view const shorter = isFirstShorter ? a : b;
+    std::string_view const longer = isFirstShorter ? b : a;
+    return longer.find(s_key(shorter)) != std::string_view::npos ? 1 : 0;
+}
+
+bool s_ThreeWayMisMatch(std::string& a, std::string& b, std::string& c) {
+    return s_domainMatch(a, b) == 1 && s_domainMatch(b, c) == 0;
+}
+
+} // namespace Quorvane

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "DeepHeaderScanner.h"
+
+#include "adapter/DeepHeaderAdapter.h"
+#include "include2/Exception.h"
+#include "platform/Logger.h"
+#include "scanner/RuleVersion.h"
+
+namespace Quorvane {
+
+namespace {
+
+// Numbers of the log records; hosts filter on them, so never renumber.
+constexpr int noEngine = 50332195;
+constexpr int scanFailed = 50332196;
+constexpr int engineFailed = 50332198;
+constexpr int engineFailedOtherwise = 50332199;
+constexpr int initFailed = 50332201;
+
+void s_log(int messageId, std::string const& text) {
+    Logger::instance(false)->log(messageId, 0, "%s", text.c_str());
+}
+
+// Null when the rules cannot be loaded; the reason is logged.
+DeepHeaderAdapter* s_buildEngine() {
+    try {
+        return new DeepHeaderAdapter;
+    } catch (Exception const& exception) {
+        s_log(engineFailed, exception.asString());
+    } catch (...) {
+        s_log(engineFailedOtherwise, " ");
+    }
+    return nullptr;
+}
+
+} // namespace
+
+Mutex DeepHeaderScanner::m_Mutex;
+std::atomic<std::int32_t> DeepHeaderScanner::m_version;
+
+DeepHeaderScanner::DeepHeaderScanner() = default;
+
+DeepHeaderScanner::~DeepHeaderScanner() = default;
+
+// The slow part, reading the rules, runs without the lock: scans never wait for it.
+void DeepHeaderScanner::init() {
+    try {
+        auto const version = readRuleVersion();
+        if (version != noRuleVersion && version <= m_version.load(std::memory_order_relaxed)) {
+            return;
+        }
+        auto* const engine = s_buildEngine();
+        if (engine == nullptr) {
+            return;
+        }
+        Synchronized const lock(m_Mutex);
+        RefDeepHeaderAdapter::instance(engine);
+        m_version.store(version, std::memory_order_relaxed);
+    } catch (Exception const& exception) {
+        s_log(initFailed, exception.asString());
+    }
+}
+
+bool DeepHeaderScanner::ready() {
+    return m_version.load(std::memory_order_relaxed) != 0;
+}
+
+DeepHeaderAnswer DeepHeaderScanner::postQuery(DeepHeaderQuery& query) {
+    try {
+        RefDeepHeaderAdapter engine;
+        {
+            Synchronized const lock(m_Mutex);
+            engine = RefDeepHeaderAdapter::instance(nullptr);
+        }
+        if (!engine.isEmpty()) {
+            return engine->scanMessage(query);
+        }
+        s_log(noEngine, " ");
+    } catch (Exception const& exception) {
+        s_log(scanFailed, exception.asString());
+    }
+    return DeepHeaderAnswer();
+}
+
+} // namespace Quorvane

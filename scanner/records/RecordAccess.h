@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// RecordAccess: the way from a query or answer handle to the record behind it, for the engine,
+// which fills answers, and for programs that show more of an answer than the public class does.
+#pragma once
+
+#include "DeepHeaderAnswer.h"
+#include "DeepHeaderQuery.h"
+#include "scanner/records/DeepHeaderAnswerImpl.h"
+#include "scanner/records/DeepHeaderQueryImpl.h"
+
+namespace Quorvane {
+
+class RecordAccess {
+  public:
+    static DeepHeaderAnswerImpl& record(DeepHeaderAnswer const& answer) {
+        return *answer.m_wrapper->impl();
+    }
+    static DeepHeaderQueryImpl& record(DeepHeaderQuery const& query) {
+        return *query.m_wrapper->impl();
+    }
+};
+
+} // namespace Quorvane
