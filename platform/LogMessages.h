@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The messages that both libraries log: one table of id, level and words, and the line that a
+// logger prints. A host that derives a logger of its own (syslog, journal) takes them from here, so
+// that a postmaster reads the same words everywhere. Constant data and pure functions: call them
+// from any thread.
+#pragma once
+
+#include "include2/Export.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace Quorvane {
+
+enum class LogLevel { warning, error };
+
+// Never renumber the ids: filters on log servers know them.
+struct LogMessage {
+    int m_id;
+    LogLevel m_level;
+    char const* m_words;
+};
+
+// Bytes of a log line at most. Exceptions quote header text, which a sender may make megabytes
+// long, and syslog daemons cut lines not far above this.
+constexpr std::size_t maxLogLine = 2000;
+
+// The table's entry for `id`; null for an id that it does not hold.
+QV_API LogMessage const* findLogMessage(int id);
+
+// The level of a message; a warning when the table does not hold it.
+QV_API LogLevel logLevel(int id);
+
+// "words: detail" on one line of printable ASCII, at most maxLogLine bytes; a longer line ends in
+// "...". Other bytes of the detail are shown as \xNN, so that hostile text can neither forge a
+// second line nor steer a terminal. A blank detail is left out. An id that the table does not hold
+// gives "message ID: detail".
+QV_API std::string logLine(int id, std::string_view detail);
+
+} // namespace Quorvane
