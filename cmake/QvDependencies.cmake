@@ -22,4 +22,5 @@ target_link_libraries(qv_unbound INTERFACE "${UNBOUND_LIBRARY}")
 
 if(QV_BUILD_TESTS)
     find_package(GTest REQUIRED)
+    find_package(rapidcheck REQUIRED)
 endif()

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/IPAddress.h"
+
+#include "platform/internal/AddressBits.h"
+#include "platform/Strings.h"
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <array>
+#include <cstddef>
+#include <netinet/in.h>
+#include <optional>
+
+namespace Quorvane {
+
+namespace {
+
+using Bytes = IPAddress::Bytes;
+
+constexpr std::size_t s_mappedBytes = internal::mappedBits / 8;
+constexpr std::size_t s_longestText = INET6_ADDRSTRLEN - 1;
+// RFC 5321 section 4.1.3; letter case does not count.
+constexpr char s_tag[] = "IPv6:";
+constexpr std::size_t s_tagLength = sizeof s_tag - 1;
+
+struct Range {
+    Bytes m_network;
+    int m_length;
+};
+
+constexpr Range s_v4Range(std::uint8_t a, std::uint8_t b, int length) {
+    return {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff, a, b}, internal::mappedBits + length};
+}
+
+// IANA IPv4 and IPv6 Special-Purpose Address Registries.
+constexpr std::array s_privateRanges = {
+    s_v4Range(0, 0, 8),
+    s_v4Range(10, 0, 8),
+    s_v4Range(100, 64, 10),
+    s_v4Range(127, 0, 8),
+    s_v4Range(169, 254, 16),
+    s_v4Range(172, 16, 12),
+    s_v4Range(192, 168, 16),
+    Range{{}, 128},
+    Range{{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}, 128},
+    Range{{0xfc}, 7},
+    Range{{0xfe, 0x80}, 10},
+};
+
+bool s_isTagged(std::string const& text) {
+    return text.size() > s_tagLength &&
+           stringCompareNoCase(text.substr(0, s_tagLength), s_tag, 0) == 0;
+}
+
+std::optional<Bytes> s_parseV6(char const* text) {
+    Bytes bytes{};
+    if (inet_pton(AF_INET6, text, bytes.data()) != 1) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+std::optional<Bytes> s_parseV4(char const* text) {
+    Bytes bytes{};
+    bytes[s_mappedBytes - 2] = 0xff;
+    bytes[s_mappedBytes - 1] = 0xff;
+    if (inet_pton(AF_INET, text, bytes.data() + s_mappedBytes) != 1) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+// inet_pton sees C strings: a NUL byte would hide what follows it. The bound on the length keeps a
+// hostile text from being walked.
+std::optional<Bytes> s_parse(std::string const& text) {
+    bool const tagged = s_isTagged(text);
+    auto const start = tagged ? s_tagLength : 0;
+    if (text.size() - start > s_longestText || text.find('\0') != std::string::npos) {
+        return std::nullopt;
+    }
+    if (tagged) {
+        return s_parseV6(text.c_str() + start);
+    }
+    auto const bytes = s_parseV4(text.c_str());
+    return bytes ? bytes : s_parseV6(text.c_str());
+}
+
+std::string s_fullGroups(Bytes const& bytes) {
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (i > 0 && i % 2 == 0) {
+            text += ':';
+        }
+        text += digits[bytes.at(i) >> 4U];
+        text += digits[bytes.at(i) & 0x0fU];
+    }
+    return text;
+}
+
+} // namespace
+
+IPAddress::IPAddress(std::string const& text) {
+    if (auto const bytes = s_parse(text)) {
+        m_bytes = *bytes;
+        m_isSet = true;
+    }
+}
+
+IPAddress IPAddress::fromBytes(Bytes const& bytes) {
+    IPAddress address;
+    address.m_bytes = bytes;
+    address.m_isSet = true;
+    return address;
+}
+
+bool IPAddress::isValidIPAddress(std::string const& text) {
+    return s_parse(text).has_value();
+}
+
+bool IPAddress::isPrivateAddress(IPAddress const& address) {
+    return !address.isNull() &&
+           std::any_of(s_privateRanges.begin(), s_privateRanges.end(), [&](Range const& range) {
+               return internal::sameLeadingBits(address.m_bytes, range.m_network, range.m_length);
+           });
+}
+
+bool IPAddress::isV6() const {
+    return m_isSet && !internal::isMapped(m_bytes);
+}
+
+std::string IPAddress::asString(bool compressed) const {
+    if (!m_isSet) {
+        return {};
+    }
+    if (isV6() && !compressed) {
+        return s_fullGroups(m_bytes);
+    }
+    std::array<char, INET6_ADDRSTRLEN> text{};
+    auto const* const source = m_bytes.data() + (isV6() ? 0 : s_mappedBytes);
+    inet_ntop(isV6() ? AF_INET6 : AF_INET, source, text.data(), text.size());
+    return text.data();
+}
+
+} // namespace Quorvane
