@@ -116,7 +116,6 @@ class QV_API Resolver {
     Resolver();
     ~Resolver();
 
-    class Engine;
     class Slot;
     std::unique_ptr<Slot> m_slot;
 };

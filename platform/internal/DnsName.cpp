@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/internal/DnsName.h"
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace Quorvane::Dns {
+namespace {
+
+bool s_isNameByte(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '_';
+}
+
+bool s_isLabel(std::string_view label) {
+    return !label.empty() && label.size() <= maxLabelLength &&
+           std::all_of(label.begin(), label.end(), s_isNameByte);
+}
+
+bool s_hasOnlyLabels(std::string_view name) {
+    for (;;) {
+        auto const dot = name.find('.');
+        if (!s_isLabel(name.substr(0, dot))) {
+            return false;
+        }
+        if (dot == std::string_view::npos) {
+            return true;
+        }
+        name.remove_prefix(dot + 1);
+    }
+}
+
+bool s_isIPv4Text(std::string const& text) {
+    in_addr ignored{};
+    return inet_pton(AF_INET, text.c_str(), &ignored) == 1;
+}
+
+void s_appendEscaped(std::string& text, char c) {
+    auto const byte = static_cast<unsigned char>(c);
+    if (byte <= 0x20 || byte >= 0x7f) {
+        text += '\\';
+        text += static_cast<char>('0' + byte / 100);
+        text += static_cast<char>('0' + byte / 10 % 10);
+        text += static_cast<char>('0' + byte % 10);
+        return;
+    }
+    if (c == '.' || c == '\\') {
+        text += '\\';
+    }
+    text += c;
+}
+
+std::string s_reverseV4(IPAddress::Bytes const& bytes) {
+    std::string name;
+    for (std::size_t i = 16; i > 12; --i) {
+        name += std::to_string(bytes.at(i - 1)) + '.';
+    }
+    return name + "in-addr.arpa";
+}
+
+std::string s_reverseV6(IPAddress::Bytes const& bytes) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string name;
+    for (std::size_t i = 16; i > 0; --i) {
+        unsigned const byte = bytes.at(i - 1);
+        name += digits.at(byte & 0xfU);
+        name += '.';
+        name += digits.at(byte >> 4U);
+        name += '.';
+    }
+    return name + "ip6.arpa";
+}
+
+} // namespace
+
+std::string askableName(std::string const& name) {
+    std::string asked = name;
+    if (!asked.empty() && asked.back() == '.') {
+        asked.pop_back();
+    }
+    if (asked.size() > maxNameLength || !s_hasOnlyLabels(asked) || s_isIPv4Text(asked)) {
+        return {};
+    }
+    return asked;
+}
+
+std::string reverseName(IPAddress const& address) {
+    return address.isV6() ? s_reverseV6(address.bytes()) : s_reverseV4(address.bytes());
+}
+
+std::string wireNameText(std::string const& wire) {
+    std::string text;
+    std::size_t at = 0;
+    while (at < wire.size() && wire[at] != '\0') {
+        auto const length = static_cast<unsigned char>(wire[at]);
+        if (length > maxLabelLength || length >= wire.size() - at) {
+            return {};
+        }
+        if (!text.empty()) {
+            text += '.';
+        }
+        for (char const c : wire.substr(at + 1, length)) {
+            s_appendEscaped(text, c);
+        }
+        at += length + 1U;
+    }
+    return at < wire.size() ? text : std::string();
+}
+
+} // namespace Quorvane::Dns

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Domain names between the texts that mail shows and the wire. Pure functions.
+//
+// Names come out of hostile mail. What is asked is made of letters, digits, "-", "_" and dots only:
+// that is every name a mail host can have, and none of it means anything special in libunbound's
+// text form, where a backslash would start an escape and a NUL would end the name early.
+#pragma once
+
+#include "platform/IPAddress.h"
+
+#include <string>
+
+namespace Quorvane::Dns {
+
+// RFC 1035 section 2.3.4, in characters of the text without trailing dot: 255 bytes on the wire are
+// one length byte for each label, which the dots and one more stand for, and the root's zero byte.
+inline constexpr std::string::size_type maxNameLength = 253;
+inline constexpr std::string::size_type maxLabelLength = 63;
+
+// `name` as it is asked, without its one trailing dot; empty when it is not to be asked: an empty
+// or over-long name or label, another byte than those above, an IPv4 address. (IPv6 addresses and
+// bracketed literals fail by their characters.)
+std::string askableName(std::string const& name);
+
+// The name under which the PTR record of `address` stands (RFC 1035 section 3.5, RFC 3596 section
+// 2.5). REQUIRES: `address` is not null.
+std::string reverseName(IPAddress const& address);
+
+// Text of an uncompressed wire-format name, without trailing dot. Whoever runs a reverse zone
+// chooses these bytes, so "." and "\" in a label and whatever is not printable ASCII are escaped
+// (RFC 1035 section 5.1). Empty for the root and for broken data.
+std::string wireNameText(std::string const& wire);
+
+} // namespace Quorvane::Dns

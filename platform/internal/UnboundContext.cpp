@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/internal/UnboundContext.h"
+
+#include "include2/Exception.h"
+#include "platform/internal/UnboundSetup.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <unbound.h>
+#include <unistd.h>
+#include <utility>
+
+namespace Quorvane::Dns {
+
+struct Delivery {
+    std::shared_ptr<AnswerBox> m_box;
+    std::size_t m_slot;
+};
+
+namespace {
+
+// A host that waits for signals in a thread of its own must not lose them to ours.
+class SignalsBlocked {
+  public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    SignalsBlocked(SignalsBlocked const&) = delete;
+    SignalsBlocked& operator=(SignalsBlocked const&) = delete;
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+  private:
+    sigset_t m_before{};
+};
+
+constexpr int s_rcodeNoError = 0;
+constexpr int s_rcodeNoSuchName = 3;
+
+Answer s_readAnswer(ub_result const& result) {
+    Answer answer;
+    answer.m_failed = result.rcode != s_rcodeNoError && result.rcode != s_rcodeNoSuchName;
+    if (result.havedata != 0) {
+        for (std::size_t i = 0; result.data[i] != nullptr; ++i) {
+            answer.m_message.append(
+                std::string(result.data[i], static_cast<std::size_t>(result.len[i])));
+        }
+    } else if (result.canonname != nullptr && result.rcode == s_rcodeNoError) {
+        answer.m_alias = result.canonname;
+    }
+    return answer;
+}
+
+// Out of memory is a failed look-up like any other.
+Answer s_answerOf(int error, ub_result const* result) noexcept {
+    try {
+        if (error == UB_NOERROR && result != nullptr) {
+            return s_readAnswer(*result);
+        }
+    } catch (...) {
+    }
+    Answer failed;
+    failed.m_failed = true;
+    return failed;
+}
+
+void s_deliver(void* data, int error, ub_result* result) {
+    std::unique_ptr<Delivery> const delivery(static_cast<Delivery*>(data));
+    delivery->m_box->put(delivery->m_slot, s_answerOf(error, result));
+    ub_resolve_free(result);
+}
+
+void s_ignoreAnswer(void* /*data*/, int /*error*/, ub_result* result) {
+    ub_resolve_free(result);
+}
+
+} // namespace
+
+void UnboundContext::Deleter::operator()(ub_ctx* context) const {
+    ub_ctx_delete(context);
+}
+
+UnboundContext::UnboundContext(ResolverSettings const& settings)
+    : m_process(getpid()), m_hasZoneData(!settings.m_zoneData.empty()), m_context(ub_ctx_create()) {
+    if (!m_context) {
+        throw Exception("DNS: no memory or no random numbers for the resolver", 3, nullptr, 0);
+    }
+    setUpUnbound(*m_context, settings);
+    startThreads();
+}
+
+// A child of fork has the memory of this object but none of its threads: waiting for them would
+// never end, so there everything stays as it is.
+UnboundContext::~UnboundContext() {
+    if (getpid() != m_process) {
+        static_cast<void>(m_pump.release());
+        static_cast<void>(m_context.release());
+        return;
+    }
+    eventfd_write(m_stopEvent, 1);
+    m_pump->join();
+    close(m_stopEvent);
+}
+
+// libunbound starts its thread with the first question. Asking one here shows now, and not in a
+// scan, whether that works.
+void UnboundContext::startThreads() {
+    SignalsBlocked const blocked;
+    int const error =
+        ub_resolve_async(m_context.get(), startQuestion, static_cast<int>(RecordType::A),
+                         static_cast<int>(RecordClass::IN), nullptr, s_ignoreAnswer, nullptr);
+    m_stopEvent = eventfd(0, EFD_CLOEXEC);
+    if (error != UB_NOERROR || m_stopEvent < 0) {
+        throw Exception(std::string("DNS: the resolver does not start: ") +
+                            (error != UB_NOERROR ? ub_strerror(error) : "no file descriptors left"),
+                        3, nullptr, 0);
+    }
+    try {
+        m_pump = std::make_unique<std::thread>([this] { pump(); });
+    } catch (std::system_error const&) {
+        close(m_stopEvent);
+        throw Exception("DNS: the resolver does not start: no thread left", 3, nullptr, 0);
+    }
+}
+
+// Ends when told to, or when libunbound's own thread is gone; look-ups then run into their
+// deadline.
+void UnboundContext::pump() const {
+    std::array<pollfd, 2> events{{{ub_fd(m_context.get()), POLLIN, 0}, {m_stopEvent, POLLIN, 0}}};
+    for (;;) {
+        if (poll(events.data(), events.size(), -1) < 0) {
+            if (errno != EINTR) {
+                return;
+            }
+            continue;
+        }
+        if (events[1].revents != 0 || ub_process(m_context.get()) != UB_NOERROR) {
+            return;
+        }
+    }
+}
+
+Ticket UnboundContext::ask(RecordType type, std::string const& name, std::shared_ptr<AnswerBox> box,
+                           std::size_t slot) const {
+    std::unique_ptr<Delivery> delivery(new Delivery{std::move(box), slot});
+    Ticket ticket;
+    if (ub_resolve_async(m_context.get(), name.c_str(), static_cast<int>(type),
+                         static_cast<int>(RecordClass::IN), delivery.get(), s_deliver,
+                         &ticket.m_id) == UB_NOERROR) {
+        ticket.m_delivery = delivery.release();
+    }
+    return ticket;
+}
+
+// libunbound calls s_deliver exactly when it does not accept the cancellation.
+void UnboundContext::cancel(Ticket ticket) const {
+    if (ticket.m_delivery != nullptr && ub_cancel(m_context.get(), ticket.m_id) == UB_NOERROR) {
+        delete ticket.m_delivery;
+    }
+}
+
+} // namespace Quorvane::Dns
