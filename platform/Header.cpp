@@ -26,10 +26,7 @@ void Header::newImpl() {
     resetWrapper(new RefCounted<TypeAndValueImpl>(new HeaderImpl, false));
 }
 
-Header& Header::operator=(Header const& other) {
-    TypeAndValue::operator=(other);
-    return *this;
-}
+Header& Header::operator=(Header const& other) = default;
 
 bool Header::operator==(Header const& other) const {
     return TypeAndValue::operator==(other);

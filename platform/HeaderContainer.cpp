@@ -7,7 +7,7 @@ HeaderContainerImpl::~HeaderContainerImpl() = default;
 
 HeaderContainer::HeaderContainer() : m_wrapper(new RefCounted<HeaderContainerImpl>) {}
 
-HeaderContainer::HeaderContainer(HeaderContainer const& other) : m_wrapper(nullptr) {
+HeaderContainer::HeaderContainer(HeaderContainer const& other) {
     RefCountedImplCopy(m_wrapper, other.m_wrapper);
 }
 

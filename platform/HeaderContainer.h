@@ -33,7 +33,7 @@ class QV_API HeaderContainer {
     void append(Header const& header);
 
   private:
-    RefCounted<HeaderContainerImpl>* m_wrapper;
+    RefCounted<HeaderContainerImpl>* m_wrapper = nullptr;
 };
 
 } // namespace Quorvane
