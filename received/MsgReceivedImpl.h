@@ -15,6 +15,9 @@ namespace Quorvane {
 class MsgReceivedImpl : public HeaderImpl {
   public:
     explicit MsgReceivedImpl(std::string const& value);
+    // A record of fields that were found otherwise, without text. It parses only when `fields` say
+    // that they are not parsed.
+    explicit MsgReceivedImpl(ReceivedFields fields);
     ~MsgReceivedImpl() override;
 
     std::string const& from() const { return parsed().m_from; }

@@ -7,6 +7,7 @@
 #include "received/ReceivedScanner.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Quorvane {
 
@@ -43,6 +44,9 @@ MsgReceivedImpl& s_record(TypeAndValueImpl* impl, unsigned int line) {
 // --- MsgReceivedImpl ----------------------------------------------------------------------------
 
 MsgReceivedImpl::MsgReceivedImpl(std::string const& value) : HeaderImpl("Received", value) {}
+
+MsgReceivedImpl::MsgReceivedImpl(ReceivedFields fields)
+    : HeaderImpl("Received", {}), m_fields(std::move(fields)) {}
 
 MsgReceivedImpl::~MsgReceivedImpl() = default;
 

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The scan's DNS look-ups against a real server: what it answers, what it refuses, what it cannot
+// answer and what it keeps to itself.
+#include "Engine.h"
+#include "support/DnsServer.h"
+#include "support/SilentDnsServer.h"
+
+namespace Quorvane::Testing {
+namespace {
+
+class LookupTest : public EngineTest {
+  protected:
+    static void SetUpTestSuite() {
+        s_server = std::make_unique<DnsServer>(std::vector<DnsZone>{
+            {"here.test", "honest A 192.0.2.7\nelsewhere A 192.0.2.99\nmail MX 10 honest\n"
+                          "v6 AAAA 2001:db8::7\ntext TXT \"no mail here\"\n"},
+            {"broken.test", "", true},
+        });
+    }
+    static void TearDownTestSuite() { s_server.reset(); }
+
+    LookupTest() { ask(s_server->address()); }
+    ~LookupTest() override { ask(""); }
+
+    static void ask(std::string const& server,
+                    std::chrono::milliseconds deadline = std::chrono::seconds(20)) {
+        ResolverSettings settings;
+        settings.m_mode =
+            server.empty() ? ResolverSettings::Mode::off : ResolverSettings::Mode::servers;
+        if (!server.empty()) {
+            settings.m_servers = {server};
+        }
+        settings.m_deadline = deadline;
+        Resolver::instance().configure(settings);
+    }
+
+    // The vector of a message whose only hop announces `helo` and has the reverse name `reverse`.
+    MsgProperties judge(std::string const& helo, std::string const& reverse,
+                        std::string const& sender) {
+        Message message(received(helo, reverse, "192.0.2.7", "mx.test"));
+        message.m_from = address(sender);
+        return attributes(message);
+    }
+
+    static std::unique_ptr<DnsServer> s_server;
+};
+
+std::unique_ptr<DnsServer> LookupTest::s_server;
+
+struct LookupCase {
+    char const* m_name;
+    int m_isForged; // as reverse name of 192.0.2.7
+    int m_resolves; // as announced name, and as sender's domain
+};
+
+LookupCase const lookupCases[] = {
+    {"honest.here.test", 0, 1}, {"elsewhere.here.test", 1, 1}, {"mail.here.test", 0, 1},
+    {"v6.here.test", 1, 1},     {"text.here.test", 0, 0},      {"gone.here.test", 0, 0},
+    {"name.broken.test", 0, 0}, {"name.refused.test", 0, 0},   {"honest.here.test.", 0, 1},
+};
+
+TEST_F(LookupTest, NamesAreForgedOrResolveAsTheServerSays) {
+    for (auto const& row : lookupCases) {
+        auto const name = std::string(row.m_name);
+        auto const props = judge(name, name, "a@" + name);
+        SCOPED_TRACE(name);
+        EXPECT_EQ(props.attributes[14], row.m_isForged);
+        EXPECT_EQ(props.attributes[3], row.m_resolves);
+    }
+}
+
+TEST_F(LookupTest, TheSendersDomainResolvesAsTheServerSays) {
+    for (auto const& row : lookupCases) {
+        auto const name = std::string(row.m_name);
+        if (name.back() == '.') {
+            continue; // no address ends in a dot
+        }
+        EXPECT_EQ(judge("x", "unknown", "a@" + name).attributes[29], row.m_resolves) << name;
+    }
+}
+
+TEST_F(LookupTest, AFailedLookUpIsCountedAndSaysNothingAgainstTheMessage) {
+    auto const before = Resolver::instance().counters();
+    auto const props = judge("a.broken.test", "b.refused.test", "a@c.broken.test");
+    EXPECT_EQ(props.attributes[14], 0);
+    EXPECT_EQ(props.attributes[3], 0);
+    EXPECT_EQ(props.attributes[29], 0);
+    EXPECT_GT(Resolver::instance().counters().m_failed, before.m_failed);
+}
+
+TEST_F(LookupTest, AnAnswerThatSaysNoIsNoFailure) {
+    auto const before = Resolver::instance().counters();
+    judge("gone.here.test", "gone.here.test", "a@gone.here.test");
+    EXPECT_EQ(Resolver::instance().counters().m_failed, before.m_failed);
+    EXPECT_EQ(Resolver::instance().counters().m_late, before.m_late);
+}
+
+TEST_F(LookupTest, ASilentServerCostsItsDeadlineAndIsCounted) {
+    SilentDnsServer silent;
+    ask(silent.address(), std::chrono::milliseconds(50));
+    auto const before = Resolver::instance().counters();
+    auto const props = judge("a.here.test", "b.here.test", "a@c.here.test");
+    EXPECT_EQ(props.attributes[14], 0);
+    EXPECT_EQ(props.attributes[3], 0);
+    EXPECT_EQ(props.attributes[29], 0);
+    EXPECT_GT(Resolver::instance().counters().m_late, before.m_late);
+}
+
+TEST_F(LookupTest, AnAddressLiteralIsNotLookedUp) {
+    SilentDnsServer silent;
+    ask(silent.address(), std::chrono::milliseconds(50));
+    EXPECT_EQ(judge("[192.0.2.7]", "unknown", "").attributes[3], 2);
+    EXPECT_TRUE(silent.takeQuestions().empty());
+}
+
+TEST_F(LookupTest, TheHostsOwnForgedFlagNeedsNoLookUp) {
+    Message message;
+    message.m_currentReceived =
+        Header("Received", "from x (elsewhere.here.test [192.0.2.7]) by mx.test");
+    for (int const forged : {0, 1, 5}) {
+        message.m_currentIsForged = forged;
+        EXPECT_EQ(attributes(message).attributes[14], forged);
+    }
+    message.m_currentIsForged = -1;
+    EXPECT_EQ(attributes(message).attributes[14], 1) << "-1 lets the engine ask";
+}
+
+} // namespace
+} // namespace Quorvane::Testing

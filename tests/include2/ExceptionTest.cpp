@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "include2/Exception.h"
+#include "include2/DeepHeaderException.h"
+#include "include2/HeaderException.h"
+
+#include <gtest/gtest.h>
+#include <type_traits>
+
+namespace Quorvane {
+namespace {
+
+TEST(ExceptionTest, KeepsTextCategoryFileAndLine) {
+    Exception const exception("text", 2, "File", 17);
+    EXPECT_EQ(exception.stringParameter(), "text");
+    EXPECT_EQ(exception.intParameter(), 2);
+    EXPECT_EQ(exception.fileName(), "File");
+    EXPECT_EQ(exception.lineNumber(), 17U);
+}
+
+TEST(ExceptionTest, NullFileNameMeansNoLocation) {
+    Exception const exception("text", 4, nullptr, 0);
+    EXPECT_EQ(exception.fileName(), "");
+    EXPECT_EQ(exception.asString(), "text (category 4)");
+}
+
+TEST(ExceptionTest, SettersReplaceEveryPart) {
+    Exception exception("text", 2, "File", 17);
+    exception.stringParameter("other");
+    exception.intParameter(3);
+    exception.fileName(std::string("Elsewhere"));
+    exception.lineNumber(18);
+    EXPECT_EQ(exception.asString(), "other (category 3, Elsewhere:18)");
+    char const* const none = nullptr;
+    exception.fileName(none);
+    EXPECT_EQ(exception.fileName(), "");
+}
+
+TEST(ExceptionTest, RendersOnOneLineWhateverTheTextHolds) {
+    Exception const exception(std::string("a\nb\0c\x7f", 6), 1, "F", 1);
+    EXPECT_EQ(exception.asString(), "a\\x0ab\\x00c\\x7f (category 1, F:1)");
+}
+
+TEST(ExceptionTest, KeepsACopyOfItsCause) {
+    Exception exception("outer", 4, nullptr, 0);
+    EXPECT_FALSE(exception.hasCause());
+    {
+        Exception const inner("inner", 1, "F", 2);
+        exception.cause(inner);
+    }
+    Exception const copy = exception;
+    ASSERT_TRUE(copy.hasCause());
+    EXPECT_EQ(copy.cause().stringParameter(), "inner");
+    EXPECT_FALSE(copy.cause().hasCause());
+}
+
+TEST(ExceptionTest, EngineFailuresHaveCategory4AndTheirOwnNameAsText) {
+    DeepHeaderException const exception("Adapter", 771);
+    EXPECT_EQ(exception.stringParameter(), "DeepHeaderException");
+    EXPECT_EQ(exception.intParameter(), 4);
+    EXPECT_EQ(exception.fileName(), "Adapter");
+    EXPECT_EQ(exception.lineNumber(), 771U);
+}
+
+TEST(ExceptionTest, HeaderFailuresHaveCategory1AndTheirOwnNameAsText) {
+    HeaderException const exception("Receive", 449);
+    EXPECT_EQ(exception.stringParameter(), "HeaderException");
+    EXPECT_EQ(exception.intParameter(), 1);
+    EXPECT_EQ(exception.fileName(), "Receive");
+    EXPECT_EQ(exception.lineNumber(), 449U);
+}
+
+TEST(ExceptionTest, IsToldApartFromStandardExceptionsByType) {
+    EXPECT_FALSE((std::is_base_of_v<std::exception, Exception>));
+    EXPECT_THROW(throw DeepHeaderException("Adapter", 1), Exception);
+    EXPECT_THROW(throw HeaderException("Receive", 1), Exception);
+}
+
+} // namespace
+} // namespace Quorvane
