@@ -33,7 +33,8 @@ class QV_API TrustedMTASet : public RefImpl {
     struct Prefixes;
     explicit TrustedMTASet(std::shared_ptr<Prefixes const> prefixes);
 
-    std::shared_ptr<Prefixes const> m_prefixes;
+    // Aligned so that the counts of two threads' sets never share a cache line.
+    alignas(64) std::shared_ptr<Prefixes const> m_prefixes;
 };
 
 class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
@@ -53,6 +54,9 @@ class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
     // Puts a new set in force. Safe at any time from any thread.
     static void install(std::vector<IPPrefix> const& trusted,
                         std::vector<IPPrefix> const& antiSpam);
+
+  private:
+    struct InForce;
 };
 
 } // namespace Quorvane

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/TrustedMTASet.h"
+
+#include "Prefixes.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace Quorvane {
+
+namespace {
+
+std::vector<IPPrefix> s_prefixes(std::vector<std::string> const& texts) {
+    std::vector<IPPrefix> prefixes;
+    for (auto const& text : texts) {
+        prefixes.push_back(IPPrefix::parse(text));
+    }
+    return prefixes;
+}
+
+// Leaves the process-wide set as it was for the other tests: empty.
+class TrustedMTASetInForce : public ::testing::Test {
+  protected:
+    ~TrustedMTASetInForce() override { TrustedMTASetRef::install({}, {}); }
+};
+
+} // namespace
+
+TEST(TrustedMTASet, trustsNobodyByDefault) {
+    TrustedMTASet const set;
+    EXPECT_FALSE(set.isTrustedMTA(IPAddress("127.0.0.1")));
+    EXPECT_FALSE(set.isTrustedAntiSpamMTA(IPAddress("127.0.0.1")));
+}
+
+TEST(TrustedMTASet, trustsTheRelaysOfItsPrefixes) {
+    TrustedMTASet const set(s_prefixes({"192.0.2.0/24", "2001:db8::/32", "198.51.100.7"}),
+                            s_prefixes({"203.0.113.9"}));
+    EXPECT_TRUE(set.isTrustedMTA(IPAddress("192.0.2.255")));
+    EXPECT_TRUE(set.isTrustedMTA(IPAddress("::ffff:192.0.2.1")));
+    EXPECT_TRUE(set.isTrustedMTA(IPAddress("2001:db8:ffff::1")));
+    EXPECT_TRUE(set.isTrustedMTA(IPAddress("198.51.100.7")));
+    EXPECT_FALSE(set.isTrustedMTA(IPAddress("198.51.100.8")));
+    EXPECT_FALSE(set.isTrustedMTA(IPAddress("192.0.3.0")));
+    EXPECT_FALSE(set.isTrustedMTA(IPAddress("2001:db9::")));
+}
+
+TEST(TrustedMTASet, anAntiSpamRelayIsNotByItselfATrustedRelay) {
+    TrustedMTASet const set(s_prefixes({"192.0.2.0/24"}), s_prefixes({"203.0.113.9"}));
+    EXPECT_TRUE(set.isTrustedAntiSpamMTA(IPAddress("203.0.113.9")));
+    EXPECT_FALSE(set.isTrustedMTA(IPAddress("203.0.113.9")));
+    EXPECT_FALSE(set.isTrustedAntiSpamMTA(IPAddress("192.0.2.1")));
+}
+
+TEST(TrustedMTASet, trustsNoNullAddress) {
+    auto const everybody = s_prefixes({"0.0.0.0/0", "::/0"});
+    TrustedMTASet const set(everybody, everybody);
+    EXPECT_FALSE(set.isTrustedMTA(IPAddress()));
+    EXPECT_FALSE(set.isTrustedAntiSpamMTA(IPAddress()));
+}
+
+TEST(TrustedMTASet, referenceTakesOverTheInitialCount) {
+    auto* const set = new TrustedMTASet;
+    TrustedMTASetRef const reference(set);
+    EXPECT_EQ(1, set->references());
+    TrustedMTASetRef const copy(reference);
+    EXPECT_EQ(2, set->references());
+}
+
+TEST(TrustedMTASet, defaultReferenceIsEmpty) {
+    EXPECT_TRUE(TrustedMTASetRef().isEmpty());
+}
+
+TEST_F(TrustedMTASetInForce, isTheEmptySetUntilOneIsInstalled) {
+    auto const reference = TrustedMTASetRef::instance(false);
+    ASSERT_FALSE(reference.isEmpty());
+    EXPECT_FALSE(reference->isTrustedMTA(IPAddress("192.0.2.1")));
+}
+
+TEST_F(TrustedMTASetInForce, installReplacesIt) {
+    TrustedMTASetRef::install(s_prefixes({"192.0.2.1"}), s_prefixes({"192.0.2.2"}));
+    auto const reference = TrustedMTASetRef::instance(false);
+    EXPECT_TRUE(reference->isTrustedMTA(IPAddress("192.0.2.1")));
+    EXPECT_TRUE(reference->isTrustedAntiSpamMTA(IPAddress("192.0.2.2")));
+    TrustedMTASetRef::install(s_prefixes({"192.0.2.3"}), {});
+    EXPECT_FALSE(TrustedMTASetRef::instance(true)->isTrustedMTA(IPAddress("192.0.2.1")));
+    EXPECT_TRUE(TrustedMTASetRef::instance(true)->isTrustedMTA(IPAddress("192.0.2.3")));
+}
+
+TEST_F(TrustedMTASetInForce, whoHoldsASupersededSetKeepsIt) {
+    TrustedMTASetRef::install(s_prefixes({"192.0.2.1"}), {});
+    auto const reference = TrustedMTASetRef::instance(false);
+    TrustedMTASetRef::install({}, {});
+    EXPECT_FALSE(TrustedMTASetRef::instance(false)->isTrustedMTA(IPAddress("192.0.2.1")));
+    EXPECT_TRUE(reference->isTrustedMTA(IPAddress("192.0.2.1")));
+}
+
+TEST_F(TrustedMTASetInForce, eachThreadCountsOnALineOfItsOwn) {
+    auto const address = [] {
+        auto const reference = TrustedMTASetRef::instance(false);
+        return reinterpret_cast<std::uintptr_t>(reference.operator->());
+    };
+    auto const mine = address();
+    EXPECT_EQ(mine, address());
+    EXPECT_EQ(0U, mine % 64);
+    std::uintptr_t theirs = 0;
+    std::thread([&] { theirs = address(); }).join();
+    EXPECT_NE(mine, theirs);
+}
+
+TEST_F(TrustedMTASetInForce, aReferenceOutlivesTheThreadThatTookIt) {
+    TrustedMTASetRef::install(s_prefixes({"192.0.2.1"}), {});
+    std::optional<TrustedMTASetRef> reference;
+    std::thread([&] { reference = TrustedMTASetRef::instance(false); }).join();
+    EXPECT_TRUE((*reference)->isTrustedMTA(IPAddress("192.0.2.1")));
+    EXPECT_EQ(1, (*reference)->references());
+}
+
+TEST_F(TrustedMTASetInForce, canBeReplacedWhileManyThreadsUseIt) {
+    auto const even = s_prefixes({"192.0.2.2", "192.0.2.4"});
+    auto const odd = s_prefixes({"192.0.2.1", "192.0.2.3"});
+    std::atomic<bool> done{false};
+    auto const use = [&] {
+        while (!done) {
+            auto const reference = TrustedMTASetRef::instance(false);
+            auto const copy = reference;
+            // A set is seen whole: both addresses of a kind or none.
+            ASSERT_EQ(reference->isTrustedMTA(IPAddress("192.0.2.1")),
+                      copy->isTrustedMTA(IPAddress("192.0.2.3")));
+            ASSERT_EQ(reference->isTrustedMTA(IPAddress("192.0.2.2")),
+                      copy->isTrustedMTA(IPAddress("192.0.2.4")));
+        }
+    };
+    std::vector<std::thread> users;
+    for (int i = 0; i < 4; ++i) {
+        users.emplace_back(use);
+    }
+    for (int i = 0; i < 500; ++i) {
+        TrustedMTASetRef::install(i % 2 == 0 ? even : odd, {});
+    }
+    done = true;
+    for (auto& user : users) {
+        user.join();
+    }
+}
+
+RC_GTEST_PROP(TrustedMTASet, trustsExactlyWhatAPrefixHolds, ()) {
+    auto const trusted = *rc::gen::container<std::vector<IPPrefix>>(test::anyPrefix());
+    auto const antiSpam = *rc::gen::container<std::vector<IPPrefix>>(test::anyPrefix());
+    auto const address = *test::anyAddress();
+    auto const holds = [&](IPPrefix const& prefix) { return prefix.contains(address); };
+    TrustedMTASet const set(trusted, antiSpam);
+    RC_ASSERT(set.isTrustedMTA(address) == std::any_of(trusted.begin(), trusted.end(), holds));
+    RC_ASSERT(set.isTrustedAntiSpamMTA(address) ==
+              std::any_of(antiSpam.begin(), antiSpam.end(), holds));
+}
+
+} // namespace Quorvane
