@@ -55,7 +55,9 @@ TEST_F(ForgedNameTest, TheRecordAsksOnceAndKeepsTheAnswer) {
     MsgReceived hop(std::string("from a (elsewhere.example [192.0.2.1]) by c"));
     EXPECT_EQ(hop.from(), "a");
     EXPECT_EQ(hop.isForged(), 1);
-    Resolver::instance().configure({ResolverSettings::Mode::off, {}, {}, {}});
+    ResolverSettings off;
+    off.m_mode = ResolverSettings::Mode::off;
+    Resolver::instance().configure(off);
     EXPECT_EQ(hop.isForged(), 1);
     hop.isForged(-1);
     EXPECT_EQ(hop.isForged(), 0);

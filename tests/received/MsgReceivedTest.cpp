@@ -9,7 +9,8 @@
 namespace Quorvane {
 namespace {
 
-constexpr char postfix[] = "from A.example (b.example [192.0.2.1]) by mx.example.net; Mon";
+constexpr char postfix[] =
+    "from A.example (b.example [192.0.2.1]) by mx.example.net with ESMTP; Mon";
 
 void s_expectHeaderException(std::function<void()> const& call, unsigned int line) {
     try {

@@ -70,7 +70,7 @@ ReceivedCase const receivedCases[] = {
      "192.0.2.1", "x.example.net", "from a.example (b.example [192.0.2.1])"},
     {"a marker at the start: local pickup", "by mx.example.net (Postfix, from userid 0)", "", "",
      "", "x.example.net", ""},
-    {"a marker inside a word", "from a.example (standby host) x", "a.exampl", "", "", "ost",
+    {"a marker inside a word", "from a.example (standby host) x", "a.example", "", "", "ost)",
      "from a.example (stand"},
     {"the receiving host ends at a parenthesis", "from a.example by mx.example.net(Postfix)", "",
      "a.example", "", "mx.example.net", "from a.example"},
@@ -139,7 +139,7 @@ ReceivedCase const receivedCases[] = {
     {"HELO annotation that ends the text", "from b.example (helo", "b.example", "", "", "",
      "from b.example (helo"},
     {"HELO annotation with a blank in its name and an address",
-     "from b.example (helo a x) ([192.0.2.1]) by d", "b.example", "", "", "d",
+     "from b.example (helo a x) ([192.0.2.1]) by d", "b.example", "", "", "",
      "from b.example (helo a x) ([192.0.2.1])"},
 
     // The helo= form.
@@ -262,7 +262,7 @@ TEST(ByMarkerTest, WithOneMoreCharacterGivesAnEmptyName) {
 }
 
 TEST(HostileTextTest, NulBytesAreOrdinaryBytes) {
-    MsgReceived const hop(std::string("from a\0b (c\0d [192.0.2.1]) by e\0f", 34));
+    MsgReceived const hop(std::string("from a\0b (c\0d [192.0.2.1]) by e\0f", 33));
     EXPECT_EQ(hop.from(), std::string("a\0b", 3));
     EXPECT_EQ(hop.reverseName(), std::string("c\0d", 3));
     EXPECT_EQ(hop.address().asString(true), "192.0.2.1");
