@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The commands of qvrules, one source file each. A command gets its options as a value, prints to
+// standard output, and returns the exit status; what it cannot do it throws as a RuleError, which
+// main() turns into a message and a status.
+#pragma once
+
+#include <string>
+
+namespace Quorvane::RulesApp {
+
+// sysexits numbers, as far as we use them.
+namespace ExitStatus {
+inline constexpr int well = 0;
+inline constexpr int findings = 1;
+inline constexpr int usage = 64;
+inline constexpr int badData = 65;
+inline constexpr int noInput = 66;
+inline constexpr int cannotWrite = 73;
+inline constexpr int badRules = 78;
+} // namespace ExitStatus
+
+struct CompileOptions {
+    std::string m_source;
+    std::string m_folder;
+};
+int compile(CompileOptions const& options);
+
+int listAttributes();
+
+} // namespace Quorvane::RulesApp

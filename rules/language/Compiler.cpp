@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "rules/language/Compiler.h"
+
+#include "rules/language/EliteBuilder.h"
+#include "rules/language/Parser.h"
+#include "rules/language/TreeBuilder.h"
+
+#include <algorithm>
+
+namespace Quorvane::Rules {
+
+namespace {
+
+std::string s_versionText(std::optional<std::int32_t> version) {
+    return version ? "version " + std::to_string(*version) : "no version";
+}
+
+void s_buildReadme(RulesSyntax const& rules, CompiledRules& compiled) {
+    auto& set = compiled.m_set;
+    if (rules.m_version) {
+        compiled.m_places.m_version = rules.m_version->m_position;
+        set.setVersion(rules.m_version->m_value);
+    }
+    if (!rules.m_readme) {
+        return;
+    }
+    set.m_readme = rules.m_readme->m_value;
+    if (rules.m_version && set.version() != rules.m_version->m_value) {
+        compiled.m_errors.push_back(
+            {rules.m_readme->m_position,
+             "hosts read " + s_versionText(set.version()) + " in this text, not " +
+                 s_versionText(rules.m_version->m_value) + "; drop the readme lines"});
+    }
+}
+
+bool s_isBefore(Diagnostic const& a, Diagnostic const& b) {
+    auto const& left = a.m_position;
+    auto const& right = b.m_position;
+    return left.m_line != right.m_line ? left.m_line < right.m_line
+                                       : left.m_column < right.m_column;
+}
+
+} // namespace
+
+CompiledRules compileRules(std::string_view text) {
+    CompiledRules compiled;
+    auto rules = parseRules(text, compiled.m_errors);
+    if (compiled.m_errors.empty()) {
+        s_buildReadme(rules, compiled);
+        buildElite(rules, compiled);
+        buildTree(rules, compiled);
+    }
+    std::stable_sort(compiled.m_errors.begin(), compiled.m_errors.end(), s_isBefore);
+    return compiled;
+}
+
+} // namespace Quorvane::Rules

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "rules/language/LoadRules.h"
+
+#include "rules/model/Files.h"
+#include "rules/model/RuleError.h"
+#include "rules/model/RuleFolder.h"
+
+namespace Quorvane::Rules {
+
+LoadedRules loadRules(std::filesystem::path const& path) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) {
+        return {readFolder(path), false, {}};
+    }
+    auto const text = readFile(path);
+    auto compiled = compileRules(text);
+    if (!compiled.m_errors.empty()) {
+        throw RuleError(RuleError::Kind::badData,
+                        showErrors(path.string(), text, compiled.m_errors));
+    }
+    return {std::move(compiled.m_set), true, std::move(compiled.m_places)};
+}
+
+} // namespace Quorvane::Rules

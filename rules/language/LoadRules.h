@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Rules from wherever a user keeps them: a text file or a rule folder. What most commands of
+// qvrules begin with.
+#pragma once
+
+#include "rules/language/Compiler.h"
+
+#include <filesystem>
+
+namespace Quorvane::Rules {
+
+struct LoadedRules {
+    RuleSet m_set;
+    // Whether they came from a text; the places mean nothing otherwise.
+    bool m_isText = false;
+    RulePlaces m_places;
+};
+
+// A folder is read, a file is compiled. Throws a RuleError: noInput for what cannot be opened,
+// badData with all the errors for a text that does not compile.
+LoadedRules loadRules(std::filesystem::path const& path);
+
+} // namespace Quorvane::Rules

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The parser's cursor over the tokens of a rule text, and the terminals of the grammar. What is
+// missing or wrong is recorded once, with its place; a statement that cannot go on throws
+// StatementFailed, which the loop over statements catches, so that one run reports many errors.
+#pragma once
+
+#include "rules/language/Lexer.h"
+#include "rules/model/RuleSet.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane::Rules {
+
+struct StatementFailed {};
+// Too many errors: what follows would only repeat them.
+struct TextFailed {};
+
+class TokenReader {
+  public:
+    // Further errors are not worth reading.
+    static constexpr std::size_t maxErrors = 20;
+
+    TokenReader(std::vector<Token> tokens, std::vector<Diagnostic>& errors)
+        : m_tokens(std::move(tokens)), m_errors(errors) {}
+
+    Token const& peek() const { return m_tokens[m_at]; }
+    bool atEnd() const { return peek().m_kind == Token::Kind::end; }
+    // Whether the current statement goes on: the next token stands on its line.
+    bool onLine() const { return !atEnd() && !peek().m_startsLine; }
+    Token next();
+    // Lets the statement go on with the next line.
+    void joinNextLine() { m_tokens[m_at].m_startsLine = false; }
+    // Takes the next token if it is `text`.
+    bool accept(std::string_view text);
+    // The same, but only on the line of the statement.
+    bool acceptOnLine(std::string_view text) { return onLine() && accept(text); }
+
+    // Terminals: each takes one token on the current line. `what` completes "... is expected".
+    void expect(std::string_view text, std::string const& what);
+    Token expectKind(Token::Kind kind, std::string const& what);
+    std::int32_t integer(std::string const& what);
+    double number(std::string const& what);
+    Bytes string(std::string const& what);
+    Bytes hex(std::string const& what);
+
+    // Skips what is left of a failed statement: up to the next line, or to a "{" or "}".
+    void skipStatement();
+
+    void error(Position position, std::string const& text);
+    // Records that something else was expected here, and gives the statement up.
+    [[noreturn]] void fail(std::string const& what);
+    [[noreturn]] void fail(Position position, std::string const& text);
+
+  private:
+    double bits();
+    // Where the missing thing should stand: behind the last token when the line has ended.
+    Position here() const;
+    std::string found() const;
+
+    std::vector<Token> m_tokens;
+    std::size_t m_at = 0;
+    std::vector<Diagnostic>& m_errors;
+};
+
+} // namespace Quorvane::Rules
