@@ -33,6 +33,7 @@ class QV_API DynamicIdentifier {
     DynamicIdentifier& operator=(DynamicIdentifier const&) = delete;
     ~DynamicIdentifier();
 
+    // Letter case and one trailing dot make no difference; a byte of any value is a character.
     bool match(std::string const& name) const;
 
   private:
