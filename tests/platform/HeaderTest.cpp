@@ -71,9 +71,9 @@ TEST(HeaderContainerTest, KeepsTheOrderAndSharesTheList) {
     assigned = container;
     container.append(Header("A", "1"));
     container.append(Header("B", "2"));
-    for (auto const* shared : {&container, &copy, static_cast<HeaderContainer const*>(&assigned)}) {
-        ASSERT_EQ(shared->headers().size(), 2U);
-        EXPECT_EQ(shared->headers().front().type(), "A");
+    for (auto const& shared : {container, copy, assigned}) {
+        ASSERT_EQ(shared.headers().size(), 2U);
+        EXPECT_EQ(shared.headers().front().type(), "A");
     }
 }
 
