@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/common/ByteSource.h"
+
+#include "apps/common/UnpackedSource.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <string_view>
+#include <unistd.h>
+#include <utility>
+
+namespace Quorvane {
+
+namespace {
+
+class DescriptorSource : public ByteSource {
+  public:
+    DescriptorSource(int descriptor, bool isOwner) : m_descriptor(descriptor), m_isOwner(isOwner) {}
+    DescriptorSource(DescriptorSource const&) = delete;
+    DescriptorSource& operator=(DescriptorSource const&) = delete;
+    ~DescriptorSource() override {
+        if (m_isOwner) {
+            ::close(m_descriptor);
+        }
+    }
+
+    std::size_t read(char* buffer, std::size_t size) override {
+        for (;;) {
+            auto const count = ::read(m_descriptor, buffer, size);
+            if (count >= 0) {
+                m_position += static_cast<std::uint64_t>(count);
+                return static_cast<std::size_t>(count);
+            }
+            if (errno != EINTR) {
+                throw InputError(std::strerror(errno));
+            }
+        }
+    }
+
+    std::uint64_t position() const override { return m_position; }
+
+  private:
+    int m_descriptor;
+    bool m_isOwner;
+    std::uint64_t m_position = 0;
+};
+
+// Gives back first what was read to look at the magic number.
+class ReplayedSource : public ByteSource {
+  public:
+    ReplayedSource(std::string start, std::unique_ptr<ByteSource> rest)
+        : m_start(std::move(start)), m_rest(std::move(rest)) {}
+
+    std::size_t read(char* buffer, std::size_t size) override {
+        if (m_start.empty()) {
+            return m_rest->read(buffer, size);
+        }
+        auto const count = m_start.copy(buffer, size);
+        m_start.erase(0, count);
+        return count;
+    }
+
+    std::uint64_t position() const override { return m_rest->position(); }
+
+  private:
+    std::string m_start;
+    std::unique_ptr<ByteSource> m_rest;
+};
+
+// First bytes of the packed formats (RFC 1952, RFC 8878, the .xz file format 1.1.0).
+constexpr std::string_view s_magics[] = {{"\x1F\x8B", 2},
+                                         {"\xFD"
+                                          "7zXZ\0",
+                                          6},
+                                         {"\x28\xB5\x2F\xFD", 4}};
+constexpr std::size_t longestMagic = 6;
+
+bool s_isPacked(std::string_view start) {
+    for (auto const magic : s_magics) {
+        if (start.starts_with(magic)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string s_readStart(ByteSource& source) {
+    std::string start(longestMagic, '\0');
+    std::size_t length = 0;
+    while (length < start.size()) {
+        auto const count = source.read(start.data() + length, start.size() - length);
+        if (count == 0) {
+            break;
+        }
+        length += count;
+    }
+    start.resize(length);
+    return start;
+}
+
+std::unique_ptr<ByteSource> s_unpacked(std::unique_ptr<ByteSource> source) {
+    auto start = s_readStart(*source);
+    bool const isPacked = s_isPacked(start);
+    auto replayed = std::make_unique<ReplayedSource>(std::move(start), std::move(source));
+    if (isPacked) {
+        return unpack(std::move(replayed));
+    }
+    return replayed;
+}
+
+} // namespace
+
+std::unique_ptr<ByteSource> openFile(std::string const& path) {
+    int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        throw InputError(std::strerror(errno));
+    }
+    return s_unpacked(std::make_unique<DescriptorSource>(descriptor, true));
+}
+
+std::unique_ptr<ByteSource> openStandardInput() {
+    return s_unpacked(std::make_unique<DescriptorSource>(STDIN_FILENO, false));
+}
+
+} // namespace Quorvane

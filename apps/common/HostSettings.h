@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// HostSettings: what a site tells every program that scans: where the rules are, the thresholds,
+// its relays, its resolver. A plain record; SettingsTable.h names each field for the settings file
+// and the command line.
+#pragma once
+
+#include "platform/DeepHeaderSettings.h"
+#include "platform/IPPrefix.h"
+#include "platform/ReputationTable.h"
+
+#include <string>
+#include <vector>
+
+namespace Quorvane {
+
+// The library's own thresholds mean "never judge"; these are on the scale of the rules (0..1).
+inline constexpr double defaultSpamThreshold = 0.95;
+inline constexpr double defaultHamThreshold = 0.95;
+
+inline DeepHeaderSettings programDefaults() {
+    DeepHeaderSettings settings;
+    settings.spamThreshold = defaultSpamThreshold;
+    settings.hamThreshold = defaultHamThreshold;
+    return settings;
+}
+
+struct HostSettings {
+    // The rule files are looked up below this folder.
+    std::string m_root = "/";
+    DeepHeaderSettings m_judging = programDefaults();
+    std::vector<IPPrefix> m_trusted;
+    std::vector<IPPrefix> m_antiSpam;
+    // Relays of the site itself: the newest hops that came from them are cut off before a scan.
+    std::vector<IPPrefix> m_internal;
+    std::vector<ReputationTable::Entry> m_scores;
+    // File of patterns; empty: the built-in list.
+    std::string m_dynamicPatterns;
+    // "system", "off" or a server.
+    std::string m_dns = "system";
+    // File of zone lines; empty: none. Given, nothing else is asked.
+    std::string m_dnsData;
+    // Scanning threads; 0: one for each core.
+    unsigned int m_jobs = 0;
+};
+
+} // namespace Quorvane

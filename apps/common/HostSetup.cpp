@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/common/HostSetup.h"
+
+#include "apps/common/SettingsTable.h"
+#include "DeepHeaderScanner.h"
+#include "platform/DynamicIdentifier.h"
+#include "platform/File.h"
+#include "platform/Logger.h"
+#include "platform/Resolver.h"
+#include "platform/TrustedMTASet.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <mutex>
+
+namespace Quorvane {
+
+namespace {
+
+// Keeps what the library logs while it loads, to say it in our own error.
+class RecordingLogger : public Logger {
+  public:
+    void log(int, int, char const* format, ...) override __attribute__((format(printf, 4, 5)));
+
+    std::string text() const {
+        std::lock_guard const lock(m_mutex);
+        return m_text;
+    }
+
+  private:
+    mutable std::mutex m_mutex;
+    std::string m_text;
+};
+
+void RecordingLogger::log(int, int, char const* format, ...) {
+    std::array<char, 1024> line{};
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line.data(), line.size(), format, arguments);
+    va_end(arguments);
+    std::lock_guard const lock(m_mutex);
+    m_text = line.data();
+}
+
+std::vector<std::string> s_lines(std::string const& path) {
+    std::ifstream file(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty() && line.back() == '\r') {
+            line.pop_back();
+        }
+        lines.push_back(line);
+    }
+    if (!file.is_open() || file.bad()) {
+        throw SettingsError(path + ": cannot be read: " + std::strerror(errno));
+    }
+    return lines;
+}
+
+// Zone files know comments (";") and empty lines; the resolver takes records only.
+std::vector<std::string> s_zoneData(std::string const& path) {
+    std::vector<std::string> records;
+    for (auto& line : s_lines(path)) {
+        line.resize(std::min(line.find_first_of(";#"), line.size()));
+        if (line.find_first_not_of(" \t") != std::string::npos) {
+            records.push_back(line);
+        }
+    }
+    return records;
+}
+
+ResolverSettings s_resolver(HostSettings const& settings) {
+    ResolverSettings resolver;
+    if (settings.m_dns == "off") {
+        resolver.m_mode = ResolverSettings::Mode::off;
+    } else if (settings.m_dns != "system") {
+        resolver.m_mode = ResolverSettings::Mode::servers;
+        resolver.m_servers = {settings.m_dns};
+    }
+    if (!settings.m_dnsData.empty()) {
+        resolver.m_mode = ResolverSettings::Mode::local;
+        resolver.m_servers.clear();
+        resolver.m_zoneData = s_zoneData(settings.m_dnsData);
+    }
+    return resolver;
+}
+
+void s_setUpPlatform(HostSettings const& settings) {
+    File::setRoot(settings.m_root);
+    TrustedMTASetRef::install(settings.m_trusted, settings.m_antiSpam);
+    if (!settings.m_dynamicPatterns.empty()) {
+        Telvanis::DynamicIdentifierSingleton::install(
+            Telvanis::DynamicIdentifier::load(settings.m_dynamicPatterns));
+    }
+    try {
+        Resolver::instance().configure(s_resolver(settings));
+    } catch (Exception const& error) {
+        auto const& origin = settings.m_dnsData.empty() ? settings.m_dns : settings.m_dnsData;
+        throw SettingsError(origin + ": " + error.stringParameter());
+    }
+}
+
+RefDeepHeaderAdapter s_loadEngine() {
+    auto const logger = std::make_shared<RecordingLogger>();
+    Logger::install(logger);
+    DeepHeaderScanner().init();
+    Logger::install(nullptr);
+    Synchronized const lock(DeepHeaderScanner::m_Mutex);
+    auto engine = RefDeepHeaderAdapter::instance(nullptr);
+    if (engine.isEmpty()) {
+        throw SettingsError("no usable rules in " + File::root() + ruleDirectory + ": " +
+                            logger->text() + "; --root says below which folder to look");
+    }
+    return engine;
+}
+
+} // namespace
+
+RefDeepHeaderAdapter setUpHost(HostSettings const& settings) {
+    try {
+        s_setUpPlatform(settings);
+    } catch (Exception const& error) {
+        throw SettingsError(error.stringParameter());
+    }
+    return s_loadEngine();
+}
+
+} // namespace Quorvane

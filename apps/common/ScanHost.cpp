@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/common/ScanHost.h"
+
+#include "apps/common/HostSetup.h"
+#include "apps/common/OwnHops.h"
+#include "DeepHeaderScanner.h"
+#include "platform/Strings.h"
+
+#include <exception>
+
+namespace Quorvane {
+
+namespace {
+
+bool s_isReceived(Header const& header) {
+    return stringCompareNoCase(header.type(), "received", 0) == 0;
+}
+
+// The address of a relay as the scan reads it: a record that abandons its parse reads differently
+// at the second look, and the scan looks at the authentication mark first.
+IPAddress s_relayAddress(Header const& header) {
+    try {
+        MsgReceived const hop(header.value());
+        static_cast<void>(hop.authenticated());
+        return hop.address();
+    } catch (std::exception const&) {
+        return {};
+    }
+}
+
+// The elite rules decided alone: the tree was not asked.
+bool s_eliteDecided(DeepHeaderAdapter::EliteHits const& hits, DeepHeaderSettings const& settings) {
+    return hits.support >= settings.minSupport &&
+           hits.confidence + hits.adjust >= settings.spamThreshold;
+}
+
+Header s_currentHeader(MessageFacts const& facts) {
+    return facts.m_currentReceived ? Header("Received", *facts.m_currentReceived) : Header();
+}
+
+} // namespace
+
+ScanHost::ScanHost(HostSettings const& settings)
+    : m_settings(settings), m_scores(settings.m_scores), m_engine(setUpHost(settings)) {}
+
+RefMessageProperties ScanHost::messageProperties(HeaderContainer const& headers,
+                                                 MessageFacts const& facts) const {
+    RefMessageProperties properties(true);
+    properties->clientScore(facts.m_clientScore);
+    properties->status(facts.m_messageStatus);
+    if (m_settings.m_scores.empty()) {
+        return properties;
+    }
+    for (auto const& header : headers.headers()) {
+        if (!s_isReceived(header)) {
+            continue;
+        }
+        auto const address = s_relayAddress(header);
+        if (auto const score = m_scores.score(address)) {
+            properties->receivedHeaderAnalysis().push_back({Received(address), *score});
+        }
+    }
+    return properties;
+}
+
+// A scan does not keep what the rules answered on the way, so they are asked once more about the
+// finished attributes: they are pure, and give the same answer.
+void ScanHost::retraceVerdict(RefDeepHeaderAdapter& engine, ScanOutcome& outcome) const {
+    auto const& settings = m_settings.m_judging;
+    outcome.m_reachedVerdict = outcome.m_record.receivers[0].hasIP != Code::notAnalysed;
+    if (outcome.m_error || !outcome.m_reachedVerdict) {
+        return;
+    }
+    if (engine->hasEliteNodes()) {
+        engine->checkElite(outcome.m_elite, outcome.m_record, settings);
+    }
+    if (!s_eliteDecided(outcome.m_elite, settings) && engine->consultsTree(settings)) {
+        outcome.m_treeResult =
+            engine->travelDT(settings, treeRoot, outcome.m_record, outcome.m_treePath);
+    }
+}
+
+ScanOutcome ScanHost::scan(HeaderContainer const& headers, MessageFacts const& facts) const {
+    ScanOutcome outcome;
+    RefDeepHeaderAdapter engine(m_engine);
+    auto trail = cutOffOwnHops(headers, s_currentHeader(facts), m_settings.m_internal);
+    outcome.m_cutOff = std::move(trail.m_cutOff);
+    try {
+        DeepHeaderQuery query(trail.m_headers, trail.m_current, m_settings.m_judging,
+                              facts.m_currentIsForged, facts.m_envelopeFrom, facts.m_headerFrom,
+                              facts.m_recipient, messageProperties(trail.m_headers, facts));
+        outcome.m_answer = engine->scanMessage(query, outcome.m_record);
+    } catch (Exception const& error) {
+        outcome.m_error = error.asString();
+    }
+    retraceVerdict(engine, outcome);
+    return outcome;
+}
+
+} // namespace Quorvane

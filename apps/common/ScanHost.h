@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// ScanHost: a host of the library. It puts the settings in force (rules, trusted relays,
+// reputation, name patterns, resolver), loads the engine, and turns one header section after
+// another into an outcome that holds the verdict and the working record of the scan.
+//
+// One object a process: the engine and the platform's tables are process-wide. Once constructed it
+// never changes; scan may be called from many threads at once, each call with its own message.
+#pragma once
+
+#include "adapter/DeepHeaderAdapter.h"
+#include "apps/common/HostSettings.h"
+#include "DeepHeaderAnswer.h"
+#include "platform/EmailAddress.h"
+#include "platform/HeaderContainer.h"
+#include "platform/ReputationTable.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane {
+
+// What a host knows about a message besides its text.
+struct MessageFacts {
+    // Value of the Received header that the host is about to add.
+    std::optional<std::string> m_currentReceived;
+    std::int32_t m_currentIsForged = 0;
+    std::uint32_t m_clientScore = 0;
+    std::int32_t m_messageStatus = 0;
+    EmailAddress m_envelopeFrom;
+    EmailAddress m_headerFrom;
+    EmailAddress m_recipient;
+};
+
+struct ScanOutcome {
+    DeepHeaderAnswer m_answer;
+    // Why the scan failed; the answer is then the default one.
+    std::optional<std::string> m_error;
+    // The record as the scan left it.
+    DeepHeaderAdapter::MsgProperties m_record;
+    // The scan found a public hop and came to ask the rules.
+    bool m_reachedVerdict = false;
+    DeepHeaderAdapter::EliteHits m_elite;
+    // The nodes that the walk stood on and its result; empty and -1 when the tree was not asked.
+    std::vector<int> m_treePath;
+    int m_treeResult = -1;
+    // Hops of the site's own relays that were cut off before the scan.
+    std::vector<Header> m_cutOff;
+};
+
+class ScanHost {
+  public:
+    // Throws a SettingsError when a file or server that the settings name is no good, or when the
+    // rules cannot be loaded.
+    explicit ScanHost(HostSettings const& settings);
+
+    // `headers`: the header section as HeaderReader split it.
+    ScanOutcome scan(HeaderContainer const& headers, MessageFacts const& facts) const;
+
+    HostSettings const& settings() const { return m_settings; }
+    DeepHeaderAdapter const& engine() const { return *m_engine.operator->(); }
+
+  private:
+    RefMessageProperties messageProperties(HeaderContainer const& headers,
+                                           MessageFacts const& facts) const;
+    void retraceVerdict(RefDeepHeaderAdapter& engine, ScanOutcome& outcome) const;
+
+    HostSettings m_settings;
+    ReputationTable m_scores;
+    RefDeepHeaderAdapter m_engine;
+};
+
+} // namespace Quorvane

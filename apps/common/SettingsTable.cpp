@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/common/SettingsTable.h"
+
+#include "include2/Exception.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+
+namespace Quorvane {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr long long minInt32 = std::numeric_limits<std::int32_t>::min();
+constexpr long long maxInt32 = std::numeric_limits<std::int32_t>::max();
+// More threads than this is a slip of the keyboard.
+constexpr long long maxJobs = 1024;
+
+std::int32_t s_int32(std::string const& text) {
+    return static_cast<std::int32_t>(readInteger(text, minInt32, maxInt32));
+}
+
+std::string s_show(double value) {
+    std::array<char, 32> buffer{};
+    auto const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    return {buffer.data(), end};
+}
+
+IPPrefix s_prefix(std::string const& text) {
+    try {
+        return IPPrefix::parse(text);
+    } catch (Exception const& error) {
+        throw SettingsError(error.stringParameter());
+    }
+}
+
+Texts s_show(std::vector<IPPrefix> const& prefixes) {
+    Texts texts;
+    for (auto const& prefix : prefixes) {
+        texts.push_back(prefix.asString());
+    }
+    return texts;
+}
+
+void s_assignScore(HostSettings& settings, std::string const& text) {
+    auto const equals = text.rfind('=');
+    if (equals == std::string::npos) {
+        throw SettingsError("\"" + text + "\" is no score; write PREFIX=N, as in 192.0.2.0/24=7");
+    }
+    auto const prefix = s_prefix(text.substr(0, equals));
+    settings.m_scores.emplace_back(prefix, s_int32(text.substr(equals + 1)));
+}
+
+Texts s_showScores(HostSettings const& settings) {
+    Texts texts;
+    for (auto const& [prefix, score] : settings.m_scores) {
+        texts.push_back(prefix.asString() + "=" + std::to_string(score));
+    }
+    return texts;
+}
+
+void s_checkServer(std::string const& text) {
+    auto const at = text.find('@');
+    if (!IPAddress::isValidIPAddress(text.substr(0, at))) {
+        throw SettingsError("\"" + text +
+                            "\" is no resolver; write system, off, or the address of " +
+                            "a name server, as in 192.0.2.53 or 192.0.2.53@5353");
+    }
+    if (at != std::string::npos) {
+        readInteger(text.substr(at + 1), 1, 65535);
+    }
+}
+
+void s_assignDns(HostSettings& settings, std::string const& text) {
+    if (text != "system" && text != "off") {
+        s_checkServer(text);
+    }
+    settings.m_dns = text;
+}
+
+constexpr auto table = std::to_array<SettingKey>({
+    {"root", SettingKind::path, "DIR",
+     "look the rule files up below DIR (DIR/var/spool/etc/antispam/)",
+     [](HostSettings& s, std::string const& t) { s.m_root = t; },
+     [](HostSettings const& s) { return Texts{s.m_root}; }, nullptr},
+    {"spam-threshold", SettingKind::number, "X",
+     "probability of spam, 0..1, from which a message is spam; 95 or more keeps the tree out",
+     [](HostSettings& s, std::string const& t) { s.m_judging.spamThreshold = readNumber(t); },
+     [](HostSettings const& s) { return Texts{s_show(s.m_judging.spamThreshold)}; }, nullptr},
+    {"ham-threshold", SettingKind::number, "X",
+     "probability of ham, 0..1, from which a message is ham",
+     [](HostSettings& s, std::string const& t) { s.m_judging.hamThreshold = readNumber(t); },
+     [](HostSettings const& s) { return Texts{s_show(s.m_judging.hamThreshold)}; }, nullptr},
+    {"min-support", SettingKind::number, "X",
+     "percentage of the training messages that a rule must have seen",
+     [](HostSettings& s, std::string const& t) { s.m_judging.minSupport = readNumber(t); },
+     [](HostSettings const& s) { return Texts{s_show(s.m_judging.minSupport)}; }, nullptr},
+    {"max-elite-level", SettingKind::integer, "N", "leave elite rules of a higher level out",
+     [](HostSettings& s, std::string const& t) { s.m_judging.maxEliteLevel = s_int32(t); },
+     [](HostSettings const& s) { return Texts{std::to_string(s.m_judging.maxEliteLevel)}; },
+     nullptr},
+    {"score-threshold", SettingKind::integer, "N",
+     "reputation score, 0..9, from which a relay ends the walk along the trail",
+     [](HostSettings& s, std::string const& t) { s.m_judging.scoreThreshold = s_int32(t); },
+     [](HostSettings const& s) { return Texts{std::to_string(s.m_judging.scoreThreshold)}; },
+     nullptr},
+    {"walk-to-leaf", SettingKind::integer, "0|1",
+     "0: stop in the tree at the first node that is sure enough of spam",
+     [](HostSettings& s, std::string const& t) {
+         s.m_judging.walkToLeaf = static_cast<std::uint8_t>(readInteger(t, 0, 1));
+     },
+     [](HostSettings const& s) { return Texts{std::to_string(int{s.m_judging.walkToLeaf})}; },
+     nullptr},
+    {"trusted-mta", SettingKind::list, "PREFIX", "a relay that is skipped along the trail",
+     [](HostSettings& s, std::string const& t) { s.m_trusted.push_back(s_prefix(t)); },
+     [](HostSettings const& s) { return s_show(s.m_trusted); },
+     [](HostSettings& s) { s.m_trusted.clear(); }},
+    {"trusted-antispam-mta", SettingKind::list, "PREFIX",
+     "a relay that filters already: the trail ends there",
+     [](HostSettings& s, std::string const& t) { s.m_antiSpam.push_back(s_prefix(t)); },
+     [](HostSettings const& s) { return s_show(s.m_antiSpam); },
+     [](HostSettings& s) { s.m_antiSpam.clear(); }},
+    {"internal", SettingKind::list, "PREFIX",
+     "a relay of this site: the newest hops that came from one are cut off",
+     [](HostSettings& s, std::string const& t) { s.m_internal.push_back(s_prefix(t)); },
+     [](HostSettings const& s) { return s_show(s.m_internal); },
+     [](HostSettings& s) { s.m_internal.clear(); }},
+    {"score", SettingKind::list, "PREFIX=N",
+     "reputation score of the relays in PREFIX; the longest prefix wins", s_assignScore,
+     s_showScores, [](HostSettings& s) { s.m_scores.clear(); }},
+    {"dynamic-patterns", SettingKind::path, "FILE",
+     "patterns of dynamic host names, instead of the built-in list",
+     [](HostSettings& s, std::string const& t) { s.m_dynamicPatterns = t; },
+     [](HostSettings const& s) { return Texts{s.m_dynamicPatterns}; }, nullptr},
+    {"dns", SettingKind::text, "system|off|HOST[@PORT]", "who answers look-ups", s_assignDns,
+     [](HostSettings const& s) { return Texts{s.m_dns}; }, nullptr},
+    {"dns-data", SettingKind::path, "FILE",
+     "zone-file lines that answer look-ups; nothing else is asked",
+     [](HostSettings& s, std::string const& t) { s.m_dnsData = t; },
+     [](HostSettings const& s) { return Texts{s.m_dnsData}; }, nullptr},
+    {"jobs", SettingKind::integer, "N", "scanning threads (0: one for each core)",
+     [](HostSettings& s, std::string const& t) {
+         s.m_jobs = static_cast<unsigned int>(readInteger(t, 0, maxJobs));
+     },
+     [](HostSettings const& s) { return Texts{std::to_string(s.m_jobs)}; }, nullptr},
+});
+
+// Levenshtein's distance, one row at a time.
+std::size_t s_distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j) {
+        row[j] = j;
+    }
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            auto const substituted = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, substituted});
+        }
+    }
+    return row[b.size()];
+}
+
+template<typename Number>
+bool s_parses(std::string const& text, Number& value) {
+    auto const* const begin = text.data() + (text.starts_with('+') ? 1 : 0);
+    auto const* const end = text.data() + text.size();
+    auto const result = std::from_chars(begin, end, value);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+} // namespace
+
+std::span<SettingKey const> settingKeys() {
+    return table;
+}
+
+SettingKey const* findSetting(std::string_view name) {
+    auto const found = std::find_if(table.begin(), table.end(),
+                                    [name](SettingKey const& key) { return key.m_name == name; });
+    return found == table.end() ? nullptr : &*found;
+}
+
+std::string_view nearestName(std::string_view name, std::span<std::string_view const> names) {
+    std::string_view nearest;
+    std::size_t best = std::numeric_limits<std::size_t>::max();
+    for (auto const candidate : names) {
+        auto const distance = s_distance(name, candidate);
+        if (distance < best) {
+            best = distance;
+            nearest = candidate;
+        }
+    }
+    return nearest;
+}
+
+double readNumber(std::string const& text) {
+    double value = 0;
+    if (!s_parses(text, value)) {
+        throw SettingsError("\"" + text + "\" is no number");
+    }
+    return value;
+}
+
+long long readInteger(std::string const& text, long long low, long long high) {
+    long long value = 0;
+    if (!s_parses(text, value) || value < low || value > high) {
+        throw SettingsError("\"" + text + "\" is no whole number from " + std::to_string(low) +
+                            " to " + std::to_string(high));
+    }
+    return value;
+}
+
+} // namespace Quorvane
