@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Attribute vectors as CSV (RFC 4180, with LF): the source, then the 38 attributes by index. Pure
+// functions.
+#pragma once
+
+#include "apps/common/ScanHost.h"
+
+#include <string>
+
+namespace Quorvane {
+
+// "source", then the names of the attributes.
+std::string csvHeader();
+// Empty when the scan came to no attributes: no public hop, or it failed.
+std::string csvRecord(std::string const& source, ScanOutcome const& outcome);
+
+} // namespace Quorvane

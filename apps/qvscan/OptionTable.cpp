@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvscan/OptionTable.h"
+
+#include "apps/common/SettingsTable.h"
+
+namespace Quorvane {
+
+namespace {
+
+constexpr OptionRow runOptions[] = {
+    {"format", "text|json|csv", "text (on a terminal), JSON Lines (else), CSV of attributes", false,
+     outputGroup},
+    {"explain", "", "add the working record of the scan", false, outputGroup},
+    {"progress", "", "show progress (default: on a terminal, when work is long)", false,
+     outputGroup},
+    {"no-progress", "", "show none", false, outputGroup},
+    {"env-from", "A", "envelope sender, as the host knows it", false, messageGroup},
+    {"header-from", "A", "author", false, messageGroup},
+    {"recipient", "A", "recipient", false, messageGroup},
+    {"current-received", "TEXT", "value of the Received header about to be added", false,
+     messageGroup},
+    {"current-forged", "N", "its names are forged: 0 no, 1 yes, -1 ask DNS (default 0)", false,
+     messageGroup},
+    {"client-score", "N", "reputation score of the connecting client (default 0)", false,
+     messageGroup},
+    {"message-status", "N", "status of the message; rules see 3 (default 0)", false, messageGroup},
+    {"config", "FILE", "settings file (TOML); the command line wins", false, otherGroup},
+    {"show-config", "", "print the settings in force and their origins", false, otherGroup},
+};
+
+void s_append(std::vector<OptionRow>& rows, std::string_view group) {
+    for (auto const& option : runOptions) {
+        if (option.m_group == group) {
+            rows.push_back(option);
+        }
+    }
+}
+
+} // namespace
+
+std::vector<OptionRow> optionRows() {
+    std::vector<OptionRow> rows;
+    s_append(rows, outputGroup);
+    s_append(rows, messageGroup);
+    for (auto const& key : settingKeys()) {
+        rows.push_back({key.m_name, key.m_valueName, key.m_help, key.m_kind == SettingKind::list,
+                        settingGroup});
+    }
+    s_append(rows, otherGroup);
+    return rows;
+}
+
+} // namespace Quorvane

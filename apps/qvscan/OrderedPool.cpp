@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvscan/OrderedPool.h"
+
+#include <utility>
+
+namespace Quorvane {
+
+namespace {
+
+// Enough messages at once that the lock does not show; few enough that nobody waits long.
+constexpr std::size_t batchItems = 32;
+constexpr std::size_t batchesPerThread = 4;
+// Header sections that wait; one alone may be larger.
+constexpr std::size_t maxWaitingBytes = std::size_t{64} << 20;
+constexpr std::size_t batchBytes = std::size_t{1} << 20;
+
+} // namespace
+
+OrderedPool::OrderedPool(unsigned int threads, Work work, Sink sink)
+    : m_work(std::move(work)), m_sink(std::move(sink)), m_maxBatches(threads * batchesPerThread),
+      m_open(std::make_unique<Batch>()) {
+    for (unsigned int i = 0; i < threads; ++i) {
+        m_threads.emplace_back(&OrderedPool::run, this);
+    }
+}
+
+OrderedPool::~OrderedPool() {
+    close();
+}
+
+bool OrderedPool::submit(InputItem item) {
+    m_open->m_bytes += item.m_headers.size();
+    m_open->m_items.push_back(std::move(item));
+    bool const isFull = m_open->m_items.size() >= batchItems || m_open->m_bytes >= batchBytes;
+    std::unique_lock lock(m_mutex);
+    // A thread without work takes a batch that is not full: input may come slowly.
+    if (isFull || (m_queue.empty() && m_idle > 0)) {
+        flush(lock);
+    }
+    return !m_isStopped;
+}
+
+void OrderedPool::flush(std::unique_lock<std::mutex>& lock) {
+    m_hasRoom.wait(lock, [this] {
+        return m_isStopped || m_inOrder.empty() ||
+               (m_inOrder.size() < m_maxBatches && m_bytes < maxWaitingBytes);
+    });
+    m_bytes += m_open->m_bytes;
+    m_queue.push_back(m_open.get());
+    m_inOrder.push_back(std::move(m_open));
+    m_open = std::make_unique<Batch>();
+    m_hasWork.notify_one();
+}
+
+void OrderedPool::finish() {
+    {
+        std::unique_lock lock(m_mutex);
+        if (!m_open->m_items.empty()) {
+            flush(lock);
+        }
+    }
+    close();
+    if (m_thrown) {
+        std::rethrow_exception(m_thrown);
+    }
+}
+
+void OrderedPool::close() {
+    {
+        std::lock_guard const lock(m_mutex);
+        m_isClosed = true;
+    }
+    m_hasWork.notify_all();
+    for (auto& thread : m_threads) {
+        thread.join();
+    }
+    m_threads.clear();
+}
+
+void OrderedPool::run() {
+    std::unique_lock lock(m_mutex);
+    for (;;) {
+        ++m_idle;
+        m_hasWork.wait(lock, [this] { return m_isClosed || !m_queue.empty(); });
+        --m_idle;
+        if (m_queue.empty()) {
+            return;
+        }
+        auto& batch = *m_queue.front();
+        m_queue.pop_front();
+        bool const isWanted = !m_isStopped;
+        lock.unlock();
+        if (isWanted) {
+            workOn(batch);
+        }
+        lock.lock();
+        batch.m_isDone = true;
+        deliver(lock);
+    }
+}
+
+void OrderedPool::workOn(Batch& batch) {
+    try {
+        batch.m_results.reserve(batch.m_items.size());
+        for (auto const& item : batch.m_items) {
+            batch.m_results.push_back(m_work(item));
+        }
+    } catch (...) {
+        std::lock_guard const lock(m_mutex);
+        m_thrown = std::current_exception();
+        m_isStopped = true;
+    }
+}
+
+// Hands on what is done at the front, unless another thread is at it already.
+void OrderedPool::deliver(std::unique_lock<std::mutex>& lock) {
+    if (m_isDelivering) {
+        return;
+    }
+    m_isDelivering = true;
+    while (!m_inOrder.empty() && m_inOrder.front()->m_isDone) {
+        auto const batch = std::move(m_inOrder.front());
+        m_inOrder.pop_front();
+        m_bytes -= batch->m_bytes;
+        bool const isWanted = !m_isStopped;
+        lock.unlock();
+        bool const isGoingOn = isWanted && hand(*batch);
+        lock.lock();
+        m_isStopped = m_isStopped || !isGoingOn;
+        m_hasRoom.notify_one();
+    }
+    m_isDelivering = false;
+}
+
+bool OrderedPool::hand(Batch const& batch) {
+    try {
+        for (auto const& result : batch.m_results) {
+            if (!m_sink(result)) {
+                return false;
+            }
+        }
+    } catch (...) {
+        std::lock_guard const lock(m_mutex);
+        m_thrown = std::current_exception();
+        return false;
+    }
+    return true;
+}
+
+} // namespace Quorvane

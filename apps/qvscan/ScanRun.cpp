@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvscan/ScanRun.h"
+
+#include "apps/common/ExitCode.h"
+#include "apps/common/Utf8.h"
+#include "apps/qvscan/CsvRecord.h"
+#include "apps/qvscan/JsonRecord.h"
+#include "apps/qvscan/TextRecord.h"
+#include "platform/HeaderReader.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace Quorvane {
+
+namespace {
+
+OutputFormat s_format(ScanOptions const& options) {
+    bool const isTerminal = ::isatty(STDOUT_FILENO) == 1;
+    return options.m_format.value_or(isTerminal ? OutputFormat::text : OutputFormat::json);
+}
+
+// no-color.org: any value but the empty one asks for plain text.
+bool s_wantsColour() {
+    auto const* const noColour = std::getenv("NO_COLOR");
+    return (noColour == nullptr || *noColour == '\0') && ::isatty(STDOUT_FILENO) == 1;
+}
+
+unsigned int s_threads(HostSettings const& settings) {
+    return settings.m_jobs != 0 ? settings.m_jobs
+                                : std::max(1U, std::thread::hardware_concurrency());
+}
+
+ScanResult s_problem(std::string const& source, std::string const& text, int exitCode) {
+    ScanResult result;
+    result.m_errors = "qvscan: " + toPrintable(source) + ": " + toPrintable(text) + "\n";
+    result.m_exitCode = exitCode;
+    return result;
+}
+
+} // namespace
+
+ScanRun::ScanRun(ScanOptions const& options)
+    : m_options(options), m_format(s_format(options)), m_colour(s_wantsColour()),
+      m_host(options.m_settings.values()), m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
+
+std::string ScanRun::render(std::string const& source, ScanOutcome const& outcome) const {
+    switch (m_format) {
+    case OutputFormat::json:
+        return jsonRecord(source, outcome, m_options.m_explain);
+    case OutputFormat::csv:
+        return csvRecord(source, outcome);
+    case OutputFormat::text:
+        break;
+    }
+    return textRecord(source, outcome, m_colour);
+}
+
+ScanResult ScanRun::judge(InputItem const& item) const {
+    if (!item.m_problem.empty()) {
+        return s_problem(item.m_source, item.m_problem, item.m_exitCode);
+    }
+    auto const headers = HeaderReader::read(item.m_headers);
+    if (headers.headers().empty()) {
+        return s_problem(item.m_source, "no message: it has no header field", ExitCode::noMessage);
+    }
+    auto const outcome = m_host.scan(headers, m_options.m_facts);
+    ScanResult result;
+    result.m_output = render(item.m_source, outcome);
+    result.m_isSpam = outcome.m_answer.isSpam();
+    return result;
+}
+
+bool ScanRun::take(ScanResult const& result) {
+    m_foundSpam = m_foundSpam || result.m_isSpam;
+    note(result.m_exitCode);
+    m_errors.write(result.m_errors);
+    return m_output.write(result.m_output);
+}
+
+// Of several problems the first one counts.
+void ScanRun::note(int exitCode) {
+    if (m_problem == 0) {
+        m_problem = exitCode;
+    }
+}
+
+int ScanRun::exitStatus() const {
+    if (m_output.error() != 0) {
+        return ExitCode::ioError;
+    }
+    if (m_problem != 0) {
+        return m_problem;
+    }
+    return m_foundSpam ? ExitCode::found : ExitCode::ok;
+}
+
+int ScanRun::run() {
+    if (m_format == OutputFormat::csv) {
+        m_output.write(csvHeader());
+    }
+    OrderedPool pool(
+        s_threads(m_host.settings()), [this](InputItem const& item) { return judge(item); },
+        [this](ScanResult const& result) { return take(result); });
+    Inputs inputs(m_options.m_paths);
+    for (InputItem item; inputs.next(item);) {
+        if (!pool.submit(std::move(item))) {
+            break;
+        }
+    }
+    pool.finish();
+    if (m_output.error() != 0) {
+        m_errors.write(std::string("qvscan: cannot write: ") + std::strerror(m_output.error()) +
+                       "\n");
+    }
+    return exitStatus();
+}
+
+} // namespace Quorvane

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+// Exit statuses and what stands on standard error with them.
+#include "qvscan/ScanFixture.h"
+
+namespace Quorvane::Testing {
+
+namespace {
+
+using ExitStatus = ScanTest;
+
+TEST_F(ExitStatus, TellsSpamFromNoSpam) {
+    EXPECT_EQ(scan({}, ham()).m_status, 0);
+    EXPECT_EQ(scan({}, none()).m_status, 0);
+    EXPECT_EQ(scan({}, spam()).m_status, 1);
+}
+
+TEST_F(ExitStatus, NoMessageIs65AfterTheOthersWereJudged) {
+    auto const good = m_folder.write("good.eml", spam());
+    auto const bad = m_folder.write("bad.bin", "no header here\n");
+    auto const result = scan({bad, good});
+    EXPECT_EQ(result.m_status, 65);
+    EXPECT_EQ(result.m_errors, "qvscan: " + bad + ": no message: it has no header field\n");
+    EXPECT_EQ(records(result).size(), 1U);
+}
+
+TEST_F(ExitStatus, EmptyInputIsNoMessage) {
+    EXPECT_EQ(scan({}, "").m_status, 65);
+    EXPECT_EQ(scan({m_folder.write("empty", "")}).m_status, 65);
+}
+
+TEST_F(ExitStatus, MissingInputIs66AfterTheOthersWereJudged) {
+    auto const good = m_folder.write("good.eml", ham());
+    auto const missing = (m_folder.path() / "missing").string();
+    auto const result = scan({missing, good});
+    EXPECT_EQ(result.m_status, 66);
+    EXPECT_EQ(result.m_errors,
+              "qvscan: " + missing + ": cannot be opened: No such file or directory\n");
+    EXPECT_EQ(records(result).size(), 1U);
+}
+
+struct UsageCase {
+    Arguments m_arguments;
+    std::string m_error;
+};
+
+TEST_F(ExitStatus, WrongCommandLinesAre64) {
+    UsageCase const cases[] = {
+        {{"--nonsense"}, "unknown option --nonsense; the nearest known one is --progress"},
+        {{"--spam-treshold", "1"},
+         "unknown option --spam-treshold; the nearest known one is "
+         "--spam-threshold"},
+        {{"--format", "xml"}, "--format: \"xml\" is no format"},
+        {{"--spam-threshold", "much"}, "--spam-threshold: \"much\" is no number"},
+        {{"--walk-to-leaf", "2"}, "--walk-to-leaf: \"2\" is no whole number from 0 to 1"},
+        {{"--max-elite-level", "4294967296"}, "--max-elite-level: \"4294967296\" is no whole"},
+        {{"--client-score", "-1"}, "--client-score: \"-1\" is no whole number"},
+        {{"--trusted-mta", "300.0.0.1"}, "--trusted-mta: "},
+        {{"--internal", "192.0.2.0/33"}, "--internal: "},
+        {{"--score", "192.0.2.0/24"}, "--score: \"192.0.2.0/24\" is no score"},
+        {{"--dns", "no-server"}, "--dns: \"no-server\" is no resolver"},
+        {{"--dns", "192.0.2.53@70000"}, "--dns: \"70000\" is no whole number"},
+        {{"--jobs", "-2"}, "--jobs: \"-2\" is no whole number"},
+        {{"--root"}, "--root"},
+    };
+    for (auto const& row : cases) {
+        auto const result = scan(row.m_arguments, ham());
+        EXPECT_EQ(result.m_status, 64) << row.m_arguments[0];
+        EXPECT_NE(result.m_errors.find(row.m_error), std::string::npos) << result.m_errors;
+        EXPECT_NE(result.m_errors.find("qvscan --help"), std::string::npos);
+        EXPECT_EQ(result.m_output, "");
+    }
+}
+
+TEST_F(ExitStatus, BadSettingsAre78) {
+    struct {
+        char const* m_text;
+        char const* m_error;
+    } const cases[] = {
+        {"spam-threshold = \"x\"\n", ":1:18: spam-threshold needs a number"},
+        {"jobs = 2\nspam_threshold = 1\n",
+         ":2:1: unknown key \"spam_threshold\"; the nearest known one is \"spam-threshold\""},
+        {"jobs = \n", ":1:"},
+        {"trusted-mta = [\"192.0.2.1\", \"nope\"]\n", ":1:29: trusted-mta: "},
+        {"walk-to-leaf = 7\n", ":1:16: walk-to-leaf: \"7\" is no whole number from 0 to 1"},
+    };
+    for (auto const& row : cases) {
+        auto const file = m_folder.write("settings.toml", row.m_text);
+        auto const result = scan({"--config", file}, ham());
+        EXPECT_EQ(result.m_status, 78) << row.m_text;
+        EXPECT_NE(result.m_errors.find(file + row.m_error), std::string::npos) << result.m_errors;
+    }
+}
+
+TEST_F(ExitStatus, MissingFilesOfSettingsAre78) {
+    auto const missing = (m_folder.path() / "missing").string();
+    for (auto const* const option : {"--config", "--dynamic-patterns", "--dns-data", "--root"}) {
+        auto const result = scan({option, missing}, ham());
+        EXPECT_EQ(result.m_status, 78) << option;
+        EXPECT_NE(result.m_errors.find(missing), std::string::npos) << result.m_errors;
+    }
+}
+
+TEST_F(ExitStatus, RulesThatCannotBeLoadedAre78) {
+    auto const empty = m_folder.path() / "empty";
+    std::filesystem::create_directories(empty);
+    auto const result = scan({"--root", empty}, ham());
+    EXPECT_EQ(result.m_status, 78);
+    EXPECT_NE(
+        result.m_errors.find("no usable rules in " + empty.string() + "/var/spool/etc/antispam: "),
+        std::string::npos);
+    EXPECT_NE(result.m_errors.find("Error loading the deep header rules"), std::string::npos);
+}
+
+TEST_F(ExitStatus, HelpAndVersionNeedNoRules) {
+    auto const help = run({"--help"});
+    EXPECT_EQ(help.m_status, 0);
+    EXPECT_NE(help.m_output.find("Usage: qvscan"), std::string::npos);
+    auto const version = run({"--version"});
+    EXPECT_EQ(version.m_status, 0);
+    EXPECT_EQ(version.m_output.find("qvscan "), 0U);
+}
+
+} // namespace
+
+} // namespace Quorvane::Testing

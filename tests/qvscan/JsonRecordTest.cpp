@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: Apache-2.0
+// The JSON record: its keys, their order and meaning, which other programs rely on.
+#include "qvscan/ScanFixture.h"
+
+namespace Quorvane::Testing {
+
+namespace {
+
+Arguments s_keys(Json const& object) {
+    Arguments keys;
+    for (auto const& item : object.items()) {
+        keys.push_back(item.key());
+    }
+    return keys;
+}
+
+using JsonRecord = ScanTest;
+
+TEST_F(JsonRecord, HoldsItsKeysInOrder) {
+    auto const found = records(scan({}, spam()));
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(s_keys(found[0]),
+              (Arguments{"source", "verdict", "node", "confidence", "support", "adjust",
+                         "adjustReason", "spam", "ham", "ips", "reasons"}));
+}
+
+TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
+    auto const record = explained({}, spam());
+    EXPECT_EQ(s_keys(record).back(), "explain");
+    auto const& explain = record["explain"];
+    EXPECT_EQ(
+        s_keys(explain),
+        (Arguments{"messageIdDomain", "headerFrom", "envelopeFrom", "recipient", "hops",
+                   "receivers", "scoredHopFound", "scoredHopIP", "scoredHopScore", "hopCount",
+                   "maxPrivateRun", "publicRun", "noAddressHops", "attributes", "elite", "tree"}));
+    EXPECT_EQ(s_keys(explain["hops"][0]),
+              (Arguments{"from", "reverseName", "by", "address", "privateIP", "authenticated",
+                         "receiveTime", "isForged"}));
+    EXPECT_EQ(
+        s_keys(explain["receivers"][0]),
+        (Arguments{"helo", "ip", "reverseName", "hasIP", "heloIsDomain", "heloIsIP", "heloDynamic",
+                   "heloEqualsIP", "reverseDynamic", "reverseIsDomain", "isForged",
+                   "heloMatchesReverse", "fromDomainMatchesHelo", "fromDomainMatchesReverse",
+                   "envFromDomainMatches", "fromDomainMatchesBoth"}));
+    EXPECT_EQ(s_keys(explain["elite"]),
+              (Arguments{"adjust", "confidence", "support", "code", "reasons"}));
+    EXPECT_EQ(s_keys(explain["tree"]), (Arguments{"path", "result"}));
+    EXPECT_EQ(explain["receivers"].size(), 3U);
+    EXPECT_EQ(explain["attributes"].size(), 38U);
+}
+
+TEST_F(JsonRecord, TellsATreeVerdict) {
+    auto const record = explained({}, spam());
+    EXPECT_EQ(record["source"], "-");
+    EXPECT_EQ(record["verdict"], "spam");
+    EXPECT_EQ(record["node"], 3);
+    EXPECT_EQ(record["confidence"], 0.99);
+    EXPECT_EQ(record["support"], 10.0);
+    EXPECT_EQ(record["spam"], true);
+    EXPECT_EQ(record["ham"], false);
+    EXPECT_EQ(record["ips"], "192.0.2.7");
+    EXPECT_EQ(record["reasons"],
+              "Node:{3} Confidence degree{ 0.99 } Support degree{ 10 } IP{ 192.0.2.7 } ");
+    EXPECT_EQ(record["explain"]["tree"], Json::parse(R"({"path":[2,3],"result":3})"));
+    EXPECT_EQ(record["explain"]["attributes"][10], 1);
+}
+
+TEST_F(JsonRecord, TellsHamAndNone) {
+    EXPECT_EQ(explained({}, ham())["verdict"], "ham");
+    auto const record = explained({}, none());
+    EXPECT_EQ(record["verdict"], "none");
+    EXPECT_EQ(record["node"], 5);
+}
+
+TEST_F(JsonRecord, TellsAnEliteVerdictAndLeavesTheTreeOut) {
+    auto const record = explained({"--max-elite-level", "2", "--message-status", "3"}, ham());
+    EXPECT_EQ(record["verdict"], "spam");
+    EXPECT_EQ(record["node"], 901);
+    EXPECT_EQ(
+        record["explain"]["elite"],
+        Json::parse(R"({"adjust":0.0,"confidence":0.96,"support":5.0,"code":901,"reasons":""})"));
+    EXPECT_EQ(record["explain"]["tree"], Json::parse(R"({"path":[],"result":-1})"));
+}
+
+TEST_F(JsonRecord, TellsAnAdjustment) {
+    auto const record =
+        explained({}, hop("a.example", "mail.example.com", "198.51.100.9") + spam());
+    EXPECT_EQ(record["adjust"], 0.01);
+    EXPECT_EQ(record["adjustReason"], "a");
+    EXPECT_EQ(record["ips"], "198.51.100.9,192.0.2.7");
+}
+
+TEST_F(JsonRecord, ShowsTheRecordOfAScanThatEndedEarly) {
+    auto const record =
+        explained({}, hop("a.example", "b.example", "10.0.0.1") + "From: a@b.example\n\n");
+    EXPECT_EQ(record["verdict"], "none");
+    EXPECT_EQ(record["node"], 0);
+    EXPECT_EQ(record["confidence"], -1.0);
+    EXPECT_EQ(record["reasons"], " No untrusted public ip! ");
+    auto const& explain = record["explain"];
+    EXPECT_EQ(explain["hops"].size(), 1U);
+    EXPECT_EQ(explain["hopCount"], 1);
+    EXPECT_EQ(explain["receivers"][0]["hasIP"], 3);
+    EXPECT_EQ(explain["attributes"][16], 2);
+    EXPECT_EQ(explain["elite"]["confidence"], 0.0);
+    EXPECT_EQ(explain["tree"]["result"], -1);
+}
+
+TEST_F(JsonRecord, ShowsNullForAddressesThatAreNull) {
+    auto const record = explained({}, "Received: by mx.example.org; Mon, 1 Jan 2024\n\n");
+    auto const& explain = record["explain"];
+    EXPECT_EQ(explain["messageIdDomain"], "");
+    EXPECT_TRUE(explain["headerFrom"].is_null());
+    EXPECT_TRUE(explain["envelopeFrom"].is_null());
+    EXPECT_TRUE(explain["recipient"].is_null());
+    EXPECT_TRUE(explain["hops"][0]["address"].is_null());
+}
+
+TEST_F(JsonRecord, NeverAskedForgedStateIsMinusOne) {
+    auto const record = explained({}, hop("x.example", "y.example", "10.0.0.1") + spam());
+    EXPECT_EQ(record["explain"]["hops"][0]["isForged"], -1);
+    EXPECT_EQ(record["explain"]["hops"][1]["isForged"], 0);
+}
+
+// A name with a blank abandons the parse, and each accessor call parses what the call before left:
+// had the display asked, it would have changed what it shows.
+TEST_F(JsonRecord, ShowingAHopDoesNotParseIt) {
+    auto const record =
+        explained({}, "Received: from a b.example (c.example [192.0.2.1]) by d\n\n");
+    auto const again = explained({}, "Received: from a b.example (c.example [192.0.2.1]) by d\n\n");
+    EXPECT_EQ(record, again);
+}
+
+TEST_F(JsonRecord, KeepsUtf8AndShowsOtherBytesAsLatin1) {
+    auto const record = explained({}, "Message-ID: <1@b\xC3\xBC"
+                                      "cher\xFF\xC3.example>\n" +
+                                          spam());
+    auto const result = scan({"--explain"}, "Message-ID: <1@b\xC3\xBC"
+                                            "cher\xFF\xC3.example>\n\n");
+    EXPECT_EQ(records(result)[0]["explain"]["messageIdDomain"], "b\xC3\xBC"
+                                                                "cher\xC3\xBF\xC3\x83.example");
+    EXPECT_NE(result.m_output.find("b\\u00fccher\\u00ff\\u00c3.example"), std::string::npos);
+}
+
+TEST_F(JsonRecord, AScanThatFailedTellsItsError) {
+    auto const record = explained({}, "Received: by \n" + spam());
+    EXPECT_EQ(record["verdict"], "none");
+    EXPECT_EQ(record["node"], 0);
+    auto const keys = s_keys(record);
+    EXPECT_EQ(keys[keys.size() - 2], "error");
+    EXPECT_NE(record["error"].get<std::string>().find("Error deep header scanning "),
+              std::string::npos);
+}
+
+} // namespace
+
+} // namespace Quorvane::Testing

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Runs the built qvscan over a small rule set and messages in a folder of the test.
+#pragma once
+
+#include "support/Program.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace Quorvane::Testing {
+
+using Json = nlohmann::ordered_json;
+using Arguments = std::vector<std::string>;
+
+// A hop as Postfix writes it.
+std::string hop(std::string const& helo, std::string const& reverse, std::string const& address,
+                std::string const& by = "mx.example.org");
+
+class ScanTest : public testing::Test {
+  protected:
+    // The rules: at the tree's root, a first hop with a dynamic reverse name leads to node 3 (0.99
+    // spam), one without to node 4 (0.02), any other to node 5 (0.5). Elite rule 'a' adds 0.01 when
+    // the trail goes on behind the first hop; elite rule 901 (level 2) decides on status_indicated.
+    ScanTest();
+
+    // With --root, DNS off and --format json; these may be overridden by `arguments`.
+    ProgramResult scan(Arguments const& arguments, std::string const& input = {}) const;
+    // Just the arguments.
+    static ProgramResult run(Arguments const& arguments, std::string const& input = {});
+
+    // The records that were written, one for each line.
+    static std::vector<Json> records(ProgramResult const& result);
+    // The one record of a scan with --explain.
+    Json explained(Arguments arguments, std::string const& input) const;
+
+    std::string root() const { return m_folder.path() / "root"; }
+
+    // First hops with a dynamic, without, and with another reverse name.
+    static std::string spam();
+    static std::string none();
+    static std::string ham();
+
+    TemporaryFolder m_folder;
+};
+
+} // namespace Quorvane::Testing
