@@ -2,7 +2,6 @@
 #include "platform/Strings.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace Quorvane {
 
@@ -28,9 +27,8 @@ void stringToLowerNoCopy(std::string& text) {
     std::transform(text.begin(), text.end(), text.begin(), s_lower);
 }
 
-int stringCompareNoCase(std::string const& a, std::string const& b, std::string::size_type pos) {
-    std::string_view rest(a);
-    rest.remove_prefix(std::min(pos, rest.size()));
+int stringCompareNoCase(std::string_view a, std::string_view b, std::string::size_type pos) {
+    auto const rest = a.substr(std::min(pos, a.size()));
     auto const common = std::min(rest.size(), b.size());
     for (std::string::size_type i = 0; i < common; ++i) {
         auto const left = static_cast<unsigned char>(s_lower(rest[i]));

@@ -8,6 +8,7 @@
 #include "include2/Export.h"
 
 #include <string>
+#include <string_view>
 
 namespace Quorvane {
 
@@ -19,8 +20,7 @@ QV_API void stringToLowerNoCopy(std::string& text);
 
 // 0 when `a` from byte `pos` on equals `b` but for letter case, else the order: negative when that
 // rest of `a` sorts first. A `pos` beyond the end compares the empty string.
-QV_API int stringCompareNoCase(std::string const& a, std::string const& b,
-                               std::string::size_type pos);
+QV_API int stringCompareNoCase(std::string_view a, std::string_view b, std::string::size_type pos);
 
 // Strip space, tab, CR and LF at one end.
 QV_API void stringLeftTrim(std::string& text);

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Trails.h"
+
+#include <random>
+
+namespace Quorvane::Bench {
+
+namespace {
+
+std::string s_number(std::mt19937& random, unsigned int limit) {
+    return std::to_string(random() % limit);
+}
+
+std::string s_ip(std::mt19937& random) {
+    return "203.0." + s_number(random, 256) + '.' + s_number(random, 256);
+}
+
+std::string s_host(std::mt19937& random) {
+    static char const* const kinds[] = {"mail", "mx", "smtp-out", "relay", "host-203-0-113", "web"};
+    return std::string(kinds[random() % 6]) + s_number(random, 100) + ".site" +
+           s_number(random, 50) + ".example";
+}
+
+// One Received value in the shape of Postfix, Sendmail, Exim, qmail or Exchange.
+std::string s_received(std::mt19937& random, std::string const& by) {
+    auto const host = s_host(random);
+    auto const ip = s_ip(random);
+    auto const date = ";\n\tMon, 1 Jan 2024 10:00:0" + s_number(random, 10) + " +0000 (UTC)";
+    auto const id = "4S" + s_number(random, 100000000);
+    switch (random() % 5) {
+    case 0:
+        return "from " + host + " (" + host + " [" + ip + "])\n\tby " + by +
+               " (Postfix) with ESMTPS id " + id + "\n\tfor <someone@recipient.example>" + date;
+    case 1:
+        return "from " + host + " (" + s_host(random) + " [" + ip + "])\n\tby " + by +
+               " (8.15.2/8.15.2) with ESMTP id " + id +
+               "\n\t(version=TLSv1.2 cipher=ECDHE-RSA-AES256-GCM-SHA384 bits=256 verify=NO)" + date;
+    case 2:
+        return "from [" + ip + "] (helo=" + host + ")\n\tby " + by +
+               " with esmtps (TLS1.2) (Exim 4.92)\n\tid " + id + date;
+    case 3:
+        return "from unknown (HELO " + host + ") (" + ip + ")\n  by " + by +
+               " with SMTP; 1 Jan 2024 10:00:00 -0000";
+    default:
+        return "from " + host + " (" + ip + ") by\r\n " + by +
+               " (203.0.113.9) with Microsoft SMTP Server (TLS) id 15.1.2507.6" + date;
+    }
+}
+
+} // namespace
+
+Trails makeTrails(std::size_t messages) {
+    std::mt19937 random(20240101); // the same trails at every run
+    Trails trails;
+    for (std::size_t i = 0; i < messages; ++i) {
+        std::string block = "Return-Path: <bounce@sender" + s_number(random, 90) + ".example>\n";
+        auto const hops = 3 + random() % 5;
+        for (unsigned int hop = 0; hop < hops; ++hop) {
+            trails.m_received.push_back(s_received(random, s_host(random)));
+            block += "Received: " + trails.m_received.back() + '\n';
+        }
+        block += "Message-ID: <" + s_number(random, 1000000000) + "@mail.sender" +
+                 s_number(random, 90) + ".example>\nDate: Mon, 1 Jan 2024 10:00:00 +0000\n" +
+                 "From: \"Some One\" <someone@sender" + s_number(random, 90) +
+                 ".example>\nTo: other@recipient.example\nSubject: About this and that\n" +
+                 "MIME-Version: 1.0\nContent-Type: text/plain; charset=utf-8\n\n";
+        trails.m_blocks.push_back(block);
+    }
+    return trails;
+}
+
+} // namespace Quorvane::Bench
