@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/EmailAddress.h"
+
+#include "platform/internal/AddressText.h"
+
+#include <cstddef>
+#include <gmime/gmime.h>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace Quorvane {
+
+namespace {
+
+struct Unref {
+    void operator()(InternetAddressList* list) const { g_object_unref(list); }
+};
+
+using List = std::unique_ptr<InternetAddressList, Unref>;
+
+// Lives as long as the process and is only read once made.
+GMimeParserOptions* s_makeOptions(GMimeRfcComplianceMode mode) {
+    static bool const initialised = (g_mime_init(), true);
+    (void)initialised;
+    auto* const options = g_mime_parser_options_new();
+    g_mime_parser_options_set_address_compliance_mode(options, mode);
+    return options;
+}
+
+GMimeParserOptions* s_options(bool lenient) {
+    static auto* const loose = s_makeOptions(GMIME_RFC_COMPLIANCE_LOOSE);
+    static auto* const strict = s_makeOptions(GMIME_RFC_COMPLIANCE_STRICT);
+    return lenient ? loose : strict;
+}
+
+// Null for a group and for a mailbox without "@", such as the "Doe" of the unquoted name
+// "Doe, John <john@host.example>".
+InternetAddressMailbox* s_usable(InternetAddress* address) {
+    if (!INTERNET_ADDRESS_IS_MAILBOX(address)) {
+        return nullptr;
+    }
+    auto* const mailbox = INTERNET_ADDRESS_MAILBOX(address);
+    return mailbox->addr != nullptr && mailbox->at >= 0 ? mailbox : nullptr;
+}
+
+InternetAddressMailbox* s_firstMember(InternetAddress* address) {
+    if (!INTERNET_ADDRESS_IS_GROUP(address)) {
+        return nullptr;
+    }
+    auto* const members = internet_address_group_get_members(INTERNET_ADDRESS_GROUP(address));
+    int const count = members == nullptr ? 0 : internet_address_list_length(members);
+    for (int i = 0; i < count; ++i) {
+        if (auto* const mailbox = s_usable(internet_address_list_get_address(members, i))) {
+            return mailbox;
+        }
+    }
+    return nullptr;
+}
+
+// Groups do not nest (RFC 5322 section 3.4), so members of members do not count.
+InternetAddressMailbox* s_firstMailbox(InternetAddressList* list) {
+    for (int i = 0; i < internet_address_list_length(list); ++i) {
+        auto* const address = internet_address_list_get_address(list, i);
+        if (auto* const mailbox = s_usable(address)) {
+            return mailbox;
+        }
+        if (auto* const member = s_firstMember(address)) {
+            return member;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+EmailAddress EmailAddress::rfc5322Parse(std::string const& text, bool lenient) {
+    EmailAddress result;
+    auto const prepared = internal::prepareAddressText(text);
+    if (!prepared) {
+        return result;
+    }
+    List const list(internet_address_list_parse(s_options(lenient), prepared->m_text.c_str()));
+    auto const* const mailbox = list == nullptr ? nullptr : s_firstMailbox(list.get());
+    if (mailbox == nullptr) {
+        return result;
+    }
+    std::string_view const address(mailbox->addr);
+    auto const at = static_cast<std::size_t>(mailbox->at);
+    auto const domain = address.substr(at + 1);
+    if (!domain.empty()) {
+        result.m_localPart = internal::unquoted(prepared->original(address.substr(0, at)));
+        result.m_domain = prepared->original(domain);
+    }
+    return result;
+}
+
+} // namespace Quorvane

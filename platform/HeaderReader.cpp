@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/HeaderReader.h"
+
+#include <algorithm>
+#include <string>
+
+namespace Quorvane {
+
+namespace {
+
+constexpr std::string_view s_blanks = " \t";
+constexpr std::string_view s_mboxStart = "From ";
+
+// Offsets into the message.
+struct Line {
+    std::size_t m_begin;
+    std::size_t m_contentEnd; // where its line break begins
+    std::size_t m_end;        // where the next line begins
+};
+
+// A CR alone is an ordinary byte; before an LF it belongs to the line break.
+Line s_lineAt(std::string_view message, std::size_t begin) {
+    auto const feed = message.find('\n', begin);
+    if (feed == std::string_view::npos) {
+        return {begin, message.size(), message.size()};
+    }
+    bool const afterReturn = feed > begin && message[feed - 1] == '\r';
+    return {begin, afterReturn ? feed - 1 : feed, feed + 1};
+}
+
+bool s_isEmpty(Line const& line) {
+    return line.m_begin == line.m_contentEnd;
+}
+
+bool s_beginsWithBlank(std::string_view message, std::size_t position) {
+    return position < message.size() && s_blanks.find(message[position]) != std::string_view::npos;
+}
+
+// The last of the lines that belong to the field beginning with `line`.
+Line s_lastLine(std::string_view message, Line line) {
+    while (s_beginsWithBlank(message, line.m_end)) {
+        line = s_lineAt(message, line.m_end);
+    }
+    return line;
+}
+
+std::string_view s_slice(std::string_view message, std::size_t begin, std::size_t end) {
+    return message.substr(begin, end - begin);
+}
+
+std::string_view s_withoutTrailingBlanks(std::string_view text) {
+    return text.substr(0, text.find_last_not_of(s_blanks) + 1);
+}
+
+std::string_view s_withoutLeadingBlanks(std::string_view text) {
+    return text.substr(std::min(text.find_first_not_of(s_blanks), text.size()));
+}
+
+// A field that begins with a blank continues nothing, because it is the first of the section.
+bool s_isSkipped(std::string_view message, Line const& first) {
+    bool const isMboxLine =
+        first.m_begin == 0 && message.substr(0, s_mboxStart.size()) == s_mboxStart;
+    return isMboxLine || s_beginsWithBlank(message, first.m_begin);
+}
+
+void s_readField(std::string_view message, Line const& first, Line const& last,
+                 HeaderContainer& headers) {
+    auto const line = s_slice(message, first.m_begin, first.m_contentEnd);
+    auto const colon = line.find(':');
+    if (colon == std::string_view::npos || s_isSkipped(message, first)) {
+        return;
+    }
+    auto const name = s_withoutTrailingBlanks(line.substr(0, colon));
+    auto const value = s_slice(message, first.m_begin + colon + 1, last.m_contentEnd);
+    headers.append(Header(std::string(name), std::string(s_withoutLeadingBlanks(value))));
+}
+
+} // namespace
+
+HeaderContainer HeaderReader::read(std::string_view message) {
+    HeaderContainer headers;
+    for (std::size_t position = 0; position < message.size();) {
+        auto const first = s_lineAt(message, position);
+        if (s_isEmpty(first)) {
+            break;
+        }
+        auto const last = s_lastLine(message, first);
+        s_readField(message, first, last, headers);
+        position = last.m_end;
+    }
+    return headers;
+}
+
+std::size_t HeaderReader::sectionLength(std::string_view message) {
+    std::size_t position = 0;
+    while (position < message.size()) {
+        auto const line = s_lineAt(message, position);
+        position = line.m_end;
+        if (s_isEmpty(line)) {
+            break;
+        }
+    }
+    return position;
+}
+
+} // namespace Quorvane

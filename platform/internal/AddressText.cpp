@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/internal/AddressText.h"
+
+#include "platform/Strings.h"
+
+#include <algorithm>
+
+namespace Quorvane::internal {
+
+namespace {
+
+constexpr std::string_view s_separators = ",:;";
+// Bytes of an atom (RFC 5322 section 3.2.3) that addresses hardly ever have.
+constexpr std::string_view s_atomBytes = "{}|~^`$#%*&!'/_";
+
+// What GMime looks for, in small letters, and which byte of it is hidden.
+struct Decoded {
+    std::string_view m_mark;
+    std::size_t m_hidden;
+};
+
+constexpr Decoded s_decoded[] = {{"xn--", 3}, {"=?", 1}};
+
+std::size_t s_limit(std::string_view header) {
+    auto const considered = header.substr(0, consideredBytes);
+    std::size_t separators = 0;
+    for (std::size_t i = 0; i < considered.size(); ++i) {
+        if (s_separators.find(considered[i]) != std::string_view::npos &&
+            ++separators > consideredSeparators) {
+            return i;
+        }
+    }
+    return considered.size();
+}
+
+// Where nothing is cut in two: behind a comma, because a cut inside of a comment would cost the
+// whole list; without one, behind another end of an address.
+std::size_t s_cut(std::string_view header) {
+    auto const comma = header.rfind(',');
+    return comma != std::string_view::npos ? comma + 1 : header.find_last_of(" \t\r\n;>") + 1;
+}
+
+std::string s_considered(std::string const& header) {
+    auto const limit = s_limit(header);
+    return limit == header.size() ? header : header.substr(0, s_cut(header.substr(0, limit)));
+}
+
+char s_unusedByte(std::string const& text) {
+    auto const* const found = std::find_if(s_atomBytes.begin(), s_atomBytes.end(), [&](char c) {
+        return text.find(c) == std::string::npos;
+    });
+    return found == s_atomBytes.end() ? '\0' : *found;
+}
+
+// False when it must hide something and no byte is left to hide with.
+bool s_hide(Decoded const& decoded, AddressText& prepared) {
+    auto& text = prepared.m_text;
+    auto lower = text;
+    stringToLowerNoCopy(lower);
+    auto at = lower.find(decoded.m_mark);
+    if (at == std::string::npos) {
+        return true;
+    }
+    char const standIn = s_unusedByte(text);
+    prepared.m_standIns.emplace_back(decoded.m_mark[decoded.m_hidden], standIn);
+    for (; at != std::string::npos; at = lower.find(decoded.m_mark, at + 1)) {
+        text.at(at + decoded.m_hidden) = standIn;
+    }
+    return standIn != '\0';
+}
+
+} // namespace
+
+std::string AddressText::original(std::string_view part) const {
+    std::string text(part);
+    for (auto const& [byte, standIn] : m_standIns) {
+        std::replace(text.begin(), text.end(), standIn, byte);
+    }
+    return text;
+}
+
+std::optional<AddressText> prepareAddressText(std::string const& header) {
+    AddressText prepared{s_considered(header), {}};
+    bool const usable = !prepared.m_text.empty() && header.find('\0') == std::string::npos &&
+                        std::all_of(std::begin(s_decoded), std::end(s_decoded),
+                                    [&](Decoded const& each) { return s_hide(each, prepared); });
+    return usable ? std::optional(std::move(prepared)) : std::nullopt;
+}
+
+std::string unquoted(std::string const& localPart) {
+    std::string plain;
+    bool quoted = false;
+    for (std::size_t i = 0; i < localPart.size(); ++i) {
+        char c = localPart[i];
+        if (c == '"') {
+            quoted = !quoted;
+            continue;
+        }
+        if (quoted && (c == '\r' || c == '\n')) {
+            continue;
+        }
+        if (quoted && c == '\\' && i + 1 < localPart.size()) {
+            c = localPart[++i];
+        }
+        plain += c;
+    }
+    return plain;
+}
+
+} // namespace Quorvane::internal

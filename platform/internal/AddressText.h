@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What happens to the text of an address header before and after GMime parses it. Pure functions.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Quorvane::internal {
+
+// Only the first address counts, and it stands near the beginning: with the longest path of RFC
+// 5321 (256 bytes) behind the longest line of RFC 5322 (998 bytes) there is room to spare. GMime
+// needs stack in proportion to the nesting of groups, so that a long run of "a:" would end the
+// process, and time in proportion to the square of the number of commas.
+inline constexpr std::size_t consideredBytes = 2048;
+inline constexpr std::size_t consideredSeparators = 64; // "," ":" ";"
+
+struct AddressText {
+    // For GMime; holds no NUL byte.
+    std::string m_text;
+    // Byte of the header and byte that stands for it in m_text.
+    std::vector<std::pair<char, char>> m_standIns;
+
+    // `part` of what GMime made of m_text, as the header has it.
+    std::string original(std::string_view part) const;
+};
+
+// Cuts an overlong header behind an address, and hides what GMime would decode. It turns the
+// A-labels of a domain ("xn--...") into Unicode, while the rules compare domains as they stand in
+// the message; and it decodes the display name, which nobody here reads, with whatever character
+// set the sender names. Empty for text that holds no usable address: one with a NUL byte, one
+// without a place to cut, or one that leaves no byte to hide with.
+std::optional<AddressText> prepareAddressText(std::string const& header);
+
+// A local part without quotation marks and the backslashes and line breaks inside them.
+std::string unquoted(std::string const& localPart);
+
+} // namespace Quorvane::internal

@@ -1,0 +1,270 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/EmailAddress.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <ostream>
+#include <pthread.h>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace Quorvane {
+
+namespace {
+
+struct Case {
+    std::string m_text;
+    char const* m_localPart; // null: no address
+    char const* m_domain;
+    char const* m_origin;
+};
+
+std::ostream& operator<<(std::ostream& out, Case const& row) {
+    return out << row.m_origin << ": " << ::testing::PrintToString(row.m_text);
+}
+
+// The same whether lenient or not.
+Case const s_wellFormed[] = {
+    {"user@host.example", "user", "host.example", "bare"},
+    {"<user@host.example>", "user", "host.example", "in angle brackets"},
+    {"User@HOST.Example", "User", "HOST.Example", "letter case is kept"},
+    {"A. Name <user@host.example>", "user", "host.example", "display name with a dot"},
+    {"\"Name, A.\" <user@host.example>", "user", "host.example", "quoted display name"},
+    {"\"admin@bank.example\" <evil@spam.example>", "evil", "spam.example",
+     "display name that looks like an address"},
+    {"=?utf-8?q?J=C3=B6rg?= <user@host.example>", "user", "host.example", "encoded word"},
+    {"=?x-no-such-charset?b?/////w==?= <user@host.example>", "user", "host.example",
+     "encoded word in an unknown character set"},
+    {"J\xf6rg <user@host.example>", "user", "host.example", "Latin-1 display name"},
+    {"user (comment) @ (another) host.example (third)", "user", "host.example", "comments"},
+    {"(a(nested)comment) user@host.example", "user", "host.example", "nested comment"},
+    {"user . name @ host . example", "user.name", "host.example", "obsolete blanks around dots"},
+    {"<@relay1.example,@relay2.example:user@host.example>", "user", "host.example", "route"},
+    {"\"a@b\"@host.example", "a@b", "host.example", "quoted local part with @"},
+    {"\"a b\\\"c\\\\d\"@host.example", "a b\"c\\d", "host.example", "quoted pairs"},
+    {"\"a\r\n b\"@host.example", "a b", "host.example", "folded quoted local part"},
+    {"\"a\".b@host.example", "a.b", "host.example", "partly quoted local part"},
+    {"\"\"@host.example", "", "host.example", "empty local part"},
+    {"user@[192.0.2.1]", "user", "[192.0.2.1]", "IPv4 literal keeps its brackets"},
+    {"user@[IPv6:2001:DB8::1]", "user", "[IPv6:2001:DB8::1]", "IPv6 literal"},
+    {"user@host.example.", "user", "host.example", "trailing dot"},
+    {"one@host.example, two@other.example", "one", "host.example", "the first of two"},
+    {"friends: one@host.example, two@other.example;", "one", "host.example", "group members count"},
+    {"nobody:;, one@host.example", "one", "host.example", "an empty group does not count"},
+    {"Doe, John <john@host.example>", "john", "host.example", "unquoted comma in the name"},
+    {"foo, user@host.example", "user", "host.example", "what has no @ does not count"},
+    {"first last@host, user@host.example", "user", "host.example", "broken one before"},
+    {"user@host.example, first last@host", "user", "host.example", "broken one behind"},
+    {"\r\n user@host.example\r\n (folded)", "user", "host.example", "folded value"},
+    {"user@xn--mller-kva.example", "user", "xn--mller-kva.example", "A-label stays as it is"},
+    {"user@XN--Mller-kva.example", "user", "XN--Mller-kva.example", "A-label, letter case"},
+    {"{|}~`^@xn--mller-kva.example", "{|}~`^", "xn--mller-kva.example",
+     "rare bytes beside an A-label"},
+    {"=?utf-8?q?x?=@host.example", "=?utf-8?q?x?=", "host.example",
+     "an encoded word is no local part in disguise"},
+    {"m\xc3\xbcller@m\xc3\xbcller.example", "m\xc3\xbcller", "m\xc3\xbcller.example", "UTF-8"},
+    {"a!b%c@host.example", "a!b%c", "host.example", "old routing marks"},
+    {"user@host", "user", "host", "domain without a dot"},
+};
+
+Case const s_noAddress[] = {
+    {"", nullptr, nullptr, "empty value"},
+    {" \t\r\n ", nullptr, nullptr, "blanks"},
+    {"<>", nullptr, nullptr, "empty path of a bounce"},
+    {" <>\r\n", nullptr, nullptr, "empty path with blanks"},
+    {"MAILER-DAEMON", nullptr, nullptr, "name alone"},
+    {"<MAILER-DAEMON>", nullptr, nullptr, "name in angle brackets"},
+    {"first last@host", nullptr, nullptr, "two words before the @"},
+    {"undisclosed-recipients:;", nullptr, nullptr, "group without members"},
+    {"undisclosed-recipients: ;", nullptr, nullptr, "group without members"},
+    {"user@", nullptr, nullptr, "no domain"},
+    {"<user@>", nullptr, nullptr, "no domain in angle brackets"},
+    {"@host.example", nullptr, nullptr, "no local part"},
+    {"<@host.example>", nullptr, nullptr, "no local part in angle brackets"},
+    {"<@relay.example:>", nullptr, nullptr, "route to nowhere"},
+    {"user@host..example", nullptr, nullptr, "empty label"},
+    {"user@.host", nullptr, nullptr, "leading dot"},
+    {"user@[192.0.2.1", nullptr, nullptr, "open literal"},
+    {"(user@host.example", nullptr, nullptr, "open comment"},
+    {"\"user@host.example\"", nullptr, nullptr, "all quoted: a local part alone"},
+    {"=?utf-8?q?user=40host.example?=", nullptr, nullptr, "address hidden in an encoded word"},
+    {"user at host dot example", nullptr, nullptr, "in words"},
+    {"j\xf6rg@host.example", nullptr, nullptr, "Latin-1 local part"},
+    {std::string("user@host.example\0", 18), nullptr, nullptr, "NUL at the end"},
+    {std::string("user@host\0.example", 18), nullptr, nullptr, "NUL inside"},
+    {std::string("\0user@host.example", 18), nullptr, nullptr, "NUL in front"},
+    {"{}|~^`$#%*&!'/_@xn--mller-kva.example", nullptr, nullptr, "no byte left to hide with"},
+};
+
+// An address only when lenient.
+Case const s_deviations[] = {
+    {"admin@bank.com <evil@spam.ru>", "evil", "spam.ru", "unquoted address as display name"},
+    {"<user@host.example", "user", "host.example", "bracket left open"},
+    {"user@host.example>", "user", "host.example", "bracket never opened"},
+    {"<<user@host.example>>", "user", "host.example", "doubled brackets"},
+    {"\"Name <user@host.example>", "user", "host.example", "quotation mark left open"},
+    {"a@b.example (x) <user@host.example>", "user", "host.example", "address and comment as name"},
+};
+
+void s_expect(Case const& row, EmailAddress const& address) {
+    EXPECT_EQ(row.m_localPart == nullptr, address.isNull());
+    EXPECT_EQ(row.m_localPart == nullptr ? "" : row.m_localPart, address.localPart());
+    EXPECT_EQ(row.m_domain == nullptr ? "" : row.m_domain, address.domain());
+}
+
+EmailAddress s_parse(std::string const& text) {
+    return EmailAddress::rfc5322Parse(text, true);
+}
+
+std::string s_repeated(std::string const& piece, std::size_t length) {
+    std::string text;
+    while (text.size() < length) {
+        text += piece;
+    }
+    return text;
+}
+
+// Pieces of addresses in any order.
+rc::Gen<std::string> s_nearlyAnAddress() {
+    auto const pieces = rc::gen::container<std::vector<std::string>>(rc::gen::element<std::string>(
+        "user", "host.example", "@", "user@host.example", "@xn--mller-kva.example", "<", ">", ",",
+        ";", ":", "(", ")", "\"", "\\", ".", " ", "\r\n ", "[192.0.2.1]", "[", "]",
+        "=?utf-8?q?x?=", "xn--mller-kva", "\xc3\xbc", "\xff", "{"));
+    return rc::gen::map(pieces, [](std::vector<std::string> const& all) {
+        std::string text;
+        for (auto const& piece : all) {
+            text += piece;
+        }
+        return text;
+    });
+}
+
+} // namespace
+
+TEST(EmailAddress, defaultConstructedIsNull) {
+    s_expect({"", nullptr, nullptr, ""}, EmailAddress());
+}
+
+TEST(EmailAddress, readsTheFirstAddressOfWellFormedText) {
+    for (auto const& row : s_wellFormed) {
+        SCOPED_TRACE(row);
+        s_expect(row, EmailAddress::rfc5322Parse(row.m_text, true));
+        s_expect(row, EmailAddress::rfc5322Parse(row.m_text, false));
+    }
+}
+
+TEST(EmailAddress, textWithoutAnAddressIsNull) {
+    for (auto const& row : s_noAddress) {
+        SCOPED_TRACE(row);
+        s_expect(row, EmailAddress::rfc5322Parse(row.m_text, true));
+        s_expect(row, EmailAddress::rfc5322Parse(row.m_text, false));
+    }
+}
+
+TEST(EmailAddress, lenientAcceptsTheCommonDeviations) {
+    for (auto const& row : s_deviations) {
+        SCOPED_TRACE(row);
+        s_expect(row, EmailAddress::rfc5322Parse(row.m_text, true));
+        EXPECT_TRUE(EmailAddress::rfc5322Parse(row.m_text, false).isNull());
+    }
+}
+
+TEST(EmailAddress, theFirstAddressOfALongListCounts) {
+    auto const list = s_repeated("\"Doe, J.\" <someone@host.example> (Doe),\r\n ", 100000);
+    EXPECT_EQ("host.example", s_parse(list).domain());
+    EXPECT_EQ("first.example", s_parse("a@first.example, " + list).domain());
+}
+
+TEST(EmailAddress, anAddressBehindTheConsideredLengthIsNotSeen) {
+    EXPECT_EQ("host.example", s_parse(std::string(1500, ' ') + "a@host.example").domain());
+    EXPECT_TRUE(s_parse(std::string(3000, ' ') + "a@host.example").isNull());
+}
+
+TEST(EmailAddress, anAddressIsNeverCutInTwo) {
+    for (std::size_t blanks = 2020; blanks < 2050; ++blanks) {
+        auto const address = s_parse(std::string(blanks, ' ') + "a@host.example.org, b@c.example");
+        EXPECT_TRUE(address.isNull() || address.domain() == "host.example.org") << blanks;
+    }
+}
+
+TEST(EmailAddress, oneEndlessWordIsNull) {
+    EXPECT_TRUE(s_parse("a@" + std::string(100000, 'h')).isNull());
+}
+
+// Each of these once took a parser down: by depth of recursion or by quadratic time.
+TEST(EmailAddress, hostileTextIsHarmless) {
+    for (auto const* const start : {"", "<", "\"", "(", "a@", "a <", "a:", "=?utf-8?q?"}) {
+        for (auto const* const piece :
+             {"(", "a:", "a:;", "<", "@", "a,", "a ", "\"", "\\", "a@[", "=?utf-8?q?x?= ", ".",
+              "@a,", "\r\n ", "xn--a.", ";", "\xff", "a:b,"}) {
+            SCOPED_TRACE(std::string(start) + " and many " + piece);
+            // Some begin with an address: "a@a".
+            EXPECT_LE(s_parse(start + s_repeated(piece, 100000)).domain().size(), 20U);
+        }
+    }
+}
+
+// A host's scanning threads may have small stacks.
+TEST(EmailAddress, hostileTextNeedsLittleStack) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, 256 * std::size_t{1024}));
+    auto const parse = [](void*) -> void* {
+        EXPECT_TRUE(s_parse(s_repeated("a:", 100000)).isNull());
+        EXPECT_TRUE(s_parse(s_repeated("(", 100000)).isNull());
+        return nullptr;
+    };
+    pthread_t thread{};
+    ASSERT_EQ(0, pthread_create(&thread, &attributes, parse, nullptr));
+    EXPECT_EQ(0, pthread_join(thread, nullptr));
+    pthread_attr_destroy(&attributes);
+}
+
+TEST(EmailAddress, manyThreadsMayParseAtOnce) {
+    auto const parseAll = [] {
+        for (int round = 0; round < 20; ++round) {
+            for (auto const& row : s_wellFormed) {
+                s_expect(row, EmailAddress::rfc5322Parse(row.m_text, round % 2 == 0));
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back(parseAll);
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+}
+
+// Blanks and comments may part the labels of a domain, and a literal loses its blanks.
+RC_GTEST_PROP(EmailAddress, everyLabelOfTheDomainStandsInTheText, ()) {
+    auto const text = *s_nearlyAnAddress();
+    auto const address = s_parse(text);
+    RC_ASSERT(address.isNull() == address.domain().empty());
+    RC_PRE(!address.isNull() && address.domain().front() != '[');
+    std::istringstream labels(address.domain());
+    for (std::string label; std::getline(labels, label, '.');) {
+        RC_ASSERT(text.find(label) != std::string::npos);
+    }
+}
+
+RC_GTEST_PROP(EmailAddress, anAtomAddressReadsBackInEveryDress, ()) {
+    auto const atom = rc::gen::nonEmpty(rc::gen::container<std::string>(
+        rc::gen::elementOf(std::string("abcXYZ0189!#$%&'*+-/=^_`{|}~"))));
+    auto const local = *atom;
+    auto const domain = *atom + "." + *atom;
+    for (auto const& text : {local + "@" + domain, "<" + local + "@" + domain + ">",
+                             "Name <" + local + "@" + domain + ">",
+                             "group: " + local + "@" + domain + ", x@y.example;",
+                             local + " (c) @" + domain + " (d)"}) {
+        auto const address = s_parse(text);
+        RC_ASSERT(address.localPart() == local);
+        RC_ASSERT(address.domain() == domain);
+    }
+}
+
+} // namespace Quorvane
