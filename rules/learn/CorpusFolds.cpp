@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "rules/learn/CorpusFolds.h"
+
+#include "rules/learn/CartGrower.h"
+#include "rules/learn/Impurity.h"
+#include "rules/learn/LearnError.h"
+
+#include <cmath>
+
+namespace Quorvane::Rules {
+
+namespace {
+
+// The folds' own steps differ from the whole tree's: the middle (geometric) of two steps stands for
+// the interval in which the whole tree does not change.
+double s_representative(std::vector<double> const& alphas, std::size_t step) {
+    return step + 1 < alphas.size() ? std::sqrt(alphas[step] * alphas[step + 1]) : alphas[step];
+}
+
+std::vector<PruningStep> s_steps(GrownTree const& tree, ImpurityKind kind,
+                                 std::vector<double> const& alphas) {
+    auto const links = weakestLinks(tree, kind);
+    std::vector<PruningStep> steps;
+    for (auto const alpha : alphas) {
+        steps.push_back({alpha, prunedTree(tree, links, alpha).leafCount(), 0.0, 0.0});
+    }
+    return steps;
+}
+
+// The risk of one fold at each step.
+std::vector<double> s_foldRisks(VectorTable const& table, LearnSettings const& settings,
+                                std::size_t corpus, std::vector<double> const& alphas) {
+    auto const heldOut = table.only(corpus);
+    auto const tree = growTree(table.without(corpus), settings);
+    auto const links = weakestLinks(tree, settings.m_impurity);
+    std::vector<double> risks;
+    for (std::size_t step = 0; step < alphas.size(); ++step) {
+        risks.push_back(
+            brierScore(prunedTree(tree, links, s_representative(alphas, step)), heldOut));
+    }
+    return risks;
+}
+
+void s_summarise(PruningStep& step, std::vector<double> const& risks) {
+    auto const folds = static_cast<double>(risks.size());
+    double sum = 0.0;
+    for (auto const risk : risks) {
+        sum += risk;
+    }
+    step.m_risk = sum / folds;
+    double squares = 0.0;
+    for (auto const risk : risks) {
+        squares += (risk - step.m_risk) * (risk - step.m_risk);
+    }
+    step.m_standardError = std::sqrt(squares / (folds - 1.0) / folds);
+}
+
+} // namespace
+
+double brierScore(GrownTree const& tree, std::vector<CountedVector> const& messages) {
+    double sum = 0.0;
+    double count = 0.0;
+    for (auto const& row : messages) {
+        auto const p = smoothedConfidence(tree.m_nodes[tree.leafOf(row.m_vector)].m_counts);
+        sum += static_cast<double>(row.m_counts.m_spam) * (1.0 - p) * (1.0 - p) +
+               static_cast<double>(row.m_counts.m_ham) * p * p;
+        count += static_cast<double>(row.m_counts.total());
+    }
+    return count > 0.0 ? sum / count : 0.0;
+}
+
+std::size_t choosePruning(std::vector<PruningStep> const& steps, PruningRule rule) {
+    std::size_t best = 0;
+    for (std::size_t step = 1; step < steps.size(); ++step) {
+        // Of equal risks the smaller tree.
+        if (steps[step].m_risk <= steps[best].m_risk) {
+            best = step;
+        }
+    }
+    if (rule == PruningRule::minimum) {
+        return best;
+    }
+    auto const limit = steps[best].m_risk + steps[best].m_standardError;
+    for (auto step = steps.size(); step-- > best;) {
+        if (steps[step].m_risk <= limit) {
+            return step;
+        }
+    }
+    return best;
+}
+
+PruningChoice crossValidate(VectorTable const& table, LearnSettings const& settings,
+                            PruningRule rule, FoldProgress const& progress) {
+    auto const folds = table.corpora().size();
+    if (folds < 2) {
+        throw LearnError("pruning is chosen by leaving out a corpus at a time and needs at least "
+                         "two of them; name more, or give the pruning strength");
+    }
+    auto const tree = growTree(table.all(), settings);
+    auto const alphas = pruningSteps(weakestLinks(tree, settings.m_impurity));
+    PruningChoice choice{s_steps(tree, settings.m_impurity, alphas), 0};
+    std::vector<std::vector<double>> byStep(alphas.size());
+    for (std::size_t corpus = 0; corpus < folds; ++corpus) {
+        if (progress) {
+            progress(corpus, folds, table.corpora()[corpus]);
+        }
+        auto const risks = s_foldRisks(table, settings, corpus, alphas);
+        for (std::size_t step = 0; step < alphas.size(); ++step) {
+            byStep[step].push_back(risks[step]);
+        }
+    }
+    for (std::size_t step = 0; step < alphas.size(); ++step) {
+        s_summarise(choice.m_steps[step], byStep[step]);
+    }
+    choice.m_chosen = choosePruning(choice.m_steps, rule);
+    return choice;
+}
+
+} // namespace Quorvane::Rules

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Chooses how far to prune by cross-validation over whole corpora: a tree is learned without one
+// corpus and measured on it, for each corpus in turn. Messages of one site resemble each other so
+// much that random folds would praise trees that know nothing but that site.
+//
+// Pure but for the progress function.
+#pragma once
+
+#include "rules/learn/LearnSettings.h"
+#include "rules/learn/Pruning.h"
+#include "rules/learn/VectorTable.h"
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane::Rules {
+
+enum class PruningRule {
+    minimum,    // the alpha of least risk
+    oneStandard // the greatest alpha whose risk is within one standard error of the least
+};
+
+// One candidate: an alpha, the size of the whole tree there, and what the folds say.
+struct PruningStep {
+    double m_alpha = 0.0;
+    std::size_t m_leaves = 0;
+    // Mean squared error of the confidence (Brier score) on the corpora left out, each corpus
+    // weighing the same; and the standard error of that mean.
+    double m_risk = 0.0;
+    double m_standardError = 0.0;
+};
+
+struct PruningChoice {
+    std::vector<PruningStep> m_steps; // alpha ascending
+    std::size_t m_chosen = 0;
+};
+
+// Told before each fold: its number from 0, the number of folds, the corpus left out.
+using FoldProgress = std::function<void(std::size_t, std::size_t, std::string_view)>;
+
+// Mean squared difference between a tree's confidence and the labels (1 spam, 0 ham).
+double brierScore(GrownTree const& tree, std::vector<CountedVector> const& messages);
+
+// The index of the step that the rule takes. REQUIRES: `steps` is not empty.
+std::size_t choosePruning(std::vector<PruningStep> const& steps, PruningRule rule);
+
+// A LearnError when the table has fewer than two corpora.
+PruningChoice crossValidate(VectorTable const& table, LearnSettings const& settings,
+                            PruningRule rule, FoldProgress const& progress = {});
+
+} // namespace Quorvane::Rules

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How mixed a set of messages is, as the learner measures it. Pure functions of exact counts, so
+// that two ways to the same counts give the same double.
+#pragma once
+
+#include "rules/learn/LearnSettings.h"
+#include "rules/learn/VectorTable.h"
+
+namespace Quorvane::Rules {
+
+// Impurity summed over the messages: the entropy of their labels in bits, or their Gini impurity,
+// times their number. 0 for a pure or an empty set.
+double summedImpurity(ImpurityKind kind, LabelCounts const& counts);
+
+// The estimated probability of spam, smoothed by Laplace's rule: (spam + 1) / (messages + 2).
+double smoothedConfidence(LabelCounts const& counts);
+
+} // namespace Quorvane::Rules

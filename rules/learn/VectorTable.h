@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// VectorTable: the training mail, as distinct attribute vectors with exact counts of spam and ham
+// for each corpus. Learning reads nothing else, so its cost follows the number of distinct vectors
+// (a few thousand), not the number of messages (any number).
+//
+// Values without pointers to the outside; a table is never changed once finished. Rows and corpora
+// stand in sorted order, so the same mail read in any order, in any number of shards, makes the
+// same table. A LearnError when the counts leave the range in which every sum is exact.
+#pragma once
+
+#include "rules/format/AttributeTable.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Quorvane::Rules {
+
+using AttributeVector = std::array<std::int32_t, attributeCount>;
+
+enum class MailLabel : std::uint8_t { ham, spam };
+
+struct LabelCounts {
+    std::uint64_t m_spam = 0;
+    std::uint64_t m_ham = 0;
+
+    std::uint64_t total() const { return m_spam + m_ham; }
+    LabelCounts& operator+=(LabelCounts const& other);
+    bool operator==(LabelCounts const&) const = default;
+};
+
+LabelCounts operator+(LabelCounts left, LabelCounts const& right);
+LabelCounts operator-(LabelCounts const& left, LabelCounts const& right);
+
+// One distinct vector and the messages that had it.
+struct CountedVector {
+    AttributeVector m_vector{};
+    LabelCounts m_counts;
+};
+
+// Messages together that a table holds at most: up to here doubles count exactly.
+inline constexpr std::uint64_t maxTrainingMessages = std::uint64_t{1} << 53;
+
+class VectorTable {
+  public:
+    struct Row {
+        AttributeVector m_vector;
+        std::vector<LabelCounts> m_byCorpus; // in the order of corpora()
+    };
+
+    std::vector<std::string> const& corpora() const { return m_corpora; }
+    std::vector<Row> const& rows() const { return m_rows; }
+    LabelCounts total() const;
+    LabelCounts totalOf(std::size_t corpus) const;
+
+    // The vectors of all corpora, of all but one, of one alone; vectors without messages left out.
+    std::vector<CountedVector> all() const;
+    std::vector<CountedVector> without(std::size_t corpus) const;
+    std::vector<CountedVector> only(std::size_t corpus) const;
+
+  private:
+    friend class VectorTableBuilder;
+
+    std::vector<std::string> m_corpora;
+    std::vector<Row> m_rows;
+};
+
+// Collects vectors in any order. Not for several threads at once.
+class VectorTableBuilder {
+  public:
+    // Adds `count` messages. A LearnError when the table would pass maxTrainingMessages.
+    void add(AttributeVector const& vector, MailLabel label, std::string_view corpus,
+             std::uint64_t count = 1);
+
+    std::uint64_t messages() const { return m_messages; }
+    std::size_t distinctVectors() const { return m_counts.size(); }
+
+    // The table of everything added so far.
+    VectorTable finish() const;
+
+  private:
+    struct VectorHash {
+        std::size_t operator()(AttributeVector const& vector) const;
+    };
+
+    std::size_t corpusIndex(std::string_view name);
+
+    std::map<std::string, std::size_t, std::less<>> m_corpora;
+    std::unordered_map<AttributeVector, std::vector<LabelCounts>, VectorHash> m_counts;
+    std::uint64_t m_messages = 0;
+};
+
+} // namespace Quorvane::Rules
