@@ -26,6 +26,13 @@ struct CompileOptions {
 };
 int compile(CompileOptions const& options);
 
+struct DecompileOptions {
+    std::string m_folder;
+    // "-": standard output.
+    std::string m_source = "-";
+};
+int decompile(DecompileOptions const& options);
+
 int listAttributes();
 
 } // namespace Quorvane::RulesApp

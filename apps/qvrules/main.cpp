@@ -34,6 +34,16 @@ void s_addCompile(CLI::App& app, Action& action) {
     command->callback([options, &action] { action = [options] { return compile(*options); }; });
 }
 
+void s_addDecompile(CLI::App& app, Action& action) {
+    auto const command = app.add_subcommand("decompile", "Make a rule text of rule files");
+    auto const options = std::make_shared<DecompileOptions>();
+    command->add_option("DIR", options->m_folder, "Folder with qv.dt, qv2.dt and README")
+        ->required();
+    command->add_option("-o,--output", options->m_source, "Rule text to write (default: to stdout)")
+        ->type_name("SRC");
+    command->callback([options, &action] { action = [options] { return decompile(*options); }; });
+}
+
 void s_addAttributes(CLI::App& app, Action& action) {
     app.add_subcommand("attributes", "List what rules can test, as Markdown")->callback([&action] {
         action = listAttributes;
@@ -66,6 +76,7 @@ int s_run(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer(examples);
     s_addCompile(app, action);
+    s_addDecompile(app, action);
     s_addAttributes(app, action);
     try {
         app.parse(argc, argv);

@@ -32,9 +32,11 @@ constexpr bool hasLiteralValue(std::size_t attribute) {
            attribute == Attribute::deepHeloDynamic;
 }
 
-// Whether `word` may stand for a value of this attribute.
+// Whether `word` may stand for a value of this attribute. An open attribute takes other numbers too,
+// but no other words.
 constexpr bool takesWord(AttributeFacts const& facts, ValueWord const& word) {
-    if (facts.m_values.m_isCounter || !facts.m_values.contains(word.m_code)) {
+    AttributeValues const listed{facts.m_values.m_codes};
+    if (facts.m_values.m_isCounter || !listed.contains(word.m_code)) {
         return false;
     }
     if (word.m_code == Code::unknown) {

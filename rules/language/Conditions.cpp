@@ -9,6 +9,8 @@ namespace Quorvane::Rules {
 
 namespace {
 
+constexpr std::int32_t unknownAttribute = -1;
+
 std::vector<std::string_view> s_attributeNames() {
     std::vector<std::string_view> names;
     for (auto const& facts : attributeTable) {
@@ -25,7 +27,7 @@ std::int32_t s_attributeByName(TokenReader& in, Token const& name) {
     in.error(name.m_position,
              "unknown attribute \"" + std::string(name.m_text) + '"' +
                  (hint.empty() ? "; \"qvrules attributes\" lists the names" : hint));
-    return -1;
+    return unknownAttribute;
 }
 
 std::int32_t s_attribute(TokenReader& in) {
@@ -82,8 +84,10 @@ std::int32_t s_wordValue(TokenReader& in, Token const& word, std::int32_t attrib
         return 0;
     }
     auto const& facts = attributeTable[static_cast<std::size_t>(attribute)];
+    auto const isSlip = !s_codeOf(word.m_text, unknownAttribute);
     in.error(word.m_position, std::string(facts.m_name) + " has no value " + text + "; it takes " +
-                                  valueChoices(facts) + didYouMean(word.m_text, s_words()));
+                                  valueChoices(facts) +
+                                  (isSlip ? didYouMean(word.m_text, s_words()) : ""));
     return 0;
 }
 

@@ -54,7 +54,8 @@ void s_headerOption(TokenReader& in, EliteHeaderSyntax& header) {
 
 std::int32_t s_code(TokenReader& in) {
     if (in.onLine() && in.peek().m_kind == Token::Kind::character) {
-        return static_cast<unsigned char>(in.next().m_text[0]);
+        auto const text = in.next().m_text; // empty when the quotes were, which is reported
+        return text.empty() ? 0 : static_cast<unsigned char>(text[0]);
     }
     return in.integer("a code is expected, a number or a character as in 'd'");
 }

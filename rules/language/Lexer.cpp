@@ -3,6 +3,7 @@
 
 #include "rules/language/Literals.h"
 
+#include <algorithm>
 #include <array>
 
 namespace Quorvane::Rules {
@@ -140,12 +141,21 @@ class Lexer {
         reject(end, "this text has no end; close it with \" on the same line");
     }
 
+    // A malformed character still counts as one, so that the statement around it can be read.
     void character() {
-        if (at(1) >= ' ' && at(1) <= '~' && at(2) == '\'') {
-            add(Token::Kind::character, 3, 1);
-            return;
+        auto const isWhole = at(1) >= ' ' && at(1) <= '~' && at(2) == '\'';
+        if (!isWhole) {
+            m_errors.push_back({m_here,
+                                "one printable character between single quotes is expected, "
+                                "as in 'd'"});
         }
-        reject(1, "one printable character between single quotes is expected, as in 'd'");
+        add(Token::Kind::character, isWhole ? 3 : brokenCharacterLength(), 1);
+    }
+
+    std::size_t brokenCharacterLength() const {
+        auto const line = m_rest.substr(0, toLineEnd());
+        auto const end = line.find('\'', 1);
+        return end == std::string_view::npos ? std::max<std::size_t>(line.size(), 2) : end + 1;
     }
 
     void sign() {
@@ -155,7 +165,12 @@ class Lexer {
                 return;
             }
         }
-        reject(1, unexpected(at(0)));
+        auto const c = at(0);
+        auto const isSlip = c == '=' || c == '!';
+        if (isSlip) {
+            m_tokens.push_back({Token::Kind::sign, c == '=' ? "==" : "!=", m_here, m_startsLine});
+        }
+        reject(1, unexpected(c));
     }
 
     static std::string unexpected(char c) {

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "rules/language/Literals.h"
+#include "rules/language/Printers.h"
+#include "rules/language/RuleText.h"
+
+#include <cstring>
+
+namespace Quorvane::Rules {
+
+namespace {
+
+bool s_sameBits(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+std::string s_selectText(std::int32_t mode) {
+    switch (mode) {
+    case SelectMode::first:
+        return " first";
+    case SelectMode::last:
+        return " last";
+    case SelectMode::highest:
+        return " highest";
+    case SelectMode::lowest:
+        return " lowest";
+    default:
+        return " select " + std::to_string(mode);
+    }
+}
+
+std::string s_headerLine(EliteFileHeader const& header, std::size_t ruleCount) {
+    auto text = "elite" + s_selectText(header.selectMode);
+    if (header.alsoWalkTree == 1) {
+        text += " also-tree";
+    } else {
+        printUnless(text, "also-tree", +header.alsoWalkTree, 0);
+    }
+    printUnless(text, "count", +header.nodeCount, static_cast<std::int32_t>(ruleCount));
+    printUnless(text, "reserved1", +header.reserved1, 0);
+    printUnless(text, "reserved2", +header.reserved2, 0);
+    if (header.reserved3 != EliteFileHeader{}.reserved3) {
+        auto const bytes = reinterpret_cast<char const*>(header.reserved3.data());
+        text += " reserved3 \"" + hexText({bytes, header.reserved3.size()}) + '"';
+    }
+    return text + '\n';
+}
+
+std::string s_kindText(EliteRecord const& rule) {
+    switch (rule.type) {
+    case EliteType::adjusting:
+        return "adjust ";
+    case EliteType::deciding:
+        return "decide ";
+    default:
+        return "type " + std::to_string(rule.type) + ' ';
+    }
+}
+
+std::string s_codeText(EliteRecord const& rule) {
+    auto const isLetter = rule.code > ' ' && rule.code <= '~';
+    if (rule.type == EliteType::adjusting && isLetter) {
+        return std::string(" code '") + static_cast<char>(rule.code) + '\'';
+    }
+    return " code " + std::to_string(rule.code);
+}
+
+std::string s_conditions(EliteNodes const& rule) {
+    std::string text;
+    for (auto const& condition : rule.conditions) {
+        text += text.empty() ? " when " : " and ";
+        text += conditionText(condition.attribute, condition.test, condition.value);
+    }
+    return text.empty() ? " always" : text;
+}
+
+std::string s_ruleLine(EliteNodes const& rule) {
+    auto text = s_kindText(rule) + numberText(rule.weight) + s_codeText(rule);
+    if (!s_sameBits(rule.support, rule.type == EliteType::deciding ? 100.0 : 0.0)) {
+        text += " support " + numberText(rule.support);
+    }
+    printUnless(text, "level", +rule.level, 0);
+    printUnless(text, "flag", +rule.flag, 0);
+    printUnless(text, "reserved", +rule.reserved, 0);
+    printUnless(text, "conditions", +rule.conditionCount,
+                static_cast<std::int32_t>(rule.conditions.size()));
+    return text + s_conditions(rule) + '\n';
+}
+
+} // namespace
+
+std::string eliteText(EliteFile const& elite) {
+    std::string text;
+    if (elite.m_header) {
+        text += s_headerLine(*elite.m_header, elite.m_rules.size());
+    }
+    for (auto const& rule : elite.m_rules) {
+        text += s_ruleLine(rule);
+    }
+    if (!elite.m_header || !elite.m_tail.empty()) {
+        text += hexLines("elite-tail", elite.m_tail);
+    }
+    return text;
+}
+
+} // namespace Quorvane::Rules

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The halves of the decompiler.
+#pragma once
+
+#include "rules/model/RuleSet.h"
+
+#include <string>
+
+namespace Quorvane::Rules {
+
+// Appends " WORD VALUE" unless the value is the default.
+template<typename T>
+void printUnless(std::string& text, char const* word, T value, T usual) {
+    if (value != usual) {
+        text += std::string(" ") + word + ' ' + std::to_string(value);
+    }
+}
+
+std::string eliteText(EliteFile const& elite);
+std::string treeText(RuleSet const& set);
+
+// One line for each 32 bytes, at least one; WORD before each.
+std::string hexLines(char const* word, std::string_view bytes);
+
+} // namespace Quorvane::Rules
