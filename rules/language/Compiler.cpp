@@ -3,6 +3,7 @@
 
 #include "rules/language/EliteBuilder.h"
 #include "rules/language/Parser.h"
+#include "rules/language/TokenReader.h"
 #include "rules/language/TreeBuilder.h"
 
 #include <algorithm>
@@ -50,7 +51,10 @@ CompiledRules compileRules(std::string_view text) {
         buildElite(rules, compiled);
         buildTree(rules, compiled);
     }
-    std::stable_sort(compiled.m_errors.begin(), compiled.m_errors.end(), s_isBefore);
+    // The lexer has no limit of its own.
+    auto& errors = compiled.m_errors;
+    std::stable_sort(errors.begin(), errors.end(), s_isBefore);
+    errors.resize(std::min(errors.size(), TokenReader::maxErrors));
     return compiled;
 }
 

@@ -138,7 +138,7 @@ std::optional<Bytes> unescape(std::string_view text) {
     return bytes;
 }
 
-std::string quoted(std::string_view bytes) {
+std::string quotedText(std::string_view bytes) {
     std::string text = "\"";
     for (auto const c : bytes) {
         text += s_escaped(c);

@@ -30,6 +30,6 @@ std::string hexText(std::string_view bytes);
 
 // The inside of a quoted string: \n, \r, \t, \\, \" and \xNN are escapes.
 std::optional<Bytes> unescape(std::string_view text);
-std::string quoted(std::string_view bytes);
+std::string quotedText(std::string_view bytes);
 
 } // namespace Quorvane::Rules

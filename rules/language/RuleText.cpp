@@ -20,7 +20,7 @@ std::string s_readmeLines(std::string_view readme) {
     do {
         auto const end = readme.find('\n');
         auto const length = end == std::string_view::npos ? readme.size() : end + 1;
-        text += "readme " + quoted(readme.substr(0, length)) + '\n';
+        text += "readme " + quotedText(readme.substr(0, length)) + '\n';
         readme.remove_prefix(length);
     } while (!readme.empty());
     return text;

@@ -13,7 +13,8 @@ namespace Quorvane::Rules {
 namespace {
 
 constexpr int indentWidth = 4;
-// No tree that loads is deeper; a chain of nodes in a file that does not must not exhaust the stack.
+// No tree that loads is deeper; a chain of nodes in a file that does not must not exhaust the
+// stack.
 constexpr int maxDepth = maxTreeNodes;
 
 bool s_sameBits(double a, double b) {

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "rules/language/AttributePage.h"
+#include "rules/model/Files.h"
+
+#include <gtest/gtest.h>
+
+namespace Quorvane::Rules {
+namespace {
+
+// After a change of the table: qvrules attributes > docs/attributes.md
+TEST(AttributePageTest, ThePageInTheDocumentationIsTheOneMadeFromTheTable) {
+    EXPECT_EQ(readFile(QV_DOCS "/attributes.md"), attributePage());
+}
+
+} // namespace
+} // namespace Quorvane::Rules
