@@ -110,7 +110,10 @@ TEST_F(LookupTest, ASilentServerCostsItsDeadlineAndIsCounted) {
 TEST_F(LookupTest, AnAddressLiteralIsNotLookedUp) {
     SilentDnsServer silent;
     ask(silent.address(), std::chrono::milliseconds(50));
-    EXPECT_EQ(judge("[192.0.2.7]", "unknown", "").attributes[3], 2);
+    auto const props = attributes(Message("Received: from [192.0.2.7] ([192.0.2.7]) by c\n"));
+    EXPECT_EQ(props.attributes[3], 2);
+    EXPECT_EQ(props.attributes[14], 0);
+    EXPECT_EQ(props.attributes[29], 0);
     EXPECT_TRUE(silent.takeQuestions().empty());
 }
 

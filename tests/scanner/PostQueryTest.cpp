@@ -10,23 +10,6 @@
 namespace Quorvane::Testing {
 namespace {
 
-// The name makes this suite run first: only then has nobody installed an engine yet.
-TEST(A_FreshProcessTest, HasNoEngineAndAnswersNothing) {
-    LogCapture log;
-    DeepHeaderScanner scanner;
-    EXPECT_FALSE(scanner.ready());
-    auto query = Message().query();
-    auto const answer = scanner.postQuery(query);
-    EXPECT_EQ(answer.getNode(), 0);
-    EXPECT_EQ(answer.confidenceDegree(), -1.0F);
-    auto const records = log.take();
-    ASSERT_EQ(records.size(), 1U);
-    EXPECT_EQ(records[0].m_id, 50332195);
-    EXPECT_EQ(records[0].m_reserved, 0);
-    EXPECT_EQ(records[0].m_format, "%s");
-    EXPECT_EQ(records[0].m_text, " ");
-}
-
 class PostQueryTest : public testing::Test {
   protected:
     PostQueryTest() {

@@ -105,11 +105,11 @@ DTNode leaf(std::int32_t attribute, std::int32_t value, double confidence, doubl
 
 std::vector<DTNode> treeOf(std::vector<DTNode> const& children) {
     std::vector<DTNode> nodes(3, DTNode{});
+    nodes.insert(nodes.end(), children.begin(), children.end());
     auto& root = nodes[treeRoot];
     root.childCount = static_cast<std::int32_t>(children.size());
     for (std::size_t i = 0; i < children.size(); ++i) {
-        root.children[i] = static_cast<std::int32_t>(nodes.size());
-        nodes.push_back(children[i]);
+        root.children[i] = static_cast<std::int32_t>(i) + treeRoot + 1;
     }
     return nodes;
 }
