@@ -62,25 +62,26 @@ class Snapshot {
     Local read() const {
         Cache* const cache = s_cache();
         if (cache == nullptr) {
-            return makeCache().m_local;
+            return makeEntry()->m_local;
         }
-        if (cache->m_generation != m_generation.load(std::memory_order_acquire)) {
-            Cache fresh = makeCache();
+        auto const generation = m_generation.load(std::memory_order_acquire);
+        if (*cache == nullptr || (*cache)->m_generation != generation) {
+            auto fresh = makeEntry();
             // What the cache held dies last: its destructor may read this slot again.
-            std::swap(*cache, fresh);
-            return cache->m_local;
+            cache->swap(fresh);
+            return (*cache)->m_local;
         }
-        return cache->m_local;
+        return (*cache)->m_local;
     }
 
   private:
-    struct Cache {
-        std::uint64_t m_generation = 0;
-        Local m_local{};
+    struct Entry {
+        std::uint64_t m_generation;
+        Local m_local;
     };
+    using Cache = std::unique_ptr<Entry const>;
 
-    // Unique among all slots of this type, so that a number tells slot and value at once. 0 is the
-    // generation of an empty cache.
+    // Unique among all slots of this type, so that a number tells slot and value at once.
     static std::uint64_t s_nextGeneration() {
         static std::atomic<std::uint64_t> last{0};
         return last.fetch_add(1, std::memory_order_relaxed) + 1;
@@ -100,7 +101,7 @@ class Snapshot {
         return &owner.m_cache;
     }
 
-    Cache makeCache() const {
+    Cache makeEntry() const {
         std::shared_ptr<T const> value;
         std::uint64_t generation = 0;
         {
@@ -108,7 +109,7 @@ class Snapshot {
             value = m_value;
             generation = m_generation.load(std::memory_order_relaxed);
         }
-        return Cache{generation, m_makeLocal(value)};
+        return Cache(new Entry{generation, m_makeLocal(value)});
     }
 
     mutable std::mutex m_mutex;

@@ -8,6 +8,7 @@
 #include <pthread.h>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -257,10 +258,12 @@ RC_GTEST_PROP(EmailAddress, anAtomAddressReadsBackInEveryDress, ()) {
         rc::gen::elementOf(std::string("abcXYZ0189!#$%&'*+-/=^_`{|}~"))));
     auto const local = *atom;
     auto const domain = *atom + "." + *atom;
-    for (auto const& text : {local + "@" + domain, "<" + local + "@" + domain + ">",
-                             "Name <" + local + "@" + domain + ">",
-                             "group: " + local + "@" + domain + ", x@y.example;",
-                             local + " (c) @" + domain + " (d)"}) {
+    for (auto const* const dress :
+         {"L@D", "<L@D>", "Name <L@D>", "group: L@D, x@y.example;", "L (c) @ (c) D (d)"}) {
+        std::string text;
+        for (char const c : std::string_view(dress)) {
+            text += c == 'L' ? local : c == 'D' ? domain : std::string(1, c);
+        }
         auto const address = s_parse(text);
         RC_ASSERT(address.localPart() == local);
         RC_ASSERT(address.domain() == domain);

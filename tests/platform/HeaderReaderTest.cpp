@@ -157,7 +157,7 @@ std::string s_written(Fields const& fields, std::string const& separator,
                       std::string const& lineBreak) {
     std::string section;
     for (auto const& [name, value] : fields) {
-        section += name + separator + value + lineBreak;
+        section.append(name).append(separator).append(value).append(lineBreak);
     }
     return section;
 }

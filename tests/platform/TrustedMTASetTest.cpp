@@ -71,7 +71,8 @@ TEST(TrustedMTASet, referenceTakesOverTheInitialCount) {
     auto* const set = new TrustedMTASet;
     TrustedMTASetRef const reference(set);
     EXPECT_EQ(1, set->references());
-    TrustedMTASetRef const copy(reference);
+    TrustedMTASetRef copy;
+    copy = reference;
     EXPECT_EQ(2, set->references());
 }
 
@@ -131,7 +132,8 @@ TEST_F(TrustedMTASetInForce, canBeReplacedWhileManyThreadsUseIt) {
     auto const use = [&] {
         while (!done) {
             auto const reference = TrustedMTASetRef::instance(false);
-            auto const copy = reference;
+            TrustedMTASetRef copy;
+            copy = reference;
             // A set is seen whole: both addresses of a kind or none.
             ASSERT_EQ(reference->isTrustedMTA(IPAddress("192.0.2.1")),
                       copy->isTrustedMTA(IPAddress("192.0.2.3")));
