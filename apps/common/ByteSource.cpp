@@ -16,7 +16,8 @@ namespace {
 
 class DescriptorSource : public ByteSource {
   public:
-    DescriptorSource(int descriptor, bool isOwner) : m_descriptor(descriptor), m_isOwner(isOwner) {}
+    DescriptorSource(int descriptor, bool isOwner, Interrupt& interrupt)
+        : m_descriptor(descriptor), m_isOwner(isOwner), m_interrupt(interrupt) {}
     DescriptorSource(DescriptorSource const&) = delete;
     DescriptorSource& operator=(DescriptorSource const&) = delete;
     ~DescriptorSource() override {
@@ -27,12 +28,13 @@ class DescriptorSource : public ByteSource {
 
     std::size_t read(char* buffer, std::size_t size) override {
         for (;;) {
+            m_interrupt.waitForInput(m_descriptor);
             auto const count = ::read(m_descriptor, buffer, size);
             if (count >= 0) {
                 m_position += static_cast<std::uint64_t>(count);
                 return static_cast<std::size_t>(count);
             }
-            if (errno != EINTR) {
+            if (errno != EINTR && errno != EAGAIN) {
                 throw InputError(std::strerror(errno));
             }
         }
@@ -43,6 +45,7 @@ class DescriptorSource : public ByteSource {
   private:
     int m_descriptor;
     bool m_isOwner;
+    Interrupt& m_interrupt;
     std::uint64_t m_position = 0;
 };
 
@@ -111,16 +114,17 @@ std::unique_ptr<ByteSource> s_unpacked(std::unique_ptr<ByteSource> source) {
 
 } // namespace
 
-std::unique_ptr<ByteSource> openFile(std::string const& path) {
-    int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+std::unique_ptr<ByteSource> openFile(std::string const& path, Interrupt& interrupt) {
+    // A named pipe without a writer must not hold the program where no signal reaches it.
+    int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) {
         throw InputError(std::strerror(errno));
     }
-    return s_unpacked(std::make_unique<DescriptorSource>(descriptor, true));
+    return s_unpacked(std::make_unique<DescriptorSource>(descriptor, true, interrupt));
 }
 
-std::unique_ptr<ByteSource> openStandardInput() {
-    return s_unpacked(std::make_unique<DescriptorSource>(STDIN_FILENO, false));
+std::unique_ptr<ByteSource> openStandardInput(Interrupt& interrupt) {
+    return s_unpacked(std::make_unique<DescriptorSource>(STDIN_FILENO, false, interrupt));
 }
 
 } // namespace Quorvane

@@ -4,6 +4,8 @@
 // zstd (told by its first bytes, not by its name). One object, one thread.
 #pragma once
 
+#include "apps/common/Interrupt.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -22,16 +24,16 @@ class ByteSource {
   public:
     virtual ~ByteSource() = default;
 
-    // Fills up to `size` bytes; 0 at the end. Throws an InputError.
+    // Fills up to `size` bytes; 0 at the end. Throws an InputError, or Interrupted.
     virtual std::size_t read(char* buffer, std::size_t size) = 0;
 
     // Bytes taken from the file so far, packed ones as they stand on disk.
     virtual std::uint64_t position() const = 0;
 };
 
-// Throws an InputError when `path` cannot be opened.
-std::unique_ptr<ByteSource> openFile(std::string const& path);
+// Throws an InputError when `path` cannot be opened. `interrupt` outlives the source.
+std::unique_ptr<ByteSource> openFile(std::string const& path, Interrupt& interrupt);
 // Standard input; left open at the end.
-std::unique_ptr<ByteSource> openStandardInput();
+std::unique_ptr<ByteSource> openStandardInput(Interrupt& interrupt);
 
 } // namespace Quorvane

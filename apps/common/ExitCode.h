@@ -7,11 +7,12 @@
 namespace Quorvane::ExitCode {
 
 inline constexpr int ok = 0;
-inline constexpr int found = 1;      // qvscan: at least one message judged spam
-inline constexpr int usage = 64;     // the command line is wrong
-inline constexpr int noMessage = 65; // an input that is no message
-inline constexpr int noInput = 66;   // an input that cannot be opened or read
-inline constexpr int ioError = 74;   // the output cannot be written
-inline constexpr int config = 78;    // bad settings, or rules that cannot be loaded
+inline constexpr int found = 1;         // qvscan: at least one message judged spam
+inline constexpr int usage = 64;        // the command line is wrong
+inline constexpr int noMessage = 65;    // an input that is no message
+inline constexpr int noInput = 66;      // an input that cannot be opened or read
+inline constexpr int ioError = 74;      // the output cannot be written
+inline constexpr int interrupted = 128; // plus the number of the signal
+inline constexpr int config = 78;       // bad settings, or rules that cannot be loaded
 
 } // namespace Quorvane::ExitCode

@@ -3,6 +3,8 @@
 
 #include "apps/common/ExitCode.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace Quorvane {
@@ -16,10 +18,18 @@ std::vector<std::string> s_orStandardInput(std::vector<std::string> paths) {
     return paths;
 }
 
-std::unique_ptr<MessageReader> s_open(std::string const& path) {
+std::unique_ptr<MessageReader> s_open(std::string const& path, Interrupt& interrupt) {
     bool const isStandardInput = path == "-";
-    return std::make_unique<MessageReader>(isStandardInput ? openStandardInput() : openFile(path),
+    return std::make_unique<MessageReader>(isStandardInput ? openStandardInput(interrupt)
+                                                           : openFile(path, interrupt),
                                            isStandardInput);
+}
+
+// 0 for what is no file.
+std::uint64_t s_size(std::string const& path) {
+    std::error_code error;
+    auto const size = std::filesystem::file_size(path, error);
+    return error ? 0 : size;
 }
 
 void s_setProblem(InputItem& item, int exitCode, std::string text) {
@@ -30,7 +40,8 @@ void s_setProblem(InputItem& item, int exitCode, std::string text) {
 
 } // namespace
 
-Inputs::Inputs(std::vector<std::string> paths) : m_files(s_orStandardInput(std::move(paths))) {}
+Inputs::Inputs(std::vector<std::string> paths, Interrupt& interrupt)
+    : m_interrupt(interrupt), m_files(s_orStandardInput(std::move(paths))) {}
 
 bool Inputs::next(InputItem& item) {
     for (;;) {
@@ -56,7 +67,7 @@ bool Inputs::openNext(InputItem& item) {
         return true;
     }
     try {
-        m_reader = s_open(m_path);
+        m_reader = s_open(m_path, m_interrupt);
     } catch (InputError const& error) {
         s_setProblem(item, ExitCode::noInput, std::string("cannot be opened: ") + error.what());
     }
@@ -91,7 +102,7 @@ bool Inputs::readNext(InputItem& item) {
 }
 
 void Inputs::close() {
-    m_closedBytes += m_reader->position();
+    m_closedBytes += std::max(m_reader->position(), s_size(m_path));
     m_reader.reset();
 }
 

@@ -27,13 +27,13 @@ struct InputItem {
 
 class Inputs {
   public:
-    // No path means standard input.
-    explicit Inputs(std::vector<std::string> paths);
+    // No path means standard input. `interrupt` outlives the object.
+    Inputs(std::vector<std::string> paths, Interrupt& interrupt);
 
-    // False at the end.
+    // False at the end. Throws Interrupted.
     bool next(InputItem& item);
 
-    // Bytes read so far, as they stand on disk.
+    // Bytes done so far, as they stand on disk; of a file that is done all of them, read or not.
     std::uint64_t position() const;
 
   private:
@@ -41,6 +41,7 @@ class Inputs {
     bool readNext(InputItem& item);
     void close();
 
+    Interrupt& m_interrupt;
     FileWalker m_files;
     std::string m_path;
     std::unique_ptr<MessageReader> m_reader;

@@ -61,7 +61,11 @@ class ScanHost {
     ScanOutcome scan(HeaderContainer const& headers, MessageFacts const& facts) const;
 
     HostSettings const& settings() const { return m_settings; }
-    DeepHeaderAdapter const& engine() const { return *m_engine.operator->(); }
+    RefDeepHeaderAdapter const& engine() const { return m_engine; }
+    // The reputation of a relay; empty when the settings know none.
+    std::optional<std::int32_t> score(IPAddress const& address) const {
+        return m_scores.score(address);
+    }
 
   private:
     RefMessageProperties messageProperties(HeaderContainer const& headers,

@@ -4,6 +4,7 @@
 #include <archive.h>
 #include <archive_entry.h>
 #include <array>
+#include <exception>
 #include <utility>
 
 namespace Quorvane {
@@ -48,13 +49,17 @@ class UnpackedSource : public ByteSource {
                 source.m_packed->read(source.m_buffer.data(), source.m_buffer.size());
             *buffer = source.m_buffer.data();
             return static_cast<la_ssize_t>(count);
-        } catch (InputError const& error) {
-            archive_set_error(archive, EIO, "%s", error.what());
+        } catch (...) {
+            source.m_thrown = std::current_exception();
+            archive_set_error(archive, EIO, "cannot be read");
             return ARCHIVE_FATAL;
         }
     }
 
     void check(int status) const {
+        if (m_thrown) {
+            std::rethrow_exception(m_thrown);
+        }
         if (status < ARCHIVE_WARN) {
             auto const* const text = archive_error_string(m_archive.get());
             throw InputError(std::string("damaged packed data: ") +
@@ -67,6 +72,7 @@ class UnpackedSource : public ByteSource {
     std::unique_ptr<ByteSource> m_packed;
     std::array<char, packedPiece> m_buffer{};
     std::unique_ptr<archive, int (*)(archive*)> m_archive;
+    std::exception_ptr m_thrown;
     bool m_isAtEnd = false;
 };
 

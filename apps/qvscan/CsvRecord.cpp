@@ -29,10 +29,10 @@ std::string csvHeader() {
 }
 
 std::string csvRecord(std::string const& source, ScanOutcome const& outcome) {
-    if (outcome.m_error || !outcome.m_reachedVerdict) {
-        return {};
-    }
     auto line = s_field(source);
+    if (outcome.m_error || !outcome.m_reachedVerdict) {
+        return line + std::string(attributeCount, ',') + "\n";
+    }
     for (auto const value : outcome.m_record.attributes) {
         line += "," + std::to_string(value);
     }

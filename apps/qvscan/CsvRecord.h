@@ -12,7 +12,7 @@ namespace Quorvane {
 
 // "source", then the names of the attributes.
 std::string csvHeader();
-// Empty when the scan came to no attributes: no public hop, or it failed.
+// The attributes are empty fields when the scan came to none: no public hop, or it failed.
 std::string csvRecord(std::string const& source, ScanOutcome const& outcome);
 
 } // namespace Quorvane

@@ -5,6 +5,7 @@
 #include "apps/common/Utf8.h"
 #include "apps/qvscan/CsvRecord.h"
 #include "apps/qvscan/JsonRecord.h"
+#include "apps/qvscan/TextExplain.h"
 #include "apps/qvscan/TextRecord.h"
 #include "platform/HeaderReader.h"
 
@@ -44,20 +45,23 @@ ScanResult s_problem(std::string const& source, std::string const& text, int exi
 
 } // namespace
 
-ScanRun::ScanRun(ScanOptions const& options)
-    : m_options(options), m_format(s_format(options)), m_colour(s_wantsColour()),
-      m_host(options.m_settings.values()), m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
+ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
+    : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
+      m_colour(s_wantsColour()), m_host(options.m_settings.values()), m_output(STDOUT_FILENO),
+      m_errors(STDERR_FILENO) {}
 
-std::string ScanRun::render(std::string const& source, ScanOutcome const& outcome) const {
+std::string ScanRun::render(InputItem const& item, HeaderContainer const& headers,
+                            ScanOutcome const& outcome) const {
     switch (m_format) {
     case OutputFormat::json:
-        return jsonRecord(source, outcome, m_options.m_explain);
+        return jsonRecord(item.m_source, outcome, m_options.m_explain);
     case OutputFormat::csv:
-        return csvRecord(source, outcome);
+        return csvRecord(item.m_source, outcome);
     case OutputFormat::text:
         break;
     }
-    return textRecord(source, outcome, m_colour);
+    return textRecord(item.m_source, outcome, m_colour) +
+           (m_options.m_explain ? textExplain(m_host, headers, m_options.m_facts, outcome) : "");
 }
 
 ScanResult ScanRun::judge(InputItem const& item) const {
@@ -70,7 +74,7 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     }
     auto const outcome = m_host.scan(headers, m_options.m_facts);
     ScanResult result;
-    result.m_output = render(item.m_source, outcome);
+    result.m_output = render(item, headers, outcome);
     result.m_isSpam = outcome.m_answer.isSpam();
     return result;
 }
@@ -78,6 +82,10 @@ ScanResult ScanRun::judge(InputItem const& item) const {
 bool ScanRun::take(ScanResult const& result) {
     m_foundSpam = m_foundSpam || result.m_isSpam;
     note(result.m_exitCode);
+    if (m_progress) {
+        m_progress->judgedOne();
+        m_progress->clear();
+    }
     m_errors.write(result.m_errors);
     return m_output.write(result.m_output);
 }
@@ -90,6 +98,9 @@ void ScanRun::note(int exitCode) {
 }
 
 int ScanRun::exitStatus() const {
+    if (int const number = m_interrupt.signalNumber(); number != 0) {
+        return ExitCode::interrupted + number;
+    }
     if (m_output.error() != 0) {
         return ExitCode::ioError;
     }
@@ -99,20 +110,44 @@ int ScanRun::exitStatus() const {
     return m_foundSpam ? ExitCode::found : ExitCode::ok;
 }
 
+void ScanRun::startProgress() {
+    bool const isTerminal = ::isatty(STDERR_FILENO) == 1;
+    if (!m_options.m_progress.value_or(isTerminal)) {
+        return;
+    }
+    m_size = std::make_unique<InputSize>(m_options.m_paths);
+    m_progress =
+        std::make_unique<Progress>([this](std::string const& text) { m_errors.write(text); },
+                                   [this] { return m_size->bytes(); }, isTerminal);
+}
+
+void ScanRun::submitAll(OrderedPool& pool) {
+    Inputs inputs(m_options.m_paths, m_interrupt);
+    try {
+        for (InputItem item; m_interrupt.signalNumber() == 0 && inputs.next(item);) {
+            if (m_progress) {
+                m_progress->readTo(inputs.position());
+            }
+            if (!pool.submit(std::move(item))) {
+                return;
+            }
+        }
+    } catch (Interrupted const&) {
+        // What was submitted is still judged and written.
+    }
+}
+
 int ScanRun::run() {
     if (m_format == OutputFormat::csv) {
         m_output.write(csvHeader());
     }
+    startProgress();
     OrderedPool pool(
         s_threads(m_host.settings()), [this](InputItem const& item) { return judge(item); },
         [this](ScanResult const& result) { return take(result); });
-    Inputs inputs(m_options.m_paths);
-    for (InputItem item; inputs.next(item);) {
-        if (!pool.submit(std::move(item))) {
-            break;
-        }
-    }
+    submitAll(pool);
     pool.finish();
+    m_progress.reset();
     if (m_output.error() != 0) {
         m_errors.write(std::string("qvscan: cannot write: ") + std::strerror(m_output.error()) +
                        "\n");

@@ -5,29 +5,38 @@
 #pragma once
 
 #include "apps/common/Inputs.h"
+#include "apps/common/InputSize.h"
+#include "apps/common/Interrupt.h"
 #include "apps/common/ScanHost.h"
 #include "apps/qvscan/Options.h"
 #include "apps/qvscan/OrderedPool.h"
 #include "apps/qvscan/Output.h"
+#include "apps/qvscan/Progress.h"
+
+#include <memory>
 
 namespace Quorvane {
 
 class ScanRun {
   public:
-    // Throws a SettingsError.
-    explicit ScanRun(ScanOptions const& options);
+    // Throws a SettingsError. `options` and `interrupt` outlive the object.
+    ScanRun(ScanOptions const& options, Interrupt& interrupt);
 
     // The exit status.
     int run();
 
   private:
     ScanResult judge(InputItem const& item) const;
-    std::string render(std::string const& source, ScanOutcome const& outcome) const;
+    std::string render(InputItem const& item, HeaderContainer const& headers,
+                       ScanOutcome const& outcome) const;
+    void submitAll(OrderedPool& pool);
     bool take(ScanResult const& result);
+    void startProgress();
     void note(int exitCode);
     int exitStatus() const;
 
     ScanOptions const& m_options;
+    Interrupt& m_interrupt;
     OutputFormat m_format;
     bool m_colour;
     ScanHost m_host;
@@ -35,6 +44,8 @@ class ScanRun {
     Output m_errors;
     bool m_foundSpam = false;
     int m_problem = 0;
+    std::unique_ptr<InputSize> m_size;
+    std::unique_ptr<Progress> m_progress; // null: none is shown
 };
 
 } // namespace Quorvane

@@ -26,7 +26,8 @@ int s_main(std::vector<std::string> const& arguments) {
         std::cout << options.m_settings.asToml() << std::flush;
         return ExitCode::ok;
     }
-    return ScanRun(options).run();
+    Interrupt interrupt;
+    return ScanRun(options, interrupt).run();
 }
 
 int s_fail(std::string const& text, int status) {

@@ -64,7 +64,8 @@ TEST_F(Input, AnMboxRecordWithoutHeaderIsNamed) {
 }
 
 TEST_F(Input, QuotedSeparatorsInHeadersAreUnquoted) {
-    auto const record = explained({}, separator + std::string(">From : ann@quoted.example\n\n"));
+    auto const record =
+        explained({}, separator + std::string("To: bob@b.example\n>From : ann@quoted.example\n\n"));
     EXPECT_EQ(record["explain"]["headerFrom"], "quoted.example");
 }
 

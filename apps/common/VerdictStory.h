@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// VerdictStory: why a message got its verdict, in one sentence, and what would have been needed for
+// another one. Pure functions; the alternatives are tried on the engine before they are told.
+#pragma once
+
+#include "apps/common/ScanHost.h"
+#include "apps/common/TrailStory.h"
+
+#include <string>
+#include <vector>
+
+namespace Quorvane {
+
+// One sentence without a full stop: "the newest hop came by IPv6", "no public address", "no rule
+// decided", "thresholds switch the tree off", "0.99 spam reaches the threshold 0.95".
+std::string tellReason(ScanHost const& host, ScanOutcome const& outcome,
+                       std::vector<StoryHop> const& trail);
+
+// For each other verdict the change of the fewest attributes, or of a threshold, that would have
+// given it. When the scan came to no rules: what would have let it, where the host can do that.
+std::vector<std::string> tellNeeded(ScanHost const& host, ScanOutcome const& outcome,
+                                    std::vector<StoryHop> const& trail);
+
+} // namespace Quorvane

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvscan/Progress.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace Quorvane {
+
+namespace {
+
+constexpr std::chrono::milliseconds firstDrawn{2000};
+constexpr std::chrono::milliseconds terminalPause{250};
+// A log file needs no animation.
+constexpr std::chrono::milliseconds otherPause{2000};
+
+std::string s_grouped(std::uint64_t number) {
+    auto text = std::to_string(number);
+    for (auto at = text.size(); at > 3; at -= 3) {
+        text.insert(at - 3, ",");
+    }
+    return text;
+}
+
+std::string s_duration(double seconds) {
+    auto const whole = static_cast<std::uint64_t>(std::lround(std::max(0.0, seconds)));
+    if (whole < 60) {
+        return std::to_string(whole) + " s";
+    }
+    auto const rest = std::to_string(whole % 60);
+    if (whole < 3600) {
+        return std::to_string(whole / 60) + ":" + (rest.size() < 2 ? "0" : "") + rest + " min";
+    }
+    auto const minutes = std::to_string(whole / 60 % 60);
+    return std::to_string(whole / 3600) + ":" + (minutes.size() < 2 ? "0" : "") + minutes + " h";
+}
+
+} // namespace
+
+std::string progressLine(WorkState const& state) {
+    auto line = s_grouped(state.m_messages) + " messages";
+    if (state.m_seconds > 0) {
+        auto const rate = static_cast<double>(state.m_messages) / state.m_seconds;
+        line += "  " + s_grouped(static_cast<std::uint64_t>(std::lround(rate))) + "/s";
+    }
+    auto const total = state.m_bytesTotal.value_or(0);
+    if (total > 0 && state.m_bytesRead > 0) {
+        auto const share =
+            std::min(1.0, static_cast<double>(state.m_bytesRead) / static_cast<double>(total));
+        line += "  " + std::to_string(static_cast<int>(share * 100)) + " %  " +
+                s_duration(state.m_seconds * (1 - share) / share) + " left";
+    }
+    return line;
+}
+
+Progress::Progress(Write write, Total total, bool isTerminal)
+    : m_write(std::move(write)), m_total(std::move(total)), m_isTerminal(isTerminal),
+      m_start(std::chrono::steady_clock::now()), m_thread(&Progress::run, this) {}
+
+Progress::~Progress() {
+    {
+        std::lock_guard const lock(m_mutex);
+        m_isEnding = true;
+    }
+    m_wake.notify_one();
+    m_thread.join();
+    clear();
+}
+
+void Progress::run() {
+    std::unique_lock lock(m_mutex);
+    auto pause = firstDrawn;
+    while (!m_wake.wait_for(lock, pause, [this] { return m_isEnding; })) {
+        draw();
+        pause = m_isTerminal ? terminalPause : otherPause;
+    }
+}
+
+// REQUIRES: m_mutex is held.
+void Progress::draw() {
+    WorkState state;
+    state.m_messages = m_messages;
+    state.m_bytesRead = m_bytes;
+    state.m_bytesTotal = m_total();
+    std::chrono::duration<double> const passed = std::chrono::steady_clock::now() - m_start;
+    state.m_seconds = passed.count();
+    auto const line = progressLine(state);
+    m_write(m_isTerminal ? "\r\x1B[K" + line : "qvscan: " + line + "\n");
+    m_isDrawn = m_isTerminal;
+}
+
+void Progress::clear() {
+    std::lock_guard const lock(m_mutex);
+    if (m_isDrawn) {
+        m_write("\r\x1B[K");
+        m_isDrawn = false;
+    }
+}
+
+} // namespace Quorvane

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+// The explanation for people: the words of a verdict, of the trail and of the rules.
+#include "qvscan/ScanFixture.h"
+
+namespace Quorvane::Testing {
+
+namespace {
+
+class TextExplain : public ScanTest {
+  protected:
+    std::string explain(Arguments arguments, std::string const& message) const {
+        arguments.insert(arguments.end(), {"--format", "text", "--explain"});
+        return scan(arguments, message).m_output;
+    }
+
+    // The words of the row of the trail that has `address`, blanks made single.
+    static std::string row(std::string const& text, std::string const& address) {
+        auto const at = text.find("  " + address + " ");
+        if (at == std::string::npos) {
+            return "no row for " + address + " in\n" + text;
+        }
+        auto const begin = text.rfind('\n', at) + 1;
+        std::string words;
+        for (char const c : text.substr(begin, text.find('\n', at) - begin)) {
+            if (c != ' ' || (!words.empty() && words.back() != ' ')) {
+                words += c;
+            }
+        }
+        return words;
+    }
+};
+
+TEST_F(TextExplain, GivesThePlainReasonForNoVerdict) {
+    auto const privately = hop("a.example", "b.example", "10.0.0.1") + "\n";
+    struct {
+        Arguments m_arguments;
+        std::string m_message;
+        char const* m_reason;
+    } const cases[] = {
+        {{}, hop("a.example", "b.example", "2001:db8::1") + "\n", "the newest hop came by IPv6"},
+        {{},
+         hop("a", "b", "10.0.0.1") + hop("a", "b", "2001:db8::1") + "\n",
+         "no public address before a hop that came by IPv6"},
+        {{}, privately, "no public address"},
+        {{}, "From: a@b.example\n\n", "the message has no Received header"},
+        {{"--trusted-mta", "192.0.2.7"}, spam(), "no public address"},
+        {{"--trusted-antispam-mta", "192.0.2.7"},
+         spam(),
+         "the message came from a relay that filters already"},
+        {{"--score", "192.0.2.7=8"},
+         spam(),
+         "the reputation of 192.0.2.7 ended the walk before any public hop"},
+        {{"--spam-threshold", "95"},
+         spam(),
+         "thresholds switch the tree off (a spam threshold of 95 or more)"},
+        {{"--min-support", "11"}, spam(), "no rule decided"},
+        {{},
+         none(),
+         "not sure enough: 0.5 spam is below the spam threshold 0.95, 0.5 ham below "
+         "the ham threshold 0.95"},
+        {{}, "Received: by \n\n", "the scan failed: a Received header cannot be read"},
+    };
+    for (auto const& row : cases) {
+        auto const text = explain(row.m_arguments, row.m_message);
+        EXPECT_NE(text.find(std::string("  Because: ") + row.m_reason + ".\n"), std::string::npos)
+            << row.m_reason << "\n"
+            << text;
+    }
+}
+
+TEST_F(TextExplain, GivesTheReasonOfAVerdict) {
+    EXPECT_NE(explain({}, spam()).find("Because: 0.99 spam reaches the spam threshold 0.95.\n"),
+              std::string::npos);
+    EXPECT_NE(explain({}, ham()).find("Because: 0.98 ham reaches the ham threshold 0.95.\n"),
+              std::string::npos);
+}
+
+TEST_F(TextExplain, TellsWhatEachHopWasTakenFor) {
+    auto const text = explain({"--internal", "2001:db8::/32", "--trusted-mta", "198.51.100.1",
+                               "--score", "198.51.100.9=7"},
+                              hop("own.example", "own.example", "2001:db8::1") +
+                                  hop("t.example", "t.example", "198.51.100.1") +
+                                  hop("p.example", "p.x", "10.0.0.1") +
+                                  hop("f.example", "f.example", "203.0.113.1") +
+                                  hop("l.example", "l.example", "203.0.113.2", "f.example") +
+                                  hop("s.example", "s.example", "198.51.100.9", "l.example") +
+                                  hop("z.example", "z.example", "203.0.113.9", "s.example") + "\n");
+    EXPECT_EQ(row(text, "2001:db8::1"), "1 our side 2001:db8::1 own.example own.example "
+                                        "mx.example.org relay of this site, cut off");
+    EXPECT_EQ(row(text, "198.51.100.1"), "2 our side 198.51.100.1 t.example t.example "
+                                         "mx.example.org trusted relay, skipped");
+    EXPECT_EQ(row(text, "10.0.0.1"),
+              "3 our side 10.0.0.1 p.example p.x mx.example.org private address");
+    EXPECT_EQ(row(text, "203.0.113.1"), "4 our side 203.0.113.1 f.example f.example "
+                                        "mx.example.org first public hop, judged");
+    EXPECT_EQ(row(text, "203.0.113.2"),
+              "5 the sender? 203.0.113.2 l.example l.example f.example public");
+    EXPECT_EQ(row(text, "198.51.100.9"), "6 the sender? 198.51.100.9 s.example s.example "
+                                         "l.example reputation score 7: the walk ends here");
+    EXPECT_EQ(row(text, "203.0.113.9"),
+              "7 the sender? 203.0.113.9 z.example z.example s.example not looked at");
+}
+
+TEST_F(TextExplain, TellsAnAuthenticatedHopAndTheCurrentOne) {
+    auto const text = explain(
+        {"--current-received", "from c.example (c.example [203.0.113.5]) by mx.example.org"},
+        "Received: from a.example (a.example [203.0.113.7])\n\t(authenticated bits=0)\n"
+        "\tby mx.example.org (Postfix) with ESMTP id 1\n\n");
+    EXPECT_EQ(row(text, "203.0.113.5"),
+              "now our side 203.0.113.5 c.example c.example mx.example.org first public hop, "
+              "judged");
+    EXPECT_NE(row(text, "203.0.113.7").find("authenticated submission, skipped"),
+              std::string::npos);
+}
+
+TEST_F(TextExplain, TellsAttributesInWords) {
+    auto const text = explain({}, spam());
+    auto const expected = "    first_reverse_dynamic ";
+    ASSERT_NE(text.find(expected), std::string::npos) << text;
+    EXPECT_NE(text.find("the reverse name of the first hop looks dynamically assigned"),
+              std::string::npos);
+    EXPECT_EQ(text.find("status_indicated"), std::string::npos);
+    EXPECT_NE(explain({"--message-status", "3"}, spam()).find("    status_indicated "),
+              std::string::npos);
+}
+
+TEST_F(TextExplain, TellsTheRulesThatFiredAndThePath) {
+    auto const text =
+        explain({}, hop("a.example", "dsl-1-2-3.dyn.b.example", "198.51.100.9") + spam());
+    EXPECT_NE(text.find("    rule a adjusts by +0.01: hop_behind_first is yes\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("  Path through the tree:\n"
+                        "    node 2: the root; 0.3 spam, seen in 100 % of the training mail\n"
+                        "    node 3: first_reverse_dynamic is yes; 0.99 spam, seen in 10 % of the "
+                        "training mail\n"
+                        "    a leaf\n"),
+              std::string::npos)
+        << text;
+    auto const elite = explain({"--message-status", "3", "--max-elite-level", "2"}, ham());
+    EXPECT_NE(elite.find("    rule 901 says 0.96 spam: status_indicated is yes\n"),
+              std::string::npos)
+        << elite;
+}
+
+TEST_F(TextExplain, TellsWhatAnotherVerdictWouldHaveNeeded) {
+    EXPECT_NE(explain({}, spam())
+                  .find("    ham: first_reverse_dynamic is no (it is yes); then "
+                        "node 4 decides\n"),
+              std::string::npos);
+    auto const undecided = explain({}, none());
+    EXPECT_NE(undecided.find("    spam: first_reverse_dynamic is yes (it is unknown); then node 3 "
+                             "decides\n"),
+              std::string::npos)
+        << undecided;
+    EXPECT_NE(undecided.find("    spam: a spam threshold of 0.5 or less\n"), std::string::npos);
+    EXPECT_EQ(records(scan({"--spam-threshold", "0.5"}, none()))[0]["verdict"], "spam");
+    auto const byIPv6 = explain({}, hop("a", "b", "2001:db8::1") + spam());
+    EXPECT_NE(byIPv6.find("    any: --internal 2001:db8::1, if that is a relay of this site\n"),
+              std::string::npos);
+}
+
+TEST_F(TextExplain, HostileTextCannotSteerTheTerminal) {
+    auto const text = explain({}, hop("a\x1B[2Jb\x07.example",
+                                      "\xC2\x9B"
+                                      "31m.example",
+                                      "192.0.2.7") +
+                                      "\n");
+    EXPECT_EQ(text.find('\x1B'), std::string::npos);
+    EXPECT_EQ(text.find('\x07'), std::string::npos);
+    EXPECT_EQ(text.find("\xC2\x9B"), std::string::npos);
+    EXPECT_NE(text.find("a\\x1B[2jb"), std::string::npos) << text;
+}
+
+} // namespace
+
+} // namespace Quorvane::Testing
