@@ -27,7 +27,8 @@ enum class RecordType : int {
     PTR = 12,
     MX = 15,
     AAAA = 28,
-    // "Does this name exist in mail's sense?": an A, AAAA or MX record, asked side by side.
+    // "Does this name exist in mail's sense?": an A, AAAA or MX record, asked side by side. The
+    // answer holds the records of whichever type answers first and has some.
     mailName = 100,
 };
 
@@ -48,17 +49,21 @@ class QV_API ResolverMessage {
 
 struct ResolverSettings {
     enum class Mode {
-        system,  // the servers of the system's resolver configuration
+        system,  // the servers that m_systemFile names
         servers, // m_servers
         local,   // m_zoneData alone; nothing else is asked
         off,     // nothing resolves
     };
     Mode m_mode = Mode::system;
+    // The system's resolver configuration (resolv.conf(5)); its "nameserver" lines count.
+    std::string m_systemFile = "/etc/resolv.conf";
     // "192.0.2.1", "192.0.2.1@5353", "2001:db8::1@53".
     std::vector<std::string> m_servers;
-    // Zone-file lines: "name. A 192.0.2.1", "name. MX 10 mail.name.", answered locally.
+    // Zone-file lines: "name. A 192.0.2.1", "name. MX 10 mail.name.", answered locally in every
+    // mode but off. One record a line, each with its full name; empty lines and comments (";", "#")
+    // are skipped; no wildcards. Aliases (CNAME) are followed, up to 8 in a row.
     std::vector<std::string> m_zoneData;
-    // From the call to the answer, for each look-up; late answers count as empty.
+    // From the call to the answer, for each look-up; late answers count as empty. 1 ms to 10 min.
     std::chrono::milliseconds m_deadline{2000};
 };
 
@@ -88,11 +93,15 @@ class QV_API Resolver {
     static Resolver& instance();
 
     // Puts other settings in force. An Exception of category 3 names the server or the line of zone
-    // data that is wrong; the settings in force then stay.
+    // data that is wrong; the settings in force then stay. Without a call the first look-up puts
+    // default settings in force; when the system's configuration cannot be used then, look-ups
+    // count as failed until a call.
     void configure(ResolverSettings const& settings);
 
-    // Blocking look-up; an address literal given as a name, an empty name and a name that is no
-    // domain name do not resolve. One trailing dot is ignored.
+    // Blocking look-up. One trailing dot is ignored. An address literal given as a name, an empty
+    // name and a name that is no domain name do not resolve, and nothing is asked for them: names
+    // are made of letters, digits, "-", "_" and dots, with at most 63 bytes between dots and 253 in
+    // all. Names in other scripts must come in their ASCII form ("xn--").
     ResolverMessage submit(RecordType type, std::string const& name, RecordClass recordClass);
     // The same without waiting, so that look-ups can run side by side.
     PendingLookup start(RecordType type, std::string const& name, RecordClass recordClass);
@@ -102,7 +111,8 @@ class QV_API Resolver {
     HostName getHostname(IPAddress const& address);
 
     // Look-ups since start that failed (SERVFAIL, refused, no server) and that came late. With
-    // them a host tells "does not resolve" from "could not ask".
+    // them a host tells "does not resolve" from "could not ask". Each look-up that was waited for
+    // counts at most once; a Host is two look-ups.
     struct Counters {
         std::uint64_t m_failed = 0;
         std::uint64_t m_late = 0;

@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <mutex>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
@@ -39,6 +40,22 @@ class SignalsBlocked {
   private:
     sigset_t m_before{};
 };
+
+[[noreturn]] void s_doesNotStart(char const* why) {
+    throw Exception(std::string("DNS: the resolver does not start: ") + why, 3, nullptr, 0);
+}
+
+// libunbound sets up and takes down variables of the process with each context and does not
+// synchronise that: one context at a time is made or destroyed.
+std::mutex& s_lifecycleMutex() {
+    static std::mutex s_mutex;
+    return s_mutex;
+}
+
+ub_ctx* s_create() {
+    std::lock_guard<std::mutex> const lock(s_lifecycleMutex());
+    return ub_ctx_create();
+}
 
 constexpr int s_rcodeNoError = 0;
 constexpr int s_rcodeNoSuchName = 3;
@@ -83,14 +100,30 @@ void s_ignoreAnswer(void* /*data*/, int /*error*/, ub_result* result) {
 } // namespace
 
 void UnboundContext::Deleter::operator()(ub_ctx* context) const {
+    std::lock_guard<std::mutex> const lock(s_lifecycleMutex());
     ub_ctx_delete(context);
 }
 
-UnboundContext::UnboundContext(ResolverSettings const& settings)
-    : m_process(getpid()), m_hasZoneData(!settings.m_zoneData.empty()), m_context(ub_ctx_create()) {
-    if (!m_context) {
-        throw Exception("DNS: no memory or no random numbers for the resolver", 3, nullptr, 0);
+UnboundContext::StopEvent::StopEvent() : m_event(eventfd(0, EFD_CLOEXEC)) {
+    if (m_event < 0) {
+        s_doesNotStart("no file descriptors left");
     }
+}
+
+UnboundContext::StopEvent::~StopEvent() {
+    close(m_event);
+}
+
+void UnboundContext::StopEvent::raise() const {
+    eventfd_write(m_event, 1);
+}
+
+UnboundContext::UnboundContext(ResolverSettings const& settings)
+    : m_process(getpid()), m_hasZoneData(!settings.m_zoneData.empty()), m_context(s_create()) {
+    if (!m_context) {
+        s_doesNotStart("no memory, no file descriptors or no random numbers");
+    }
+    std::lock_guard<std::mutex> const lock(s_lifecycleMutex());
     setUpUnbound(*m_context, settings);
     startThreads();
 }
@@ -103,9 +136,8 @@ UnboundContext::~UnboundContext() {
         static_cast<void>(m_context.release());
         return;
     }
-    eventfd_write(m_stopEvent, 1);
+    m_stopEvent.raise();
     m_pump->join();
-    close(m_stopEvent);
 }
 
 // libunbound starts its thread with the first question. Asking one here shows now, and not in a
@@ -115,24 +147,21 @@ void UnboundContext::startThreads() {
     int const error =
         ub_resolve_async(m_context.get(), startQuestion, static_cast<int>(RecordType::A),
                          static_cast<int>(RecordClass::IN), nullptr, s_ignoreAnswer, nullptr);
-    m_stopEvent = eventfd(0, EFD_CLOEXEC);
-    if (error != UB_NOERROR || m_stopEvent < 0) {
-        throw Exception(std::string("DNS: the resolver does not start: ") +
-                            (error != UB_NOERROR ? ub_strerror(error) : "no file descriptors left"),
-                        3, nullptr, 0);
+    if (error != UB_NOERROR) {
+        s_doesNotStart(ub_strerror(error));
     }
     try {
         m_pump = std::make_unique<std::thread>([this] { pump(); });
     } catch (std::system_error const&) {
-        close(m_stopEvent);
-        throw Exception("DNS: the resolver does not start: no thread left", 3, nullptr, 0);
+        s_doesNotStart("no thread left");
     }
 }
 
 // Ends when told to, or when libunbound's own thread is gone; look-ups then run into their
 // deadline.
 void UnboundContext::pump() const {
-    std::array<pollfd, 2> events{{{ub_fd(m_context.get()), POLLIN, 0}, {m_stopEvent, POLLIN, 0}}};
+    std::array<pollfd, 2> events{
+        {{ub_fd(m_context.get()), POLLIN, 0}, {m_stopEvent.descriptor(), POLLIN, 0}}};
     for (;;) {
         if (poll(events.data(), events.size(), -1) < 0) {
             if (errno != EINTR) {

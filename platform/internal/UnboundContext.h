@@ -53,13 +53,28 @@ class UnboundContext {
         void operator()(ub_ctx* context) const;
     };
 
+    // Ends the pump thread's wait.
+    class StopEvent {
+      public:
+        StopEvent();
+        StopEvent(StopEvent const&) = delete;
+        StopEvent& operator=(StopEvent const&) = delete;
+        ~StopEvent();
+
+        void raise() const;
+        int descriptor() const { return m_event; }
+
+      private:
+        int m_event;
+    };
+
     void startThreads();
     void pump() const;
 
     pid_t m_process;
     bool m_hasZoneData;
     std::unique_ptr<ub_ctx, Deleter> m_context;
-    int m_stopEvent = -1;
+    StopEvent m_stopEvent;
     std::unique_ptr<std::thread> m_pump;
 };
 

@@ -17,14 +17,18 @@ struct Option {
     char const* m_value;
 };
 
-constexpr std::array<Option, 10> s_options{{
+constexpr std::array<Option, 11> s_options{{
     // Without validation: the site's own server is the place for DNSSEC.
     {"module-config:", "iterator"},
     {"do-not-query-localhost:", "no"},
     // The site's server has the say on private addresses too.
     {"unblock-lan-zones:", "yes"},
-    // A server that comes back is used again at once, not after 15 minutes.
-    {"infra-keep-probing:", "yes"},
+    // Otherwise a server that is out for a while, or that is asked for names whose own servers are
+    // dead (and whoever sends mail chooses the names), would be shunned for up to 15 minutes.
+    {"infra-host-ttl:", "5"},
+    // A server close by answers most names in a millisecond and asks the world for the rest.
+    // Pressing it every 50 ms uses the retries up before it knows.
+    {"infra-cache-min-rtt:", "300"},
     // Records in the order of the answer.
     {"rrset-roundrobin:", "no"},
     // The library's default of 16 sockets would make scans wait for one another.
@@ -81,8 +85,9 @@ void s_setSource(ub_ctx& context, ResolverSettings const& settings) {
     if (settings.m_mode == ResolverSettings::Mode::servers) {
         s_setServers(context, settings);
     } else if (settings.m_mode == ResolverSettings::Mode::system) {
-        s_require(ub_ctx_resolvconf(&context, nullptr),
-                  "/etc/resolv.conf cannot be used; mend it or name a server");
+        std::string const& file = settings.m_systemFile;
+        s_require(ub_ctx_resolvconf(&context, file.c_str()),
+                  "\"" + file + "\" cannot be used; mend it or name a server");
     }
 }
 

@@ -155,6 +155,12 @@ TEST_F(ResolverConfigureTest, ServerModeWithoutServersIsRefused) {
     EXPECT_THAT(s_complaint(settings), HasSubstr("no server given"));
 }
 
+TEST_F(ResolverConfigureTest, UnreadableSystemFileIsNamed) {
+    ResolverSettings settings;
+    settings.m_systemFile = "/nonexistent/resolv.conf";
+    EXPECT_THAT(s_complaint(settings), HasSubstr("\"/nonexistent/resolv.conf\""));
+}
+
 TEST_F(ResolverConfigureTest, DeadlineOutOfRangeIsRefused) {
     for (auto const deadline : {std::chrono::milliseconds::min(), std::chrono::milliseconds{-1},
                                 std::chrono::milliseconds{0}, std::chrono::milliseconds{600001},

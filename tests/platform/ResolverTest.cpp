@@ -6,10 +6,11 @@
 #include "support/DnsServer.h"
 #include "support/SilentDnsServer.h"
 
-#include <algorithm>
+#include <cstdio>
+#include <fstream>
 #include <gmock/gmock.h>
-#include <memory>
 #include <optional>
+#include <system_error>
 
 namespace Quorvane::Testing {
 namespace {
@@ -175,8 +176,8 @@ TEST_F(ResolverTest, MovedLookUpIsWaitedForWhereItWent) {
 
 TEST_F(ResolverTest, ZoneDataComesBeforeTheServer) {
     ResolverSettings settings = serverSettings(s_server->address());
-    settings.m_zoneData = {"mail.example.test. A 192.0.2.99", "here.example.test. CNAME far"
-                                                              ".example.test."};
+    settings.m_zoneData = {"mail.example.test. A 192.0.2.99",
+                           "here.example.test. CNAME far.example.test."};
     configure(settings);
     EXPECT_THAT(ask(RecordType::A, "mail.example.test").records(),
                 ElementsAre("\xc0\x00\x02\x63"s));
@@ -229,6 +230,28 @@ TEST_F(ResolverSilenceTest, SettingsMayGoWhileALookUpWaitsForASilentServer) {
     configure(off);
     EXPECT_TRUE(pending.wait().isEmpty());
     EXPECT_EQ(late(), 1U);
+}
+
+// The file has no place for a port, so the server must sit on the privileged one.
+TEST_F(ResolverSilenceTest, SystemModeAsksTheServersOfItsFile) {
+    std::optional<SilentDnsServer> server;
+    try {
+        server.emplace("127.34.56.78", 53);
+    } catch (std::system_error const& error) {
+        GTEST_SKIP() << "port 53 is not to be had: " << error.what();
+    }
+    ResolverSettings settings;
+    settings.m_systemFile = testing::TempDir() + "qv-resolv.conf";
+    settings.m_deadline = shortDeadline;
+    std::ofstream(settings.m_systemFile)
+        << "# a comment\nsearch example.test\nnameserver 127.34.56.78\noptions ndots:1\n";
+    configure(settings);
+    EXPECT_FALSE(resolves("mail"));
+    EXPECT_EQ(late(), 1U);
+    EXPECT_THAT(server->takeQuestions(),
+                testing::AllOf(testing::Not(testing::IsEmpty()), testing::Each("mail.")))
+        << "names are complete: the search list does not count";
+    std::remove(settings.m_systemFile.c_str());
 }
 
 struct UnaskedRow {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// LoopbackSocket: a socket bound to 127.0.0.1, owned. Errors are std::system_error.
+// LoopbackSocket: a socket bound to a loopback address, owned. Errors are std::system_error.
 #pragma once
 
 #include <arpa/inet.h>
@@ -18,12 +18,13 @@ namespace Quorvane::Testing {
 class LoopbackSocket {
   public:
     // `type` SOCK_DGRAM or SOCK_STREAM; port 0 takes a free one.
-    LoopbackSocket(int type, int port) : m_socket(socket(AF_INET, type | SOCK_CLOEXEC, 0)) {
-        sockaddr_in const address = loopback(port);
+    LoopbackSocket(int type, int port, char const* host = "127.0.0.1")
+        : m_socket(socket(AF_INET, type | SOCK_CLOEXEC, 0)) {
+        sockaddr_in const address = loopback(port, host);
         if (bind(m_socket, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
             int const error = errno;
             close(m_socket);
-            throw std::system_error(error, std::generic_category(), "bind to 127.0.0.1");
+            throw std::system_error(error, std::generic_category(), std::string("bind to ") + host);
         }
     }
     LoopbackSocket(LoopbackSocket const&) = delete;
@@ -38,7 +39,7 @@ class LoopbackSocket {
     }
 
     void sendTo(int port, std::string const& packet) const {
-        sockaddr_in const address = loopback(port);
+        sockaddr_in const address = loopback(port, "127.0.0.1");
         sendto(m_socket, packet.data(), packet.size(), 0,
                reinterpret_cast<sockaddr const*>(&address), sizeof address);
     }
@@ -56,11 +57,11 @@ class LoopbackSocket {
     }
 
   private:
-    static sockaddr_in loopback(int port) {
+    static sockaddr_in loopback(int port, char const* host) {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_port = htons(static_cast<std::uint16_t>(port));
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        inet_pton(AF_INET, host, &address.sin_addr);
         return address;
     }
 
