@@ -51,7 +51,7 @@ class Folder {
 
     std::string path() const { return m_path; }
     std::string write(std::string const& text) const {
-        auto const file = m_path + "/patterns";
+        auto file = m_path + "/patterns";
         std::ofstream(file, std::ios::binary) << text;
         return file;
     }
