@@ -33,6 +33,23 @@ struct DecompileOptions {
 };
 int decompile(DecompileOptions const& options);
 
+struct CheckOptions {
+    std::string m_path;
+    std::string m_format = "text";
+};
+int check(CheckOptions const& options);
+
+struct InstallOptions {
+    // Rule text or folder; empty for a rollback.
+    std::string m_source;
+    // Put before the fixed rule directory, as an installer's DESTDIR.
+    std::string m_root;
+    bool m_isRollback = false;
+    // Installs what can be loaded although check finds errors.
+    bool m_isForced = false;
+};
+int install(InstallOptions const& options);
+
 int listAttributes();
 
 } // namespace Quorvane::RulesApp

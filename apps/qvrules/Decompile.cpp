@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
+#include "rules/check/Checker.h"
 #include "rules/language/RuleText.h"
 #include "rules/model/Files.h"
 #include "rules/model/RuleFolder.h"
@@ -9,11 +10,18 @@
 namespace Quorvane::RulesApp {
 
 int decompile(DecompileOptions const& options) {
-    auto const text = Rules::ruleText(Rules::readFolder(options.m_folder));
+    auto const set = Rules::readFolder(options.m_folder);
+    auto const text = Rules::ruleText(set);
     if (options.m_source == "-") {
         std::cout << text;
     } else {
         Rules::replaceFile(options.m_source, text);
+    }
+    if (auto const problem = Rules::loadProblem(set)) {
+        std::cerr << options.m_folder
+                  << ": engines refuse these rules, and compile refuses the text "
+                  << "until it is mended: " << *problem << '\n';
+        return ExitStatus::findings;
     }
     return ExitStatus::well;
 }

@@ -32,8 +32,8 @@ constexpr bool hasLiteralValue(std::size_t attribute) {
            attribute == Attribute::deepHeloDynamic;
 }
 
-// Whether `word` may stand for a value of this attribute. An open attribute takes other numbers too,
-// but no other words.
+// Whether `word` may stand for a value of this attribute. An open attribute takes other numbers
+// too, but no other words.
 constexpr bool takesWord(AttributeFacts const& facts, ValueWord const& word) {
     AttributeValues const listed{facts.m_values.m_codes};
     if (facts.m_values.m_isCounter || !listed.contains(word.m_code)) {

@@ -73,17 +73,10 @@ bool s_writeAll(int fd, std::string_view content) {
     return true;
 }
 
-// Writes and syncs; on failure the half-made file is removed before the error is thrown.
-void s_fill(int fd, fs::path const& temporary, fs::path const& path, std::string_view content) {
+bool s_fill(int fd, std::string_view content) {
     Descriptor file(fd);
-    auto const isWritten = s_writeAll(file.get(), content) && ::fchmod(file.get(), 0644) == 0 &&
-                           ::fsync(file.get()) == 0 && file.close() &&
-                           ::rename(temporary.c_str(), path.c_str()) == 0;
-    if (!isWritten) {
-        auto const error = errno;
-        ::unlink(temporary.c_str());
-        s_fail(Kind::cannotWrite, path, "cannot be written", error);
-    }
+    return s_writeAll(file.get(), content) && ::fchmod(file.get(), 0644) == 0 &&
+           ::fsync(file.get()) == 0 && file.close();
 }
 
 fs::path s_folderOf(fs::path const& path) {
@@ -110,13 +103,35 @@ Bytes readFile(fs::path const& path) {
     s_fail(Kind::noInput, path, "cannot be opened", ENOENT);
 }
 
-void replaceFile(fs::path const& path, std::string_view content) {
-    auto pattern = (s_folderOf(path) / ("." + path.filename().string() + ".XXXXXX")).string();
-    auto const fd = ::mkostemp(pattern.data(), O_CLOEXEC);
+StagedFile::StagedFile(fs::path path, std::string_view content)
+    : m_path(std::move(path)),
+      m_temporary((s_folderOf(m_path) / ("." + m_path.filename().string() + ".XXXXXX")).string()) {
+    auto const fd = ::mkostemp(m_temporary.data(), O_CLOEXEC);
     if (fd < 0) {
-        s_fail(Kind::cannotWrite, path, "cannot be written", errno);
+        s_fail(Kind::cannotWrite, m_path, "cannot be written", errno);
     }
-    s_fill(fd, pattern, path, content);
+    if (!s_fill(fd, content)) {
+        auto const error = errno;
+        ::unlink(m_temporary.c_str());
+        s_fail(Kind::cannotWrite, m_path, "cannot be written", error);
+    }
+}
+
+StagedFile::~StagedFile() {
+    if (!m_temporary.empty()) {
+        ::unlink(m_temporary.c_str());
+    }
+}
+
+void StagedFile::putInPlace() {
+    if (::rename(m_temporary.c_str(), m_path.c_str()) != 0) {
+        s_fail(Kind::cannotWrite, m_path, "cannot be replaced", errno);
+    }
+    m_temporary.clear();
+}
+
+void replaceFile(fs::path const& path, std::string_view content) {
+    StagedFile(path, content).putInPlace();
     syncFolder(s_folderOf(path));
 }
 

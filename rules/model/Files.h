@@ -22,6 +22,23 @@ std::optional<Bytes> readFileIfThere(std::filesystem::path const& path);
 // The same; no such file is an error.
 Bytes readFile(std::filesystem::path const& path);
 
+// A new file written and synced beside the old one, mode 644, waiting to replace it.
+class StagedFile {
+  public:
+    StagedFile(std::filesystem::path path, std::string_view content);
+    StagedFile(StagedFile const&) = delete;
+    StagedFile& operator=(StagedFile const&) = delete;
+    // Removes the new file unless it was put in place.
+    ~StagedFile();
+
+    // Renames the new file over the old one. The folder is not synced.
+    void putInPlace();
+
+  private:
+    std::filesystem::path m_path;
+    std::string m_temporary;
+};
+
 // Puts `content` at `path` in one step: a reader finds the old file or the whole new one, also
 // after a power cut. The new file is written beside the old one, synced and renamed over it, mode
 // 644.

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvrules/FindingOutput.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace Quorvane::RulesApp {
+
+namespace {
+
+using Rules::Finding;
+using Rules::Findings;
+using Rules::LoadedRules;
+using Rules::Position;
+
+char const* s_severity(Finding const& finding) {
+    return finding.m_severity == Finding::Severity::error ? "error" : "warning";
+}
+
+char const* s_fileName(Finding::File file) {
+    switch (file) {
+    case Finding::File::readme:
+        return versionFileName;
+    case Finding::File::tree:
+        return treeFileName;
+    case Finding::File::elite:
+        break;
+    }
+    return eliteFileName;
+}
+
+template<typename T>
+T s_at(std::vector<T> const& list, std::int32_t index) {
+    auto const isInside = index >= 0 && std::cmp_less(index, list.size());
+    return isInside ? list[static_cast<std::size_t>(index)] : T();
+}
+
+Position s_elitePosition(Rules::RulePlaces const& places, Finding const& finding) {
+    if (!finding.m_number) {
+        return places.m_eliteHeader;
+    }
+    auto const rule = *finding.m_number - 1;
+    return finding.m_condition ? s_at(s_at(places.m_conditions, rule), *finding.m_condition - 1)
+                               : s_at(places.m_rules, rule);
+}
+
+// The place in the text; line 0 when there is none.
+Position s_position(LoadedRules const& rules, Finding const& finding) {
+    if (!rules.m_isText) {
+        return {};
+    }
+    switch (finding.m_file) {
+    case Finding::File::readme:
+        return rules.m_places.m_version;
+    case Finding::File::tree:
+        return finding.m_number ? s_at(rules.m_places.m_nodes, *finding.m_number) : Position();
+    case Finding::File::elite:
+        break;
+    }
+    return s_elitePosition(rules.m_places, finding);
+}
+
+// "node 5", "elite rule 3, condition 2"; empty for a whole file.
+std::string s_where(Finding const& finding) {
+    if (!finding.m_number) {
+        return "";
+    }
+    auto const isNode = finding.m_file == Finding::File::tree;
+    auto text = (isNode ? "node " : "elite rule ") + std::to_string(*finding.m_number);
+    return finding.m_condition ? text + ", condition " + std::to_string(*finding.m_condition)
+                               : text;
+}
+
+std::string s_fileOf(std::string const& path, LoadedRules const& rules, Finding const& finding) {
+    return rules.m_isText ? path
+                          : (std::filesystem::path(path) / s_fileName(finding.m_file)).string();
+}
+
+std::string s_line(std::string const& path, LoadedRules const& rules, Finding const& finding) {
+    auto text = s_fileOf(path, rules, finding);
+    auto const [line, column] = s_position(rules, finding);
+    if (line != 0) {
+        text += ':' + std::to_string(line) + ':' + std::to_string(column);
+    }
+    text += std::string(": ") + s_severity(finding) + ": ";
+    auto const where = s_where(finding);
+    text += where.empty() ? "" : where + ": ";
+    return text + finding.m_problem + "; " + finding.m_advice + " [" + finding.m_id + "]\n";
+}
+
+std::ptrdiff_t s_count(Findings const& findings, Finding::Severity severity) {
+    return std::count_if(findings.begin(), findings.end(), [severity](Finding const& finding) {
+        return finding.m_severity == severity;
+    });
+}
+
+std::string s_amount(std::ptrdiff_t count, std::string const& what) {
+    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
+nlohmann::ordered_json s_numberOrNull(std::size_t number) {
+    return number == 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(number);
+}
+
+nlohmann::ordered_json s_json(std::string const& path, LoadedRules const& rules,
+                              Finding const& finding) {
+    auto const position = s_position(rules, finding);
+    auto const isNode = finding.m_file == Finding::File::tree;
+    nlohmann::ordered_json json;
+    json["severity"] = s_severity(finding);
+    json["id"] = finding.m_id;
+    json["file"] = s_fileOf(path, rules, finding);
+    json["line"] = s_numberOrNull(position.m_line);
+    json["column"] = s_numberOrNull(position.m_column);
+    json["node"] = nullptr;
+    json["rule"] = nullptr;
+    json["condition"] = nullptr;
+    if (finding.m_number) {
+        json[isNode ? "node" : "rule"] = *finding.m_number;
+    }
+    if (finding.m_condition) {
+        json["condition"] = *finding.m_condition;
+    }
+    json["problem"] = finding.m_problem;
+    json["advice"] = finding.m_advice;
+    return json;
+}
+
+} // namespace
+
+std::string findingsAsText(std::string const& path, LoadedRules const& rules,
+                           Findings const& findings) {
+    std::string text;
+    for (auto const& finding : findings) {
+        text += s_line(path, rules, finding);
+    }
+    if (findings.empty()) {
+        return path + ": no findings\n";
+    }
+    return text + path + ": " + s_amount(s_count(findings, Finding::Severity::error), "error") +
+           ", " + s_amount(s_count(findings, Finding::Severity::warning), "warning") + '\n';
+}
+
+std::string findingsAsJson(std::string const& path, LoadedRules const& rules,
+                           Findings const& findings) {
+    nlohmann::ordered_json json;
+    json["path"] = path;
+    json["errors"] = s_count(findings, Finding::Severity::error);
+    json["warnings"] = s_count(findings, Finding::Severity::warning);
+    json["findings"] = nlohmann::ordered_json::array();
+    for (auto const& finding : findings) {
+        json["findings"].push_back(s_json(path, rules, finding));
+    }
+    // A path is bytes and need not be UTF-8.
+    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+}
+
+} // namespace Quorvane::RulesApp

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The checker: everything in a rule set that a loader would reject or drop, that the tree walk has
+// to guard against, or that can never do anything for any message.
+//
+// It reasons with the attribute table: a test holds only for values that the engine can write, and
+// attributes are taken as independent of one another, so it never calls a test impossible that a
+// message could pass.
+#pragma once
+
+#include "rules/check/Finding.h"
+#include "rules/model/RuleSet.h"
+
+namespace Quorvane::Rules {
+
+// All findings: README, elite rules in their order, then the tree by node.
+Findings checkRules(RuleSet const& set);
+
+// Whether a host can load the set; the reason when not.
+std::optional<std::string> loadProblem(RuleSet const& set);
+
+} // namespace Quorvane::Rules

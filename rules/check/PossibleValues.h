@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a message can still look like behind a number of tests: the values that the engine can write
+// into an attribute and that the tests leave over. A value; small when copied, since paths are.
+#pragma once
+
+#include "rules/format/AttributeTable.h"
+#include "rules/format/RuleFiles.h"
+
+#include <vector>
+
+namespace Quorvane::Rules {
+
+class PossibleValues {
+  public:
+    // Whether some message passes all tests so far and this one too.
+    // REQUIRES: test.attribute is 0..37.
+    bool admits(EliteCondition const& test) const;
+    // Goes on with the messages that pass the test, or with those that do not.
+    void assume(EliteCondition const& test, bool holds = true);
+
+  private:
+    // The tests so far, as "equals" (0) and "differs" (1).
+    std::vector<EliteCondition> m_tests;
+};
+
+// The test that stands on a node.
+EliteCondition testOf(DTNode const& node);
+bool isAttribute(std::int32_t index);
+
+} // namespace Quorvane::Rules
