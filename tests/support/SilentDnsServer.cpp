@@ -2,6 +2,7 @@
 #include "support/SilentDnsServer.h"
 
 #include <cctype>
+#include <stdexcept>
 
 namespace Quorvane::Testing {
 namespace {
@@ -23,6 +24,9 @@ std::string s_questionName(std::string const& packet) {
     return name;
 }
 
+// Far longer than a question takes on a loaded machine.
+constexpr std::chrono::seconds s_patience{60};
+
 } // namespace
 
 std::string SilentDnsServer::address() const {
@@ -38,6 +42,18 @@ std::vector<std::string> SilentDnsServer::takeQuestions() {
         }
         names.push_back(s_questionName(packet));
     }
+}
+
+std::vector<std::string> SilentDnsServer::takeQuestionsUntil(std::string const& name) {
+    std::vector<std::string> names;
+    while (names.empty() || names.back() != name) {
+        std::string const packet = m_socket.receive(s_patience);
+        if (packet.empty()) {
+            throw std::runtime_error("nobody asks for " + name);
+        }
+        names.push_back(s_questionName(packet));
+    }
+    return names;
 }
 
 } // namespace Quorvane::Testing

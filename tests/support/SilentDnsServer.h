@@ -24,6 +24,10 @@ class SilentDnsServer {
     // The names, lower-cased, of the questions that have arrived since the last call.
     std::vector<std::string> takeQuestions();
 
+    // The same, waiting until a question for `name` ("mail.example.test.") has come. Throws
+    // std::runtime_error when it never does.
+    std::vector<std::string> takeQuestionsUntil(std::string const& name);
+
   private:
     LoopbackSocket m_socket;
 };
