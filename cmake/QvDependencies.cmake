@@ -8,6 +8,7 @@ find_package(spdlog REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
 pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET gmime-3.0)
+pkg_check_modules(LIBARCHIVE REQUIRED IMPORTED_TARGET libarchive)
 pkg_check_modules(RE2 REQUIRED IMPORTED_TARGET re2)
 
 # tomlplusplus ships no imported target in every release; its header is all there is.

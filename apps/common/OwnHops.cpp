@@ -22,11 +22,11 @@ bool s_cameFrom(std::vector<IPPrefix> const& own, Header const& header) {
     }
 }
 
-bool s_isReceived(Header const& header) {
+} // namespace
+
+bool isReceived(Header const& header) {
     return stringCompareNoCase(header.type(), "received", 0) == 0;
 }
-
-} // namespace
 
 EnteringTrail cutOffOwnHops(HeaderContainer const& headers, Header const& current,
                             std::vector<IPPrefix> const& own) {
@@ -44,8 +44,8 @@ EnteringTrail cutOffOwnHops(HeaderContainer const& headers, Header const& curren
     trail.m_headers = HeaderContainer();
     bool isCutting = true;
     for (auto const& header : headers.headers()) {
-        isCutting = isCutting && (!s_isReceived(header) || s_cameFrom(own, header));
-        if (isCutting && s_isReceived(header)) {
+        isCutting = isCutting && (!isReceived(header) || s_cameFrom(own, header));
+        if (isCutting && isReceived(header)) {
             trail.m_cutOff.push_back(header);
         } else {
             trail.m_headers.append(header);

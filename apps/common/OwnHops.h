@@ -13,6 +13,9 @@
 
 namespace Quorvane {
 
+// Whether the header is a hop of the trail.
+bool isReceived(Header const& header);
+
 struct EnteringTrail {
     HeaderContainer m_headers;
     Header m_current;

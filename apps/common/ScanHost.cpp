@@ -4,17 +4,12 @@
 #include "apps/common/HostSetup.h"
 #include "apps/common/OwnHops.h"
 #include "DeepHeaderScanner.h"
-#include "platform/Strings.h"
 
 #include <exception>
 
 namespace Quorvane {
 
 namespace {
-
-bool s_isReceived(Header const& header) {
-    return stringCompareNoCase(header.type(), "received", 0) == 0;
-}
 
 // The address of a relay as the scan reads it: a record that abandons its parse reads differently
 // at the second look, and the scan looks at the authentication mark first.
@@ -52,7 +47,7 @@ RefMessageProperties ScanHost::messageProperties(HeaderContainer const& headers,
         return properties;
     }
     for (auto const& header : headers.headers()) {
-        if (!s_isReceived(header)) {
+        if (!isReceived(header)) {
             continue;
         }
         auto const address = s_relayAddress(header);

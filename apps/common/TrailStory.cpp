@@ -3,7 +3,6 @@
 
 #include "apps/common/OwnHops.h"
 #include "MsgReceived.h"
-#include "platform/Strings.h"
 #include "platform/TrustedMTASet.h"
 
 #include <exception>
@@ -13,10 +12,6 @@ namespace Quorvane {
 namespace {
 
 constexpr std::uint32_t highestScore = 9;
-
-bool s_isReceived(Header const& header) {
-    return stringCompareNoCase(header.type(), "received", 0) == 0;
-}
 
 bool s_endsWalk(HopRole role) {
     return role == HopRole::endsByIPv6 || role == HopRole::endsByAntiSpam ||
@@ -140,7 +135,7 @@ std::vector<StoryHop> tellTrail(ScanHost const& host, HeaderContainer const& hea
         teller.tellCurrent(trail.m_current);
     }
     for (auto const& header : trail.m_headers.headers()) {
-        if (s_isReceived(header)) {
+        if (isReceived(header)) {
             teller.tell(header);
         }
     }

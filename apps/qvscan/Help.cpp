@@ -9,18 +9,19 @@ namespace Quorvane {
 namespace {
 
 constexpr std::string_view head = R"(Usage: qvscan [options] [PATH ...]
-Judges e-mail by its transport trail. PATH: message, mbox, Maildir, folder, - (standard input).
+Judges e-mail by its transport trail. PATH: a message, mbox, Maildir, folder of
+messages, gzip, xz or zstd file, or - (standard input; the default).
 )";
 
-constexpr std::string_view tail = R"(
-Defaults: spam 0.95, ham 0.95, support 0.15, elite level 1, score threshold 6, walk to leaf 1.
-Examples: qvscan strange.eml      qvscan --explain --dns off archive.mbox.xz
-          qvscan --format json --internal 192.0.2.0/24 ~/Maildir
-Exit status: 0 no spam, 1 spam, 64 usage, 65 no message, 66 cannot open, 78 settings or rules.
+constexpr std::string_view tail = R"(Examples:
+  qvscan --explain strange.eml
+  qvscan --format json --internal 192.0.2.0/24 ~/Maildir archive.mbox.xz
+Exit status: 0 no spam, 1 spam, 64 usage, 65 no message, 66 cannot be opened,
+74 cannot write, 78 bad settings or rules.
 )";
 
 std::string s_row(OptionRow const& row) {
-    constexpr std::size_t helpColumn = 31;
+    constexpr std::size_t helpColumn = 29;
     auto line = "  --" + std::string(row.m_name);
     if (!row.m_valueName.empty()) {
         line += " " + std::string(row.m_valueName);
@@ -41,8 +42,8 @@ std::string helpText() {
         }
         text += s_row(row);
     }
-    text += "  -h, --help                   show this\n"
-            "  --version                    show the version\n";
+    text += "  -h, --help                 show this\n"
+            "  --version                  show the version\n";
     return text + std::string(tail);
 }
 

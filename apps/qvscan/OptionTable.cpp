@@ -8,22 +8,17 @@ namespace Quorvane {
 namespace {
 
 constexpr OptionRow runOptions[] = {
-    {"format", "text|json|csv", "text (on a terminal), JSON Lines (else), CSV of attributes", false,
-     outputGroup},
+    {"format", "text|json|csv", "default: text on a terminal, else json", false, outputGroup},
     {"explain", "", "add the working record of the scan", false, outputGroup},
-    {"progress", "", "show progress (default: on a terminal, when work is long)", false,
-     outputGroup},
+    {"progress", "", "show progress (default: on a terminal)", false, outputGroup},
     {"no-progress", "", "show none", false, outputGroup},
     {"env-from", "A", "envelope sender, as the host knows it", false, messageGroup},
     {"header-from", "A", "author", false, messageGroup},
     {"recipient", "A", "recipient", false, messageGroup},
-    {"current-received", "TEXT", "value of the Received header about to be added", false,
-     messageGroup},
-    {"current-forged", "N", "its names are forged: 0 no, 1 yes, -1 ask DNS (default 0)", false,
-     messageGroup},
-    {"client-score", "N", "reputation score of the connecting client (default 0)", false,
-     messageGroup},
-    {"message-status", "N", "status of the message; rules see 3 (default 0)", false, messageGroup},
+    {"current-received", "TEXT", "Received header that is about to be added", false, messageGroup},
+    {"current-forged", "N", "are its names forged? 0, 1, or -1: ask DNS (0)", false, messageGroup},
+    {"client-score", "N", "reputation score of the client (0)", false, messageGroup},
+    {"message-status", "N", "status of the message; rules see 3 (0)", false, messageGroup},
     {"config", "FILE", "settings file (TOML); the command line wins", false, otherGroup},
     {"show-config", "", "print the settings in force and their origins", false, otherGroup},
 };

@@ -29,36 +29,29 @@ OrderedPool::~OrderedPool() {
 }
 
 bool OrderedPool::submit(InputItem item) {
-    m_open->m_bytes += item.m_headers.size();
-    m_open->m_items.push_back(std::move(item));
-    bool const isFull = m_open->m_items.size() >= batchItems || m_open->m_bytes >= batchBytes;
     std::unique_lock lock(m_mutex);
-    // A thread without work takes a batch that is not full: input may come slowly.
-    if (isFull || (m_queue.empty() && m_idle > 0)) {
-        flush(lock);
-    }
-    return !m_isStopped;
-}
-
-void OrderedPool::flush(std::unique_lock<std::mutex>& lock) {
     m_hasRoom.wait(lock, [this] {
         return m_isStopped || m_inOrder.empty() ||
                (m_inOrder.size() < m_maxBatches && m_bytes < maxWaitingBytes);
     });
+    m_open->m_bytes += item.m_headers.size();
+    m_open->m_items.push_back(std::move(item));
+    if (m_open->m_items.size() >= batchItems || m_open->m_bytes >= batchBytes) {
+        queueOpen();
+    }
+    m_hasWork.notify_one();
+    return !m_isStopped;
+}
+
+// REQUIRES: m_mutex is held.
+void OrderedPool::queueOpen() {
     m_bytes += m_open->m_bytes;
     m_queue.push_back(m_open.get());
     m_inOrder.push_back(std::move(m_open));
     m_open = std::make_unique<Batch>();
-    m_hasWork.notify_one();
 }
 
 void OrderedPool::finish() {
-    {
-        std::unique_lock lock(m_mutex);
-        if (!m_open->m_items.empty()) {
-            flush(lock);
-        }
-    }
     close();
     if (m_thrown) {
         std::rethrow_exception(m_thrown);
@@ -77,24 +70,32 @@ void OrderedPool::close() {
     m_threads.clear();
 }
 
+// The batch to work on next. A thread that would have to wait takes the open one, full or not:
+// input may come slowly. Null at the end. REQUIRES: m_mutex is held.
+OrderedPool::Batch* OrderedPool::nextBatch(std::unique_lock<std::mutex>& lock) {
+    m_hasWork.wait(lock,
+                   [this] { return m_isClosed || !m_queue.empty() || !m_open->m_items.empty(); });
+    if (m_queue.empty() && !m_open->m_items.empty()) {
+        queueOpen();
+    }
+    if (m_queue.empty()) {
+        return nullptr;
+    }
+    auto* const batch = m_queue.front();
+    m_queue.pop_front();
+    return batch;
+}
+
 void OrderedPool::run() {
     std::unique_lock lock(m_mutex);
-    for (;;) {
-        ++m_idle;
-        m_hasWork.wait(lock, [this] { return m_isClosed || !m_queue.empty(); });
-        --m_idle;
-        if (m_queue.empty()) {
-            return;
-        }
-        auto& batch = *m_queue.front();
-        m_queue.pop_front();
+    while (auto* const batch = nextBatch(lock)) {
         bool const isWanted = !m_isStopped;
         lock.unlock();
         if (isWanted) {
-            workOn(batch);
+            workOn(*batch);
         }
         lock.lock();
-        batch.m_isDone = true;
+        batch->m_isDone = true;
         deliver(lock);
     }
 }

@@ -54,7 +54,8 @@ class OrderedPool {
         bool m_isDone = false;
     };
 
-    void flush(std::unique_lock<std::mutex>& lock);
+    void queueOpen();
+    Batch* nextBatch(std::unique_lock<std::mutex>& lock);
     void run();
     void workOn(Batch& batch);
     void deliver(std::unique_lock<std::mutex>& lock);
@@ -71,7 +72,6 @@ class OrderedPool {
     std::deque<std::unique_ptr<Batch>> m_inOrder;
     std::deque<Batch*> m_queue;
     std::size_t m_bytes = 0;
-    std::size_t m_idle = 0;
     bool m_isDelivering = false;
     bool m_isClosed = false;
     bool m_isStopped = false;

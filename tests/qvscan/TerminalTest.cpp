@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a person sees: qvscan in a real terminal, played by tmux.
+#include "qvscan/ScanFixture.h"
+
+#include <cstdlib>
+
+namespace Quorvane::Testing {
+
+namespace {
+
+class Terminal : public ScanTest {
+  protected:
+    ~Terminal() override { tmux({"kill-server"}); }
+
+    // Runs a shell command in a terminal of 120 columns.
+    void start(std::string const& command) const {
+        auto const script = m_folder.write(
+            "run.sh", "trap : INT; " + command + "; echo \"status $?\"; " + QV_TMUX_PROGRAM +
+                          " -S " + socket() + " wait-for -S ended; exec cat\n");
+        tmux({"-f", "/dev/null", "new-session", "-d", "-x", "120", "-y", "40", "sh " + script});
+    }
+
+    // The screen with its escape sequences.
+    std::string capture() const { return tmux({"capture-pane", "-p", "-e"}); }
+
+    // Waits for the end of the command; the last screen.
+    std::string finish() const {
+        tmux({"wait-for", "ended"});
+        auto const text = capture();
+        tmux({"kill-server"});
+        return text;
+    }
+
+    std::string screen(std::string const& command) const {
+        start(command);
+        return finish();
+    }
+
+    std::string tmux(Arguments const& arguments) const {
+        Arguments all{"-S", socket()};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return runProgram(QV_TMUX_PROGRAM, all).m_output;
+    }
+
+    // qvscan with the fixture's rules.
+    std::string program() const {
+        return std::string(QV_SCAN_PROGRAM) + " --root " + root() + " --dns off ";
+    }
+
+    std::string mbox() const {
+        constexpr char separator[] = "From x@example.invalid Mon Jan  1 00:00:00 2024\n";
+        return m_folder.write("box", separator + spam() + "\n" + separator + ham() + "\n" +
+                                         separator + none());
+    }
+
+  private:
+    std::string socket() const { return m_folder.path() / "tmux"; }
+};
+
+// The text of a screen without escape sequences.
+std::string s_plain(std::string const& text) {
+    std::string plain;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '\x1B') {
+            at = text.find('m', at);
+        } else {
+            plain += text[at];
+        }
+    }
+    return plain;
+}
+
+TEST_F(Terminal, ShowsAlignedColouredText) {
+    auto const box = mbox();
+    auto const text = screen(program() + box);
+    EXPECT_NE(text.find("\x1B[31mspam"), std::string::npos) << text;
+    EXPECT_NE(text.find("\x1B[32mham"), std::string::npos) << text;
+    auto const plain = s_plain(text);
+    EXPECT_NE(plain.find("spam  0.99    3      192.0.2.7                        " + box +
+                         ":1\n"
+                         "ham   0.02    4      192.0.2.7                        " +
+                         box +
+                         ":2\n"
+                         "none  0.5     5      192.0.2.7                        " +
+                         box +
+                         ":3\n"
+                         "status 1\n"),
+              std::string::npos)
+        << plain;
+}
+
+TEST_F(Terminal, NoColorMeansNoColour) {
+    auto const text = screen("NO_COLOR=1 " + program() + mbox());
+    EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
+    EXPECT_NE(text.find("spam  0.99"), std::string::npos) << text;
+    EXPECT_NE(screen("NO_COLOR= " + program() + mbox()).find("\x1B[31mspam"), std::string::npos);
+}
+
+TEST_F(Terminal, FormatAskedForIsTheFormat) {
+    EXPECT_NE(screen(program() + "--format json " + mbox()).find("{\"source\":"),
+              std::string::npos);
+}
+
+// The terminal's driver turns the key into a signal. The program has shown its first record and
+// waits for the rest of its input, a pipe that stays open.
+TEST_F(Terminal, ControlCEndsIt) {
+    auto const pipe = (m_folder.path() / "pipe").string();
+    ASSERT_EQ(std::system(("mkfifo " + pipe).c_str()), 0);
+    start(program() + mbox() + " " + pipe);
+    while (capture().find(":3") == std::string::npos) {
+    }
+    tmux({"send-keys", "C-c"});
+    EXPECT_NE(s_plain(finish()).find("status 130"), std::string::npos);
+}
+
+} // namespace
+
+} // namespace Quorvane::Testing
