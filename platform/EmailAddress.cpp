@@ -76,7 +76,7 @@ InternetAddressMailbox* s_firstMailbox(InternetAddressList* list) {
 
 EmailAddress EmailAddress::rfc5322Parse(std::string const& text, bool lenient) {
     EmailAddress result;
-    auto const prepared = internal::prepareAddressText(text);
+    auto const prepared = internal::prepareAddressText(text, lenient);
     if (!prepared) {
         return result;
     }

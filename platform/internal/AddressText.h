@@ -33,8 +33,9 @@ struct AddressText {
 // A-labels of a domain ("xn--...") into Unicode, while the rules compare domains as they stand in
 // the message; and it decodes the display name, which nobody here reads, with whatever character
 // set the sender names. Empty for text that holds no usable address: one with a NUL byte, one
-// without a place to cut, or one that leaves no byte to hide with.
-std::optional<AddressText> prepareAddressText(std::string const& header);
+// without a place to cut, or one that leaves no byte to hide with. Without `lenient`, text from the
+// first address on whose brackets are not in order is left out (AddressBrackets.h).
+std::optional<AddressText> prepareAddressText(std::string const& header, bool lenient);
 
 // A local part without quotation marks and the backslashes and line breaks inside them.
 std::string unquoted(std::string const& localPart);

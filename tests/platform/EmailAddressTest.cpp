@@ -173,6 +173,29 @@ TEST(EmailAddress, lenientAcceptsTheCommonDeviations) {
     }
 }
 
+TEST(EmailAddress, strictlyABracketOutOfPlaceEndsTheListThatCounts) {
+    for (auto const* const text :
+         {"a@b.example>", "a@b.example<", "Name <a@b.example", "a@b.example <c@d.example>",
+          "<a@b.example,c@d.example>", "<a@b.example;>", "<a@b.example:25>", "<<a@b.example>>",
+          "(a@b.example", "\"Name <a@b.example>", "Name [x] <a@b.example>", "a@[192.0.2.1"}) {
+        SCOPED_TRACE(text);
+        EXPECT_TRUE(EmailAddress::rfc5322Parse(text, false).isNull());
+        auto const behindAnother = std::string("first@host.example, ") + text;
+        EXPECT_EQ("host.example", EmailAddress::rfc5322Parse(behindAnother, false).domain());
+    }
+}
+
+TEST(EmailAddress, strictlyBracketsInPlaceAreFine) {
+    for (auto const* const text :
+         {"\"<:,;[(\\\"\" <a@host.example>", "(<\\)[,>) a@host.example",
+          "<@r.example, @s.example : a@host.example>", "a@host.example (]>)",
+          "Name (x) <a@host.example> (y)", "g: <a@host.example>, <b@c>;"}) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ("host.example", EmailAddress::rfc5322Parse(text, false).domain());
+    }
+    EXPECT_EQ("[192.0.2.1]", EmailAddress::rfc5322Parse("a@ (x) [192.0.2.1]", false).domain());
+}
+
 TEST(EmailAddress, theFirstAddressOfALongListCounts) {
     auto const list = s_repeated("\"Doe, J.\" <someone@host.example> (Doe),\r\n ", 100000);
     EXPECT_EQ("host.example", s_parse(list).domain());

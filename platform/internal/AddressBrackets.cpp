@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/internal/AddressBrackets.h"
+
+namespace Quorvane::internal {
+
+namespace {
+
+class BracketScan {
+  public:
+    explicit BracketScan(std::string_view text) : m_text(text) {}
+
+    std::size_t wellBracketedLength() {
+        while (m_position < m_text.size()) {
+            if (!step(m_text[m_position++])) {
+                return m_addressStart;
+            }
+        }
+        return m_isOpen ? m_addressStart : m_text.size();
+    }
+
+  private:
+    // All of these are false when a bracket is out of place, or a separator within brackets.
+    bool step(char c) {
+        bool const inPlace = isInPlace(c);
+        bool const isFiller = c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '(';
+        m_before = isFiller ? m_before : c;
+        return inPlace;
+    }
+
+    bool isInPlace(char c) {
+        switch (c) {
+        case '"':
+            return skipPast('"');
+        case '(':
+            return skipComment();
+        case '[':
+            return m_before == '@' && skipPast(']');
+        case '<':
+            return open();
+        case '>':
+            return close();
+        default:
+            return m_isOpen ? isInPath(c) : isOutside(c);
+        }
+    }
+
+    bool skipPast(char end) {
+        while (m_position < m_text.size()) {
+            char const c = m_text[m_position++];
+            if (c == end) {
+                return true;
+            }
+            m_position += c == '\\' ? 1U : 0U;
+        }
+        return false;
+    }
+
+    bool skipComment() {
+        for (int depth = 1; m_position < m_text.size();) {
+            char const c = m_text[m_position++];
+            m_position += c == '\\' ? 1U : 0U;
+            depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+            if (depth == 0) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    bool open() {
+        if (m_isOpen || m_wasOpen || m_sawAt) {
+            return false;
+        }
+        m_isOpen = true;
+        m_isRoute = false;
+        return true;
+    }
+
+    bool close() {
+        if (!m_isOpen) {
+            return false;
+        }
+        m_isOpen = false;
+        m_wasOpen = true;
+        return true;
+    }
+
+    // Separators inside angle brackets belong to a route:
+    // "<@relay.example,@next.example:user@host>".
+    bool isInPath(char c) {
+        if (c == '@' && m_before == '<') {
+            m_isRoute = true;
+        }
+        bool const inPlace = c == ',' || c == ':' ? m_isRoute : c != ';';
+        m_isRoute = m_isRoute && c != ':';
+        return inPlace;
+    }
+
+    bool isOutside(char c) {
+        if (c == '@') {
+            m_sawAt = true;
+        } else if (c == ',' || c == ':' || c == ';') {
+            m_addressStart = m_position;
+            m_sawAt = m_wasOpen = false;
+        }
+        return true;
+    }
+
+    std::string_view m_text;
+    std::size_t m_position = 0;
+    // Of the address under way.
+    std::size_t m_addressStart = 0;
+    char m_before = '\0'; // the last byte that is no blank and in no comment
+    bool m_isOpen = false;
+    bool m_isRoute = false;
+    bool m_wasOpen = false;
+    bool m_sawAt = false;
+};
+
+} // namespace
+
+std::size_t wellBracketedLength(std::string_view text) {
+    return BracketScan(text).wellBracketedLength();
+}
+
+} // namespace Quorvane::internal
