@@ -6,7 +6,7 @@
 
 namespace Quorvane::RulesApp {
 
-int listAttributes() {
+int listAttributes(AttributesOptions const& /*options*/) {
     std::cout << Rules::attributePage();
     return ExitStatus::well;
 }

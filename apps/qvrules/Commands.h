@@ -50,6 +50,7 @@ struct InstallOptions {
 };
 int install(InstallOptions const& options);
 
-int listAttributes();
+struct AttributesOptions {};
+int listAttributes(AttributesOptions const& options);
 
 } // namespace Quorvane::RulesApp

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // qvrules: the command line. The only source that includes CLI11, which compiles slowly.
+#include "apps/common/ValueNames.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/OptionTable.h"
 #include "rules/model/RuleError.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <iostream>
+#include <memory>
+#include <type_traits>
 
 namespace Quorvane::RulesApp {
 
@@ -28,75 +32,62 @@ constexpr char examples[] =
 // What to run once the command line has been read.
 using Action = std::function<int()>;
 
-// A command with its example, and options of type Options that `run` gets.
+// A command of the table while its arguments are tied to the members of Options that they fill.
 template<typename Options>
-std::pair<CLI::App*, std::shared_ptr<Options>>
-s_addCommand(CLI::App& app, Action& action, char const* name, char const* description,
-             int (*run)(Options const&)) {
-    auto const command = app.add_subcommand(name, description);
-    auto options = std::make_shared<Options>();
-    command->callback(
-        [options, run, &action] { action = [options, run] { return run(*options); }; });
-    return {command, std::move(options)};
-}
+class Command {
+  public:
+    Command(CLI::App& app, Action& action, char const* name, int (*run)(Options const&))
+        : m_row(commandRow(name)), m_command(app.add_subcommand(m_row.m_name, m_row.m_summary)),
+          m_options(std::make_shared<Options>()) {
+        m_command->footer(m_row.m_footer);
+        m_command->callback([options = m_options, run, &action] {
+            action = [options, run] { return run(*options); };
+        });
+    }
 
-void s_addCompile(CLI::App& app, Action& action) {
-    auto const [command, options] =
-        s_addCommand(app, action, "compile", "Make rule files of a rule text", compile);
-    command->add_option("SRC", options->m_source, "Rule text")->required()->type_name("");
-    command->add_option("-o,--output", options->m_folder, "Folder for README, qv.dt and qv2.dt")
-        ->required()
-        ->type_name("DIR");
-    command->footer("Each file is replaced in one step; files that the rules do not have are\n"
-                    "removed. For a folder that running hosts read use \"qvrules install\".\n\n"
-                    "Example: qvrules compile my.qvr -o /tmp/rules");
-}
+    template<typename Value>
+    Command& tie(char const* names, Value Options::*member) {
+        auto const& row = argumentRow(m_row, names);
+        auto& value = (*m_options).*member;
+        if constexpr (std::is_same_v<Value, bool>) {
+            m_command->add_flag(row.m_names, value, row.m_help);
+        } else {
+            describe(*m_command->add_option(row.m_names, value, row.m_help), row);
+        }
+        return *this;
+    }
 
-void s_addDecompile(CLI::App& app, Action& action) {
-    auto const [command, options] =
-        s_addCommand(app, action, "decompile", "Make a rule text of rule files", decompile);
-    command->add_option("DIR", options->m_folder, "Folder with qv.dt, qv2.dt and README")
-        ->required()
-        ->type_name("");
-    command->add_option("-o,--output", options->m_source, "Rule text to write (default: to stdout)")
-        ->type_name("SRC");
-    command->footer("Compiling the text gives the same bytes, whatever the files hold.\n\n"
-                    "Example: qvrules decompile /var/spool/etc/antispam -o now.qvr");
-}
+  private:
+    static void describe(CLI::Option& option, ArgumentRow const& row) {
+        option.required(row.m_isRequired);
+        option.type_name(row.isOption() ? row.m_valueName : "");
+        auto const literals = literalsOf(row.m_valueName);
+        if (!literals.empty() && literals == alternativesOf(row.m_valueName)) {
+            option.check(CLI::IsMember(literals).description(""));
+        }
+    }
 
-void s_addCheck(CLI::App& app, Action& action) {
-    auto const [command, options] =
-        s_addCommand(app, action, "check", "Find what is wrong with rules", check);
-    command->add_option("PATH", options->m_path, "Rule text, or folder with rule files")
-        ->required()
-        ->type_name("");
-    command->add_option("--format", options->m_format, "text for people, json for programs")
-        ->check(CLI::IsMember({"text", "json"}).description(""))
-        ->type_name("text|json");
-    command->footer("Finds what engines refuse or drop, what the walk through the tree gives up\n"
-                    "at, and tests and rules that no message can ever satisfy.\n\n"
-                    "Example: qvrules check my.qvr --format json");
-}
+    CommandRow const& m_row;
+    CLI::App* m_command;
+    std::shared_ptr<Options> m_options;
+};
 
-void s_addInstall(CLI::App& app, Action& action) {
-    auto const [command, options] =
-        s_addCommand(app, action, "install", "Put rules in force under running hosts", install);
-    command->add_option("PATH", options->m_source, "Rule text, or folder with rule files")
-        ->type_name("");
-    command->add_option("--root", options->m_root, "Install below DIR instead of /")
-        ->type_name("DIR");
-    command->add_flag("--rollback", options->m_isRollback, "Bring the previous rules back");
-    command->add_flag("--force", options->m_isForced, "Install in spite of errors, if it loads");
-    command->footer("The rules go to /var/spool/etc/antispam with a version that grows, so that\n"
-                    "hosts take them up when they next look. The rules before are kept.\n\n"
-                    "Examples: qvrules install my.qvr\n"
-                    "          qvrules install --rollback --root /srv/test");
-}
-
-void s_addAttributes(CLI::App& app, Action& action) {
-    app.add_subcommand("attributes", "List what rules can test, as Markdown")->callback([&action] {
-        action = listAttributes;
-    });
+void s_addCommands(CLI::App& app, Action& action) {
+    Command(app, action, "compile", compile)
+        .tie("SRC", &CompileOptions::m_source)
+        .tie("-o,--output", &CompileOptions::m_folder);
+    Command(app, action, "decompile", decompile)
+        .tie("DIR", &DecompileOptions::m_folder)
+        .tie("-o,--output", &DecompileOptions::m_source);
+    Command(app, action, "check", check)
+        .tie("PATH", &CheckOptions::m_path)
+        .tie("--format", &CheckOptions::m_format);
+    Command(app, action, "install", install)
+        .tie("PATH", &InstallOptions::m_source)
+        .tie("--root", &InstallOptions::m_root)
+        .tie("--rollback", &InstallOptions::m_isRollback)
+        .tie("--force", &InstallOptions::m_isForced);
+    Command(app, action, "attributes", listAttributes);
 }
 
 int s_status(Rules::RuleError::Kind kind) {
@@ -123,11 +114,7 @@ int s_run(int argc, char** argv) {
     Action action;
     app.set_version_flag("--version", "qvrules " QV_VERSION);
     app.require_subcommand(1);
-    s_addCompile(app, action);
-    s_addDecompile(app, action);
-    s_addCheck(app, action);
-    s_addInstall(app, action);
-    s_addAttributes(app, action);
+    s_addCommands(app, action);
     app.footer(examples);
     try {
         app.parse(argc, argv);

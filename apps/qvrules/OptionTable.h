@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The commands of qvrules and what each takes. The parser with its help, the man page and the
+// completions of the shells draw on it, so that they cannot drift apart. Constant; safe to read
+// from everywhere.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace Quorvane::RulesApp {
+
+struct ArgumentRow {
+    // "-o,--output", "--force"; without "-" for an argument that is known by its place.
+    char const* m_names;
+    // As ValueNames.h has it; empty for a flag.
+    char const* m_valueName;
+    char const* m_help;
+    bool m_isRequired = false;
+    bool m_isRepeatable = false;
+
+    constexpr bool isOption() const { return m_names[0] == '-'; }
+    constexpr bool isFlag() const { return m_valueName[0] == '\0'; }
+};
+
+struct CommandRow {
+    char const* m_name;
+    char const* m_summary;
+    std::span<ArgumentRow const> m_arguments;
+    // The end of the command's help: what else to know, and an example.
+    char const* m_footer = "";
+};
+
+// In the order of the help.
+std::span<CommandRow const> commandRows();
+// Both throw std::out_of_range when there is none: the program and its table disagree.
+CommandRow const& commandRow(std::string_view name);
+ArgumentRow const& argumentRow(CommandRow const& command, std::string_view names);
+
+} // namespace Quorvane::RulesApp
