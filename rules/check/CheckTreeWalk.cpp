@@ -44,6 +44,7 @@ class TreeWalkChecker {
             return;
         }
         root();
+        m_shut.at(treeRoot) = Shut::open; // every walk begins there
         walk(treeRoot, PossibleValues());
         reachable(treeRoot);
         if (m_steps < maxSteps) {
@@ -93,8 +94,7 @@ class TreeWalkChecker {
         }
         if (node.childCount < 1) {
             add(Severity::warning, "dead-end", number,
-                s_name(number) + " is no leaf and has no children: a message that gets here has no "
-                                 "verdict",
+                "it is no leaf and has no children: a message that gets here has no verdict",
                 "make it a leaf, or give it children");
         } else if (node.childCount > maxChildren) {
             add(Severity::error, "child-count", number,
@@ -130,6 +130,7 @@ class TreeWalkChecker {
                 "node 0 is a child, which no tree may have; the walk gives up here",
                 "name nodes of the file, 3 to 498");
         } else if (!isAttribute(at(child).attribute)) {
+            m_isReached.at(static_cast<std::size_t>(child)) = true; // and no further
             add(Severity::error, "child-attribute", child,
                 "attribute " + std::to_string(at(child).attribute) +
                     " does not exist; the walk gives up here",

@@ -40,6 +40,9 @@ EliteCondition s_plain(EliteCondition const& test, bool holds) {
 } // namespace
 
 bool PossibleValues::admits(EliteCondition const& test) const {
+    if (m_isNobody) {
+        return false;
+    }
     std::vector<EliteCondition> tests{s_plain(test, true)};
     std::copy_if(
         m_tests.begin(), m_tests.end(), std::back_inserter(tests),
@@ -49,7 +52,9 @@ bool PossibleValues::admits(EliteCondition const& test) const {
 }
 
 void PossibleValues::assume(EliteCondition const& test, bool holds) {
-    m_tests.push_back(s_plain(test, holds));
+    auto const plain = s_plain(test, holds);
+    m_isNobody = m_isNobody || !admits(plain);
+    m_tests.push_back(plain);
 }
 
 EliteCondition testOf(DTNode const& node) {

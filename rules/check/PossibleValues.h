@@ -22,6 +22,8 @@ class PossibleValues {
   private:
     // The tests so far, as "equals" (0) and "differs" (1).
     std::vector<EliteCondition> m_tests;
+    // Whether no message passes them.
+    bool m_isNobody = false;
 };
 
 // The test that stands on a node.

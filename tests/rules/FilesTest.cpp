@@ -3,7 +3,7 @@
 
 #include "rules/model/RuleError.h"
 #include "rules/model/RuleFolder.h"
-#include "TemporaryFolder.h"
+#include "support/TemporaryFolder.h"
 
 #include <atomic>
 #include <gtest/gtest.h>

@@ -82,7 +82,7 @@ inline Bytes genBytes(std::size_t below) {
 
 inline void genTree(RuleSet& set) {
     auto const count = *rc::gen::weightedOneOf<std::int32_t>(
-        {{8, rc::gen::inRange(0, 25)}, {1, rc::gen::inRange(0, maxTreeNodes + 1)}});
+        {{12, rc::gen::inRange(0, 25)}, {1, rc::gen::inRange(0, maxTreeNodes + 1)}});
     for (std::int32_t i = 0; i < count; ++i) {
         auto const isZero = i <= treeRoot && *rc::gen::arbitrary<bool>();
         set.m_nodes.push_back(isZero ? Rules::emptyNode() : genNode(count));
