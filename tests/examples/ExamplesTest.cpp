@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The working record of every example message, as qvscan --explain shows it with the starter rules
+// and the DNS data that goes with the examples, against the golden file beside this test.
+#include "support/Golden.h"
+#include "support/Program.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Quorvane::Testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+fs::path const examples = QV_EXAMPLES;
+fs::path const golden = QV_GOLDEN;
+
+// The names of the files in `folder` that end in `extension`, without it.
+std::vector<std::string> s_names(fs::path const& folder, std::string const& extension) {
+    std::vector<std::string> names;
+    for (auto const& entry : fs::directory_iterator(folder)) {
+        if (entry.path().extension() == extension) {
+            names.push_back(entry.path().stem());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+ProgramResult s_scan(std::vector<std::string> const& more) {
+    std::vector<std::string> arguments{
+        "--root", QV_STARTER_ROOT, "--dns-data", examples / "dns.zone", "--format", "json"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return runProgram(QV_SCAN_PROGRAM, arguments);
+}
+
+// One record, laid out for a reader of diffs. The folder of the checkout is no part of it.
+std::string s_picture(ProgramResult const& result, std::string const& name) {
+    auto record = Json::parse(result.m_output);
+    record["source"] = "examples/" + name + ".eml";
+    return record.dump(2) + '\n';
+}
+
+class Example : public testing::TestWithParam<std::string> {};
+
+TEST_P(Example, hasTheWorkingRecordThatWasApproved) {
+    auto const file = (examples / (GetParam() + ".eml")).string();
+    auto const result = s_scan({"--explain", file});
+    ASSERT_TRUE(result.m_status == 0 || result.m_status == 1) << result.m_errors;
+    expectGolden(golden / (GetParam() + ".json"), s_picture(result, GetParam()));
+}
+
+std::string s_testName(testing::TestParamInfo<std::string> const& info) {
+    auto name = info.param;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, Example, testing::ValuesIn(s_names(examples, ".eml")),
+                         s_testName);
+
+TEST(Examples, coverTheShapesOfManyMailServers) {
+    EXPECT_GE(s_names(examples, ".eml").size(), 24u);
+}
+
+TEST(Examples, leaveNoGoldenFileBehindWhenTheyGo) {
+    auto const expected = s_names(examples, ".eml");
+    for (auto const& name : s_names(golden, ".json")) {
+        if (!std::binary_search(expected.begin(), expected.end(), name) && isApproving()) {
+            fs::remove(golden / (name + ".json"));
+        }
+    }
+    if (!isApproving()) {
+        EXPECT_EQ(s_names(golden, ".json"), expected);
+    }
+}
+
+// Many at once, in one process and on several threads, give what each gives alone.
+TEST(Examples, areJudgedTogetherAsAlone) {
+    if (isApproving()) {
+        GTEST_SKIP() << "compares only";
+    }
+    std::vector<std::string> arguments{"--explain", "--jobs", "4"};
+    auto const names = s_names(examples, ".eml");
+    for (auto const& name : names) {
+        arguments.push_back(examples / (name + ".eml"));
+    }
+    auto const result = s_scan(arguments);
+    EXPECT_EQ(result.m_status, 1) << "some of the examples are spam; " << result.m_errors;
+    std::istringstream lines(result.m_output);
+    std::string line;
+    for (auto const& name : names) {
+        ASSERT_TRUE(std::getline(lines, line)) << name;
+        expectGolden(golden / (name + ".json"), s_picture({0, line, {}}, name));
+    }
+    EXPECT_FALSE(std::getline(lines, line)) << line;
+}
+
+// README shows what a newcomer sees; `./dev scan` runs the same command in the same folder.
+TEST(Examples, readAsInTheReadme) {
+    std::vector<std::string> arguments{"--root", QV_STARTER_ROOT, "--format",
+                                       "text",   "--dns-data",    "examples/dns.zone"};
+    for (auto const& name : s_names(examples, ".eml")) {
+        arguments.push_back("examples/" + name + ".eml");
+    }
+    auto const result = runProgram(QV_SCAN_PROGRAM, arguments);
+    auto const readme = (examples.parent_path() / "README.md").string();
+    auto text = readFile(readme);
+    std::string const fence = "\n```\n";
+    auto const start = text.find(fence) + fence.size();
+    text.replace(start, text.find("```", start) - start, result.m_output);
+    expectGolden(readme, text);
+}
+
+} // namespace
+} // namespace Quorvane::Testing
