@@ -17,7 +17,7 @@ namespace Quorvane::internal {
 // needs stack in proportion to the nesting of groups, so that a long run of "a:" would end the
 // process, and time in proportion to the square of the number of commas.
 inline constexpr std::size_t consideredBytes = 2048;
-inline constexpr std::size_t consideredSeparators = 64; // "," ":" ";"
+inline constexpr std::size_t consideredSeparators = 16; // "," ":" ";"
 
 struct AddressText {
     // For GMime; holds no NUL byte.

@@ -207,6 +207,13 @@ TEST(EmailAddress, anAddressBehindTheConsideredLengthIsNotSeen) {
     EXPECT_TRUE(s_parse(std::string(3000, ' ') + "a@host.example").isNull());
 }
 
+TEST(EmailAddress, separatorsBeyondTheConsideredNumberEndTheListThatCounts) {
+    EXPECT_EQ("host.example", s_parse(s_repeated("x, ", 45) + "a@host.example").domain());
+    EXPECT_TRUE(s_parse(s_repeated("x, ", 51) + "a@host.example, b@c.example").isNull());
+    auto const eightColons = std::string("\"a:b:c:d:e\" <u@[IPv6:2001:db8:0:1:2:3:4:5]>");
+    EXPECT_EQ("[IPv6:2001:db8:0:1:2:3:4:5]", s_parse(eightColons).domain());
+}
+
 TEST(EmailAddress, anAddressIsNeverCutInTwo) {
     for (std::size_t blanks = 2020; blanks < 2050; ++blanks) {
         auto const address = s_parse(std::string(blanks, ' ') + "a@host.example.org, b@c.example");
