@@ -17,7 +17,8 @@ using Rules::Finding;
 using Rules::Findings;
 
 std::filesystem::path s_folder(InstallOptions const& options) {
-    return options.m_root + ruleDirectory;
+    auto const relative = std::filesystem::path(ruleDirectory).relative_path();
+    return std::filesystem::path(options.m_root.empty() ? "/" : options.m_root) / relative;
 }
 
 void s_report(std::filesystem::path const& folder, Rules::Installation const& done) {

@@ -4,13 +4,17 @@
 #include "apps/common/ValueNames.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/OptionTable.h"
+#include "rules/language/Nearest.h"
 #include "rules/model/RuleError.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace Quorvane::RulesApp {
 
@@ -109,6 +113,22 @@ void s_complain(std::string const& text) {
     std::cerr << text << (hasEnd ? "" : "\n");
 }
 
+// What the parser would only call unexpected: a first word that is no command.
+bool s_rejectsCommand(int argc, char** argv) {
+    std::string_view const word = argc > 1 ? argv[1] : "-";
+    std::vector<std::string_view> names;
+    for (auto const& row : commandRows()) {
+        names.emplace_back(row.m_name);
+    }
+    auto const isKnown = std::find(names.begin(), names.end(), word) != names.end();
+    if (isKnown || word.substr(0, 1) == "-") {
+        return false;
+    }
+    s_complain("unknown command \"" + std::string(word) + '"' + Rules::didYouMean(word, names) +
+               "\nRun with --help for more information.");
+    return true;
+}
+
 int s_run(int argc, char** argv) {
     CLI::App app("Write, check and install the rules of Quorvane Deep Header.", "qvrules");
     Action action;
@@ -116,6 +136,9 @@ int s_run(int argc, char** argv) {
     app.require_subcommand(1);
     s_addCommands(app, action);
     app.footer(examples);
+    if (s_rejectsCommand(argc, argv)) {
+        return ExitStatus::usage;
+    }
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {

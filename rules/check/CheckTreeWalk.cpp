@@ -44,7 +44,6 @@ class TreeWalkChecker {
             return;
         }
         root();
-        m_shut.at(treeRoot) = Shut::open; // every walk begins there
         walk(treeRoot, PossibleValues());
         reachable(treeRoot);
         if (m_steps < maxSteps) {
@@ -228,7 +227,7 @@ class TreeWalkChecker {
 
     // Nodes that a parent lists and no message enters.
     void shutNodes() {
-        for (std::int32_t number = 0; number < treeTableSize; ++number) {
+        for (auto number = treeRoot + 1; number < m_count; ++number) {
             auto const& node = at(number);
             switch (m_shut.at(static_cast<std::size_t>(number))) {
             case Shut::impossible:
