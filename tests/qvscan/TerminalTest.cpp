@@ -8,30 +8,52 @@ namespace Quorvane::Testing {
 
 namespace {
 
+// The text of a screen without escape sequences.
+std::string s_plain(std::string const& text) {
+    std::string plain;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '\x1B') {
+            at = text.find('m', at);
+        } else {
+            plain += text[at];
+        }
+    }
+    return plain;
+}
+
 class Terminal : public ScanTest {
   protected:
     ~Terminal() override { tmux({"kill-server"}); }
 
     // Runs a shell command in a terminal of 120 columns.
-    void start(std::string const& command) const {
-        auto const script = m_folder.write(
-            "run.sh", "trap : INT; " + command + "; echo \"status $?\"; " + QV_TMUX_PROGRAM +
-                          " -S " + socket() + " wait-for -S ended; exec cat\n");
+    void start(std::string const& command) {
+        // A server of its own: one that was told to end may still answer.
+        ++m_runs;
+        auto const script =
+            m_folder.write("run.sh", "trap : INT; " + command + "; echo \"status $?\"; exec cat\n");
         tmux({"-f", "/dev/null", "new-session", "-d", "-x", "120", "-y", "40", "sh " + script});
     }
 
     // The screen with its escape sequences.
     std::string capture() const { return tmux({"capture-pane", "-p", "-e"}); }
 
-    // Waits for the end of the command; the last screen.
-    std::string finish() const {
-        tmux({"wait-for", "ended"});
-        auto const text = capture();
-        tmux({"kill-server"});
-        return text;
+    // The screen once it shows `text`.
+    std::string captureWith(std::string const& text) const {
+        auto shown = capture();
+        while (s_plain(shown).find(text) == std::string::npos) {
+            shown = capture();
+        }
+        return shown;
     }
 
-    std::string screen(std::string const& command) const {
+    // Waits for the end of the command; the last screen.
+    std::string finish() const {
+        auto const shown = captureWith("status ");
+        tmux({"kill-server"});
+        return shown;
+    }
+
+    std::string screen(std::string const& command) {
         start(command);
         return finish();
     }
@@ -54,21 +76,10 @@ class Terminal : public ScanTest {
     }
 
   private:
-    std::string socket() const { return m_folder.path() / "tmux"; }
-};
+    std::string socket() const { return m_folder.path() / ("tmux" + std::to_string(m_runs)); }
 
-// The text of a screen without escape sequences.
-std::string s_plain(std::string const& text) {
-    std::string plain;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '\x1B') {
-            at = text.find('m', at);
-        } else {
-            plain += text[at];
-        }
-    }
-    return plain;
-}
+    int m_runs = 0;
+};
 
 TEST_F(Terminal, ShowsAlignedColouredText) {
     auto const box = mbox();
@@ -107,8 +118,7 @@ TEST_F(Terminal, ControlCEndsIt) {
     auto const pipe = (m_folder.path() / "pipe").string();
     ASSERT_EQ(std::system(("mkfifo " + pipe).c_str()), 0);
     start(program() + mbox() + " " + pipe);
-    while (capture().find(":3") == std::string::npos) {
-    }
+    captureWith(":3\n");
     tmux({"send-keys", "C-c"});
     EXPECT_NE(s_plain(finish()).find("status 130"), std::string::npos);
 }
