@@ -162,7 +162,9 @@ std::size_t s_distance(std::string_view a, std::string_view b) {
 
 template<typename Number>
 bool s_parses(std::string const& text, Number& value) {
-    auto const* const begin = text.data() + (text.starts_with('+') ? 1 : 0);
+    // std::from_chars knows no plus sign.
+    bool const hasPlus = text.starts_with('+') && !text.starts_with("+-");
+    auto const* const begin = text.data() + (hasPlus ? 1 : 0);
     auto const* const end = text.data() + text.size();
     auto const result = std::from_chars(begin, end, value);
     return result.ec == std::errc() && result.ptr == end;

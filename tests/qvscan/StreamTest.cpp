@@ -100,6 +100,15 @@ TEST_F(Stream, ProgressIsSilentWhereNobodyAskedForIt) {
     EXPECT_EQ(scan({"--no-progress", mbox(3)}).m_errors, "");
 }
 
+TEST_F(Stream, ProgressThatWasAskedForIsLinesWhereNoTerminalIs) {
+    ChildProcess child(QV_SCAN_PROGRAM, arguments({"--progress"}));
+    child.write(separator + spam() + "\n" + separator + ham());
+    EXPECT_EQ(Json::parse(child.readLine())["source"], "-:1");
+    auto const line = child.readErrorLine();
+    EXPECT_EQ(line.find("qvscan: 1 messages  "), 0U) << line;
+    EXPECT_EQ(line.find('%'), std::string::npos) << "nobody knows the end of a pipe: " << line;
+}
+
 } // namespace
 
 } // namespace Quorvane::Testing

@@ -2,7 +2,7 @@
 // What a person sees: qvscan in a real terminal, played by tmux.
 #include "qvscan/ScanFixture.h"
 
-#include <cstdlib>
+#include <sys/stat.h>
 
 namespace Quorvane::Testing {
 
@@ -75,6 +75,12 @@ class Terminal : public ScanTest {
                                          separator + none());
     }
 
+    std::string pipe() const {
+        auto path = (m_folder.path() / "pipe").string();
+        EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
+        return path;
+    }
+
   private:
     std::string socket() const { return m_folder.path() / ("tmux" + std::to_string(m_runs)); }
 
@@ -112,15 +118,20 @@ TEST_F(Terminal, FormatAskedForIsTheFormat) {
               std::string::npos);
 }
 
-// The terminal's driver turns the key into a signal. The program has shown its first record and
-// waits for the rest of its input, a pipe that stays open.
+// The terminal's driver turns the key into a signal. The program has shown its first records and
+// waits for the rest of its input, a pipe that nobody writes to.
 TEST_F(Terminal, ControlCEndsIt) {
-    auto const pipe = (m_folder.path() / "pipe").string();
-    ASSERT_EQ(std::system(("mkfifo " + pipe).c_str()), 0);
-    start(program() + mbox() + " " + pipe);
+    start(program() + mbox() + " " + pipe());
     captureWith(":3\n");
     tmux({"send-keys", "C-c"});
     EXPECT_NE(s_plain(finish()).find("status 130"), std::string::npos);
+}
+
+TEST_F(Terminal, ProgressIsDrawnWhileWorkIsLongAndTakenAway) {
+    start(program() + mbox() + " " + pipe() + " > /dev/null");
+    captureWith("3 messages  ");
+    tmux({"send-keys", "C-c"});
+    EXPECT_EQ(s_plain(finish()).find("messages"), std::string::npos);
 }
 
 } // namespace

@@ -35,6 +35,18 @@ std::string s_read(int descriptor, std::size_t size) {
     return text;
 }
 
+std::string s_readLine(int descriptor) {
+    std::string line;
+    while (line.empty() || line.back() != '\n') {
+        auto const next = s_read(descriptor, 1);
+        if (next.empty()) {
+            break;
+        }
+        line += next;
+    }
+    return line;
+}
+
 constexpr std::size_t pieceSize = 65536;
 
 } // namespace
@@ -95,15 +107,11 @@ void ChildProcess::closeInput() {
 }
 
 std::string ChildProcess::readLine() const {
-    std::string line;
-    while (line.empty() || line.back() != '\n') {
-        auto const next = s_read(m_output, 1);
-        if (next.empty()) {
-            break;
-        }
-        line += next;
-    }
-    return line;
+    return s_readLine(m_output);
+}
+
+std::string ChildProcess::readErrorLine() const {
+    return s_readLine(m_errors);
 }
 
 std::string ChildProcess::readSome() const {

@@ -26,6 +26,7 @@ class ChildProcess {
     std::string readSome() const;
     std::string readAll() const;
     std::string readErrors() const;
+    std::string readErrorLine() const;
     void closeOutput();
 
     void signal(int number) const;
