@@ -31,6 +31,8 @@ Interrupt::Interrupt() {
 
 Interrupt::~Interrupt() {
     ::close(m_descriptor);
+    auto const signals = s_signals();
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 void Interrupt::waitForInput(int descriptor) {

@@ -24,6 +24,7 @@ class Interrupt {
     Interrupt();
     Interrupt(Interrupt const&) = delete;
     Interrupt& operator=(Interrupt const&) = delete;
+    // The signals have their usual effect again.
     ~Interrupt();
 
     // Waits until `descriptor` can be read; throws Interrupted when a signal came first.

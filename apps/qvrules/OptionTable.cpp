@@ -31,6 +31,32 @@ constexpr ArgumentRow installArguments[] = {
     {"--force", "", "Install in spite of errors, if it loads"},
 };
 
+constexpr ArgumentRow learnArguments[] = {
+    {"--ham", "[CORPUS=]PATH", "Wanted mail: files, mboxes, folders, Maildirs", false, true},
+    {"--spam", "[CORPUS=]PATH", "Unwanted mail", false, true},
+    {"--vectors", "[CORPUS=]FILE", "CSV of vectors with a column label; - for standard input",
+     false, true},
+    {"--ham-vectors", "[CORPUS=]FILE", "The same without label: all ham", false, true},
+    {"--spam-vectors", "[CORPUS=]FILE", "The same without label: all spam", false, true},
+    {"-o,--output", "SRC", "Rule text to write, - for standard output"},
+    {"--table", "FILE", "Write the counted vectors as CSV"},
+    {"--with", "SRC", "Put this rule text (version, elite rules) before the tree"},
+    {"--augment", "no-reverse-name",
+     "Learn from copies too, as a border without reverse names "
+     "would have recorded the mail"},
+    {"--impurity", "entropy|gini", "What a split must lessen (default: entropy)"},
+    {"--min-node-support", "X", "Percentage of the mail that a node must have (default: 0.15)"},
+    {"--min-gain", "X", "Impurity that a split must take away, a message (default: 0)"},
+    {"--max-nodes", "N", "Nodes of the tree, the root included (default: 497)"},
+    {"--prune", "minimum|one-se|none|ALPHA",
+     "Least error on corpora left out (default); the smallest tree not clearly worse; whole tree; "
+     "or the strength"},
+    {"--exclude", "NAME", "Attribute that no rule may test", false, true},
+    {"--lookups", "",
+     "The mail is scanned with DNS look-ups that are answered: rules may test "
+     "what they say"},
+};
+
 constexpr auto table = std::to_array<CommandRow>({
     {"compile", "Make rule files of a rule text", compileArguments,
      "Each file is replaced in one step; files that the rules do not have are\n"
@@ -48,6 +74,16 @@ constexpr auto table = std::to_array<CommandRow>({
      "hosts take them up when they next look. The rules before are kept.\n\n"
      "Examples: qvrules install my.qvr\n"
      "          qvrules install --rollback --root /srv/test"},
+    {"learn", "Learn a decision tree from mail", learnArguments,
+     "A corpus is the mail of one site. Its name stands before the path\n"
+     "(\"--ham site=mail/ham\"), or is the name of the folder that the path lies in.\n"
+     "Pruning is chosen by learning without each corpus in turn, so give mail of\n"
+     "several sites. The same mail in any order gives the same text to the byte.\n\n"
+     "Examples: qvrules learn --ham */ham.mbox --spam */spam.mbox -o learned.qvr\n"
+     "          qvscan --format csv new/ | qvrules learn --spam-vectors new=- \\\n"
+     "              --vectors table.csv -o learned.qvr\n"
+     "          qvrules learn --vectors shards/*.csv --table all.csv",
+     true},
     {"attributes", "List what rules can test, as Markdown", {}},
 });
 

@@ -29,6 +29,8 @@ struct CommandRow {
     std::span<ArgumentRow const> m_arguments;
     // The end of the command's help: what else to know, and an example.
     char const* m_footer = "";
+    // It also takes --config and the settings of apps/common/SettingsTable.h but for the root.
+    bool m_takesSettings = false;
 };
 
 // In the order of the help.

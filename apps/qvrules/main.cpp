@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// qvrules: the command line. The only source that includes CLI11, which compiles slowly.
+// qvrules: the command line. CLI11 compiles slowly: only this and HostOptions.cpp include it.
 #include "apps/common/ValueNames.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/HostOptions.h"
+#include "apps/qvrules/Learn.h"
 #include "apps/qvrules/OptionTable.h"
+#include "apps/workshop/MailVectors.h"
 #include "rules/language/Nearest.h"
 #include "rules/model/RuleError.h"
 
@@ -27,6 +30,7 @@ constexpr char examples[] =
     "  qvrules check my.qvr                  find what can never work\n"
     "  qvrules install my.qvr                put in force under running hosts\n"
     "  qvrules install --rollback            and take it back\n"
+    "  qvrules learn --ham A --spam B -o my.qvr   learn a tree from mail\n"
     "  qvrules attributes                    what rules can test\n"
     "\n"
     "\"qvrules COMMAND --help\" says more. Exit status: 0 well, 1 findings, 64 bad\n"
@@ -61,6 +65,12 @@ class Command {
         return *this;
     }
 
+    // The settings that say how mail is scanned.
+    Command& tieSettings(GivenSettings Options::*member) {
+        addHostOptions(*m_command, (*m_options).*member);
+        return *this;
+    }
+
   private:
     static void describe(CLI::Option& option, ArgumentRow const& row) {
         option.required(row.m_isRequired);
@@ -91,6 +101,24 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("--root", &InstallOptions::m_root)
         .tie("--rollback", &InstallOptions::m_isRollback)
         .tie("--force", &InstallOptions::m_isForced);
+    Command(app, action, "learn", learn)
+        .tie("--ham", &LearnArguments::m_ham)
+        .tie("--spam", &LearnArguments::m_spam)
+        .tie("--vectors", &LearnArguments::m_vectors)
+        .tie("--ham-vectors", &LearnArguments::m_hamVectors)
+        .tie("--spam-vectors", &LearnArguments::m_spamVectors)
+        .tie("-o,--output", &LearnArguments::m_output)
+        .tie("--table", &LearnArguments::m_table)
+        .tie("--with", &LearnArguments::m_with)
+        .tie("--augment", &LearnArguments::m_augment)
+        .tie("--impurity", &LearnArguments::m_impurity)
+        .tie("--min-node-support", &LearnArguments::m_minSupport)
+        .tie("--min-gain", &LearnArguments::m_minGain)
+        .tie("--max-nodes", &LearnArguments::m_maxNodes)
+        .tie("--prune", &LearnArguments::m_prune)
+        .tie("--exclude", &LearnArguments::m_exclude)
+        .tie("--lookups", &LearnArguments::m_lookups)
+        .tieSettings(&LearnArguments::m_settings);
     Command(app, action, "attributes", listAttributes);
 }
 
@@ -153,6 +181,8 @@ int s_guardedRun(int argc, char** argv) {
     } catch (Rules::RuleError const& error) {
         s_complain(error.what());
         return s_status(error.kind());
+    } catch (Workshop::ScanInterrupted const& interrupted) {
+        return ExitStatus::interrupted + interrupted.m_signal;
     }
 }
 

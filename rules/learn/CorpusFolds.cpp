@@ -22,7 +22,7 @@ std::vector<PruningStep> s_steps(GrownTree const& tree, ImpurityKind kind,
     auto const links = weakestLinks(tree, kind);
     std::vector<PruningStep> steps;
     for (auto const alpha : alphas) {
-        steps.push_back({alpha, prunedTree(tree, links, alpha).leafCount(), 0.0, 0.0});
+        steps.push_back({alpha, prunedTree(tree, links, alpha).leafCount(), {}});
     }
     return steps;
 }
@@ -41,21 +41,34 @@ std::vector<double> s_foldRisks(VectorTable const& table, LearnSettings const& s
     return risks;
 }
 
-void s_summarise(PruningStep& step, std::vector<double> const& risks) {
-    auto const folds = static_cast<double>(risks.size());
+double s_mean(std::vector<double> const& values) {
     double sum = 0.0;
-    for (auto const risk : risks) {
-        sum += risk;
+    for (auto const value : values) {
+        sum += value;
     }
-    step.m_risk = sum / folds;
+    return values.empty() ? 0.0 : sum / static_cast<double>(values.size());
+}
+
+// Whether `step` is worse than `best` by at most one standard error of the difference over folds.
+bool s_isAsGood(PruningStep const& step, PruningStep const& best) {
+    std::vector<double> differences;
+    for (std::size_t fold = 0; fold < step.m_foldRisks.size(); ++fold) {
+        differences.push_back(step.m_foldRisks[fold] - best.m_foldRisks[fold]);
+    }
+    auto const mean = s_mean(differences);
     double squares = 0.0;
-    for (auto const risk : risks) {
-        squares += (risk - step.m_risk) * (risk - step.m_risk);
+    for (auto const difference : differences) {
+        squares += (difference - mean) * (difference - mean);
     }
-    step.m_standardError = std::sqrt(squares / (folds - 1.0) / folds);
+    auto const folds = static_cast<double>(differences.size());
+    return mean <= std::sqrt(squares / (folds - 1.0) / folds);
 }
 
 } // namespace
+
+double PruningStep::risk() const {
+    return s_mean(m_foldRisks);
+}
 
 double brierScore(GrownTree const& tree, std::vector<CountedVector> const& messages) {
     double sum = 0.0;
@@ -73,20 +86,18 @@ std::size_t choosePruning(std::vector<PruningStep> const& steps, PruningRule rul
     std::size_t best = 0;
     for (std::size_t step = 1; step < steps.size(); ++step) {
         // Of equal risks the smaller tree.
-        if (steps[step].m_risk <= steps[best].m_risk) {
+        if (steps[step].risk() <= steps[best].risk()) {
             best = step;
         }
     }
     if (rule == PruningRule::minimum) {
         return best;
     }
-    auto const limit = steps[best].m_risk + steps[best].m_standardError;
-    for (auto step = steps.size(); step-- > best;) {
-        if (steps[step].m_risk <= limit) {
-            return step;
-        }
+    auto step = steps.size() - 1;
+    while (step > best && !s_isAsGood(steps[step], steps[best])) {
+        --step;
     }
-    return best;
+    return step;
 }
 
 PruningChoice crossValidate(VectorTable const& table, LearnSettings const& settings,
@@ -99,18 +110,14 @@ PruningChoice crossValidate(VectorTable const& table, LearnSettings const& setti
     auto const tree = growTree(table.all(), settings);
     auto const alphas = pruningSteps(weakestLinks(tree, settings.m_impurity));
     PruningChoice choice{s_steps(tree, settings.m_impurity, alphas), 0};
-    std::vector<std::vector<double>> byStep(alphas.size());
     for (std::size_t corpus = 0; corpus < folds; ++corpus) {
         if (progress) {
             progress(corpus, folds, table.corpora()[corpus]);
         }
         auto const risks = s_foldRisks(table, settings, corpus, alphas);
         for (std::size_t step = 0; step < alphas.size(); ++step) {
-            byStep[step].push_back(risks[step]);
+            choice.m_steps[step].m_foldRisks.push_back(risks[step]);
         }
-    }
-    for (std::size_t step = 0; step < alphas.size(); ++step) {
-        s_summarise(choice.m_steps[step], byStep[step]);
     }
     choice.m_chosen = choosePruning(choice.m_steps, rule);
     return choice;

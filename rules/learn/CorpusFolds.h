@@ -20,17 +20,20 @@ namespace Quorvane::Rules {
 
 enum class PruningRule {
     minimum,    // the alpha of least risk
-    oneStandard // the greatest alpha whose risk is within one standard error of the least
+    oneStandard // the greatest alpha that is worse than the best by no more than one standard
+                // error of the difference; differences, because sites differ far more among
+                // themselves than trees do, and the error of the risk itself would cut to the root
 };
 
 // One candidate: an alpha, the size of the whole tree there, and what the folds say.
 struct PruningStep {
     double m_alpha = 0.0;
     std::size_t m_leaves = 0;
-    // Mean squared error of the confidence (Brier score) on the corpora left out, each corpus
-    // weighing the same; and the standard error of that mean.
-    double m_risk = 0.0;
-    double m_standardError = 0.0;
+    // Mean squared error of the confidence (Brier score) on each corpus when it was left out.
+    std::vector<double> m_foldRisks;
+
+    // The mean over the corpora, each weighing the same.
+    double risk() const;
 };
 
 struct PruningChoice {

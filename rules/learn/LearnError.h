@@ -4,13 +4,15 @@
 // the person at the terminal: where (file, line, column), what is wrong, what to do.
 #pragma once
 
-#include <stdexcept>
+#include "rules/model/RuleError.h"
+
+#include <string>
 
 namespace Quorvane::Rules {
 
-class LearnError : public std::runtime_error {
+class LearnError : public RuleError {
   public:
-    using std::runtime_error::runtime_error;
+    explicit LearnError(std::string const& text) : RuleError(Kind::badData, text) {}
 };
 
 } // namespace Quorvane::Rules

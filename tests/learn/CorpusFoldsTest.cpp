@@ -62,8 +62,8 @@ TEST(CorpusFolds, PruneAwayWhatHoldsAtOneSiteOnly) {
     EXPECT_GT(choice.m_steps.front().m_leaves, 2U);
     EXPECT_EQ(choice.m_steps[choice.m_chosen].m_leaves, 2U);
     EXPECT_EQ(choice.m_steps.back().m_leaves, 1U);
-    EXPECT_LT(choice.m_steps[choice.m_chosen].m_risk, choice.m_steps.front().m_risk);
-    EXPECT_LT(choice.m_steps[choice.m_chosen].m_risk, choice.m_steps.back().m_risk);
+    EXPECT_LT(choice.m_steps[choice.m_chosen].risk(), choice.m_steps.front().risk());
+    EXPECT_LT(choice.m_steps[choice.m_chosen].risk(), choice.m_steps.back().risk());
 }
 
 TEST(CorpusFolds, LeaveOutEachCorpusOnce) {
@@ -84,12 +84,15 @@ TEST(CorpusFolds, NeedTwoCorpora) {
 }
 
 TEST(PruningRules, TakeTheLeastRiskOrTheSmallestTreeWithinOneStandardError) {
-    std::vector<PruningStep> const steps = {{0.0, 40, 0.130, 0.01}, {0.1, 30, 0.100, 0.02},
-                                            {0.2, 20, 0.100, 0.02}, {0.3, 9, 0.119, 0.02},
-                                            {0.4, 3, 0.121, 0.02},  {0.5, 1, 0.300, 0.05}};
+    // Two sites of very different difficulty. Differences from the best step: 0.01 and 0.03 (mean
+    // 0.02, standard error 0.01) and 0.005 and -0.001 (0.002, 0.003).
+    std::vector<PruningStep> const steps = {{0.0, 40, {0.13, 0.53}}, {0.1, 30, {0.1, 0.5}},
+                                            {0.2, 20, {0.1, 0.5}},   {0.3, 9, {0.105, 0.499}},
+                                            {0.4, 3, {0.11, 0.53}},  {0.5, 1, {0.4, 0.9}}};
+    EXPECT_DOUBLE_EQ(steps[0].risk(), 0.33);
     EXPECT_EQ(choosePruning(steps, PruningRule::minimum), 2U);
     EXPECT_EQ(choosePruning(steps, PruningRule::oneStandard), 3U);
-    EXPECT_EQ(choosePruning({{0.0, 1, 0.2, 0.0}}, PruningRule::oneStandard), 0U);
+    EXPECT_EQ(choosePruning({{0.0, 1, {0.2, 0.3}}}, PruningRule::oneStandard), 0U);
 }
 
 } // namespace

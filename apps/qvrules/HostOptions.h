@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The settings that say how mail is scanned (relays, names, resolver), as options of the commands
+// that look at mail. They are those of qvscan: one table names them for all programs.
+#pragma once
+
+#include "apps/common/HostSettings.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+} // namespace CLI
+
+namespace Quorvane::RulesApp {
+
+// What was given, by option name.
+using GivenSettings = std::map<std::string, std::vector<std::string>>;
+
+// Adds --config and the settings. `given` must outlive the parse.
+void addHostOptions(CLI::App& command, GivenSettings& given);
+
+// The settings file, if one was given, and over it the options. A RuleError for what is wrong.
+HostSettings hostSettings(GivenSettings const& given);
+
+} // namespace Quorvane::RulesApp

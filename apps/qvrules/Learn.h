@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// `qvrules learn`: training mail or counted vectors in, a rule text out.
+#pragma once
+
+#include "apps/common/HostSettings.h"
+#include "apps/qvrules/HostOptions.h"
+#include "rules/learn/Learner.h"
+
+#include <string>
+#include <vector>
+
+namespace Quorvane::RulesApp {
+
+// The command line as given.
+struct LearnArguments {
+    // Each [CORPUS=]PATH.
+    std::vector<std::string> m_ham;
+    std::vector<std::string> m_spam;
+    std::vector<std::string> m_vectors;     // rows say their label
+    std::vector<std::string> m_hamVectors;  // rows are all ham
+    std::vector<std::string> m_spamVectors; // rows are all spam
+    std::string m_output;                   // rule text; "-": standard output
+    std::string m_table;                    // the counted vectors as CSV; "-": standard output
+    // A rule text that is put before the learned tree as it is.
+    std::string m_with;
+    std::string m_augment;
+    std::string m_impurity = "entropy";
+    double m_minSupport = Rules::LearnSettings{}.m_minSupport;
+    double m_minGain = 0.0;
+    int m_maxNodes = Rules::maxLearnedNodes;
+    std::string m_prune = "minimum";
+    std::vector<std::string> m_exclude;
+    bool m_lookups = false;
+    GivenSettings m_settings;
+};
+
+// What the words of the arguments mean.
+Rules::LearnSettings learnSettings(LearnArguments const& arguments);
+Rules::PruningPlan pruningPlan(LearnArguments const& arguments);
+HostSettings scanSettings(LearnArguments const& arguments);
+
+int learn(LearnArguments const& arguments);
+
+} // namespace Quorvane::RulesApp

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvrules/Learn.h"
+#include "rules/learn/LearnError.h"
+
+#include <charconv>
+
+namespace Quorvane::RulesApp {
+
+Rules::LearnSettings learnSettings(LearnArguments const& arguments) {
+    Rules::LearnSettings settings;
+    settings.m_impurity =
+        arguments.m_impurity == "gini" ? Rules::ImpurityKind::gini : Rules::ImpurityKind::entropy;
+    settings.m_minSupport = arguments.m_minSupport;
+    settings.m_minGain = arguments.m_minGain;
+    settings.m_maxNodes = arguments.m_maxNodes;
+    if (arguments.m_lookups) {
+        settings.m_attributes.fill(true);
+    }
+    for (auto const& name : arguments.m_exclude) {
+        Rules::selectAttribute(settings.m_attributes, name, false);
+    }
+    return settings;
+}
+
+Rules::PruningPlan pruningPlan(LearnArguments const& arguments) {
+    auto const& text = arguments.m_prune;
+    if (text == "minimum") {
+        return Rules::PruningRule::minimum;
+    }
+    if (text == "one-se") {
+        return Rules::PruningRule::oneStandard;
+    }
+    if (text == "none") {
+        return 0.0;
+    }
+    double alpha = 0.0;
+    auto const* const end = text.data() + text.size();
+    auto const result = std::from_chars(text.data(), end, alpha);
+    if (result.ec != std::errc() || result.ptr != end || !(alpha >= 0.0)) {
+        throw Rules::LearnError("--prune takes minimum, one-se, none or a number from 0 on, not '" +
+                                text + "'");
+    }
+    return alpha;
+}
+
+// Old mail cannot be looked up any more: the names are gone, and their absence would be learned.
+HostSettings scanSettings(LearnArguments const& arguments) {
+    auto given = arguments.m_settings;
+    if (!arguments.m_lookups) {
+        given["dns"] = {"off"};
+    }
+    return hostSettings(given);
+}
+
+} // namespace Quorvane::RulesApp

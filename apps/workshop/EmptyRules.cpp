@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/workshop/EmptyRules.h"
+
+#include "rules/format/RuleFiles.h"
+#include "rules/model/RuleError.h"
+#include "rules/model/RuleFolder.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace Quorvane::Workshop {
+
+EmptyRules::EmptyRules() : m_root(std::filesystem::temp_directory_path() / "qvrules-XXXXXX") {
+    if (::mkdtemp(m_root.data()) == nullptr) {
+        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
+                               m_root + ": cannot make a temporary folder; set TMPDIR");
+    }
+    // A tree file without records loads: a root without children.
+    Rules::writeFolder(m_root + ruleDirectory, Rules::RuleSet{});
+}
+
+EmptyRules::~EmptyRules() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_root, ignored);
+}
+
+} // namespace Quorvane::Workshop

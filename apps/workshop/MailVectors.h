@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// MailVectors: turns messages into attribute vectors, with all cores, in the order of input.
+//
+// One object a process, since it sets up the scanning host. Reading and scanning overlap; what
+// waits is bounded by two batches of messages. The sink is called on the calling thread.
+#pragma once
+
+#include "apps/common/HostSettings.h"
+#include "apps/common/Inputs.h"
+#include "apps/common/Interrupt.h"
+#include "apps/common/ScanHost.h"
+#include "apps/workshop/EmptyRules.h"
+#include "rules/learn/NoReverseName.h"
+#include "rules/learn/VectorTable.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Quorvane::Workshop {
+
+struct MailVector {
+    std::string m_source;
+    // Empty when the message has no public hop and so nothing to judge.
+    std::optional<Rules::AttributeVector> m_vector;
+    // Of the same message as a border that logs no reverse names would have recorded it; empty when
+    // that was not asked for, or the border's header is in no known shape.
+    std::optional<Rules::AttributeVector> m_withoutReverseName;
+};
+
+// Thrown when SIGINT or SIGTERM came into a scan.
+struct ScanInterrupted {
+    int m_signal;
+};
+
+class MailVectors {
+  public:
+    // The rules of `settings` are not looked at. Throws a SettingsError.
+    MailVectors(HostSettings settings, bool wantsRewritten);
+
+    using Sink = std::function<void(MailVector const&)>;
+
+    // Scans all messages of the paths. A path that cannot be opened, or an input that is no
+    // message, is a RuleError: figures from half of the mail would mislead.
+    void scan(std::vector<std::string> const& paths, Sink const& sink);
+
+  private:
+    void scanInputs(Inputs& inputs, Sink const& sink);
+    void checkInterrupt();
+    MailVector vectorOf(InputItem const& item) const;
+    std::vector<MailVector> scanBatch(std::vector<InputItem> const& batch) const;
+    std::optional<Rules::AttributeVector> attributesOf(std::string const& headerSection) const;
+
+    Interrupt m_interrupt; // before any thread
+    EmptyRules m_rules;
+    bool m_wantsRewritten;
+    ScanHost m_host;
+    Rules::IsOwnRelay m_isOwnRelay;
+};
+
+} // namespace Quorvane::Workshop
