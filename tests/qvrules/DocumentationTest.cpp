@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the documentation shows is so: its rule texts compile and have nothing to find, and its
+// transcripts replay. QV_APPROVE=1 records the transcripts anew, for review.
+#include "rules/check/Checker.h"
+#include "rules/language/Compiler.h"
+#include "Transcript.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace Quorvane::Testing {
+namespace {
+
+constexpr char page[] = QV_DOCS "/writing-rules.md";
+
+std::string s_page() {
+    std::ostringstream content;
+    content << std::ifstream(page).rdbuf();
+    return content.str();
+}
+
+struct Block {
+    std::size_t m_begin;
+    std::string m_text;
+};
+
+// What stands between the lines "```KIND" and "```".
+std::vector<Block> s_blocks(std::string const& text, std::string const& kind) {
+    std::vector<Block> blocks;
+    auto const head = "\n```" + kind + '\n';
+    for (auto at = text.find(head); at != std::string::npos; at = text.find(head, at + 1)) {
+        auto const begin = at + head.size();
+        blocks.push_back({begin, text.substr(begin, text.find("\n```\n", begin) + 1 - begin)});
+    }
+    return blocks;
+}
+
+// One transcript after the other, in one folder: later blocks go on where earlier ones ended.
+std::vector<std::string> s_replayed(std::vector<Block> const& blocks) {
+    std::string all;
+    std::vector<std::string> replayed;
+    for (auto const& block : blocks) {
+        auto const before = replay(all, QV_PROGRAMS).size();
+        all += block.m_text;
+        replayed.push_back(replay(all, QV_PROGRAMS).substr(before));
+    }
+    return replayed;
+}
+
+TEST(DocumentationTest, RuleTextsCompileAndHaveNothingToFind) {
+    auto const blocks = s_blocks(s_page(), "qvr");
+    EXPECT_FALSE(blocks.empty());
+    for (auto const& block : blocks) {
+        auto const compiled = Rules::compileRules(block.m_text);
+        EXPECT_EQ(Rules::showErrors(page, block.m_text, compiled.m_errors), "");
+        EXPECT_TRUE(Rules::checkRules(compiled.m_set).empty());
+    }
+}
+
+TEST(DocumentationTest, TranscriptsReplay) {
+    auto text = s_page();
+    auto const blocks = s_blocks(text, "transcript");
+    EXPECT_FALSE(blocks.empty());
+    auto const replayed = s_replayed(blocks);
+    if (std::getenv("QV_APPROVE") == nullptr) {
+        for (std::size_t i = 0; i < blocks.size(); ++i) {
+            EXPECT_EQ(replayed[i], blocks[i].m_text);
+        }
+        return;
+    }
+    for (auto i = blocks.size(); i > 0; --i) {
+        text.replace(blocks[i - 1].m_begin, blocks[i - 1].m_text.size(), replayed[i - 1]);
+    }
+    std::ofstream(page) << text;
+}
+
+} // namespace
+} // namespace Quorvane::Testing
