@@ -100,8 +100,9 @@ class QV_API Resolver {
 
     // Blocking look-up. One trailing dot is ignored. An address literal given as a name, an empty
     // name and a name that is no domain name do not resolve, and nothing is asked for them: names
-    // are made of letters, digits, "-", "_" and dots, with at most 63 bytes between dots and 253 in
-    // all. Names in other scripts must come in their ASCII form ("xn--").
+    // hold no blanks or control bytes, at least 1 and at most 63 bytes between dots and at most 253
+    // in all. Bytes are asked as they stand: names in other scripts should come in their ASCII form
+    // ("xn--").
     ResolverMessage submit(RecordType type, std::string const& name, RecordClass recordClass);
     // The same without waiting, so that look-ups can run side by side.
     PendingLookup start(RecordType type, std::string const& name, RecordClass recordClass);

@@ -47,6 +47,7 @@ void RecordingLogger::log(int, int, char const* format, ...) {
     m_text = line.data();
 }
 
+// Lines as they stand, comments and empty ones too: errors name them by number.
 std::vector<std::string> s_lines(std::string const& path) {
     std::ifstream file(path);
     std::vector<std::string> lines;
@@ -62,18 +63,6 @@ std::vector<std::string> s_lines(std::string const& path) {
     return lines;
 }
 
-// Zone files know comments (";") and empty lines; the resolver takes records only.
-std::vector<std::string> s_zoneData(std::string const& path) {
-    std::vector<std::string> records;
-    for (auto& line : s_lines(path)) {
-        line.resize(std::min(line.find_first_of(";#"), line.size()));
-        if (line.find_first_not_of(" \t") != std::string::npos) {
-            records.push_back(line);
-        }
-    }
-    return records;
-}
-
 ResolverSettings s_resolver(HostSettings const& settings) {
     ResolverSettings resolver;
     if (settings.m_dns == "off") {
@@ -85,7 +74,7 @@ ResolverSettings s_resolver(HostSettings const& settings) {
     if (!settings.m_dnsData.empty()) {
         resolver.m_mode = ResolverSettings::Mode::local;
         resolver.m_servers.clear();
-        resolver.m_zoneData = s_zoneData(settings.m_dnsData);
+        resolver.m_zoneData = s_lines(settings.m_dnsData);
     }
     return resolver;
 }
@@ -105,6 +94,19 @@ void s_setUpPlatform(HostSettings const& settings) {
     }
 }
 
+// "file:line: text" where the error knows its place.
+std::string s_located(Exception const& error) {
+    auto const& file = error.fileName();
+    auto const line = error.lineNumber() == 0 ? "" : ':' + std::to_string(error.lineNumber());
+    return file.empty() ? error.stringParameter() : file + line + ": " + error.stringParameter();
+}
+
+// A version that is no number above 0 is never newer than "nothing loaded", and the library then
+// has nothing to log.
+std::string s_whyNotLoaded(std::string const& logged) {
+    return logged.empty() ? std::string("the version in README must be above 0") : logged;
+}
+
 RefDeepHeaderAdapter s_loadEngine() {
     auto const logger = std::make_shared<RecordingLogger>();
     Logger::install(logger);
@@ -114,7 +116,8 @@ RefDeepHeaderAdapter s_loadEngine() {
     auto engine = RefDeepHeaderAdapter::instance(nullptr);
     if (engine.isEmpty()) {
         throw SettingsError("no usable rules in " + File::root() + ruleDirectory + ": " +
-                            logger->text() + "; --root says below which folder to look");
+                            s_whyNotLoaded(logger->text()) +
+                            "; --root says below which folder to look");
     }
     return engine;
 }
@@ -125,7 +128,7 @@ RefDeepHeaderAdapter setUpHost(HostSettings const& settings) {
     try {
         s_setUpPlatform(settings);
     } catch (Exception const& error) {
-        throw SettingsError(error.stringParameter());
+        throw SettingsError(s_located(error));
     }
     return s_loadEngine();
 }

@@ -82,15 +82,11 @@ void Lookup::take(AnswerBox::Arrival& arrival) {
 
 // libunbound follows aliases among servers, not those that its local data begins with.
 void Lookup::followAlias(std::size_t slot, std::string const& alias) {
-    std::string const name = askableName(alias);
-    if (name.empty()) {
-        return;
-    }
     if (++m_questions.at(slot).m_aliases > maxAliases) {
         m_failed = true;
         return;
     }
-    ask(slot, name);
+    ask(slot, alias);
 }
 
 void Lookup::cancelOpen() {

@@ -2,7 +2,6 @@
 #include "platform/internal/DnsName.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -10,9 +9,14 @@
 namespace Quorvane::Dns {
 namespace {
 
-bool s_isNameByte(char c) {
+bool s_isPlainByte(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '_';
+           c == '_' || c == '.';
+}
+
+bool s_isNameByte(char c) {
+    auto const byte = static_cast<unsigned char>(c);
+    return byte > 0x20 && byte != 0x7f;
 }
 
 bool s_isLabel(std::string_view label) {
@@ -33,18 +37,34 @@ bool s_hasOnlyLabels(std::string_view name) {
     }
 }
 
-bool s_isIPv4Text(std::string const& text) {
-    in_addr ignored{};
-    return inet_pton(AF_INET, text.c_str(), &ignored) == 1;
+bool s_isAddressText(std::string const& name) {
+    bool const isBracketed = name.size() > 2 && name.front() == '[' && name.back() == ']';
+    return IPAddress::isValidIPAddress(isBracketed ? name.substr(1, name.size() - 2) : name);
+}
+
+void s_appendNumber(std::string& text, unsigned char byte) {
+    text += '\\';
+    text += static_cast<char>('0' + byte / 100);
+    text += static_cast<char>('0' + byte / 10 % 10);
+    text += static_cast<char>('0' + byte % 10);
+}
+
+std::string s_escaped(std::string const& name) {
+    std::string text;
+    for (char const c : name) {
+        if (s_isPlainByte(c)) {
+            text += c;
+        } else {
+            s_appendNumber(text, static_cast<unsigned char>(c));
+        }
+    }
+    return text;
 }
 
 void s_appendEscaped(std::string& text, char c) {
     auto const byte = static_cast<unsigned char>(c);
     if (byte <= 0x20 || byte >= 0x7f) {
-        text += '\\';
-        text += static_cast<char>('0' + byte / 100);
-        text += static_cast<char>('0' + byte / 10 % 10);
-        text += static_cast<char>('0' + byte % 10);
+        s_appendNumber(text, byte);
         return;
     }
     if (c == '.' || c == '\\') {
@@ -81,10 +101,10 @@ std::string askableName(std::string const& name) {
     if (!asked.empty() && asked.back() == '.') {
         asked.pop_back();
     }
-    if (asked.size() > maxNameLength || !s_hasOnlyLabels(asked) || s_isIPv4Text(asked)) {
+    if (asked.size() > maxNameLength || !s_hasOnlyLabels(asked) || s_isAddressText(asked)) {
         return {};
     }
-    return asked;
+    return s_escaped(asked);
 }
 
 std::string reverseName(IPAddress const& address) {

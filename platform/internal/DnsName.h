@@ -2,9 +2,9 @@
 //
 // Domain names between the texts that mail shows and the wire. Pure functions.
 //
-// Names come out of hostile mail. What is asked is made of letters, digits, "-", "_" and dots only:
-// that is every name a mail host can have, and none of it means anything special in libunbound's
-// text form, where a backslash would start an escape and a NUL would end the name early.
+// Names come out of hostile mail, and whoever runs a zone may put any byte into it. So every name
+// of visible bytes is asked, and what could mean something in libunbound's text form (a backslash
+// starts an escape) is escaped. Blanks and control bytes say that the text is no name at all.
 #pragma once
 
 #include "platform/IPAddress.h"
@@ -18,9 +18,9 @@ namespace Quorvane::Dns {
 inline constexpr std::string::size_type maxNameLength = 253;
 inline constexpr std::string::size_type maxLabelLength = 63;
 
-// `name` as it is asked, without its one trailing dot; empty when it is not to be asked: an empty
-// or over-long name or label, another byte than those above, an IPv4 address. (IPv6 addresses and
-// bracketed literals fail by their characters.)
+// `name` in the text form in which it is asked, without its one trailing dot; empty when it is not
+// to be asked: an empty or over-long name or label, a blank or control byte, an address with or
+// without the brackets of a literal.
 std::string askableName(std::string const& name);
 
 // The name under which the PTR record of `address` stands (RFC 1035 section 3.5, RFC 3596 section
