@@ -111,6 +111,24 @@ TEST_F(ExitStatus, RulesThatCannotBeLoadedAre78) {
     EXPECT_NE(result.m_errors.find("Error loading the deep header rules"), std::string::npos);
 }
 
+TEST_F(ExitStatus, RulesOfAVersionThatNeverLoadsSayWhy) {
+    auto const folder = m_folder.path() / "zero/var/spool/etc/antispam";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "README") << "CF_DT_VERSION=0\n";
+    auto const result = scan({"--root", m_folder.path() / "zero"}, ham());
+    EXPECT_EQ(result.m_status, 78);
+    EXPECT_NE(result.m_errors.find("the version in README must be above 0"), std::string::npos)
+        << result.m_errors;
+}
+
+TEST_F(ExitStatus, ErrorsInPatternsAndZoneDataNameTheirLine) {
+    auto const patterns = m_folder.write("patterns", "# a comment\n\n(\n");
+    auto const zone = m_folder.write("zone", "; a comment\n\nname.example. A nowhere\n");
+    EXPECT_NE(scan({"--dynamic-patterns", patterns}, ham()).m_errors.find(patterns + ":3: "),
+              std::string::npos);
+    EXPECT_NE(scan({"--dns-data", zone}, ham()).m_errors.find("line 3 "), std::string::npos);
+}
+
 TEST_F(ExitStatus, HelpAndVersionNeedNoRules) {
     auto const help = run({"--help"});
     EXPECT_EQ(help.m_status, 0);
