@@ -54,6 +54,7 @@ class TrainingMailReader {
             m_table.add(*mail.m_vector, label, corpus);
         } else {
             ++m_counts.m_notJudgeable;
+            m_table.addUnjudged(label, corpus);
         }
         if (mail.m_withoutReverseName) {
             ++m_counts.m_copies;

@@ -70,6 +70,16 @@ double PruningStep::risk() const {
     return s_mean(m_foldRisks);
 }
 
+std::vector<std::size_t> corporaWithVectors(VectorTable const& table) {
+    std::vector<std::size_t> corpora;
+    for (std::size_t corpus = 0; corpus < table.corpora().size(); ++corpus) {
+        if (table.totalOf(corpus).total() > 0) {
+            corpora.push_back(corpus);
+        }
+    }
+    return corpora;
+}
+
 double brierScore(GrownTree const& tree, std::vector<CountedVector> const& messages) {
     double sum = 0.0;
     double count = 0.0;
@@ -102,17 +112,18 @@ std::size_t choosePruning(std::vector<PruningStep> const& steps, PruningRule rul
 
 PruningChoice crossValidate(VectorTable const& table, LearnSettings const& settings,
                             PruningRule rule, FoldProgress const& progress) {
-    auto const folds = table.corpora().size();
-    if (folds < 2) {
+    auto const corpora = corporaWithVectors(table);
+    if (corpora.size() < 2) {
         throw LearnError("pruning is chosen by leaving out a corpus at a time and needs at least "
                          "two of them; name more, or give the pruning strength");
     }
     auto const tree = growTree(table.all(), settings);
     auto const alphas = pruningSteps(weakestLinks(tree, settings.m_impurity));
     PruningChoice choice{s_steps(tree, settings.m_impurity, alphas), 0};
-    for (std::size_t corpus = 0; corpus < folds; ++corpus) {
+    for (std::size_t fold = 0; fold < corpora.size(); ++fold) {
+        auto const corpus = corpora[fold];
         if (progress) {
-            progress(corpus, folds, table.corpora()[corpus]);
+            progress(fold, corpora.size(), table.corpora()[corpus]);
         }
         auto const risks = s_foldRisks(table, settings, corpus, alphas);
         for (std::size_t step = 0; step < alphas.size(); ++step) {

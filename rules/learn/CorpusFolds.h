@@ -44,13 +44,16 @@ struct PruningChoice {
 // Told before each fold: its number from 0, the number of folds, the corpus left out.
 using FoldProgress = std::function<void(std::size_t, std::size_t, std::string_view)>;
 
+// The corpora that have anything to learn from, by index: each is a fold.
+std::vector<std::size_t> corporaWithVectors(VectorTable const& table);
+
 // Mean squared difference between a tree's confidence and the labels (1 spam, 0 ham).
 double brierScore(GrownTree const& tree, std::vector<CountedVector> const& messages);
 
 // The index of the step that the rule takes. REQUIRES: `steps` is not empty.
 std::size_t choosePruning(std::vector<PruningStep> const& steps, PruningRule rule);
 
-// A LearnError when the table has fewer than two corpora.
+// A LearnError when the table has fewer than two corpora with vectors.
 PruningChoice crossValidate(VectorTable const& table, LearnSettings const& settings,
                             PruningRule rule, FoldProgress const& progress = {});
 

@@ -17,7 +17,7 @@ LearnedTree learnTree(VectorTable const& table, LearnSettings const& settings,
             throw LearnError("the pruning strength is 0 or more");
         }
         learned.m_alpha = *alpha;
-    } else if (table.corpora().size() > 1) {
+    } else if (corporaWithVectors(table).size() > 1) {
         auto const rule = std::get<PruningRule>(plan);
         learned.m_choice = crossValidate(table, settings, rule, progress);
         learned.m_alpha = learned.m_choice->m_steps[learned.m_choice->m_chosen].m_alpha;

@@ -174,6 +174,7 @@ class VectorReader {
     void addRow(Row const& row) {
         if (row.m_emptyAttributes != 0) {
             m_counts.m_withoutVector += row.m_count;
+            m_table.addUnjudged(*row.m_label, row.m_corpus, row.m_count);
             return;
         }
         m_table.add(row.m_vector, *row.m_label, row.m_corpus, row.m_count);

@@ -18,15 +18,29 @@ std::string s_quoted(std::string const& text) {
     return quoted + '"';
 }
 
-void s_writeRow(std::ostream& output, AttributeVector const& vector, char const* label,
+void s_writeRow(std::ostream& output, std::string const& values, char const* label,
                 std::uint64_t count, std::string const& corpus) {
-    if (count == 0) {
-        return;
+    if (count != 0) {
+        output << values << ',' << label << ',' << count << ',' << corpus << '\n';
     }
+}
+
+// The rows of one vector: the spam and the ham of each corpus.
+void s_writeRows(std::ostream& output, std::string const& values,
+                 std::vector<LabelCounts> const& counts, VectorTable const& table) {
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        auto const corpus = s_quoted(table.corpora()[i]);
+        s_writeRow(output, values, "spam", counts[i].m_spam, corpus);
+        s_writeRow(output, values, "ham", counts[i].m_ham, corpus);
+    }
+}
+
+std::string s_values(AttributeVector const& vector) {
+    std::string text;
     for (auto const value : vector) {
-        output << ',' << value;
+        text += ',' + std::to_string(value);
     }
-    output << ',' << label << ',' << count << ',' << corpus << '\n';
+    return text;
 }
 
 } // namespace
@@ -37,12 +51,13 @@ void writeVectorCsv(std::ostream& output, VectorTable const& table) {
         output << ',' << facts.m_name;
     }
     output << ",label,count,corpus\n";
+    std::vector<LabelCounts> unjudged;
+    for (std::size_t i = 0; i < table.corpora().size(); ++i) {
+        unjudged.push_back(table.unjudgedOf(i));
+    }
+    s_writeRows(output, std::string(attributeCount, ','), unjudged, table);
     for (auto const& row : table.rows()) {
-        for (std::size_t i = 0; i < row.m_byCorpus.size(); ++i) {
-            auto const corpus = s_quoted(table.corpora()[i]);
-            s_writeRow(output, row.m_vector, "spam", row.m_byCorpus[i].m_spam, corpus);
-            s_writeRow(output, row.m_vector, "ham", row.m_byCorpus[i].m_ham, corpus);
-        }
+        s_writeRows(output, s_values(row.m_vector), row.m_byCorpus, table);
     }
 }
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Writes a table as CSV that readVectorCsv reads back: one row for each distinct vector, label and
-// corpus, with its count. Shards of a large scan are aggregated this way before learning.
+// corpus, with its count; before them the messages without a vector. Shards of a large scan are
+// aggregated this way before learning.
 #pragma once
 
 #include "rules/learn/VectorTable.h"

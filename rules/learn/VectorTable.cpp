@@ -94,22 +94,32 @@ std::size_t VectorTableBuilder::corpusIndex(std::string_view name) {
     return index;
 }
 
-void VectorTableBuilder::add(AttributeVector const& vector, MailLabel label,
-                             std::string_view corpus, std::uint64_t count) {
+void VectorTableBuilder::addTo(ByArrival& counts, MailLabel label, std::string_view corpus,
+                               std::uint64_t count) {
     if (count > maxTrainingMessages - m_messages) {
         throw LearnError("more than 2^53 training messages together: sums would not be exact; "
                          "divide the counts");
     }
-    if (count == 0) {
-        return;
-    }
     m_messages += count;
     auto const index = corpusIndex(corpus);
-    auto& counts = m_counts[vector];
     if (counts.size() <= index) {
         counts.resize(index + 1);
     }
     (label == MailLabel::spam ? counts[index].m_spam : counts[index].m_ham) += count;
+}
+
+void VectorTableBuilder::add(AttributeVector const& vector, MailLabel label,
+                             std::string_view corpus, std::uint64_t count) {
+    if (count != 0) {
+        addTo(m_counts[vector], label, corpus, count);
+    }
+}
+
+void VectorTableBuilder::addUnjudged(MailLabel label, std::string_view corpus,
+                                     std::uint64_t count) {
+    if (count != 0) {
+        addTo(m_unjudged, label, corpus, count);
+    }
 }
 
 VectorTable VectorTableBuilder::finish() const {
@@ -120,13 +130,17 @@ VectorTable VectorTableBuilder::finish() const {
         table.m_corpora.push_back(name);
         arrival.push_back(index);
     }
-    for (auto const& [vector, counts] : m_counts) {
-        VectorTable::Row row{vector, {}};
+    auto const inOrder = [&arrival](ByArrival const& counts) {
+        std::vector<LabelCounts> sorted;
         for (auto const index : arrival) {
-            row.m_byCorpus.push_back(index < counts.size() ? counts[index] : LabelCounts{});
+            sorted.push_back(index < counts.size() ? counts[index] : LabelCounts{});
         }
-        table.m_rows.push_back(std::move(row));
+        return sorted;
+    };
+    for (auto const& [vector, counts] : m_counts) {
+        table.m_rows.push_back({vector, inOrder(counts)});
     }
+    table.m_unjudged = inOrder(m_unjudged);
     std::sort(table.m_rows.begin(), table.m_rows.end(),
               [](auto const& a, auto const& b) { return a.m_vector < b.m_vector; });
     return table;

@@ -58,6 +58,9 @@ class VectorTable {
     std::vector<Row> const& rows() const { return m_rows; }
     LabelCounts total() const;
     LabelCounts totalOf(std::size_t corpus) const;
+    // Messages of a corpus that have no vector: nothing in them can be judged. They stand in no row
+    // and in no total.
+    LabelCounts const& unjudgedOf(std::size_t corpus) const { return m_unjudged.at(corpus); }
 
     // The vectors of all corpora, of all but one, of one alone; vectors without messages left out.
     std::vector<CountedVector> all() const;
@@ -69,6 +72,7 @@ class VectorTable {
 
     std::vector<std::string> m_corpora;
     std::vector<Row> m_rows;
+    std::vector<LabelCounts> m_unjudged; // in the order of m_corpora
 };
 
 // Collects vectors in any order. Not for several threads at once.
@@ -77,6 +81,9 @@ class VectorTableBuilder {
     // Adds `count` messages. A LearnError when the table would pass maxTrainingMessages.
     void add(AttributeVector const& vector, MailLabel label, std::string_view corpus,
              std::uint64_t count = 1);
+
+    // Adds messages without a vector.
+    void addUnjudged(MailLabel label, std::string_view corpus, std::uint64_t count = 1);
 
     std::uint64_t messages() const { return m_messages; }
     std::size_t distinctVectors() const { return m_counts.size(); }
@@ -89,10 +96,15 @@ class VectorTableBuilder {
         std::size_t operator()(AttributeVector const& vector) const;
     };
 
+    // Counts of corpora in the order in which they came.
+    using ByArrival = std::vector<LabelCounts>;
+
+    void addTo(ByArrival& counts, MailLabel label, std::string_view corpus, std::uint64_t count);
     std::size_t corpusIndex(std::string_view name);
 
     std::map<std::string, std::size_t, std::less<>> m_corpora;
-    std::unordered_map<AttributeVector, std::vector<LabelCounts>, VectorHash> m_counts;
+    std::unordered_map<AttributeVector, ByArrival, VectorHash> m_counts;
+    ByArrival m_unjudged;
     std::uint64_t m_messages = 0;
 };
 

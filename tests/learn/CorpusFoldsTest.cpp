@@ -80,6 +80,7 @@ TEST(CorpusFolds, LeaveOutEachCorpusOnce) {
 TEST(CorpusFolds, NeedTwoCorpora) {
     VectorTableBuilder builder;
     s_add(builder, counted({}, 5, 5), "alone");
+    builder.addUnjudged(MailLabel::ham, "without vectors", 100);
     EXPECT_THROW(crossValidate(builder.finish(), s_settings(), PruningRule::minimum), LearnError);
 }
 

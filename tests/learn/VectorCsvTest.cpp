@@ -92,13 +92,15 @@ TEST(VectorCsv, ReadsALastLineWithoutLineEnd) {
     EXPECT_EQ(s_read(text).total(), (LabelCounts{1, 0}));
 }
 
-TEST(VectorCsv, CountsMessagesThatCouldNotBeJudgedAndLeavesThemOut) {
+TEST(VectorCsv, CountsMessagesThatCouldNotBeJudgedApart) {
     std::istringstream input(s_header() + s_row("a", "", ",spam") + s_row("b", "0", ",ham"));
     VectorTableBuilder builder;
     auto const counts = readVectorCsv(input, "mail.csv", {{}, "site"}, builder);
     EXPECT_EQ(counts.m_rows, 2U);
     EXPECT_EQ(counts.m_withoutVector, 1U);
-    EXPECT_EQ(builder.messages(), 1U);
+    auto const table = builder.finish();
+    EXPECT_EQ(table.unjudgedOf(0), (LabelCounts{1, 0}));
+    EXPECT_EQ(table.total(), (LabelCounts{0, 1}));
 }
 
 TEST(VectorCsv, SaysWhereAndWhatIsWrong) {
@@ -152,12 +154,14 @@ TEST(VectorCsv, WritesTablesThatReadBackEqual) {
     builder.add(vectorOf({{5, 1}}), MailLabel::spam, "a, \"quoted\"", 1234567890123);
     builder.add(vectorOf({{5, 1}}), MailLabel::ham, "b", 2);
     builder.add(vectorOf({{14, -7}}), MailLabel::ham, "b", 2);
+    builder.addUnjudged(MailLabel::spam, "c", 77);
     std::ostringstream first;
     writeVectorCsv(first, builder.finish());
     std::ostringstream second;
     writeVectorCsv(second, s_read(first.str()));
     EXPECT_EQ(first.str(), second.str());
     EXPECT_EQ(s_read(first.str()).total(), (LabelCounts{1234567890123, 4}));
+    EXPECT_EQ(s_read(first.str()).unjudgedOf(2), (LabelCounts{77, 0}));
 }
 
 TEST(VectorCsv, ShardsAggregateToTheTableOfTheWhole) {
