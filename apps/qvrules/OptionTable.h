@@ -33,6 +33,11 @@ struct CommandRow {
     bool m_takesSettings = false;
 };
 
+// Options that need no command; the first is taken after every command too.
+inline constexpr ArgumentRow helpOption{"-h,--help", "", "Print this help message and exit"};
+inline constexpr ArgumentRow versionOption{"--version", "",
+                                           "Display program version information and exit"};
+
 // In the order of the help.
 std::span<CommandRow const> commandRows();
 // Both throw std::out_of_range when there is none: the program and its table disagree.

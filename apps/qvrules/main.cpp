@@ -160,7 +160,8 @@ bool s_rejectsCommand(int argc, char** argv) {
 int s_run(int argc, char** argv) {
     CLI::App app("Write, check and install the rules of Quorvane Deep Header.", "qvrules");
     Action action;
-    app.set_version_flag("--version", "qvrules " QV_VERSION);
+    app.set_help_flag(helpOption.m_names, helpOption.m_help);
+    app.set_version_flag(versionOption.m_names, "qvrules " QV_VERSION, versionOption.m_help);
     app.require_subcommand(1);
     s_addCommands(app, action);
     app.footer(examples);

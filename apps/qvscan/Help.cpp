@@ -22,7 +22,11 @@ Exit status: 0 no spam, 1 spam, 64 usage, 65 no message, 66 cannot be opened,
 
 std::string s_row(OptionRow const& row) {
     constexpr std::size_t helpColumn = 29;
-    auto line = "  --" + std::string(row.m_name);
+    auto line = std::string("  ");
+    if (row.m_letter != '\0') {
+        line += {'-', row.m_letter, ',', ' '};
+    }
+    line += "--" + std::string(row.m_name);
     if (!row.m_valueName.empty()) {
         line += " " + std::string(row.m_valueName);
     }
@@ -42,8 +46,6 @@ std::string helpText() {
         }
         text += s_row(row);
     }
-    text += "  -h, --help                 show this\n"
-            "  --version                  show the version\n";
     return text + std::string(tail);
 }
 

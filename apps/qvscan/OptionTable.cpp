@@ -21,6 +21,8 @@ constexpr OptionRow runOptions[] = {
     {"message-status", "N", "status of the message; rules see 3 (0)", false, messageGroup},
     {"config", "FILE", "settings file (TOML); the command line wins", false, otherGroup},
     {"show-config", "", "print the settings in force and their origins", false, otherGroup},
+    {"help", "", "show this", false, otherGroup, 'h'},
+    {"version", "", "show the version", false, otherGroup},
 };
 
 void s_append(std::vector<OptionRow>& rows, std::string_view group) {

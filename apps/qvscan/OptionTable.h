@@ -15,6 +15,7 @@ struct OptionRow {
     std::string_view m_help;
     bool m_isRepeatable = false;
     std::string_view m_group;
+    char m_letter = '\0'; // as in "-h"; NUL: none
 };
 
 // Titles of the groups, in the order of the help.

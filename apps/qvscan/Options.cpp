@@ -50,15 +50,20 @@ Texts s_withEmptyValues(Texts const& arguments) {
     return out;
 }
 
+std::string s_names(OptionRow const& row) {
+    auto const letter = row.m_letter == '\0' ? std::string() : std::string{'-', row.m_letter, ','};
+    return letter + s_dashed(row.m_name);
+}
+
 void s_register(CLI::App& app, OptionRow const& row, Given& given) {
     auto const name = std::string(row.m_name);
     if (row.m_valueName.empty()) {
-        app.add_flag_function(s_dashed(name), [&given, name](std::int64_t) { given[name] = {}; });
+        app.add_flag_function(s_names(row), [&given, name](std::int64_t) { given[name] = {}; });
         return;
     }
     // Without extra arguments: a list option takes one value each time, and no value in brackets
     // is taken apart.
-    app.add_option_function<Texts>(s_dashed(name),
+    app.add_option_function<Texts>(s_names(row),
                                    [&given, name](Texts const& texts) { given[name] = texts; })
         ->expected(1)
         ->multi_option_policy(row.m_isRepeatable ? CLI::MultiOptionPolicy::TakeAll
@@ -68,7 +73,7 @@ void s_register(CLI::App& app, OptionRow const& row, Given& given) {
 
 std::string s_unknownOption(std::string const& argument) {
     auto const name = argument.substr(0, argument.find('='));
-    Texts dashed{"--help", "--version"};
+    Texts dashed;
     for (auto const& row : optionRows()) {
         dashed.push_back(s_dashed(row.m_name));
     }
@@ -201,10 +206,6 @@ ScanOptions parseOptions(Texts arguments) {
     CLI::App app;
     app.set_help_flag();
     app.allow_extras();
-    bool showHelp = false;
-    bool showVersion = false;
-    app.add_flag("-h,--help", showHelp);
-    app.add_flag("--version", showVersion);
     for (auto const& row : optionRows()) {
         s_register(app, row, given);
     }
@@ -216,10 +217,10 @@ ScanOptions parseOptions(Texts arguments) {
     } catch (CLI::ParseError const& error) {
         throw UsageError(error.what());
     }
-    if (showHelp || showVersion) {
-        ScanOptions options;
-        options.m_showHelp = showHelp;
-        options.m_showVersion = showVersion;
+    ScanOptions options;
+    options.m_showHelp = given.contains("help");
+    options.m_showVersion = given.contains("version");
+    if (options.m_showHelp || options.m_showVersion) {
         return options;
     }
     return OptionReader(std::move(given), s_paths(app.remaining())).read();

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/common/ValueNames.h"
+#include "apps/docgen/Completion.h"
+
+#include <algorithm>
+
+namespace Quorvane::Docs {
+
+namespace {
+
+// Where the cursor stands: `current` is the word to complete, `key` the option whose value it may
+// be, `command` the command so far. Bash splits "--format=json" into three words.
+constexpr std::string_view head = R"(# shellcheck shell=bash
+# Completion of @ for bash. Generated from the program's option table.
+
+_@() {
+    local current=${COMP_WORDS[COMP_CWORD]} key=${COMP_WORDS[COMP_CWORD - 1]}
+    local command='' isOption=1 index
+    COMPREPLY=()
+    if [[ $current == '=' ]]; then
+        current=''
+    elif [[ $key == '=' ]]; then
+        key=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+    for ((index = 1; index < COMP_CWORD; ++index)); do
+        if [[ ${COMP_WORDS[index]} == -- ]]; then
+            isOption='' key=''
+        elif [[ ! $command && ${COMP_WORDS[index]} != -* ]]; then
+            command=${COMP_WORDS[index]}
+        fi
+    done
+)";
+
+std::string s_named(std::string_view text, std::string const& name) {
+    std::string out;
+    for (char const c : text) {
+        out += c == '@' ? name : std::string(1, c);
+    }
+    return out;
+}
+
+std::string s_joined(std::vector<std::string> const& words) {
+    std::string text;
+    for (auto const& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
+std::string s_offer(std::vector<std::string> const& words) {
+    return "mapfile -t COMPREPLY < <(compgen -W '" + s_joined(words) + "' -- \"$current\")";
+}
+
+// Readline completes paths itself: it knows how to quote them.
+std::string s_offerValue(std::string const& valueName) {
+    switch (kindOf(valueName)) {
+    case ValueKind::words:
+        return s_offer(literalsOf(valueName));
+    case ValueKind::file:
+        return "compopt -o default";
+    case ValueKind::folder:
+        return "compopt -o dirnames";
+    case ValueKind::flag:
+    case ValueKind::other:
+        break;
+    }
+    return ":";
+}
+
+std::string s_case(std::string const& pattern, std::string const& action) {
+    return "    " + pattern + ")\n        " + action + "\n        return\n        ;;\n";
+}
+
+// Commands stand in front of the keys only where there are any.
+std::string s_prefix(ProgramDoc const& program, CommandDoc const& command) {
+    return program.m_commands.empty() ? "*" : command.m_name;
+}
+
+std::string s_valueCases(ProgramDoc const& program, CommandDoc const& command) {
+    std::string text;
+    for (auto const& option : command.m_options) {
+        if (option.m_valueName.empty()) {
+            continue;
+        }
+        auto const start = s_prefix(program, command) + ":-";
+        auto const letter = option.m_letter.empty() ? "" : start + option.m_letter + " | ";
+        text += s_case(letter + start + "-" + option.m_name, s_offerValue(option.m_valueName));
+    }
+    return text;
+}
+
+std::vector<std::string> s_optionWords(ProgramDoc const& program, CommandDoc const& command) {
+    std::vector<std::string> words;
+    for (auto const& option : command.m_options) {
+        words.push_back("--" + option.m_name);
+    }
+    if (&command != &program.m_own && !program.m_own.m_options.empty()) {
+        words.emplace_back("--help");
+    }
+    return words;
+}
+
+std::string s_arguments(CommandDoc const& command) {
+    return command.m_arguments.empty() ? ":" : s_offerValue(command.m_arguments[0].m_name);
+}
+
+// After the values: options where the word begins with "-", arguments elsewhere.
+std::string s_wordCases(ProgramDoc const& program, CommandDoc const& command) {
+    auto const prefix = s_prefix(program, command);
+    return s_case(prefix + ":1-*", s_offer(s_optionWords(program, command))) +
+           s_case(prefix + ":*", s_arguments(command));
+}
+
+std::string s_commandCases(ProgramDoc const& program) {
+    std::vector<std::string> names;
+    std::string text;
+    for (auto const& command : program.m_commands) {
+        names.push_back(command.m_name);
+        text += s_wordCases(program, command);
+    }
+    return s_case(":1-*", s_offer(s_optionWords(program, program.m_own))) +
+           s_case(":*", s_offer(names)) + text;
+}
+
+} // namespace
+
+std::string bashCompletion(ProgramDoc const& program) {
+    auto text = s_named(head, program.m_name);
+    text += "    case $command:$key in\n" + s_valueCases(program, program.m_own);
+    for (auto const& command : program.m_commands) {
+        text += s_valueCases(program, command);
+    }
+    text += "    esac\n    case $command:$isOption$current in\n";
+    text +=
+        program.m_commands.empty() ? s_wordCases(program, program.m_own) : s_commandCases(program);
+    return text + s_named("    esac\n}\ncomplete -F _@ @\n", program.m_name);
+}
+
+} // namespace Quorvane::Docs

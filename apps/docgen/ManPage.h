@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// ManPage: the source of a manual page (mdoc macros), with the lines that come from tables put in
+// where the prose asks for them, each on a line of its own:
+//   @OPTIONS Output@  the options of a section, or the options and arguments of a command
+//   @COMMANDS@        a subsection for each command that no @OPTIONS before it asked for
+//   @SYNOPSIS@        one line for each command
+//   @SETTINGS@        the keys of the settings file
+//   @VERSION@         anywhere in a line
+// Pure.
+#pragma once
+
+#include "apps/docgen/ProgramDoc.h"
+
+#include <string>
+#include <string_view>
+
+namespace Quorvane::Docs {
+
+// Throws std::runtime_error when `prose` asks for what there is not, or leaves options out.
+std::string manPage(ProgramDoc const& program, std::string_view prose, std::string_view version);
+
+} // namespace Quorvane::Docs

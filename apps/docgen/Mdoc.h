@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Options, arguments and settings in mdoc macros. Pure functions.
+#pragma once
+
+#include "apps/docgen/ProgramDoc.h"
+
+#include <string>
+#include <string_view>
+
+namespace Quorvane::Docs {
+
+// Text that no macro or escape of roff can be read into.
+std::string mdocText(std::string_view text);
+// A line with a phrase of a table as a sentence: tables hold phrases, manual pages sentences.
+std::string mdocSentence(std::string_view phrase);
+// ".It Fl o , Fl \-output Ar DIR" and its paragraph.
+std::string mdocItem(OptionDoc const& option);
+std::string mdocItem(ArgumentDoc const& argument);
+// ".Nm qvrules Cm compile …".
+std::string mdocSynopsis(ProgramDoc const& program, CommandDoc const& command);
+// A list of the keys of the settings file.
+std::string mdocSettings();
+
+} // namespace Quorvane::Docs

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/common/ValueNames.h"
+#include "apps/docgen/Completion.h"
+
+namespace Quorvane::Docs {
+
+namespace {
+
+// A text inside '…' of a _arguments entry, where brackets and colons part the fields.
+std::string s_escaped(std::string const& text) {
+    std::string out;
+    for (char const c : text) {
+        if (c == '\'') {
+            out += "'\\''";
+            continue;
+        }
+        if (c == '[' || c == ']' || c == ':' || c == '\\') {
+            out += '\\';
+        }
+        out += c;
+    }
+    return out;
+}
+
+std::string s_action(std::string const& valueName) {
+    std::string words;
+    switch (kindOf(valueName)) {
+    case ValueKind::words:
+        for (auto const& literal : literalsOf(valueName)) {
+            words += (words.empty() ? "" : " ") + literal;
+        }
+        return "(" + words + ")";
+    case ValueKind::file:
+        return "_files";
+    case ValueKind::folder:
+        return "_files -/";
+    case ValueKind::flag:
+    case ValueKind::other:
+        break;
+    }
+    // A blank: the value has a name and nothing to offer.
+    return " ";
+}
+
+std::string s_option(OptionDoc const& option) {
+    bool const isFlag = option.m_valueName.empty();
+    auto const name = "--" + option.m_name + (isFlag ? "" : "=");
+    auto text = "'" + std::string(option.m_isRepeatable ? "*" : "") + name;
+    if (!option.m_letter.empty()) {
+        text = "'(-" + option.m_letter + " --" + option.m_name + ")'{-" + option.m_letter +
+               (isFlag ? "" : "+") + "," + name + "}'";
+    }
+    text += "[" + s_escaped(option.m_help) + "]";
+    if (!isFlag) {
+        text += ":" + s_escaped(option.m_valueName) + ":" + s_action(option.m_valueName);
+    }
+    return text + "'";
+}
+
+std::string s_argument(ArgumentDoc const& argument, std::size_t place) {
+    auto const start = argument.m_isRepeatable ? "*:"
+                       : argument.m_isRequired ? std::to_string(place) + ":"
+                                               : std::to_string(place) + "::";
+    return "'" + start + s_escaped(argument.m_help) + ":" + s_action(argument.m_name) + "'";
+}
+
+// The entries of _arguments, each on a line of its own behind `indent`.
+std::string s_entries(CommandDoc const& command, std::string const& indent) {
+    std::string text;
+    for (auto const& option : command.m_options) {
+        text += " \\\n" + indent + s_option(option);
+    }
+    for (std::size_t i = 0; i < command.m_arguments.size(); ++i) {
+        text += " \\\n" + indent + s_argument(command.m_arguments[i], i + 1);
+    }
+    return text;
+}
+
+std::string s_commandList(ProgramDoc const& program) {
+    std::string text = "        local -a commands=(\n";
+    for (auto const& command : program.m_commands) {
+        text += "            '" + command.m_name + ":" + s_escaped(command.m_summary) + "'\n";
+    }
+    return text + "        )\n        _describe command commands\n        ;;\n";
+}
+
+std::string s_commandCases(ProgramDoc const& program) {
+    std::string text = "    arguments)\n        case $words[1] in\n";
+    for (auto const& command : program.m_commands) {
+        auto withHelp = command;
+        withHelp.m_options.insert(withHelp.m_options.begin(), program.m_own.m_options.front());
+        text += "        " + command.m_name + ")\n            _arguments -s -S" +
+                s_entries(withHelp, "                ") + "\n            ;;\n";
+    }
+    return text + "        esac\n        ;;\n";
+}
+
+std::string s_withCommands(ProgramDoc const& program) {
+    return "    local context state state_descr line\n"
+           "    typeset -A opt_args\n"
+           "    _arguments -s -S -C" +
+           s_entries(program.m_own, "        ") +
+           " \\\n        '1:command:->command' \\\n        '*:: :->arguments' && return\n"
+           "    case $state in\n    command)\n" +
+           s_commandList(program) + s_commandCases(program) + "    esac\n";
+}
+
+} // namespace
+
+std::string zshCompletion(ProgramDoc const& program) {
+    auto const& name = program.m_name;
+    auto text = "#compdef " + name + "\n# Generated from the program's option table.\n\n_" + name +
+                "() {\n";
+    text += program.m_commands.empty()
+                ? "    _arguments -s -S" + s_entries(program.m_own, "        ") + "\n"
+                : s_withCommands(program);
+    return text + "}\n\n_" + name + " \"$@\"\n";
+}
+
+} // namespace Quorvane::Docs

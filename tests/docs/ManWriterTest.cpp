@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/docgen/ManPage.h"
+#include "apps/docgen/Mdoc.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+namespace Quorvane::Docs {
+
+namespace {
+
+ProgramDoc s_program() {
+    ProgramDoc program{"tool", {}, {}};
+    program.m_own.m_options.push_back(
+        {"Output", "format", "f", "text|FILE", "how. it looks", false, true});
+    program.m_commands.push_back(
+        {"make", "Make", {{"make", "force", "", "", "at once"}}, {{"SRC", "Text", true, false}}});
+    return program;
+}
+
+constexpr char allSections[] = "@OPTIONS Output@\n@OPTIONS make@\n";
+
+} // namespace
+
+TEST(MdocText, LetsNoTableEntryActAsAMacro) {
+    EXPECT_EQ(mdocText(".Sh"), "\\&.Sh");
+    EXPECT_EQ(mdocText("'x"), "\\&'x");
+    EXPECT_EQ(mdocText("a\\fBb"), "a\\efBb");
+    EXPECT_EQ(mdocText("walk-to-leaf"), "walk\\-to\\-leaf");
+}
+
+TEST(ManWriter, PutsOptionsWhereTheProseAsksForThem) {
+    EXPECT_EQ(manPage(s_program(), ".Sh A\n@OPTIONS Output@\n.Sh B\n@OPTIONS make@\n", "1"),
+              ".Sh A\n.Bl -tag -width Ds\n"
+              ".It Fl f , Fl \\-format Cm text | Ar FILE\n"
+              "How. it looks.\nMay be given more than once.\n.El\n"
+              ".Sh B\n.Bl -tag -width Ds\n.It Ar SRC\nText.\n.It Fl \\-force\nAt once.\n.El\n");
+}
+
+TEST(ManWriter, WritesTheSynopsisOfEachCommand) {
+    auto const page = manPage(s_program(), std::string("@SYNOPSIS@\n") + allSections, "1");
+    EXPECT_TRUE(page.starts_with(".Nm tool\n.Cm make\n.Op Fl \\-force\n.Ar SRC\n")) << page;
+}
+
+TEST(ManWriter, PutsTheVersionIn) {
+    auto const page = manPage(s_program(), std::string(".Os X @VERSION@\n") + allSections, "2.3");
+    EXPECT_TRUE(page.starts_with(".Os X 2.3\n"));
+}
+
+TEST(ManWriter, DescribesCommandsThatTheProseForgets) {
+    EXPECT_EQ(manPage(s_program(), "@COMMANDS@\n@OPTIONS Output@\n", "1").substr(0, 60),
+              manPage(s_program(), ".Ss make\nMake.\n@OPTIONS make@\n@OPTIONS Output@\n", "1")
+                  .substr(0, 60));
+    EXPECT_EQ(manPage(s_program(), std::string(allSections) + "@COMMANDS@\n", "1"),
+              manPage(s_program(), allSections, "1"));
+}
+
+TEST(ManWriter, ListsWhatCommandsShareOnce) {
+    auto program = s_program();
+    for (auto const* const name : {"one", "two"}) {
+        program.m_commands.push_back({name, "", {{"shared", "jobs", "", "N", "threads"}}, {}});
+    }
+    auto const page = manPage(program, std::string(allSections) + "@OPTIONS shared@\n", "1");
+    EXPECT_EQ(page.find("jobs"), page.rfind("jobs"));
+}
+
+TEST(ManWriter, RefusesProseThatLeavesOptionsOut) {
+    EXPECT_THROW(manPage(s_program(), "@OPTIONS Output@\n", "1"), std::runtime_error);
+}
+
+TEST(ManWriter, RefusesProseThatAsksForWhatThereIsNot) {
+    auto const twice = std::string(allSections) + "@OPTIONS make@\n";
+    EXPECT_THROW(manPage(s_program(), twice, "1"), std::runtime_error);
+    auto const unknown = std::string(allSections) + "@OPTIONS Input@\n";
+    EXPECT_THROW(manPage(s_program(), unknown, "1"), std::runtime_error);
+}
+
+} // namespace Quorvane::Docs
