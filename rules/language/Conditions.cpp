@@ -13,6 +13,7 @@ constexpr std::int32_t unknownAttribute = -1;
 
 std::vector<std::string_view> s_attributeNames() {
     std::vector<std::string_view> names;
+    names.reserve(attributeTable.size());
     for (auto const& facts : attributeTable) {
         names.push_back(facts.m_name);
     }
@@ -56,6 +57,7 @@ std::int32_t s_operator(TokenReader& in) {
 
 std::vector<std::string_view> s_words() {
     std::vector<std::string_view> words;
+    words.reserve(valueWords.size());
     for (auto const& word : valueWords) {
         words.push_back(word.m_word);
     }

@@ -3,15 +3,9 @@
 #include "rules/language/Printers.h"
 #include "rules/language/RuleText.h"
 
-#include <cstring>
-
 namespace Quorvane::Rules {
 
 namespace {
-
-bool s_sameBits(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 std::string s_selectText(std::int32_t mode) {
     switch (mode) {
@@ -75,7 +69,7 @@ std::string s_conditions(EliteNodes const& rule) {
 
 std::string s_ruleLine(EliteNodes const& rule) {
     auto text = s_kindText(rule) + numberText(rule.weight) + s_codeText(rule);
-    if (!s_sameBits(rule.support, rule.type == EliteType::deciding ? 100.0 : 0.0)) {
+    if (!sameBits(rule.support, rule.type == EliteType::deciding ? 100.0 : 0.0)) {
         text += " support " + numberText(rule.support);
     }
     printUnless(text, "level", +rule.level, 0);

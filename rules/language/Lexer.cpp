@@ -174,7 +174,7 @@ class Lexer {
     }
 
     static std::string unexpected(char c) {
-        auto const shown = "unexpected character " + quotedText({&c, 1});
+        auto shown = "unexpected character " + quotedText({&c, 1});
         if (c == '=') {
             return shown + "; write == for \"equals\"";
         }

@@ -5,9 +5,19 @@
 
 #include "rules/model/RuleSet.h"
 
+#include <array>
+#include <bit>
 #include <string>
+#include <string_view>
 
 namespace Quorvane::Rules {
+
+// Equal to the last bit: 0 and -0 differ, a NaN equals itself.
+template<typename T>
+bool sameBits(T const& a, T const& b) {
+    using Bits = std::array<char, sizeof(T)>;
+    return std::bit_cast<Bits>(a) == std::bit_cast<Bits>(b);
+}
 
 // Appends " WORD VALUE" unless the value is the default.
 template<typename T>

@@ -4,7 +4,6 @@
 #include "rules/language/RuleText.h"
 
 #include <algorithm>
-#include <cstring>
 #include <set>
 #include <utility>
 
@@ -16,10 +15,6 @@ constexpr int indentWidth = 4;
 // No tree that loads is deeper; a chain of nodes in a file that does not must not exhaust the
 // stack.
 constexpr int maxDepth = maxTreeNodes;
-
-bool s_sameBits(double a, double b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 // Whether the children can be said with a block: their number is possible, and the slots behind
 // them are empty.
@@ -79,7 +74,7 @@ class Layout {
         auto const zero = emptyNode();
         auto const& node = m_nodes[static_cast<std::size_t>(number)];
         auto const isLast = std::cmp_equal(number + 1, m_nodes.size());
-        return number > treeRoot || isLast || std::memcmp(&node, &zero, sizeof node) != 0;
+        return number > treeRoot || isLast || !sameBits(node, zero);
     }
 
     void placeLoose() {
@@ -128,10 +123,10 @@ class TreePrinter {
             m_text +=
                 " when " + conditionText(record.attribute, record.test, record.testValue) + ':';
         }
-        if (!s_sameBits(record.confidence, 0.5)) {
+        if (!sameBits(record.confidence, 0.5)) {
             m_text += " confidence " + numberText(record.confidence);
         }
-        if (!s_sameBits(record.support, 100.0)) {
+        if (!sameBits(record.support, 100.0)) {
             m_text += " support " + numberText(record.support);
         }
         restOf(treeRoot, 0);
