@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Learn.h"
 
-#include "apps/common/SettingsTable.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/ProgressLine.h"
@@ -73,9 +72,8 @@ void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& count
 }
 
 // Empty when the command line makes sense.
-std::string s_usageError(LearnArguments const& arguments) {
-    if (arguments.m_ham.empty() && arguments.m_spam.empty() && arguments.m_vectors.empty() &&
-        arguments.m_hamVectors.empty() && arguments.m_spamVectors.empty()) {
+std::string s_usageError(LearnArguments const& arguments, TrainingMail const& mail) {
+    if (mail.isEmpty()) {
         return "learn: give training mail (--ham, --spam) or vectors (--vectors)";
     }
     if (arguments.m_output.empty() && arguments.m_table.empty()) {
@@ -98,7 +96,8 @@ Rules::LearnedTree s_learn(LearnArguments const& arguments, Rules::VectorTable c
 } // namespace
 
 int learn(LearnArguments const& arguments) {
-    if (auto const error = s_usageError(arguments); !error.empty()) {
+    auto const mail = trainingMail(arguments);
+    if (auto const error = s_usageError(arguments, mail); !error.empty()) {
         std::cerr << error << '\n';
         return ExitStatus::usage;
     }
@@ -107,7 +106,7 @@ int learn(LearnArguments const& arguments) {
     static_cast<void>(pruningPlan(arguments));
     Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
-    auto const table = readTrainingMail(arguments, progress, counts);
+    auto const table = readTrainingMail(mail, progress, counts);
     if (!arguments.m_table.empty()) {
         s_writeTable(arguments.m_table, table);
     }

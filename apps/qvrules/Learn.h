@@ -3,8 +3,8 @@
 // `qvrules learn`: training mail or counted vectors in, a rule text out.
 #pragma once
 
-#include "apps/common/HostSettings.h"
 #include "apps/qvrules/HostOptions.h"
+#include "apps/qvrules/TrainingMail.h"
 #include "rules/learn/Learner.h"
 
 #include <string>
@@ -38,7 +38,7 @@ struct LearnArguments {
 // What the words of the arguments mean.
 Rules::LearnSettings learnSettings(LearnArguments const& arguments);
 Rules::PruningPlan pruningPlan(LearnArguments const& arguments);
-HostSettings scanSettings(LearnArguments const& arguments);
+TrainingMail trainingMail(LearnArguments const& arguments);
 
 int learn(LearnArguments const& arguments);
 

@@ -43,13 +43,21 @@ Rules::PruningPlan pruningPlan(LearnArguments const& arguments) {
     return alpha;
 }
 
-// Old mail cannot be looked up any more: the names are gone, and their absence would be learned.
-HostSettings scanSettings(LearnArguments const& arguments) {
+TrainingMail trainingMail(LearnArguments const& arguments) {
     auto given = arguments.m_settings;
     if (!arguments.m_lookups) {
+        // Old mail cannot be looked up any more: the names are gone, which would be learned.
         given["dns"] = {"off"};
     }
-    return hostSettings(given);
+    TrainingMail mail;
+    mail.m_ham = arguments.m_ham;
+    mail.m_spam = arguments.m_spam;
+    mail.m_vectors = arguments.m_vectors;
+    mail.m_hamVectors = arguments.m_hamVectors;
+    mail.m_spamVectors = arguments.m_spamVectors;
+    mail.m_copies = arguments.m_augment.empty() ? Copies::none : Copies::together;
+    mail.m_host = hostSettings(given);
+    return mail;
 }
 
 } // namespace Quorvane::RulesApp

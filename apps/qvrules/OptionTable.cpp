@@ -57,6 +57,20 @@ constexpr ArgumentRow learnArguments[] = {
      "what they say"},
 };
 
+constexpr ArgumentRow evaluateArguments[] = {
+    {"RULES", "PATH", "Rule text, or folder with rule files", true},
+    {"--ham", "[CORPUS=]PATH", "Wanted mail: files, mboxes, folders, Maildirs", false, true},
+    {"--spam", "[CORPUS=]PATH", "Unwanted mail", false, true},
+    {"--vectors", "[CORPUS=]FILE", "CSV of vectors with a column label; - for standard input",
+     false, true},
+    {"--ham-vectors", "[CORPUS=]FILE", "The same without label: all ham", false, true},
+    {"--spam-vectors", "[CORPUS=]FILE", "The same without label: all spam", false, true},
+    {"--augment", "no-reverse-name",
+     "Measure copies too, as a border without reverse names would "
+     "have recorded the mail, as corpora of their own"},
+    {"--format", "text|json", "text for people, json for programs"},
+};
+
 constexpr auto table = std::to_array<CommandRow>({
     {"compile", "Make rule files of a rule text", compileArguments,
      "Each file is replaced in one step; files that the rules do not have are\n"
@@ -83,6 +97,12 @@ constexpr auto table = std::to_array<CommandRow>({
      "          qvscan --format csv new/ | qvrules learn --spam-vectors new=- \\\n"
      "              --vectors table.csv -o learned.qvr\n"
      "          qvrules learn --vectors shards/*.csv --table all.csv",
+     true},
+    {"evaluate", "Measure rules on sorted mail", evaluateArguments,
+     "For each corpus and together: how much can be judged, what the thresholds give,\n"
+     "the ROC curve, how far confidences can be trusted, which rules decide and which\n"
+     "err, with sample messages. Measure on mail that the rules were not learned from.\n\n"
+     "Example: qvrules evaluate my.qvr --ham new/ham --spam new/spam --dns off",
      true},
     {"attributes", "List what rules can test, as Markdown", {}},
 });

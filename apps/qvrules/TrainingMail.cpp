@@ -17,17 +17,17 @@ namespace {
 
 class TrainingMailReader {
   public:
-    TrainingMailReader(LearnArguments const& arguments, Workshop::ProgressLine& progress,
-                       TrainingMailCounts& counts)
-        : m_arguments(arguments), m_progress(progress), m_counts(counts) {}
+    TrainingMailReader(TrainingMail const& mail, Workshop::ProgressLine& progress,
+                       TrainingMailCounts& counts, Rules::SampleSources* samples)
+        : m_mail(mail), m_progress(progress), m_counts(counts), m_samples(samples) {}
 
     Rules::VectorTable read() {
-        readMessages(m_arguments.m_ham, Rules::MailLabel::ham);
-        readMessages(m_arguments.m_spam, Rules::MailLabel::spam);
+        readMessages(m_mail.m_ham, Rules::MailLabel::ham);
+        readMessages(m_mail.m_spam, Rules::MailLabel::spam);
         m_scanner.reset(); // signals are its own as long as it lives
-        readTables(m_arguments.m_vectors, std::nullopt);
-        readTables(m_arguments.m_hamVectors, Rules::MailLabel::ham);
-        readTables(m_arguments.m_spamVectors, Rules::MailLabel::spam);
+        readTables(m_mail.m_vectors, std::nullopt);
+        readTables(m_mail.m_hamVectors, Rules::MailLabel::ham);
+        readTables(m_mail.m_spamVectors, Rules::MailLabel::spam);
         return m_table.finish();
     }
 
@@ -37,8 +37,8 @@ class TrainingMailReader {
             return;
         }
         if (!m_scanner) {
-            m_scanner = std::make_unique<Workshop::MailVectors>(scanSettings(m_arguments),
-                                                                !m_arguments.m_augment.empty());
+            m_scanner = std::make_unique<Workshop::MailVectors>(m_mail.m_host,
+                                                                m_mail.m_copies != Copies::none);
         }
         for (auto const& text : paths) {
             auto const input = readCorpusPath(text);
@@ -52,15 +52,29 @@ class TrainingMailReader {
         ++m_counts.m_messages;
         if (mail.m_vector) {
             m_table.add(*mail.m_vector, label, corpus);
+            keepSample(*mail.m_vector, label, mail.m_source);
         } else {
             ++m_counts.m_notJudgeable;
             m_table.addUnjudged(label, corpus);
         }
         if (mail.m_withoutReverseName) {
             ++m_counts.m_copies;
-            m_table.add(*mail.m_withoutReverseName, label, corpus);
+            bool const apart = m_mail.m_copies == Copies::apart;
+            m_table.add(*mail.m_withoutReverseName, label,
+                        apart ? corpus + ", no reverse names" : corpus);
         }
         m_progress.tick([&] { return std::to_string(m_counts.m_messages) + " messages scanned"; });
+    }
+
+    void keepSample(Rules::AttributeVector const& vector, Rules::MailLabel label,
+                    std::string const& source) {
+        if (m_samples == nullptr) {
+            return;
+        }
+        auto& sources = (*m_samples)[{vector, label}];
+        if (sources.size() < Rules::Deciders::maxSamples) {
+            sources.push_back(source);
+        }
     }
 
     void readTables(std::vector<std::string> const& paths, std::optional<Rules::MailLabel> label) {
@@ -88,19 +102,25 @@ class TrainingMailReader {
         m_counts.m_notJudgeable += counts.m_withoutVector;
     }
 
-    LearnArguments const& m_arguments;
+    TrainingMail const& m_mail;
     Workshop::ProgressLine& m_progress;
     TrainingMailCounts& m_counts;
+    Rules::SampleSources* m_samples;
     Rules::VectorTableBuilder m_table;
     std::unique_ptr<Workshop::MailVectors> m_scanner;
 };
 
 } // namespace
 
-Rules::VectorTable readTrainingMail(LearnArguments const& arguments,
-                                    Workshop::ProgressLine& progress, TrainingMailCounts& counts) {
+bool TrainingMail::isEmpty() const {
+    return m_ham.empty() && m_spam.empty() && m_vectors.empty() && m_hamVectors.empty() &&
+           m_spamVectors.empty();
+}
+
+Rules::VectorTable readTrainingMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
+                                    TrainingMailCounts& counts, Rules::SampleSources* samples) {
     try {
-        return TrainingMailReader(arguments, progress, counts).read();
+        return TrainingMailReader(mail, progress, counts, samples).read();
     } catch (SettingsError const& error) {
         throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
     }

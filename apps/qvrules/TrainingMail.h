@@ -1,16 +1,39 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Gathers everything that a learn command names into one table: messages, scanned, and tables of
+// Gathers the sorted mail that a command names into one table: messages, scanned, and tables of
 // vectors from elsewhere.
 #pragma once
 
-#include "apps/qvrules/Learn.h"
+#include "apps/common/HostSettings.h"
 #include "apps/workshop/ProgressLine.h"
+#include "rules/evaluate/Evaluation.h"
 #include "rules/learn/VectorTable.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace Quorvane::RulesApp {
+
+// What becomes of copies as a border without reverse names would have recorded the mail.
+enum class Copies {
+    none,
+    together, // they belong to the corpus of the mail
+    apart,    // they are a corpus of their own
+};
+
+struct TrainingMail {
+    // Each [CORPUS=]PATH.
+    std::vector<std::string> m_ham;
+    std::vector<std::string> m_spam;
+    std::vector<std::string> m_vectors;     // rows say their label
+    std::vector<std::string> m_hamVectors;  // rows are all ham
+    std::vector<std::string> m_spamVectors; // rows are all spam
+    Copies m_copies = Copies::none;
+    HostSettings m_host;
+
+    bool isEmpty() const;
+};
 
 struct TrainingMailCounts {
     std::uint64_t m_messages = 0;     // scanned, copies not counted
@@ -18,8 +41,10 @@ struct TrainingMailCounts {
     std::uint64_t m_copies = 0;       // rewritten messages that were added
 };
 
-// A RuleError for an input that cannot be read.
-Rules::VectorTable readTrainingMail(LearnArguments const& arguments,
-                                    Workshop::ProgressLine& progress, TrainingMailCounts& counts);
+// `samples` gets the sources of some messages of each kind. A RuleError for an input that cannot be
+// read.
+Rules::VectorTable readTrainingMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
+                                    TrainingMailCounts& counts,
+                                    Rules::SampleSources* samples = nullptr);
 
 } // namespace Quorvane::RulesApp

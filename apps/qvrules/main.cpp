@@ -3,6 +3,7 @@
 // qvrules: the command line. CLI11 compiles slowly: only this and HostOptions.cpp include it.
 #include "apps/common/ValueNames.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Evaluate.h"
 #include "apps/qvrules/HostOptions.h"
 #include "apps/qvrules/Learn.h"
 #include "apps/qvrules/OptionTable.h"
@@ -31,6 +32,7 @@ constexpr char examples[] =
     "  qvrules install my.qvr                put in force under running hosts\n"
     "  qvrules install --rollback            and take it back\n"
     "  qvrules learn --ham A --spam B -o my.qvr   learn a tree from mail\n"
+    "  qvrules evaluate my.qvr --ham A --spam B   measure rules on mail\n"
     "  qvrules attributes                    what rules can test\n"
     "\n"
     "\"qvrules COMMAND --help\" says more. Exit status: 0 well, 1 findings, 64 bad\n"
@@ -119,6 +121,16 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("--exclude", &LearnArguments::m_exclude)
         .tie("--lookups", &LearnArguments::m_lookups)
         .tieSettings(&LearnArguments::m_settings);
+    Command(app, action, "evaluate", evaluate)
+        .tie("RULES", &EvaluateArguments::m_rules)
+        .tie("--ham", &EvaluateArguments::m_ham)
+        .tie("--spam", &EvaluateArguments::m_spam)
+        .tie("--vectors", &EvaluateArguments::m_vectors)
+        .tie("--ham-vectors", &EvaluateArguments::m_hamVectors)
+        .tie("--spam-vectors", &EvaluateArguments::m_spamVectors)
+        .tie("--augment", &EvaluateArguments::m_augment)
+        .tie("--format", &EvaluateArguments::m_format)
+        .tieSettings(&EvaluateArguments::m_settings);
     Command(app, action, "attributes", listAttributes);
 }
 

@@ -10,7 +10,7 @@
 #include "apps/common/Inputs.h"
 #include "apps/common/Interrupt.h"
 #include "apps/common/ScanHost.h"
-#include "apps/workshop/EmptyRules.h"
+#include "apps/workshop/TemporaryRules.h"
 #include "rules/learn/NoReverseName.h"
 #include "rules/learn/VectorTable.h"
 
@@ -54,7 +54,8 @@ class MailVectors {
     std::optional<Rules::AttributeVector> attributesOf(std::string const& headerSection) const;
 
     Interrupt m_interrupt; // before any thread
-    EmptyRules m_rules;
+    // The engine will not start without a tree; one without records decides nothing.
+    TemporaryRules m_rules{Rules::RuleSet{}};
     bool m_wantsRewritten;
     ScanHost m_host;
     Rules::IsOwnRelay m_isOwnRelay;

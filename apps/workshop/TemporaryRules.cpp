@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/workshop/EmptyRules.h"
+#include "apps/workshop/TemporaryRules.h"
 
 #include "rules/format/RuleFiles.h"
 #include "rules/model/RuleError.h"
@@ -11,16 +11,16 @@
 
 namespace Quorvane::Workshop {
 
-EmptyRules::EmptyRules() : m_root(std::filesystem::temp_directory_path() / "qvrules-XXXXXX") {
+TemporaryRules::TemporaryRules(Rules::RuleSet const& rules)
+    : m_root(std::filesystem::temp_directory_path() / "qvrules-XXXXXX") {
     if (::mkdtemp(m_root.data()) == nullptr) {
         throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
                                m_root + ": cannot make a temporary folder; set TMPDIR");
     }
-    // A tree file without records loads: a root without children.
-    Rules::writeFolder(m_root + ruleDirectory, Rules::RuleSet{});
+    Rules::writeFolder(m_root + ruleDirectory, rules);
 }
 
-EmptyRules::~EmptyRules() {
+TemporaryRules::~TemporaryRules() {
     std::error_code ignored;
     std::filesystem::remove_all(m_root, ignored);
 }

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvrules/Evaluate.h"
+
+#include "apps/qvrules/Commands.h"
+#include "apps/qvrules/TrainingMail.h"
+#include "apps/workshop/ProgressLine.h"
+#include "apps/workshop/VectorJudge.h"
+#include "rules/language/LoadRules.h"
+
+#include <iostream>
+
+namespace Quorvane::RulesApp {
+
+namespace {
+
+TrainingMail s_mail(EvaluateArguments const& arguments) {
+    TrainingMail mail;
+    mail.m_ham = arguments.m_ham;
+    mail.m_spam = arguments.m_spam;
+    mail.m_vectors = arguments.m_vectors;
+    mail.m_hamVectors = arguments.m_hamVectors;
+    mail.m_spamVectors = arguments.m_spamVectors;
+    mail.m_copies = arguments.m_augment.empty() ? Copies::none : Copies::apart;
+    mail.m_host = hostSettings(arguments.m_settings);
+    return mail;
+}
+
+} // namespace
+
+int evaluate(EvaluateArguments const& arguments) {
+    auto const mail = s_mail(arguments);
+    if (mail.isEmpty()) {
+        std::cerr << "evaluate: give mail (--ham, --spam) or vectors (--vectors)\n";
+        return ExitStatus::usage;
+    }
+    auto const rules = Rules::loadRules(arguments.m_rules);
+    Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
+    Workshop::ProgressLine progress("qvrules");
+    TrainingMailCounts counts;
+    Rules::SampleSources samples;
+    auto const table = readTrainingMail(mail, progress, counts, &samples);
+    auto const evaluation = Rules::evaluate(
+        table, [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); },
+        samples);
+    EvaluatedRules const shown{rules.m_set, mail.m_host.m_judging};
+    std::cout << (arguments.m_format == "json" ? evaluationJson(evaluation, shown)
+                                               : evaluationText(evaluation, shown));
+    return ExitStatus::well;
+}
+
+} // namespace Quorvane::RulesApp

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// VectorJudge: an engine with one rule set, asked about attribute vectors instead of messages.
+//
+// Owns its engine; several with different rules live side by side. judge() may be called from any
+// thread. Construct it before scans begin: it moves the file layer's root for a moment. A RuleError
+// when no host could load the rules.
+#pragma once
+
+#include "adapter/DeepHeaderAdapter.h"
+#include "rules/evaluate/JudgedVector.h"
+#include "rules/learn/VectorTable.h"
+#include "rules/model/RuleSet.h"
+
+namespace Quorvane::Workshop {
+
+class VectorJudge {
+  public:
+    VectorJudge(Rules::RuleSet const& rules, DeepHeaderSettings const& settings);
+
+    // The verdict of a message with these attributes. The score is the highest spam threshold at
+    // which it is still called spam; it holds for walks to the leaf, since a walk that may stop
+    // early takes another way at another threshold.
+    Rules::JudgedVector judge(Rules::AttributeVector const& vector) const;
+
+    DeepHeaderAdapter const& engine() const { return *m_engine.operator->(); }
+
+  private:
+    DeepHeaderSettings m_settings;
+    RefDeepHeaderAdapter m_engine;
+};
+
+} // namespace Quorvane::Workshop

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Which nodes and elite rules decide how many messages, and how often they are wrong.
+#pragma once
+
+#include "rules/evaluate/JudgedVector.h"
+#include "rules/learn/VectorTable.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Quorvane::Rules {
+
+struct DeciderFigures {
+    Decider m_decider;
+    double m_confidence = 0.0;
+    double m_support = 0.0;
+    LabelCounts m_reached; // messages that it decided or was reported for
+    // Spam called ham and ham called spam.
+    LabelCounts m_wrong;
+    // Sources of some messages that were judged wrongly.
+    std::vector<std::string> m_samples;
+};
+
+class Deciders {
+  public:
+    // Samples kept for each decider.
+    static constexpr std::size_t maxSamples = 3;
+
+    void add(JudgedVector const& judged, LabelCounts const& counts,
+             std::vector<std::string> const& wrongSources);
+
+    // Those that were reported for most messages first; those that erred most first, without those
+    // that never erred. Ties by number.
+    std::vector<DeciderFigures> byUse() const;
+    std::vector<DeciderFigures> byErrors() const;
+
+  private:
+    std::map<Decider, DeciderFigures> m_figures;
+};
+
+} // namespace Quorvane::Rules

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What rules say about one attribute vector, as far as an evaluation needs to know. A plain value.
+#pragma once
+
+#include "rules/evaluate/Roc.h"
+
+#include <compare>
+#include <cstdint>
+
+namespace Quorvane::Rules {
+
+enum class Verdict : std::uint8_t { none, ham, spam };
+
+// A tree node or a deciding elite rule, by the number that the answer reports.
+struct Decider {
+    bool m_isElite = false;
+    std::int32_t m_number = 0; // 0: nothing decided
+
+    auto operator<=>(Decider const&) const = default;
+};
+
+struct JudgedVector {
+    Verdict m_verdict = Verdict::none;
+    Decider m_decider;
+    double m_confidence = -1.0; // of the decider, before adjustments
+    double m_support = 0.0;
+    double m_adjust = 0.0;
+    double m_score = noScore;
+};
+
+} // namespace Quorvane::Rules

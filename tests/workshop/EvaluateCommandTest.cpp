@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// `qvrules evaluate` as its users see it.
+#include "support/Program.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace Quorvane::Testing {
+namespace {
+
+using ::testing::HasSubstr;
+using Arguments = std::vector<std::string>;
+using Json = nlohmann::ordered_json;
+
+constexpr char rules[] =
+    "version 1\n"
+    "elite first also-tree\n"
+    "decide 0.97 code 900 when first_reverse_dynamic == yes and hop_behind_first == yes\n"
+    "tree {\n"
+    "    first_reverse_dynamic == yes: confidence 0.99 support 50\n"
+    "    first_reverse_dynamic == no: confidence 0.02 support 30\n"
+    "    first_reverse_dynamic == unknown: confidence 0.5 support 20\n"
+    "}\n";
+
+std::string s_message(std::string const& reverse, std::string const& address = "192.0.2.7") {
+    return "From x@example.org Mon Jan  1 10:00:00 2024\n"
+           "Received: from pc.example.net (" +
+           reverse + " [" + address + "])\n\tby mx.example.org; Mon, 1 Jan 2024 10:00:00 +0000\n" +
+           "From: Ann <ann@example.net>\nMessage-ID: <1@example.net>\n\n";
+}
+
+class EvaluateCommand : public ::testing::Test {
+  protected:
+    EvaluateCommand() : m_rules(m_folder.write("r.qvr", rules)) {
+        auto const dynamic = s_message("192-0-2-7.dyn.example.net");
+        auto const server = s_message("mail.example.net");
+        m_folder.write("site/spam.mbox", dynamic + dynamic + dynamic + server);
+        m_folder.write("site/ham.mbox", server + server + dynamic + s_message("unknown") +
+                                            s_message("mail.example.net", "10.0.0.1"));
+    }
+
+    ProgramResult run(Arguments arguments) const {
+        arguments.insert(arguments.begin(), {"evaluate", m_rules, "--dns", "off"});
+        return runProgram(QV_RULES_PROGRAM, arguments);
+    }
+
+    Json report(Arguments arguments) const {
+        arguments.insert(arguments.end(), {"--format", "json"});
+        auto const result = run(arguments);
+        EXPECT_EQ(result.m_status, 0) << result.m_errors;
+        return Json::parse(result.m_output);
+    }
+
+    Arguments mail() const {
+        return {"--ham", (m_folder.path() / "site/ham.mbox").string(), "--spam",
+                (m_folder.path() / "site/spam.mbox").string()};
+    }
+
+    TemporaryFolder m_folder;
+    std::string m_rules;
+};
+
+TEST_F(EvaluateCommand, CountsWhatTheThresholdsGive) {
+    auto const json = report(mail());
+    auto const& site = json["corpora"][0];
+    EXPECT_EQ(site["name"], "site");
+    EXPECT_EQ(site["judgeable"]["count"], 8);
+    EXPECT_EQ(site["judgeable"]["of"], 9);
+    EXPECT_EQ(site["verdictsOnSpam"], Json::parse(R"({"spam":3,"ham":1,"none":0})"));
+    EXPECT_EQ(site["verdictsOnHam"], Json::parse(R"({"spam":1,"ham":2,"none":1})"));
+    EXPECT_EQ(site["falsePositives"]["of"], 4);
+    // 3 spam above all but one ham, which ties; 1 spam ties with 2 ham and is below the others.
+    EXPECT_DOUBLE_EQ(site["roc"]["area"], (3 * 3.5 + 1.0) / 16);
+}
+
+TEST_F(EvaluateCommand, NamesTheNodesThatDecideAndErr) {
+    auto const json = report(mail());
+    auto const& first = json["deciders"][0];
+    EXPECT_EQ(first["kind"], "tree");
+    EXPECT_EQ(first["conditions"], "first_reverse_dynamic == yes");
+    EXPECT_EQ(first["reached"], Json::parse(R"({"spam":3,"ham":1})"));
+    EXPECT_EQ(first["wrong"], Json::parse(R"({"spam":0,"ham":1})"));
+    EXPECT_THAT(first["samples"][0], HasSubstr("site/ham.mbox:3"));
+}
+
+TEST_F(EvaluateCommand, FollowsTheThresholdsOfTheSettings) {
+    auto const json = report({"--spam-threshold", "0.995", "--ham-threshold", "0.99", "--ham",
+                              (m_folder.path() / "site/ham.mbox").string()});
+    EXPECT_EQ(json["spamThreshold"], 0.995);
+    EXPECT_EQ(json["together"]["verdictsOnHam"], Json::parse(R"({"spam":0,"ham":0,"none":4})"));
+}
+
+TEST_F(EvaluateCommand, MeasuresCopiesWithoutReverseNamesApart) {
+    auto arguments = mail();
+    arguments.insert(arguments.end(), {"--augment", "no-reverse-name"});
+    auto const json = report(arguments);
+    ASSERT_EQ(json["corpora"].size(), 2U);
+    EXPECT_EQ(json["corpora"][1]["name"], "site, no reverse names");
+    EXPECT_EQ(json["corpora"][1]["verdictsOnSpam"]["none"], 4);
+}
+
+TEST_F(EvaluateCommand, TellsPeopleTheSame) {
+    auto const result = run(mail());
+    ASSERT_EQ(result.m_status, 0) << result.m_errors;
+    EXPECT_THAT(result.m_output, HasSubstr("spam called spam                  3 of 4 (75.00 %;"));
+    EXPECT_THAT(result.m_output, HasSubstr("no verdict                        0 spam, 1 ham"));
+    EXPECT_THAT(result.m_output, HasSubstr("What errs most\n  node "));
+}
+
+TEST_F(EvaluateCommand, RefusesBadRulesAndMissingMail) {
+    EXPECT_EQ(run({}).m_status, 64);
+    EXPECT_EQ(run({"--ham", "absent"}).m_status, 66);
+    auto const bad = m_folder.write("bad.qvr", "tree {\n");
+    EXPECT_EQ(runProgram(QV_RULES_PROGRAM, {"evaluate", bad, "--ham", bad}).m_status, 65);
+}
+
+} // namespace
+} // namespace Quorvane::Testing
