@@ -196,6 +196,9 @@ int s_guardedRun(int argc, char** argv) {
         return s_status(error.kind());
     } catch (Workshop::ScanInterrupted const& interrupted) {
         return ExitStatus::interrupted + interrupted.m_signal;
+    } catch (std::exception const& error) {
+        s_complain(std::string("qvrules: ") + error.what());
+        return ExitStatus::cannotWrite;
     }
 }
 

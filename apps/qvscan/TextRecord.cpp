@@ -47,7 +47,7 @@ std::string s_confidence(DeepHeaderAnswerImpl const& answer) {
     return text.data();
 }
 
-std::string s_orDash(std::string text) {
+std::string s_orDash(std::string const& text) {
     return text.empty() ? "-" : text;
 }
 

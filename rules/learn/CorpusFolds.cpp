@@ -21,6 +21,7 @@ std::vector<PruningStep> s_steps(GrownTree const& tree, ImpurityKind kind,
                                  std::vector<double> const& alphas) {
     auto const links = weakestLinks(tree, kind);
     std::vector<PruningStep> steps;
+    steps.reserve(alphas.size());
     for (auto const alpha : alphas) {
         steps.push_back({alpha, prunedTree(tree, links, alpha).leafCount(), {}});
     }

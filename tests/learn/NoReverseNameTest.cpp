@@ -94,7 +94,7 @@ TEST(NoReverseName, LeavesTextWithoutAKnownClientAlone) {
 }
 
 TEST(NoReverseName, CopesWithNulAndHighBytes) {
-    std::string const value("from p\0c\xff (host.example [192.0.2.1]) by mx\0", 44);
+    std::string const value("from p\0c\xff (host.example [192.0.2.1]) by mx\0", 43);
     auto const rewritten = withoutReverseName(value);
     ASSERT_TRUE(rewritten);
     EXPECT_EQ(rewritten->substr(0, 21), std::string("from p\0c\xff (192.0.2.1)", 21));
