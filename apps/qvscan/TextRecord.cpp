@@ -43,7 +43,7 @@ std::string s_confidence(DeepHeaderAnswerImpl const& answer) {
         return "-";
     }
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.4g", answer.m_confidenceDegree + answer.m_adjust);
+    std::snprintf(text.data(), text.size(), "%.4g", answer.m_confidenceDegree);
     return text.data();
 }
 
