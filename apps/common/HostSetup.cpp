@@ -11,12 +11,14 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <memory>
 #include <mutex>
+#include <thread>
 
 namespace Quorvane {
 
@@ -107,13 +109,30 @@ std::string s_whyNotLoaded(std::string const& logged) {
     return logged.empty() ? std::string("the version in README must be above 0") : logged;
 }
 
+RefDeepHeaderAdapter s_engine() {
+    DeepHeaderScanner().init();
+    Synchronized const lock(DeepHeaderScanner::m_Mutex);
+    return RefDeepHeaderAdapter::instance(nullptr);
+}
+
+// While rules are installed their version is 0, so that nobody loads half of two sets. That takes a
+// quarter of a second; a host that starts just then looks again before it gives up.
+RefDeepHeaderAdapter s_engineBehindInstallation(RecordingLogger const& logger) {
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    auto engine = s_engine();
+    while (engine.isEmpty() && logger.text().empty() &&
+           std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        engine = s_engine();
+    }
+    return engine;
+}
+
 RefDeepHeaderAdapter s_loadEngine() {
     auto const logger = std::make_shared<RecordingLogger>();
     Logger::install(logger);
-    DeepHeaderScanner().init();
+    auto engine = s_engineBehindInstallation(*logger);
     Logger::install(nullptr);
-    Synchronized const lock(DeepHeaderScanner::m_Mutex);
-    auto engine = RefDeepHeaderAdapter::instance(nullptr);
     if (engine.isEmpty()) {
         throw SettingsError("no usable rules in " + File::root() + ruleDirectory + ": " +
                             s_whyNotLoaded(logger->text()) +

@@ -60,8 +60,8 @@ class Replay {
     }
 
     void command(std::string const& line) {
-        auto const script = "cd '" + m_folder.path().string() + "' && PATH='" + m_programs +
-                            "':$PATH && " + line.substr(std::string(commandMark).size());
+        auto const script = "cd '" + m_folder.path().string() + "' || exit\nPATH='" + m_programs +
+                            "':$PATH\n" + line.substr(std::string(commandMark).size());
         auto const result = runProgram("/bin/sh", {"-c", script});
         m_text += line + '\n' + s_marked(result.m_output, "| ") + s_marked(result.m_errors, "2| ");
         if (result.m_status != 0) {
