@@ -19,9 +19,19 @@ struct Unref {
 
 using List = std::unique_ptr<InternetAddressList, Unref>;
 
+// The classes of addresses are made here once, and not by whichever thread parses first while
+// others read them.
+bool s_initialise() {
+    g_mime_init();
+    g_type_class_ref(INTERNET_ADDRESS_TYPE_MAILBOX);
+    g_type_class_ref(INTERNET_ADDRESS_TYPE_GROUP);
+    g_type_class_ref(INTERNET_ADDRESS_LIST_TYPE);
+    return true;
+}
+
 // Lives as long as the process and is only read once made.
 GMimeParserOptions* s_makeOptions(GMimeRfcComplianceMode mode) {
-    static bool const initialised = (g_mime_init(), true);
+    static bool const initialised = s_initialise();
     (void)initialised;
     auto* const options = g_mime_parser_options_new();
     g_mime_parser_options_set_address_compliance_mode(options, mode);
