@@ -83,14 +83,17 @@ std::string mdocItem(ArgumentDoc const& argument) {
 
 std::string mdocSynopsis(ProgramDoc const& program, CommandDoc const& command) {
     auto text = ".Nm " + program.m_name + "\n.Cm " + command.m_name + "\n";
+    bool hasSettings = false;
     for (auto const& option : command.m_options) {
         if (option.m_section != command.m_name) {
-            continue; // told of elsewhere
+            hasSettings = true; // the page tells of them in one place for all commands
+            continue;
         }
         auto const name = option.m_letter.empty() ? s_long(option) : s_letter(option);
         text += (option.m_isRequired ? "." : ".Op ") + name + s_value(option.m_valueName) +
                 (option.m_isRepeatable ? " ..." : "") + "\n";
     }
+    text += hasSettings ? ".Op Ar settings\n" : "";
     for (auto const& argument : command.m_arguments) {
         text += (argument.m_isRequired ? ".Ar " : ".Op Ar ") + argument.m_name +
                 (argument.m_isRepeatable ? " ..." : "") + "\n";

@@ -61,7 +61,10 @@ TEST(ManWriter, ListsWhatCommandsShareOnce) {
         program.m_commands.push_back({name, "", {{"shared", "jobs", "", "N", "threads"}}, {}});
     }
     auto const page = manPage(program, std::string(allSections) + "@OPTIONS shared@\n", "1");
+    EXPECT_NE(page.find("jobs"), std::string::npos);
     EXPECT_EQ(page.find("jobs"), page.rfind("jobs"));
+    EXPECT_EQ(mdocSynopsis(program, program.m_commands.back()),
+              ".Nm tool\n.Cm two\n.Op Ar settings\n");
 }
 
 TEST(ManWriter, RefusesProseThatLeavesOptionsOut) {
