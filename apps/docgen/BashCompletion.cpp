@@ -101,7 +101,7 @@ std::vector<std::string> s_optionWords(ProgramDoc const& program, CommandDoc con
 }
 
 std::string s_arguments(CommandDoc const& command) {
-    return command.m_arguments.empty() ? ":" : s_offerValue(command.m_arguments[0].m_name);
+    return command.m_arguments.empty() ? ":" : s_offerValue(command.m_arguments[0].m_valueName);
 }
 
 // After the values: options where the word begins with "-", arguments elsewhere.

@@ -20,7 +20,8 @@ ProgramDoc s_scan() {
                                        std::string(row.m_valueName), std::string(row.m_help), false,
                                        row.m_isRepeatable});
     }
-    doc.m_own.m_arguments.push_back({"PATH", "Message, mbox, Maildir or folder", false, true});
+    doc.m_own.m_arguments.push_back(
+        {"PATH", "PATH", "Message, mbox, Maildir or folder", false, true});
     return doc;
 }
 
@@ -56,8 +57,8 @@ CommandDoc s_command(RulesApp::CommandRow const& row) {
         if (argument.isOption()) {
             doc.m_options.push_back(s_option(argument, doc.m_name));
         } else {
-            doc.m_arguments.push_back({argument.m_names, argument.m_help, argument.m_isRequired,
-                                       argument.m_isRepeatable});
+            doc.m_arguments.push_back({argument.m_names, argument.m_valueName, argument.m_help,
+                                       argument.m_isRequired, argument.m_isRepeatable});
         }
     }
     if (row.m_takesSettings) {

@@ -22,6 +22,7 @@ struct OptionDoc {
 
 struct ArgumentDoc {
     std::string m_name;
+    std::string m_valueName; // what kind of value it is
     std::string m_help;
     bool m_isRequired = false;
     bool m_isRepeatable = false;

@@ -61,7 +61,7 @@ std::string s_argument(ArgumentDoc const& argument, std::size_t place) {
     auto const start = argument.m_isRepeatable ? "*:"
                        : argument.m_isRequired ? std::to_string(place) + ":"
                                                : std::to_string(place) + "::";
-    return "'" + start + s_escaped(argument.m_help) + ":" + s_action(argument.m_name) + "'";
+    return "'" + start + s_escaped(argument.m_help) + ":" + s_action(argument.m_valueName) + "'";
 }
 
 // The entries of _arguments, each on a line of its own behind `indent`.

@@ -117,6 +117,8 @@ TEST(BashCompletion, LeavesPathsToReadline) {
     EXPECT_EQ(s_bash("qvscan --root "), Names{"compopt -o dirnames"});
     EXPECT_EQ(s_bash("qvscan "), Names{"compopt -o default"});
     EXPECT_EQ(s_bash("qvrules compile -o "), Names{"compopt -o dirnames"});
+    EXPECT_EQ(s_bash("qvrules evaluate "), Names{"compopt -o default"});
+    EXPECT_EQ(s_bash("qvrules evaluate my.qvr --ham "), Names{"compopt -o default"});
     EXPECT_EQ(s_bash("qvrules decompile "), Names{"compopt -o dirnames"});
 }
 
@@ -131,6 +133,7 @@ TEST(ZshCompletion, OffersFilesAndFolders) {
     auto const start = folder.path().string() + "/a";
     EXPECT_EQ(s_zsh("qvscan --config " + start), (Names{"ab.txt", "abc"}));
     EXPECT_EQ(s_zsh("qvscan --root " + start), Names{"abc"});
+    EXPECT_EQ(s_zsh("qvrules evaluate " + start), (Names{"ab.txt", "abc"}));
 }
 
 TEST(ZshCompletion, OffersWhatCanBeGivenOnceOnlyOnce) {

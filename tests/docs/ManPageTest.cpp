@@ -78,8 +78,11 @@ class ManPageExamples : public testing::TestWithParam<char const*> {
         m_folder.write("Maildir/new/2.host", message);
         m_folder.write("archive.mbox", "From a Mon Jan  1 00:00:00 2024\n" + message);
         m_folder.write("site.toml", "spam-threshold = 0.9\n");
-        for (auto const* const name : {"a/ham.mbox", "a/spam.mbox", "b/ham.mbox", "b/spam.mbox"}) {
-            m_folder.write(name, "From a Mon Jan  1 00:00:00 2024\n" + message);
+        for (auto const* const site : {"a", "b", "c"}) {
+            for (auto const* const kind : {"ham", "spam"}) {
+                m_folder.write(std::string(site) + "/" + kind + ".mbox",
+                               "From a Mon Jan  1 00:00:00 2024\n" + message);
+            }
         }
         m_folder.write("my.qvr", readFile(QV_STARTER_RULES));
         run("gzip archive.mbox");

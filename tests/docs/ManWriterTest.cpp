@@ -13,8 +13,10 @@ ProgramDoc s_program() {
     ProgramDoc program{"tool", {}, {}};
     program.m_own.m_options.push_back(
         {"Output", "format", "f", "text|FILE", "how. it looks", false, true});
-    program.m_commands.push_back(
-        {"make", "Make", {{"make", "force", "", "", "at once"}}, {{"SRC", "Text", true, false}}});
+    program.m_commands.push_back({"make",
+                                  "Make",
+                                  {{"make", "force", "", "", "at once"}},
+                                  {{"SRC", "SRC", "Text", true, false}}});
     return program;
 }
 
