@@ -24,7 +24,8 @@ std::vector<DTNode> s_learn(std::vector<CountedVector> const& mail) {
 std::vector<CountedVector> s_manyValues(std::int32_t values) {
     std::vector<CountedVector> mail;
     for (std::int32_t value = 0; value < values; ++value) {
-        auto const spam = 1000 + static_cast<std::uint64_t>(value) * static_cast<std::uint64_t>(value) * 400;
+        auto const spam =
+            1000 + static_cast<std::uint64_t>(value) * static_cast<std::uint64_t>(value) * 400;
         mail.push_back(counted({{9, value}}, spam, 20000));
     }
     return mail;
