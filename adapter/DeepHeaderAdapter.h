@@ -106,6 +106,8 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
     // The same, and the nodes that the walk stood on, `start` first, in `path`.
     int travelDT(DeepHeaderSettings const& settings, int start, MsgProperties& props,
                  std::vector<int>& path);
+    // Whether the elite rules decide by themselves, so that the tree is not asked.
+    static bool doesEliteDecide(EliteHits const& hits, DeepHeaderSettings const& settings);
     // Whether the settings and the elite file let the tree be consulted.
     bool consultsTree(DeepHeaderSettings const& settings) const;
     bool hasEliteNodes() const;

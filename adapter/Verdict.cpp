@@ -22,11 +22,6 @@ std::string s_ips(DeepHeaderAdapter::MsgProperties const& props) {
     return ips;
 }
 
-bool s_doesEliteDecide(EliteHits const& hits, DeepHeaderSettings const& settings) {
-    return hits.support >= settings.minSupport &&
-           hits.confidence + hits.adjust >= settings.spamThreshold;
-}
-
 void s_writeAdjustment(DeepHeaderAnswerImpl& answer, EliteHits const& hits) {
     answer.m_adjust = hits.adjust;
     answer.m_adjustReason = hits.reasons;
@@ -65,6 +60,11 @@ void s_classify(DeepHeaderAnswerImpl& answer, DTNode const& node, EliteHits cons
 
 } // namespace
 
+bool DeepHeaderAdapter::doesEliteDecide(EliteHits const& hits, DeepHeaderSettings const& settings) {
+    return hits.support >= settings.minSupport &&
+           hits.confidence + hits.adjust >= settings.spamThreshold;
+}
+
 bool DeepHeaderAdapter::consultsTree(DeepHeaderSettings const& settings) const {
     bool const doesEliteAllow = !hasEliteNodes() || m_eliteHeader.alsoWalkTree == 1;
     return doesEliteAllow && treeOffThreshold > settings.spamThreshold;
@@ -77,7 +77,7 @@ void DeepHeaderAdapter::getResults(DeepHeaderAnswerImpl& answer, DeepHeaderQuery
     if (hasEliteNodes()) {
         checkElite(hits, props, settings);
     }
-    if (s_doesEliteDecide(hits, settings)) {
+    if (doesEliteDecide(hits, settings)) {
         s_writeEliteVerdict(answer, hits);
         answer.m_ips = s_ips(props);
         return;

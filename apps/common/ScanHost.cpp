@@ -23,12 +23,6 @@ IPAddress s_relayAddress(Header const& header) {
     }
 }
 
-// The elite rules decided alone: the tree was not asked.
-bool s_eliteDecided(DeepHeaderAdapter::EliteHits const& hits, DeepHeaderSettings const& settings) {
-    return hits.support >= settings.minSupport &&
-           hits.confidence + hits.adjust >= settings.spamThreshold;
-}
-
 Header s_currentHeader(MessageFacts const& facts) {
     return facts.m_currentReceived ? Header("Received", *facts.m_currentReceived) : Header();
 }
@@ -69,7 +63,8 @@ void ScanHost::retraceVerdict(RefDeepHeaderAdapter& engine, ScanOutcome& outcome
     if (engine->hasEliteNodes()) {
         engine->checkElite(outcome.m_elite, outcome.m_record, settings);
     }
-    if (!s_eliteDecided(outcome.m_elite, settings) && engine->consultsTree(settings)) {
+    if (!DeepHeaderAdapter::doesEliteDecide(outcome.m_elite, settings) &&
+        engine->consultsTree(settings)) {
         outcome.m_treeResult =
             engine->travelDT(settings, treeRoot, outcome.m_record, outcome.m_treePath);
     }

@@ -5,6 +5,7 @@
 #include "include2/DeepHeaderException.h"
 #include "platform/File.h"
 #include "rules/model/RuleError.h"
+#include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
 
@@ -47,69 +48,58 @@ RefDeepHeaderAdapter s_load(Rules::RuleSet const& rules) {
     }
 }
 
-bool s_eliteDecides(EliteHits const& hits, DeepHeaderSettings const& settings) {
-    return hits.support >= settings.minSupport &&
-           hits.confidence + hits.adjust >= settings.spamThreshold;
+DeepHeaderQuery s_query(DeepHeaderSettings const& settings) {
+    return {HeaderContainer(), Header(),       settings,       0,
+            EmailAddress(),    EmailAddress(), EmailAddress(), RefMessageProperties(true)};
 }
 
-void s_takeElite(Rules::JudgedVector& judged, EliteHits const& hits) {
-    judged.m_verdict = Rules::Verdict::spam;
-    judged.m_decider = {true, hits.code};
-    judged.m_confidence = hits.confidence;
-    judged.m_support = hits.support;
-}
-
-Rules::Verdict s_treeVerdict(DTNode const& node, double adjust,
-                             DeepHeaderSettings const& settings) {
-    if (!(node.support >= settings.minSupport)) {
-        return Rules::Verdict::none;
+EliteHits s_eliteHits(RefDeepHeaderAdapter& engine, MsgProperties& props,
+                      DeepHeaderSettings const& settings) {
+    EliteHits hits;
+    if (engine->hasEliteNodes()) {
+        engine->checkElite(hits, props, settings);
     }
-    if (adjust + node.confidence >= settings.spamThreshold) {
-        return Rules::Verdict::spam;
-    }
-    return 1.0 - node.confidence >= settings.hamThreshold ? Rules::Verdict::ham
-                                                          : Rules::Verdict::none;
+    return hits;
 }
 
-void s_takeNode(Rules::JudgedVector& judged, DTNode const& node, int number,
-                DeepHeaderSettings const& settings) {
-    judged.m_verdict = s_treeVerdict(node, judged.m_adjust, settings);
-    judged.m_decider = {false, number};
-    judged.m_confidence = node.confidence;
-    judged.m_support = node.support;
+// The engine's own verdict on the vector in `props`.
+Rules::JudgedVector s_verdict(RefDeepHeaderAdapter& engine, DeepHeaderQuery query,
+                              MsgProperties& props) {
+    DeepHeaderAnswer const answer;
+    auto& record = RecordAccess::record(answer);
+    engine->getResults(record, query, props);
+    Rules::JudgedVector judged;
+    if (record.m_isSpam || record.m_isHam) {
+        judged.m_verdict = record.m_isSpam ? Rules::Verdict::spam : Rules::Verdict::ham;
+    }
+    judged.m_decider.m_number = record.m_node;
+    judged.m_confidence = record.m_confidenceDegree;
+    judged.m_support = record.m_supportDegree;
+    return judged;
 }
 
 } // namespace
 
 VectorJudge::VectorJudge(Rules::RuleSet const& rules, DeepHeaderSettings const& settings)
-    : m_settings(settings), m_engine(s_load(rules)) {}
+    : m_query(s_query(settings)), m_engine(s_load(rules)) {}
 
 Rules::JudgedVector VectorJudge::judge(Rules::AttributeVector const& vector) const {
     RefDeepHeaderAdapter engine(m_engine);
+    auto const& settings = m_query.settings();
     MsgProperties props;
     props.attributes = vector;
-    EliteHits hits;
-    if (engine->hasEliteNodes()) {
-        engine->checkElite(hits, props, m_settings);
-    }
-    Rules::JudgedVector judged;
+    auto const hits = s_eliteHits(engine, props, settings);
+    auto judged = s_verdict(engine, m_query, props);
+    judged.m_decider.m_isElite = DeepHeaderAdapter::doesEliteDecide(hits, settings);
     judged.m_adjust = hits.adjust;
-    bool const mayDecide = hits.code != 0 && hits.support >= m_settings.minSupport;
-    if (mayDecide) {
+    if (hits.code != 0 && hits.support >= settings.minSupport) {
         judged.m_score = hits.confidence + hits.adjust;
     }
-    bool const eliteDecides = s_eliteDecides(hits, m_settings);
-    if (eliteDecides) {
-        s_takeElite(judged, hits);
-    }
     int const number =
-        engine->consultsTree(m_settings) ? engine->travelDT(m_settings, treeRoot, props) : -1;
+        engine->consultsTree(settings) ? engine->travelDT(settings, treeRoot, props) : -1;
     if (number > treeRoot) {
         auto const& node = engine->treeNodes().at(static_cast<std::size_t>(number));
         judged.m_score = std::max(judged.m_score, node.confidence + hits.adjust);
-        if (!eliteDecides) {
-            s_takeNode(judged, node, number, m_settings);
-        }
     }
     return judged;
 }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "adapter/DeepHeaderAdapter.h"
+#include "DeepHeaderQuery.h"
 #include "rules/evaluate/JudgedVector.h"
 #include "rules/learn/VectorTable.h"
 #include "rules/model/RuleSet.h"
@@ -26,7 +27,7 @@ class VectorJudge {
     DeepHeaderAdapter const& engine() const { return *m_engine.operator->(); }
 
   private:
-    DeepHeaderSettings m_settings;
+    DeepHeaderQuery m_query; // carries the settings
     RefDeepHeaderAdapter m_engine;
 };
 

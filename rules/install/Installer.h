@@ -25,7 +25,7 @@
 
 namespace Quorvane::Rules {
 
-// Loading the largest possible set takes some 30 ms.
+// How long a host that has just looked at README may still be reading the two rule files.
 inline constexpr std::chrono::milliseconds usualSettle{250};
 
 struct Installation {
