@@ -23,6 +23,7 @@ template<typename Before>
 std::vector<DeciderFigures> s_sorted(std::map<Decider, DeciderFigures> const& figures,
                                      Before before) {
     std::vector<DeciderFigures> sorted;
+    sorted.reserve(figures.size());
     for (auto const& [decider, one] : figures) {
         sorted.push_back(one);
     }

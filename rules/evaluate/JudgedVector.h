@@ -5,8 +5,8 @@
 
 #include "rules/evaluate/Roc.h"
 
-#include <compare>
 #include <cstdint>
+#include <tuple>
 
 namespace Quorvane::Rules {
 
@@ -17,7 +17,10 @@ struct Decider {
     bool m_isElite = false;
     std::int32_t m_number = 0; // 0: nothing decided
 
-    auto operator<=>(Decider const&) const = default;
+    bool operator==(Decider const&) const = default;
+    bool operator<(Decider const& other) const {
+        return std::tie(m_isElite, m_number) < std::tie(other.m_isElite, other.m_number);
+    }
 };
 
 struct JudgedVector {

@@ -132,11 +132,13 @@ VectorTable VectorTableBuilder::finish() const {
     }
     auto const inOrder = [&arrival](ByArrival const& counts) {
         std::vector<LabelCounts> sorted;
+        sorted.reserve(arrival.size());
         for (auto const index : arrival) {
             sorted.push_back(index < counts.size() ? counts[index] : LabelCounts{});
         }
         return sorted;
     };
+    table.m_rows.reserve(m_counts.size());
     for (auto const& [vector, counts] : m_counts) {
         table.m_rows.push_back({vector, inOrder(counts)});
     }
