@@ -59,6 +59,9 @@ add_library(qv_public_headers INTERFACE)
 target_include_directories(qv_public_headers
                            INTERFACE "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>")
 
+# In force while a test runs, for the programs that it starts too.
+set(QV_TEST_ENVIRONMENT "TSAN_OPTIONS=suppressions=${CMAKE_CURRENT_SOURCE_DIR}/tests/tsan.supp")
+
 # qv_test(NAME SOURCES FILE... LINK TARGET...): one GoogleTest program for each room.
 function(qv_test name)
     cmake_parse_arguments(TEST "" "" "SOURCES;LINK" ${ARGN})
@@ -66,5 +69,5 @@ function(qv_test name)
     target_link_libraries(${name} PRIVATE qv_options ${TEST_LINK} GTest::gmock_main)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 600
-        ENVIRONMENT "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
+        ENVIRONMENT "${QV_TEST_ENVIRONMENT}")
 endfunction()
