@@ -28,7 +28,7 @@ std::string s_pathTo(std::vector<DTNode> const& nodes, std::int32_t number) {
          ++step) {
         auto const& node = nodes[static_cast<std::size_t>(number)];
         auto const test = Rules::conditionText(node.attribute, node.test, node.testValue);
-        path = path.empty() ? test : test + " and " + path;
+        path.insert(0, path.empty() ? test : test + " and ");
         number = static_cast<std::int32_t>(s_parentOf(nodes, number));
     }
     return path;

@@ -103,14 +103,27 @@ TEST(Examples, areJudgedTogetherAsAlone) {
     EXPECT_FALSE(std::getline(lines, line)) << line;
 }
 
-// README shows what a newcomer sees; `./dev scan` runs the same command in the same folder.
-TEST(Examples, readAsInTheReadme) {
-    std::vector<std::string> arguments{"--root", QV_STARTER_ROOT, "--format",
-                                       "text",   "--dns-data",    "examples/dns.zone"};
+// All examples in one run, from the folder of the repository, so that no path of a machine shows.
+ProgramResult s_scanAll(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(),
+                     {"--root", QV_STARTER_ROOT, "--dns-data", "examples/dns.zone"});
     for (auto const& name : s_names(examples, ".eml")) {
         arguments.push_back("examples/" + name + ".eml");
     }
-    auto const result = runProgram(QV_SCAN_PROGRAM, arguments);
+    return runProgram(QV_SCAN_PROGRAM, arguments);
+}
+
+TEST(Examples, areExplainedInTheWordsThatWereApproved) {
+    expectGolden(golden / "explained.txt", s_scanAll({"--format", "text", "--explain"}).m_output);
+}
+
+TEST(Examples, haveTheVectorsThatWereApproved) {
+    expectGolden(golden / "vectors.csv", s_scanAll({"--format", "csv"}).m_output);
+}
+
+// README shows what a newcomer sees; `./dev scan` runs the same command in the same folder.
+TEST(Examples, readAsInTheReadme) {
+    auto const result = s_scanAll({"--format", "text"});
     auto const readme = (examples.parent_path() / "README.md").string();
     auto text = readFile(readme);
     std::string const fence = "\n```\n";
