@@ -104,7 +104,7 @@ class ScanBench {
 
     // Ten times the hops should cost ten times as much.
     void growth() const {
-        SideBySide table("Growth with the number of hops", "hop", 100.0);
+        SideBySide table("Growth with the number of hops", "hop", 10000.0);
         std::string const hop = "Received: " + m_trails.m_received.front() + '\n';
         for (std::size_t const hops : {100U, 1000U, 10000U}) {
             std::string block;
