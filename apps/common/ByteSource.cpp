@@ -26,11 +26,13 @@ class DescriptorSource : public ByteSource {
         }
     }
 
+    // A terminal whose end was typed can be read again; whoever typed it means the end.
     std::size_t read(char* buffer, std::size_t size) override {
-        for (;;) {
+        while (!m_isAtEnd) {
             m_interrupt.waitForInput(m_descriptor);
             auto const count = ::read(m_descriptor, buffer, size);
             if (count >= 0) {
+                m_isAtEnd = count == 0;
                 m_position += static_cast<std::uint64_t>(count);
                 return static_cast<std::size_t>(count);
             }
@@ -38,6 +40,7 @@ class DescriptorSource : public ByteSource {
                 throw InputError(std::strerror(errno));
             }
         }
+        return 0;
     }
 
     std::uint64_t position() const override { return m_position; }
@@ -45,6 +48,7 @@ class DescriptorSource : public ByteSource {
   private:
     int m_descriptor;
     bool m_isOwner;
+    bool m_isAtEnd = false;
     Interrupt& m_interrupt;
     std::uint64_t m_position = 0;
 };

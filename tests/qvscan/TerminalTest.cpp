@@ -113,6 +113,12 @@ TEST_F(Terminal, NoColorMeansNoColour) {
     EXPECT_NE(screen("NO_COLOR= " + program() + mbox()).find("\x1B[31mspam"), std::string::npos);
 }
 
+TEST_F(Terminal, TheEndOfATypedMessageIsTypedOnce) {
+    start(program());
+    tmux({"send-keys", "From: a@b.example", "Enter", "C-d"});
+    EXPECT_NE(s_plain(finish()).find("none  -"), std::string::npos);
+}
+
 TEST_F(Terminal, FormatAskedForIsTheFormat) {
     EXPECT_NE(screen(program() + "--format json " + mbox()).find("{\"source\":"),
               std::string::npos);
