@@ -71,3 +71,17 @@ function(qv_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT 600
         ENVIRONMENT "${QV_TEST_ENVIRONMENT}")
 endfunction()
+
+# qv_browser_test(NAME SCRIPT [ENVIRONMENT NAME=VALUE...]): a Python script that drives a real
+# browser with tests/browser/browser.py. Pages do not change with the sanitizers that the programs
+# are built with, and a browser is slow to start, so it runs in plain builds only.
+function(qv_browser_test name script)
+    cmake_parse_arguments(TEST "" "" "ENVIRONMENT" ${ARGN})
+    if(QV_SANITIZE OR QV_COVERAGE)
+        return()
+    endif()
+    # Debian's own Python: the module that drives the browser is a package of Debian's.
+    add_test(NAME ${name} COMMAND /usr/bin/python3 -B "${CMAKE_CURRENT_SOURCE_DIR}/${script}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600 RESOURCE_LOCK browser
+        ENVIRONMENT "PYTHONPATH=${PROJECT_SOURCE_DIR}/tests/browser;${TEST_ENVIRONMENT}")
+endfunction()
