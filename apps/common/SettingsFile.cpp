@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/SettingsFile.h"
 
+#include "rules/language/Nearest.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -46,8 +48,10 @@ std::string s_unknownKey(std::string_view name) {
     for (auto const& key : settingKeys()) {
         names.push_back(key.m_name);
     }
-    return "unknown key \"" + std::string(name) + "\"; the nearest known one is \"" +
-           std::string(nearestName(name, names)) + "\"";
+    auto const nearest = std::string(Rules::nearestWord(name, names));
+    return "unknown key \"" + std::string(name) + "\"; " +
+           (nearest.empty() ? "qvscan --show-config lists the known ones"
+                            : "the nearest known one is \"" + nearest + '"');
 }
 
 std::string s_numberText(double value) {

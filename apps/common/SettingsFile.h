@@ -16,8 +16,8 @@ namespace Quorvane {
 inline constexpr std::string_view milterTable = "milter";
 
 // Puts the settings of the file on `store`. Throws a SettingsError with file, line and column: a
-// file that cannot be read or is no TOML, an unknown key (with the nearest known one), a value of
-// the wrong type or out of range.
+// file that cannot be read or is no TOML, an unknown key (with the one that was probably meant), a
+// value of the wrong type or out of range.
 void loadSettingsFile(std::string const& path, SettingsStore& store);
 
 } // namespace Quorvane

@@ -142,24 +142,6 @@ constexpr auto table = std::to_array<SettingKey>({
      [](HostSettings const& s) { return Texts{std::to_string(s.m_jobs)}; }, nullptr},
 });
 
-// Levenshtein's distance, one row at a time.
-std::size_t s_distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) {
-        row[j] = j;
-    }
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            auto const substituted = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, substituted});
-        }
-    }
-    return row[b.size()];
-}
-
 template<typename Number>
 bool s_parses(std::string const& text, Number& value) {
     // std::from_chars knows no plus sign.
@@ -180,19 +162,6 @@ SettingKey const* findSetting(std::string_view name) {
     auto const found = std::find_if(table.begin(), table.end(),
                                     [name](SettingKey const& key) { return key.m_name == name; });
     return found == table.end() ? nullptr : &*found;
-}
-
-std::string_view nearestName(std::string_view name, std::span<std::string_view const> names) {
-    std::string_view nearest;
-    std::size_t best = std::numeric_limits<std::size_t>::max();
-    for (auto const candidate : names) {
-        auto const distance = s_distance(name, candidate);
-        if (distance < best) {
-            best = distance;
-            nearest = candidate;
-        }
-    }
-    return nearest;
 }
 
 double readNumber(std::string const& text) {

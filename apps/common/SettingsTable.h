@@ -46,8 +46,6 @@ struct SettingKey {
 std::span<SettingKey const> settingKeys();
 // Null when there is none.
 SettingKey const* findSetting(std::string_view name);
-// The name of the table that differs least from `name`.
-std::string_view nearestName(std::string_view name, std::span<std::string_view const> names);
 
 // Number readers shared with the options of a single run; each throws a SettingsError that shows
 // the text and the range.

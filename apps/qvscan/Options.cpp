@@ -3,6 +3,7 @@
 
 #include "apps/common/SettingsFile.h"
 #include "apps/qvscan/OptionTable.h"
+#include "rules/language/Nearest.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
@@ -78,8 +79,9 @@ std::string s_unknownOption(std::string const& argument) {
         dashed.push_back(s_dashed(row.m_name));
     }
     std::vector<std::string_view> const names(dashed.begin(), dashed.end());
-    return "unknown option " + name + "; the nearest known one is " +
-           std::string(nearestName(name, names));
+    auto const nearest = std::string(Rules::nearestWord(name, names));
+    return "unknown option " + name +
+           (nearest.empty() ? "" : "; the nearest known one is " + nearest);
 }
 
 // What the parser left over: PATHs, and options that it does not know. It cannot take the PATHs

@@ -51,13 +51,6 @@ TEST(SettingsTable, ReadsNumbersWholeOrNotAtAll) {
     EXPECT_THROW(readInteger("99999999999999999999", -10, 10), SettingsError);
 }
 
-TEST(SettingsTable, NearestNameDiffersLeast) {
-    constexpr std::string_view names[] = {"root", "score", "score-threshold"};
-    EXPECT_EQ(nearestName("scores", names), "score");
-    EXPECT_EQ(nearestName("rot", names), "root");
-    EXPECT_EQ(nearestName("scorethreshold", names), "score-threshold");
-}
-
 TEST(SettingsTable, AListIsReplacedAsAWhole) {
     SettingsStore store;
     auto const& key = *findSetting("trusted-mta");

@@ -45,7 +45,7 @@ struct UsageCase {
 
 TEST_F(ExitStatus, WrongCommandLinesAre64) {
     UsageCase const cases[] = {
-        {{"--nonsense"}, "unknown option --nonsense; the nearest known one is --progress"},
+        {{"--nonsense"}, "unknown option --nonsense; qvscan --help shows"},
         {{"--spam-treshold", "1"},
          "unknown option --spam-treshold; the nearest known one is "
          "--spam-threshold"},
@@ -79,6 +79,7 @@ TEST_F(ExitStatus, BadSettingsAre78) {
         {"spam-threshold = \"x\"\n", ":1:18: spam-threshold needs a number"},
         {"jobs = 2\nspam_threshold = 1\n",
          ":2:1: unknown key \"spam_threshold\"; the nearest known one is \"spam-threshold\""},
+        {"umbrella = 1\n", ":1:1: unknown key \"umbrella\"; qvscan --show-config lists"},
         {"jobs = \n", ":1:"},
         {"trusted-mta = [\"192.0.2.1\", \"nope\"]\n", ":1:29: trusted-mta: "},
         {"walk-to-leaf = 7\n", ":1:16: walk-to-leaf: \"7\" is no whole number from 0 to 1"},
