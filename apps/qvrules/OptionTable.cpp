@@ -71,6 +71,12 @@ constexpr ArgumentRow evaluateArguments[] = {
     {"--format", "text|json", "text for people, json for programs"},
 };
 
+constexpr ArgumentRow showArguments[] = {
+    {"RULES", "PATH", "Rule text, or folder with rule files", true},
+    {"--format", "text|dot|svg", "For a terminal (default), for Graphviz, a picture"},
+    {"-o,--output", "FILE", "File to write (default: to stdout)"},
+};
+
 constexpr auto table = std::to_array<CommandRow>({
     {"compile", "Make rule files of a rule text", compileArguments,
      "Each file is replaced in one step; files that the rules do not have are\n"
@@ -104,6 +110,11 @@ constexpr auto table = std::to_array<CommandRow>({
      "err, with sample messages. Measure on mail that the rules were not learned from.\n\n"
      "Example: qvrules evaluate my.qvr --ham new/ham --spam new/spam --dns off",
      true},
+    {"show", "Draw rules", showArguments,
+     "The elite rules and the tree, each node with its test, the probability of spam\n"
+     "that it gives and how much of the training mail came to it.\n\n"
+     "Examples: qvrules show my.qvr\n"
+     "          qvrules show my.qvr --format svg -o my.svg"},
     {"attributes", "List what rules can test, as Markdown", {}},
 });
 

@@ -7,6 +7,7 @@
 #include "apps/qvrules/HostOptions.h"
 #include "apps/qvrules/Learn.h"
 #include "apps/qvrules/OptionTable.h"
+#include "apps/qvrules/Show.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/language/Nearest.h"
 #include "rules/model/RuleError.h"
@@ -33,6 +34,7 @@ constexpr char examples[] =
     "  qvrules install --rollback            and take it back\n"
     "  qvrules learn --ham A --spam B -o my.qvr   learn a tree from mail\n"
     "  qvrules evaluate my.qvr --ham A --spam B   measure rules on mail\n"
+    "  qvrules show my.qvr                   see the tree\n"
     "  qvrules attributes                    what rules can test\n"
     "\n"
     "\"qvrules COMMAND --help\" says more. Exit status: 0 well, 1 findings, 64 bad\n"
@@ -131,6 +133,10 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("--augment", &EvaluateArguments::m_augment)
         .tie("--format", &EvaluateArguments::m_format)
         .tieSettings(&EvaluateArguments::m_settings);
+    Command(app, action, "show", show)
+        .tie("RULES", &ShowArguments::m_rules)
+        .tie("--format", &ShowArguments::m_format)
+        .tie("-o,--output", &ShowArguments::m_output);
     Command(app, action, "attributes", listAttributes);
 }
 

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/show/ShownElite.h"
+
+#include "apps/common/RuleStory.h"
+#include "apps/show/Numbers.h"
+#include "rules/language/RuleText.h"
+#include "rules/language/Sentences.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Quorvane::Show {
+
+namespace {
+
+// What the loader keeps of the rules that it reads.
+bool s_isKept(EliteNodes const& rule) {
+    return rule.flag <= maxEliteFlag &&
+           std::all_of(rule.conditions.begin(), rule.conditions.end(),
+                       [](EliteCondition const& condition) {
+                           return condition.attribute <= maxAttribute && condition.test <= maxTest;
+                       });
+}
+
+std::string s_code(EliteNodes const& rule) {
+    if (rule.type != EliteType::adjusting) {
+        return std::to_string(rule.code);
+    }
+    // An answer carries the low byte only.
+    auto const letter = static_cast<unsigned char>(static_cast<std::uint32_t>(rule.code) & 0xFFU);
+    return letter > ' ' && letter <= '~' ? std::string("'") + static_cast<char>(letter) + '\''
+                                         : "byte " + std::to_string(int{letter});
+}
+
+std::string s_effect(EliteNodes const& rule) {
+    double const weight = rule.weight;
+    switch (rule.type) {
+    case EliteType::adjusting:
+        return std::signbit(weight) ? "takes away " + numberText(-weight)
+                                    : "adds " + numberText(weight);
+    case EliteType::deciding:
+        return percentText(weight) + " spam";
+    default:
+        return "never fires: type " + std::to_string(rule.type);
+    }
+}
+
+ShownElite s_shown(EliteNodes const& rule) {
+    ShownElite shown;
+    shown.m_rule = rule;
+    shown.m_code = s_code(rule);
+    shown.m_effect = s_effect(rule);
+    for (auto const& [attribute, test, value] : rule.conditions) {
+        shown.m_conditions.push_back(Rules::conditionText(attribute, test, value));
+        shown.m_tests.push_back(testText(attribute, test, value));
+        shown.m_sentences.push_back(
+            Rules::fillSentence(Rules::testSentence(attribute, test, value), {}));
+    }
+    return shown;
+}
+
+} // namespace
+
+std::vector<ShownElite> shownElite(Rules::EliteFile const& file) {
+    std::vector<ShownElite> rules;
+    std::size_t kept = 0;
+    for (auto const& rule : file.m_rules) {
+        rules.push_back(s_shown(rule));
+        if (s_isKept(rule)) {
+            rules.back().m_place = kept++;
+        }
+    }
+    return rules;
+}
+
+std::string selectModeText(EliteFileHeader const& header) {
+    auto const which = [&]() -> std::string {
+        switch (header.selectMode) {
+        case SelectMode::first:
+            return "The first deciding rule that matches is used, and nothing behind it is "
+                   "looked at";
+        case SelectMode::last:
+            return "Of the deciding rules that match the last is used";
+        case SelectMode::highest:
+            return "Of the deciding rules that match the one with the highest confidence is used";
+        case SelectMode::lowest:
+            return "Of the deciding rules that match the one with the lowest confidence is used";
+        default:
+            return "Of the deciding rules that match the first is used (select mode " +
+                   std::to_string(header.selectMode) + ")";
+        }
+    }();
+    return which + (header.alsoWalkTree == 1 ? "; when none decides, the tree is asked."
+                                             : "; the tree is not asked.");
+}
+
+} // namespace Quorvane::Show

@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/show/ShownRules.h"
+
+#include "apps/common/RuleStory.h"
+#include "apps/show/ShownElite.h"
+#include "rules/check/Checker.h"
+#include "rules/check/Checks.h"
+#include "rules/language/RuleText.h"
+#include "rules/language/Sentences.h"
+
+#include <algorithm>
+#include <array>
+
+namespace Quorvane::Show {
+
+namespace {
+
+bool s_isAttribute(std::int32_t attribute) {
+    return attribute >= 0 && attribute <= maxAttribute;
+}
+
+// Puts the nodes into reading order. Follows the walk of the engine: what it gives up at ends the
+// list of branches, and what lies behind is never looked at.
+class TreeReader {
+  public:
+    TreeReader(Rules::NodeTable const& table, std::size_t count) : m_table(table), m_count(count) {}
+
+    std::vector<ShownNode> read() {
+        add(treeRoot, 0);
+        return std::move(m_nodes);
+    }
+
+  private:
+    enum class State : std::uint8_t { unseen, above, done };
+
+    DTNode const& at(std::int32_t number) const {
+        return m_table.at(static_cast<std::size_t>(number));
+    }
+
+    // Each node is entered once, so the depth is bounded by the table.
+    std::size_t add(std::int32_t number, std::size_t depth) { // NOLINT(misc-no-recursion)
+        auto const index = m_nodes.size();
+        m_index.at(static_cast<std::size_t>(number)) = index;
+        m_nodes.push_back(node(number, depth));
+        state(number) = State::above;
+        if (m_nodes[index].m_problem.empty() && !m_nodes[index].isLeaf()) {
+            addBranches(index);
+        }
+        state(number) = State::done;
+        return index;
+    }
+
+    void addBranches(std::size_t index) { // NOLINT(misc-no-recursion)
+        auto const record = m_nodes[index].m_record;
+        for (int slot = 0; slot < record.childCount; ++slot) {
+            auto const child = record.children.at(static_cast<std::size_t>(slot));
+            auto branch = this->branch(child, m_nodes[index].m_depth);
+            bool const isEnd = branch.m_kind == ShownBranch::Kind::end;
+            m_nodes[index].m_branches.push_back(std::move(branch));
+            if (isEnd) {
+                break;
+            }
+        }
+    }
+
+    ShownBranch branch(std::int32_t child, std::size_t depth) { // NOLINT(misc-no-recursion)
+        if (auto const problem = problemOf(child); !problem.empty()) {
+            return {ShownBranch::Kind::end, child, 0, problem};
+        }
+        auto const known = state(child);
+        if (known == State::unseen) {
+            return {ShownBranch::Kind::node, child, add(child, depth + 1), {}};
+        }
+        return {known == State::above ? ShownBranch::Kind::circle : ShownBranch::Kind::elsewhere,
+                child,
+                m_index.at(static_cast<std::size_t>(child)),
+                {}};
+    }
+
+    // Why the walk cannot look at a child.
+    std::string problemOf(std::int32_t child) const {
+        auto const name = "child " + std::to_string(child);
+        if (child < 0 || child >= treeTableSize) {
+            return name + " is outside the table: the walk gives up here";
+        }
+        if (child == 0) {
+            return "node 0 is no child: the walk gives up here";
+        }
+        if (!s_isAttribute(at(child).attribute)) {
+            return name + " tests attribute " + std::to_string(at(child).attribute) +
+                   ", which does not exist: the walk gives up here";
+        }
+        return {};
+    }
+
+    ShownNode node(std::int32_t number, std::size_t depth) const {
+        ShownNode shown;
+        shown.m_number = number;
+        shown.m_record = at(number);
+        shown.m_depth = depth;
+        auto const& record = shown.m_record;
+        if (number == treeRoot) {
+            shown.m_condition = shown.m_test = shown.m_sentence = "all mail";
+        } else {
+            shown.m_condition =
+                Rules::conditionText(record.attribute, record.test, record.testValue);
+            shown.m_test = testText(record.attribute, record.test, record.testValue);
+            shown.m_sentence = Rules::fillSentence(
+                Rules::testSentence(record.attribute, record.test, record.testValue), {});
+        }
+        shown.m_problem = endOf(number);
+        return shown;
+    }
+
+    // Why the walk cannot leave a node.
+    std::string endOf(std::int32_t number) const {
+        auto const& record = at(number);
+        if (static_cast<std::size_t>(number) >= m_count) {
+            return number == treeRoot ? "the file has no tree: no verdict"
+                                      : "not in the file: no verdict";
+        }
+        if (record.isLeaf != 0) {
+            return number == treeRoot ? "the root decides nothing: no verdict" : "";
+        }
+        if (record.childCount < 1) {
+            return "no leaf and no children: no verdict";
+        }
+        if (record.childCount > maxChildren) {
+            return std::to_string(record.childCount) + " children, more than " +
+                   std::to_string(maxChildren) + ": the walk gives up here";
+        }
+        return {};
+    }
+
+    State& state(std::int32_t number) { return m_state.at(static_cast<std::size_t>(number)); }
+
+    Rules::NodeTable const& m_table;
+    std::size_t m_count;
+    std::array<State, treeTableSize> m_state{};
+    std::array<std::size_t, treeTableSize> m_index{};
+    std::vector<ShownNode> m_nodes;
+};
+
+// Messages of the training mail: what the root saw, or its children together where the root was
+// not counted.
+std::int64_t s_trainingMessages(std::vector<ShownNode> const& nodes) {
+    std::int64_t children = 0;
+    for (auto const& node : nodes) {
+        children += node.m_depth == 1 && node.isCounted() ? node.m_record.value1 : 0;
+    }
+    auto const& root = nodes.front();
+    return root.isCounted() ? std::max<std::int64_t>(root.m_record.value1, children) : children;
+}
+
+// From the counts where there are any, else from the support.
+void s_setShares(std::vector<ShownNode>& nodes) {
+    auto const all = s_trainingMessages(nodes);
+    for (auto& node : nodes) {
+        double const percent = node.m_record.support;
+        if (node.isRoot()) {
+            node.m_share = 1.0;
+        } else if (all > 0 && node.isCounted() && node.m_record.value1 >= 0) {
+            node.m_share =
+                std::min(1.0, static_cast<double>(node.m_record.value1) / static_cast<double>(all));
+        } else if (percent >= 0.0 && percent <= 100.0) {
+            node.m_share = percent / 100.0;
+        }
+    }
+}
+
+std::vector<std::int32_t> s_unreached(std::vector<ShownNode> const& nodes, std::size_t count) {
+    std::vector<bool> isReached(count, false);
+    for (auto const& node : nodes) {
+        if (static_cast<std::size_t>(node.m_number) < count) {
+            isReached[static_cast<std::size_t>(node.m_number)] = true;
+        }
+    }
+    std::vector<std::int32_t> unreached;
+    // Nodes 0 and 1 belong to the file's writer.
+    for (auto number = std::size_t{treeRoot}; number < count; ++number) {
+        if (!isReached[number]) {
+            unreached.push_back(static_cast<std::int32_t>(number));
+        }
+    }
+    return unreached;
+}
+
+} // namespace
+
+std::size_t ShownRules::leafCount() const {
+    return static_cast<std::size_t>(
+        std::count_if(m_nodes.begin(), m_nodes.end(),
+                      [](ShownNode const& node) { return node.m_branches.empty(); }));
+}
+
+std::size_t ShownRules::depth() const {
+    std::size_t deepest = 0;
+    for (auto const& node : m_nodes) {
+        deepest = std::max(deepest, node.m_depth);
+    }
+    return deepest;
+}
+
+std::optional<std::size_t> ShownRules::indexOf(std::int32_t number) const {
+    auto const found = std::find_if(m_nodes.begin(), m_nodes.end(),
+                                    [number](auto const& node) { return node.m_number == number; });
+    return found == m_nodes.end() ? std::optional<std::size_t>() : found - m_nodes.begin();
+}
+
+ShownRules shownRules(std::string const& name, Rules::RuleSet const& set) {
+    ShownRules shown;
+    shown.m_name = name;
+    shown.m_version = set.version();
+    shown.m_loadProblem = Rules::loadProblem(set);
+    auto const table = Rules::loadedTable(set);
+    auto const count = std::min<std::size_t>(
+        set.m_nodes.size() + (set.m_treeTail.empty() ? 0U : 1U), table.size());
+    shown.m_table.assign(table.begin(), table.begin() + static_cast<std::ptrdiff_t>(count));
+    shown.m_nodes = TreeReader(table, count).read();
+    s_setShares(shown.m_nodes);
+    shown.m_unreached = s_unreached(shown.m_nodes, count);
+    if (set.m_elite) {
+        shown.m_eliteHeader = set.m_elite->m_header;
+        shown.m_elite = shownElite(*set.m_elite);
+    }
+    return shown;
+}
+
+} // namespace Quorvane::Show

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/show/TextStyle.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace Quorvane::Show {
+
+namespace {
+
+// Narrower than this nothing can be laid out.
+constexpr std::size_t minWidth = 40;
+
+bool s_isUtf8Locale() {
+    std::setlocale(LC_CTYPE, "");
+    bool const isUtf8 = std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
+    std::setlocale(LC_CTYPE, "C");
+    return isUtf8;
+}
+
+} // namespace
+
+TextStyle terminalStyle(bool isStandardOutput) {
+    TextStyle style;
+    style.m_isUtf8 = s_isUtf8Locale();
+    if (!isStandardOutput || ::isatty(STDOUT_FILENO) != 1) {
+        return style;
+    }
+    winsize size{};
+    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
+        style.m_width = std::max<std::size_t>(size.ws_col, minWidth);
+    }
+    auto const* const noColour = std::getenv("NO_COLOR");
+    style.m_hasColour = noColour == nullptr || *noColour == '\0';
+    return style;
+}
+
+std::size_t columns(std::string_view text) {
+    // Continuation bytes of UTF-8 take no column.
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+std::string padded(std::string text, std::size_t width) {
+    auto const taken = columns(text);
+    text.append(width > taken ? width - taken : 0, ' ');
+    return text;
+}
+
+std::string rightAligned(std::string const& text, std::size_t width) {
+    auto const taken = columns(text);
+    return std::string(width > taken ? width - taken : 0, ' ') + text;
+}
+
+std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
+    std::vector<std::string> lines;
+    while (text.size() > width) {
+        auto blank = text.rfind(' ', width);
+        bool const isBroken = blank == std::string_view::npos || blank == 0;
+        blank = isBroken ? width : blank;
+        lines.emplace_back(text.substr(0, blank));
+        text.remove_prefix(isBroken ? blank : blank + 1);
+    }
+    lines.emplace_back(text);
+    return lines;
+}
+
+std::string coloured(TextStyle const& style, std::string_view parameters, std::string const& text) {
+    if (!style.m_hasColour || text.empty()) {
+        return text;
+    }
+    return "\x1B[" + std::string(parameters) + 'm' + text + "\x1B[0m";
+}
+
+} // namespace Quorvane::Show

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How text is laid out: what the terminal can show, and lines broken to its width. Pure functions
+// but for terminalStyle.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane::Show {
+
+struct TextStyle {
+    std::size_t m_width = 100;
+    bool m_hasColour = false;
+    // Guides of box-drawing characters; else of ASCII.
+    bool m_isUtf8 = false;
+};
+
+// Of standard output: its width, colours unless NO_COLOR is set, and the character set of the
+// locale. What is no terminal is 100 columns wide and gets no colours. `isStandardOutput`: false
+// when a file is written instead.
+TextStyle terminalStyle(bool isStandardOutput);
+
+// Columns that UTF-8 text takes, one for each character.
+std::size_t columns(std::string_view text);
+
+// `text`, with blanks behind or before it up to `width` columns.
+std::string padded(std::string text, std::size_t width);
+std::string rightAligned(std::string const& text, std::size_t width);
+
+// Lines of at most `width` columns, broken at blanks; a longer word is broken where it must.
+// ASCII text. At least one line.
+std::vector<std::string> wrapped(std::string_view text, std::size_t width);
+
+// `text` in a colour of SGR parameters ("1", "38;5;208"), if there are colours.
+std::string coloured(TextStyle const& style, std::string_view parameters, std::string const& text);
+
+} // namespace Quorvane::Show

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Traffic: how much of some mail comes to each node and each elite rule. A plain value;
+// TrafficMeter (TrafficMeter.h) measures it on the engine.
+#pragma once
+
+#include "rules/format/RuleFiles.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace Quorvane::Show {
+
+struct Traffic {
+    struct Use {
+        // Messages whose walk stood on the node, or that the elite rule fired for.
+        std::uint64_t m_reached = 0;
+        // Messages that it decided: the answer names it.
+        std::uint64_t m_decided = 0;
+    };
+
+    // Messages that came to the rules, and those that did not: they have no public hop.
+    std::uint64_t m_messages = 0;
+    std::uint64_t m_notJudgeable = 0;
+    // Messages that no rule decided.
+    std::uint64_t m_undecided = 0;
+    std::array<Use, treeTableSize> m_nodes{};
+    // In the order of the engine's list.
+    std::vector<Use> m_elite;
+
+    Use const& node(std::int32_t number) const {
+        return m_nodes.at(static_cast<std::size_t>(number));
+    }
+    // Part of the messages, 0..1; 0 without messages.
+    double share(std::uint64_t count) const {
+        return m_messages == 0 ? 0.0 : static_cast<double>(count) / static_cast<double>(m_messages);
+    }
+};
+
+} // namespace Quorvane::Show
