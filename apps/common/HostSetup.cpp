@@ -143,12 +143,16 @@ RefDeepHeaderAdapter s_loadEngine() {
 
 } // namespace
 
-RefDeepHeaderAdapter setUpHost(HostSettings const& settings) {
+void setUpPlatform(HostSettings const& settings) {
     try {
         s_setUpPlatform(settings);
     } catch (Exception const& error) {
         throw SettingsError(s_located(error));
     }
+}
+
+RefDeepHeaderAdapter setUpHost(HostSettings const& settings) {
+    setUpPlatform(settings);
     return s_loadEngine();
 }
 

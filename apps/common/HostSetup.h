@@ -9,6 +9,9 @@
 
 namespace Quorvane {
 
+// The platform alone. Throws a SettingsError that says which file or server is no good.
+void setUpPlatform(HostSettings const& settings);
+
 // Returns the engine. Throws a SettingsError that says which file or server is no good, or why the
 // rules cannot be loaded.
 RefDeepHeaderAdapter setUpHost(HostSettings const& settings);

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <set>
+#include <utility>
 
 namespace Quorvane {
 
@@ -26,11 +28,10 @@ bool s_holds(EliteCondition const& condition, Record const& record) {
     return (value == condition.value) == (condition.test == 0);
 }
 
-std::string s_conditions(EliteNodes const& rule) {
+std::string s_joined(std::vector<ToldTest> const& tests) {
     std::string text;
-    for (auto const& condition : rule.conditions) {
-        text += (text.empty() ? "" : " and ") +
-                testText(condition.attribute, condition.test, condition.value);
+    for (auto const& test : tests) {
+        text += (text.empty() ? "" : " and ") + test.m_text;
     }
     return text.empty() ? "always" : text;
 }
@@ -45,16 +46,6 @@ std::string s_letter(std::int32_t code) {
                                           : std::to_string(int{letter});
 }
 
-std::string s_eliteLine(EliteNodes const& rule, DeepHeaderAdapter::EliteHits const& hits) {
-    if (rule.type == EliteType::adjusting) {
-        return "rule " + s_letter(rule.code) + " adjusts by " + s_signed(rule.weight) + ": " +
-               s_conditions(rule);
-    }
-    bool const isChosen = rule.code == hits.code && rule.weight == hits.confidence;
-    return "rule " + std::to_string(rule.code) + " says " + numberText(rule.weight) + " spam" +
-           (isChosen ? "" : " (another was chosen)") + ": " + s_conditions(rule);
-}
-
 bool s_fired(EliteNodes const& rule, Record const& record, DeepHeaderSettings const& settings) {
     bool const isKnown = rule.type == EliteType::adjusting ||
                          (rule.type == EliteType::deciding && rule.support >= settings.minSupport);
@@ -62,17 +53,6 @@ bool s_fired(EliteNodes const& rule, Record const& record, DeepHeaderSettings co
            std::all_of(
                rule.conditions.begin(), rule.conditions.end(),
                [&record](EliteCondition const& condition) { return s_holds(condition, record); });
-}
-
-DTNode const& s_node(DeepHeaderAdapter const& engine, int number) {
-    return engine.treeNodes()[static_cast<std::size_t>(number)];
-}
-
-std::string s_nodeLine(int number, DTNode const& node, bool isRoot) {
-    auto line = "node " + std::to_string(number) + ": ";
-    line += isRoot ? "the root" : testText(node.attribute, node.test, node.testValue);
-    return line + "; " + numberText(node.confidence) + " spam, seen in " +
-           numberText(node.support) + " % of the training mail";
 }
 
 std::string s_end(DTNode const& last, int result, DeepHeaderSettings const& settings) {
@@ -86,6 +66,96 @@ std::string s_end(DTNode const& last, int result, DeepHeaderSettings const& sett
     return isSure ? "sure enough of spam to stop here"
                   : "the branch that fits was seen too rarely in training";
 }
+
+// Borders write "unknown" where they found none.
+std::string s_reverseName(DeepHeaderAdapter::SingleReceiver const& hop) {
+    return hop.reverseName == "unknown" ? std::string() : hop.reverseName;
+}
+
+class RuleTeller {
+  public:
+    RuleTeller(ScanHost const& host, ScanOutcome const& outcome)
+        : m_engine(*host.engine().operator->()), m_settings(host.settings().m_judging),
+          m_outcome(outcome), m_names(sentenceNames(outcome.m_record)) {}
+
+    RuleStory tell() {
+        tellElite();
+        tellPath();
+        if (DeepHeaderAdapter::doesEliteDecide(m_outcome.m_trace.m_elite, m_settings)) {
+            for (auto const& rule : m_story.m_elite) {
+                if (rule.m_isChosen) {
+                    addSentences(rule.m_tests);
+                }
+            }
+        }
+        for (auto const& node : m_story.m_path) {
+            if (node.m_test) {
+                addSentences({*node.m_test});
+            }
+        }
+        return std::move(m_story);
+    }
+
+  private:
+    ToldTest toldTest(std::int32_t attribute, std::int32_t test, std::int32_t value) const {
+        auto const found = s_isAttribute(attribute)
+                               ? m_outcome.m_record.attributes[static_cast<std::size_t>(attribute)]
+                               : value;
+        return {attribute, testText(attribute, test, value),
+                Rules::fillSentence(Rules::valueSentence(attribute, found), m_names)};
+    }
+
+    void tellElite() {
+        auto const& hits = m_outcome.m_trace.m_elite;
+        for (auto const& rule : m_engine.eliteNodes()) {
+            if (!s_fired(rule, m_outcome.m_record, m_settings)) {
+                continue;
+            }
+            bool const decides = rule.type == EliteType::deciding;
+            ToldRule told{
+                &rule, decides && rule.code == hits.code && rule.weight == hits.confidence, {}};
+            for (auto const& condition : rule.conditions) {
+                told.m_tests.push_back(
+                    toldTest(condition.attribute, condition.test, condition.value));
+            }
+            m_story.m_elite.push_back(std::move(told));
+            // The first deciding rule ends the run in this mode.
+            if (decides && m_engine.eliteHeader().selectMode == SelectMode::first) {
+                return;
+            }
+        }
+    }
+
+    void tellPath() {
+        for (int const number : m_outcome.m_trace.m_path) {
+            auto const& node = m_engine.treeNodes()[static_cast<std::size_t>(number)];
+            ToldNode told{number, &node, std::nullopt};
+            if (!m_story.m_path.empty()) {
+                told.m_test = toldTest(node.attribute, node.test, node.testValue);
+            }
+            m_story.m_path.push_back(std::move(told));
+        }
+        if (!m_story.m_path.empty()) {
+            m_story.m_end =
+                s_end(*m_story.m_path.back().m_node, m_outcome.m_trace.m_result, m_settings);
+        }
+    }
+
+    void addSentences(std::vector<ToldTest> const& tests) {
+        for (auto const& test : tests) {
+            if (m_toldAttributes.insert(test.m_attribute).second) {
+                m_story.m_sentences.push_back(test.m_words);
+            }
+        }
+    }
+
+    DeepHeaderAdapter const& m_engine;
+    DeepHeaderSettings const& m_settings;
+    ScanOutcome const& m_outcome;
+    Rules::SentenceNames m_names;
+    std::set<std::int32_t> m_toldAttributes;
+    RuleStory m_story;
+};
 
 } // namespace
 
@@ -104,47 +174,59 @@ std::string numberText(double value) {
     return text.data();
 }
 
+Rules::SentenceNames sentenceNames(Record const& record) {
+    namespace Name = Rules::SentenceName;
+    auto const& first = record.receivers[0];
+    auto const& deep = record.receivers[1];
+    Rules::SentenceNames names{
+        {Name::firstHelo, first.helo},
+        {Name::firstReverse, s_reverseName(first)},
+        {Name::firstAddress, first.ip},
+        {Name::deepHelo, deep.helo},
+        {Name::deepReverse, s_reverseName(deep)},
+        {Name::deepAddress, deep.ip},
+        {Name::authorDomain, record.headerFrom.domain()},
+        {Name::envelopeDomain, record.envelopeFrom.domain()},
+        {Name::recipientDomain, record.recipient.domain()},
+        {Name::messageIdDomain, record.messageIdDomain},
+    };
+    std::erase_if(names, [](auto const& name) { return name.second.empty(); });
+    return names;
+}
+
 std::vector<AttributeLine> tellAttributes(Record const& record) {
+    auto const names = sentenceNames(record);
     std::vector<AttributeLine> lines;
     for (auto const& facts : attributeTable) {
         auto const value = record.attributes[facts.m_index];
         if (value != facts.m_start) {
+            auto const index = static_cast<std::int32_t>(facts.m_index);
             lines.push_back({std::string(facts.m_name), valueText(facts.m_index, value),
-                             std::string(facts.m_meaning)});
+                             Rules::fillSentence(Rules::valueSentence(index, value), names)});
         }
     }
     return lines;
 }
 
-std::vector<std::string> tellElite(DeepHeaderAdapter const& engine, ScanOutcome const& outcome,
-                                   DeepHeaderSettings const& settings) {
-    std::vector<std::string> lines;
-    auto const& hits = outcome.m_elite;
-    for (auto const& rule : engine.eliteNodes()) {
-        if (!s_fired(rule, outcome.m_record, settings)) {
-            continue;
-        }
-        lines.push_back(s_eliteLine(rule, hits));
-        // The first deciding rule ends the run in this mode.
-        if (rule.type == EliteType::deciding &&
-            engine.eliteHeader().selectMode == SelectMode::first) {
-            break;
-        }
-    }
-    return lines;
+RuleStory tellRules(ScanHost const& host, ScanOutcome const& outcome) {
+    return RuleTeller(host, outcome).tell();
 }
 
-std::vector<std::string> tellPath(DeepHeaderAdapter const& engine, ScanOutcome const& outcome,
-                                  DeepHeaderSettings const& settings) {
-    std::vector<std::string> lines;
-    for (int const number : outcome.m_treePath) {
-        lines.push_back(s_nodeLine(number, s_node(engine, number), lines.empty()));
+std::string ruleLine(ToldRule const& told) {
+    auto const& rule = *told.m_rule;
+    if (rule.type == EliteType::adjusting) {
+        return "rule " + s_letter(rule.code) + " adjusts by " + s_signed(rule.weight) + ": " +
+               s_joined(told.m_tests);
     }
-    if (!lines.empty()) {
-        lines.push_back(
-            s_end(s_node(engine, outcome.m_treePath.back()), outcome.m_treeResult, settings));
-    }
-    return lines;
+    return "rule " + std::to_string(rule.code) + " says " + numberText(rule.weight) + " spam" +
+           (told.m_isChosen ? "" : " (another was chosen)") + ": " + s_joined(told.m_tests);
+}
+
+std::string nodeLine(ToldNode const& told) {
+    auto const& node = *told.m_node;
+    return "node " + std::to_string(told.m_number) + ": " +
+           (told.m_test ? told.m_test->m_text : "the root") + "; " + numberText(node.confidence) +
+           " spam, seen in " + numberText(node.support) + " % of the training mail";
 }
 
 } // namespace Quorvane

@@ -4,8 +4,10 @@
 #include "apps/common/HostSetup.h"
 #include "apps/common/OwnHops.h"
 #include "DeepHeaderScanner.h"
+#include "scanner/records/RecordAccess.h"
 
 #include <exception>
+#include <utility>
 
 namespace Quorvane {
 
@@ -32,6 +34,11 @@ Header s_currentHeader(MessageFacts const& facts) {
 ScanHost::ScanHost(HostSettings const& settings)
     : m_settings(settings), m_scores(settings.m_scores), m_engine(setUpHost(settings)) {}
 
+ScanHost::ScanHost(HostSettings const& settings, RefDeepHeaderAdapter const& engine)
+    : m_settings(settings), m_scores(settings.m_scores), m_engine(engine) {
+    setUpPlatform(settings);
+}
+
 RefMessageProperties ScanHost::messageProperties(HeaderContainer const& headers,
                                                  MessageFacts const& facts) const {
     RefMessageProperties properties(true);
@@ -52,22 +59,32 @@ RefMessageProperties ScanHost::messageProperties(HeaderContainer const& headers,
     return properties;
 }
 
-// A scan does not keep what the rules answered on the way, so they are asked once more about the
-// finished attributes: they are pure, and give the same answer.
-void ScanHost::retraceVerdict(RefDeepHeaderAdapter& engine, ScanOutcome& outcome) const {
-    auto const& settings = m_settings.m_judging;
-    outcome.m_reachedVerdict = outcome.m_record.receivers[0].hasIP != Code::notAnalysed;
+void ScanHost::trace(ScanOutcome& outcome) const {
     if (outcome.m_error || !outcome.m_reachedVerdict) {
         return;
     }
+    RefDeepHeaderAdapter engine(m_engine);
+    auto const& settings = m_settings.m_judging;
+    RuleTrace trace;
     if (engine->hasEliteNodes()) {
-        engine->checkElite(outcome.m_elite, outcome.m_record, settings);
+        engine->checkElite(trace.m_elite, outcome.m_record, settings);
     }
-    if (!DeepHeaderAdapter::doesEliteDecide(outcome.m_elite, settings) &&
+    if (!DeepHeaderAdapter::doesEliteDecide(trace.m_elite, settings) &&
         engine->consultsTree(settings)) {
-        outcome.m_treeResult =
-            engine->travelDT(settings, treeRoot, outcome.m_record, outcome.m_treePath);
+        trace.m_result = engine->travelDT(settings, treeRoot, outcome.m_record, trace.m_path);
     }
+    outcome.m_trace = std::move(trace);
+}
+
+ScanOutcome ScanHost::judge(AttributeArray const& attributes) const {
+    ScanOutcome outcome;
+    RefDeepHeaderAdapter engine(m_engine);
+    DeepHeaderQuery query(HeaderContainer(), Header(), m_settings.m_judging, 0, EmailAddress(),
+                          EmailAddress(), EmailAddress(), RefMessageProperties(true));
+    outcome.m_record.attributes = attributes;
+    outcome.m_reachedVerdict = true;
+    engine->getResults(RecordAccess::record(outcome.m_answer), query, outcome.m_record);
+    return outcome;
 }
 
 ScanOutcome ScanHost::scan(HeaderContainer const& headers, MessageFacts const& facts) const {
@@ -83,7 +100,7 @@ ScanOutcome ScanHost::scan(HeaderContainer const& headers, MessageFacts const& f
     } catch (Exception const& error) {
         outcome.m_error = error.asString();
     }
-    retraceVerdict(engine, outcome);
+    outcome.m_reachedVerdict = outcome.m_record.receivers[0].hasIP != Code::notAnalysed;
     return outcome;
 }
 

@@ -35,6 +35,16 @@ struct MessageFacts {
     EmailAddress m_recipient;
 };
 
+// What the rules answered on the way to a verdict.
+struct RuleTrace {
+    DeepHeaderAdapter::EliteHits m_elite;
+    // The nodes that the walk stood on and its result; empty and -1 when the tree was not asked.
+    std::vector<int> m_path;
+    int m_result = -1;
+};
+
+using AttributeArray = decltype(DeepHeaderAdapter::MsgProperties::attributes);
+
 struct ScanOutcome {
     DeepHeaderAnswer m_answer;
     // Why the scan failed; the answer is then the default one.
@@ -43,10 +53,8 @@ struct ScanOutcome {
     DeepHeaderAdapter::MsgProperties m_record;
     // The scan found a public hop and came to ask the rules.
     bool m_reachedVerdict = false;
-    DeepHeaderAdapter::EliteHits m_elite;
-    // The nodes that the walk stood on and its result; empty and -1 when the tree was not asked.
-    std::vector<int> m_treePath;
-    int m_treeResult = -1;
+    // Filled by ScanHost::trace.
+    RuleTrace m_trace;
     // Hops of the site's own relays that were cut off before the scan.
     std::vector<Header> m_cutOff;
 };
@@ -56,9 +64,18 @@ class ScanHost {
     // Throws a SettingsError when a file or server that the settings name is no good, or when the
     // rules cannot be loaded.
     explicit ScanHost(HostSettings const& settings);
+    // Takes this engine; the rules that the settings name are not looked at.
+    ScanHost(HostSettings const& settings, RefDeepHeaderAdapter const& engine);
 
     // `headers`: the header section as HeaderReader split it.
     ScanOutcome scan(HeaderContainer const& headers, MessageFacts const& facts) const;
+
+    // What the rules say of a message with these attributes, of which nothing else is known.
+    ScanOutcome judge(AttributeArray const& attributes) const;
+
+    // Asks the rules once more, for whoever shows how they came to their answer: a scan does not
+    // keep that, and they are pure.
+    void trace(ScanOutcome& outcome) const;
 
     HostSettings const& settings() const { return m_settings; }
     RefDeepHeaderAdapter const& engine() const { return m_engine; }
@@ -70,7 +87,6 @@ class ScanHost {
   private:
     RefMessageProperties messageProperties(HeaderContainer const& headers,
                                            MessageFacts const& facts) const;
-    void retraceVerdict(RefDeepHeaderAdapter& engine, ScanOutcome& outcome) const;
 
     HostSettings m_settings;
     ReputationTable m_scores;

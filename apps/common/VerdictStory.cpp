@@ -84,30 +84,52 @@ std::string s_changes(Alternative const& alternative, DeepHeaderAdapter::MsgProp
     return text;
 }
 
+// Of what is not so: without the names of what is.
+std::vector<std::string> s_words(Alternative const& alternative) {
+    std::vector<std::string> words;
+    for (auto const& [attribute, value] : alternative.m_changes) {
+        auto const sentence = Rules::valueSentence(static_cast<std::int32_t>(attribute), value);
+        words.push_back(Rules::fillSentence(sentence, {}));
+    }
+    return words;
+}
+
 // A node decided, but neither threshold was reached: which would have been?
-void s_addThresholds(std::vector<std::string>& lines, DeepHeaderAnswerImpl const& answer,
+void s_addThresholds(std::vector<ToldNeed>& needs, DeepHeaderAnswerImpl const& answer,
                      DeepHeaderSettings const& settings) {
     if (answer.m_node == 0 || answer.m_isSpam || answer.m_isHam ||
         !(answer.m_supportDegree >= settings.minSupport)) {
         return;
     }
-    lines.push_back("spam: a spam threshold of " +
-                    numberText(answer.m_confidenceDegree + answer.m_adjust) + " or less");
-    lines.push_back("ham: a ham threshold of " + numberText(1.0 - answer.m_confidenceDegree) +
-                    " or less");
+    needs.push_back({"spam",
+                     "a spam threshold of " +
+                         numberText(answer.m_confidenceDegree + answer.m_adjust) + " or less",
+                     {}});
+    needs.push_back(
+        {"ham",
+         "a ham threshold of " + numberText(1.0 - answer.m_confidenceDegree) + " or less",
+         {}});
 }
 
 // A walk that an IPv6 relay ended goes on when that relay is known to be the site's own.
-std::vector<std::string> s_way(std::vector<StoryHop> const& trail) {
+std::vector<ToldNeed> s_way(std::vector<StoryHop> const& trail) {
     for (auto const& hop : trail) {
         if (hop.m_role == HopRole::endsByIPv6) {
-            return {"any: --internal " + hop.m_address + ", if that is a relay of this site"};
+            return {
+                {"any", "--internal " + hop.m_address + ", if that is a relay of this site", {}}};
         }
     }
     return {};
 }
 
 } // namespace
+
+char const* verdictName(DeepHeaderAnswer const& answer) {
+    if (answer.isSpam()) {
+        return "spam";
+    }
+    return answer.isHam() ? "ham" : "none";
+}
 
 std::string tellReason(ScanHost const& host, ScanOutcome const& outcome,
                        std::vector<StoryHop> const& trail) {
@@ -126,20 +148,21 @@ std::string tellReason(ScanHost const& host, ScanOutcome const& outcome,
                : s_undecidedReason(*host.engine().operator->(), settings);
 }
 
-std::vector<std::string> tellNeeded(ScanHost const& host, ScanOutcome const& outcome,
-                                    std::vector<StoryHop> const& trail) {
+std::vector<ToldNeed> tellNeeded(ScanHost const& host, ScanOutcome const& outcome,
+                                 std::vector<StoryHop> const& trail) {
     if (outcome.m_error || !outcome.m_reachedVerdict) {
         return s_way(trail);
     }
-    std::vector<std::string> lines;
+    std::vector<ToldNeed> needs;
     auto const& settings = host.settings().m_judging;
     for (auto const& alternative : findAlternatives(host.engine(), settings, outcome.m_record)) {
-        lines.push_back(std::string(alternative.m_isSpam ? "spam" : "ham") + ": " +
-                        s_changes(alternative, outcome.m_record) + "; then node " +
-                        std::to_string(alternative.m_node) + " decides");
+        needs.push_back({alternative.m_isSpam ? "spam" : "ham",
+                         s_changes(alternative, outcome.m_record) + "; then node " +
+                             std::to_string(alternative.m_node) + " decides",
+                         s_words(alternative)});
     }
-    s_addThresholds(lines, RecordAccess::record(outcome.m_answer), settings);
-    return lines;
+    s_addThresholds(needs, RecordAccess::record(outcome.m_answer), settings);
+    return needs;
 }
 
 } // namespace Quorvane

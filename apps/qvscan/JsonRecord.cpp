@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/JsonRecord.h"
 
+#include "apps/common/RuleStory.h"
 #include "apps/common/Utf8.h"
+#include "apps/common/VerdictStory.h"
 #include "received/ReceivedAccess.h"
 #include "scanner/records/RecordAccess.h"
 
@@ -74,7 +76,15 @@ Json s_elite(DeepHeaderAdapter::EliteHits const& hits) {
             {"reasons", toUtf8(hits.reasons)}};
 }
 
-Json s_explain(ScanOutcome const& outcome) {
+Json s_story(ScanHost const& host, ScanOutcome const& outcome) {
+    auto sentences = Json::array();
+    for (auto const& sentence : tellRules(host, outcome).m_sentences) {
+        sentences.push_back(toUtf8(sentence));
+    }
+    return sentences;
+}
+
+Json s_explain(ScanHost const& host, ScanOutcome const& outcome) {
     auto const& record = outcome.m_record;
     return {{"messageIdDomain", toUtf8(record.messageIdDomain)},
             {"headerFrom", s_domain(record.headerFrom)},
@@ -90,20 +100,15 @@ Json s_explain(ScanOutcome const& outcome) {
             {"publicRun", record.publicRun},
             {"noAddressHops", record.noAddressHops},
             {"attributes", record.attributes},
-            {"elite", s_elite(outcome.m_elite)},
-            {"tree", {{"path", outcome.m_treePath}, {"result", outcome.m_treeResult}}}};
+            {"elite", s_elite(outcome.m_trace.m_elite)},
+            {"tree", {{"path", outcome.m_trace.m_path}, {"result", outcome.m_trace.m_result}}},
+            {"story", s_story(host, outcome)}};
 }
 
 } // namespace
 
-char const* verdictName(DeepHeaderAnswer const& answer) {
-    if (answer.isSpam()) {
-        return "spam";
-    }
-    return answer.isHam() ? "ham" : "none";
-}
-
-std::string jsonRecord(std::string const& source, ScanOutcome const& outcome, bool explain) {
+std::string jsonRecord(ScanHost const& host, std::string const& source, ScanOutcome const& outcome,
+                       bool explain) {
     auto const& answer = RecordAccess::record(outcome.m_answer);
     Json record = {{"source", toUtf8(source)},
                    {"verdict", verdictName(outcome.m_answer)},
@@ -120,7 +125,7 @@ std::string jsonRecord(std::string const& source, ScanOutcome const& outcome, bo
         record["error"] = toUtf8(*outcome.m_error);
     }
     if (explain) {
-        record["explain"] = s_explain(outcome);
+        record["explain"] = s_explain(host, outcome);
     }
     return record.dump(-1, ' ', true) + "\n";
 }

@@ -12,9 +12,8 @@ namespace Quorvane {
 
 // With its line break. Text is ASCII: every other character is escaped; bytes that are no UTF-8
 // appear as U+0080 to U+00FF. Numbers that JSON does not know (NaN, infinities) become null.
-std::string jsonRecord(std::string const& source, ScanOutcome const& outcome, bool explain);
-
-// "spam", "ham" or "none".
-char const* verdictName(DeepHeaderAnswer const& answer);
+// `explain`: with the working record; host.trace(outcome) was called then.
+std::string jsonRecord(ScanHost const& host, std::string const& source, ScanOutcome const& outcome,
+                       bool explain);
 
 } // namespace Quorvane

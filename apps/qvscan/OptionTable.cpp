@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/OptionTable.h"
 
+#include "apps/common/FactsTable.h"
 #include "apps/common/SettingsTable.h"
 
 namespace Quorvane {
@@ -12,13 +13,6 @@ constexpr OptionRow runOptions[] = {
     {"explain", "", "add the working record of the scan", false, outputGroup},
     {"progress", "", "show progress (default: on a terminal)", false, outputGroup},
     {"no-progress", "", "show none", false, outputGroup},
-    {"env-from", "A", "envelope sender, as the host knows it", false, messageGroup},
-    {"header-from", "A", "author", false, messageGroup},
-    {"recipient", "A", "recipient", false, messageGroup},
-    {"current-received", "TEXT", "Received header that is about to be added", false, messageGroup},
-    {"current-forged", "N", "are its names forged? 0, 1, or -1: ask DNS (0)", false, messageGroup},
-    {"client-score", "N", "reputation score of the client (0)", false, messageGroup},
-    {"message-status", "N", "status of the message; rules see 3 (0)", false, messageGroup},
     {"config", "FILE", "settings file (TOML); the command line wins", false, otherGroup},
     {"show-config", "", "print the settings in force and their origins", false, otherGroup},
     {"help", "", "show this", false, otherGroup, 'h'},
@@ -38,7 +32,9 @@ void s_append(std::vector<OptionRow>& rows, std::string_view group) {
 std::vector<OptionRow> optionRows() {
     std::vector<OptionRow> rows;
     s_append(rows, outputGroup);
-    s_append(rows, messageGroup);
+    for (auto const& key : factKeys()) {
+        rows.push_back({key.m_name, key.m_valueName, key.m_help, false, messageGroup});
+    }
     for (auto const& key : settingKeys()) {
         rows.push_back({key.m_name, key.m_valueName, key.m_help, key.m_kind == SettingKind::list,
                         settingGroup});

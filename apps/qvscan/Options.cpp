@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/Options.h"
 
+#include "apps/common/FactsTable.h"
 #include "apps/common/SettingsFile.h"
 #include "apps/qvscan/OptionTable.h"
 #include "rules/language/Nearest.h"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdint>
-#include <limits>
 #include <map>
 #include <utility>
 
@@ -165,36 +165,17 @@ class OptionReader {
     }
 
     void readFacts() {
-        auto& facts = m_options.m_facts;
-        if (auto const* const received = text("current-received")) {
-            facts.m_currentReceived = *received;
+        for (auto const& key : factKeys()) {
+            auto const* const given = text(key.m_name);
+            if (given == nullptr) {
+                continue;
+            }
+            try {
+                key.m_assign(m_options.m_facts, *given);
+            } catch (SettingsError const& error) {
+                throw UsageError("--" + std::string(key.m_name) + ": " + error.what());
+            }
         }
-        facts.m_currentIsForged = number<std::int32_t>("current-forged");
-        facts.m_clientScore = number<std::uint32_t>("client-score");
-        facts.m_messageStatus = number<std::int32_t>("message-status");
-        facts.m_envelopeFrom = address("env-from");
-        facts.m_headerFrom = address("header-from");
-        facts.m_recipient = address("recipient");
-    }
-
-    // 0 when not given.
-    template<typename Number>
-    Number number(std::string_view name) const {
-        auto const* const given = text(name);
-        if (given == nullptr) {
-            return 0;
-        }
-        try {
-            return static_cast<Number>(readInteger(*given, std::numeric_limits<Number>::min(),
-                                                   std::numeric_limits<Number>::max()));
-        } catch (SettingsError const& error) {
-            throw UsageError("--" + std::string(name) + ": " + error.what());
-        }
-    }
-
-    EmailAddress address(std::string_view name) const {
-        auto const* const given = text(name);
-        return given == nullptr ? EmailAddress() : EmailAddress::rfc5322Parse(*given, true);
     }
 
     Given m_given;

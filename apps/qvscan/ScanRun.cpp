@@ -2,10 +2,10 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/common/ExitCode.h"
+#include "apps/common/TextExplain.h"
 #include "apps/common/Utf8.h"
 #include "apps/qvscan/CsvRecord.h"
 #include "apps/qvscan/JsonRecord.h"
-#include "apps/qvscan/TextExplain.h"
 #include "apps/qvscan/TextRecord.h"
 #include "platform/HeaderReader.h"
 
@@ -54,14 +54,16 @@ std::string ScanRun::render(InputItem const& item, HeaderContainer const& header
                             ScanOutcome const& outcome) const {
     switch (m_format) {
     case OutputFormat::json:
-        return jsonRecord(item.m_source, outcome, m_options.m_explain);
+        return jsonRecord(m_host, item.m_source, outcome, m_options.m_explain);
     case OutputFormat::csv:
         return csvRecord(item.m_source, outcome);
     case OutputFormat::text:
         break;
     }
-    return textRecord(item.m_source, outcome, m_colour) +
-           (m_options.m_explain ? textExplain(m_host, headers, m_options.m_facts, outcome) : "");
+    auto const text = textRecord(item.m_source, outcome, m_colour);
+    return m_options.m_explain
+               ? text + textExplain(m_host, outcome, tellTrail(m_host, headers, m_options.m_facts))
+               : text;
 }
 
 ScanResult ScanRun::judge(InputItem const& item) const {
@@ -72,7 +74,10 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     if (headers.headers().empty()) {
         return s_problem(item.m_source, "no message: it has no header field", ExitCode::noMessage);
     }
-    auto const outcome = m_host.scan(headers, m_options.m_facts);
+    auto outcome = m_host.scan(headers, m_options.m_facts);
+    if (m_options.m_explain) {
+        m_host.trace(outcome);
+    }
     ScanResult result;
     result.m_output = render(item, headers, outcome);
     result.m_isSpam = outcome.m_answer.isSpam();

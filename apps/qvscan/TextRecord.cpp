@@ -2,7 +2,7 @@
 #include "apps/qvscan/TextRecord.h"
 
 #include "apps/common/Utf8.h"
-#include "apps/qvscan/JsonRecord.h"
+#include "apps/common/VerdictStory.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>

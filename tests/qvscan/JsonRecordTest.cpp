@@ -28,11 +28,11 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
     auto const record = explained({}, spam());
     EXPECT_EQ(s_keys(record).back(), "explain");
     auto const& explain = record["explain"];
-    EXPECT_EQ(
-        s_keys(explain),
-        (Arguments{"messageIdDomain", "headerFrom", "envelopeFrom", "recipient", "hops",
-                   "receivers", "scoredHopFound", "scoredHopIP", "scoredHopScore", "hopCount",
-                   "maxPrivateRun", "publicRun", "noAddressHops", "attributes", "elite", "tree"}));
+    EXPECT_EQ(s_keys(explain),
+              (Arguments{"messageIdDomain", "headerFrom", "envelopeFrom", "recipient", "hops",
+                         "receivers", "scoredHopFound", "scoredHopIP", "scoredHopScore", "hopCount",
+                         "maxPrivateRun", "publicRun", "noAddressHops", "attributes", "elite",
+                         "tree", "story"}));
     EXPECT_EQ(s_keys(explain["hops"][0]),
               (Arguments{"from", "reverseName", "by", "address", "privateIP", "authenticated",
                          "receiveTime", "isForged"}));
@@ -63,6 +63,9 @@ TEST_F(JsonRecord, TellsATreeVerdict) {
               "Node:{3} Confidence degree{ 0.99 } Support degree{ 10 } IP{ 192.0.2.7 } ");
     EXPECT_EQ(record["explain"]["tree"], Json::parse(R"({"path":[2,3],"result":3})"));
     EXPECT_EQ(record["explain"]["attributes"][10], 1);
+    EXPECT_EQ(record["explain"]["story"],
+              Json::array({"the reverse name of the first relay, dsl-192-0-2-7.dyn.example.net, "
+                           "looks dynamically assigned"}));
 }
 
 TEST_F(JsonRecord, TellsHamAndNone) {
@@ -104,6 +107,7 @@ TEST_F(JsonRecord, ShowsTheRecordOfAScanThatEndedEarly) {
     EXPECT_EQ(explain["attributes"][16], 2);
     EXPECT_EQ(explain["elite"]["confidence"], 0.0);
     EXPECT_EQ(explain["tree"]["result"], -1);
+    EXPECT_EQ(explain["story"], Json::array());
 }
 
 TEST_F(JsonRecord, ShowsNullForAddressesThatAreNull) {

@@ -117,7 +117,8 @@ TEST_F(TextExplain, TellsAttributesInWords) {
     auto const text = explain({}, spam());
     auto const expected = "    first_reverse_dynamic ";
     ASSERT_NE(text.find(expected), std::string::npos) << text;
-    EXPECT_NE(text.find("the reverse name of the first hop looks dynamically assigned"),
+    EXPECT_NE(text.find(" yes           the reverse name of the first relay, "
+                        "dsl-192-0-2-7.dyn.example.net, looks dynamically assigned\n"),
               std::string::npos);
     EXPECT_EQ(text.find("status_indicated"), std::string::npos);
     EXPECT_NE(explain({"--message-status", "3"}, spam()).find("    status_indicated "),
@@ -127,13 +128,16 @@ TEST_F(TextExplain, TellsAttributesInWords) {
 TEST_F(TextExplain, TellsTheRulesThatFiredAndThePath) {
     auto const text =
         explain({}, hop("a.example", "dsl-1-2-3.dyn.b.example", "198.51.100.9") + spam());
-    EXPECT_NE(text.find("    rule a adjusts by +0.01: hop_behind_first is yes\n"),
+    EXPECT_NE(text.find("    rule a adjusts by +0.01: hop_behind_first is yes\n"
+                        "      there was a hop behind the first relay, 198.51.100.9\n"),
               std::string::npos)
         << text;
     EXPECT_NE(text.find("  Path through the tree:\n"
                         "    node 2: the root; 0.3 spam, seen in 100 % of the training mail\n"
                         "    node 3: first_reverse_dynamic is yes; 0.99 spam, seen in 10 % of the "
                         "training mail\n"
+                        "      the reverse name of the first relay, dsl-1-2-3.dyn.b.example, looks "
+                        "dynamically assigned\n"
                         "    a leaf\n"),
               std::string::npos)
         << text;
@@ -143,10 +147,30 @@ TEST_F(TextExplain, TellsTheRulesThatFiredAndThePath) {
         << elite;
 }
 
+TEST_F(TextExplain, TellsInPlainWordsWhatDecided) {
+    EXPECT_NE(explain({}, spam())
+                  .find("\n  In words: the reverse name of the first relay, "
+                        "dsl-192-0-2-7.dyn.example.net, looks dynamically "
+                        "assigned.\n"),
+              std::string::npos);
+    EXPECT_NE(explain({}, none())
+                  .find("\n  In words: no reverse name was recorded for the first "
+                        "relay, 192.0.2.7.\n"),
+              std::string::npos);
+    auto const elite = explain({"--message-status", "3", "--max-elite-level", "2"}, ham());
+    EXPECT_NE(elite.find("\n  In words: the host gave the message status 3.\n"), std::string::npos);
+    // "unknown" is how a border writes that there is no name.
+    EXPECT_EQ(explain({}, none()).find("reverse name, unknown"), std::string::npos);
+    // Nothing was asked, so nothing is told.
+    EXPECT_EQ(explain({}, "From: a@b.example\n\n").find("In words"), std::string::npos);
+}
+
 TEST_F(TextExplain, TellsWhatAnotherVerdictWouldHaveNeeded) {
     EXPECT_NE(explain({}, spam())
                   .find("    ham: first_reverse_dynamic is no (it is yes); then "
-                        "node 4 decides\n"),
+                        "node 4 decides\n"
+                        "      the reverse name of the first relay does not look dynamically "
+                        "assigned\n"),
               std::string::npos);
     auto const undecided = explain({}, none());
     EXPECT_NE(undecided.find("    spam: first_reverse_dynamic is yes (it is unknown); then node 3 "

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvscan/TextExplain.h"
+#include "apps/common/TextExplain.h"
 
 #include "apps/common/RuleStory.h"
-#include "apps/common/TrailStory.h"
 #include "apps/common/Utf8.h"
 #include "apps/common/VerdictStory.h"
 
@@ -64,34 +63,73 @@ std::string s_trail(std::vector<StoryHop> const& trail) {
 std::string s_attributes(DeepHeaderAdapter::MsgProperties const& record) {
     std::vector<Row> rows;
     for (auto const& line : tellAttributes(record)) {
-        rows.push_back({line.m_name, line.m_value, line.m_meaning});
+        rows.push_back({line.m_name, line.m_value, toPrintable(line.m_words)});
     }
     return rows.empty() ? "" : "  Attributes that are not at their default:\n" + s_table(rows);
 }
 
-std::string s_list(std::string const& title, std::vector<std::string> const& lines) {
-    std::string text = lines.empty() ? "" : "  " + title + "\n";
-    for (auto const& line : lines) {
-        text += "    " + line + "\n";
+std::string s_line(std::string const& text) {
+    return "    " + text + "\n";
+}
+
+// What the line before says, in words.
+std::string s_words(std::string const& words) {
+    return s_line("  " + toPrintable(words));
+}
+
+std::string s_titled(std::string const& title, std::string const& lines) {
+    return lines.empty() ? "" : "  " + title + "\n" + lines;
+}
+
+std::string s_elite(RuleStory const& story) {
+    std::string lines;
+    for (auto const& rule : story.m_elite) {
+        lines += s_line(ruleLine(rule));
+        for (auto const& test : rule.m_tests) {
+            lines += s_words(test.m_words);
+        }
     }
-    return text;
+    return s_titled("Elite rules that fired:", lines);
+}
+
+std::string s_path(RuleStory const& story) {
+    std::string lines;
+    for (auto const& node : story.m_path) {
+        lines += s_line(nodeLine(node)) + (node.m_test ? s_words(node.m_test->m_words) : "");
+    }
+    return s_titled("Path through the tree:", lines.empty() ? "" : lines + s_line(story.m_end));
+}
+
+std::string s_needed(std::vector<ToldNeed> const& needs) {
+    std::string lines;
+    for (auto const& need : needs) {
+        lines += s_line(need.m_verdict + ": " + need.m_text);
+        for (auto const& words : need.m_words) {
+            lines += s_words(words);
+        }
+    }
+    return s_titled("Needed for another verdict:", lines);
+}
+
+std::string s_inWords(RuleStory const& story) {
+    std::string text;
+    for (auto const& sentence : story.m_sentences) {
+        text += (text.empty() ? "  In words: " : "; ") + toPrintable(sentence);
+    }
+    return text.empty() ? text : text + ".\n";
 }
 
 } // namespace
 
-std::string textExplain(ScanHost const& host, HeaderContainer const& headers,
-                        MessageFacts const& facts, ScanOutcome const& outcome) {
-    auto const trail = tellTrail(host, headers, facts);
-    auto const& engine = *host.engine().operator->();
-    auto const& settings = host.settings().m_judging;
-    auto text =
-        "  Because: " + toPrintable(tellReason(host, outcome, trail)) + ".\n" + s_trail(trail);
+std::string textExplain(ScanHost const& host, ScanOutcome const& outcome,
+                        std::vector<StoryHop> const& trail) {
+    auto const story = tellRules(host, outcome);
+    auto text = "  Because: " + toPrintable(tellReason(host, outcome, trail)) + ".\n" +
+                s_inWords(story) + s_trail(trail);
     if (outcome.m_reachedVerdict && !outcome.m_error) {
-        text += s_attributes(outcome.m_record) +
-                s_list("Elite rules that fired:", tellElite(engine, outcome, settings)) +
-                s_list("Path through the tree:", tellPath(engine, outcome, settings));
+        text += s_attributes(outcome.m_record) + s_elite(story) + s_path(story);
     }
-    return text + s_list("Needed for another verdict:", tellNeeded(host, outcome, trail)) + "\n";
+    return text + s_needed(tellNeeded(host, outcome, trail)) + "\n";
 }
 
 } // namespace Quorvane
