@@ -25,8 +25,9 @@ std::string s_element(std::string const& tag, std::string const& content) {
     return '<' + tag + '>' + content + "</" + tag + ">\n";
 }
 
-std::string s_policy(std::string const& style, std::string const& script) {
-    return "default-src 'none'; base-uri 'none'; form-action 'none'; style-src '" +
+std::string s_policy(std::string const& style, std::string const& script, bool asksOrigin) {
+    return std::string(asksOrigin ? "connect-src 'self'; " : "") +
+           "default-src 'none'; base-uri 'none'; form-action 'none'; style-src '" +
            contentHash(style) + "'; script-src " +
            (script.empty() ? "'none'" : '\'' + contentHash(script) + '\'');
 }
@@ -51,8 +52,8 @@ std::string html(Document const& document) {
     auto const style = std::string(theme()) + document.m_style;
     auto const& script = document.m_script;
     std::string page = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n";
-    page += "<meta http-equiv=\"Content-Security-Policy\" content=\"" + s_policy(style, script) +
-            "\">\n";
+    page += "<meta http-equiv=\"Content-Security-Policy\" content=\"" +
+            s_policy(style, script, document.m_asksOrigin) + "\">\n";
     page += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
             "<meta name=\"color-scheme\" content=\"light dark\">\n"
             "<meta name=\"referrer\" content=\"no-referrer\">\n";

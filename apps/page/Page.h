@@ -29,6 +29,9 @@ struct Document {
     // theme, and a script that runs at the end of the body. Empty for none.
     std::string m_style;
     std::string m_script;
+    // The script may ask the address that the page was loaded from. Only for pages that a program
+    // serves: a page from a disk has nobody to ask.
+    bool m_asksOrigin = false;
 };
 
 // The whole document. std::invalid_argument when style or script hold the end tag of their

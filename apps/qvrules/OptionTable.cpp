@@ -73,7 +73,7 @@ constexpr ArgumentRow evaluateArguments[] = {
 
 constexpr ArgumentRow showArguments[] = {
     {"RULES", "PATH", "Rule text, or folder with rule files", true},
-    {"--format", "text|dot|svg", "For a terminal (default), for Graphviz, a picture"},
+    {"--format", "text|dot|svg|html", "For a terminal (default), for Graphviz, a picture, a page"},
     {"-o,--output", "FILE", "File to write (default: to stdout)"},
 };
 

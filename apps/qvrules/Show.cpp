@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Show.h"
 
+#include "apps/common/HostSettings.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/show/Drawings.h"
+#include "apps/show/Page.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/Files.h"
 
@@ -18,6 +19,9 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
     }
     if (arguments.m_format == "svg") {
         return Show::svgDrawing(drawing);
+    }
+    if (arguments.m_format == "html") {
+        return Show::htmlDrawing(drawing, {programDefaults(), {}, false});
     }
     return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output == "-"));
 }

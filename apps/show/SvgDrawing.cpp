@@ -78,7 +78,7 @@ class SvgWriter {
         return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
                size + "\" role=\"img\">\n<title>" + s_text(m_rules.m_name) + "</title>\n<style>\n" +
-               std::string(svgStyle()) +
+               std::string(shadesStyle()) + std::string(svgStyle()) +
                "</style>\n<rect class=\"paper\" width=\"100%\" height=\"100%\"/>\n" + m_text +
                "</svg>\n";
     }

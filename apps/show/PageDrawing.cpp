@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/page/Escape.h"
+#include "apps/page/Page.h"
+#include "apps/show/Assets.h"
+#include "apps/show/Numbers.h"
+#include "apps/show/Page.h"
+#include "apps/show/Shades.h"
+
+namespace Quorvane::Show {
+
+namespace {
+
+std::string s_fact(std::string const& name, std::string const& value) {
+    return "<div><dt>" + name + "</dt><dd>" + value + "</dd></div>";
+}
+
+std::string s_count(std::uint64_t count) {
+    return countText(static_cast<std::int64_t>(count));
+}
+
+std::string s_facts(Drawing const& drawing) {
+    auto const& rules = drawing.m_rules;
+    auto html = s_fact("version", rules.m_version ? std::to_string(*rules.m_version) : "none") +
+                s_fact("elite rules", s_count(rules.m_elite.size())) +
+                s_fact("nodes", s_count(rules.m_nodes.size())) +
+                s_fact("leaves", s_count(rules.leafCount())) +
+                s_fact("depth", s_count(rules.depth()));
+    if (auto const& root = rules.m_nodes.front(); root.isCounted()) {
+        html += s_fact("training messages", countText(root.m_record.value1)) +
+                s_fact("spam among them", countText(root.m_record.value2));
+    }
+    if (drawing.m_traffic != nullptr) {
+        html += s_fact("measured messages", s_count(drawing.m_traffic->m_messages)) +
+                s_fact("no rule decided", s_count(drawing.m_traffic->m_undecided)) +
+                s_fact("not judgeable", s_count(drawing.m_traffic->m_notJudgeable));
+    }
+    return "<dl class=\"facts\">" + html + "</dl>\n";
+}
+
+std::string s_setting(char const* name, char const* label, char const* attributes) {
+    return std::string("<label>") + label + " <input type=\"number\" name=\"" + name + "\" " +
+           attributes + "></label>";
+}
+
+std::string s_settings() {
+    return "<details id=\"settings\"><summary>Settings of the host</summary>"
+           "<div class=\"controls\">" +
+           s_setting("spamThreshold", "spam threshold", "step=\"0.01\" min=\"0\"") +
+           s_setting("hamThreshold", "ham threshold", "step=\"0.01\" min=\"0\"") +
+           s_setting("minSupport", "minimum support", "step=\"0.05\" min=\"0\"") +
+           s_setting("maxEliteLevel", "highest elite level", "step=\"1\"") +
+           s_setting("walkToLeaf", "walk to leaf", "step=\"1\" min=\"0\" max=\"1\"") +
+           "</div></details>\n";
+}
+
+std::string s_trial(PageExtras const& extras) {
+    std::string const what =
+        extras.m_isServed
+            ? "A message, or a vector: drop a file anywhere on this page, or paste here."
+            : "A message that <code>qvscan --format json --explain</code> told about, a row of "
+              "<code>qvscan --format csv</code> with its first line, or values such as "
+              "<code>first_helo_dynamic=yes</code>: drop a file anywhere on this page, or paste "
+              "here.";
+    return "<section class=\"trial scripted-only no-print\">\n<h2 id=\"try\">Try a message</h2>\n"
+           "<div class=\"panel\"><label for=\"pasted\">" +
+           what +
+           "</label>\n<textarea id=\"pasted\" spellcheck=\"false\" autocomplete=\"off\" "
+           "placeholder=\"first_reverse_dynamic=yes, first_helo_dynamic=yes\"></textarea>\n"
+           "<div class=\"controls\"><button id=\"try-it\" class=\"main\" "
+           "type=\"button\">Judge</button>"
+           "<label class=\"file-button\">Choose a file <input id=\"file\" type=\"file\" "
+           "class=\"hidden-text\"></label><button id=\"forget\" type=\"button\">Clear</button>"
+           "<label id=\"messages\" hidden>Message <select "
+           "id=\"message\"></select></label></div>\n" +
+           s_settings() +
+           "<div id=\"answer\" role=\"status\" aria-live=\"polite\"></div></div>\n</section>\n";
+}
+
+std::string s_problem(ShownRules const& rules) {
+    return rules.m_loadProblem
+               ? "<div class=\"panel problem-box\">No host would load these rules: " +
+                     Page::text(*rules.m_loadProblem) + "</div>\n"
+               : "";
+}
+
+std::string s_legend(Drawing const& drawing) {
+    std::string shades;
+    for (std::size_t shade = 0; shade < shadeCount; ++shade) {
+        shades += "<span class=\"s" + std::to_string(shade) + "\"></span>";
+    }
+    std::string const mail = drawing.m_traffic != nullptr
+                                 ? "training mail (grey) and of the measured mail (blue)"
+                                 : "training mail";
+    return "<p class=\"muted\">The first child whose test holds is entered, the deepest node on "
+           "the "
+           "way decides. Colours show the probability of spam that a node gives, bars how much of "
+           "the " +
+           mail +
+           " comes to it.</p>\n<p class=\"legend\">sure of ham <span class=\"shades\" "
+           "aria-hidden=\"true\">" +
+           shades + "</span> sure of spam</p>\n";
+}
+
+std::string s_unreached(ShownRules const& rules) {
+    if (rules.m_unreached.empty()) {
+        return {};
+    }
+    std::string html = "<p>Nodes that no message can come to:";
+    for (auto const number : rules.m_unreached) {
+        html += ' ' + std::to_string(number);
+    }
+    return html + "</p>\n";
+}
+
+std::string s_controls() {
+    return "<div class=\"controls scripted-only no-print\"><input id=\"search\" type=\"search\" "
+           "placeholder=\"Search: words, attribute, node, rule\" "
+           "aria-label=\"Search tree and elite rules\">"
+           "<button id=\"open-all\" type=\"button\">Open all</button>"
+           "<button id=\"close-all\" type=\"button\">Close all</button>"
+           "<span id=\"found\" role=\"status\"></span></div>\n";
+}
+
+std::string s_script() {
+    std::string script;
+    for (auto const part : {engineScript(), wordsScript(), readerScript(), treeScript(),
+                            searchScript(), answerScript(), trialScript(), mainScript()}) {
+        script += part;
+    }
+    return script;
+}
+
+} // namespace
+
+std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
+    auto const& rules = drawing.m_rules;
+    Page::Document document;
+    document.m_title = "Rules: " + rules.m_name;
+    document.m_style = std::string(shadesStyle()) + std::string(pageStyle());
+    document.m_script = s_script();
+    document.m_asksOrigin = extras.m_isServed;
+    document.m_body = "<header class=\"top\">\n<h1>Rules</h1>\n<p class=\"muted\">" +
+                      Page::isolated(rules.m_name) + "</p>\n" + s_facts(drawing) +
+                      s_problem(rules) + "</header>\n<main>\n" +
+                      (rules.m_loadProblem ? "" : s_trial(extras)) +
+                      "<section>\n<h2>Elite rules</h2>\n" + pageEliteTable(drawing) +
+                      "</section>\n<section>\n<h2>The tree</h2>\n" + s_legend(drawing) +
+                      s_controls() + pageTree(drawing) + s_unreached(rules) +
+                      "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
+                      "page loads nothing and sends nothing" +
+                      (extras.m_isServed ? " but messages to the program that serves it" : "") +
+                      ".</footer>\n" + Page::dataElement("data", pageData(rules, extras));
+    return Page::html(document);
+}
+
+} // namespace Quorvane::Show

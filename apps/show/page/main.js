@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Brings the page to life. What needs no script stands in it already.
+(() => {
+  "use strict";
+
+  const data = JSON.parse(document.getElementById("data").textContent);
+  const part = (name) => document.getElementById(name);
+  const eliteRows = Array.from(document.querySelectorAll("#elite tbody tr"));
+
+  document.documentElement.classList.add("scripted");
+  QvWords.use(data);
+  QvTree.start(part("tree"));
+  QvSearch.start(part("search"), part("found"), eliteRows);
+  part("open-all").addEventListener("click", () => QvTree.openTo(Infinity));
+  part("close-all").addEventListener("click", () => QvTree.openTo(1));
+  for (const link of document.querySelectorAll("a.to-node")) {
+    link.addEventListener("click", (event) => {
+      event.preventDefault();
+      QvTree.goTo(document.querySelector(link.getAttribute("href")));
+    });
+  }
+  if (data.canJudge) {
+    QvAnswer.start(part("answer"), eliteRows);
+    QvTrial.start(data);
+  }
+})();
