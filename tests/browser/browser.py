@@ -19,6 +19,7 @@ from selenium import webdriver
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
+from selenium.webdriver.support.wait import WebDriverWait
 
 DESKTOP = (1280, 900)
 PHONE = (390, 844)
@@ -135,6 +136,10 @@ class BrowserTest(unittest.TestCase):
     def assert_fits(self):
         """No part of the page is beside the screen."""
         self.assertLessEqual(self.browser.overflow(), 0, "the page scrolls sideways")
+
+    def wait_for(self, holds):
+        """Waits until a condition holds; a page that never gets there fails the test."""
+        WebDriverWait(self.browser.driver, 30).until(lambda _: holds())
 
     def picture(self, name, whole=False):
         """Keeps a picture for people, when QV_SCREENSHOTS names a folder."""

@@ -77,21 +77,19 @@ const QvReader = (() => {
   // The fields of RFC 4180, record by record.
   function csvRecords(text) {
     const records = [];
-    const field = /("(?:[^"]|"")*"|[^,"\r\n]*)(,|\r?\n|$)/gy;
+    const field = /("(?:[^"]|"")*"|[^,"\r\n]*)(,|\r?\n)/gy;
+    const whole = `${text}\n`;
     let record = [];
-    while (field.lastIndex < text.length && records.length <= maxItems) {
-      const match = field.exec(text);
+    while (field.lastIndex < whole.length && records.length <= maxItems) {
+      const match = field.exec(whole);
       if (match === null) {
-        throw new InputError("The CSV has a quotation mark that is never closed.");
+        throw new InputError("The CSV has a quotation mark where none can be.");
       }
-      const [whole, value, end] = match;
+      const [, value, end] = match;
       record.push(value.startsWith('"') ? value.slice(1, -1).replaceAll('""', '"') : value);
       if (end !== ",") {
         records.push(record);
         record = [];
-      }
-      if (whole === "") {
-        break;
       }
     }
     return records.filter((one) => one.length > 1 || one[0] !== "");

@@ -1,0 +1,253 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The page of a rule set, in a browser."""
+import html.parser
+import json
+import re
+import unittest
+
+from selenium.webdriver.common.keys import Keys
+
+import browser
+import showpage
+
+HOSTILE = "<img src=x onerror=alert(1)></script><!--\"'&"
+
+
+class Structure(html.parser.HTMLParser):
+    """What the document says without its script."""
+
+    def __init__(self):
+        super().__init__()
+        self.nodes, self.policy, self.addresses = [], "", []
+
+    def handle_starttag(self, tag, attrs):
+        attrs = dict(attrs)
+        if attrs.get("role") == "treeitem":
+            self.nodes.append((attrs.get("data-number"), attrs["aria-level"]))
+        if attrs.get("http-equiv") == "Content-Security-Policy":
+            self.policy = attrs["content"]
+        for name in ("src", "href", "style", "onclick"):
+            if name in attrs:
+                self.addresses.append(attrs[name])
+
+
+class Page(showpage.ShowPageTest):
+    def open(self, *arguments, size=browser.DESKTOP, scheme="light", **how):
+        self.browser.open(self.page(*arguments, **how), size, scheme)
+
+    # --- the document ---
+
+    def test_says_everything_without_its_script(self):
+        structure = Structure()
+        structure.feed(self.page().read_text(encoding="utf-8"))
+        numbers = [int(number) for number, _ in structure.nodes]
+        self.assertEqual(numbers, list(range(2, 20)))
+        self.assertEqual([level for _, level in structure.nodes][:4], ["1", "2", "3", "3"])
+
+    def test_lets_nothing_in(self):
+        structure = Structure()
+        structure.feed(self.page().read_text(encoding="utf-8"))
+        self.assertIn("default-src 'none'", structure.policy)
+        self.assertNotIn("unsafe", structure.policy)
+        self.assertNotIn("connect-src", structure.policy)
+        self.assertEqual([one for one in structure.addresses if not one.startswith("#")], [])
+
+    def test_fits_every_screen(self):
+        for size, name in ((browser.DESKTOP, "desktop"), (browser.PHONE, "phone")):
+            for scheme in ("light", "dark"):
+                self.open(size=size, scheme=scheme)
+                self.judge("first_reverse_dynamic=yes, hop_behind_first=no")
+                self.assert_fits()
+                self.picture(f"show-{name}-{scheme}", whole=True)
+
+    def test_is_dark_where_the_reader_wants_it(self):
+        colours = []
+        for scheme in ("light", "dark"):
+            self.open(scheme=scheme)
+            colours.append(self.browser.run(
+                "const style = getComputedStyle(document.querySelector('#tree .s6'));"
+                "return [style.color, style.backgroundColor];"))
+        self.assertEqual(len({tuple(one) for one in colours}), 2)
+        for ink, paper in colours:
+            self.assertGreaterEqual(contrast(ink, paper), 4.5)
+
+    # --- the tree ---
+
+    def test_opens_and_closes_by_mouse(self):
+        self.open()
+        self.browser.find("#close-all").click()
+        self.assertEqual(self.shown_nodes(), [2])
+        self.browser.find("#node-2 .words").click()
+        self.assertEqual(self.shown_nodes(), [2, 3, 6, 13])
+        self.browser.find("#open-all").click()
+        self.assertEqual(len(self.shown_nodes()), 18)
+
+    def test_is_walked_by_keyboard(self):
+        self.open()
+        self.browser.find("#close-all").click()
+        root = self.browser.find("#node-2")
+        self.assertEqual(root.get_attribute("tabindex"), "0")
+        self.assertEqual(root.get_attribute("aria-expanded"), "false")
+        keys = (Keys.ARROW_RIGHT, Keys.ARROW_RIGHT, Keys.ARROW_DOWN, Keys.ENTER, Keys.ARROW_RIGHT)
+        at = root
+        for key in keys:
+            at.send_keys(key)
+            at = self.browser.driver.switch_to.active_element
+        self.assertEqual(at.get_attribute("id"), "node-7")
+        at.send_keys(Keys.ARROW_LEFT)
+        at = self.browser.driver.switch_to.active_element
+        self.assertEqual(at.get_attribute("id"), "node-6")
+        at.send_keys("*")
+        self.assertEqual(self.shown_nodes(), [2, 3, 4, 5, 6, 7, 8, 13, 14, 19])
+        at.send_keys(Keys.END)
+        last = self.browser.driver.switch_to.active_element
+        self.assertEqual(last.get_attribute("id"), "node-19")
+        self.assertEqual(len(self.browser.find_all("#tree [tabindex='0']")), 1)
+
+    def test_searches_words_attributes_and_numbers(self):
+        self.open()
+        for text, nodes, rules in (("first_forged", [2, 13, 14, 15, 16, 17], ["o"]),
+                                   ("BEHIND the first", [2, 6, 7, 8], ["9001"]),
+                                   ("14", [2, 13, 14], []), ("9002", [], ["9002"]),
+                                   ("no such words", [], [])):
+            field = self.browser.find("#search")
+            field.clear()
+            field.send_keys(text)
+            self.assertEqual(self.shown_nodes(), nodes, text)
+            self.assertEqual(self.browser.run(
+                "return Array.from(document.querySelectorAll('#elite tbody tr'))"
+                ".filter((row) => !row.hidden).map((row) => row.dataset.code)"), rules, text)
+        self.browser.find("#search").send_keys(Keys.ESCAPE)
+        self.assertEqual(self.browser.find("#found").text, "")
+        self.assertGreater(len(self.shown_nodes()), 3)
+
+    # --- messages ---
+
+    def test_judges_every_example_as_the_engine_does(self):
+        self.open()
+        records = showpage.records()
+        for record in records:
+            answer = self.judge(json.dumps(record))
+            titles = {"spam": "Spam", "ham": "Ham", "none": "No verdict"}
+            self.assertEqual(answer["verdict"], titles[record["verdict"]], record["source"])
+            self.assertEqual(answer["path"], record["explain"]["tree"]["path"], record["source"])
+            self.assertEqual(answer["complaints"], [])
+        self.assertEqual({record["verdict"] for record in records}, {"spam", "ham", "none"})
+        whole = self.judge("\n".join(json.dumps(record) for record in records))
+        self.assertEqual(whole["complaints"], [])
+
+    def test_tells_the_reasons_with_the_names_of_the_message(self):
+        self.open()
+        record = next(one for one in showpage.records()
+                      if one["source"].endswith("spam-bot-dynamic-name.eml"))
+        answer = self.judge(json.dumps(record))
+        helo = record["explain"]["receivers"][0]["helo"]
+        self.assertIn(f"announced, {helo}, looks dynamically assigned.", answer["text"])
+        self.assertIn("Decided by elite rule 9001.", answer["text"])
+        self.assertIn("9001", answer["fired"])
+
+    def test_takes_rows_of_csv(self):
+        self.open()
+        table = showpage.scan("--format", "csv", showpage.EXAMPLES / "spam-bot-dynamic-name.eml",
+                              showpage.EXAMPLES / "no-received-header.eml")
+        answer = self.judge(table)
+        self.assertEqual(answer["verdict"], "Spam")
+        self.browser.run("const list = document.getElementById('message'); list.value = '1';"
+                         "list.dispatchEvent(new Event('change'))")
+        self.assertIn("no public hop", self.answer()["text"])
+
+    def test_takes_named_values_and_follows_the_settings(self):
+        self.open()
+        values = "first_reverse_dynamic=yes, hop_behind_first=0\nfirst_helo_is_domain=no"
+        answer = self.judge(values)
+        self.assertEqual((answer["verdict"], answer["path"], answer["decides"]),
+                         ("Spam", [2, 6, 8, 10, 12], [12]))
+        self.assertEqual(self.shown_nodes(), [2, 3, 6, 7, 8, 9, 10, 11, 12, 13])
+        self.browser.run("const field = document.querySelector('[name=spamThreshold]');"
+                         "field.value = '0.97'; field.dispatchEvent(new Event('input'))")
+        self.assertEqual(self.answer()["verdict"], "No verdict")
+        self.browser.find("#forget").click()
+        self.assertEqual((self.answer()["path"], self.answer()["text"]), ([], ""))
+
+    def test_says_what_is_wrong_with_an_input(self):
+        self.open()
+        for text, complaint in (
+                ("", "nothing here"), ("first_helo=yes", "no attribute"),
+                ("first_forged=maybe", "cannot be"), ("{\"a\": ", "no JSON"),
+                ("{\"source\": \"x\"}", "--explain"), ("source,a\nx,1", "names no column"),
+                ("{\"explain\": {\"attributes\": [1, 2]}}", "38 whole numbers"),
+                ("source,\"a", "quotation mark"),
+                ("Received: from x by y; Mon, 1 Jan 2024 10:00:00 +0000\n\n", "--serve")):
+            answer = self.judge(text)
+            self.assertIn(complaint, " ".join(answer["complaints"]), text)
+            self.assertEqual(answer["path"], [])
+
+    def test_takes_a_dropped_file(self):
+        self.open()
+        self.browser.run("""
+            const transfer = new DataTransfer();
+            transfer.items.add(new File(['first_reverse_dynamic=yes'], 'values.txt'));
+            document.body.dispatchEvent(
+                new DragEvent('drop', {dataTransfer: transfer, bubbles: true, cancelable: true}));
+        """)
+        self.wait_for(lambda: self.answer()["verdict"] == "Spam")
+        self.assertEqual(self.answer()["path"][:2], [2, 6])
+
+    # --- hostile input ---
+
+    def test_shows_names_as_text(self):
+        self.open(text=showpage.STARTER.read_text(encoding="utf-8"), name="<b>&'\".qvr")
+        self.assertIn("<b>&'\".qvr", self.browser.run("return document.title"))
+        record = showpage.records()[0]
+        record["source"] = HOSTILE
+        for hop in record["explain"]["receivers"]:
+            hop["helo"] = hop["reverseName"] = HOSTILE
+        record["explain"]["attributes"][10] = record["explain"]["attributes"][5] = 1
+        answer = self.judge(json.dumps(record))
+        self.assertIn(HOSTILE, answer["text"])
+        self.assertEqual(self.browser.find_all("img, #answer script, b"), [])
+
+    def test_survives_a_chain_of_497_nodes(self):
+        lines = [f"node {number} chain_broken == {number}: confidence 0.5 support 50 {{"
+                 for number in range(3, 498)]
+        self.open(text="tree {\n" + "\n".join(lines) + "\nnode 498 chain_broken == 9: "
+                  "confidence 0.9 support 1\n" + "}" * 496 + "\n", size=browser.PHONE)
+        self.browser.find("#open-all").click()
+        self.assertEqual(self.shown_nodes(), list(range(2, 499)))
+        self.assert_fits()
+
+    def test_shows_where_walks_give_up(self):
+        self.open(text="tree {\n chain_broken == yes: confidence 0.2 support 20 {\n -> 2\n }\n"
+                  " chain_broken == no: confidence 0.3 support 30 {\n -> 700\n -> 3\n }\n}\n")
+        self.browser.find("#open-all").click()
+        text = self.browser.find("#tree").text
+        self.assertIn("back to node 2: the walk can go in circles", text)
+        self.assertIn("child 700 is outside the table: the walk gives up here", text)
+        self.assertIn("The walk goes in circles", self.judge("chain_broken=yes")["text"])
+        answer = self.judge("chain_broken=no")
+        self.assertEqual((answer["verdict"], answer["path"]), ("No verdict", [2, 4]))
+
+    def test_rules_that_no_host_loads_are_shown_and_judge_nothing(self):
+        # Node 3 tests attribute 40.
+        (self.folder / "bad").mkdir()
+        (self.folder / "bad/qv.dt").write_bytes(bytes(3 * 92) + bytes([40]) + bytes(91))
+        path = self.folder / "bad.html"
+        showpage.rules("show", self.folder / "bad", "--format", "html", "-o", path)
+        self.browser.open(path)
+        self.assertIn("No host would load these rules", self.browser.find("header").text)
+        self.assertEqual(self.browser.find_all("#pasted"), [])
+
+
+def contrast(*colours):
+    """The contrast of two colours as the Web Content Accessibility Guidelines define it."""
+    def luminance(colour):
+        parts = [int(part) / 255 for part in re.findall(r"\d+", colour)[:3]]
+        red, green, blue = (part / 12.92 if part <= 0.03928 else ((part + 0.055) / 1.055) ** 2.4
+                            for part in parts)
+        return 0.2126 * red + 0.7152 * green + 0.0722 * blue
+    low, high = sorted(luminance(colour) for colour in colours)
+    return (high + 0.05) / (low + 0.05)
+
+
+if __name__ == "__main__":
+    unittest.main()
