@@ -53,7 +53,7 @@ class DescriptorSource : public ByteSource {
     std::uint64_t m_position = 0;
 };
 
-// Gives back first what was read to look at the magic number.
+// Gives back first what was read to look at it.
 class ReplayedSource : public ByteSource {
   public:
     ReplayedSource(std::string start, std::unique_ptr<ByteSource> rest)
@@ -92,8 +92,8 @@ bool s_isPacked(std::string_view start) {
     return false;
 }
 
-std::string s_readStart(ByteSource& source) {
-    std::string start(longestMagic, '\0');
+std::string s_readStart(ByteSource& source, std::size_t size) {
+    std::string start(size, '\0');
     std::size_t length = 0;
     while (length < start.size()) {
         auto const count = source.read(start.data() + length, start.size() - length);
@@ -107,16 +107,17 @@ std::string s_readStart(ByteSource& source) {
 }
 
 std::unique_ptr<ByteSource> s_unpacked(std::unique_ptr<ByteSource> source) {
-    auto start = s_readStart(*source);
-    bool const isPacked = s_isPacked(start);
-    auto replayed = std::make_unique<ReplayedSource>(std::move(start), std::move(source));
-    if (isPacked) {
-        return unpack(std::move(replayed));
-    }
-    return replayed;
+    bool const isPacked = s_isPacked(peekStart(source, longestMagic));
+    return isPacked ? unpack(std::move(source)) : std::move(source);
 }
 
 } // namespace
+
+std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size) {
+    auto start = s_readStart(*source, size);
+    source = std::make_unique<ReplayedSource>(start, std::move(source));
+    return start;
+}
 
 std::unique_ptr<ByteSource> openFile(std::string const& path, Interrupt& interrupt) {
     // A named pipe without a writer must not hold the program where no signal reaches it.

@@ -36,4 +36,7 @@ std::unique_ptr<ByteSource> openFile(std::string const& path, Interrupt& interru
 // Standard input; left open at the end.
 std::unique_ptr<ByteSource> openStandardInput(Interrupt& interrupt);
 
+// The first bytes, `size` of them unless the end comes before. `source` gives them again.
+std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size);
+
 } // namespace Quorvane

@@ -76,12 +76,16 @@ void ScanHost::trace(ScanOutcome& outcome) const {
     outcome.m_trace = std::move(trace);
 }
 
-ScanOutcome ScanHost::judge(AttributeArray const& attributes) const {
+ScanOutcome ScanHost::judge(std::optional<AttributeArray> const& attributes) const {
     ScanOutcome outcome;
+    outcome.m_isVector = true;
+    if (!attributes) {
+        return outcome;
+    }
     RefDeepHeaderAdapter engine(m_engine);
     DeepHeaderQuery query(HeaderContainer(), Header(), m_settings.m_judging, 0, EmailAddress(),
                           EmailAddress(), EmailAddress(), RefMessageProperties(true));
-    outcome.m_record.attributes = attributes;
+    outcome.m_record.attributes = *attributes;
     outcome.m_reachedVerdict = true;
     engine->getResults(RecordAccess::record(outcome.m_answer), query, outcome.m_record);
     return outcome;

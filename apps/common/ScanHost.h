@@ -51,6 +51,8 @@ struct ScanOutcome {
     std::optional<std::string> m_error;
     // The record as the scan left it.
     DeepHeaderAdapter::MsgProperties m_record;
+    // There was no message, just its attributes.
+    bool m_isVector = false;
     // The scan found a public hop and came to ask the rules.
     bool m_reachedVerdict = false;
     // Filled by ScanHost::trace.
@@ -70,8 +72,9 @@ class ScanHost {
     // `headers`: the header section as HeaderReader split it.
     ScanOutcome scan(HeaderContainer const& headers, MessageFacts const& facts) const;
 
-    // What the rules say of a message with these attributes, of which nothing else is known.
-    ScanOutcome judge(AttributeArray const& attributes) const;
+    // What the rules say of a message of which nothing is known but these attributes; empty: that
+    // there was nothing to judge in it.
+    ScanOutcome judge(std::optional<AttributeArray> const& attributes) const;
 
     // Asks the rules once more, for whoever shows how they came to their answer: a scan does not
     // keep that, and they are pure.

@@ -95,16 +95,19 @@ std::vector<std::string> s_words(Alternative const& alternative) {
 }
 
 // A node decided, but neither threshold was reached: which would have been?
-void s_addThresholds(std::vector<ToldNeed>& needs, DeepHeaderAnswerImpl const& answer,
+void s_addThresholds(std::vector<ToldNeed>& needs, ScanOutcome const& outcome,
                      DeepHeaderSettings const& settings) {
+    auto const& answer = RecordAccess::record(outcome.m_answer);
     if (answer.m_node == 0 || answer.m_isSpam || answer.m_isHam ||
         !(answer.m_supportDegree >= settings.minSupport)) {
         return;
     }
-    needs.push_back({"spam",
-                     "a spam threshold of " +
-                         numberText(answer.m_confidenceDegree + answer.m_adjust) + " or less",
-                     {}});
+    auto spam = answer.m_confidenceDegree + answer.m_adjust;
+    if (auto const& elite = outcome.m_trace.m_elite;
+        elite.code != 0 && elite.support >= settings.minSupport) {
+        spam = std::max(spam, elite.confidence + elite.adjust);
+    }
+    needs.push_back({"spam", "a spam threshold of " + numberText(spam) + " or less", {}});
     needs.push_back(
         {"ham",
          "a ham threshold of " + numberText(1.0 - answer.m_confidenceDegree) + " or less",
@@ -141,7 +144,9 @@ std::string tellReason(ScanHost const& host, ScanOutcome const& outcome,
                    : "the scan failed: " + *outcome.m_error;
     }
     if (!outcome.m_reachedVerdict) {
-        return s_noHopReason(trail);
+        return outcome.m_isVector
+                   ? "nothing to judge: a message without public hop has no attributes"
+                   : s_noHopReason(trail);
     }
     return answer.m_node != 0 || answer.m_isSpam
                ? s_decidedReason(answer, settings)
@@ -161,7 +166,7 @@ std::vector<ToldNeed> tellNeeded(ScanHost const& host, ScanOutcome const& outcom
                              std::to_string(alternative.m_node) + " decides",
                          s_words(alternative)});
     }
-    s_addThresholds(needs, RecordAccess::record(outcome.m_answer), settings);
+    s_addThresholds(needs, outcome, settings);
     return needs;
 }
 

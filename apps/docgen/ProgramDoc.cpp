@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/docgen/ProgramDoc.h"
 
+#include "apps/common/FactsTable.h"
 #include "apps/common/SettingsTable.h"
 #include "apps/common/ValueNames.h"
 #include "apps/qvrules/OptionTable.h"
@@ -51,6 +52,13 @@ void s_addSettings(CommandDoc& doc) {
     }
 }
 
+void s_addFacts(CommandDoc& doc) {
+    for (auto const& key : factKeys()) {
+        doc.m_options.push_back({"What is known of the message", std::string(key.m_name), "",
+                                 std::string(key.m_valueName), std::string(key.m_help)});
+    }
+}
+
 CommandDoc s_command(RulesApp::CommandRow const& row) {
     CommandDoc doc{row.m_name, row.m_summary, {}, {}};
     for (auto const& argument : row.m_arguments) {
@@ -63,6 +71,9 @@ CommandDoc s_command(RulesApp::CommandRow const& row) {
     }
     if (row.m_takesSettings) {
         s_addSettings(doc);
+    }
+    if (row.m_takesFacts) {
+        s_addFacts(doc);
     }
     return doc;
 }

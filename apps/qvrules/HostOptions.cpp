@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/HostOptions.h"
 
+#include "apps/common/FactsTable.h"
 #include "apps/common/SettingsFile.h"
 #include "apps/common/SettingsStore.h"
 #include "rules/model/RuleError.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 
 namespace Quorvane::RulesApp {
@@ -15,20 +17,19 @@ constexpr char configName[] = "config";
 // The rules to learn from or to measure are arguments of the command, not of the host.
 constexpr std::string_view rootName = "root";
 
-void s_add(CLI::App& command, std::string const& name, SettingKey const& key,
-           GivenSettings& given) {
+// `Key` is a SettingKey or a FactKey.
+template<typename Key>
+CLI::Option* s_add(CLI::App& command, Key const& key, GivenSettings& given) {
+    std::string const name(key.m_name);
     auto const take = [&given, name](std::vector<std::string> const& texts) {
         given[name] = texts;
     };
-    auto const policy = key.m_kind == SettingKind::list ? CLI::MultiOptionPolicy::TakeAll
-                                                        : CLI::MultiOptionPolicy::TakeLast;
-    command
+    return command
         .add_option_function<std::vector<std::string>>("--" + name, take, std::string(key.m_help))
         ->expected(1)
-        ->multi_option_policy(policy)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
         ->allow_extra_args(false)
-        ->type_name(std::string(key.m_valueName))
-        ->group("How mail is scanned");
+        ->type_name(std::string(key.m_valueName));
 }
 
 } // namespace
@@ -42,8 +43,17 @@ void addHostOptions(CLI::App& command, GivenSettings& given) {
         ->group("How mail is scanned");
     for (auto const& key : settingKeys()) {
         if (key.m_name != rootName) {
-            s_add(command, std::string(key.m_name), key, given);
+            auto* const option = s_add(command, key, given)->group("How mail is scanned");
+            if (key.m_kind == SettingKind::list) {
+                option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+            }
         }
+    }
+}
+
+void addFactOptions(CLI::App& command, GivenSettings& given) {
+    for (auto const& key : factKeys()) {
+        s_add(command, key, given)->group("What is known of the message");
     }
 }
 
@@ -62,6 +72,26 @@ HostSettings hostSettings(GivenSettings const& given) {
     } catch (SettingsError const& error) {
         throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
     }
+}
+
+MessageFacts messageFacts(GivenSettings const& given) {
+    MessageFacts facts;
+    for (auto const& [name, texts] : given) {
+        if (auto const* const key = findFact(name)) {
+            try {
+                key->m_assign(facts, texts.front());
+            } catch (SettingsError const& error) {
+                throw Rules::RuleError(Rules::RuleError::Kind::badRules,
+                                       "--" + name + ": " + error.what());
+            }
+        }
+    }
+    return facts;
+}
+
+bool hasFacts(GivenSettings const& given) {
+    return std::any_of(given.begin(), given.end(),
+                       [](auto const& one) { return findFact(one.first) != nullptr; });
 }
 
 } // namespace Quorvane::RulesApp

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "apps/common/HostSettings.h"
+#include "apps/common/ScanHost.h"
 
 #include <map>
 #include <string>
@@ -21,8 +22,14 @@ using GivenSettings = std::map<std::string, std::vector<std::string>>;
 
 // Adds --config and the settings. `given` must outlive the parse.
 void addHostOptions(CLI::App& command, GivenSettings& given);
+// Adds what a host knows about a message besides its text.
+void addFactOptions(CLI::App& command, GivenSettings& given);
 
 // The settings file, if one was given, and over it the options. A RuleError for what is wrong.
 HostSettings hostSettings(GivenSettings const& given);
+
+// The facts among the options. A RuleError for what is wrong.
+MessageFacts messageFacts(GivenSettings const& given);
+bool hasFacts(GivenSettings const& given);
 
 } // namespace Quorvane::RulesApp

@@ -77,6 +77,12 @@ constexpr ArgumentRow showArguments[] = {
     {"-o,--output", "FILE", "File to write (default: to stdout)"},
 };
 
+constexpr ArgumentRow explainArguments[] = {
+    {"RULES", "PATH", "Rule text, or folder with rule files", true},
+    {"INPUT", "PATH", "Message, table of vectors, - for standard input, or vector", true},
+    {"--format", "text|json", "text for people, json for programs"},
+};
+
 constexpr auto table = std::to_array<CommandRow>({
     {"compile", "Make rule files of a rule text", compileArguments,
      "Each file is replaced in one step; files that the rules do not have are\n"
@@ -115,6 +121,14 @@ constexpr auto table = std::to_array<CommandRow>({
      "that it gives and how much of the training mail came to it.\n\n"
      "Examples: qvrules show my.qvr\n"
      "          qvrules show my.qvr --format svg -o my.svg"},
+    {"explain", "Tell in plain words what rules say", explainArguments,
+     "INPUT is a message or an mbox; or a table of vectors, as \"qvscan --format csv\"\n"
+     "writes them; or, where there is no such file, a vector: NAME=VALUE,... with\n"
+     "what is not named at its start value.\n\n"
+     "Examples: qvrules explain my.qvr strange.eml\n"
+     "          qvrules explain my.qvr first_reverse_dynamic=yes,first_helo_dynamic=yes\n"
+     "          qvscan --format csv new/ | qvrules explain my.qvr -",
+     true, true},
     {"attributes", "List what rules can test, as Markdown", {}},
 });
 

@@ -31,6 +31,8 @@ struct CommandRow {
     char const* m_footer = "";
     // It also takes --config and the settings of apps/common/SettingsTable.h but for the root.
     bool m_takesSettings = false;
+    // It also takes the facts of apps/common/FactsTable.h.
+    bool m_takesFacts = false;
 };
 
 // Options that need no command; the first is taken after every command too.

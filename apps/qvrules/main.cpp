@@ -4,6 +4,7 @@
 #include "apps/common/ValueNames.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Evaluate.h"
+#include "apps/qvrules/Explain.h"
 #include "apps/qvrules/HostOptions.h"
 #include "apps/qvrules/Learn.h"
 #include "apps/qvrules/OptionTable.h"
@@ -35,6 +36,7 @@ constexpr char examples[] =
     "  qvrules learn --ham A --spam B -o my.qvr   learn a tree from mail\n"
     "  qvrules evaluate my.qvr --ham A --spam B   measure rules on mail\n"
     "  qvrules show my.qvr                   see the tree\n"
+    "  qvrules explain my.qvr strange.eml    why a message is judged so\n"
     "  qvrules attributes                    what rules can test\n"
     "\n"
     "\"qvrules COMMAND --help\" says more. Exit status: 0 well, 1 findings, 64 bad\n"
@@ -69,9 +71,12 @@ class Command {
         return *this;
     }
 
-    // The settings that say how mail is scanned.
+    // The settings that say how mail is scanned, and the facts where the command takes them.
     Command& tieSettings(GivenSettings Options::*member) {
         addHostOptions(*m_command, (*m_options).*member);
+        if (m_row.m_takesFacts) {
+            addFactOptions(*m_command, (*m_options).*member);
+        }
         return *this;
     }
 
@@ -137,6 +142,11 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("RULES", &ShowArguments::m_rules)
         .tie("--format", &ShowArguments::m_format)
         .tie("-o,--output", &ShowArguments::m_output);
+    Command(app, action, "explain", explain)
+        .tie("RULES", &ExplainArguments::m_rules)
+        .tie("INPUT", &ExplainArguments::m_input)
+        .tie("--format", &ExplainArguments::m_format)
+        .tieSettings(&ExplainArguments::m_settings);
     Command(app, action, "attributes", listAttributes);
 }
 

@@ -3,10 +3,10 @@
 
 #include "apps/common/ExitCode.h"
 #include "apps/common/TextExplain.h"
+#include "apps/common/TextRecord.h"
 #include "apps/common/Utf8.h"
 #include "apps/qvscan/CsvRecord.h"
 #include "apps/qvscan/JsonRecord.h"
-#include "apps/qvscan/TextRecord.h"
 #include "platform/HeaderReader.h"
 
 #include <algorithm>

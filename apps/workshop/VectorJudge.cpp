@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/VectorJudge.h"
 
-#include "apps/workshop/TemporaryRules.h"
-#include "include2/DeepHeaderException.h"
-#include "platform/File.h"
-#include "rules/model/RuleError.h"
+#include "apps/workshop/RuleEngine.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
@@ -15,38 +12,6 @@ namespace {
 
 using EliteHits = DeepHeaderAdapter::EliteHits;
 using MsgProperties = DeepHeaderAdapter::MsgProperties;
-
-// The engine reads below the file layer's root, which is the process's: moved, and moved back.
-class MovedRoot {
-  public:
-    explicit MovedRoot(std::string const& folder)
-        : m_before(File::root().empty() ? "/" : File::root()) {
-        File::setRoot(folder);
-    }
-    MovedRoot(MovedRoot const&) = delete;
-    MovedRoot& operator=(MovedRoot const&) = delete;
-    ~MovedRoot() {
-        try {
-            File::setRoot(m_before);
-        } catch (Exception const&) {
-            // It was a temporary folder too and is gone: nobody reads there any more.
-        }
-    }
-
-  private:
-    std::string m_before;
-};
-
-RefDeepHeaderAdapter s_load(Rules::RuleSet const& rules) {
-    TemporaryRules const folder(rules);
-    MovedRoot const root(folder.root());
-    try {
-        return RefDeepHeaderAdapter(new DeepHeaderAdapter);
-    } catch (Exception const& error) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badRules,
-                               "no host could load these rules: " + error.asString());
-    }
-}
 
 DeepHeaderQuery s_query(DeepHeaderSettings const& settings) {
     return {HeaderContainer(), Header(),       settings,       0,
@@ -81,7 +46,7 @@ Rules::JudgedVector s_verdict(RefDeepHeaderAdapter& engine, DeepHeaderQuery quer
 } // namespace
 
 VectorJudge::VectorJudge(Rules::RuleSet const& rules, DeepHeaderSettings const& settings)
-    : m_query(s_query(settings)), m_engine(s_load(rules)) {}
+    : m_query(s_query(settings)), m_engine(loadEngine(rules)) {}
 
 Rules::JudgedVector VectorJudge::judge(Rules::AttributeVector const& vector) const {
     RefDeepHeaderAdapter engine(m_engine);

@@ -57,6 +57,17 @@ constexpr std::string_view valueWord(std::size_t attribute, std::int32_t value) 
     return {};
 }
 
+// The value that a word stands for in an attribute; empty when the attribute does not take it.
+constexpr std::optional<std::int32_t> wordValue(AttributeFacts const& facts,
+                                                std::string_view text) {
+    for (auto const& word : valueWords) {
+        if (word.m_word == text && takesWord(facts, word)) {
+            return word.m_code;
+        }
+    }
+    return std::nullopt;
+}
+
 // The word for a value, or its number.
 inline std::string valueText(std::size_t attribute, std::int32_t value) {
     auto const word = valueWord(attribute, value);

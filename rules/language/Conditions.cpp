@@ -66,10 +66,11 @@ std::vector<std::string_view> s_words() {
 
 // The code of a word that the attribute, if it is known, may take.
 std::optional<std::int32_t> s_codeOf(std::string_view text, std::int32_t attribute) {
+    if (attribute >= 0 && attribute < std::int32_t{attributeCount}) {
+        return wordValue(attributeTable[static_cast<std::size_t>(attribute)], text);
+    }
     for (auto const& word : valueWords) {
-        auto const isKnown = attribute >= 0 && attribute < std::int32_t{attributeCount};
-        if (word.m_word == text &&
-            (!isKnown || takesWord(attributeTable[static_cast<std::size_t>(attribute)], word))) {
+        if (word.m_word == text) {
             return word.m_code;
         }
     }

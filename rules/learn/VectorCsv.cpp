@@ -24,6 +24,7 @@ struct Column {
 
 // One row, before it is counted.
 struct Row {
+    std::string_view m_source;
     AttributeVector m_vector{};
     std::optional<MailLabel> m_label;
     std::uint64_t m_count = 1;
@@ -31,12 +32,14 @@ struct Row {
     std::size_t m_emptyAttributes = 0;
 };
 
+using RowSink = std::function<void(Row const&)>;
+
 class VectorReader {
   public:
-    VectorReader(CsvRecords& records, VectorCsvDefaults const& defaults, VectorTableBuilder& table)
-        : m_records(records), m_defaults(defaults), m_table(table) {}
+    VectorReader(CsvRecords& records, VectorCsvDefaults const& defaults)
+        : m_records(records), m_defaults(defaults) {}
 
-    VectorCsvCounts read(RowProgress const& progress) {
+    void read(RowSink const& sink) {
         Fields fields;
         if (!m_records.next(fields)) {
             throw LearnError(m_records.name() +
@@ -49,13 +52,8 @@ class VectorReader {
                      std::to_string(fields.size()) + " fields where the first line names " +
                          std::to_string(m_columns.size()));
             }
-            addRow(readRow(fields));
-            ++m_counts.m_rows;
-            if (progress && m_counts.m_rows % rowsBetweenReports == 0) {
-                progress(m_counts.m_rows);
-            }
+            sink(readRow(fields));
         }
-        return m_counts;
     }
 
   private:
@@ -132,6 +130,7 @@ class VectorReader {
         auto const& column = m_columns[index];
         switch (column.m_kind) {
         case Column::Kind::source:
+            row.m_source = field;
             return;
         case Column::Kind::attribute:
             if (field.empty()) {
@@ -171,15 +170,6 @@ class VectorReader {
         }
     }
 
-    void addRow(Row const& row) {
-        if (row.m_emptyAttributes != 0) {
-            m_counts.m_withoutVector += row.m_count;
-            m_table.addUnjudged(*row.m_label, row.m_corpus, row.m_count);
-            return;
-        }
-        m_table.add(row.m_vector, *row.m_label, row.m_corpus, row.m_count);
-    }
-
     [[noreturn]] void fail(std::size_t column, std::string const& what) const {
         throw LearnError(m_records.name() + ":" + std::to_string(m_records.line()) + ": column " +
                          std::to_string(column + 1) + ": " + what);
@@ -187,10 +177,18 @@ class VectorReader {
 
     CsvRecords& m_records;
     VectorCsvDefaults const& m_defaults;
-    VectorTableBuilder& m_table;
     std::vector<Column> m_columns;
-    VectorCsvCounts m_counts;
 };
+
+void s_add(Row const& row, VectorTableBuilder& table, VectorCsvCounts& counts) {
+    ++counts.m_rows;
+    if (row.m_emptyAttributes != 0) {
+        counts.m_withoutVector += row.m_count;
+        table.addUnjudged(*row.m_label, row.m_corpus, row.m_count);
+        return;
+    }
+    table.add(row.m_vector, *row.m_label, row.m_corpus, row.m_count);
+}
 
 } // namespace
 
@@ -198,7 +196,24 @@ VectorCsvCounts readVectorCsv(std::istream& input, std::string const& name,
                               VectorCsvDefaults const& defaults, VectorTableBuilder& table,
                               RowProgress const& progress) {
     CsvRecords records(input, name);
-    return VectorReader(records, defaults, table).read(progress);
+    VectorCsvCounts counts;
+    VectorReader(records, defaults).read([&](Row const& row) {
+        s_add(row, table, counts);
+        if (progress && counts.m_rows % rowsBetweenReports == 0) {
+            progress(counts.m_rows);
+        }
+    });
+    return counts;
+}
+
+void readVectorRows(std::istream& input, std::string const& name,
+                    std::function<void(VectorCsvRow const&)> const& sink) {
+    CsvRecords records(input, name);
+    // A label that nobody looks at, so that none has to be given.
+    VectorReader(records, {MailLabel::ham, {}}).read([&](Row const& row) {
+        sink({row.m_source,
+              row.m_emptyAttributes == 0 ? std::optional(row.m_vector) : std::nullopt});
+    });
 }
 
 } // namespace Quorvane::Rules

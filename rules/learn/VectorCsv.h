@@ -16,6 +16,7 @@
 #include <istream>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Quorvane::Rules {
 
@@ -30,6 +31,12 @@ struct VectorCsvCounts {
     std::uint64_t m_withoutVector = 0; // messages that could not be judged
 };
 
+// A row as it stands.
+struct VectorCsvRow {
+    std::string_view m_source;
+    std::optional<AttributeVector> m_vector; // empty: a message that could not be judged
+};
+
 // Told now and then how many rows have been read.
 using RowProgress = std::function<void(std::uint64_t)>;
 
@@ -37,5 +44,10 @@ using RowProgress = std::function<void(std::uint64_t)>;
 VectorCsvCounts readVectorCsv(std::istream& input, std::string const& name,
                               VectorCsvDefaults const& defaults, VectorTableBuilder& table,
                               RowProgress const& progress = {});
+
+// Hands over the rows of `input` one by one; of the other columns it wants nothing but that they
+// are well formed.
+void readVectorRows(std::istream& input, std::string const& name,
+                    std::function<void(VectorCsvRow const&)> const& sink);
 
 } // namespace Quorvane::Rules

@@ -103,6 +103,17 @@ TEST(VectorCsv, CountsMessagesThatCouldNotBeJudgedApart) {
     EXPECT_EQ(table.total(), (LabelCounts{0, 1}));
 }
 
+TEST(VectorCsv, HandsOverRowsThatNobodyLabelled) {
+    std::istringstream input(s_header("") + s_row("\"a,b\"", "1", "") + s_row("b.eml", "", ""));
+    std::vector<std::string> sources;
+    readVectorRows(input, "mail.csv", [&](VectorCsvRow const& row) {
+        sources.emplace_back(row.m_source);
+        EXPECT_EQ(row.m_vector.has_value(), sources.size() == 1);
+        EXPECT_EQ(row.m_vector.value_or(AttributeVector{})[37], row.m_vector ? 1 : 0);
+    });
+    EXPECT_EQ(sources, (std::vector<std::string>{"a,b", "b.eml"}));
+}
+
 TEST(VectorCsv, SaysWhereAndWhatIsWrong) {
     struct Case {
         std::string m_text;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvscan/TextRecord.h"
+#include "apps/common/TextRecord.h"
 
 #include "apps/common/Utf8.h"
 #include "apps/common/VerdictStory.h"

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvrules/Explain.h"
+
+#include "apps/common/SettingsTable.h"
+#include "apps/common/TextExplain.h"
+#include "apps/common/TextRecord.h"
+#include "apps/qvrules/Commands.h"
+#include "apps/workshop/ExplainInput.h"
+#include "apps/workshop/MailVectors.h"
+#include "apps/workshop/RuleEngine.h"
+#include "platform/HeaderReader.h"
+#include "rules/language/LoadRules.h"
+#include "rules/model/RuleError.h"
+
+#include <iostream>
+
+namespace Quorvane::RulesApp {
+
+namespace {
+
+class Explainer {
+  public:
+    Explainer(ExplainArguments const& arguments, RefDeepHeaderAdapter const& engine)
+        : m_isJson(arguments.m_format == "json"), m_facts(messageFacts(arguments.m_settings)),
+          m_host(hostSettings(arguments.m_settings), engine) {}
+
+    void explain(Workshop::AskedItem const& item) const {
+        if (!item.m_headers) {
+            print(item.m_source, m_host.judge(item.m_vector), {});
+            return;
+        }
+        auto const headers = HeaderReader::read(*item.m_headers);
+        print(item.m_source, m_host.scan(headers, m_facts), tellTrail(m_host, headers, m_facts));
+    }
+
+  private:
+    void print(std::string const& source, ScanOutcome outcome,
+               std::vector<StoryHop> const& trail) const {
+        m_host.trace(outcome);
+        std::cout << (m_isJson ? explanationJson(source, m_host, outcome, trail)
+                               : textRecord(source, outcome, false) +
+                                     textExplain(m_host, outcome, trail));
+    }
+
+    bool m_isJson;
+    MessageFacts m_facts;
+    ScanHost m_host;
+};
+
+void s_explain(ExplainArguments const& arguments, Workshop::ExplainInput& input) {
+    auto const engine = Workshop::loadEngine(Rules::loadRules(arguments.m_rules).m_set);
+    try {
+        Explainer const explainer(arguments, engine);
+        input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
+    } catch (SettingsError const& error) {
+        throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
+    }
+}
+
+} // namespace
+
+int explain(ExplainArguments const& arguments) {
+    Interrupt interrupt;
+    try {
+        Workshop::ExplainInput input(arguments.m_input, interrupt);
+        if (input.isVectors() && hasFacts(arguments.m_settings)) {
+            std::cerr << "explain: " << arguments.m_input
+                      << " holds vectors, and what is known of a message changes none: leave out "
+                         "--env-from and the like\n";
+            return ExitStatus::usage;
+        }
+        s_explain(arguments, input);
+    } catch (Interrupted const&) {
+        throw Workshop::ScanInterrupted{interrupt.signalNumber()};
+    }
+    return ExitStatus::well;
+}
+
+} // namespace Quorvane::RulesApp

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// `qvrules explain`: what rules say of a message or a vector, why, and what would have been needed
+// for another verdict.
+#pragma once
+
+#include "apps/common/ScanHost.h"
+#include "apps/common/TrailStory.h"
+#include "apps/qvrules/HostOptions.h"
+
+#include <string>
+#include <vector>
+
+namespace Quorvane::RulesApp {
+
+struct ExplainArguments {
+    std::string m_rules; // text or folder
+    std::string m_input; // as ExplainInput takes it
+    std::string m_format = "text";
+    GivenSettings m_settings; // settings and facts
+};
+
+// One line with the keys source, verdict, node, confidence, support, adjust, adjustReason, reasons,
+// because, sentences, path, end, elite, needed and attributes. Text is ASCII as in the records of
+// qvscan. REQUIRES: host.trace(outcome) was called.
+std::string explanationJson(std::string const& source, ScanHost const& host,
+                            ScanOutcome const& outcome, std::vector<StoryHop> const& trail);
+
+int explain(ExplainArguments const& arguments);
+
+} // namespace Quorvane::RulesApp

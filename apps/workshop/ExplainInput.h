@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// ExplainInput: what somebody wants explained, taken from one argument of a command line:
+//
+//   -             standard input
+//   a file        that there is, packed (gzip, xz, zstd) or not
+//   NAME=VALUE,…  any other argument with a "=": an attribute vector (VectorText.h)
+//
+// Standard input or file is a table of vectors when it begins with "source,", as the tables of
+// `qvscan --format csv` do; otherwise it is a message or an mbox. One object, one thread.
+#pragma once
+
+#include "apps/common/ByteSource.h"
+#include "rules/learn/VectorTable.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Quorvane::Workshop {
+
+struct AskedItem {
+    std::string m_source; // as qvscan names it; "vector" for one from the command line
+    // The header section of a message; empty when the item is a vector.
+    std::optional<std::string> m_headers;
+    // Empty for the row of a message that could not be judged.
+    std::optional<Rules::AttributeVector> m_vector;
+};
+
+class ExplainInput {
+  public:
+    // A RuleError for what cannot be opened, or is no vector. `interrupt` outlives the object.
+    ExplainInput(std::string argument, Interrupt& interrupt);
+
+    // Vectors, and no messages.
+    bool isVectors() const { return m_kind != Kind::messages; }
+
+    // Hands over all items in order. Call it once. A RuleError for what is no message or no table;
+    // Interrupted.
+    void read(std::function<void(AskedItem const&)> const& sink);
+
+  private:
+    enum class Kind { messages, table, vector };
+
+    void readMessages(std::function<void(AskedItem const&)> const& sink);
+
+    std::string m_argument;
+    Kind m_kind = Kind::messages;
+    std::unique_ptr<ByteSource> m_source; // null for a vector
+    Rules::AttributeVector m_vector{};
+};
+
+} // namespace Quorvane::Workshop

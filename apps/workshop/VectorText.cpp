@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/workshop/VectorText.h"
+
+#include "rules/format/ValueWords.h"
+#include "rules/language/Literals.h"
+#include "rules/language/Nearest.h"
+#include "rules/model/RuleError.h"
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+namespace Quorvane::Workshop {
+
+namespace {
+
+[[noreturn]] void s_fail(std::string const& text) {
+    throw Rules::RuleError(Rules::RuleError::Kind::badData, text);
+}
+
+std::string s_quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
+std::string_view s_trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t";
+    auto const begin = std::min(text.find_first_not_of(blanks), text.size());
+    text.remove_prefix(begin);
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
+AttributeFacts const& s_factsOf(std::string_view name) {
+    if (auto const index = attributeIndex(name)) {
+        return attributeTable[*index];
+    }
+    std::vector<std::string_view> names;
+    names.reserve(attributeCount);
+    for (auto const& facts : attributeTable) {
+        names.push_back(facts.m_name);
+    }
+    s_fail("no attribute is called " + s_quoted(name) + "; \"qvrules attributes\" lists them" +
+           Rules::didYouMean(name, names));
+}
+
+std::vector<std::string_view> s_wordsOf(AttributeFacts const& facts) {
+    std::vector<std::string_view> words;
+    for (auto const& word : valueWords) {
+        if (takesWord(facts, word)) {
+            words.push_back(word.m_word);
+        }
+    }
+    return words;
+}
+
+} // namespace
+
+Rules::AttributeVector startVector() {
+    Rules::AttributeVector vector{};
+    for (auto const& facts : attributeTable) {
+        vector[facts.m_index] = facts.m_start;
+    }
+    return vector;
+}
+
+void setAttribute(Rules::AttributeVector& vector, std::string_view name, std::string_view value) {
+    auto const& facts = s_factsOf(name);
+    auto found = wordValue(facts, value);
+    if (!found) {
+        found = Rules::parseInteger(value);
+    }
+    if (!found || !facts.m_values.contains(*found)) {
+        s_fail(std::string(name) + " has no value " + s_quoted(value) + "; it takes " +
+               valueChoices(facts) + Rules::didYouMean(value, s_wordsOf(facts)));
+    }
+    vector[facts.m_index] = *found;
+}
+
+Rules::AttributeVector parseVector(std::string_view text) {
+    auto vector = startVector();
+    std::set<std::string_view> given;
+    while (!text.empty()) {
+        auto const part = text.substr(0, text.find(','));
+        text.remove_prefix(std::min(part.size() + 1, text.size()));
+        auto const equals = part.find('=');
+        if (equals == std::string_view::npos) {
+            s_fail(s_quoted(s_trimmed(part)) +
+                   " is no NAME=VALUE, as in first_helo_dynamic=yes,hop_behind_first=no");
+        }
+        auto const name = s_trimmed(part.substr(0, equals));
+        setAttribute(vector, name, s_trimmed(part.substr(equals + 1)));
+        if (!given.insert(name).second) {
+            s_fail(std::string(name) + " is given twice; keep one");
+        }
+    }
+    return vector;
+}
+
+} // namespace Quorvane::Workshop

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// `qvrules explain` as its users see it; tests/qvrules/golden/explain.txt holds its texts.
+#include "support/Program.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace Quorvane::Testing {
+namespace {
+
+using ::testing::HasSubstr;
+using Arguments = std::vector<std::string>;
+using Json = nlohmann::ordered_json;
+
+constexpr char rules[] =
+    "version 1\n"
+    "elite last also-tree\n"
+    "adjust 0.01 code 'h' when hop_behind_first == yes\n"
+    "decide 0.5 code 900 when status_indicated == yes\n"
+    "decide 0.97 code 901 when status_indicated == yes and from_matches_envelope == no\n"
+    "tree {\n"
+    "    first_reverse_dynamic == yes: confidence 0.9 support 50 counts 10 9 1 {\n"
+    "        hop_behind_first == no: confidence 0.96 support 40 counts 8 8 0\n"
+    "        hop_behind_first != no: confidence 0.5 support 10\n"
+    "    }\n"
+    "    first_reverse_dynamic == no: confidence 0.02 support 30\n"
+    "    first_reverse_dynamic == unknown: confidence 0.5 support 20\n"
+    "}\n";
+
+constexpr char message[] =
+    "Received: from pc-7.dyn.example (192-0-2-7.dyn.example.net [192.0.2.7])\n"
+    "\tby mx.example.org; Mon, 1 Jan 2024 10:00:00 +0000\n"
+    "From: Ann <ann@example.net>\nReturn-Path: <ann@example.net>\n\nBody\n";
+
+class ExplainCommand : public ::testing::Test {
+  protected:
+    ProgramResult run(Arguments arguments, std::string const& input = {}) const {
+        arguments.insert(arguments.begin(), {"explain", m_rules});
+        return runProgram(QV_RULES_PROGRAM, arguments, input);
+    }
+
+    std::vector<Json> explained(Arguments arguments, std::string const& input = {}) const {
+        arguments.insert(arguments.end(), {"--format", "json"});
+        auto const result = run(arguments, input);
+        EXPECT_EQ(result.m_status, 0) << result.m_errors;
+        std::vector<Json> records;
+        std::istringstream lines(result.m_output);
+        for (std::string line; std::getline(lines, line);) {
+            records.push_back(Json::parse(line));
+        }
+        return records;
+    }
+
+    TemporaryFolder m_folder;
+    std::string m_rules = m_folder.write("r.qvr", rules);
+};
+
+TEST_F(ExplainCommand, TellsTheWalkOfAMessage) {
+    auto const file = m_folder.write("one.eml", message);
+    auto const told = explained({file, "--dns", "off"}).at(0);
+    EXPECT_EQ(told["source"], file);
+    EXPECT_EQ(told["verdict"], "spam");
+    EXPECT_EQ(told["node"], 4);
+    EXPECT_EQ(told["because"], "0.96 spam reaches the spam threshold 0.95");
+    EXPECT_EQ(told["sentences"],
+              Json::array({"the reverse name of the first relay, 192-0-2-7.dyn.example.net, looks "
+                           "dynamically assigned",
+                           "there was no hop behind the first relay, 192.0.2.7"}));
+    EXPECT_EQ(told["path"][0]["test"], Json());
+    EXPECT_EQ(told["path"][2], Json::parse(R"({"node":4,"test":"hop_behind_first is no",
+                  "words":"there was no hop behind the first relay, 192.0.2.7",
+                  "confidence":0.96,"support":40.0,"counts":{"all":8,"spam":8,"ham":0}})"));
+    EXPECT_EQ(told["end"], "a leaf");
+    EXPECT_EQ(told["elite"], Json::array());
+    EXPECT_EQ(told["needed"][0]["verdict"], "ham");
+    EXPECT_EQ(told["needed"][0]["words"],
+              Json::array({"the reverse name of the first relay does not look dynamically "
+                           "assigned"}));
+    EXPECT_EQ(told["attributes"]["first_reverse_dynamic"], "yes");
+    EXPECT_EQ(told["attributes"]["hops_reverse_dynamic"], 1);
+}
+
+TEST_F(ExplainCommand, TellsTheEliteRulesAndWhichWasChosen) {
+    auto const told = explained({"-", "--dns", "off", "--message-status", "3", "--env-from",
+                                 "bob@other.example", "--header-from", "ann@example.net"},
+                                message)
+                          .at(0);
+    EXPECT_EQ(told["source"], "-");
+    EXPECT_EQ(told["node"], 901);
+    EXPECT_EQ(told["path"], Json::array());
+    EXPECT_EQ(told["end"], Json());
+    ASSERT_EQ(told["elite"].size(), 2U);
+    EXPECT_EQ(told["elite"][0]["chosen"], false);
+    EXPECT_EQ(told["elite"][0]["code"], 900);
+    EXPECT_EQ(told["elite"][1]["chosen"], true);
+    EXPECT_EQ(told["sentences"][1],
+              "the author's domain, example.net, is not related to the envelope sender's domain, "
+              "other.example");
+}
+
+TEST_F(ExplainCommand, NamesTheThresholdAtWhichAnEliteRuleWouldHaveDecided) {
+    auto const told =
+        explained({"status_indicated=yes,hop_behind_first=yes", "--spam-threshold", "0.99"}).at(0);
+    EXPECT_EQ(told["verdict"], "ham");
+    EXPECT_EQ(told["elite"][0]["code"], "h");
+    auto const undecided = explained({"status_indicated=yes,first_reverse_dynamic=unknown",
+                                      "--spam-threshold", "0.99"})
+                               .at(0);
+    EXPECT_EQ(undecided["verdict"], "none");
+    EXPECT_THAT(undecided["needed"].dump(), HasSubstr("a spam threshold of 0.97 or less"));
+}
+
+TEST_F(ExplainCommand, ExplainsEveryMessageOfAnMbox) {
+    auto const mbox = "From a Mon Jan  1 00:00:00 2024\n" + std::string(message) + "\n";
+    auto const told = explained({"-", "--dns", "off"}, mbox + mbox);
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_EQ(told[1]["source"], "-:2");
+}
+
+TEST_F(ExplainCommand, SaysOfAScannedTableWhatItSaysOfTheMessages) {
+    auto const file = m_folder.write("one.eml", message);
+    auto const privately = m_folder.write("two.eml", "From: a@b.example\n\n");
+    m_folder.write("root/var/spool/etc/antispam/qv.dt", "");
+    m_folder.write("root/var/spool/etc/antispam/README", "CF_DT_VERSION=1\n");
+    auto const table =
+        runProgram(QV_SCAN_PROGRAM, {"--root", (m_folder.path() / "root").string(), "--dns", "off",
+                                     "--format", "csv", file, privately});
+    for (auto const& told :
+         {explained({"-"}, table.m_output), explained({m_folder.write("t.csv", table.m_output)})}) {
+        ASSERT_EQ(told.size(), 2U) << table.m_errors;
+        EXPECT_EQ(told[0]["source"], file);
+        EXPECT_EQ(told[0]["node"], 4);
+        EXPECT_EQ(told[0]["sentences"][1], "there was no hop behind the first relay");
+        EXPECT_EQ(told[1]["verdict"], "none");
+        EXPECT_EQ(told[1]["because"],
+                  "nothing to judge: a message without public hop has no attributes");
+        EXPECT_EQ(told[1]["attributes"], Json());
+    }
+}
+
+TEST_F(ExplainCommand, TakesAFileWhereThereIsOneAndAVectorOtherwise) {
+    auto const file = m_folder.write("chain_broken=yes", message);
+    EXPECT_EQ(explained({file, "--dns", "off"}).at(0)["source"], file);
+    EXPECT_EQ(explained({"chain_broken=yes"}).at(0)["source"], "vector");
+}
+
+TEST_F(ExplainCommand, FollowsTheSettings) {
+    EXPECT_EQ(explained({"first_reverse_dynamic=yes"}).at(0)["verdict"], "spam");
+    EXPECT_EQ(explained({"first_reverse_dynamic=yes", "--spam-threshold", "0.97"}).at(0)["verdict"],
+              "none");
+    auto const stopped =
+        explained({"first_reverse_dynamic=yes", "--walk-to-leaf", "0", "--spam-threshold", "0.9"});
+    EXPECT_EQ(stopped.at(0)["node"], 3);
+    EXPECT_EQ(stopped.at(0)["end"], "sure enough of spam to stop here");
+}
+
+TEST_F(ExplainCommand, HostileNamesSteerNoTerminal) {
+    auto const hostile = "Received: from a\x1B[2Jb{value}.example (x\x07y [192.0.2.7]) by mx\n\n";
+    auto const text = run({"-", "--dns", "off"}, hostile).m_output;
+    EXPECT_EQ(text.find('\x1B'), std::string::npos);
+    EXPECT_EQ(text.find('\x07'), std::string::npos);
+    EXPECT_THAT(text, HasSubstr("announced, a\\x1B2jb{value}.example, "));
+}
+
+TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
+    struct {
+        Arguments m_arguments;
+        std::string m_input;
+        int m_status;
+        char const* m_error;
+    } const cases[] = {
+        {{"no.eml"}, "", 66, "no.eml: cannot be opened: No such file"},
+        {{m_folder.path().string()}, "", 66, "cannot be opened: Is a directory"},
+        {{"-"}, "", 65, "-: no message: it has no header field"},
+        {{"-"}, "source,x\n", 65, "-:1: column 2: unknown column 'x'"},
+        {{"-"}, "source,\n", 65, "-:1: column 2: unknown column ''"},
+        {{"chain_brken=yes"}, "", 65, "did you mean \"chain_broken\"?"},
+        {{"chain_broken=yes", "--env-from", "a@b.example"}, "", 64, "leave out --env-from"},
+        {{"-", "--message-status", "x"}, message, 78, "--message-status: \"x\" is no whole number"},
+        {{"-", "--dns", "nowhere"}, message, 78, "\"nowhere\" is no resolver"},
+        {{"-", "--dns-data", "no.zone"}, message, 78, "no.zone: cannot be read"},
+    };
+    for (auto const& row : cases) {
+        auto const result = run(row.m_arguments, row.m_input);
+        EXPECT_EQ(result.m_status, row.m_status) << row.m_error;
+        EXPECT_THAT(result.m_errors, HasSubstr(row.m_error));
+        EXPECT_EQ(result.m_output, "");
+    }
+    auto const damaged = m_folder.write("bad/qv.dt", std::string(46000, '\x7F'));
+    auto const result =
+        runProgram(QV_RULES_PROGRAM, {"explain", m_folder.path() / "bad", "chain_broken=yes"});
+    EXPECT_EQ(result.m_status, 78);
+    EXPECT_THAT(result.m_errors, HasSubstr("no host could load these rules"));
+}
+
+} // namespace
+} // namespace Quorvane::Testing
