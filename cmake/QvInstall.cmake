@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # What a host, an administrator and a reader get: libraries, public headers, CMake package,
-# pkg-config file, programs, starter rules, examples. Everything is found relative to itself, so an
+# pkg-config file, programs, default rules, examples. Everything is found relative to itself, so an
 # installed tree may be moved.
 include(CMakePackageConfigHelpers)
 
@@ -47,5 +47,7 @@ endforeach()
 
 install(DIRECTORY "${CMAKE_BINARY_DIR}/share/qvdeepheader"
         DESTINATION "${CMAKE_INSTALL_DATADIR}" OPTIONAL)
+install(DIRECTORY data/rules DESTINATION "${CMAKE_INSTALL_DATADIR}/qvdeepheader"
+        FILES_MATCHING PATTERN "*.qvr")
 install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DATADIR}/qvdeepheader" OPTIONAL)
 install(FILES LICENSE README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")

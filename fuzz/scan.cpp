@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Judges arbitrary bytes as a message, with the starter rules and without DNS. Only a
+// Judges arbitrary bytes as a message, with the default rules and without DNS. Only a
 // DeepHeaderException may leave the engine, none may leave the scanner, and what the two say has to
 // agree.
 #include "adapter/DeepHeaderAdapter.h"
@@ -53,13 +53,13 @@ RefDeepHeaderAdapter s_engine() {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    File::setRoot(QV_STARTER_ROOT);
+    File::setRoot(QV_DEFAULT_ROOT);
     ResolverSettings noLookups;
     noLookups.m_mode = ResolverSettings::Mode::off;
     Resolver::instance().configure(noLookups);
     DeepHeaderScanner scanner;
     scanner.init();
-    check(scanner.ready(), "the starter rules load");
+    check(scanner.ready(), "the default rules load");
     return 0;
 }
 

@@ -84,7 +84,7 @@ class ManPageExamples : public testing::TestWithParam<char const*> {
                                "From a Mon Jan  1 00:00:00 2024\n" + message);
             }
         }
-        m_folder.write("my.qvr", readFile(QV_STARTER_RULES));
+        m_folder.write("my.qvr", readFile(QV_STARTER_TEXT));
         run("gzip archive.mbox");
         run("qvrules install my.qvr");
     }

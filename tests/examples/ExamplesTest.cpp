@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The working record of every example message, as qvscan --explain shows it with the starter rules
+// The working record of every example message, as qvscan --explain shows it with the default rules
 // and the DNS data that goes with the examples, against the golden file beside this test.
 #include "support/Golden.h"
 #include "support/Program.h"
@@ -36,7 +36,7 @@ std::vector<std::string> s_names(fs::path const& folder, std::string const& exte
 
 ProgramResult s_scan(std::vector<std::string> const& more) {
     std::vector<std::string> arguments{
-        "--root", QV_STARTER_ROOT, "--dns-data", examples / "dns.zone", "--format", "json"};
+        "--root", QV_DEFAULT_ROOT, "--dns-data", examples / "dns.zone", "--format", "json"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return runProgram(QV_SCAN_PROGRAM, arguments);
 }
@@ -106,7 +106,7 @@ TEST(Examples, areJudgedTogetherAsAlone) {
 // All examples in one run, from the folder of the repository, so that no path of a machine shows.
 ProgramResult s_scanAll(std::vector<std::string> arguments) {
     arguments.insert(arguments.end(),
-                     {"--root", QV_STARTER_ROOT, "--dns-data", "examples/dns.zone"});
+                     {"--root", QV_DEFAULT_ROOT, "--dns-data", "examples/dns.zone"});
     for (auto const& name : s_names(examples, ".eml")) {
         arguments.push_back("examples/" + name + ".eml");
     }

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "rules/check/Checker.h"
+#include "rules/language/LoadRules.h"
+#include "rules/learn/LearnSettings.h"
+#include "rules/model/Binary.h"
+#include "rules/model/Files.h"
+
+#include <gtest/gtest.h>
+
+namespace Quorvane::Rules {
+namespace {
+
+TEST(DefaultRulesTest, TheyHaveNothingToFind) {
+    auto const findings = checkRules(loadRules(QV_DEFAULT_TEXT).m_set);
+    for (auto const& finding : findings) {
+        ADD_FAILURE() << finding.m_problem;
+    }
+}
+
+// The elite rules are written in a file of their own; whoever changes it makes the whole anew.
+TEST(DefaultRulesTest, TheyBeginWithTheEliteRulesAsWritten) {
+    auto const elite = readFile(QV_ELITE_TEXT);
+    EXPECT_EQ(readFile(QV_DEFAULT_TEXT).substr(0, elite.size()), elite);
+}
+
+// A verdict must not hang on a slow name server.
+TEST(DefaultRulesTest, NothingTestsWhatDnsAnswers) {
+    auto const set = loadRules(QV_DEFAULT_TEXT).m_set;
+    auto const withoutDns = defaultAttributes();
+    for (std::size_t i = treeRoot + 1; i < set.m_nodes.size(); ++i) {
+        EXPECT_TRUE(withoutDns.at(static_cast<std::size_t>(set.m_nodes[i].attribute)))
+            << "node " << i;
+    }
+    for (auto const& rule : set.m_elite->m_rules) {
+        for (auto const& condition : rule.conditions) {
+            EXPECT_TRUE(withoutDns.at(static_cast<std::size_t>(condition.attribute)))
+                << "code " << rule.code;
+        }
+    }
+}
+
+TEST(DefaultRulesTest, TheBuildCompiledThemAsTheyAre) {
+    auto const text = loadRules(QV_DEFAULT_TEXT);
+    auto const built = loadRules(QV_DEFAULT_RULES);
+    EXPECT_EQ(writeTree(built.m_set), writeTree(text.m_set));
+    EXPECT_EQ(writeElite(*built.m_set.m_elite), writeElite(*text.m_set.m_elite));
+    EXPECT_EQ(built.m_set.m_readme, text.m_set.m_readme);
+}
+
+// A host judges by the tree only if the elite file lets it, and a verdict needs a confidence at the
+// programs' thresholds.
+TEST(DefaultRulesTest, TheTreeIsConsultedAndCanJudgeBothWays) {
+    auto const set = loadRules(QV_DEFAULT_TEXT).m_set;
+    EXPECT_EQ(set.m_elite->m_header->alsoWalkTree + 0, 1);
+    double lowest = 1.0;
+    double highest = 0.0;
+    for (std::size_t i = treeRoot + 1; i < set.m_nodes.size(); ++i) {
+        double const confidence = set.m_nodes[i].confidence;
+        lowest = std::min(lowest, confidence);
+        highest = std::max(highest, confidence);
+    }
+    EXPECT_LE(lowest, 0.05);
+    EXPECT_GE(highest, 0.95);
+}
+
+} // namespace
+} // namespace Quorvane::Rules

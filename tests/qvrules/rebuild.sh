@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
+#
+# rebuild.sh QVRULES RULES: the programs of data/rules make rules of training mail, byte for byte the
+# same however the mail is packed, and write what they measured into a page. The mail is invented.
+set -euo pipefail
+qvrules=$1
+rules=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+
+die() {
+    echo "rebuild.sh: $*" >&2
+    exit 1
+}
+
+# message HELO REVERSE-NAME ADDRESS
+message() {
+    printf 'From x@example.invalid Mon Jan  1 10:00:00 2024\n'
+    printf 'Received: from %s (%s [%s])\n\tby mx.example.org; Mon, 1 Jan 2024 10:00:00 +0000\n' \
+        "$1" "$2" "$3"
+    printf 'From: a@example.net\nTo: b@example.org\nMessage-ID: <1@%s>\n\n' "$1"
+}
+
+for site in alpha beta; do
+    mkdir -p "plain/$site" "packed/$site"
+    for i in {1..90}; do
+        message "mail$i.$site.example" "mail$i.$site.example" "192.0.2.$i" >>"plain/$site/ham.mbox"
+        message "pc$((i % 7)).$site.example" "192-0-2-$i.dyn.$site.example" "192.0.2.$i" \
+            >>"plain/$site/spam.mbox"
+    done
+    xz -c "plain/$site/ham.mbox" >"packed/$site/ham.mbox.xz"
+    gzip -c "plain/$site/spam.mbox" >"packed/$site/spam.mbox.gz"
+done
+
+"$rules/learn.py" "$qvrules" plain plain.qvr
+"$rules/learn.py" "$qvrules" packed packed.qvr
+cmp plain.qvr packed.qvr
+cmp -n "$(stat -c %s "$rules/elite.qvr")" plain.qvr "$rules/elite.qvr"
+"$qvrules" check plain.qvr
+
+printf '# Page\n\n<!-- table left-out -->\n<!-- end -->\n\n<!-- table rules -->\nold\n<!-- end -->\nrest\n' \
+    >page.md
+"$rules/measure.py" "$qvrules" packed page.md
+for row in '| alpha | 100.0 % | 0 of 90, ' '| beta | 100.0 % | 0 of 90, ' \
+    '| last third of alpha | 100.0 % | 0 of 30, ' '| 9002 | '; do
+    grep -qF "$row" page.md || die "no row '$row' in: $(cat page.md)"
+done
+grep -qx rest page.md || die "the text behind the tables is gone"
+! grep -qx old page.md || die "the old table is still there"
+
+mkdir nothing
+! "$rules/learn.py" "$qvrules" nothing none.qvr 2>error.txt || die "learned from nothing"
+grep -q '^learn: nothing: no corpus in it' error.txt || die "said: $(cat error.txt)"
+! "$rules/measure.py" "$qvrules" plain error.txt 2>error2.txt || die "measured into a page without marks"
+grep -q 'no "<!-- table left-out -->"' error2.txt || die "said: $(cat error2.txt)"
