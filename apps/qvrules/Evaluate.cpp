@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Evaluate.h"
 
+#include "apps/evaluation/Report.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/ProgressLine.h"
 #include "apps/workshop/VectorJudge.h"
@@ -25,6 +27,14 @@ TrainingMail s_mail(EvaluateArguments const& arguments) {
     return mail;
 }
 
+using Report = std::string(Rules::Evaluation const&, Reports::EvaluatedRules const&);
+
+Report* s_report(std::string_view format) {
+    return format == "json"   ? Reports::reportJson
+           : format == "html" ? Reports::reportHtml
+                              : Reports::reportText;
+}
+
 } // namespace
 
 int evaluate(EvaluateArguments const& arguments) {
@@ -42,9 +52,8 @@ int evaluate(EvaluateArguments const& arguments) {
     auto const evaluation = Rules::evaluate(
         table, [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); },
         samples);
-    EvaluatedRules const shown{rules.m_set, mail.m_host.m_judging};
-    std::cout << (arguments.m_format == "json" ? evaluationJson(evaluation, shown)
-                                               : evaluationText(evaluation, shown));
+    Reports::EvaluatedRules const shown{arguments.m_rules, rules.m_set, mail.m_host.m_judging};
+    writeOutput(arguments.m_output, s_report(arguments.m_format)(evaluation, shown));
     return ExitStatus::well;
 }
 

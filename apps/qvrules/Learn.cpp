@@ -2,6 +2,7 @@
 #include "apps/qvrules/Learn.h"
 
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/ProgressLine.h"
 #include "rules/language/Compiler.h"
@@ -19,21 +20,10 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
-void s_write(std::string const& path, std::string const& text) {
-    if (path == "-") {
-        std::cout << text << std::flush;
-        if (!std::cout) {
-            throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite, "standard output");
-        }
-        return;
-    }
-    Rules::replaceFile(path, text);
-}
-
 void s_writeTable(std::string const& path, Rules::VectorTable const& table) {
     std::ostringstream text;
     Rules::writeVectorCsv(text, table);
-    s_write(path, text.str());
+    writeOutput(path, text.str());
 }
 
 std::string s_treeText(Rules::LearnedTree const& learned) {
@@ -112,7 +102,7 @@ int learn(LearnArguments const& arguments) {
     }
     if (!arguments.m_output.empty()) {
         auto const learned = s_learn(arguments, table, progress);
-        s_write(arguments.m_output, s_ruleText(arguments, table, learned));
+        writeOutput(arguments.m_output, s_ruleText(arguments, table, learned));
         s_report(learned, counts, table);
     }
     return ExitStatus::well;

@@ -68,7 +68,8 @@ constexpr ArgumentRow evaluateArguments[] = {
     {"--augment", "no-reverse-name",
      "Measure copies too, as a border without reverse names would "
      "have recorded the mail, as corpora of their own"},
-    {"--format", "text|json", "text for people, json for programs"},
+    {"--format", "text|json|html", "text for people, json for programs, html: a page with charts"},
+    {"-o,--output", "FILE", "File to write (default: to stdout)"},
 };
 
 constexpr ArgumentRow showArguments[] = {
@@ -114,7 +115,8 @@ constexpr auto table = std::to_array<CommandRow>({
      "For each corpus and together: how much can be judged, what the thresholds give,\n"
      "the ROC curve, how far confidences can be trusted, which rules decide and which\n"
      "err, with sample messages. Measure on mail that the rules were not learned from.\n\n"
-     "Example: qvrules evaluate my.qvr --ham new/ham --spam new/spam --dns off",
+     "Examples: qvrules evaluate my.qvr --ham new/ham --spam new/spam --dns off\n"
+     "          qvrules evaluate my.qvr --vectors new.csv --format html -o page.html",
      true},
     {"show", "Draw rules", showArguments,
      "The elite rules and the tree, each node with its test, the probability of spam\n"

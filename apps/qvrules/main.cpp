@@ -137,6 +137,7 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("--spam-vectors", &EvaluateArguments::m_spamVectors)
         .tie("--augment", &EvaluateArguments::m_augment)
         .tie("--format", &EvaluateArguments::m_format)
+        .tie("-o,--output", &EvaluateArguments::m_output)
         .tieSettings(&EvaluateArguments::m_settings);
     Command(app, action, "show", show)
         .tie("RULES", &ShowArguments::m_rules)

@@ -91,7 +91,7 @@ Evaluation evaluate(VectorTable const& table, Judge const& judge, SampleSources 
             s_figures(table.corpora()[corpus], byCorpus[corpus], table.unjudgedOf(corpus)));
         unjudged += table.unjudgedOf(corpus);
     }
-    evaluation.m_together = s_figures("together", together, unjudged);
+    evaluation.m_together = s_figures("All together", together, unjudged);
     return evaluation;
 }
 

@@ -4,9 +4,11 @@
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 namespace Quorvane::Testing {
 namespace {
@@ -108,6 +110,32 @@ TEST_F(EvaluateCommand, TellsPeopleTheSame) {
     EXPECT_THAT(result.m_output, HasSubstr("spam called spam                  3 of 4 (75.00 %;"));
     EXPECT_THAT(result.m_output, HasSubstr("no verdict                        0 spam, 1 ham"));
     EXPECT_THAT(result.m_output, HasSubstr("What errs most\n  node "));
+}
+
+TEST_F(EvaluateCommand, WritesEveryFormToAFile) {
+    for (std::string const form : {"text", "json", "html"}) {
+        auto arguments = mail();
+        arguments.insert(arguments.end(), {"--format", form});
+        auto const shown = run(arguments).m_output;
+        auto const path = (m_folder.path() / ("report." + form)).string();
+        arguments.insert(arguments.end(), {"-o", path});
+        auto const written = run(arguments);
+        EXPECT_EQ(written.m_status, 0) << written.m_errors;
+        EXPECT_EQ(written.m_output, "");
+        std::ostringstream content;
+        content << std::ifstream(path).rdbuf();
+        EXPECT_EQ(content.str(), shown);
+        EXPECT_THAT(shown, HasSubstr("site"));
+    }
+}
+
+TEST_F(EvaluateCommand, SaysWhatItCannotWrite) {
+    auto arguments = mail();
+    auto const path = (m_folder.path() / "absent/report.html").string();
+    arguments.insert(arguments.end(), {"--format", "html", "-o", path});
+    auto const result = run(arguments);
+    EXPECT_EQ(result.m_status, 73);
+    EXPECT_THAT(result.m_errors, HasSubstr(path));
 }
 
 TEST_F(EvaluateCommand, RefusesBadRulesAndMissingMail) {

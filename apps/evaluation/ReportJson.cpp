@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Evaluate.h"
+#include "apps/evaluation/Report.h"
+
+#include "apps/workshop/DeciderText.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-namespace Quorvane::RulesApp {
+namespace Quorvane::Reports {
 
 namespace {
 
@@ -79,7 +81,7 @@ Json s_deciders(Rules::Evaluation const& evaluation, Rules::RuleSet const& set) 
     for (auto const& one : evaluation.m_deciders.byUse()) {
         deciders.push_back({{"kind", one.m_decider.m_isElite ? "elite" : "tree"},
                             {"number", one.m_decider.m_number},
-                            {"conditions", deciderConditions(set, one.m_decider)},
+                            {"conditions", Workshop::deciderConditions(set, one.m_decider)},
                             {"confidence", one.m_confidence},
                             {"support", one.m_support},
                             {"reached", s_counts(one.m_reached)},
@@ -91,7 +93,7 @@ Json s_deciders(Rules::Evaluation const& evaluation, Rules::RuleSet const& set) 
 
 } // namespace
 
-std::string evaluationJson(Rules::Evaluation const& evaluation, EvaluatedRules const& rules) {
+std::string reportJson(Rules::Evaluation const& evaluation, EvaluatedRules const& rules) {
     Json corpora = Json::array();
     for (auto const& corpus : evaluation.m_corpora) {
         corpora.push_back(s_corpus(corpus));
@@ -105,4 +107,4 @@ std::string evaluationJson(Rules::Evaluation const& evaluation, EvaluatedRules c
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-} // namespace Quorvane::RulesApp
+} // namespace Quorvane::Reports

@@ -1,38 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Evaluate.h"
+#include "apps/evaluation/Report.h"
+
+#include "apps/workshop/DeciderText.h"
+#include "rules/evaluate/FigureText.h"
 
 #include <cmath>
 #include <iomanip>
 #include <sstream>
 
-namespace Quorvane::RulesApp {
+namespace Quorvane::Reports {
 
 namespace {
-
-constexpr std::size_t shownDeciders = 10;
-
-std::string s_fixed(double value, int digits) {
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(digits) << value;
-    return text.str();
-}
-
-std::string s_percent(double share) {
-    constexpr double small = 0.1;
-    auto const percent = 100.0 * share;
-    return s_fixed(percent, percent < small ? 3 : 2) + " %";
-}
-
-// "12 of 3,456 (0.35 %, 0.20 to 0.61 %)"
-std::string s_rate(Rules::Rate const& rate) {
-    if (rate.m_total == 0) {
-        return "none of 0";
-    }
-    auto const interval = Rules::wilsonInterval(rate);
-    return std::to_string(rate.m_hits) + " of " + std::to_string(rate.m_total) + " (" +
-           s_percent(rate.value()) + "; " + s_fixed(100.0 * interval.m_low, 2) + " to " +
-           s_fixed(100.0 * interval.m_high, 2) + ")";
-}
 
 void s_line(std::ostream& text, std::string const& label, std::string const& value) {
     text << "  " << std::left << std::setw(34) << label << value << '\n';
@@ -44,14 +22,14 @@ void s_addRoc(std::ostream& text, Rules::CorpusFigures const& figures) {
         s_line(text, "area under the ROC curve", "needs both spam and ham");
         return;
     }
-    s_line(text, "area under the ROC curve", s_fixed(figures.m_roc.area(), 4));
+    s_line(text, "area under the ROC curve", Rules::fixedText(figures.m_roc.area(), 4));
     for (auto const share : toldFalsePositives) {
         auto const point = figures.m_roc.atFalsePositives(share);
         auto const threshold = std::isfinite(point.m_threshold)
-                                   ? ", threshold " + s_fixed(point.m_threshold, 4)
+                                   ? ", threshold " + Rules::fixedText(point.m_threshold, 4)
                                    : std::string(", no threshold is high enough");
-        s_line(text, "spam caught at " + s_fixed(100.0 * share, 1) + " % wrong",
-               s_rate({point.m_called.m_spam, total.m_spam}) + threshold);
+        s_line(text, "spam caught at " + Rules::fixedText(100.0 * share, 1) + " % wrong",
+               Rules::rateText({point.m_called.m_spam, total.m_spam}) + threshold);
     }
 }
 
@@ -61,19 +39,21 @@ void s_addReliability(std::ostream& text, Rules::CorpusFigures const& figures) {
         auto const& one = figures.m_reliability.at(bin);
         if (one.m_counts.total() != 0) {
             auto const low = static_cast<double>(bin) / static_cast<double>(Rules::reliabilityBins);
-            s_line(text, "  from " + s_fixed(low, 1) + ": " + s_fixed(one.meanConfidence(), 3),
-                   s_rate(one.spamRate()));
+            s_line(text,
+                   "  from " + Rules::fixedText(low, 1) + ": " +
+                       Rules::fixedText(one.meanConfidence(), 3),
+                   Rules::rateText(one.spamRate()));
         }
     }
 }
 
 void s_addCorpus(std::ostream& text, Rules::CorpusFigures const& figures) {
     text << figures.m_name << '\n';
-    s_line(text, "judgeable", s_rate(figures.judgeable()));
-    s_line(text, "spam called spam", s_rate(figures.caught()));
-    s_line(text, "ham called spam", s_rate(figures.falsePositives()));
-    s_line(text, "ham called ham", s_rate(figures.passed()));
-    s_line(text, "spam called ham", s_rate(figures.missed()));
+    s_line(text, "judgeable", Rules::rateText(figures.judgeable()));
+    s_line(text, "spam called spam", Rules::rateText(figures.caught()));
+    s_line(text, "ham called spam", Rules::rateText(figures.falsePositives()));
+    s_line(text, "ham called ham", Rules::rateText(figures.passed()));
+    s_line(text, "spam called ham", Rules::rateText(figures.missed()));
     s_line(text, "no verdict",
            std::to_string(figures.m_spamVerdicts.m_none) + " spam, " +
                std::to_string(figures.m_hamVerdicts.m_none) + " ham");
@@ -87,11 +67,10 @@ void s_addDeciders(std::ostream& text, std::string const& title,
     text << title << '\n';
     for (std::size_t i = 0; i < deciders.size() && i < shownDeciders; ++i) {
         auto const& one = deciders[i];
-        text << "  " << (one.m_decider.m_isElite ? "elite rule " : "node ")
-             << one.m_decider.m_number << ": " << one.m_reached.m_spam << " spam, "
-             << one.m_reached.m_ham << " ham, wrong " << one.m_wrong.total() << ", confidence "
-             << s_fixed(one.m_confidence, 4) << '\n'
-             << "    " << deciderConditions(set, one.m_decider) << '\n';
+        text << "  " << Workshop::deciderName(one.m_decider) << ": " << one.m_reached.m_spam
+             << " spam, " << one.m_reached.m_ham << " ham, wrong " << one.m_wrong.total()
+             << ", confidence " << Rules::fixedText(one.m_confidence, 4) << '\n'
+             << "    " << Workshop::deciderConditions(set, one.m_decider) << '\n';
         for (auto const& sample : one.m_samples) {
             text << "    wrong: " << sample << '\n';
         }
@@ -101,7 +80,7 @@ void s_addDeciders(std::ostream& text, std::string const& title,
 
 } // namespace
 
-std::string evaluationText(Rules::Evaluation const& evaluation, EvaluatedRules const& rules) {
+std::string reportText(Rules::Evaluation const& evaluation, EvaluatedRules const& rules) {
     std::ostringstream text;
     text << "Thresholds: spam " << rules.m_settings.spamThreshold << ", ham "
          << rules.m_settings.hamThreshold
@@ -118,4 +97,4 @@ std::string evaluationText(Rules::Evaluation const& evaluation, EvaluatedRules c
     return text.str();
 }
 
-} // namespace Quorvane::RulesApp
+} // namespace Quorvane::Reports

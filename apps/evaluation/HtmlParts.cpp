@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/evaluation/HtmlParts.h"
+
+#include "apps/page/Escape.h"
+#include "rules/evaluate/FigureText.h"
+
+namespace Quorvane::Reports {
+
+namespace {
+
+constexpr char dash[] = "&ndash;";
+
+std::string s_caption(std::string_view titleText, std::string_view noteText) {
+    return "<figure>\n<figcaption><strong>" + Page::text(titleText) + "</strong> " +
+           Page::text(noteText) + "</figcaption>\n";
+}
+
+} // namespace
+
+std::string figure(std::string_view titleText, std::string_view noteText, std::string const& svg) {
+    return s_caption(titleText, noteText) + svg + "</figure>\n";
+}
+
+std::string noFigure(std::string_view titleText, std::string_view whyText) {
+    return s_caption(titleText, {}) + "<p class=\"empty\">" + Page::text(whyText) +
+           "</p>\n</figure>\n";
+}
+
+std::string sideBySide(std::string const& left, std::string const& right) {
+    return "<div class=\"pair\">\n<div>\n" + left + "</div>\n<div>\n" + right + "</div>\n</div>\n";
+}
+
+std::vector<std::string> rateCells(Rules::Rate const& rate) {
+    bool const isEmpty = rate.m_total == 0;
+    return {Rules::groupedText(rate.m_hits), Rules::groupedText(rate.m_total),
+            isEmpty ? dash : Rules::percentText(rate.value()),
+            isEmpty ? dash : Rules::intervalText(rate)};
+}
+
+std::string shareText(Rules::Rate const& rate) {
+    return rate.m_total == 0 ? "none" : Rules::percentText(rate.value());
+}
+
+std::string labelsText(Rules::LabelCounts const& counts) {
+    return Rules::groupedText(counts.m_spam) + " spam and " + Rules::groupedText(counts.m_ham) +
+           " ham";
+}
+
+} // namespace Quorvane::Reports

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Where a command puts a whole text that it has made.
+#pragma once
+
+#include <string>
+
+namespace Quorvane::RulesApp {
+
+// To a file, replaced in one step, or to standard output for "-". A RuleError when that fails.
+void writeOutput(std::string const& path, std::string const& text);
+
+} // namespace Quorvane::RulesApp

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Figures as people read them, the same in every display. Pure functions; no locale has a say.
+#pragma once
+
+#include "rules/evaluate/Wilson.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Quorvane::Rules {
+
+// With so many digits behind the point.
+std::string fixedText(double value, int digits);
+
+// "84.90 %"; below a tenth of a percent a third digit; nothing and all without digits.
+std::string percentText(double share);
+
+// "1,234,567"
+std::string groupedText(std::uint64_t count);
+
+// "12 of 3456 (0.35 %; 0.20 to 0.61)", the interval in percent; "none of 0" without messages.
+std::string rateText(Rate const& rate);
+
+// "0.20 to 0.61 %": the interval alone.
+std::string intervalText(Rate const& rate);
+
+} // namespace Quorvane::Rules
