@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "rules/check/Checker.h"
 #include "rules/language/RuleText.h"
-#include "rules/model/Files.h"
 #include "rules/model/RuleFolder.h"
 
 #include <iostream>
@@ -11,12 +11,7 @@ namespace Quorvane::RulesApp {
 
 int decompile(DecompileOptions const& options) {
     auto const set = Rules::readFolder(options.m_folder);
-    auto const text = Rules::ruleText(set);
-    if (options.m_source == "-") {
-        std::cout << text;
-    } else {
-        Rules::replaceFile(options.m_source, text);
-    }
+    writeOutput(options.m_source, Rules::ruleText(set));
     if (auto const problem = Rules::loadProblem(set)) {
         std::cerr << options.m_folder
                   << ": engines refuse these rules, and compile refuses the text "

@@ -3,11 +3,9 @@
 
 #include "apps/common/HostSettings.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "apps/show/Page.h"
 #include "rules/language/LoadRules.h"
-#include "rules/model/Files.h"
-
-#include <iostream>
 
 namespace Quorvane::RulesApp {
 
@@ -31,12 +29,7 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
 int show(ShowArguments const& arguments) {
     auto const loaded = Rules::loadRules(arguments.m_rules);
     auto const rules = Show::shownRules(arguments.m_rules, loaded.m_set);
-    auto const text = s_drawn(arguments, {rules});
-    if (arguments.m_output == "-") {
-        std::cout << text;
-    } else {
-        Rules::replaceFile(arguments.m_output, text);
-    }
+    writeOutput(arguments.m_output, s_drawn(arguments, {rules}));
     return ExitStatus::well;
 }
 
