@@ -39,10 +39,9 @@ CorpusFigures s_figures(std::string const& name, std::vector<JudgedRow> const& r
         s_add(figures.m_hamVerdicts, judged.m_verdict, counts.m_ham);
         scores.push_back({judged.m_score, counts});
         if (judged.m_decider.m_number != 0) {
-            auto const confidence = judged.m_confidence + judged.m_adjust;
-            auto& bin = figures.m_reliability.at(s_bin(confidence));
+            auto& bin = figures.m_reliability.at(s_bin(judged.m_confidence));
             bin.m_counts += counts;
-            bin.m_confidenceSum += confidence * static_cast<double>(counts.total());
+            bin.m_confidenceSum += judged.m_confidence * static_cast<double>(counts.total());
         }
     }
     figures.m_roc = RocCurve(std::move(scores));

@@ -31,7 +31,8 @@ struct VerdictCounts {
     std::uint64_t total() const { return m_spam + m_ham + m_none; }
 };
 
-// Messages whose reported confidence lies in one tenth of the scale.
+// Messages whose reported confidence lies in one tenth of the scale. Adjusting rules are left out:
+// they move the verdict, not what the deciding rule claims to know.
 struct ReliabilityBin {
     double m_confidenceSum = 0.0; // weighted by messages
     LabelCounts m_counts;

@@ -73,6 +73,19 @@ TEST(Evaluation, SortsConfidencesIntoTenths) {
     EXPECT_EQ(together.m_reliability[1].meanConfidence(), 0.0);
 }
 
+TEST(Evaluation, BelievesConfidencesWithoutWhatAdjustingRulesAddToThem) {
+    auto const adjusted = [](AttributeVector const& vector) {
+        auto judged = s_judge(vector);
+        judged.m_adjust = -0.4;
+        judged.m_score += judged.m_adjust;
+        return judged;
+    };
+    auto const together = evaluate(s_mail(), adjusted, {}).m_together;
+    EXPECT_EQ(together.m_reliability[9].m_counts, (LabelCounts{80, 1}));
+    EXPECT_NEAR(together.m_reliability[9].meanConfidence(), 0.97, 1e-12);
+    EXPECT_NEAR(together.m_roc.points().front().m_threshold, 0.57, 1e-12);
+}
+
 TEST(Evaluation, NamesMessagesThatWereJudgedWrongly) {
     SampleSources const samples = {{{s_vector(1), MailLabel::ham}, {"a/ham:17"}},
                                    {{s_vector(1), MailLabel::spam}, {"a/spam:1"}},
