@@ -73,11 +73,15 @@ ResolverSettings s_resolver(HostSettings const& settings) {
         resolver.m_mode = ResolverSettings::Mode::servers;
         resolver.m_servers = {settings.m_dns};
     }
-    if (!settings.m_dnsData.empty()) {
+    if (!settings.m_dnsData.empty() || !settings.m_zoneLines.empty()) {
         resolver.m_mode = ResolverSettings::Mode::local;
         resolver.m_servers.clear();
+    }
+    if (!settings.m_dnsData.empty()) {
         resolver.m_zoneData = s_lines(settings.m_dnsData);
     }
+    resolver.m_zoneData.insert(resolver.m_zoneData.end(), settings.m_zoneLines.begin(),
+                               settings.m_zoneLines.end());
     return resolver;
 }
 
@@ -91,8 +95,9 @@ void s_setUpPlatform(HostSettings const& settings) {
     try {
         Resolver::instance().configure(s_resolver(settings));
     } catch (Exception const& error) {
-        auto const& origin = settings.m_dnsData.empty() ? settings.m_dns : settings.m_dnsData;
-        throw SettingsError(origin + ": " + error.stringParameter());
+        auto const server = settings.m_zoneLines.empty() ? settings.m_dns : std::string("dns");
+        throw SettingsError((settings.m_dnsData.empty() ? server : settings.m_dnsData) + ": " +
+                            error.stringParameter());
     }
 }
 

@@ -84,6 +84,12 @@ constexpr ArgumentRow explainArguments[] = {
     {"--format", "text|json", "text for people, json for programs"},
 };
 
+constexpr ArgumentRow testArguments[] = {
+    {"PATH", "PATH", "Rule tests, or folder with such files (*.toml)", true, true},
+    {"--rules", "PATH", "Rule text or folder to test, whatever the files name"},
+    {"--format", "text|json", "text for people, json for programs"},
+};
+
 constexpr auto table = std::to_array<CommandRow>({
     {"compile", "Make rule files of a rule text", compileArguments,
      "Each file is replaced in one step; files that the rules do not have are\n"
@@ -131,6 +137,12 @@ constexpr auto table = std::to_array<CommandRow>({
      "          qvrules explain my.qvr first_reverse_dynamic=yes,first_helo_dynamic=yes\n"
      "          qvscan --format csv new/ | qvrules explain my.qvr -",
      true, true},
+    {"test", "Try rules on cases with a known answer", testArguments,
+     "A case is a vector or a message and the verdict that it should get, written in\n"
+     "TOML (docs/testing-rules.md). Nothing is looked up in DNS but what a case gives.\n"
+     "Status 1 says that a case failed.\n\n"
+     "Examples: qvrules test cases/\n"
+     "          qvrules test old.toml --rules new.qvr"},
     {"attributes", "List what rules can test, as Markdown", {}},
 });
 

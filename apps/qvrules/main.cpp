@@ -9,6 +9,7 @@
 #include "apps/qvrules/Learn.h"
 #include "apps/qvrules/OptionTable.h"
 #include "apps/qvrules/Show.h"
+#include "apps/qvrules/Test.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/language/Nearest.h"
 #include "rules/model/RuleError.h"
@@ -37,6 +38,7 @@ constexpr char examples[] =
     "  qvrules evaluate my.qvr --ham A --spam B   measure rules on mail\n"
     "  qvrules show my.qvr                   see the tree\n"
     "  qvrules explain my.qvr strange.eml    why a message is judged so\n"
+    "  qvrules test cases/                   do rules judge as they should?\n"
     "  qvrules attributes                    what rules can test\n"
     "\n"
     "\"qvrules COMMAND --help\" says more. Exit status: 0 well, 1 findings, 64 bad\n"
@@ -95,7 +97,7 @@ class Command {
     std::shared_ptr<Options> m_options;
 };
 
-void s_addCommands(CLI::App& app, Action& action) {
+void s_addFileCommands(CLI::App& app, Action& action) {
     Command(app, action, "compile", compile)
         .tie("SRC", &CompileOptions::m_source)
         .tie("-o,--output", &CompileOptions::m_folder);
@@ -110,6 +112,9 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("--root", &InstallOptions::m_root)
         .tie("--rollback", &InstallOptions::m_isRollback)
         .tie("--force", &InstallOptions::m_isForced);
+}
+
+void s_addMailCommands(CLI::App& app, Action& action) {
     Command(app, action, "learn", learn)
         .tie("--ham", &LearnArguments::m_ham)
         .tie("--spam", &LearnArguments::m_spam)
@@ -139,6 +144,9 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("--format", &EvaluateArguments::m_format)
         .tie("-o,--output", &EvaluateArguments::m_output)
         .tieSettings(&EvaluateArguments::m_settings);
+}
+
+void s_addViewCommands(CLI::App& app, Action& action) {
     Command(app, action, "show", show)
         .tie("RULES", &ShowArguments::m_rules)
         .tie("--format", &ShowArguments::m_format)
@@ -148,6 +156,10 @@ void s_addCommands(CLI::App& app, Action& action) {
         .tie("INPUT", &ExplainArguments::m_input)
         .tie("--format", &ExplainArguments::m_format)
         .tieSettings(&ExplainArguments::m_settings);
+    Command(app, action, "test", test)
+        .tie("PATH", &TestArguments::m_paths)
+        .tie("--rules", &TestArguments::m_rules)
+        .tie("--format", &TestArguments::m_format);
     Command(app, action, "attributes", listAttributes);
 }
 
@@ -192,7 +204,9 @@ int s_run(int argc, char** argv) {
     app.set_help_flag(helpOption.m_names, helpOption.m_help);
     app.set_version_flag(versionOption.m_names, "qvrules " QV_VERSION, versionOption.m_help);
     app.require_subcommand(1);
-    s_addCommands(app, action);
+    s_addFileCommands(app, action);
+    s_addMailCommands(app, action);
+    s_addViewCommands(app, action);
     app.footer(examples);
     if (s_rejectsCommand(argc, argv)) {
         return ExitStatus::usage;

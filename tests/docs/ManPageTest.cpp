@@ -78,6 +78,8 @@ class ManPageExamples : public testing::TestWithParam<char const*> {
         m_folder.write("Maildir/new/2.host", message);
         m_folder.write("archive.mbox", "From a Mon Jan  1 00:00:00 2024\n" + message);
         m_folder.write("site.toml", "spam-threshold = 0.9\n");
+        m_folder.write("cases.toml", "[[case]]\nname = \"a server\"\nverdict = \"none\"\n"
+                                     "vector.first_helo_matches_reverse = \"yes\"\n");
         for (auto const* const site : {"a", "b", "c"}) {
             for (auto const* const kind : {"ham", "spam"}) {
                 m_folder.write(std::string(site) + "/" + kind + ".mbox",

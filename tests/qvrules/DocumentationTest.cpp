@@ -14,9 +14,7 @@
 namespace Quorvane::Testing {
 namespace {
 
-constexpr char page[] = QV_DOCS "/writing-rules.md";
-
-std::string s_page() {
+std::string s_content(std::string const& page) {
     std::ostringstream content;
     content << std::ifstream(page).rdbuf();
     return content.str();
@@ -50,19 +48,23 @@ std::vector<std::string> s_replayed(std::vector<Block> const& blocks) {
     return replayed;
 }
 
-TEST(DocumentationTest, RuleTextsCompileAndHaveNothingToFind) {
-    auto const blocks = s_blocks(s_page(), "qvr");
-    EXPECT_FALSE(blocks.empty());
-    for (auto const& block : blocks) {
+// The name of a page in docs/.
+class DocumentationTest : public testing::TestWithParam<char const*> {
+  protected:
+    std::string m_page = std::string(QV_DOCS "/") + GetParam() + ".md";
+    std::string m_text = s_content(m_page);
+};
+
+TEST_P(DocumentationTest, RuleTextsCompileAndHaveNothingToFind) {
+    for (auto const& block : s_blocks(m_text, "qvr")) {
         auto const compiled = Rules::compileRules(block.m_text);
-        EXPECT_EQ(Rules::showErrors(page, block.m_text, compiled.m_errors), "");
+        EXPECT_EQ(Rules::showErrors(m_page, block.m_text, compiled.m_errors), "");
         EXPECT_TRUE(Rules::checkRules(compiled.m_set).empty());
     }
 }
 
-TEST(DocumentationTest, TranscriptsReplay) {
-    auto text = s_page();
-    auto const blocks = s_blocks(text, "transcript");
+TEST_P(DocumentationTest, TranscriptsReplay) {
+    auto const blocks = s_blocks(m_text, "transcript");
     EXPECT_FALSE(blocks.empty());
     auto const replayed = s_replayed(blocks);
     if (std::getenv("QV_APPROVE") == nullptr) {
@@ -72,9 +74,16 @@ TEST(DocumentationTest, TranscriptsReplay) {
         return;
     }
     for (auto i = blocks.size(); i > 0; --i) {
-        text.replace(blocks[i - 1].m_begin, blocks[i - 1].m_text.size(), replayed[i - 1]);
+        m_text.replace(blocks[i - 1].m_begin, blocks[i - 1].m_text.size(), replayed[i - 1]);
     }
-    std::ofstream(page) << text;
+    std::ofstream(m_page) << m_text;
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, DocumentationTest,
+                         testing::Values("testing-rules", "writing-rules"));
+
+TEST(RuleTexts, AreShownInTheDocumentation) {
+    EXPECT_FALSE(s_blocks(s_content(QV_DOCS "/writing-rules.md"), "qvr").empty());
 }
 
 } // namespace

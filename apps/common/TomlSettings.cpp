@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/common/TomlSettings.h"
+
+#include <array>
+#include <charconv>
+#include <filesystem>
+#include <vector>
+
+namespace Quorvane {
+
+namespace {
+
+std::string s_numberText(double value) {
+    std::array<char, 32> buffer{};
+    auto const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    return {buffer.data(), end};
+}
+
+class NodeSetter {
+  public:
+    NodeSetter(std::string const& path, SettingKey const& key) : m_path(path), m_key(key) {}
+
+    void take(SettingsStore& store, toml::node const& node) const {
+        if (auto const* const array = node.as_array();
+            array != nullptr && m_key.m_kind == SettingKind::list) {
+            takeList(store, node, *array);
+            return;
+        }
+        set(store, {text(node)}, node.source().begin);
+    }
+
+  private:
+    [[noreturn]] void fail(toml::source_position const& at, std::string const& what) const {
+        throw SettingsError(tomlPlace(m_path, at) + what);
+    }
+
+    std::string text(toml::node const& node) const {
+        auto const found = tomlScalar(m_key.m_kind, node);
+        if (!found) {
+            fail(node.source().begin,
+                 std::string(m_key.m_name) + " needs " + tomlExpected(m_key.m_kind));
+        }
+        if (m_key.m_kind == SettingKind::path && !found->empty()) {
+            return (std::filesystem::path(m_path).parent_path() / *found).string();
+        }
+        return *found;
+    }
+
+    // Elements are tried one by one first, so that an error points at the element.
+    void takeList(SettingsStore& store, toml::node const& node, toml::array const& array) const {
+        std::vector<std::string> texts;
+        for (auto const& element : array) {
+            texts.push_back(text(element));
+            SettingsStore trial;
+            set(trial, {texts.back()}, element.source().begin);
+        }
+        set(store, texts, node.source().begin);
+    }
+
+    void set(SettingsStore& store, std::vector<std::string> const& texts,
+             toml::source_position const& at) const {
+        try {
+            store.set(m_key, texts, m_path + ":" + std::to_string(at.line));
+        } catch (SettingsError const& error) {
+            fail(at, error.what());
+        }
+    }
+
+    std::string const& m_path;
+    SettingKey const& m_key;
+};
+
+} // namespace
+
+std::string tomlPlace(std::string const& path, toml::source_position const& at) {
+    return path + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ": ";
+}
+
+toml::table parseToml(std::string const& path, std::string const& text) {
+    try {
+        return toml::parse(text, path);
+    } catch (toml::parse_error const& error) {
+        throw SettingsError(tomlPlace(path, error.source().begin) +
+                            std::string(error.description()));
+    }
+}
+
+std::optional<std::string> tomlScalar(SettingKind kind, toml::node const& node) {
+    bool const isNumber = kind == SettingKind::number || kind == SettingKind::integer;
+    if (auto const* const integer = node.as_integer(); integer != nullptr && isNumber) {
+        return std::to_string(integer->get());
+    }
+    if (auto const* const number = node.as_floating_point();
+        number != nullptr && kind == SettingKind::number) {
+        return s_numberText(number->get());
+    }
+    if (auto const* const flag = node.as_boolean();
+        flag != nullptr && kind == SettingKind::integer) {
+        return flag->get() ? "1" : "0";
+    }
+    if (auto const* const text = node.as_string(); text != nullptr && !isNumber) {
+        return text->get();
+    }
+    return std::nullopt;
+}
+
+std::string tomlExpected(SettingKind kind) {
+    switch (kind) {
+    case SettingKind::number:
+        return "a number";
+    case SettingKind::integer:
+        return "a whole number";
+    case SettingKind::list:
+        return "a list of texts, as in [\"192.0.2.0/24\"]";
+    case SettingKind::text:
+    case SettingKind::path:
+        break;
+    }
+    return "a text in quotes";
+}
+
+void setFromToml(SettingsStore& store, SettingKey const& key, toml::node const& node,
+                 std::string const& path) {
+    NodeSetter(path, key).take(store, node);
+}
+
+} // namespace Quorvane

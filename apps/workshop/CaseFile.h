@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Rule tests as people write them: a TOML file with one table [[case]] for each case
+// (docs/testing-rules.md). Plain values; the reader is a pure function but for the files it reads.
+#pragma once
+
+#include "apps/common/HostSettings.h"
+#include "apps/common/ScanHost.h"
+#include "rules/learn/VectorTable.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Quorvane::Workshop {
+
+// Both ends belong to it.
+struct ConfidenceRange {
+    double m_low;
+    double m_high;
+};
+
+// What was not said is empty and does not matter.
+struct CaseExpectation {
+    std::string m_verdict;              // "spam", "ham" or "none"; always said
+    std::optional<std::int32_t> m_node; // 0: no rule decides
+    std::optional<std::string> m_reasons;
+    std::optional<ConfidenceRange> m_confidence;
+};
+
+struct RuleCase {
+    std::size_t m_line = 0;
+    std::string m_name;
+    // Look-ups are off unless the case gives data for them.
+    HostSettings m_settings;
+    MessageFacts m_facts;
+    // One of the two.
+    std::optional<std::string> m_headers;
+    std::optional<Rules::AttributeVector> m_vector;
+    CaseExpectation m_expected;
+};
+
+struct CaseFile {
+    std::string m_path;
+    // Rule text or folder; empty when the file names none.
+    std::string m_rules;
+    std::vector<RuleCase> m_cases; // at least one
+};
+
+// Throws a RuleError: noInput for a file that cannot be read, badData with file, line and column
+// for what is wrong in it.
+CaseFile readCaseFile(std::string const& path);
+
+} // namespace Quorvane::Workshop

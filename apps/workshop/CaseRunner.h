@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// CaseRunner: judges the cases of rule tests and says what came of them.
+//
+// One object a process, one thread: each case puts its own settings in force for the platform. The
+// engines of the rules that the cases name are kept.
+#pragma once
+
+#include "adapter/DeepHeaderAdapter.h"
+#include "apps/workshop/CaseFile.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Quorvane::Workshop {
+
+// Something that is not as it should be, in words that fit behind "expected" and "came".
+struct CaseDifference {
+    std::string m_what; // "verdict", "node", "reasons", "confidence"
+    std::string m_expected;
+    std::string m_came;
+};
+
+struct CaseResult {
+    std::vector<CaseDifference> m_differences; // empty: passed
+    std::string m_verdict;
+    std::int32_t m_node = 0;
+    double m_confidence = 0;
+    std::string m_reasons;
+    std::string m_because;
+    std::vector<std::string> m_sentences; // as RuleStory has them
+
+    bool hasPassed() const { return m_differences.empty(); }
+};
+
+class CaseRunner {
+  public:
+    // Throws a RuleError for rules that cannot be read or loaded.
+    void load(std::string const& rules);
+
+    // REQUIRES: load(rules) was called. A RuleError, with the place of the case, for settings that
+    // cannot be put in force.
+    CaseResult run(RuleCase const& one, std::string const& path, std::string const& rules);
+
+  private:
+    void restorePatterns(HostSettings const& settings);
+
+    std::map<std::string, RefDeepHeaderAdapter> m_engines; // by the path of their rules
+    bool m_hasOwnPatterns = false;                         // those in force are of the last case
+};
+
+} // namespace Quorvane::Workshop
