@@ -16,9 +16,19 @@ using Figures = Rules::DeciderFigures;
 std::string s_tests(Figures const& one, Rules::RuleSet const& set) {
     std::string html;
     for (auto const& test : Workshop::deciderTests(set, one.m_decider)) {
-        html += (html.empty() ? "" : " and ") + ("<code>" + Page::text(test) + "</code>");
+        html += (html.empty() ? "" : " and ") + ("<code>" + Page::text(test.m_text) + "</code>");
     }
     return html.empty() ? "always" : html;
+}
+
+std::string s_words(Figures const& one, Rules::RuleSet const& set) {
+    std::string items;
+    for (auto const& test : Workshop::deciderTests(set, one.m_decider)) {
+        items += "<li>" + Page::text(test.m_words) + "</li>\n";
+    }
+    return items.empty()
+               ? items
+               : "<details><summary>In words</summary>\n<ul>\n" + items + "</ul>\n</details>\n";
 }
 
 std::string s_samples(Figures const& one) {
@@ -48,7 +58,7 @@ std::string s_item(Figures const& one, Rules::RuleSet const& set, std::uint64_t 
            Rules::groupedText(one.m_reached.m_ham) + " ham; " + s_wrong(one) + "; confidence " +
            Rules::fixedText(one.m_confidence, 4) + "</p>\n" +
            Charts::deciderBar(one.m_reached, most) + "<p class=\"tests\">" + s_tests(one, set) +
-           "</p>\n" + s_samples(one) + "</li>\n";
+           "</p>\n" + s_words(one, set) + s_samples(one) + "</li>\n";
 }
 
 std::string s_list(std::vector<Figures> const& deciders, Rules::RuleSet const& set) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/evaluation/JsonParts.h"
 #include "apps/evaluation/Report.h"
-
 #include "apps/workshop/DeciderText.h"
 
 #include <cmath>
@@ -58,16 +58,12 @@ Json s_reliability(Rules::CorpusFigures const& figures) {
     return bins;
 }
 
-Json s_verdicts(Rules::VerdictCounts const& counts) {
-    return {{"spam", counts.m_spam}, {"ham", counts.m_ham}, {"none", counts.m_none}};
-}
-
 Json s_corpus(Rules::CorpusFigures const& figures) {
     return {{"name", figures.m_name},
             {"judgeable", s_rate(figures.judgeable())},
             {"notJudgeable", s_counts(figures.m_unjudged)},
-            {"verdictsOnSpam", s_verdicts(figures.m_spamVerdicts)},
-            {"verdictsOnHam", s_verdicts(figures.m_hamVerdicts)},
+            {"verdictsOnSpam", verdictsJson(figures.m_spamVerdicts)},
+            {"verdictsOnHam", verdictsJson(figures.m_hamVerdicts)},
             {"caught", s_rate(figures.caught())},
             {"falsePositives", s_rate(figures.falsePositives())},
             {"passed", s_rate(figures.passed())},

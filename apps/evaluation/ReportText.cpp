@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/common/Utf8.h"
 #include "apps/evaluation/Report.h"
-
 #include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/FigureText.h"
 
@@ -48,7 +48,7 @@ void s_addReliability(std::ostream& text, Rules::CorpusFigures const& figures) {
 }
 
 void s_addCorpus(std::ostream& text, Rules::CorpusFigures const& figures) {
-    text << figures.m_name << '\n';
+    text << toPrintable(figures.m_name) << '\n';
     s_line(text, "judgeable", Rules::rateText(figures.judgeable()));
     s_line(text, "spam called spam", Rules::rateText(figures.caught()));
     s_line(text, "ham called spam", Rules::rateText(figures.falsePositives()));
@@ -72,7 +72,7 @@ void s_addDeciders(std::ostream& text, std::string const& title,
              << ", confidence " << Rules::fixedText(one.m_confidence, 4) << '\n'
              << "    " << Workshop::deciderConditions(set, one.m_decider) << '\n';
         for (auto const& sample : one.m_samples) {
-            text << "    wrong: " << sample << '\n';
+            text << "    wrong: " << toPrintable(sample) << '\n';
         }
     }
     text << (deciders.empty() ? "  none\n\n" : "\n");

@@ -47,11 +47,11 @@ int evaluate(EvaluateArguments const& arguments) {
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
     Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
-    Rules::SampleSources samples;
-    auto const table = readTrainingMail(mail, progress, counts, &samples);
+    auto const gathered = gatherMail(mail, progress, counts);
     auto const evaluation = Rules::evaluate(
-        table, [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); },
-        samples);
+        gathered.m_sorted,
+        [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); },
+        gathered.m_sortedSamples);
     Reports::EvaluatedRules const shown{arguments.m_rules, rules.m_set, mail.m_host.m_judging};
     writeOutput(arguments.m_output, s_report(arguments.m_format)(evaluation, shown));
     return ExitStatus::well;

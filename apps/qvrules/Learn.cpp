@@ -96,7 +96,7 @@ int learn(LearnArguments const& arguments) {
     static_cast<void>(pruningPlan(arguments));
     Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
-    auto const table = readTrainingMail(mail, progress, counts);
+    auto const table = gatherMail(mail, progress, counts).m_sorted;
     if (!arguments.m_table.empty()) {
         s_writeTable(arguments.m_table, table);
     }

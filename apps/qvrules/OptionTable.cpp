@@ -90,6 +90,21 @@ constexpr ArgumentRow testArguments[] = {
     {"--format", "text|json", "text for people, json for programs"},
 };
 
+constexpr ArgumentRow diffArguments[] = {
+    {"OLD", "PATH", "Rule text, or folder with rule files", true},
+    {"NEW", "PATH", "The rules to compare with them", true},
+    {"--on", "[CORPUS=]PATH", "Unsorted mail: files, mboxes, folders, Maildirs", false, true},
+    {"--ham", "[CORPUS=]PATH", "Wanted mail", false, true},
+    {"--spam", "[CORPUS=]PATH", "Unwanted mail", false, true},
+    {"--vectors", "[CORPUS=]FILE", "CSV of vectors with a column label; - for standard input",
+     false, true},
+    {"--on-vectors", "[CORPUS=]FILE", "The same without label: unsorted", false, true},
+    {"--ham-vectors", "[CORPUS=]FILE", "The same without label: all ham", false, true},
+    {"--spam-vectors", "[CORPUS=]FILE", "The same without label: all spam", false, true},
+    {"--format", "text|json", "text for people, json for programs"},
+    {"-o,--output", "FILE", "File to write (default: to stdout)"},
+};
+
 constexpr auto table = std::to_array<CommandRow>({
     {"compile", "Make rule files of a rule text", compileArguments,
      "Each file is replaced in one step; files that the rules do not have are\n"
@@ -143,6 +158,13 @@ constexpr auto table = std::to_array<CommandRow>({
      "Status 1 says that a case failed.\n\n"
      "Examples: qvrules test cases/\n"
      "          qvrules test old.toml --rules new.qvr"},
+    {"diff", "Show which verdicts change with other rules", diffArguments,
+     "Which messages change verdict between OLD and NEW, by which node or elite rule\n"
+     "of each, whether that is better or worse for mail that is sorted, and how\n"
+     "confidences change elsewhere. Exit status 0 when no verdict changes, 1 when one\n"
+     "does.\n\n"
+     "Example: qvrules diff now.qvr my.qvr --on mail/today --ham kept/ham --dns off",
+     true},
     {"attributes", "List what rules can test, as Markdown", {}},
 });
 

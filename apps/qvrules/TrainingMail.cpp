@@ -15,24 +15,36 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
+// What is made of the messages of one list of inputs.
+struct Heap {
+    Rules::VectorTableBuilder& m_table;
+    Rules::SampleSources& m_samples;
+    Rules::MailLabel m_label;
+};
+
 class TrainingMailReader {
   public:
     TrainingMailReader(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                       TrainingMailCounts& counts, Rules::SampleSources* samples)
-        : m_mail(mail), m_progress(progress), m_counts(counts), m_samples(samples) {}
+                       TrainingMailCounts& counts)
+        : m_mail(mail), m_progress(progress), m_counts(counts) {}
 
-    Rules::VectorTable read() {
-        readMessages(m_mail.m_ham, Rules::MailLabel::ham);
-        readMessages(m_mail.m_spam, Rules::MailLabel::spam);
+    Rules::ComparedMail read() {
+        readMessages(m_mail.m_ham, {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::ham});
+        readMessages(m_mail.m_spam, {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::spam});
+        readMessages(m_mail.m_unsorted,
+                     {m_unsorted, m_found.m_unsortedSamples, Rules::MailLabel::ham});
         m_scanner.reset(); // signals are its own as long as it lives
-        readTables(m_mail.m_vectors, std::nullopt);
-        readTables(m_mail.m_hamVectors, Rules::MailLabel::ham);
-        readTables(m_mail.m_spamVectors, Rules::MailLabel::spam);
-        return m_table.finish();
+        readTables(m_mail.m_vectors, std::nullopt, m_sorted);
+        readTables(m_mail.m_hamVectors, Rules::MailLabel::ham, m_sorted);
+        readTables(m_mail.m_spamVectors, Rules::MailLabel::spam, m_sorted);
+        readTables(m_mail.m_unsortedVectors, Rules::MailLabel::ham, m_unsorted);
+        m_found.m_sorted = m_sorted.finish();
+        m_found.m_unsorted = m_unsorted.finish();
+        return std::move(m_found);
     }
 
   private:
-    void readMessages(std::vector<std::string> const& paths, Rules::MailLabel label) {
+    void readMessages(std::vector<std::string> const& paths, Heap heap) {
         if (paths.empty()) {
             return;
         }
@@ -43,45 +55,41 @@ class TrainingMailReader {
         for (auto const& text : paths) {
             auto const input = readCorpusPath(text);
             m_scanner->scan({input.m_path}, [&](Workshop::MailVector const& mail) {
-                add(mail, label, input.m_corpus);
+                add(mail, heap, input.m_corpus);
             });
         }
     }
 
-    void add(Workshop::MailVector const& mail, Rules::MailLabel label, std::string const& corpus) {
+    void add(Workshop::MailVector const& mail, Heap const& heap, std::string const& corpus) {
         ++m_counts.m_messages;
         if (mail.m_vector) {
-            m_table.add(*mail.m_vector, label, corpus);
-            keepSample(*mail.m_vector, label, mail.m_source);
+            heap.m_table.add(*mail.m_vector, heap.m_label, corpus);
+            keepSample(heap.m_samples[{*mail.m_vector, heap.m_label}], mail.m_source);
         } else {
             ++m_counts.m_notJudgeable;
-            m_table.addUnjudged(label, corpus);
+            heap.m_table.addUnjudged(heap.m_label, corpus);
         }
         if (mail.m_withoutReverseName) {
             ++m_counts.m_copies;
             bool const apart = m_mail.m_copies == Copies::apart;
-            m_table.add(*mail.m_withoutReverseName, label,
-                        apart ? corpus + ", no reverse names" : corpus);
+            heap.m_table.add(*mail.m_withoutReverseName, heap.m_label,
+                             apart ? corpus + ", no reverse names" : corpus);
         }
         m_progress.tick([&] { return std::to_string(m_counts.m_messages) + " messages scanned"; });
     }
 
-    void keepSample(Rules::AttributeVector const& vector, Rules::MailLabel label,
-                    std::string const& source) {
-        if (m_samples == nullptr) {
-            return;
-        }
-        auto& sources = (*m_samples)[{vector, label}];
+    static void keepSample(std::vector<std::string>& sources, std::string const& source) {
         if (sources.size() < Rules::Deciders::maxSamples) {
             sources.push_back(source);
         }
     }
 
-    void readTables(std::vector<std::string> const& paths, std::optional<Rules::MailLabel> label) {
+    void readTables(std::vector<std::string> const& paths, std::optional<Rules::MailLabel> label,
+                    Rules::VectorTableBuilder& table) {
         for (auto const& text : paths) {
             auto const input = readCorpusPath(text);
             if (input.m_path == "-") {
-                readTable(std::cin, "standard input", {label, input.m_corpus});
+                readTable(std::cin, "standard input", {label, input.m_corpus}, table);
                 continue;
             }
             std::ifstream file(input.m_path, std::ios::binary);
@@ -89,14 +97,14 @@ class TrainingMailReader {
                 throw Rules::RuleError(Rules::RuleError::Kind::noInput,
                                        input.m_path + ": cannot be opened");
             }
-            readTable(file, input.m_path, {label, input.m_corpus});
+            readTable(file, input.m_path, {label, input.m_corpus}, table);
         }
     }
 
     void readTable(std::istream& stream, std::string const& name,
-                   Rules::VectorCsvDefaults const& defaults) {
+                   Rules::VectorCsvDefaults const& defaults, Rules::VectorTableBuilder& table) {
         auto const counts =
-            Rules::readVectorCsv(stream, name, defaults, m_table, [&](std::uint64_t rows) {
+            Rules::readVectorCsv(stream, name, defaults, table, [&](std::uint64_t rows) {
                 m_progress.tick([&] { return name + ": " + std::to_string(rows) + " rows read"; });
             });
         m_counts.m_notJudgeable += counts.m_withoutVector;
@@ -105,8 +113,9 @@ class TrainingMailReader {
     TrainingMail const& m_mail;
     Workshop::ProgressLine& m_progress;
     TrainingMailCounts& m_counts;
-    Rules::SampleSources* m_samples;
-    Rules::VectorTableBuilder m_table;
+    Rules::VectorTableBuilder m_sorted;
+    Rules::VectorTableBuilder m_unsorted;
+    Rules::ComparedMail m_found;
     std::unique_ptr<Workshop::MailVectors> m_scanner;
 };
 
@@ -114,13 +123,13 @@ class TrainingMailReader {
 
 bool TrainingMail::isEmpty() const {
     return m_ham.empty() && m_spam.empty() && m_vectors.empty() && m_hamVectors.empty() &&
-           m_spamVectors.empty();
+           m_spamVectors.empty() && m_unsorted.empty() && m_unsortedVectors.empty();
 }
 
-Rules::VectorTable readTrainingMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                                    TrainingMailCounts& counts, Rules::SampleSources* samples) {
+Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
+                               TrainingMailCounts& counts) {
     try {
-        return TrainingMailReader(mail, progress, counts, samples).read();
+        return TrainingMailReader(mail, progress, counts).read();
     } catch (SettingsError const& error) {
         throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
     }

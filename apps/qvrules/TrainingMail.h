@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Gathers the sorted mail that a command names into one table: messages, scanned, and tables of
-// vectors from elsewhere.
+// Gathers the mail that a command names into tables: messages, scanned, and tables of vectors from
+// elsewhere.
 #pragma once
 
 #include "apps/common/HostSettings.h"
 #include "apps/workshop/ProgressLine.h"
-#include "rules/evaluate/Evaluation.h"
+#include "rules/evaluate/Difference.h"
 #include "rules/learn/VectorTable.h"
 
 #include <cstdint>
@@ -29,6 +29,9 @@ struct TrainingMail {
     std::vector<std::string> m_vectors;     // rows say their label
     std::vector<std::string> m_hamVectors;  // rows are all ham
     std::vector<std::string> m_spamVectors; // rows are all spam
+    // Mail that nobody has sorted.
+    std::vector<std::string> m_unsorted;
+    std::vector<std::string> m_unsortedVectors;
     Copies m_copies = Copies::none;
     HostSettings m_host;
 
@@ -41,10 +44,9 @@ struct TrainingMailCounts {
     std::uint64_t m_copies = 0;       // rewritten messages that were added
 };
 
-// `samples` gets the sources of some messages of each kind. A RuleError for an input that cannot be
-// read.
-Rules::VectorTable readTrainingMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                                    TrainingMailCounts& counts,
-                                    Rules::SampleSources* samples = nullptr);
+// All of it, with the sources of some messages of each kind. A RuleError for an input that cannot
+// be read.
+Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
+                               TrainingMailCounts& counts);
 
 } // namespace Quorvane::RulesApp

@@ -3,6 +3,7 @@
 // qvrules: the command line. CLI11 compiles slowly: only this and HostOptions.cpp include it.
 #include "apps/common/ValueNames.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Diff.h"
 #include "apps/qvrules/Evaluate.h"
 #include "apps/qvrules/Explain.h"
 #include "apps/qvrules/HostOptions.h"
@@ -39,6 +40,7 @@ constexpr char examples[] =
     "  qvrules show my.qvr                   see the tree\n"
     "  qvrules explain my.qvr strange.eml    why a message is judged so\n"
     "  qvrules test cases/                   do rules judge as they should?\n"
+    "  qvrules diff my.qvr other.qvr --on A  see which verdicts change\n"
     "  qvrules attributes                    what rules can test\n"
     "\n"
     "\"qvrules COMMAND --help\" says more. Exit status: 0 well, 1 findings, 64 bad\n"
@@ -160,6 +162,19 @@ void s_addViewCommands(CLI::App& app, Action& action) {
         .tie("PATH", &TestArguments::m_paths)
         .tie("--rules", &TestArguments::m_rules)
         .tie("--format", &TestArguments::m_format);
+    Command(app, action, "diff", diff)
+        .tie("OLD", &DiffArguments::m_old)
+        .tie("NEW", &DiffArguments::m_new)
+        .tie("--on", &DiffArguments::m_on)
+        .tie("--ham", &DiffArguments::m_ham)
+        .tie("--spam", &DiffArguments::m_spam)
+        .tie("--vectors", &DiffArguments::m_vectors)
+        .tie("--on-vectors", &DiffArguments::m_onVectors)
+        .tie("--ham-vectors", &DiffArguments::m_hamVectors)
+        .tie("--spam-vectors", &DiffArguments::m_spamVectors)
+        .tie("--format", &DiffArguments::m_format)
+        .tie("-o,--output", &DiffArguments::m_output)
+        .tieSettings(&DiffArguments::m_settings);
     Command(app, action, "attributes", listAttributes);
 }
 

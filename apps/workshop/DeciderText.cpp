@@ -2,6 +2,7 @@
 #include "apps/workshop/DeciderText.h"
 
 #include "rules/language/RuleText.h"
+#include "rules/language/Sentences.h"
 
 #include <algorithm>
 
@@ -21,24 +22,30 @@ std::size_t s_parentOf(std::vector<DTNode> const& nodes, std::int32_t number) {
     return treeRoot;
 }
 
+// A rule speaks of no message in particular: the sentences stay without names.
+DeciderTest s_test(std::int32_t attribute, std::int32_t test, std::int32_t value) {
+    return {Rules::conditionText(attribute, test, value),
+            Rules::fillSentence(Rules::testSentence(attribute, test, value), {})};
+}
+
 // A damaged set may name a node as its own ancestor: no path is longer than the table.
-std::vector<std::string> s_pathTo(std::vector<DTNode> const& nodes, std::int32_t number) {
-    std::vector<std::string> path;
+std::vector<DeciderTest> s_pathTo(std::vector<DTNode> const& nodes, std::int32_t number) {
+    std::vector<DeciderTest> path;
     for (int step = 0; step < treeTableSize && number > treeRoot &&
                        static_cast<std::size_t>(number) < nodes.size();
          ++step) {
         auto const& node = nodes[static_cast<std::size_t>(number)];
-        path.push_back(Rules::conditionText(node.attribute, node.test, node.testValue));
+        path.push_back(s_test(node.attribute, node.test, node.testValue));
         number = static_cast<std::int32_t>(s_parentOf(nodes, number));
     }
     std::reverse(path.begin(), path.end());
     return path;
 }
 
-std::vector<std::string> s_testsOf(EliteNodes const& rule) {
-    std::vector<std::string> tests;
+std::vector<DeciderTest> s_testsOf(EliteNodes const& rule) {
+    std::vector<DeciderTest> tests;
     for (auto const& condition : rule.conditions) {
-        tests.push_back(Rules::conditionText(condition.attribute, condition.test, condition.value));
+        tests.push_back(s_test(condition.attribute, condition.test, condition.value));
     }
     return tests;
 }
@@ -52,7 +59,7 @@ std::string deciderName(Rules::Decider const& decider) {
     return (decider.m_isElite ? "elite rule " : "node ") + std::to_string(decider.m_number);
 }
 
-std::vector<std::string> deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {
+std::vector<DeciderTest> deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {
     if (!decider.m_isElite) {
         return s_pathTo(set.m_nodes, decider.m_number);
     }
@@ -69,7 +76,7 @@ std::vector<std::string> deciderTests(Rules::RuleSet const& set, Rules::Decider 
 std::string deciderConditions(Rules::RuleSet const& set, Rules::Decider const& decider) {
     std::string text;
     for (auto const& test : deciderTests(set, decider)) {
-        text += text.empty() ? test : " and " + test;
+        text += (text.empty() ? "" : " and ") + test.m_text;
     }
     return text;
 }

@@ -12,6 +12,11 @@ namespace Quorvane::Rules {
 
 enum class Verdict : std::uint8_t { none, ham, spam };
 
+// "spam", "ham", "none".
+constexpr char const* verdictName(Verdict verdict) {
+    return verdict == Verdict::spam ? "spam" : verdict == Verdict::ham ? "ham" : "none";
+}
+
 // A tree node or a deciding elite rule, by the number that the answer reports.
 struct Decider {
     bool m_isElite = false;

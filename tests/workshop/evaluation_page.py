@@ -148,7 +148,7 @@ class EvaluationPage(browser.BrowserTest):
             both = corpus["caught"]["of"] > 0 and corpus["falsePositives"]["of"] > 0
             self.assertEqual(len(self.browser.find_all(f"{name} .curve:not(.undecided)")),
                              2 if both else 0)
-        self.assertEqual(len(self.texts("#uses ~ .deciders li")), len(report["deciders"]))
+        self.assertEqual(len(self.texts("#uses ~ .deciders > li")), len(report["deciders"]))
 
     def test_drawings_are_named_and_ids_are_unique(self):
         self.browser.open(self.evaluate("html", *self.many()))

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvrules/Diff.h"
+
+#include "apps/evaluation/DifferenceReport.h"
+#include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
+#include "apps/qvrules/TrainingMail.h"
+#include "apps/workshop/ProgressLine.h"
+#include "apps/workshop/VectorJudge.h"
+#include "rules/language/LoadRules.h"
+
+#include <iostream>
+
+namespace Quorvane::RulesApp {
+
+namespace {
+
+TrainingMail s_mail(DiffArguments const& arguments) {
+    TrainingMail mail;
+    mail.m_ham = arguments.m_ham;
+    mail.m_spam = arguments.m_spam;
+    mail.m_unsorted = arguments.m_on;
+    mail.m_vectors = arguments.m_vectors;
+    mail.m_hamVectors = arguments.m_hamVectors;
+    mail.m_spamVectors = arguments.m_spamVectors;
+    mail.m_unsortedVectors = arguments.m_onVectors;
+    mail.m_host = hostSettings(arguments.m_settings);
+    return mail;
+}
+
+Rules::Judge s_judge(Workshop::VectorJudge const& judge) {
+    return [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); };
+}
+
+} // namespace
+
+int diff(DiffArguments const& arguments) {
+    auto const mail = s_mail(arguments);
+    if (mail.isEmpty()) {
+        std::cerr << "diff: give mail (--on, --ham, --spam) or vectors (--vectors, --on-vectors)\n";
+        return ExitStatus::usage;
+    }
+    auto const& settings = mail.m_host.m_judging;
+    auto const before = Rules::loadRules(arguments.m_old);
+    auto const after = Rules::loadRules(arguments.m_new);
+    Workshop::VectorJudge const judgeBefore(before.m_set, settings);
+    Workshop::VectorJudge const judgeAfter(after.m_set, settings);
+    Workshop::ProgressLine progress("qvrules");
+    TrainingMailCounts counts;
+    auto const gathered = gatherMail(mail, progress, counts);
+    auto const difference = Rules::compare(gathered, s_judge(judgeBefore), s_judge(judgeAfter));
+    Reports::ComparedSets const sets{
+        {arguments.m_old, before.m_set}, {arguments.m_new, after.m_set}, settings};
+    writeOutput(arguments.m_output, arguments.m_format == "json"
+                                        ? Reports::differenceJson(difference, sets)
+                                        : Reports::differenceText(difference, sets));
+    return difference.m_groups.empty() ? ExitStatus::well : ExitStatus::findings;
+}
+
+} // namespace Quorvane::RulesApp
