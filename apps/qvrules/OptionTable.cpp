@@ -76,6 +76,10 @@ constexpr ArgumentRow showArguments[] = {
     {"RULES", "PATH", "Rule text, or folder with rule files", true},
     {"--format", "text|dot|svg|html", "For a terminal (default), for Graphviz, a picture, a page"},
     {"-o,--output", "FILE", "File to write (default: to stdout)"},
+    {"--on", "PATH", "Mail to measure on how much comes to each node", false, true},
+    {"--vectors", "FILE", "The same of a CSV of vectors; - for standard input", false, true},
+    {"--message", "FILE", "Message that the page offers to explain", false, true},
+    {"--serve", "[PORT]", "Serve the page to the browser of this machine; it then reads messages"},
 };
 
 constexpr ArgumentRow explainArguments[] = {
@@ -141,9 +145,13 @@ constexpr auto table = std::to_array<CommandRow>({
      true},
     {"show", "Draw rules", showArguments,
      "The elite rules and the tree, each node with its test, the probability of spam\n"
-     "that it gives and how much of the training mail came to it.\n\n"
+     "that it gives and how much of the training mail came to it. The page searches,\n"
+     "and shows the way of a message or a vector that is dropped into it.\n\n"
      "Examples: qvrules show my.qvr\n"
-     "          qvrules show my.qvr --format svg -o my.svg"},
+     "          qvrules show my.qvr --format svg -o my.svg --on mail/today\n"
+     "          qvrules show my.qvr --format html -o my.html --message odd.eml\n"
+     "          qvrules show my.qvr --serve",
+     true},
     {"explain", "Tell in plain words what rules say", explainArguments,
      "INPUT is a message or an mbox; or a table of vectors, as \"qvscan --format csv\"\n"
      "writes them; or, where there is no such file, a vector: NAME=VALUE,... with\n"

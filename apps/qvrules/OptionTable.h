@@ -13,7 +13,7 @@ namespace Quorvane::RulesApp {
 struct ArgumentRow {
     // "-o,--output", "--force"; without "-" for an argument that is known by its place.
     char const* m_names;
-    // As ValueNames.h has it; empty for a flag.
+    // As ValueNames.h has it; empty for a flag; in brackets when it may be left out.
     char const* m_valueName;
     char const* m_help;
     bool m_isRequired = false;
@@ -21,6 +21,10 @@ struct ArgumentRow {
 
     constexpr bool isOption() const { return m_names[0] == '-'; }
     constexpr bool isFlag() const { return m_valueName[0] == '\0'; }
+    constexpr bool isValueOptional() const {
+        std::string_view const name = m_valueName;
+        return name.starts_with('[') && name.ends_with(']');
+    }
 };
 
 struct CommandRow {

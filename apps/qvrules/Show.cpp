@@ -1,17 +1,64 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Show.h"
 
-#include "apps/common/HostSettings.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
+#include "apps/qvrules/TrainingMail.h"
+#include "apps/show/MessageExplainer.h"
 #include "apps/show/Page.h"
+#include "apps/show/PageServer.h"
+#include "apps/show/TrafficMeter.h"
 #include "rules/language/LoadRules.h"
+
+#include <charconv>
+#include <iostream>
 
 namespace Quorvane::RulesApp {
 
 namespace {
 
-std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing) {
+// Any corpus will do: nothing tells them apart here.
+std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
+    std::vector<std::string> named;
+    for (auto const& path : paths) {
+        named.push_back("mail=" + path);
+    }
+    return named;
+}
+
+// Labels do not matter to traffic: all counts as ham.
+Rules::VectorTable s_mail(ShowArguments const& arguments, HostSettings const& host,
+                          TrainingMailCounts& counts) {
+    TrainingMail mail;
+    mail.m_ham = s_asCorpus(arguments.m_on);
+    mail.m_hamVectors = s_asCorpus(arguments.m_vectors);
+    mail.m_host = host;
+    Workshop::ProgressLine progress("qvrules");
+    return readTrainingMail(mail, progress, counts);
+}
+
+Show::Traffic s_traffic(ScanHost const& host, Rules::VectorTable const& table,
+                        TrainingMailCounts const& counts) {
+    Show::TrafficMeter meter(host);
+    for (auto const& row : table.all()) {
+        meter.add(row.m_vector, row.m_counts.total());
+    }
+    meter.addNotJudgeable(counts.m_notJudgeable);
+    return meter.traffic();
+}
+
+// Empty: any port that is free. Nothing for what is no port.
+std::optional<int> s_port(std::string const& text) {
+    constexpr int highest = 65535;
+    int port = 0;
+    auto const* const last = text.data() + text.size();
+    auto const [end, error] = std::from_chars(text.data(), last, port);
+    bool const isNumber = error == std::errc() && end == last && port > 0 && port <= highest;
+    return text.empty() || isNumber ? std::optional(port) : std::nullopt;
+}
+
+std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing,
+                    Show::PageExtras const& extras) {
     if (arguments.m_format == "dot") {
         return Show::dotDrawing(drawing);
     }
@@ -19,17 +66,69 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
         return Show::svgDrawing(drawing);
     }
     if (arguments.m_format == "html") {
-        return Show::htmlDrawing(drawing, {programDefaults(), {}, false});
+        return Show::htmlDrawing(drawing, extras);
     }
     return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output == "-"));
+}
+
+void s_serve(std::string const& page, Show::MessageExplainer const& explainer, int port,
+             Interrupt& interrupt) {
+    Show::PageServer server(
+        page,
+        [&explainer](std::string const& message) { return explainer.explain("message", message); },
+        port);
+    std::cout << "The page is at " << server.address() << " until Ctrl-C." << std::endl;
+    server.run(interrupt);
+}
+
+// Whether the rules have to run, and not only to be drawn.
+bool s_needsEngine(ShowArguments const& arguments) {
+    return !arguments.m_on.empty() || !arguments.m_vectors.empty() ||
+           !arguments.m_messages.empty() || arguments.m_serve;
+}
+
+// Measuring reads signals of its own, so it comes before `interrupt`.
+int s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set,
+                  HostSettings const& settings) {
+    auto const rules = Show::shownRules(arguments.m_rules, set);
+    TrainingMailCounts counts;
+    auto const table = s_mail(arguments, settings, counts);
+    Interrupt interrupt;
+    Show::MessageExplainer const explainer(settings, set);
+    bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
+    auto const traffic = s_traffic(explainer.host(), table, counts);
+    Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
+    Show::PageExtras const extras{settings.m_judging,
+                                  explainer.explainFiles(arguments.m_messages, interrupt),
+                                  arguments.m_serve.has_value()};
+    if (arguments.m_serve) {
+        s_serve(Show::htmlDrawing(drawing, extras), explainer, port, interrupt);
+    } else {
+        writeOutput(arguments.m_output, s_drawn(arguments, drawing, extras));
+    }
+    return ExitStatus::well;
 }
 
 } // namespace
 
 int show(ShowArguments const& arguments) {
-    auto const loaded = Rules::loadRules(arguments.m_rules);
-    auto const rules = Show::shownRules(arguments.m_rules, loaded.m_set);
-    writeOutput(arguments.m_output, s_drawn(arguments, {rules}));
+    if (!arguments.m_messages.empty() && arguments.m_format != "html" && !arguments.m_serve) {
+        std::cerr << "show: --message is for a page: add --format html or --serve\n";
+        return ExitStatus::usage;
+    }
+    auto const port = s_port(arguments.m_serve.value_or(""));
+    if (!port) {
+        std::cerr << "show: --serve takes a port from 1 to 65535, or nothing, not \""
+                  << *arguments.m_serve << "\"; give the rules before it\n";
+        return ExitStatus::usage;
+    }
+    auto const settings = hostSettings(arguments.m_settings);
+    auto const set = Rules::loadRules(arguments.m_rules).m_set;
+    if (s_needsEngine(arguments)) {
+        return s_showRunning(arguments, *port, set, settings);
+    }
+    auto const rules = Show::shownRules(arguments.m_rules, set);
+    writeOutput(arguments.m_output, s_drawn(arguments, {rules}, {settings.m_judging, {}, false}));
     return ExitStatus::well;
 }
 

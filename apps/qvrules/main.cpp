@@ -88,6 +88,9 @@ class Command {
     static void describe(CLI::Option& option, ArgumentRow const& row) {
         option.required(row.m_isRequired);
         option.type_name(row.isOption() ? row.m_valueName : "");
+        if (row.isValueOptional()) {
+            option.expected(0, 1);
+        }
         auto const literals = literalsOf(row.m_valueName);
         if (!literals.empty() && literals == alternativesOf(row.m_valueName)) {
             option.check(CLI::IsMember(literals).description(""));
@@ -152,7 +155,12 @@ void s_addViewCommands(CLI::App& app, Action& action) {
     Command(app, action, "show", show)
         .tie("RULES", &ShowArguments::m_rules)
         .tie("--format", &ShowArguments::m_format)
-        .tie("-o,--output", &ShowArguments::m_output);
+        .tie("-o,--output", &ShowArguments::m_output)
+        .tie("--on", &ShowArguments::m_on)
+        .tie("--vectors", &ShowArguments::m_vectors)
+        .tie("--message", &ShowArguments::m_messages)
+        .tie("--serve", &ShowArguments::m_serve)
+        .tieSettings(&ShowArguments::m_settings);
     Command(app, action, "explain", explain)
         .tie("RULES", &ExplainArguments::m_rules)
         .tie("INPUT", &ExplainArguments::m_input)

@@ -2,11 +2,11 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/common/ExitCode.h"
+#include "apps/common/JsonRecord.h"
 #include "apps/common/TextExplain.h"
 #include "apps/common/TextRecord.h"
 #include "apps/common/Utf8.h"
 #include "apps/qvscan/CsvRecord.h"
-#include "apps/qvscan/JsonRecord.h"
 #include "platform/HeaderReader.h"
 
 #include <algorithm>

@@ -47,8 +47,8 @@ std::vector<TextFigure> textFigures(Drawing const& drawing) {
     if (std::any_of(nodes.begin(), nodes.end(),
                     [](auto const& node) { return node.isCounted(); })) {
         figures.push_back({"messages", s_messages});
-        figures.push_back({"spam", s_spamCount});
-        figures.push_back({"ham", s_hamCount});
+        figures.push_back({"spam", s_spamCount, true});
+        figures.push_back({"ham", s_hamCount, true});
     }
     if (drawing.m_traffic != nullptr) {
         figures.push_back({"measured", s_reached});

@@ -14,6 +14,8 @@ struct TextFigure {
     std::string m_heading;
     // Of one node; empty where there is nothing to say.
     std::string (*m_text)(ShownNode const&, Traffic const*);
+    // The first to go where there is no room for all.
+    bool m_isLesser = false;
 };
 
 // Probability of spam first; counts where the file has any; measured shares where there are any.

@@ -36,6 +36,13 @@ class TreeWriter {
         : m_drawing(drawing), m_style(style), m_guides(style.m_isUtf8 ? boxes : ascii),
           m_figures(textFigures(drawing)) {
         measureFigures();
+        if (isTooWide()) {
+            std::erase_if(m_figures, [](auto const& figure) { return figure.m_isLesser; });
+            measureFigures();
+        }
+        m_isNarrow = isTooWide();
+        m_left = m_isNarrow ? m_style.m_width
+                            : std::min(neededWidth(), m_style.m_width - m_figuresWidth);
     }
 
     std::string write() {
@@ -48,6 +55,8 @@ class TreeWriter {
 
   private:
     void measureFigures() {
+        m_widths.clear();
+        m_figuresWidth = 0;
         for (auto const& figure : m_figures) {
             auto width = columns(figure.m_heading);
             for (auto const& node : m_drawing.m_rules.m_nodes) {
@@ -56,10 +65,9 @@ class TreeWriter {
             m_widths.push_back(width);
             m_figuresWidth += width + 2;
         }
-        m_isNarrow = m_style.m_width < m_figuresWidth + minTestWidth;
-        m_left = m_isNarrow ? m_style.m_width
-                            : std::min(neededWidth(), m_style.m_width - m_figuresWidth);
     }
+
+    bool isTooWide() const { return m_style.m_width < m_figuresWidth + minTestWidth; }
 
     // Columns of the longest line when none is broken.
     std::size_t neededWidth() const {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvscan/JsonRecord.h"
+#include "apps/common/JsonRecord.h"
 
 #include "apps/common/RuleStory.h"
 #include "apps/common/Utf8.h"

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/show/MessageExplainer.h"
+
+#include "apps/common/ExitCode.h"
+#include "apps/common/Inputs.h"
+#include "apps/common/JsonRecord.h"
+#include "apps/workshop/RuleEngine.h"
+#include "platform/HeaderReader.h"
+#include "rules/model/RuleError.h"
+
+namespace Quorvane::Show {
+
+MessageExplainer::MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules)
+    : m_host(settings, Workshop::loadEngine(rules)) {}
+
+std::string MessageExplainer::explain(std::string const& source, std::string_view message) const {
+    auto const headers = HeaderReader::read(message);
+    if (headers.headers().empty()) {
+        throw Rules::RuleError(Rules::RuleError::Kind::badData,
+                               source + ": no message: it has no header field");
+    }
+    auto outcome = m_host.scan(headers, MessageFacts{});
+    m_host.trace(outcome);
+    return jsonRecord(m_host, source, outcome, true);
+}
+
+std::vector<std::string> MessageExplainer::explainFiles(std::vector<std::string> const& paths,
+                                                        Interrupt& interrupt) const {
+    std::vector<std::string> records;
+    if (paths.empty()) {
+        return records; // none would mean standard input
+    }
+    Inputs inputs(paths, interrupt);
+    InputItem item;
+    while (inputs.next(item)) {
+        if (!item.m_problem.empty()) {
+            throw Rules::RuleError(item.m_exitCode == ExitCode::noInput
+                                       ? Rules::RuleError::Kind::noInput
+                                       : Rules::RuleError::Kind::badData,
+                                   item.m_source + ": " + item.m_problem);
+        }
+        records.push_back(explain(item.m_source, item.m_headers));
+    }
+    return records;
+}
+
+} // namespace Quorvane::Show

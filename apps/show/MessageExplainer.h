@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// MessageExplainer: whole messages to records with the working record of the scan, for a page that
+// cannot read messages itself. One object a process, since it sets up the scanning host; explain
+// may be called from many threads.
+#pragma once
+
+#include "apps/common/Interrupt.h"
+#include "apps/common/ScanHost.h"
+#include "rules/model/RuleSet.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane::Show {
+
+class MessageExplainer {
+  public:
+    // A RuleError when no host could load the rules; a SettingsError.
+    MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules);
+
+    // The JSON record of one message, as `qvscan --format json --explain` writes it. A RuleError
+    // when there is no header field in it.
+    std::string explain(std::string const& source, std::string_view message) const;
+
+    // The records of all messages of the paths, in order. A RuleError for what cannot be read.
+    std::vector<std::string> explainFiles(std::vector<std::string> const& paths,
+                                          Interrupt& interrupt) const;
+
+    ScanHost const& host() const { return m_host; }
+
+  private:
+    ScanHost m_host;
+};
+
+} // namespace Quorvane::Show

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// PageServer: a page for the browser of this machine, and one address that explains messages.
+//
+//   GET /            the page
+//   POST /explain    Content-Type message/rfc822, the body a whole message; answers its JSON
+//   record,
+//                    or 4xx and a line of text for people
+//
+// It listens on 127.0.0.1 only. A browser is a way in for every web site that its user visits, so
+// requests that name another host (rebound DNS names) or come from another page (Origin) are
+// refused. Bodies are limited. One object, one thread; the server runs threads of its own.
+#pragma once
+
+#include "apps/common/Interrupt.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace Quorvane::Show {
+
+// Far above any header section; the body of the message comes along.
+inline constexpr std::size_t maxPostedMessage = std::size_t{64} << 20;
+
+class PageServer {
+  public:
+    // Called from many threads. A std::exception's text goes to the reader of the page.
+    using Explain = std::function<std::string(std::string const& message)>;
+
+    // `port` 0: any that is free. A RuleError when the port is taken.
+    PageServer(std::string page, Explain explain, int port);
+    PageServer(PageServer const&) = delete;
+    PageServer& operator=(PageServer const&) = delete;
+    ~PageServer();
+
+    // "http://127.0.0.1:8080/"
+    std::string address() const;
+
+    // Serves until SIGINT or SIGTERM.
+    void run(Interrupt& interrupt);
+
+  private:
+    struct Server;
+    std::unique_ptr<Server> m_server;
+};
+
+} // namespace Quorvane::Show
