@@ -63,10 +63,14 @@ ShownElite s_shown(EliteNodes const& rule) {
 
 std::vector<ShownElite> shownElite(Rules::EliteFile const& file) {
     std::vector<ShownElite> rules;
+    // The loader reads as many as the header announces, up to its limit.
+    auto const announced = file.m_header ? std::max(+file.m_header->nodeCount, 0) : 0;
+    auto const read = static_cast<std::size_t>(std::min(announced, maxEliteNodes));
     std::size_t kept = 0;
     for (auto const& rule : file.m_rules) {
+        bool const isRead = rules.size() < read;
         rules.push_back(s_shown(rule));
-        if (s_isKept(rule)) {
+        if (isRead && s_isKept(rule)) {
             rules.back().m_place = kept++;
         }
     }
