@@ -26,15 +26,14 @@ std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
     return named;
 }
 
-// Labels do not matter to traffic: all counts as ham.
 Rules::VectorTable s_mail(ShowArguments const& arguments, HostSettings const& host,
                           TrainingMailCounts& counts) {
     TrainingMail mail;
-    mail.m_ham = s_asCorpus(arguments.m_on);
-    mail.m_hamVectors = s_asCorpus(arguments.m_vectors);
+    mail.m_unsorted = s_asCorpus(arguments.m_on);
+    mail.m_unsortedVectors = s_asCorpus(arguments.m_vectors);
     mail.m_host = host;
     Workshop::ProgressLine progress("qvrules");
-    return readTrainingMail(mail, progress, counts);
+    return gatherMail(mail, progress, counts).m_unsorted;
 }
 
 Show::Traffic s_traffic(ScanHost const& host, Rules::VectorTable const& table,

@@ -94,8 +94,11 @@ const QvAnswer = (() => {
         told.add(attribute);
         const value = message.attributes[attribute];
         lines.push(make("li", {},
-          QvWords.capital(QvWords.valueSentence(attribute, value, message.names)), ". ",
-          make("span", {className: "muted from"}, ...from)));
+          make("span", {
+            className: "fact",
+            textContent: `${QvWords.capital(QvWords.valueSentence(attribute, value,
+              message.names))}.`,
+          }), " ", make("span", {className: "muted from"}, ...from)));
       }
     };
     if (answer.by === "elite") {
