@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/TomlSettings.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <filesystem>
+#include <string_view>
 #include <vector>
 
 namespace Quorvane {
@@ -14,6 +16,33 @@ std::string s_numberText(double value) {
     std::array<char, 32> buffer{};
     auto const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
     return {buffer.data(), end};
+}
+
+bool s_stumbles(std::string_view text) {
+    try {
+        static_cast<void>(toml::parse(text));
+    } catch (toml::parse_error const&) {
+        return false;
+    } catch (TomlStumbled const&) {
+        return true;
+    }
+    return false;
+}
+
+// The last character of the shortest start of the text over which the parser stumbles. It reads
+// from left to right, so it stumbles over every longer start too.
+toml::source_position s_stumblingPlace(std::string_view text) {
+    std::size_t without = 0;
+    std::size_t with = text.size();
+    while (with - without > 1) {
+        auto const middle = without + (with - without) / 2;
+        (s_stumbles(text.substr(0, middle)) ? with : without) = middle;
+    }
+    auto const before = text.substr(0, without);
+    auto const line = std::count(before.begin(), before.end(), '\n');
+    auto const start = before.rfind('\n') + 1; // 0 when there is none
+    return {static_cast<toml::source_index>(line + 1),
+            static_cast<toml::source_index>(without - start + 1)};
 }
 
 class NodeSetter {
@@ -82,6 +111,9 @@ toml::table parseToml(std::string const& path, std::string const& text) {
     } catch (toml::parse_error const& error) {
         throw SettingsError(tomlPlace(path, error.source().begin) +
                             std::string(error.description()));
+    } catch (TomlStumbled const&) {
+        throw SettingsError(tomlPlace(path, s_stumblingPlace(text)) + "this is no TOML; \"[\" is " +
+                            "followed by the name of a table");
     }
 }
 

@@ -5,10 +5,10 @@
 #pragma once
 
 #include "apps/common/SettingsStore.h"
+#include "apps/common/Toml.h"
 
 #include <optional>
 #include <string>
-#include <toml++/toml.h>
 
 namespace Quorvane {
 

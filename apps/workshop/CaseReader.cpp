@@ -3,6 +3,7 @@
 
 #include "apps/common/FactsTable.h"
 #include "apps/common/TomlSettings.h"
+#include "apps/workshop/CaseExpectation.h"
 #include "apps/workshop/VectorText.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/Nearest.h"
@@ -12,24 +13,11 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <limits>
 #include <utility>
 
 namespace Quorvane::Workshop {
 
 namespace {
-
-[[noreturn]] void s_fail(std::string const& path, toml::node const& node, std::string const& what) {
-    throw SettingsError(tomlPlace(path, node.source().begin) + what);
-}
-
-std::string s_text(std::string const& path, std::string_view name, toml::node const& node) {
-    auto const* const text = node.as_string();
-    if (text == nullptr) {
-        s_fail(path, node, std::string(name) + " needs a text in quotes");
-    }
-    return text->get();
-}
 
 class CaseReader {
   public:
@@ -53,11 +41,11 @@ class CaseReader {
         std::string_view m_name;
         void (CaseReader::*m_read)(toml::node const& node);
     };
-    static constexpr std::size_t ownKeys = 9;
+    static constexpr std::size_t ownKeys = 5;
     static std::array<Key, ownKeys> const s_keys;
 
     [[noreturn]] void fail(toml::node const& node, std::string const& what) const {
-        s_fail(m_path, node, what);
+        failCase(m_path, node, what);
     }
 
     void readKey(toml::key const& name, toml::node const& node) {
@@ -65,6 +53,8 @@ class CaseReader {
                                       [&](Key const& one) { return one.m_name == name.str(); });
         if (key != s_keys.end()) {
             (this->*key->m_read)(node);
+        } else if (readExpectation(name.str(), node, m_path, m_case.m_expected)) {
+            return;
         } else if (isCaseSetting(name.str())) {
             setFromToml(m_settings, *findSetting(name.str()), node, m_path);
         } else if (auto const* const fact = findFact(name.str())) {
@@ -76,10 +66,12 @@ class CaseReader {
 
     static std::string unknownKey(std::string_view name) {
         std::vector<std::string_view> names;
-        names.reserve(s_keys.size() + factKeys().size() + settingKeys().size());
+        names.reserve(s_keys.size() + expectationKeys.size() + factKeys().size() +
+                      settingKeys().size());
         for (auto const& key : s_keys) {
             names.push_back(key.m_name);
         }
+        names.insert(names.end(), expectationKeys.begin(), expectationKeys.end());
         for (auto const& key : factKeys()) {
             names.push_back(key.m_name);
         }
@@ -102,7 +94,7 @@ class CaseReader {
     }
 
     void readName(toml::node const& node) {
-        m_case.m_name = s_text(m_path, "name", node);
+        m_case.m_name = caseText(m_path, "name", node);
         if (m_case.m_name.empty() || m_case.m_name.find('\n') != std::string::npos) {
             fail(node, "a name is one line that says what the case is about");
         }
@@ -127,10 +119,12 @@ class CaseReader {
         noteInput(node);
     }
 
-    void readMessage(toml::node const& node) { takeMessage(s_text(m_path, "message", node), node); }
+    void readMessage(toml::node const& node) {
+        takeMessage(caseText(m_path, "message", node), node);
+    }
 
     void readFile(toml::node const& node) {
-        auto const name = s_text(m_path, "file", node);
+        auto const name = caseText(m_path, "file", node);
         takeMessage(Rules::readFile(std::filesystem::path(m_path).parent_path() / name), node);
     }
 
@@ -147,53 +141,6 @@ class CaseReader {
             fail(node, "a case has one of vector, message and file");
         }
         m_hasInput = true;
-    }
-
-    void readVerdict(toml::node const& node) {
-        auto const verdict = s_text(m_path, "verdict", node);
-        if (verdict != "spam" && verdict != "ham" && verdict != "none") {
-            fail(node, "\"" + verdict + "\" is no verdict; write spam, ham or none" +
-                           Rules::didYouMean(verdict, {"spam", "ham", "none"}));
-        }
-        m_case.m_expected.m_verdict = verdict;
-    }
-
-    void readNode(toml::node const& node) {
-        auto const text = tomlScalar(SettingKind::integer, node);
-        if (!text) {
-            fail(node, "node is the number of a node or of an elite rule, 0 for none");
-        }
-        try {
-            m_case.m_expected.m_node = static_cast<std::int32_t>(
-                readInteger(*text, std::numeric_limits<std::int32_t>::min(),
-                            std::numeric_limits<std::int32_t>::max()));
-        } catch (SettingsError const& error) {
-            fail(node, std::string("node: ") + error.what());
-        }
-    }
-
-    void readReasons(toml::node const& node) {
-        m_case.m_expected.m_reasons = s_text(m_path, "reasons", node);
-    }
-
-    double number(toml::node const& node) const {
-        auto const found = node.value<double>();
-        if (!found || !node.is_number()) {
-            fail(node, "confidence is a number, or a range as in [0.9, 1.0]");
-        }
-        return *found;
-    }
-
-    void readConfidence(toml::node const& node) {
-        auto const* const range = node.as_array();
-        if (range == nullptr) {
-            m_case.m_expected.m_confidence = {number(node), number(node)};
-            return;
-        }
-        if (range->size() != 2 || !(number(range->front()) <= number(range->back()))) {
-            fail(node, "a range of confidence has two ends, the lower one first");
-        }
-        m_case.m_expected.m_confidence = {number(range->front()), number(range->back())};
     }
 
     void readDns(toml::node const& node) { m_zoneLines = readZoneLines(m_path, node); }
@@ -228,10 +175,6 @@ std::array<CaseReader::Key, CaseReader::ownKeys> const CaseReader::s_keys{{
     {"message", &CaseReader::readMessage},
     {"file", &CaseReader::readFile},
     {"dns", &CaseReader::readDns},
-    {"verdict", &CaseReader::readVerdict},
-    {"node", &CaseReader::readNode},
-    {"reasons", &CaseReader::readReasons},
-    {"confidence", &CaseReader::readConfidence},
 }};
 
 } // namespace
@@ -253,11 +196,11 @@ std::vector<std::string> readZoneLines(std::string const& path, toml::node const
     std::vector<std::string> lines;
     auto const* const array = node.as_array();
     if (array == nullptr) {
-        s_fail(path, node,
-               "dns is a list of zone-file lines, as in [\"mail.example. A 192.0.2.1\"]");
+        failCase(path, node,
+                 "dns is a list of zone-file lines, as in [\"mail.example. A 192.0.2.1\"]");
     }
     for (auto const& line : *array) {
-        lines.push_back(s_text(path, "each line of dns", line));
+        lines.push_back(caseText(path, "each line of dns", line));
     }
     return lines;
 }

@@ -5,11 +5,11 @@
 #pragma once
 
 #include "apps/common/SettingsStore.h"
+#include "apps/common/Toml.h"
 #include "apps/workshop/CaseFile.h"
 
 #include <string>
 #include <string_view>
-#include <toml++/toml.h>
 #include <vector>
 
 namespace Quorvane::Workshop {

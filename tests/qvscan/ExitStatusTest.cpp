@@ -81,6 +81,7 @@ TEST_F(ExitStatus, BadSettingsAre78) {
          ":2:1: unknown key \"spam_threshold\"; the nearest known one is \"spam-threshold\""},
         {"umbrella = 1\n", ":1:1: unknown key \"umbrella\"; qvscan --show-config lists"},
         {"jobs = \n", ":1:"},
+        {"jobs = 2\n[\n", ":2:2: this is no TOML"},
         {"trusted-mta = [\"192.0.2.1\", \"nope\"]\n", ":1:29: trusted-mta: "},
         {"walk-to-leaf = 7\n", ":1:16: walk-to-leaf: \"7\" is no whole number from 0 to 1"},
     };

@@ -159,12 +159,38 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
         {"[[case]]\n\"\\u001b[2J\" = 1\n", "2:1: a case has no key \"\\x1B[2J\""},
         {"[[case]]\nname = \"x\"\nname = \"y\"\n", "3:"},
         {"[[case]\n", "1:"},
+        {"# x\n [=]\n", "2:3: this is no TOML; \"[\" is followed by the name of a table"},
+        {"[[\n", "1:3: this is no TOML"},
         {"\xFF", "1:"},
     };
     for (auto const& row : cases) {
         EXPECT_EQ(error(row.m_text).substr(0, std::string(row.m_error).size()), row.m_error)
             << row.m_text << error(row.m_text);
     }
+}
+
+// Every single slip of a finger in a file that uses everything.
+TEST_F(CaseFileTest, DamagedFilesAreReadOrRefused) {
+    std::string const whole = "rules = \"r.qvr\"\n[settings]\nham-threshold = 0.9\n[[case]]\n"
+                              "name = \"x\"\nvector.chain_broken = \"yes\"\nverdict = \"ham\"\n"
+                              "node = 7\nconfidence = [0.1, 1]\nreasons = \"ab\"\n"
+                              "dns = [\"a. A 192.0.2.1\"]\ntrusted-mta = [\"10.0.0.0/8\"]\n";
+    int refused = 0;
+    auto const check = [&](std::string const& text) {
+        try {
+            read(text);
+        } catch (RuleError const& failure) {
+            ++refused;
+        }
+    };
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        check(whole.substr(0, at));
+        check(std::string(whole).erase(at, 1));
+        for (char const c : {'\0', '\n', '"', '[', ']', '{', '=', '.', '\xFF', '9'}) {
+            check(std::string(whole).replace(at, 1, 1, c));
+        }
+    }
+    EXPECT_GT(refused, 1000);
 }
 
 TEST_F(CaseFileTest, AFileThatIsNotThereIsNoInput) {
