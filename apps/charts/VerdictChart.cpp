@@ -69,11 +69,14 @@ void s_drawRow(Drawing& drawing, std::string const& label, Rules::VerdictCounts 
 
 } // namespace
 
-std::string verdictChart(Caption const& caption, Rules::CorpusFigures const& figures) {
-    Drawing drawing(chartWidth, headHeight + 2.0 * rowHeight);
+std::string verdictChart(Caption const& caption, std::vector<NamedVerdicts> const& rows) {
+    Drawing drawing(chartWidth, headHeight + rowHeight * static_cast<double>(rows.size()));
     s_drawHead(drawing);
-    s_drawRow(drawing, "Spam", figures.m_spamVerdicts, headHeight);
-    s_drawRow(drawing, "Ham", figures.m_hamVerdicts, headHeight + rowHeight);
+    double top = headHeight;
+    for (auto const& [name, counts] : rows) {
+        s_drawRow(drawing, name, counts, top);
+        top += rowHeight;
+    }
     return drawing.svg(caption);
 }
 

@@ -55,7 +55,8 @@ std::string s_verdictBlock(Rules::CorpusFigures const& figures, std::string cons
            sideBySide(
                figure("Verdicts.", "No verdict is neither right nor wrong.",
                       Charts::verdictChart(
-                          {id + "-verdicts", "Verdicts on spam and ham", description}, figures)),
+                          {id + "-verdicts", "Verdicts on spam and ham", description},
+                          {{"Spam", figures.m_spamVerdicts}, {"Ham", figures.m_hamVerdicts}})),
                s_verdictTable(figures));
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/DeciderBar.h"
+#include "apps/evaluation/HtmlParts.h"
 #include "apps/evaluation/Sections.h"
 #include "apps/page/Escape.h"
 #include "apps/workshop/DeciderText.h"
@@ -12,24 +13,6 @@ namespace Quorvane::Reports {
 namespace {
 
 using Figures = Rules::DeciderFigures;
-
-std::string s_tests(Figures const& one, Rules::RuleSet const& set) {
-    std::string html;
-    for (auto const& test : Workshop::deciderTests(set, one.m_decider)) {
-        html += (html.empty() ? "" : " and ") + ("<code>" + Page::text(test.m_text) + "</code>");
-    }
-    return html.empty() ? "always" : html;
-}
-
-std::string s_words(Figures const& one, Rules::RuleSet const& set) {
-    std::string items;
-    for (auto const& test : Workshop::deciderTests(set, one.m_decider)) {
-        items += "<li>" + Page::text(test.m_words) + "</li>\n";
-    }
-    return items.empty()
-               ? items
-               : "<details><summary>In words</summary>\n<ul>\n" + items + "</ul>\n</details>\n";
-}
 
 std::string s_samples(Figures const& one) {
     if (one.m_samples.empty()) {
@@ -57,8 +40,8 @@ std::string s_item(Figures const& one, Rules::RuleSet const& set, std::uint64_t 
            Rules::groupedText(one.m_reached.m_spam) + " spam, " +
            Rules::groupedText(one.m_reached.m_ham) + " ham; " + s_wrong(one) + "; confidence " +
            Rules::fixedText(one.m_confidence, 4) + "</p>\n" +
-           Charts::deciderBar(one.m_reached, most) + "<p class=\"tests\">" + s_tests(one, set) +
-           "</p>\n" + s_words(one, set) + s_samples(one) + "</li>\n";
+           Charts::deciderBar(one.m_reached, most) + deciderTests(set, one.m_decider) +
+           s_samples(one) + "</li>\n";
 }
 
 std::string s_list(std::vector<Figures> const& deciders, Rules::RuleSet const& set) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A comparison of two rule sets as a report: text for people, JSON for programs. Both tell the
-// same. Pure functions.
+// A comparison of two rule sets as a report: text for people at a terminal, JSON for programs,
+// and one HTML page. All three tell the same. Pure functions.
 #pragma once
 
 #include "platform/DeepHeaderSettings.h"
@@ -24,10 +24,12 @@ struct ComparedSets {
     DeepHeaderSettings const& m_settings; // of both
 };
 
-// Groups of changes that are shown to people.
+// Groups of changes that are shown at a terminal, and on a page.
 inline constexpr std::size_t shownChanges = 10;
+inline constexpr std::size_t pageChanges = 50;
 
 std::string differenceText(Rules::Difference const& difference, ComparedSets const& sets);
 std::string differenceJson(Rules::Difference const& difference, ComparedSets const& sets);
+std::string differenceHtml(Rules::Difference const& difference, ComparedSets const& sets);
 
 } // namespace Quorvane::Reports

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/RuleStory.h"
 #include "apps/common/Utf8.h"
-#include "apps/evaluation/DifferenceReport.h"
+#include "apps/evaluation/DifferenceSections.h"
 #include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/FigureText.h"
 
@@ -16,18 +16,6 @@ using Rules::groupedText;
 using Rules::KindCounts;
 using Rules::MailKind;
 
-// "1,234 spam, 5 ham": the kinds that there are.
-std::string s_kinds(KindCounts const& counts) {
-    std::string text;
-    for (auto const kind : Rules::mailKinds) {
-        if (counts.of(kind) != 0) {
-            text += (text.empty() ? "" : ", ") + groupedText(counts.of(kind)) + ' ' +
-                    Rules::mailKindName(kind);
-        }
-    }
-    return text.empty() ? "none" : text;
-}
-
 std::string s_messages(std::uint64_t count) {
     return groupedText(count) + (count == 1 ? " message" : " messages");
 }
@@ -41,7 +29,7 @@ void s_addHead(std::ostream& text, Rules::Difference const& difference, Compared
     text << toPrintable(sets.m_before.m_name) << " -> " << toPrintable(sets.m_after.m_name)
          << ": thresholds spam " << numberText(sets.m_settings.spamThreshold) << ", ham "
          << numberText(sets.m_settings.hamThreshold) << '\n'
-         << s_messages(difference.m_messages.total()) << ": " << s_kinds(difference.m_messages);
+         << s_messages(difference.m_messages.total()) << ": " << kindsText(difference.m_messages);
     if (difference.m_unjudged.total() != 0) {
         text << "; " << groupedText(difference.m_unjudged.total())
              << " more cannot be judged, whatever the rules";
@@ -85,7 +73,7 @@ void s_addSum(std::ostream& text, Rules::Difference const& difference) {
         byChange[s_change(group)] += group.m_counts;
     }
     for (auto const& [change, counts] : byChange) {
-        text << "  " << std::setw(16) << change << s_kinds(counts) << '\n';
+        text << "  " << std::setw(16) << change << kindsText(counts) << '\n';
     }
     text << '\n';
 }
@@ -132,7 +120,7 @@ void s_addGroups(std::ostream& text, Rules::Difference const& difference,
                  << " more kinds of change; --format json lists all\n\n";
             return;
         }
-        text << s_change(group) << ": " << s_kinds(group.m_counts) << '\n';
+        text << s_change(group) << ": " << kindsText(group.m_counts) << '\n';
         s_addRuling(text, "before: ", group.m_before, sets.m_before.m_set);
         s_addRuling(text, "after:  ", group.m_after, sets.m_after.m_set);
         for (auto const& sample : group.m_samples) {

@@ -2,6 +2,7 @@
 #include "apps/evaluation/HtmlParts.h"
 
 #include "apps/page/Escape.h"
+#include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Reports {
@@ -39,6 +40,34 @@ std::vector<std::string> rateCells(Rules::Rate const& rate) {
 
 std::string shareText(Rules::Rate const& rate) {
     return rate.m_total == 0 ? "none" : Rules::percentText(rate.value());
+}
+
+std::string tile(std::string_view nameText, std::string const& value, std::string const& note) {
+    return "<div class=\"panel\"><dt>" + Page::text(nameText) + "</dt><dd class=\"figure\">" +
+           value + "</dd><dd class=\"muted\">" + note + "</dd></div>\n";
+}
+
+std::string rateTile(std::string_view nameText, Rules::Rate const& rate) {
+    if (rate.m_total == 0) {
+        return tile(nameText, shareText(rate), "no messages");
+    }
+    return tile(nameText, shareText(rate),
+                Rules::groupedText(rate.m_hits) + " of " + Rules::groupedText(rate.m_total) +
+                    "<br>" + Rules::intervalText(rate));
+}
+
+std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {
+    std::string tests;
+    std::string words;
+    for (auto const& test : Workshop::deciderTests(set, decider)) {
+        tests += (tests.empty() ? "<code>" : " and <code>") + Page::text(test.m_text) + "</code>";
+        words += "<li>" + Page::text(test.m_words) + "</li>\n";
+    }
+    if (tests.empty()) {
+        return "<p class=\"tests\">always</p>\n";
+    }
+    return "<p class=\"tests\">" + tests + "</p>\n<details><summary>In words</summary>\n<ul>\n" +
+           words + "</ul>\n</details>\n";
 }
 
 std::string labelsText(Rules::LabelCounts const& counts) {

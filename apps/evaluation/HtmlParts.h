@@ -4,8 +4,10 @@
 // plain, everything else HTML.
 #pragma once
 
+#include "rules/evaluate/JudgedVector.h"
 #include "rules/evaluate/Wilson.h"
 #include "rules/learn/VectorTable.h"
+#include "rules/model/RuleSet.h"
 
 #include <string>
 #include <string_view>
@@ -27,6 +29,14 @@ std::vector<std::string> rateCells(Rules::Rate const& rate);
 
 // "84.90 %", or "none" where there are no messages.
 std::string shareText(Rules::Rate const& rate);
+
+// A figure of the page's head, within <dl class="tiles">; `note` is HTML.
+std::string tile(std::string_view nameText, std::string const& value, std::string const& note);
+// A rate with its counts and interval.
+std::string rateTile(std::string_view nameText, Rules::Rate const& rate);
+
+// The tests that lead to a decider: as the rule language writes them, and folded up in words.
+std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider);
 
 // "1,234 spam and 56 ham".
 std::string labelsText(Rules::LabelCounts const& counts);

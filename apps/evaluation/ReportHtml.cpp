@@ -12,30 +12,16 @@ namespace Quorvane::Reports {
 
 namespace {
 
-std::string s_tile(std::string const& name, std::string const& value, std::string const& note) {
-    return "<div class=\"panel\"><dt>" + name + "</dt><dd class=\"figure\">" + value +
-           "</dd><dd class=\"muted\">" + note + "</dd></div>\n";
-}
-
-std::string s_rateTile(std::string const& name, Rules::Rate const& rate) {
-    if (rate.m_total == 0) {
-        return s_tile(name, shareText(rate), "no messages");
-    }
-    return s_tile(name, shareText(rate),
-                  Rules::groupedText(rate.m_hits) + " of " + Rules::groupedText(rate.m_total) +
-                      "<br>" + Rules::intervalText(rate));
-}
-
 std::string s_tiles(Rules::CorpusFigures const& together) {
     auto const none = together.m_spamVerdicts.m_none + together.m_hamVerdicts.m_none;
     auto const total = together.judged();
     bool const hasCurve = total.m_spam != 0 && total.m_ham != 0;
-    return "<dl class=\"tiles\">\n" + s_rateTile("Spam called spam", together.caught()) +
-           s_rateTile("Ham called spam", together.falsePositives()) +
-           s_rateTile("No verdict", {none, total.total()}) +
-           s_rateTile("Judgeable", together.judgeable()) +
-           s_tile("ROC area", hasCurve ? Rules::fixedText(together.m_roc.area(), 4) : "none",
-                  hasCurve ? "1 is perfect, 0.5 is guessing" : "needs both spam and ham") +
+    return "<dl class=\"tiles\">\n" + rateTile("Spam called spam", together.caught()) +
+           rateTile("Ham called spam", together.falsePositives()) +
+           rateTile("No verdict", {none, total.total()}) +
+           rateTile("Judgeable", together.judgeable()) +
+           tile("ROC area", hasCurve ? Rules::fixedText(together.m_roc.area(), 4) : "none",
+                hasCurve ? "1 is perfect, 0.5 is guessing" : "needs both spam and ham") +
            "</dl>\n";
 }
 

@@ -32,6 +32,14 @@ Rules::Judge s_judge(Workshop::VectorJudge const& judge) {
     return [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); };
 }
 
+using Report = std::string(Rules::Difference const&, Reports::ComparedSets const&);
+
+Report* s_report(std::string_view format) {
+    return format == "json"   ? Reports::differenceJson
+           : format == "html" ? Reports::differenceHtml
+                              : Reports::differenceText;
+}
+
 } // namespace
 
 int diff(DiffArguments const& arguments) {
@@ -51,9 +59,7 @@ int diff(DiffArguments const& arguments) {
     auto const difference = Rules::compare(gathered, s_judge(judgeBefore), s_judge(judgeAfter));
     Reports::ComparedSets const sets{
         {arguments.m_old, before.m_set}, {arguments.m_new, after.m_set}, settings};
-    writeOutput(arguments.m_output, arguments.m_format == "json"
-                                        ? Reports::differenceJson(difference, sets)
-                                        : Reports::differenceText(difference, sets));
+    writeOutput(arguments.m_output, s_report(arguments.m_format)(difference, sets));
     return difference.m_groups.empty() ? ExitStatus::well : ExitStatus::findings;
 }
 

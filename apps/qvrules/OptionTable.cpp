@@ -105,7 +105,7 @@ constexpr ArgumentRow diffArguments[] = {
     {"--on-vectors", "[CORPUS=]FILE", "The same without label: unsorted", false, true},
     {"--ham-vectors", "[CORPUS=]FILE", "The same without label: all ham", false, true},
     {"--spam-vectors", "[CORPUS=]FILE", "The same without label: all spam", false, true},
-    {"--format", "text|json", "text for people, json for programs"},
+    {"--format", "text|json|html", "text for people, json for programs, html: a page"},
     {"-o,--output", "FILE", "File to write (default: to stdout)"},
 };
 

@@ -40,6 +40,12 @@ int s_spamminess(Verdict verdict) {
     return verdict == Verdict::spam ? 1 : verdict == Verdict::ham ? -1 : 0;
 }
 
+std::size_t s_countOf(std::vector<KnownSource> const& samples, MailKind kind) {
+    return static_cast<std::size_t>(
+        std::count_if(samples.begin(), samples.end(),
+                      [kind](KnownSource const& sample) { return sample.m_kind == kind; }));
+}
+
 class Comparison {
   public:
     Difference compare(ComparedMail const& mail, Judge const& before, Judge const& after) {
@@ -103,7 +109,7 @@ class Comparison {
         group.m_after = after;
         group.m_counts += counts;
         for (auto const& sample : row.m_samples) {
-            if (group.m_samples.size() < Difference::maxSamples) {
+            if (s_countOf(group.m_samples, sample.m_kind) < Difference::maxSamples) {
                 group.m_samples.push_back(sample);
             }
         }

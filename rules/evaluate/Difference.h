@@ -71,7 +71,7 @@ struct CorpusChanges {
 };
 
 struct Difference {
-    // Samples kept for each group.
+    // Samples kept for each group and kind of mail.
     static constexpr std::size_t maxSamples = 3;
 
     KindCounts m_messages; // judgeable

@@ -88,9 +88,7 @@ TEST(RateChart, LongNamesLeaveRoomForTheRate) {
 }
 
 TEST(VerdictChart, DividesSpamAndHam) {
-    Rules::CorpusFigures figures;
-    figures.m_spamVerdicts = {50, 25, 25};
-    auto const svg = verdictChart(caption, figures);
+    auto const svg = verdictChart(caption, {{"Spam", {50, 25, 25}}, {"Ham", {}}});
     // From 1 to 379: spam, no verdict, ham.
     EXPECT_THAT(svg, HasSubstr("<rect class=\"fill-spam\" x=\"1\" y=\"44\" width=\"189\""));
     EXPECT_THAT(svg, HasSubstr("<rect class=\"fill-none\" x=\"190\" y=\"44\" width=\"94.5\""));
@@ -99,10 +97,8 @@ TEST(VerdictChart, DividesSpamAndHam) {
 }
 
 TEST(VerdictChart, AFewAmongThousandsStayVisible) {
-    Rules::CorpusFigures figures;
-    figures.m_hamVerdicts = {1, 99999, 0};
-    EXPECT_THAT(verdictChart(caption, figures),
-                HasSubstr("<rect class=\"fill-spam\" x=\"1\" y=\"102\" width=\"1.5\""));
+    EXPECT_THAT(verdictChart(caption, {{"Ham", {1, 99999, 0}}}),
+                HasSubstr("<rect class=\"fill-spam\" x=\"1\" y=\"44\" width=\"1.5\""));
 }
 
 TEST(ReliabilityChart, PutsSpamAgainstConfidence) {

@@ -62,7 +62,7 @@ ComparedMail s_mail() {
     ComparedMail mail;
     mail.m_sorted = sorted.finish();
     mail.m_unsorted = unsorted.finish();
-    mail.m_sortedSamples[{s_vector(0), MailLabel::ham}] = {"h1", "h2", "h3"};
+    mail.m_sortedSamples[{s_vector(0), MailLabel::ham}] = {"h1", "h2", "h3", "h4"};
     mail.m_sortedSamples[{s_vector(0), MailLabel::spam}] = {"s1"};
     mail.m_unsortedSamples[{s_vector(1), MailLabel::ham}] = {"u1"};
     return mail;
@@ -141,11 +141,13 @@ TEST(Difference, TellsCorporaApart) {
     EXPECT_EQ(corpora[2].m_messages, 0U); // nothing of c can be judged
 }
 
-TEST(Difference, KeepsAFewSamplesWithTheirKind) {
+TEST(Difference, KeepsAFewSamplesOfEachKind) {
     auto const groups = compare(s_mail(), s_old, s_new).m_groups;
     ASSERT_EQ(groups[0].m_samples.size(), 1U);
     EXPECT_EQ(groups[0].m_samples[0].m_kind, MailKind::unsorted);
-    EXPECT_EQ(groups[1].m_samples.size(), Difference::maxSamples);
+    ASSERT_EQ(groups[1].m_samples.size(), Difference::maxSamples + 1);
+    EXPECT_EQ(groups[1].m_samples[0].m_source, "h1");
+    EXPECT_EQ(groups[1].m_samples[3].m_source, "s1");
 }
 
 TEST(Difference, JudgesEachVectorOnce) {

@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """The page of `qvrules evaluate --format html` in a real browser."""
 import json
-import os
-import subprocess
 import unittest
 
 import browser
+import mailpages
+from mailpages import DYNAMIC, HOSTILE, SERVER, UNNAMED, message
 
 RULES = """version 1
 elite first also-tree
@@ -16,52 +16,12 @@ tree {
     first_reverse_dynamic == unknown: confidence 0.5 support 20
 }
 """
-DYNAMIC, SERVER, UNNAMED = "1-2-0-192.dyn.example.net", "mail.example.net", "unknown"
-HOSTILE = "<img src onerror>\"& '<!--\u202eabc"
-
-# For each element with text of its own: the contrast of its colour with what lies behind it.
-LEAST_CONTRAST = """
-const luminance = ([r, g, b]) => [r, g, b].map((c) => c / 255)
-  .map((c) => c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
-  .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
-const numbers = (colour) => colour.match(/[\\d.]+/g).map(Number);
-const behind = (element) => {
-  for (let at = element; at; at = at.parentElement) {
-    const colour = numbers(getComputedStyle(at).backgroundColor);
-    if (colour.length < 4 || colour[3] > 0) return colour;
-  }
-  return [255, 255, 255];
-};
-let least = [99, ""];
-for (const element of document.querySelectorAll("body *")) {
-  const text = [...element.childNodes].filter((n) => n.nodeType === 3).map((n) => n.data).join("");
-  if (!text.trim() || element.closest("title, desc, script, .on-fill")) continue;
-  const style = getComputedStyle(element);
-  const ink = luminance(numbers(element.closest("svg") ? style.fill : style.color));
-  const paper = luminance(behind(element));
-  const contrast = (Math.max(ink, paper) + 0.05) / (Math.min(ink, paper) + 0.05);
-  if (contrast < least[0]) least = [contrast, text];
-}
-return least;
-"""
 
 
-def message(reverse, address="192.0.2.7"):
-    return (f"From x@example.org Mon Jan  1 10:00:00 2024\nReceived: from pc.example.net ({reverse} "
-            f"[{address}])\n\tby mx.example.org; Mon, 1 Jan 2024 10:00:00 +0000\n"
-            "From: Ann <ann@example.net>\nMessage-ID: <1@example.net>\n\n")
-
-
-class EvaluationPage(browser.BrowserTest):
+class EvaluationPage(mailpages.MailPageTest):
     def evaluate(self, form, *mail, rules="r.qvr"):
         """The file with a report on `mail`: pairs of an option and [CORPUS=]PATH."""
-        path = self.folder / f"page.{form}"
-        subprocess.run([os.environ["QV_RULES_PROGRAM"], "evaluate", self.write(rules, RULES),
-                        "--dns", "off", "--format", form, "-o", path, *map(str, mail)], check=True)
-        return path
-
-    def mail(self, name, *messages):
-        return self.write(f"{name}.mbox", "".join(messages))
+        return self.report(form, 0, "evaluate", self.write(rules, RULES), *mail)
 
     def many(self):
         spam = self.mail("spam", *[message(DYNAMIC)] * 40, *[message(SERVER)] * 3)
@@ -71,11 +31,6 @@ class EvaluationPage(browser.BrowserTest):
         private = self.mail("private", message(SERVER, "10.0.0.1"))
         return ("--spam", f"site={spam}", "--ham", f"site={ham}", "--ham", f"only ham={ham}",
                 "--spam", f"{HOSTILE}={few}", "--ham", f"private={private}")
-
-    def texts(self, selector):
-        return self.browser.run(
-            "return [...document.querySelectorAll(arguments[0])].map((e) => e.textContent)",
-            selector)
 
     def shown(self):
         return self.browser.run("return [...document.querySelectorAll('.corpus')]"
@@ -92,11 +47,7 @@ class EvaluationPage(browser.BrowserTest):
                 self.picture(f"evaluation-{size[0]}-{scheme}", whole=True)
 
     def test_text_has_contrast(self):
-        page = self.evaluate("html", *self.many())
-        for scheme in ("light", "dark"):
-            self.browser.open(page, scheme=scheme)
-            least, text = self.browser.run(LEAST_CONTRAST)
-            self.assertGreater(least, 4.5, f"{scheme}: {text}")
+        self.assert_contrast(self.evaluate("html", *self.many()))
 
     def test_chosen_corpus_is_shown_alone(self):
         page = self.evaluate("html", *self.many())
@@ -152,12 +103,7 @@ class EvaluationPage(browser.BrowserTest):
 
     def test_drawings_are_named_and_ids_are_unique(self):
         self.browser.open(self.evaluate("html", *self.many()))
-        ids = self.browser.run("return [...document.querySelectorAll('[id]')].map((e) => e.id)")
-        self.assertEqual(len(ids), len(set(ids)))
-        self.assertEqual(self.browser.run(
-            "return [...document.querySelectorAll('svg[role=img]')].flatMap((e) =>"
-            "e.getAttribute('aria-labelledby').split(' '))"
-            ".filter((id) => !document.getElementById(id)?.textContent)"), [])
+        self.assert_named()
 
     def test_keyboard_reaches_what_scrolls(self):
         self.browser.open(self.evaluate("html", *self.many()), browser.PHONE)
