@@ -11,9 +11,6 @@ namespace {
 
 using EliteHits = DeepHeaderAdapter::EliteHits;
 
-// A spam threshold from here on keeps the tree out.
-constexpr double treeOffThreshold = 95.0;
-
 std::string s_ips(DeepHeaderAdapter::MsgProperties const& props) {
     auto ips = props.receivers[0].ip;
     if (!props.receivers[1].ip.empty()) {

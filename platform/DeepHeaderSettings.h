@@ -9,10 +9,13 @@
 
 namespace Quorvane {
 
+// A spam threshold from here on keeps the tree out.
+inline constexpr double treeOffThreshold = 95.0;
+
 struct DeepHeaderSettings {
     // 0: the tree walk stops at the first interior node that is confident enough for spam.
     std::uint8_t walkToLeaf = 1;
-    // Probability of spam (0..1) from which a message is spam; 95.0 or more keeps the tree out.
+    // Probability of spam (0..1) from which a message is spam.
     double spamThreshold = 95.0;
     // Probability of ham (0..1) from which a message is ham.
     double hamThreshold = 95.0;

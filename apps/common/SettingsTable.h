@@ -41,6 +41,8 @@ struct SettingKey {
     std::vector<std::string> (*m_show)(HostSettings const& settings);
     // Empties a list; null for other kinds.
     void (*m_clear)(HostSettings& settings);
+    // It says how rules judge, whatever the mail and the relays are.
+    bool m_isOfRules = false;
 };
 
 std::span<SettingKey const> settingKeys();

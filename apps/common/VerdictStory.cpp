@@ -12,9 +12,6 @@ namespace Quorvane {
 
 namespace {
 
-// From this spam threshold on the engine does not ask the tree.
-constexpr double treeOffThreshold = 95.0;
-
 bool s_has(std::vector<StoryHop> const& trail, HopRole role) {
     return std::any_of(trail.begin(), trail.end(),
                        [role](StoryHop const& hop) { return hop.m_role == role; });

@@ -39,12 +39,13 @@ OptionDoc s_option(RulesApp::ArgumentRow const& row, std::string const& section)
             row.m_isRepeatable};
 }
 
-// Settings that several commands take stand in one section of their own.
-void s_addSettings(CommandDoc& doc) {
-    constexpr char section[] = "How mail is scanned";
+// Settings that several commands take stand in one section of their own; a command that takes only
+// some has them in its own.
+void s_addSettings(CommandDoc& doc, bool areAllTaken) {
+    std::string const section = areAllTaken ? "How mail is scanned" : doc.m_name;
     doc.m_options.push_back({section, "config", "", "FILE", "settings file (TOML)"});
     for (auto const& key : settingKeys()) {
-        if (key.m_name != "root") {
+        if (areAllTaken ? key.m_name != "root" : key.m_isOfRules) {
             doc.m_options.push_back({section, std::string(key.m_name), "",
                                      std::string(key.m_valueName), std::string(key.m_help), false,
                                      key.m_kind == SettingKind::list});
@@ -69,8 +70,8 @@ CommandDoc s_command(RulesApp::CommandRow const& row) {
                                        argument.m_isRequired, argument.m_isRepeatable});
         }
     }
-    if (row.m_takesSettings) {
-        s_addSettings(doc);
+    if (row.m_takesSettings || row.m_takesThresholds) {
+        s_addSettings(doc, row.m_takesSettings);
     }
     if (row.m_takesFacts) {
         s_addFacts(doc);

@@ -5,6 +5,8 @@
 // main() turns into a message and a status.
 #pragma once
 
+#include "apps/qvrules/HostOptions.h"
+
 #include <string>
 
 namespace Quorvane::RulesApp {
@@ -36,7 +38,10 @@ int decompile(DecompileOptions const& options);
 
 struct CheckOptions {
     std::string m_path;
+    // Folder to compare with; empty: none.
+    std::string m_against;
     std::string m_format = "text";
+    GivenSettings m_settings;
 };
 int check(CheckOptions const& options);
 

@@ -13,11 +13,21 @@ using Rules::Finding;
 using Rules::Findings;
 using Rules::LoadedRules;
 using Rules::Position;
+using Severity = Finding::Severity;
 
 char const* s_severity(Finding const& finding) {
-    return finding.m_severity == Finding::Severity::error ? "error" : "warning";
+    switch (finding.m_severity) {
+    case Severity::error:
+        return "error";
+    case Severity::warning:
+        return "warning";
+    case Severity::difference:
+        break;
+    }
+    return "difference";
 }
 
+// Empty for what is about all files together.
 char const* s_fileName(Finding::File file) {
     switch (file) {
     case Finding::File::readme:
@@ -25,9 +35,11 @@ char const* s_fileName(Finding::File file) {
     case Finding::File::tree:
         return treeFileName;
     case Finding::File::elite:
+        return eliteFileName;
+    case Finding::File::all:
         break;
     }
-    return eliteFileName;
+    return "";
 }
 
 template<typename T>
@@ -56,9 +68,11 @@ Position s_position(LoadedRules const& rules, Finding const& finding) {
     case Finding::File::tree:
         return finding.m_number ? s_at(rules.m_places.m_nodes, *finding.m_number) : Position();
     case Finding::File::elite:
+        return s_elitePosition(rules.m_places, finding);
+    case Finding::File::all:
         break;
     }
-    return s_elitePosition(rules.m_places, finding);
+    return {};
 }
 
 // "node 5", "elite rule 3, condition 2"; empty for a whole file.
@@ -73,8 +87,8 @@ std::string s_where(Finding const& finding) {
 }
 
 std::string s_fileOf(std::string const& path, LoadedRules const& rules, Finding const& finding) {
-    return rules.m_isText ? path
-                          : (std::filesystem::path(path) / s_fileName(finding.m_file)).string();
+    std::string const name = s_fileName(finding.m_file);
+    return rules.m_isText || name.empty() ? path : (std::filesystem::path(path) / name).string();
 }
 
 std::string s_line(std::string const& path, LoadedRules const& rules, Finding const& finding) {
@@ -89,7 +103,7 @@ std::string s_line(std::string const& path, LoadedRules const& rules, Finding co
     return text + finding.m_problem + "; " + finding.m_advice + " [" + finding.m_id + "]\n";
 }
 
-std::ptrdiff_t s_count(Findings const& findings, Finding::Severity severity) {
+std::ptrdiff_t s_count(Findings const& findings, Severity severity) {
     return std::count_if(findings.begin(), findings.end(), [severity](Finding const& finding) {
         return finding.m_severity == severity;
     });
@@ -129,28 +143,39 @@ nlohmann::ordered_json s_json(std::string const& path, LoadedRules const& rules,
 
 } // namespace
 
-std::string findingsAsText(std::string const& path, LoadedRules const& rules,
-                           Findings const& findings) {
+std::string findingsAsText(CheckedRules const& checked, Findings const& findings) {
+    auto const& path = checked.m_path;
     std::string text;
     for (auto const& finding : findings) {
-        text += s_line(path, rules, finding);
+        text += s_line(path, checked.m_rules, finding);
     }
+    auto const isCompared = !checked.m_against.empty();
     if (findings.empty()) {
-        return path + ": no findings\n";
+        return path + ": no findings" + (isCompared ? ", the same as " + checked.m_against : "") +
+               '\n';
     }
-    return text + path + ": " + s_amount(s_count(findings, Finding::Severity::error), "error") +
-           ", " + s_amount(s_count(findings, Finding::Severity::warning), "warning") + '\n';
+    text += path + ": " + s_amount(s_count(findings, Severity::error), "error") + ", " +
+            s_amount(s_count(findings, Severity::warning), "warning");
+    if (isCompared) {
+        text += ", " + s_amount(s_count(findings, Severity::difference), "difference") + " from " +
+                checked.m_against;
+    }
+    return text + '\n';
 }
 
-std::string findingsAsJson(std::string const& path, LoadedRules const& rules,
-                           Findings const& findings) {
+std::string findingsAsJson(CheckedRules const& checked, Findings const& findings) {
+    auto const& path = checked.m_path;
     nlohmann::ordered_json json;
     json["path"] = path;
-    json["errors"] = s_count(findings, Finding::Severity::error);
-    json["warnings"] = s_count(findings, Finding::Severity::warning);
+    json["errors"] = s_count(findings, Severity::error);
+    json["warnings"] = s_count(findings, Severity::warning);
+    if (!checked.m_against.empty()) {
+        json["against"] = checked.m_against;
+        json["differences"] = s_count(findings, Severity::difference);
+    }
     json["findings"] = nlohmann::ordered_json::array();
     for (auto const& finding : findings) {
-        json["findings"].push_back(s_json(path, rules, finding));
+        json["findings"].push_back(s_json(path, checked.m_rules, finding));
     }
     // A path is bytes and need not be UTF-8.
     return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';

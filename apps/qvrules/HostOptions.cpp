@@ -32,21 +32,33 @@ CLI::Option* s_add(CLI::App& command, Key const& key, GivenSettings& given) {
         ->type_name(std::string(key.m_valueName));
 }
 
-} // namespace
-
-void addHostOptions(CLI::App& command, GivenSettings& given) {
-    command
+CLI::Option* s_addConfig(CLI::App& command, GivenSettings& given) {
+    return command
         .add_option_function<std::string>(
             "--config", [&given](std::string const& path) { given[configName] = {path}; },
             "settings file (TOML); the command line wins")
-        ->type_name("FILE")
-        ->group("How mail is scanned");
+        ->type_name("FILE");
+}
+
+} // namespace
+
+void addHostOptions(CLI::App& command, GivenSettings& given) {
+    s_addConfig(command, given)->group("How mail is scanned");
     for (auto const& key : settingKeys()) {
         if (key.m_name != rootName) {
             auto* const option = s_add(command, key, given)->group("How mail is scanned");
             if (key.m_kind == SettingKind::list) {
                 option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
             }
+        }
+    }
+}
+
+void addThresholdOptions(CLI::App& command, GivenSettings& given) {
+    s_addConfig(command, given);
+    for (auto const& key : settingKeys()) {
+        if (key.m_isOfRules) {
+            s_add(command, key, given);
         }
     }
 }

@@ -22,6 +22,8 @@ using GivenSettings = std::map<std::string, std::vector<std::string>>;
 
 // Adds --config and the settings. `given` must outlive the parse.
 void addHostOptions(CLI::App& command, GivenSettings& given);
+// Adds --config and those of the settings that say how rules judge.
+void addThresholdOptions(CLI::App& command, GivenSettings& given);
 // Adds what a host knows about a message besides its text.
 void addFactOptions(CLI::App& command, GivenSettings& given);
 

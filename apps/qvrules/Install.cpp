@@ -55,9 +55,9 @@ int install(InstallOptions const& options) {
     }
     auto const rules = Rules::loadRules(options.m_source);
     s_refuseUnloadable(options, rules.m_set);
-    auto const findings = Rules::checkRules(rules.m_set);
+    auto const findings = Rules::checkRules(rules.m_set, programDefaults());
     if (!findings.empty()) {
-        std::cerr << findingsAsText(options.m_source, rules, findings);
+        std::cerr << findingsAsText({options.m_source, rules, ""}, findings);
     }
     if (!options.m_isForced && std::any_of(findings.begin(), findings.end(), s_isError)) {
         std::cerr << "nothing was installed; mend the errors, or add --force\n";

@@ -21,6 +21,7 @@ constexpr ArgumentRow decompileArguments[] = {
 
 constexpr ArgumentRow checkArguments[] = {
     {"PATH", "PATH", "Rule text, or folder with rule files", true},
+    {"--against", "DIR", "Say how the rule files in this folder differ, too"},
     {"--format", "text|json", "text for people, json for programs"},
 };
 
@@ -119,8 +120,12 @@ constexpr auto table = std::to_array<CommandRow>({
      "Example: qvrules decompile /var/spool/etc/antispam -o now.qvr"},
     {"check", "Find what is wrong with rules", checkArguments,
      "Finds what engines refuse or drop, what the walk through the tree gives up\n"
-     "at, and tests and rules that no message can ever satisfy.\n\n"
-     "Example: qvrules check my.qvr --format json"},
+     "at, tests and rules that no message can ever satisfy, rules that others always\n"
+     "keep out, and thresholds at which nothing can be called spam or ham. The\n"
+     "defaults are those of the programs, 0.95; the library's own, 95, never judge.\n\n"
+     "Examples: qvrules check my.qvr --format json\n"
+     "          qvrules check my.qvr --against /var/spool/etc/antispam",
+     false, false, true},
     {"install", "Put rules in force under running hosts", installArguments,
      "The rules go to /var/spool/etc/antispam with a version that grows, so that\n"
      "hosts take them up when they next look. The rules before are kept.\n\n"

@@ -37,6 +37,8 @@ struct CommandRow {
     bool m_takesSettings = false;
     // It also takes the facts of apps/common/FactsTable.h.
     bool m_takesFacts = false;
+    // It takes --config, and of the settings only those that say how rules judge.
+    bool m_takesThresholds = false;
 };
 
 // Options that need no command; the first is taken after every command too.

@@ -75,9 +75,14 @@ class Command {
         return *this;
     }
 
-    // The settings that say how mail is scanned, and the facts where the command takes them.
+    // The settings and facts that the command takes.
     Command& tieSettings(GivenSettings Options::*member) {
-        addHostOptions(*m_command, (*m_options).*member);
+        if (m_row.m_takesSettings) {
+            addHostOptions(*m_command, (*m_options).*member);
+        }
+        if (m_row.m_takesThresholds) {
+            addThresholdOptions(*m_command, (*m_options).*member);
+        }
         if (m_row.m_takesFacts) {
             addFactOptions(*m_command, (*m_options).*member);
         }
@@ -111,7 +116,9 @@ void s_addFileCommands(CLI::App& app, Action& action) {
         .tie("-o,--output", &DecompileOptions::m_source);
     Command(app, action, "check", check)
         .tie("PATH", &CheckOptions::m_path)
-        .tie("--format", &CheckOptions::m_format);
+        .tie("--against", &CheckOptions::m_against)
+        .tie("--format", &CheckOptions::m_format)
+        .tieSettings(&CheckOptions::m_settings);
     Command(app, action, "install", install)
         .tie("PATH", &InstallOptions::m_source)
         .tie("--root", &InstallOptions::m_root)

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/DeepHeaderSettings.h"
 #include "rules/check/Checks.h"
 #include "rules/check/PossibleValues.h"
 #include "rules/format/ValueWords.h"
@@ -15,16 +14,14 @@ namespace {
 
 using Severity = Finding::Severity;
 
-constexpr DeepHeaderSettings defaultSettings;
-
 std::string s_text(EliteCondition const& condition) {
     return '"' + conditionText(condition.attribute, condition.test, condition.value) + '"';
 }
 
 class EliteChecker {
   public:
-    EliteChecker(EliteFile const& elite, Findings& findings)
-        : m_elite(elite), m_findings(findings) {}
+    EliteChecker(EliteFile const& elite, DeepHeaderSettings const& settings, Findings& findings)
+        : m_elite(elite), m_settings(settings), m_findings(findings) {}
 
     void run() {
         if (!m_elite.m_header) {
@@ -99,12 +96,12 @@ class EliteChecker {
                 "leave the flag out");
         }
         kind(rule);
-        if (rule.level > defaultSettings.maxEliteLevel) {
+        if (rule.level > m_settings.maxEliteLevel) {
             add(Severity::warning, "elite-level",
-                "level " + std::to_string(rule.level) + " is above the default limit of " +
-                    std::to_string(defaultSettings.maxEliteLevel) +
-                    ", so most hosts leave the rule out",
-                "lower the level, or raise max-elite-level on every host");
+                "level " + std::to_string(rule.level) + " is above the limit of " +
+                    std::to_string(m_settings.maxEliteLevel) +
+                    " (max-elite-level), so the rule never fires",
+                "lower the level, or raise the limit on every host");
         }
         conditions(rule);
     }
@@ -141,10 +138,10 @@ class EliteChecker {
                 "a confidence of " + numberText(rule.weight) + " is no probability",
                 "use a number from 0 to 1");
         }
-        if (!(rule.support >= defaultSettings.minSupport)) {
+        if (!(rule.support >= m_settings.minSupport)) {
             add(Severity::warning, "elite-support",
-                "a support of " + numberText(rule.support) + " is below the default minimum of " +
-                    numberText(defaultSettings.minSupport) + ", so most hosts never let it decide",
+                "a support of " + numberText(rule.support) + " is below the minimum of " +
+                    numberText(m_settings.minSupport) + " (min-support), so the rule never fires",
                 "use the percentage of messages that the rule matches, or leave it out");
         } else if (rule.support > 100.0) {
             add(Severity::warning, "elite-support",
@@ -197,6 +194,7 @@ class EliteChecker {
     }
 
     EliteFile const& m_elite;
+    DeepHeaderSettings const& m_settings;
     Findings& m_findings;
     std::int32_t m_rule = 0;
     std::optional<std::int32_t> m_condition;
@@ -204,8 +202,8 @@ class EliteChecker {
 
 } // namespace
 
-void checkElite(EliteFile const& elite, Findings& findings) {
-    EliteChecker(elite, findings).run();
+void checkElite(EliteFile const& elite, DeepHeaderSettings const& settings, Findings& findings) {
+    EliteChecker(elite, settings, findings).run();
 }
 
 } // namespace Quorvane::Rules

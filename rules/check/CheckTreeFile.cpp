@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/DeepHeaderSettings.h"
 #include "rules/check/Checks.h"
 #include "rules/language/Literals.h"
 
@@ -11,11 +10,10 @@ namespace {
 
 using Severity = Finding::Severity;
 
-constexpr DeepHeaderSettings defaultSettings;
-
 class TreeFileChecker {
   public:
-    TreeFileChecker(RuleSet const& set, Findings& findings) : m_set(set), m_findings(findings) {}
+    TreeFileChecker(RuleSet const& set, DeepHeaderSettings const& settings, Findings& findings)
+        : m_set(set), m_settings(settings), m_findings(findings) {}
 
     void run() {
         file();
@@ -87,11 +85,11 @@ class TreeFileChecker {
             add(Severity::warning, "node-support", m_number,
                 "a support of " + numberText(node.support) + " is no percentage",
                 "use a number from 0 to 100");
-        } else if (!(node.support >= defaultSettings.minSupport)) {
+        } else if (!(node.support >= m_settings.minSupport)) {
             add(Severity::warning, "node-support", m_number,
-                "a support of " + numberText(node.support) + " is below the default minimum of " +
-                    numberText(defaultSettings.minSupport) +
-                    ", so with default settings the walk stays at the parent",
+                "a support of " + numberText(node.support) + " is below the minimum of " +
+                    numberText(m_settings.minSupport) +
+                    " (min-support), so the walk stays at the parent",
                 "remove the node, or use the percentage of messages that reach it");
         }
     }
@@ -108,14 +106,15 @@ class TreeFileChecker {
     }
 
     RuleSet const& m_set;
+    DeepHeaderSettings const& m_settings;
     Findings& m_findings;
     std::int32_t m_number = 0;
 };
 
 } // namespace
 
-void checkTreeFile(RuleSet const& set, Findings& findings) {
-    TreeFileChecker(set, findings).run();
+void checkTreeFile(RuleSet const& set, DeepHeaderSettings const& settings, Findings& findings) {
+    TreeFileChecker(set, settings, findings).run();
 }
 
 } // namespace Quorvane::Rules

@@ -2,19 +2,8 @@
 #include "rules/check/Checker.h"
 
 #include "rules/check/Checks.h"
-#include "rules/model/Binary.h"
-
-#include <algorithm>
-#include <cstring>
 
 namespace Quorvane::Rules {
-
-NodeTable loadedTable(RuleSet const& set) {
-    NodeTable table{};
-    auto const bytes = writeTree(set);
-    std::memcpy(table.data(), bytes.data(), std::min(bytes.size(), sizeof table));
-    return table;
-}
 
 void checkReadme(RuleSet const& set, Findings& findings) {
     auto const add = [&findings](char const* id, std::string const& problem, char const* advice) {
@@ -35,20 +24,46 @@ void checkReadme(RuleSet const& set, Findings& findings) {
     }
 }
 
-Findings checkRules(RuleSet const& set) {
+void checkTreeRoot(TreeLinks const& tree, DeepHeaderSettings const& settings,
+                   TreeFindings& findings) {
+    auto const& node = tree.at(treeRoot);
+    if (node.isLeaf != 0) {
+        findings.add(Finding::Severity::warning, "root-leaf", treeRoot,
+                     "the root is a leaf, and the root decides nothing", "give the root children");
+    } else if (node.confidence >= settings.spamThreshold) {
+        findings.add(Finding::Severity::warning, "root-confidence", treeRoot,
+                     "the root is sure enough to end the walk when walk-to-leaf is off, and the "
+                     "root decides nothing",
+                     "give the root the confidence 0.5");
+    }
+}
+
+Findings checkRules(RuleSet const& set, DeepHeaderSettings const& settings) {
     Findings findings;
     checkReadme(set, findings);
+    auto const run = eliteRun(set, settings);
     if (set.m_elite) {
-        checkElite(*set.m_elite, findings);
+        checkElite(*set.m_elite, settings, findings);
+        checkEliteShadows(run, findings);
     }
-    checkTreeFile(set, findings);
-    checkTreeWalk(set, findings);
+    checkTreeFile(set, settings, findings);
+    TreeLinks const tree(set);
+    if (tree.hasRoot()) {
+        TreeFindings found;
+        checkTreeRoot(tree, settings, found);
+        checkTreeLinks(tree, found);
+        checkTreePaths(tree, found);
+        found.moveTo(findings);
+    }
+    if (!loadProblem(set)) {
+        checkVerdicts(tree, run, settings, findings);
+    }
     return findings;
 }
 
 std::optional<std::string> loadProblem(RuleSet const& set) {
     Findings findings;
-    checkTreeFile(set, findings);
+    checkTreeFile(set, DeepHeaderSettings(), findings);
     for (auto const& finding : findings) {
         if (finding.m_severity == Finding::Severity::error) {
             return finding.m_problem;

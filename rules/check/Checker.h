@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The checker: everything in a rule set that a loader would reject or drop, that the tree walk has
-// to guard against, or that can never do anything for any message.
+// to guard against, or that can never do anything for any message; and whether a host with given
+// settings can get a verdict out of it at all.
 //
 // It reasons with the attribute table: a test holds only for values that the engine can write, and
 // attributes are taken as independent of one another, so it never calls a test impossible that a
 // message could pass.
 #pragma once
 
+#include "platform/DeepHeaderSettings.h"
 #include "rules/check/Finding.h"
 #include "rules/model/RuleSet.h"
 
 namespace Quorvane::Rules {
 
-// All findings: README, elite rules in their order, then the tree by node.
-Findings checkRules(RuleSet const& set);
+// All findings: README, elite rules in their order, the tree by node, then the set as a whole.
+// `settings` are those of the hosts that are to use it, on the scale of the rules (0..1).
+Findings checkRules(RuleSet const& set, DeepHeaderSettings const& settings);
 
 // Whether a host can load the set; the reason when not.
 std::optional<std::string> loadProblem(RuleSet const& set);

@@ -16,9 +16,11 @@ struct Finding {
         error,
         // It loads, and does not do what it seems to say.
         warning,
+        // The rule files in use say something else than the rules.
+        difference,
     };
-    // Which of the three files.
-    enum class File { readme, tree, elite };
+    // Which of the three files, or all of them together.
+    enum class File { readme, tree, elite, all };
 
     Severity m_severity;
     // A short name that scripts can rely on.

@@ -14,24 +14,6 @@ bool s_holds(EliteCondition const& test, std::int32_t value) {
     return (value == test.value) == (test.test == equals);
 }
 
-bool s_allHold(std::vector<EliteCondition> const& tests, std::int32_t value) {
-    return std::all_of(tests.begin(), tests.end(),
-                       [value](EliteCondition const& test) { return s_holds(test, value); });
-}
-
-// Whether one of `values` passes all of `tests`, which are about one attribute.
-bool s_isPossible(std::vector<EliteCondition> const& tests, AttributeValues const& values) {
-    auto const fixed = std::find_if(tests.begin(), tests.end(),
-                                    [](EliteCondition const& test) { return test.test == equals; });
-    if (fixed != tests.end()) {
-        return values.contains(fixed->value) && s_allHold(tests, fixed->value);
-    }
-    // A counter or an open attribute has more values than tests can exclude.
-    return values.m_isCounter || values.m_isOpen ||
-           std::any_of(values.m_codes.begin(), values.m_codes.end(),
-                       [&tests](std::int32_t code) { return s_allHold(tests, code); });
-}
-
 EliteCondition s_plain(EliteCondition const& test, bool holds) {
     auto const isEquality = (test.test == equals) == holds;
     return {test.attribute, isEquality ? equals : differs, test.value};
@@ -43,17 +25,34 @@ bool PossibleValues::admits(EliteCondition const& test) const {
     if (m_isNobody) {
         return false;
     }
-    std::vector<EliteCondition> tests{s_plain(test, true)};
-    std::copy_if(
-        m_tests.begin(), m_tests.end(), std::back_inserter(tests),
-        [&test](EliteCondition const& other) { return other.attribute == test.attribute; });
-    return s_isPossible(tests,
-                        attributeTable.at(static_cast<std::size_t>(test.attribute)).m_values);
+    auto const plain = s_plain(test, true);
+    auto const isEquality = [&plain](EliteCondition const& other) {
+        return other.attribute == plain.attribute && other.test == equals;
+    };
+    auto const allHold = [this, &plain](std::int32_t value) {
+        return s_holds(plain, value) &&
+               std::all_of(m_tests.begin(), m_tests.end(), [&](EliteCondition const& other) {
+                   return other.attribute != plain.attribute || s_holds(other, value);
+               });
+    };
+    auto const& values = attributeTable.at(static_cast<std::size_t>(plain.attribute)).m_values;
+    auto const fixed = std::find_if(m_tests.begin(), m_tests.end(), isEquality);
+    if (isEquality(plain) || fixed != m_tests.end()) {
+        auto const value = isEquality(plain) ? plain.value : fixed->value;
+        return values.contains(value) && allHold(value);
+    }
+    // A counter or an open attribute has more values than tests can exclude.
+    return values.m_isCounter || values.m_isOpen ||
+           std::any_of(values.m_codes.begin(), values.m_codes.end(), allHold);
+}
+
+bool PossibleValues::implies(EliteCondition const& test) const {
+    return !admits(s_plain(test, false));
 }
 
 void PossibleValues::assume(EliteCondition const& test, bool holds) {
     auto const plain = s_plain(test, holds);
-    m_isNobody = m_isNobody || !admits(plain);
+    m_isNobody = !admits(plain);
     m_tests.push_back(plain);
 }
 

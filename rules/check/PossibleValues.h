@@ -14,8 +14,12 @@ namespace Quorvane::Rules {
 class PossibleValues {
   public:
     // Whether some message passes all tests so far and this one too.
-    // REQUIRES: test.attribute is 0..37.
+    // REQUIRES: test.attribute is 0..37, here and below.
     bool admits(EliteCondition const& test) const;
+    // Whether every message that passes all tests so far passes this one.
+    bool implies(EliteCondition const& test) const;
+    // Whether no message passes all tests so far.
+    bool isNobody() const { return m_isNobody; }
     // Goes on with the messages that pass the test, or with those that do not.
     void assume(EliteCondition const& test, bool holds = true);
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/common/HostSettings.h"
 #include "rules/check/Checker.h"
 #include "rules/language/LoadRules.h"
 #include "rules/learn/LearnSettings.h"
@@ -11,7 +12,7 @@ namespace Quorvane::Rules {
 namespace {
 
 TEST(DefaultRulesTest, TheyHaveNothingToFind) {
-    auto const findings = checkRules(loadRules(QV_DEFAULT_TEXT).m_set);
+    auto const findings = checkRules(loadRules(QV_DEFAULT_TEXT).m_set, programDefaults());
     for (auto const& finding : findings) {
         ADD_FAILURE() << finding.m_problem;
     }

@@ -2,6 +2,7 @@
 //
 // What the documentation shows is so: its rule texts compile and have nothing to find, and its
 // transcripts replay. QV_APPROVE=1 records the transcripts anew, for review.
+#include "apps/common/HostSettings.h"
 #include "rules/check/Checker.h"
 #include "rules/language/Compiler.h"
 #include "Transcript.h"
@@ -59,7 +60,7 @@ TEST_P(DocumentationTest, RuleTextsCompileAndHaveNothingToFind) {
     for (auto const& block : s_blocks(m_text, "qvr")) {
         auto const compiled = Rules::compileRules(block.m_text);
         EXPECT_EQ(Rules::showErrors(m_page, block.m_text, compiled.m_errors), "");
-        EXPECT_TRUE(Rules::checkRules(compiled.m_set).empty());
+        EXPECT_TRUE(Rules::checkRules(compiled.m_set, programDefaults()).empty());
     }
 }
 

@@ -35,7 +35,7 @@ RC_GTEST_PROP(HostileTextTest, CompilingEndsWithErrorsOrWithASetThatCanBePrinted
     auto const compiled = Rules::compileRules({exact.data(), exact.size()});
     Rules::showErrors("text", text, compiled.m_errors);
     if (compiled.m_errors.empty()) {
-        Rules::checkRules(compiled.m_set);
+        Rules::checkRules(compiled.m_set, DeepHeaderSettings());
         auto const again = Rules::compileRules(Rules::ruleText(compiled.m_set));
         RC_ASSERT(again.m_errors.empty());
     }

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Which elite rules keep another from ever being used.
+//
+// The engine runs the list and holds one deciding rule at a time. A rule that matches while another
+// is held replaces it or not, which depends on the select mode and the confidences; a held rule
+// with code 0 counts as none and is always replaced. So for each pair of rules there is an answer
+// to "when both match, can this one be the one that is used in the end?", and a rule is shadowed
+// when each of its messages matches a rule to which the answer is no.
+#include "rules/check/EliteRun.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Quorvane::Rules {
+
+namespace {
+
+// Whether `next` replaces `held`, whose code is not 0.
+bool s_replaces(std::int32_t selectMode, LiveRule const& next, LiveRule const& held) {
+    switch (selectMode) {
+    case SelectMode::last:
+        return true;
+    case SelectMode::highest:
+        return next.m_weight > held.m_weight;
+    case SelectMode::lowest:
+        return next.m_weight < held.m_weight;
+    default:
+        return false;
+    }
+}
+
+// Looks for a message that matches none of a list of rules, by taking the rules one after the other
+// and following each way to miss them.
+class Coverage {
+  public:
+    // `looksLeft` is how often a rule may still be looked at.
+    Coverage(std::vector<LiveRule const*> rules, std::size_t& looksLeft)
+        : m_rules(std::move(rules)), m_looksLeft(looksLeft) {}
+
+    // Whether each message of `values` matches one of the rules from the given one on. False also
+    // when that takes too long to find out.
+    bool covers(PossibleValues const& values, std::size_t from = 0) {
+        from = nextThatMeets(values, from);
+        if (from == m_rules.size() || ++m_branches > maxBranches) {
+            return false;
+        }
+        auto inside = values;
+        for (auto const& condition : m_rules[from]->m_conditions) {
+            auto outside = inside;
+            outside.assume(condition, false);
+            if (!outside.isNobody() && !covers(outside, from + 1)) {
+                return false;
+            }
+            inside.assume(condition);
+        }
+        return true;
+    }
+
+  private:
+    // The ways to miss many rules multiply; rules that people write need a handful.
+    static constexpr int maxBranches = 500;
+
+    std::size_t nextThatMeets(PossibleValues const& values, std::size_t from) {
+        for (; from < m_rules.size(); ++from) {
+            if (m_looksLeft == 0) {
+                return m_rules.size();
+            }
+            --m_looksLeft;
+            if (m_rules[from]->doesMeet(values)) {
+                break;
+            }
+        }
+        return from;
+    }
+
+    std::vector<LiveRule const*> m_rules;
+    std::size_t& m_looksLeft;
+    int m_branches = 0;
+};
+
+class ShadowFinder {
+  public:
+    explicit ShadowFinder(EliteRun& run) : m_run(run) {
+        for (auto const& rule : run.m_rules) {
+            m_resetsBefore.push_back(m_resets);
+            m_resets += rule.m_isDeciding && rule.m_code == 0 ? 1 : 0;
+        }
+    }
+
+    void run() {
+        for (std::size_t index = 0; index < m_run.m_rules.size(); ++index) {
+            m_run.m_rules[index].m_shadows = shadowsOf(index);
+        }
+    }
+
+  private:
+    // Every pair of 2,000 rules, in about a second. What was not looked at is not reported.
+    static constexpr std::size_t maxLooks = 2'000'000;
+
+    std::vector<std::int32_t> shadowsOf(std::size_t index) {
+        auto const& rule = m_run.m_rules[index];
+        std::vector<LiveRule const*> rivals;
+        for (std::size_t other = 0; other < m_run.m_rules.size() && m_looksLeft > 0; ++other) {
+            if (!keepsOut(other, index)) {
+                continue;
+            }
+            --m_looksLeft;
+            if (m_run.m_rules[other].covers(rule.m_matches)) {
+                return {m_run.m_rules[other].m_number};
+            }
+            rivals.push_back(&m_run.m_rules[other]);
+        }
+        return fewest(rule, std::move(rivals));
+    }
+
+    // Those of `rivals` without which there would be a message left; none when there is one anyway.
+    std::vector<std::int32_t> fewest(LiveRule const& rule, std::vector<LiveRule const*> rivals) {
+        if (!Coverage(rivals, m_looksLeft).covers(rule.m_matches)) {
+            return {};
+        }
+        for (auto i = rivals.size(); i > 0; --i) {
+            auto others = rivals;
+            others.erase(others.begin() + static_cast<std::ptrdiff_t>(i) - 1);
+            if (Coverage(others, m_looksLeft).covers(rule.m_matches)) {
+                rivals = std::move(others);
+            }
+        }
+        std::vector<std::int32_t> numbers;
+        for (auto const* const rival : rivals) {
+            numbers.push_back(rival->m_number);
+        }
+        return numbers;
+    }
+
+    // Whether rules[index] is never used for a message that rules[other] matches as well.
+    bool keepsOut(std::size_t other, std::size_t index) const {
+        auto const& rule = m_run.m_rules[index];
+        auto const& rival = m_run.m_rules[other];
+        if (!rival.m_isDeciding || other == index) {
+            return false;
+        }
+        if (m_run.m_selectMode == SelectMode::first) {
+            return other < index;
+        }
+        if (!rule.m_isDeciding) {
+            return false;
+        }
+        if (other < index) {
+            return !s_replaces(m_run.m_selectMode, rule, rival) && isStillHeld(other, index);
+        }
+        return rule.m_code == 0 || s_replaces(m_run.m_selectMode, rival, rule);
+    }
+
+    // Whether the run is sure to hold rules[earlier] or one that is not easier to replace when it
+    // comes to rules[later]. A rule with code 0 between the two would give way to anything, and a
+    // confidence that is no number compares with nothing.
+    bool isStillHeld(std::size_t earlier, std::size_t later) const {
+        auto const& held = m_run.m_rules[earlier];
+        return held.m_code != 0 && !std::isnan(held.m_weight) &&
+               m_resetsBefore[earlier] == m_resetsBefore[later];
+    }
+
+    EliteRun& m_run;
+    // How many rules with code 0 stand before each rule.
+    std::vector<int> m_resetsBefore;
+    int m_resets = 0;
+    std::size_t m_looksLeft = maxLooks;
+};
+
+} // namespace
+
+void findShadows(EliteRun& run) {
+    ShadowFinder(run).run();
+}
+
+} // namespace Quorvane::Rules
