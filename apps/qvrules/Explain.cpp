@@ -5,6 +5,7 @@
 #include "apps/common/TextExplain.h"
 #include "apps/common/TextRecord.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
 #include "apps/workshop/RuleEngine.h"
@@ -37,9 +38,9 @@ class Explainer {
     void print(std::string const& source, ScanOutcome outcome,
                std::vector<StoryHop> const& trail) const {
         m_host.trace(outcome);
-        std::cout << (m_isJson ? explanationJson(source, m_host, outcome, trail)
-                               : textRecord(source, outcome, false) +
-                                     textExplain(m_host, outcome, trail));
+        writeOutput("-", m_isJson ? explanationJson(source, m_host, outcome, trail)
+                                  : textRecord(source, outcome, false) +
+                                        textExplain(m_host, outcome, trail));
     }
 
     bool m_isJson;

@@ -15,7 +15,8 @@ void writeOutput(std::string const& path, std::string const& text) {
     }
     std::cout << text << std::flush;
     if (!std::cout) {
-        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite, "standard output");
+        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
+                               "standard output: cannot be written");
     }
 }
 

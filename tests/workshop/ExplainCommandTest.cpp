@@ -166,6 +166,14 @@ TEST_F(ExplainCommand, HostileNamesSteerNoTerminal) {
     EXPECT_THAT(text, HasSubstr("announced, a\\x1B2jb{value}.example, "));
 }
 
+TEST_F(ExplainCommand, SaysWhenItCannotWrite) {
+    auto const result =
+        runProgram("/bin/sh", {"-c", std::string(QV_RULES_PROGRAM) + " explain " + m_rules +
+                                         " chain_broken=yes > /dev/full"});
+    EXPECT_EQ(result.m_status, 73);
+    EXPECT_THAT(result.m_errors, HasSubstr("standard output"));
+}
+
 TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
     struct {
         Arguments m_arguments;
