@@ -99,7 +99,7 @@ std::string comparisonSection(Rules::Evaluation const& evaluation) {
     return "<section aria-labelledby=\"comparison\">\n"
            "<h2 id=\"comparison\">The corpora side by side</h2>\n"
            "<p>Confidences do not carry over from one site to another, so each corpus stands for "
-           "itself. Whiskers are 95 % intervals (Wilson).</p>\n" +
+           "itself. Whiskers are 95&nbsp;% intervals (Wilson).</p>\n" +
            table.html() + "<div class=\"figures\">\n" + figures + "</div>\n</section>\n";
 }
 

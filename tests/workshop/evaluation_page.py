@@ -66,6 +66,9 @@ class EvaluationPage(mailpages.MailPageTest):
         self.browser.open(self.evaluate("html", *self.many()))
         self.browser.command("Emulation.setEmulatedMedia", media="print")
         self.assertEqual(len(self.shown()), 5)
+        self.browser.size = (718, 1000)  # A4 without its margins
+        self.browser.set_screen(*self.browser.size)
+        self.assert_fits()
 
     def test_tells_everything_without_scripts(self):
         page = self.evaluate("html", *self.many())
