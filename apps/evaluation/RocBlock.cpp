@@ -49,8 +49,8 @@ std::string s_figures(Rules::CorpusFigures const& figures, std::string const& id
                "Caught with at most so much ham called spam; shaded: less than one message.",
                chart("-roc-log", "ROC curve, logarithmic", Charts::Scale::Kind::logarithmic)),
         figure("The whole curve.",
-               "The area under it is " + Rules::fixedText(figures.m_roc.area(), 4) +
-                   ": so likely does a spam score above a ham.",
+               "The area under it, " + Rules::fixedText(figures.m_roc.area(), 4) +
+                   ", is the probability that a spam scores above a ham.",
                chart("-roc", "ROC curve", Charts::Scale::Kind::linear)));
 }
 
