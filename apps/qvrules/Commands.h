@@ -7,6 +7,7 @@
 
 #include "apps/qvrules/HostOptions.h"
 
+#include <stdexcept>
 #include <string>
 
 namespace Quorvane::RulesApp {
@@ -22,6 +23,11 @@ inline constexpr int cannotWrite = 73;
 inline constexpr int badRules = 78;
 inline constexpr int interrupted = 128; // and the number of the signal, as shells report it
 } // namespace ExitStatus
+
+// An option whose value makes no sense.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 struct CompileOptions {
     std::string m_source;

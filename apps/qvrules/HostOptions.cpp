@@ -4,6 +4,7 @@
 #include "apps/common/FactsTable.h"
 #include "apps/common/SettingsFile.h"
 #include "apps/common/SettingsStore.h"
+#include "apps/qvrules/Commands.h"
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
@@ -70,20 +71,24 @@ void addFactOptions(CLI::App& command, GivenSettings& given) {
 }
 
 HostSettings hostSettings(GivenSettings const& given) {
-    try {
-        SettingsStore store;
-        if (auto const config = given.find(configName); config != given.end()) {
+    SettingsStore store;
+    if (auto const config = given.find(configName); config != given.end()) {
+        try {
             loadSettingsFile(config->second.front(), store);
+        } catch (SettingsError const& error) {
+            throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
         }
-        for (auto const& [name, texts] : given) {
-            if (auto const* const key = findSetting(name)) {
+    }
+    for (auto const& [name, texts] : given) {
+        if (auto const* const key = findSetting(name)) {
+            try {
                 store.set(*key, texts, "command line");
+            } catch (SettingsError const& error) {
+                throw UsageError(std::string("--") + error.what());
             }
         }
-        return store.values();
-    } catch (SettingsError const& error) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
     }
+    return store.values();
 }
 
 MessageFacts messageFacts(GivenSettings const& given) {
@@ -93,8 +98,7 @@ MessageFacts messageFacts(GivenSettings const& given) {
             try {
                 key->m_assign(facts, texts.front());
             } catch (SettingsError const& error) {
-                throw Rules::RuleError(Rules::RuleError::Kind::badRules,
-                                       "--" + name + ": " + error.what());
+                throw UsageError("--" + name + ": " + error.what());
             }
         }
     }

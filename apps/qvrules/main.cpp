@@ -255,6 +255,9 @@ int s_guardedRun(int argc, char** argv) {
     } catch (Rules::RuleError const& error) {
         s_complain(error.what());
         return s_status(error.kind());
+    } catch (UsageError const& error) {
+        s_complain(std::string("qvrules: ") + error.what() + "; --help shows the options");
+        return ExitStatus::usage;
     } catch (Workshop::ScanInterrupted const& interrupted) {
         return ExitStatus::interrupted + interrupted.m_signal;
     } catch (std::exception const& error) {

@@ -22,7 +22,6 @@ using Arguments = std::vector<std::string>;
 constexpr int badData = 65;
 constexpr int usage = 64;
 constexpr int noInput = 66;
-constexpr int badSettings = 78;
 
 std::string s_message(std::string const& helo, std::string const& reverse, int host) {
     return "Received: from " + helo + " (" + reverse + " [192.0.2." + std::to_string(host) +
@@ -203,7 +202,7 @@ TEST_F(LearnCommand, SaysWhatIsWrongWithTheInput) {
         {{"--ham", ham, "-o", out, "--prune", "some"}, badData, "'some'"},
         {{"--ham", ham, "-o", out, "--exclude", "nothing"}, badData, "'nothing'"},
         {{"--ham", ham, "-o", out, "--max-nodes", "498"}, badData, "497"},
-        {{"--ham", ham, "-o", out, "--trusted-mta", "x"}, badSettings, "trusted-mta"},
+        {{"--ham", ham, "-o", out, "--trusted-mta", "x"}, usage, "trusted-mta"},
         {{"--ham", ham, "-o", out, "--with", noMail}, badData, "no.eml"},
     };
     for (auto const& one : cases) {
