@@ -63,6 +63,7 @@ struct PageServer::Server {
         : m_page(std::move(page)), m_explain(std::move(explain)) {
         m_http.set_socket_options(s_setOptions);
         m_http.set_payload_max_length(maxPostedMessage);
+        m_http.set_keep_alive_timeout(1); // seconds; the end waits for idle connections
         m_port = port == 0                            ? m_http.bind_to_any_port(ownHost)
                  : m_http.bind_to_port(ownHost, port) ? port
                                                       : -1;

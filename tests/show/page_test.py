@@ -207,6 +207,30 @@ class Page(showpage.ShowPageTest):
         self.wait_for(lambda: self.answer()["verdict"] == "Spam")
         self.assertEqual(self.answer()["path"][:2], [2, 6])
 
+    def test_offers_messages_that_it_was_made_with(self):
+        self.open("--message", showpage.EXAMPLES / "zimbra.eml", "--message", showpage.EXAMPLES /
+                  "no-received-header.eml", "--dns-data", showpage.EXAMPLES / "dns.zone")
+        self.assertEqual(self.answer()["text"], "")
+        for index, text in (("0", "Decided by node 16"), ("1", "no public hop")):
+            self.browser.run("const list = document.getElementById('message');"
+                             "list.value = arguments[0]; list.dispatchEvent(new Event('change'))",
+                             index)
+            self.assertIn(text, self.answer()["text"])
+
+    def test_shows_measured_traffic_beside_that_of_the_training(self):
+        self.open("--on", showpage.EXAMPLES, "--dns-data", showpage.EXAMPLES / "dns.zone")
+        self.browser.find("#open-all").click()
+        paths = [record["explain"]["tree"]["path"] for record in showpage.records()]
+        rules = [record["node"] for record in showpage.records()]
+        judged = [path for path, node in zip(paths, rules) if path or node]
+        for node in (2, 13, 16):
+            share = 100 * sum(node in path for path in judged) / len(judged)
+            told = self.browser.find(f"#node-{node} .figures").text
+            self.assertIn(f"{share:.3g} % of the measured mail", told)
+            self.assertIn("of the training mail", told)
+        fired = 100 * rules.count(9001) / len(judged)
+        self.assertIn(f"{fired:.3g} %", self.browser.find("#elite tr[data-code='9001']").text)
+
     # --- hostile input ---
 
     def test_shows_names_as_text(self):
