@@ -76,6 +76,13 @@ std::string s_trial(PageExtras const& extras) {
            "<div id=\"answer\" role=\"status\" aria-live=\"polite\"></div></div>\n</section>\n";
 }
 
+std::string s_jumps(ShownRules const& rules) {
+    return std::string("<nav class=\"jumps no-print\" aria-label=\"Parts of the page\">") +
+           (rules.m_loadProblem ? ""
+                                : "<a class=\"scripted-only\" href=\"#try\">Try a message</a>") +
+           "<a href=\"#rules\">Elite rules</a><a href=\"#nodes\">The tree</a></nav>\n";
+}
+
 std::string s_problem(ShownRules const& rules) {
     return rules.m_loadProblem
                ? "<div class=\"panel problem-box\">No host would load these rules: " +
@@ -141,11 +148,11 @@ std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
     document.m_asksOrigin = extras.m_isServed;
     document.m_body = "<header class=\"top\">\n<h1>Rules</h1>\n<p class=\"muted\">" +
                       Page::isolated(rules.m_name) + "</p>\n" + s_facts(drawing) +
-                      s_problem(rules) + "</header>\n<main>\n" +
+                      s_problem(rules) + s_jumps(rules) + "</header>\n<main>\n" +
                       (rules.m_loadProblem ? "" : s_trial(extras)) +
-                      "<section>\n<h2>Elite rules</h2>\n" + pageEliteTable(drawing) +
-                      "</section>\n<section>\n<h2>The tree</h2>\n" + s_legend(drawing) +
-                      s_controls() + pageTree(drawing) + s_unreached(rules) +
+                      "<section>\n<h2 id=\"rules\">Elite rules</h2>\n" + pageEliteTable(drawing) +
+                      "</section>\n<section>\n<h2 id=\"nodes\">The tree</h2>\n" +
+                      s_legend(drawing) + s_controls() + pageTree(drawing) + s_unreached(rules) +
                       "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
                       "page loads nothing and sends nothing" +
                       (extras.m_isServed ? " but messages to the program that serves it" : "") +

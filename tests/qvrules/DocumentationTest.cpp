@@ -81,7 +81,7 @@ TEST_P(DocumentationTest, TranscriptsReplay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, DocumentationTest,
-                         testing::Values("testing-rules", "writing-rules"));
+                         testing::Values("seeing-rules", "testing-rules", "writing-rules"));
 
 TEST(RuleTexts, AreShownInTheDocumentation) {
     EXPECT_FALSE(s_blocks(s_content(QV_DOCS "/writing-rules.md"), "qvr").empty());

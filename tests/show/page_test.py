@@ -187,7 +187,8 @@ class Page(showpage.ShowPageTest):
         self.open()
         for text, complaint in (
                 ("", "nothing here"), ("first_helo=yes", "no attribute"),
-                ("first_forged=maybe", "cannot be"), ("{\"a\": ", "no JSON"),
+                ("first_forged=maybe", "cannot be"),
+                ("first_forged=1,first_forged=0", "given twice"), ("{\"a\": ", "no JSON"),
                 ("{\"source\": \"x\"}", "--explain"), ("source,a\nx,1", "names no column"),
                 ("{\"explain\": {\"attributes\": [1, 2]}}", "38 whole numbers"),
                 ("source,\"a", "quotation mark"),

@@ -131,6 +131,7 @@ const QvReader = (() => {
   // What is not named keeps the value that it has before a scan.
   function fromNames(text, facts) {
     const attributes = facts.map(({start}) => start);
+    const named = new Set();
     for (const pair of text.split(/[\s,;]+/).filter((one) => one !== "")) {
       const [, name, value] = /^([a-z0-9_]+)={1,2}(.+)$/.exec(pair) ?? [];
       const index = facts.findIndex((fact) => fact.name === name);
@@ -138,6 +139,10 @@ const QvReader = (() => {
         throw new InputError(`"${pair.slice(0, 80)}" is no attribute with a value, as in ` +
           "first_helo_dynamic=yes.");
       }
+      if (named.has(index)) {
+        throw new InputError(`${name} is given twice.`);
+      }
+      named.add(index);
       attributes[index] = namedValue(facts[index], value);
     }
     return [{title: "these values", attributes, names: {}, problem: ""}];

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/show/Numbers.h"
+#include "apps/show/Shades.h"
+#include "apps/show/TextStyle.h"
+
+#include <gmock/gmock.h>
+#include <limits>
+
+namespace Quorvane::Show {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(NumbersTest, SharesKeepTheDigitsThatCount) {
+    EXPECT_EQ(percentText(0.5), "50 %");
+    EXPECT_EQ(percentText(0.12345), "12.3 %");
+    EXPECT_EQ(percentText(0.0015), "0.15 %");
+    EXPECT_EQ(percentText(0.99945), "99.94 %");
+    EXPECT_EQ(percentText(1.0), "100 %");
+    EXPECT_EQ(percentText(0.0), "0 %");
+    EXPECT_EQ(percentText(std::numeric_limits<double>::infinity()), "inf %");
+}
+
+TEST(NumbersTest, CountsAreGrouped) {
+    EXPECT_EQ(countText(0), "0");
+    EXPECT_EQ(countText(999), "999");
+    EXPECT_EQ(countText(1000), "1,000");
+    EXPECT_EQ(countText(1234567), "1,234,567");
+    EXPECT_EQ(countText(-1234), "-1,234");
+    EXPECT_EQ(countText(-123), "-123");
+}
+
+TEST(ShadesTest, TheEndsAreForWhatIsSure) {
+    EXPECT_EQ(shadeOf(0.05), 0U);
+    EXPECT_EQ(shadeOf(0.051), 1U);
+    EXPECT_EQ(shadeOf(0.5), 3U);
+    EXPECT_EQ(shadeOf(0.949), 5U);
+    EXPECT_EQ(shadeOf(0.95), 6U);
+    EXPECT_EQ(shadeOf(-7.0), 0U);
+    EXPECT_EQ(shadeOf(95.0), 6U);
+    EXPECT_EQ(shadeOf(std::numeric_limits<double>::quiet_NaN()), 3U);
+}
+
+TEST(TextStyleTest, LinesBreakAtBlanksOrWhereTheyMust) {
+    EXPECT_THAT(wrapped("one two three", 7), ElementsAre("one two", "three"));
+    EXPECT_THAT(wrapped("one two three", 8), ElementsAre("one two", "three"));
+    EXPECT_THAT(wrapped("onetwothree", 4), ElementsAre("onet", "woth", "ree"));
+    EXPECT_THAT(wrapped("", 4), ElementsAre(""));
+    EXPECT_THAT(wrapped("ab", 1), ElementsAre("a", "b"));
+}
+
+TEST(TextStyleTest, ColumnsCountCharacters) {
+    EXPECT_EQ(columns("├─ 3"), 4U);
+    EXPECT_EQ(padded("├─", 4), "├─  ");
+    EXPECT_EQ(rightAligned("12", 4), "  12");
+}
+
+} // namespace
+} // namespace Quorvane::Show
