@@ -62,6 +62,9 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
         auto blank = text.rfind(' ', width);
         bool const isBroken = blank == std::string_view::npos || blank == 0;
         blank = isBroken ? width : blank;
+        while (blank > 1 && (text[blank] & 0xC0) == 0x80) {
+            --blank; // not within a character
+        }
         lines.emplace_back(text.substr(0, blank));
         text.remove_prefix(isBroken ? blank : blank + 1);
     }

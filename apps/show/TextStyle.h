@@ -31,7 +31,7 @@ std::string padded(std::string text, std::size_t width);
 std::string rightAligned(std::string const& text, std::size_t width);
 
 // Lines of at most `width` columns, broken at blanks; a longer word is broken where it must.
-// ASCII text. At least one line.
+// Bytes count, so other text than ASCII makes shorter lines. At least one line.
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
 // `text` in a colour of SGR parameters ("1", "38;5;208"), if there are colours.

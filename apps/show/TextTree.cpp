@@ -97,12 +97,12 @@ class TreeWriter {
             line(i == 0 ? guides(mark) : guides(after(mark)) + padded(below, number.size()),
                  i == 0 ? number : "", lines[i], i == 0 ? &shown : nullptr);
         }
+        auto const under = guides(after(mark)) + padded(below, number.size());
         if (m_isNarrow) {
-            plain(guides(after(mark)) + padded(below, number.size()), figuresInOneLine(shown), dim);
+            plain(under, under, figuresInOneLine(shown), dim);
         }
         if (!shown.m_problem.empty()) {
-            plain(guides(after(mark)) + padded(below, number.size()), "! " + shown.m_problem,
-                  orange);
+            plain(under, under, "! " + shown.m_problem, orange);
         }
         branches(shown, mark);
     }
@@ -122,19 +122,21 @@ class TreeWriter {
 
     void branch(ShownBranch const& branch, std::string const& mark) { // NOLINT(misc-no-recursion)
         auto const number = std::to_string(branch.m_child);
+        auto const at = guides(mark);
+        auto const under = guides(after(mark));
         switch (branch.m_kind) {
         case ShownBranch::Kind::node:
             node(branch.m_index, mark);
             break;
         case ShownBranch::Kind::elsewhere:
-            plain(guides(mark), m_guides.m_to + number + "  (stands elsewhere in the tree)", "");
+            plain(at, under, m_guides.m_to + number + "  (stands elsewhere in the tree)", "");
             break;
         case ShownBranch::Kind::circle:
-            plain(guides(mark), m_guides.m_back + number + "  back up: the walk can go in circles",
+            plain(at, under, m_guides.m_back + number + "  back up: the walk can go in circles",
                   orange);
             break;
         case ShownBranch::Kind::end:
-            plain(guides(mark), "! " + branch.m_problem, orange);
+            plain(at, under, "! " + branch.m_problem, orange);
             break;
         }
     }
@@ -179,9 +181,17 @@ class TreeWriter {
         m_text += '\n';
     }
 
-    void plain(std::string const& guides, std::string const& words, char const* colour) {
-        m_text += coloured(m_style, dim, guides) +
-                  (*colour == '\0' ? words : coloured(m_style, colour, words)) + '\n';
+    // A line of its own, broken where it is too long: the rest has other guides.
+    void plain(std::string const& guides, std::string const& guidesUnder, std::string const& words,
+               char const* colour) {
+        auto const taken = columns(guides);
+        auto const* before = &guides;
+        for (auto const& line :
+             wrapped(words, m_style.m_width - std::min(m_style.m_width - 1, taken))) {
+            m_text += coloured(m_style, dim, *before) +
+                      (*colour == '\0' ? line : coloured(m_style, colour, line)) + '\n';
+            before = &guidesUnder;
+        }
     }
 
     std::string figuresInOneLine(ShownNode const& node) const {

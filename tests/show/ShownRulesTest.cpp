@@ -98,6 +98,14 @@ TEST(ShownRulesTest, RulesWithoutATreeAreShown) {
     EXPECT_THAT(rules.m_unreached, IsEmpty());
 }
 
+std::size_t s_count(std::string const& text, std::string const& part) {
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
 // A chain of all the nodes that a file can hold.
 Rules::RuleSet s_chain() {
     Rules::RuleSet set;
@@ -116,22 +124,14 @@ TEST(DrawingTest, TheDeepestTreeIsDrawnInAllForms) {
     EXPECT_EQ(rules.depth(), 496U);
     for (std::size_t const width : {40U, 80U, 200U}) {
         auto const text = textDrawing({rules}, {width, false, true});
-        EXPECT_THAT(text, HasSubstr("498  first_helo_is_domain"));
+        EXPECT_NE(text.find("498  first_helo"), std::string::npos);
         for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1) {
             EXPECT_LE(columns(text.substr(at, text.find('\n', at) - at)), width);
         }
     }
-    EXPECT_THAT(dotDrawing({rules}), HasSubstr("n497 -> n498"));
-    EXPECT_THAT(svgDrawing({rules}), HasSubstr(">498</tspan>"));
-    EXPECT_THAT(htmlDrawing({rules}, {}), HasSubstr("id=\"node-498\""));
-}
-
-std::size_t s_count(std::string const& text, std::string const& part) {
-    std::size_t count = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++count;
-    }
-    return count;
+    EXPECT_EQ(s_count(dotDrawing({rules}), "n497 -> n498"), 1U);
+    EXPECT_EQ(s_count(svgDrawing({rules}), ">498</tspan>"), 1U);
+    EXPECT_EQ(s_count(htmlDrawing({rules}, {}), "id=\"node-498\""), 1U);
 }
 
 RC_GTEST_PROP(DrawingTest, AnyRuleFilesAreDrawnWithEachNodeOnce, ()) {
