@@ -19,9 +19,14 @@ bool s_isIndexFile(std::string_view name) {
                        [name](std::string_view prefix) { return name.starts_with(prefix); });
 }
 
+// One of the three may be missing: copies and archives leave empty folders out.
 bool s_isMaildir(fs::path const& folder) {
     std::error_code error;
-    return fs::is_directory(folder / "cur", error) && fs::is_directory(folder / "new", error);
+    int count = 0;
+    for (auto const* const name : {"cur", "new", "tmp"}) {
+        count += fs::is_directory(folder / name, error) ? 1 : 0;
+    }
+    return count >= 2;
 }
 
 // Folders of a Maildir begin with a dot (".Sent"), hidden files of other folders do too.

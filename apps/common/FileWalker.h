@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // FileWalker: the files that the PATHs of a command line stand for, in order: a file as it is; of a
-// Maildir the messages in new and cur; of another folder all files below it, by name. Left out are
-// hidden files, a Maildir's tmp folder, and the index files that IMAP servers keep beside messages.
-// Only the listings of the folders on the way down are in memory. One object, one thread.
+// Maildir the messages in new and cur, of which one may be missing when tmp is there; of another
+// folder all files below it, by name. Left out are hidden files, a Maildir's tmp folder, and the
+// index files that IMAP servers keep beside messages. Only the listings of the folders on the way
+// down are in memory. One object, one thread.
 #pragma once
 
 #include <filesystem>

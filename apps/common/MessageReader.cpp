@@ -31,9 +31,6 @@ bool MessageReader::next(HeaderSection& section) {
     if (!m_hasBegun) {
         m_hasBegun = true;
         m_isMbox = m_pieces.peek(separator.size()) == separator;
-        if (m_isMbox) {
-            skipBody();
-        }
     }
     section = HeaderSection();
     return m_isMbox ? nextOfMbox(section) : single(section);
@@ -51,14 +48,17 @@ bool MessageReader::single(HeaderSection& section) {
     return true;
 }
 
-// REQUIRES: the separator line was read.
+// The body before is skipped only now: the message that it belongs to is not to wait for it, nor to
+// be lost when it cannot be read.
 bool MessageReader::nextOfMbox(HeaderSection& section) {
+    if (!m_isAtEnd) {
+        skipBody();
+    }
     if (m_isAtEnd) {
         return false;
     }
     section.m_number = ++m_number;
     readHeaders(section);
-    skipBody();
     return true;
 }
 

@@ -11,6 +11,14 @@ namespace Quorvane {
 
 namespace {
 
+// Of data that was cut off libarchive tells nothing, or what its decoder made of that.
+std::string s_problem(archive* archive) {
+    auto const* const text = archive_error_string(archive);
+    std::string const problem = text == nullptr ? "" : text;
+    auto const isCut = problem.empty() || problem.find("No progress") != std::string::npos;
+    return "damaged packed data: " + (isCut ? "it ends too early" : problem);
+}
+
 class UnpackedSource : public ByteSource {
   public:
     explicit UnpackedSource(std::unique_ptr<ByteSource> packed)
@@ -61,9 +69,7 @@ class UnpackedSource : public ByteSource {
             std::rethrow_exception(m_thrown);
         }
         if (status < ARCHIVE_WARN) {
-            auto const* const text = archive_error_string(m_archive.get());
-            throw InputError(std::string("damaged packed data: ") +
-                             (text == nullptr ? "unknown" : text));
+            throw InputError(s_problem(m_archive.get()));
         }
     }
 

@@ -11,8 +11,9 @@ namespace {
 constexpr OptionRow runOptions[] = {
     {"format", "text|json|csv", "default: text on a terminal, else json", false, outputGroup},
     {"explain", "", "add the working record of the scan", false, outputGroup},
-    {"progress", "", "show progress (default: on a terminal)", false, outputGroup},
-    {"no-progress", "", "show none", false, outputGroup},
+    {"progress", "", "show progress, and failed look-ups at the end (default: on a terminal)",
+     false, outputGroup},
+    {"no-progress", "", "show neither", false, outputGroup},
     {"config", "FILE", "settings file (TOML); the command line wins", false, otherGroup},
     {"show-config", "", "print the settings in force and their origins", false, otherGroup},
     {"help", "", "show this", false, otherGroup, 'h'},

@@ -8,6 +8,7 @@
 #include "apps/common/Utf8.h"
 #include "apps/qvscan/CsvRecord.h"
 #include "platform/HeaderReader.h"
+#include "platform/Resolver.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -115,15 +116,37 @@ int ScanRun::exitStatus() const {
     return m_foundSpam ? ExitCode::found : ExitCode::ok;
 }
 
+bool ScanRun::showsProgress() const {
+    return m_options.m_progress.value_or(::isatty(STDERR_FILENO) == 1);
+}
+
 void ScanRun::startProgress() {
     bool const isTerminal = ::isatty(STDERR_FILENO) == 1;
-    if (!m_options.m_progress.value_or(isTerminal)) {
+    if (!showsProgress()) {
         return;
     }
     m_size = std::make_unique<InputSize>(m_options.m_paths);
     m_progress =
         std::make_unique<Progress>([this](std::string const& text) { m_errors.write(text); },
                                    [this] { return m_size->bytes(); }, isTerminal);
+}
+
+// A program that sits there without a word seems to hang.
+void ScanRun::sayThatItWaits() {
+    if (m_options.m_paths.empty() && ::isatty(STDIN_FILENO) == 1) {
+        m_errors.write("qvscan: waiting for a message on standard input; Ctrl-D ends it, and "
+                       "qvscan --help shows the options\n");
+    }
+}
+
+// A name that could not be asked counts as one that does not exist, so a judgement may hang on it.
+void ScanRun::sumUpLookups() {
+    auto const counters = Resolver::instance().counters();
+    if (showsProgress() && counters.m_failed + counters.m_late > 0) {
+        m_errors.write("qvscan: DNS: " + std::to_string(counters.m_failed) +
+                       " look-ups failed and " + std::to_string(counters.m_late) +
+                       " came too late; their names count as not existing\n");
+    }
 }
 
 void ScanRun::submitAll(OrderedPool& pool) {
@@ -146,6 +169,7 @@ int ScanRun::run() {
     if (m_format == OutputFormat::csv) {
         m_output.write(csvHeader());
     }
+    sayThatItWaits();
     startProgress();
     OrderedPool pool(
         s_threads(m_host.settings()), [this](InputItem const& item) { return judge(item); },
@@ -153,6 +177,7 @@ int ScanRun::run() {
     submitAll(pool);
     pool.finish();
     m_progress.reset();
+    sumUpLookups();
     if (m_output.error() != 0) {
         m_errors.write(std::string("qvscan: cannot write: ") + std::strerror(m_output.error()) +
                        "\n");

@@ -31,7 +31,10 @@ class ScanRun {
                        ScanOutcome const& outcome) const;
     void submitAll(OrderedPool& pool);
     bool take(ScanResult const& result);
+    bool showsProgress() const;
     void startProgress();
+    void sayThatItWaits();
+    void sumUpLookups();
     void note(int exitCode);
     int exitStatus() const;
 

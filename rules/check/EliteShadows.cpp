@@ -127,6 +127,7 @@ class ShadowFinder {
             }
         }
         std::vector<std::int32_t> numbers;
+        numbers.reserve(rivals.size());
         for (auto const* const rival : rivals) {
             numbers.push_back(rival->m_number);
         }

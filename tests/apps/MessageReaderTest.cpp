@@ -112,6 +112,19 @@ TEST(MessageReader, ASingleMessageIsNotReadBeyondItsHeaders) {
     EXPECT_FALSE(reader.next(section));
 }
 
+// What stands behind a record that cannot be read on does not take the record with it.
+TEST(MessageReader, ARecordOfAnMboxIsNotReadBeyondItsHeadersEither) {
+    auto const text = "From x\nA: b\n\n" + std::string(1000, 'x') + "\n\nFrom x\nC: d\n\n";
+    MessageReader reader(std::make_unique<PieceSource>(text, 14), false);
+    HeaderSection section;
+    EXPECT_TRUE(reader.next(section));
+    EXPECT_EQ(section.m_text, "A: b\n\n");
+    EXPECT_LT(reader.position(), 200U);
+    EXPECT_TRUE(reader.next(section));
+    EXPECT_EQ(section.m_text, "C: d\n\n");
+    EXPECT_FALSE(reader.next(section));
+}
+
 TEST(MessageReader, ADrainedMessageIsReadToItsEnd) {
     auto source = std::make_unique<PieceSource>("A: b\n\n" + std::string(1 << 20, 'x'), 4096);
     auto const& looked = *source;

@@ -2,26 +2,11 @@
 // What counts as an input, and how its messages are named.
 #include "qvscan/ScanFixture.h"
 
-#include <cstdlib>
-
 namespace Quorvane::Testing {
 
 namespace {
 
-constexpr char separator[] = "From x@example.invalid Mon Jan  1 00:00:00 2024\n";
-
-class Input : public ScanTest {
-  protected:
-    // "source verdict" of each record.
-    static Arguments summary(ProgramResult const& result) {
-        Arguments lines;
-        for (auto const& record : records(result)) {
-            lines.push_back(record["source"].get<std::string>() + " " +
-                            record["verdict"].get<std::string>());
-        }
-        return lines;
-    }
-};
+using Input = ScanTest;
 
 std::string s_crlf(std::string const& text) {
     std::string out;
@@ -140,26 +125,18 @@ TEST_F(Input, PathsMayLookLikeOptionsAndLists) {
     EXPECT_EQ(scan({"--", "--no-such-file"}).m_status, 66);
 }
 
-TEST_F(Input, PackedFilesAreUnpacked) {
-    struct {
-        char const* m_command;
-        char const* m_suffix;
-    } const cases[] = {{"gzip", ".gz"}, {"xz", ".xz"}, {"zstd -q --rm", ".zst"}};
-    for (auto const& row : cases) {
-        auto const plain = m_folder.write("packed", separator + spam() + "\n" + separator + ham());
-        ASSERT_EQ(std::system((std::string(row.m_command) + " " + plain).c_str()), 0);
-        auto const packed = plain + row.m_suffix;
-        EXPECT_EQ(summary(scan({packed})), (Arguments{packed + ":1 spam", packed + ":2 ham"}));
-    }
-}
-
-TEST_F(Input, DamagedPackedFilesAre66AfterWhatCouldBeRead) {
-    auto const file =
-        m_folder.write("damaged.gz", std::string_view("\x1F\x8B\x08\0\0\0\0\0\0\3junk", 14));
-    auto const result = scan({file, "-"}, ham());
-    EXPECT_EQ(result.m_status, 66);
-    EXPECT_EQ(summary(result), Arguments{"- ham"});
-    EXPECT_NE(result.m_errors.find("damaged"), std::string::npos);
+TEST_F(Input, AMaildirMayLackOneOfItsFolders) {
+    m_folder.write("a/cur/1.host:2,S", spam());
+    m_folder.write("a/tmp/2.host", ham());
+    m_folder.write("b/new/1.host", spam());
+    m_folder.write("b/tmp/2.host", ham());
+    m_folder.write("b/dovecot-keywords", "0 x\n");
+    m_folder.write("plain/new/1.host", spam());
+    m_folder.write("plain/other", ham());
+    auto const folder = m_folder.path().string();
+    EXPECT_EQ(summary(scan({folder + "/a", folder + "/b", folder + "/plain"})),
+              (Arguments{folder + "/a/cur/1.host:2,S spam", folder + "/b/new/1.host spam",
+                         folder + "/plain/new/1.host spam", folder + "/plain/other ham"}));
 }
 
 TEST_F(Input, APathThatIsNoUtf8IsShownAsLatin1) {

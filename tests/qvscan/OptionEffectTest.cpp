@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every option does something: for each a field of the record that it changes.
 #include "qvscan/ScanFixture.h"
+#include "support/DnsServer.h"
 
 namespace Quorvane::Testing {
 
@@ -114,6 +115,17 @@ TEST_F(OptionEffect, EachChangesItsField) {
         EXPECT_EQ(explained(row.m_arguments, row.m_message)[field], row.m_with)
             << row.m_arguments[0] << " " << row.m_field;
     }
+}
+
+// A server without zones refuses everything.
+TEST_F(OptionEffect, ProgressSumsUpFailedLookups) {
+    DnsServer const server({});
+    auto const shown = scan({"--dns", server.address(), "--progress"}, ham());
+    EXPECT_NE(shown.m_errors.find(" look-ups failed and 0 came too late"), std::string::npos)
+        << shown.m_errors;
+    EXPECT_EQ(shown.m_errors.find("DNS: 0 "), std::string::npos) << shown.m_errors;
+    EXPECT_EQ(scan({"--dns", server.address()}, ham()).m_errors, ""); // no terminal
+    EXPECT_EQ(scan({"--progress"}, ham()).m_errors, "");
 }
 
 TEST_F(OptionEffect, FormatsDiffer) {

@@ -92,6 +92,15 @@ std::vector<Json> ScanTest::records(ProgramResult const& result) {
     return records;
 }
 
+Arguments ScanTest::summary(ProgramResult const& result) {
+    Arguments lines;
+    for (auto const& record : records(result)) {
+        lines.push_back(record["source"].get<std::string>() + " " +
+                        record["verdict"].get<std::string>());
+    }
+    return lines;
+}
+
 Json ScanTest::explained(Arguments arguments, std::string const& input) const {
     arguments.emplace_back("--explain");
     auto const result = scan(arguments, input);

@@ -16,6 +16,9 @@ namespace Quorvane::Testing {
 using Json = nlohmann::ordered_json;
 using Arguments = std::vector<std::string>;
 
+// Begins a message in an mbox.
+inline constexpr char separator[] = "From x@example.invalid Mon Jan  1 00:00:00 2024\n";
+
 // A hop as Postfix writes it.
 std::string hop(std::string const& helo, std::string const& reverse, std::string const& address,
                 std::string const& by = "mx.example.org");
@@ -34,6 +37,8 @@ class ScanTest : public testing::Test {
 
     // The records that were written, one for each line.
     static std::vector<Json> records(ProgramResult const& result);
+    // "source verdict" of each record.
+    static Arguments summary(ProgramResult const& result);
     // The one record of a scan with --explain.
     Json explained(Arguments arguments, std::string const& input) const;
 

@@ -2,11 +2,15 @@
 // What a person sees: qvscan in a real terminal, played by tmux.
 #include "qvscan/ScanFixture.h"
 
+#include <chrono>
 #include <sys/stat.h>
 
 namespace Quorvane::Testing {
 
 namespace {
+
+// Far longer than anything takes on a loaded machine.
+constexpr std::chrono::seconds patience{120};
 
 // The text of a screen without escape sequences.
 std::string s_plain(std::string const& text) {
@@ -37,10 +41,15 @@ class Terminal : public ScanTest {
     // The screen with its escape sequences.
     std::string capture() const { return tmux({"capture-pane", "-p", "-e"}); }
 
-    // The screen once it shows `text`.
+    // The screen once it shows `text`; the test has failed when it never does.
     std::string captureWith(std::string const& text) const {
+        auto const deadline = std::chrono::steady_clock::now() + patience;
         auto shown = capture();
         while (s_plain(shown).find(text) == std::string::npos) {
+            if (std::chrono::steady_clock::now() > deadline) {
+                ADD_FAILURE() << "the terminal never shows \"" << text << "\" but\n" << shown;
+                break;
+            }
             shown = capture();
         }
         return shown;
@@ -117,6 +126,17 @@ TEST_F(Terminal, TheEndOfATypedMessageIsTypedOnce) {
     start(program());
     tmux({"send-keys", "From: a@b.example", "Enter", "C-d"});
     EXPECT_NE(s_plain(finish()).find("none  -"), std::string::npos);
+}
+
+TEST_F(Terminal, ItSaysThatItWaitsForAMessage) {
+    start(program());
+    captureWith("qvscan: waiting for a message on standard input; Ctrl-D ends it");
+    tmux({"send-keys", "From: a@b.example", "Enter", "C-d"});
+    finish();
+    // Whoever names an input, or pipes one in, knows where it comes from.
+    EXPECT_EQ(s_plain(screen(program() + mbox())).find("waiting"), std::string::npos);
+    EXPECT_EQ(s_plain(screen("cat " + mbox() + " | " + program())).find("waiting"),
+              std::string::npos);
 }
 
 TEST_F(Terminal, FormatAskedForIsTheFormat) {
