@@ -4,14 +4,11 @@
 // words.
 #include "platform/DynamicIdentifier.h"
 #include "SideBySide.h"
+#include "TwoThreads.h"
 
-#include <algorithm>
 #include <cctype>
-#include <chrono>
-#include <cstdio>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 using Telvanis::DynamicIdentifier;
@@ -97,14 +94,12 @@ class DynamicNamesBench {
         table.run();
     }
 
-    // How much more two threads do than one in the same time.
     void threads() const {
-        double best = 0.0;
-        for (int round = 0; round < 7; ++round) {
-            auto const one = throughput(1);
-            best = std::max(best, throughput(2) / one);
-        }
-        std::printf("Two threads do %.2f times the work of one (best of 7 rounds)\n\n", best);
+        printTwoThreadGain([this] {
+            for (int pass = 0; pass < 100; ++pass) {
+                each(s_matchInForce);
+            }
+        });
     }
 
   private:
@@ -117,26 +112,6 @@ class DynamicNamesBench {
         for (auto const& name : m_names) {
             work(name);
         }
-    }
-
-    // Names a second on `count` threads.
-    double throughput(int count) const {
-        constexpr int passes = 100;
-        std::vector<std::thread> threads;
-        threads.reserve(static_cast<std::size_t>(count));
-        auto const start = std::chrono::steady_clock::now();
-        for (int i = 0; i < count; ++i) {
-            threads.emplace_back([this] {
-                for (int pass = 0; pass < passes; ++pass) {
-                    each(s_matchInForce);
-                }
-            });
-        }
-        for (auto& thread : threads) {
-            thread.join();
-        }
-        std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
-        return static_cast<double>(count) * passes * nameCount / taken.count();
     }
 
     std::vector<std::string> m_names = s_names();

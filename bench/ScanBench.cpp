@@ -9,12 +9,9 @@
 #include "SideBySide.h"
 #include "support/RuleFolder.h"
 #include "Trails.h"
+#include "TwoThreads.h"
 
-#include <algorithm>
 #include <cctype>
-#include <chrono>
-#include <cstdio>
-#include <thread>
 
 namespace Quorvane::Bench {
 namespace {
@@ -123,14 +120,17 @@ class ScanBench {
         table.run();
     }
 
-    // How much more two threads do than one in the same time.
     void threads() const {
-        double best = 0.0;
-        for (int round = 0; round < 7; ++round) {
-            auto const one = throughput(1);
-            best = std::max(best, throughput(2) / one);
-        }
-        std::printf("Two threads do %.2f times the work of one (best of 7 rounds)\n\n", best);
+        printTwoThreadGain([this] {
+            RefMessageProperties const properties(true);
+            auto const address = EmailAddress::rfc5322Parse("someone@sender1.example", true);
+            for (int pass = 0; pass < 5; ++pass) {
+                for (auto const& block : m_trails.m_blocks) {
+                    auto query = s_query(HeaderReader::read(block), address, properties);
+                    keep(DeepHeaderScanner().postQuery(query).getNode());
+                }
+            }
+        });
     }
 
   private:
@@ -145,30 +145,6 @@ class ScanBench {
             auto query = s_query(headers, m_address, m_properties);
             keep(DeepHeaderScanner().postQuery(query).getNode());
         }
-    }
-
-    // Messages a second on `count` threads, each with messages of its own.
-    static double throughput(int count) {
-        std::vector<std::thread> threads;
-        auto const trails = makeTrails(messageCount);
-        auto const start = std::chrono::steady_clock::now();
-        for (int i = 0; i < count; ++i) {
-            threads.emplace_back([&trails] {
-                RefMessageProperties const properties(true);
-                auto const address = EmailAddress::rfc5322Parse("someone@sender1.example", true);
-                for (int pass = 0; pass < 5; ++pass) {
-                    for (auto const& block : trails.m_blocks) {
-                        auto query = s_query(HeaderReader::read(block), address, properties);
-                        keep(DeepHeaderScanner().postQuery(query).getNode());
-                    }
-                }
-            });
-        }
-        for (auto& thread : threads) {
-            thread.join();
-        }
-        std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
-        return count * 5.0 * messageCount / taken.count();
     }
 
     Testing::RuleFolder m_rules;

@@ -19,6 +19,7 @@ inline constexpr int findings = 1;
 inline constexpr int usage = 64;
 inline constexpr int badData = 65;
 inline constexpr int noInput = 66;
+inline constexpr int internal = 70;
 inline constexpr int cannotWrite = 73;
 inline constexpr int badRules = 78;
 inline constexpr int interrupted = 128; // and the number of the signal, as shells report it

@@ -261,8 +261,8 @@ int s_guardedRun(int argc, char** argv) {
     } catch (Workshop::ScanInterrupted const& interrupted) {
         return ExitStatus::interrupted + interrupted.m_signal;
     } catch (std::exception const& error) {
-        s_complain(std::string("qvrules: ") + error.what());
-        return ExitStatus::cannotWrite;
+        s_complain(std::string("qvrules: unexpected: ") + error.what());
+        return ExitStatus::internal;
     }
 }
 
