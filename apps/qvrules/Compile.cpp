@@ -7,7 +7,8 @@
 namespace Quorvane::RulesApp {
 
 int compile(CompileOptions const& options) {
-    if (std::filesystem::is_directory(options.m_source)) {
+    std::error_code error; // loadRules says what is wrong with a path
+    if (std::filesystem::is_directory(options.m_source, error)) {
         throw Rules::RuleError(Rules::RuleError::Kind::noInput,
                                options.m_source + ": is a folder; compile takes a rule text, "
                                                   "\"qvrules decompile\" makes one of a folder\n");

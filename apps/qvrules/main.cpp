@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // qvrules: the command line. CLI11 compiles slowly: only this and HostOptions.cpp include it.
+#include "apps/common/SettingsTable.h"
 #include "apps/common/ValueNames.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Diff.h"
@@ -45,7 +46,8 @@ constexpr char examples[] =
     "\n"
     "\"qvrules COMMAND --help\" says more. Exit status: 0 well, 1 findings, 64 bad\n"
     "usage, 65 a rule text with errors, 66 an input that cannot be opened, 73 an\n"
-    "output that cannot be written, 78 rules that no engine would load.";
+    "output that cannot be written, 78 bad settings or rules that no engine would\n"
+    "load. 70 is a fault of the program or of the machine.";
 
 // What to run once the command line has been read.
 using Action = std::function<int()>;
@@ -258,6 +260,9 @@ int s_guardedRun(int argc, char** argv) {
     } catch (UsageError const& error) {
         s_complain(std::string("qvrules: ") + error.what() + "; --help shows the options");
         return ExitStatus::usage;
+    } catch (SettingsError const& error) {
+        s_complain(std::string("qvrules: ") + error.what());
+        return ExitStatus::badRules;
     } catch (Workshop::ScanInterrupted const& interrupted) {
         return ExitStatus::interrupted + interrupted.m_signal;
     } catch (std::exception const& error) {

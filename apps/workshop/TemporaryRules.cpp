@@ -11,11 +11,12 @@
 
 namespace Quorvane::Workshop {
 
-TemporaryRules::TemporaryRules(Rules::RuleSet const& rules)
-    : m_root(std::filesystem::temp_directory_path() / "qvrules-XXXXXX") {
-    if (::mkdtemp(m_root.data()) == nullptr) {
+TemporaryRules::TemporaryRules(Rules::RuleSet const& rules) {
+    std::error_code error;
+    m_root = std::filesystem::temp_directory_path(error) / "qvrules-XXXXXX";
+    if (error || ::mkdtemp(m_root.data()) == nullptr) {
         throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
-                               m_root + ": cannot make a temporary folder; set TMPDIR");
+                               "cannot make a temporary folder; set TMPDIR to one that exists");
     }
     Rules::writeFolder(m_root + ruleDirectory, rules);
 }
