@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Show.h"
 
+#include "apps/common/SettingsTable.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -8,7 +9,9 @@
 #include "apps/show/Page.h"
 #include "apps/show/PageServer.h"
 #include "apps/show/TrafficMeter.h"
+#include "apps/workshop/MailVectors.h"
 #include "rules/language/LoadRules.h"
+#include "rules/model/RuleError.h"
 
 #include <charconv>
 #include <iostream>
@@ -20,6 +23,7 @@ namespace {
 // Any corpus will do: nothing tells them apart here.
 std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
     std::vector<std::string> named;
+    named.reserve(paths.size());
     for (auto const& path : paths) {
         named.push_back("mail=" + path);
     }
@@ -86,26 +90,30 @@ bool s_needsEngine(ShowArguments const& arguments) {
            !arguments.m_messages.empty() || arguments.m_serve;
 }
 
-// Measuring reads signals of its own, so it comes before `interrupt`.
-int s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set,
-                  HostSettings const& settings) {
+void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set,
+                   HostSettings const& settings) {
     auto const rules = Show::shownRules(arguments.m_rules, set);
     TrainingMailCounts counts;
     auto const table = s_mail(arguments, settings, counts);
-    Interrupt interrupt;
-    Show::MessageExplainer const explainer(settings, set);
-    bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
-    auto const traffic = s_traffic(explainer.host(), table, counts);
-    Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
-    Show::PageExtras const extras{settings.m_judging,
-                                  explainer.explainFiles(arguments.m_messages, interrupt),
-                                  arguments.m_serve.has_value()};
-    if (arguments.m_serve) {
-        s_serve(Show::htmlDrawing(drawing, extras), explainer, port, interrupt);
-    } else {
-        writeOutput(arguments.m_output, s_drawn(arguments, drawing, extras));
+    Interrupt interrupt; // behind the measuring, which reads signals of its own
+    try {
+        Show::MessageExplainer const explainer(settings, set);
+        bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
+        auto const traffic = s_traffic(explainer.host(), table, counts);
+        Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
+        Show::PageExtras const extras{settings.m_judging,
+                                      explainer.explainFiles(arguments.m_messages, interrupt),
+                                      arguments.m_serve.has_value()};
+        if (arguments.m_serve) {
+            s_serve(Show::htmlDrawing(drawing, extras), explainer, port, interrupt);
+        } else {
+            writeOutput(arguments.m_output, s_drawn(arguments, drawing, extras));
+        }
+    } catch (SettingsError const& error) {
+        throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
+    } catch (Interrupted const&) {
+        throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }
-    return ExitStatus::well;
 }
 
 } // namespace
@@ -124,10 +132,12 @@ int show(ShowArguments const& arguments) {
     auto const settings = hostSettings(arguments.m_settings);
     auto const set = Rules::loadRules(arguments.m_rules).m_set;
     if (s_needsEngine(arguments)) {
-        return s_showRunning(arguments, *port, set, settings);
+        s_showRunning(arguments, *port, set, settings);
+    } else {
+        auto const rules = Show::shownRules(arguments.m_rules, set);
+        writeOutput(arguments.m_output,
+                    s_drawn(arguments, {rules}, {settings.m_judging, {}, false}));
     }
-    auto const rules = Show::shownRules(arguments.m_rules, set);
-    writeOutput(arguments.m_output, s_drawn(arguments, {rules}, {settings.m_judging, {}, false}));
     return ExitStatus::well;
 }
 

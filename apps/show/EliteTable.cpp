@@ -15,8 +15,9 @@ using Row = std::vector<std::string>;
 
 constexpr char indent[] = "  ";
 constexpr char gap[] = "  ";
-// Of the last column, however narrow the terminal is.
-constexpr std::size_t minConditionWidth = 24;
+constexpr char below[] = "      ";
+// Of the last column; with less it stands below the others.
+constexpr std::size_t minConditionWidth = 30;
 
 std::string s_effect(ShownElite const& rule) {
     return rule.m_place ? rule.m_effect : "dropped by engines";
@@ -44,29 +45,49 @@ Row s_row(ShownElite const& rule, Traffic const* traffic) {
     return row;
 }
 
-// The last column gets what the others leave, and is broken into lines.
-std::string s_table(std::vector<Row> const& rows, TextStyle const& style) {
-    auto const last = rows.front().size() - 1;
-    std::vector<std::size_t> widths(last);
-    std::size_t taken = std::string_view(indent).size();
-    for (std::size_t i = 0; i < last; ++i) {
-        for (auto const& row : rows) {
+std::vector<std::size_t> s_widths(std::vector<Row> const& rows) {
+    std::vector<std::size_t> widths(rows.front().size() - 1);
+    for (auto const& row : rows) {
+        for (std::size_t i = 0; i < widths.size(); ++i) {
             widths[i] = std::max(widths[i], columns(row[i]));
         }
-        taken += widths[i] + std::string_view(gap).size();
     }
-    auto const left = style.m_width > taken ? style.m_width - taken : 0;
+    return widths;
+}
+
+// All columns but the last.
+std::string s_head(Row const& row, std::vector<std::size_t> const& widths) {
+    std::string head = indent;
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        head += padded(row[i], widths[i]) + gap;
+    }
+    return head;
+}
+
+std::string s_trimmed(std::string text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+// The conditions get what the other columns leave, and are broken into lines; where that is too
+// little they stand below the row.
+std::string s_table(std::vector<Row> const& rows, TextStyle const& style) {
+    auto const widths = s_widths(rows);
+    auto const taken = s_head(rows.front(), widths).size();
+    bool const isNarrow = style.m_width < taken + minConditionWidth;
+    auto const under = isNarrow ? std::string(below) : std::string(taken, ' ');
+    auto const left = style.m_width - std::min(under.size(), style.m_width - 1);
     std::string text;
     for (auto const& row : rows) {
-        std::string head = indent;
-        for (std::size_t i = 0; i < last; ++i) {
-            head += padded(row[i], widths[i]) + gap;
+        auto head = s_head(row, widths);
+        if (isNarrow) {
+            text += s_trimmed(head) + '\n';
+            head = under;
         }
         bool const isHeading = &row == &rows.front();
-        for (auto const& line : wrapped(row[last], std::max(left, minConditionWidth))) {
-            text += isHeading ? coloured(style, "2", head + line) : head + line;
-            text += '\n';
-            head.assign(taken, ' ');
+        for (auto const& line : wrapped(isHeading && isNarrow ? "" : row.back(), left)) {
+            text += s_trimmed(line).empty() ? "" : s_trimmed(head + line) + '\n';
+            head = under;
         }
     }
     return text;

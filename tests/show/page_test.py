@@ -232,6 +232,16 @@ class Page(showpage.ShowPageTest):
         fired = 100 * rules.count(9001) / len(judged)
         self.assertIn(f"{fired:.3g} %", self.browser.find("#elite tr[data-code='9001']").text)
 
+    def test_takes_what_is_pasted_beside_the_field(self):
+        self.open()
+        self.browser.run("""
+            const transfer = new DataTransfer();
+            transfer.setData('text', 'first_reverse_dynamic=yes');
+            document.body.dispatchEvent(
+                new ClipboardEvent('paste', {clipboardData: transfer, bubbles: true}));
+        """)
+        self.assertEqual(self.answer()["verdict"], "Spam")
+
     # --- hostile input ---
 
     def test_shows_names_as_text(self):

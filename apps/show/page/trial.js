@@ -31,6 +31,11 @@ const QvTrial = (() => {
     part("file").addEventListener("change", (event) => takeFile(event.target.files[0]));
     part("message").addEventListener("change", (event) => choose(Number(event.target.value)));
     startDropping();
+    document.addEventListener("paste", (event) => {
+      if (!event.target.closest?.("input, textarea")) {
+        take(event.clipboardData.getData("text"));
+      }
+    });
     add(data.messages.map(QvReader.fromRecord), false);
   }
 
