@@ -4,6 +4,7 @@
 // answer and what it keeps to itself.
 #include "Engine.h"
 #include "support/DnsServer.h"
+#include "support/LateDnsServer.h"
 #include "support/SilentDnsServer.h"
 
 namespace Quorvane::Testing {
@@ -39,6 +40,13 @@ class LookupTest : public EngineTest {
     MsgProperties judge(std::string const& helo, std::string const& reverse,
                         std::string const& sender) {
         Message message(received(helo, reverse, "192.0.2.7", "mx.test"));
+        message.m_from = address(sender);
+        return attributes(message);
+    }
+
+    // The same without a reverse name, which would be looked up too.
+    MsgProperties judgeNameless(std::string const& helo, std::string const& sender) {
+        Message message("Received: from " + helo + " ([192.0.2.7]) by mx.test\n");
         message.m_from = address(sender);
         return attributes(message);
     }
@@ -105,6 +113,37 @@ TEST_F(LookupTest, ASilentServerCostsItsDeadlineAndIsCounted) {
     EXPECT_EQ(props.attributes[3], 0);
     EXPECT_EQ(props.attributes[29], 0);
     EXPECT_GT(Resolver::instance().counters().m_late, before.m_late);
+}
+
+// The server answers no question before both names were asked for; a scan that waited for the first
+// answer before it asked for the second name would get neither in time.
+TEST_F(LookupTest, TheNamesOfAScanAreAskedForSideBySide) {
+    LateDnsServer const server(std::chrono::milliseconds(0), {"relay.late.test.", "late.test."});
+    ask(server.address());
+    auto const before = Resolver::instance().counters();
+    auto const props = judgeNameless("relay.late.test", "a@late.test");
+    EXPECT_EQ(props.attributes[3], 1);
+    EXPECT_EQ(props.attributes[29], 1);
+    EXPECT_EQ(Resolver::instance().counters().m_late, before.m_late);
+    EXPECT_EQ(server.names(), (std::set<std::string>{"relay.late.test.", "late.test."}));
+}
+
+TEST_F(LookupTest, OneNameInBothPlacesIsOneName) {
+    LateDnsServer const server(std::chrono::milliseconds(5));
+    ask(server.address());
+    auto const props = judgeNameless("same.test", "a@same.test");
+    EXPECT_EQ(props.attributes[3], 1);
+    EXPECT_EQ(props.attributes[29], 1);
+    EXPECT_EQ(server.names(), std::set<std::string>{"same.test."});
+}
+
+TEST_F(LookupTest, AnEmptyNameIsNotAskedForWhileTheOtherIs) {
+    LateDnsServer const server(std::chrono::milliseconds(0));
+    ask(server.address());
+    EXPECT_EQ(judgeNameless("relay.late.test", "").attributes[29], 0);
+    EXPECT_EQ(server.names(), std::set<std::string>{"relay.late.test."});
+    EXPECT_EQ(judgeNameless("[192.0.2.7]", "a@late.test").attributes[3], 2);
+    EXPECT_EQ(server.names(), (std::set<std::string>{"relay.late.test.", "late.test."}));
 }
 
 TEST_F(LookupTest, AnAddressLiteralIsNotLookedUp) {

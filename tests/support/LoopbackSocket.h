@@ -46,13 +46,25 @@ class LoopbackSocket {
 
     // The next packet; empty when none came in time.
     std::string receive(std::chrono::milliseconds patience) const {
+        return receiveFrom(patience).m_bytes;
+    }
+
+    struct Packet {
+        std::string m_bytes; // empty when none came in time
+        int m_port = 0;      // of who sent it
+    };
+    Packet receiveFrom(std::chrono::milliseconds patience) const {
         pollfd readable{m_socket, POLLIN, 0};
-        std::string packet(65536, '\0');
+        Packet packet{std::string(65536, '\0')};
+        sockaddr_in sender{};
+        socklen_t senderLength = sizeof sender;
         ssize_t length = 0;
         if (poll(&readable, 1, static_cast<int>(patience.count())) == 1) {
-            length = recv(m_socket, packet.data(), packet.size(), 0);
+            length = recvfrom(m_socket, packet.m_bytes.data(), packet.m_bytes.size(), 0,
+                              reinterpret_cast<sockaddr*>(&sender), &senderLength);
         }
-        packet.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        packet.m_bytes.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        packet.m_port = ntohs(sender.sin_port);
         return packet;
     }
 

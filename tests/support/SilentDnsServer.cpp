@@ -1,28 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/SilentDnsServer.h"
 
-#include <cctype>
+#include "support/DnsQuestion.h"
+
 #include <stdexcept>
 
 namespace Quorvane::Testing {
 namespace {
-
-constexpr std::size_t s_headerLength = 12;
-
-// The name in the question section (RFC 1035 section 4.1.2), which never is compressed.
-std::string s_questionName(std::string const& packet) {
-    std::string name;
-    std::size_t at = s_headerLength;
-    while (at < packet.size() && packet[at] != '\0') {
-        auto const length = static_cast<unsigned char>(packet[at]);
-        name += packet.substr(at + 1, length) + '.';
-        at += length + 1U;
-    }
-    for (char& c : name) {
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
-    return name;
-}
 
 // Far longer than a question takes on a loaded machine.
 constexpr std::chrono::seconds s_patience{60};
@@ -40,7 +24,7 @@ std::vector<std::string> SilentDnsServer::takeQuestions() {
         if (packet.empty()) {
             return names;
         }
-        names.push_back(s_questionName(packet));
+        names.push_back(questionName(packet));
     }
 }
 
@@ -51,7 +35,7 @@ std::vector<std::string> SilentDnsServer::takeQuestionsUntil(std::string const& 
         if (packet.empty()) {
             throw std::runtime_error("nobody asks for " + name);
         }
-        names.push_back(s_questionName(packet));
+        names.push_back(questionName(packet));
     }
     return names;
 }

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "support/LateDnsServer.h"
+
+#include "support/DnsQuestion.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Quorvane::Testing {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t typeAndClassLength = 4;
+constexpr char typeA = 1;
+
+// The end of the question section, which is all that an answer repeats; 0 for what is no question.
+std::size_t s_questionEnd(std::string const& packet) {
+    auto const end = packet.find('\0', dnsHeaderLength);
+    auto const whole = end + 1 + typeAndClassLength;
+    return end != std::string::npos && whole <= packet.size() ? whole : 0;
+}
+
+// An answer with one address, or, for another type than A, with nothing.
+std::string s_answer(std::string const& packet) {
+    auto const end = s_questionEnd(packet);
+    auto answer = packet.substr(0, end);
+    auto const isAddress = packet[end - 4] == 0 && packet[end - 3] == typeA;
+    answer[2] = static_cast<char>(0x84 | (packet[2] & 1)); // an answer, authoritative
+    answer[3] = static_cast<char>(0x80);                   // recursion available, no error
+    answer.replace(6, 6, std::string{0, isAddress ? '\1' : '\0', 0, 0, 0, 0});
+    if (isAddress) {
+        // The name of the question, A, IN, 0 seconds to live, four bytes of address.
+        answer += std::string("\xC0\x0C\0\1\0\1\0\0\0\0\0\4\xC0\0\2\7", 16);
+    }
+    return answer;
+}
+
+} // namespace
+
+LateDnsServer::LateDnsServer(std::chrono::milliseconds delay, std::set<std::string> awaited)
+    : m_socket(SOCK_DGRAM, 0), m_delay(delay), m_awaited(std::move(awaited)),
+      m_thread(&LateDnsServer::run, this) {}
+
+LateDnsServer::~LateDnsServer() {
+    m_isEnding = true;
+    m_socket.sendTo(m_socket.port(), "end"); // wakes the thread
+    m_thread.join();
+}
+
+std::string LateDnsServer::address() const {
+    return "127.0.0.1@" + std::to_string(m_socket.port());
+}
+
+std::set<std::string> LateDnsServer::names() const {
+    std::lock_guard const lock(m_mutex);
+    return m_names;
+}
+
+void LateDnsServer::run() {
+    while (!m_isEnding) {
+        take(m_socket.receiveFrom(untilDue()));
+        answerWhatIsDue();
+    }
+}
+
+void LateDnsServer::take(LoopbackSocket::Packet packet) {
+    if (s_questionEnd(packet.m_bytes) == 0) {
+        return;
+    }
+    auto const name = questionName(packet.m_bytes);
+    m_awaited.erase(name);
+    m_waiting.push_back({std::move(packet.m_bytes), packet.m_port, Clock::now() + m_delay});
+    std::lock_guard const lock(m_mutex);
+    m_names.insert(name);
+}
+
+void LateDnsServer::answerWhatIsDue() {
+    auto const now = Clock::now();
+    auto const end =
+        m_awaited.empty()
+            ? std::find_if(m_waiting.begin(), m_waiting.end(),
+                           [now](Question const& question) { return question.m_due > now; })
+            : m_waiting.begin();
+    for (auto question = m_waiting.begin(); question != end; ++question) {
+        m_socket.sendTo(question->m_port, s_answer(question->m_packet));
+    }
+    m_waiting.erase(m_waiting.begin(), end);
+}
+
+// How long there is nothing to do, rounded up; a second when nothing waits.
+std::chrono::milliseconds LateDnsServer::untilDue() const {
+    constexpr std::chrono::milliseconds idle{1000};
+    if (m_waiting.empty() || !m_awaited.empty()) {
+        return idle;
+    }
+    auto const left =
+        std::chrono::ceil<std::chrono::milliseconds>(m_waiting.front().m_due - Clock::now());
+    return std::clamp(left, std::chrono::milliseconds{0}, idle);
+}
+
+} // namespace Quorvane::Testing
