@@ -141,10 +141,11 @@ class TreePageWriter {
         }
         auto const& traffic = *m_drawing.m_traffic;
         auto const& use = traffic.node(node.m_number);
+        auto const decided =
+            use.m_decided == 0 ? "" : ", decided " + percentText(traffic.share(use.m_decided));
         return s_bar(traffic.share(use.m_reached), "measured") +
-               s_span("share", percentText(traffic.share(use.m_reached)) +
-                                   " of the measured mail, decided " +
-                                   percentText(traffic.share(use.m_decided)));
+               s_span("share", percentText(traffic.share(use.m_reached)) + " of the measured mail" +
+                                   decided);
     }
 
     Drawing const& m_drawing;
