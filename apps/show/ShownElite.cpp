@@ -3,24 +3,15 @@
 
 #include "apps/common/RuleStory.h"
 #include "apps/show/Numbers.h"
+#include "rules/check/EliteRun.h"
 #include "rules/language/RuleText.h"
 #include "rules/language/Sentences.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace Quorvane::Show {
 
 namespace {
-
-// What the loader keeps of the rules that it reads.
-bool s_isKept(EliteNodes const& rule) {
-    return rule.flag <= maxEliteFlag &&
-           std::all_of(rule.conditions.begin(), rule.conditions.end(),
-                       [](EliteCondition const& condition) {
-                           return condition.attribute <= maxAttribute && condition.test <= maxTest;
-                       });
-}
 
 std::string s_code(EliteNodes const& rule) {
     if (rule.type != EliteType::adjusting) {
@@ -63,16 +54,13 @@ ShownElite s_shown(EliteNodes const& rule) {
 
 std::vector<ShownElite> shownElite(Rules::EliteFile const& file) {
     std::vector<ShownElite> rules;
-    // The loader reads as many as the header announces, up to its limit.
-    auto const announced = file.m_header ? std::max(+file.m_header->nodeCount, 0) : 0;
-    auto const read = static_cast<std::size_t>(std::min(announced, maxEliteNodes));
-    std::size_t kept = 0;
+    rules.reserve(file.m_rules.size());
     for (auto const& rule : file.m_rules) {
-        bool const isRead = rules.size() < read;
         rules.push_back(s_shown(rule));
-        if (isRead && s_isKept(rule)) {
-            rules.back().m_place = kept++;
-        }
+    }
+    auto const kept = Rules::keptRules(file);
+    for (std::size_t place = 0; place < kept.size(); ++place) {
+        rules[kept[place]].m_place = place;
     }
     return rules;
 }

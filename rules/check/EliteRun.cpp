@@ -2,12 +2,14 @@
 #include "rules/check/EliteRun.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Quorvane::Rules {
 
 namespace {
 
-bool s_isLoaded(EliteNodes const& rule) {
+// What the loader keeps of the rules that it reads.
+bool s_isKept(EliteNodes const& rule) {
     return rule.flag <= maxEliteFlag &&
            std::all_of(rule.conditions.begin(), rule.conditions.end(),
                        [](EliteCondition const& condition) {
@@ -61,6 +63,19 @@ bool EliteRun::asksTree(DeepHeaderSettings const& settings) const {
     return (!m_hasRules || m_alsoTree) && treeOffThreshold > settings.spamThreshold;
 }
 
+std::vector<std::size_t> keptRules(EliteFile const& file) {
+    auto const announced =
+        file.m_header ? std::clamp(+file.m_header->nodeCount, 0, maxEliteNodes) : 0;
+    auto const read = std::min(file.m_rules.size(), static_cast<std::size_t>(announced));
+    std::vector<std::size_t> places;
+    for (std::size_t place = 0; place < read; ++place) {
+        if (s_isKept(file.m_rules[place])) {
+            places.push_back(place);
+        }
+    }
+    return places;
+}
+
 EliteRun eliteRun(RuleSet const& set, DeepHeaderSettings const& settings) {
     EliteRun run;
     if (!set.m_elite || !set.m_elite->m_header) {
@@ -68,14 +83,13 @@ EliteRun eliteRun(RuleSet const& set, DeepHeaderSettings const& settings) {
     }
     run.m_alsoTree = set.m_elite->m_header->alsoWalkTree == 1;
     run.m_selectMode = set.m_elite->m_header->selectMode;
-    std::int32_t number = 0;
-    for (auto const& rule : set.m_elite->m_rules) {
-        ++number;
-        auto const isLoaded = s_isLoaded(rule);
-        run.m_hasRules = run.m_hasRules || isLoaded;
-        if (isLoaded && s_isLetRun(rule, settings) &&
+    auto const places = keptRules(*set.m_elite);
+    run.m_hasRules = !places.empty();
+    for (auto const place : places) {
+        auto const& rule = set.m_elite->m_rules[place];
+        if (s_isLetRun(rule, settings) &&
             std::all_of(rule.conditions.begin(), rule.conditions.end(), s_isTest)) {
-            auto live = s_liveRule(rule, number);
+            auto live = s_liveRule(rule, static_cast<std::int32_t>(place) + 1);
             if (!live.m_matches.isNobody()) {
                 run.m_rules.push_back(std::move(live));
             }

@@ -8,6 +8,7 @@
 #include "rules/check/PossibleValues.h"
 #include "rules/model/RuleSet.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace Quorvane::Rules {
@@ -40,6 +41,10 @@ struct EliteRun {
     // Whether the tree is asked under these settings.
     bool asksTree(DeepHeaderSettings const& settings) const;
 };
+
+// The rules that engines keep of a file, in their order: places in file.m_rules. They read as many as
+// the header announces.
+std::vector<std::size_t> keptRules(EliteFile const& file);
 
 // With m_shadows filled.
 EliteRun eliteRun(RuleSet const& set, DeepHeaderSettings const& settings);

@@ -90,6 +90,10 @@ TEST(CheckVerdictsTest, FindsATreeThatIsNotAsked) {
     EXPECT_EQ(found.substr(0, found.find(':')), "tree-gate");
     // Without a rule the elite file keeps nothing out.
     EXPECT_EQ(s_found(std::string("elite first\n") + goodTree), "");
+    // Nor does a rule that stands behind those that the header announces.
+    EXPECT_EQ(
+        s_found(std::string("elite first count 0\ndecide 0.95 code 1 when 5 == 1\n") + goodTree),
+        "");
 }
 
 TEST(CheckVerdictsTest, TheLibrarysOwnThresholdsNeverJudge) {

@@ -49,6 +49,10 @@ INSTANTIATE_TEST_SUITE_P(
                    "elite first\ndecide 1 code 1 when 15 == yes\n"
                    "decide 1 code 2 when 15 == yes and 5 == 1",
                    "2 by 1"},
+        ShadowCase{"ALaterRuleThatEnginesDoNotRead",
+                   "elite first count 1\ndecide 1 code 1 when 15 == yes\n"
+                   "decide 1 code 2 when 15 == yes",
+                   ""},
         ShadowCase{"AnEarlierRuleWithMoreConditions",
                    "elite first\ndecide 1 code 1 when 15 == yes and 5 == 1\n"
                    "decide 1 code 2 when 15 == yes",
