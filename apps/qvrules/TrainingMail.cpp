@@ -101,13 +101,20 @@ class TrainingMailReader {
         }
     }
 
+    // A folder opens like a file and then fails to read.
+
     void readTable(std::istream& stream, std::string const& name,
                    Rules::VectorCsvDefaults const& defaults, Rules::VectorTableBuilder& table) {
-        auto const counts =
-            Rules::readVectorCsv(stream, name, defaults, table, [&](std::uint64_t rows) {
-                m_progress.tick([&] { return name + ": " + std::to_string(rows) + " rows read"; });
-            });
-        m_counts.m_notJudgeable += counts.m_withoutVector;
+        auto const tick = [&](std::uint64_t rows) {
+            m_progress.tick([&] { return name + ": " + std::to_string(rows) + " rows read"; });
+        };
+        try {
+            auto const counts = Rules::readVectorCsv(stream, name, defaults, table, tick);
+            m_counts.m_notJudgeable += counts.m_withoutVector;
+        } catch (std::ios_base::failure const& error) {
+            throw Rules::RuleError(Rules::RuleError::Kind::noInput,
+                                   name + ": cannot be read: " + error.code().message());
+        }
     }
 
     TrainingMail const& m_mail;

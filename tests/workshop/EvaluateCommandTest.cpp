@@ -141,6 +141,10 @@ TEST_F(EvaluateCommand, SaysWhatItCannotWrite) {
 TEST_F(EvaluateCommand, RefusesBadRulesAndMissingMail) {
     EXPECT_EQ(run({}).m_status, 64);
     EXPECT_EQ(run({"--ham", "absent"}).m_status, 66);
+    EXPECT_EQ(run({"--vectors", "absent"}).m_status, 66);
+    auto const folder = run({"--vectors", m_folder.path().string()});
+    EXPECT_EQ(folder.m_status, 66);
+    EXPECT_EQ(folder.m_errors, m_folder.path().string() + ": cannot be read: Is a directory\n");
     auto const bad = m_folder.write("bad.qvr", "tree {\n");
     EXPECT_EQ(runProgram(QV_RULES_PROGRAM, {"evaluate", bad, "--ham", bad}).m_status, 65);
 }
