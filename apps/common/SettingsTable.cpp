@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -166,7 +167,7 @@ SettingKey const* findSetting(std::string_view name) {
 
 double readNumber(std::string const& text) {
     double value = 0;
-    if (!s_parses(text, value)) {
+    if (!s_parses(text, value) || std::isnan(value)) {
         throw SettingsError("\"" + text + "\" is no number");
     }
     return value;

@@ -47,6 +47,8 @@ TEST(SettingsTable, ReadsNumbersWholeOrNotAtAll) {
         EXPECT_THROW(readNumber(text), SettingsError) << text;
         EXPECT_THROW(readInteger(text, -10, 10), SettingsError) << text;
     }
+    // Nothing compares with it: a threshold that is NaN would quietly judge nothing.
+    EXPECT_THROW(readNumber("nan"), SettingsError);
     EXPECT_THROW(readInteger("11", -10, 10), SettingsError);
     EXPECT_THROW(readInteger("99999999999999999999", -10, 10), SettingsError);
 }
