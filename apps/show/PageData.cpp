@@ -57,9 +57,9 @@ Json s_elite(ShownRules const& rules) {
 
 Json s_settings(DeepHeaderSettings const& settings) {
     return {{"walkToLeaf", settings.walkToLeaf},
-            {"spamThreshold", settings.spamThreshold},
-            {"hamThreshold", settings.hamThreshold},
-            {"minSupport", settings.minSupport},
+            {"spamThreshold", s_number(settings.spamThreshold)},
+            {"hamThreshold", s_number(settings.hamThreshold)},
+            {"minSupport", s_number(settings.minSupport)},
             {"maxEliteLevel", settings.maxEliteLevel}};
 }
 

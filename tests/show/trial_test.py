@@ -72,10 +72,16 @@ class Trial(showpage.ShowPageTest):
         self.browser.find("#forget").click()
         self.assertEqual((self.answer()["path"], self.answer()["text"]), ([], ""))
 
+    def test_nothing_reaches_a_threshold_without_end(self):
+        self.open("--spam-threshold", "inf", "--ham-threshold", "-inf")
+        self.assertEqual(self.judge("first_reverse_dynamic=yes")["verdict"], "No verdict")
+        self.open("--spam-threshold", "2", "--ham-threshold", "-inf")
+        self.assertEqual(self.judge("first_reverse_dynamic=yes")["verdict"], "Ham")
+
     def test_says_what_is_wrong_with_an_input(self):
         self.open()
         for text, complaint in (
-                ("", "nothing here"), ("first_helo=yes", "no attribute"),
+                ("", "nothing here"), ("[]", "no record"), ("first_helo=yes", "no attribute"),
                 ("first_forged=maybe", "cannot be"),
                 ("first_forged=1,first_forged=0", "given twice"), ("{\"a\": ", "no JSON"),
                 ("{\"source\": \"x\"}", "--explain"), ("source,a\nx,1", "names no column"),

@@ -58,6 +58,9 @@ const QvReader = (() => {
     } catch {
       records = fromJsonLines(text);
     }
+    if (records.length === 0) {
+      throw new InputError("This list holds no record.");
+    }
     return records.slice(0, maxItems).map(fromRecord);
   }
 

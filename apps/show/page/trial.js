@@ -17,6 +17,9 @@ const QvTrial = (() => {
   function start(pageData) {
     data = pageData;
     rules = QvEngine.readRules(data.rules);
+    for (const [name, value] of Object.entries(data.settings)) {
+      data.settings[name] = Number(value); // infinities are texts in JSON
+    }
     for (const input of document.querySelectorAll("#settings input")) {
       input.value = data.settings[input.name];
       input.addEventListener("input", judge);
