@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/TextWidth.h"
 
-#include <algorithm>
+#include "apps/common/Utf8.h"
 
 namespace Quorvane::Charts {
 
@@ -9,16 +9,10 @@ namespace {
 
 constexpr double averageGlyph = 6.6;
 
-// Whether a byte is not one of those that go on a UTF-8 character.
-bool s_beginsGlyph(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-}
-
 } // namespace
 
 double textWidth(std::string_view text) {
-    return averageGlyph *
-           static_cast<double>(std::count_if(text.begin(), text.end(), s_beginsGlyph));
+    return averageGlyph * static_cast<double>(columns(text));
 }
 
 std::string shortened(std::string const& text, double width) {

@@ -76,14 +76,6 @@ Json s_elite(DeepHeaderAdapter::EliteHits const& hits) {
             {"reasons", toUtf8(hits.reasons)}};
 }
 
-Json s_story(ScanHost const& host, ScanOutcome const& outcome) {
-    auto sentences = Json::array();
-    for (auto const& sentence : tellRules(host, outcome).m_sentences) {
-        sentences.push_back(toUtf8(sentence));
-    }
-    return sentences;
-}
-
 Json s_explain(ScanHost const& host, ScanOutcome const& outcome) {
     auto const& record = outcome.m_record;
     return {{"messageIdDomain", toUtf8(record.messageIdDomain)},
@@ -102,7 +94,7 @@ Json s_explain(ScanHost const& host, ScanOutcome const& outcome) {
             {"attributes", record.attributes},
             {"elite", s_elite(outcome.m_trace.m_elite)},
             {"tree", {{"path", outcome.m_trace.m_path}, {"result", outcome.m_trace.m_result}}},
-            {"story", s_story(host, outcome)}};
+            {"story", toUtf8(tellRules(host, outcome).m_sentences)}};
 }
 
 } // namespace

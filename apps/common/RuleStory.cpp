@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
+#include <charconv>
 #include <set>
 #include <utility>
 
@@ -169,9 +169,12 @@ std::string testText(std::int32_t attribute, std::int32_t test, std::int32_t val
 }
 
 std::string numberText(double value) {
+    constexpr int digits = 4;
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.4g", value);
-    return text.data();
+    auto const end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                   std::chars_format::general, digits)
+                         .ptr;
+    return {text.data(), end};
 }
 
 Rules::SentenceNames sentenceNames(Record const& record) {

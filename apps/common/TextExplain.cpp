@@ -15,15 +15,10 @@ using Row = std::vector<std::string>;
 
 // Columns as wide as their widest cell, in characters; the last one is not padded.
 std::string s_table(std::vector<Row> const& rows) {
-    auto const width = [](std::string const& cell) {
-        // Continuation bytes of UTF-8 take no column.
-        return static_cast<std::size_t>(
-            std::count_if(cell.begin(), cell.end(), [](char c) { return (c & 0xC0) != 0x80; }));
-    };
     std::vector<std::size_t> widths(rows.empty() ? 0 : rows.front().size());
     for (auto const& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], width(row[i]));
+            widths[i] = std::max(widths[i], columns(row[i]));
         }
     }
     std::string text;
@@ -31,7 +26,8 @@ std::string s_table(std::vector<Row> const& rows) {
         text += "   ";
         for (std::size_t i = 0; i < row.size(); ++i) {
             bool const isLast = i + 1 == row.size();
-            text += " " + row[i] + (isLast ? "" : std::string(widths[i] - width(row[i]) + 1, ' '));
+            text +=
+                " " + row[i] + (isLast ? "" : std::string(widths[i] - columns(row[i]) + 1, ' '));
         }
         text += "\n";
     }

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/TextRecord.h"
 
+#include "apps/common/RuleStory.h"
 #include "apps/common/Utf8.h"
 #include "apps/common/VerdictStory.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <string_view>
 
 namespace Quorvane {
@@ -39,12 +38,7 @@ std::string s_verdict(DeepHeaderAnswer const& answer, bool colour) {
 }
 
 std::string s_confidence(DeepHeaderAnswerImpl const& answer) {
-    if (answer.m_node == 0) {
-        return "-";
-    }
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.4g", answer.m_confidenceDegree);
-    return text.data();
+    return answer.m_node == 0 ? "-" : numberText(answer.m_confidenceDegree);
 }
 
 std::string s_orDash(std::string const& text) {

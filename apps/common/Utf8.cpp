@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/Utf8.h"
 
-#include <cstddef>
+#include <algorithm>
 #include <cstdint>
 
 namespace Quorvane {
@@ -91,6 +91,15 @@ std::string toUtf8(std::string_view bytes) {
     return out;
 }
 
+std::vector<std::string> toUtf8(std::vector<std::string> const& texts) {
+    std::vector<std::string> converted;
+    converted.reserve(texts.size());
+    for (auto const& text : texts) {
+        converted.push_back(toUtf8(text));
+    }
+    return converted;
+}
+
 std::string toPrintable(std::string_view bytes) {
     auto const text = toUtf8(bytes);
     std::string out;
@@ -109,6 +118,12 @@ std::string toPrintable(std::string_view bytes) {
         }
     }
     return out;
+}
+
+std::size_t columns(std::string_view text) {
+    // Continuation bytes of UTF-8 take no column.
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
 } // namespace Quorvane

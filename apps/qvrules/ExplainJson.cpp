@@ -14,14 +14,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json s_texts(std::vector<std::string> const& texts) {
-    auto list = Json::array();
-    for (auto const& text : texts) {
-        list.push_back(toUtf8(text));
-    }
-    return list;
-}
-
 Json s_path(RuleStory const& story) {
     auto path = Json::array();
     for (auto const& told : story.m_path) {
@@ -72,7 +64,7 @@ Json s_needed(std::vector<ToldNeed> const& needs) {
     for (auto const& need : needs) {
         list.push_back({{"verdict", need.m_verdict},
                         {"change", need.m_text},
-                        {"words", s_texts(need.m_words)}});
+                        {"words", toUtf8(need.m_words)}});
     }
     return list;
 }
@@ -106,7 +98,7 @@ std::string explanationJson(std::string const& source, ScanHost const& host,
                          {"adjustReason", toUtf8(answer.m_adjustReason)},
                          {"reasons", toUtf8(outcome.m_answer.getReasons())},
                          {"because", toUtf8(tellReason(host, outcome, trail))},
-                         {"sentences", s_texts(story.m_sentences)},
+                         {"sentences", toUtf8(story.m_sentences)},
                          {"path", s_path(story)},
                          {"end", story.m_end.empty() ? Json() : Json(story.m_end)},
                          {"elite", s_elite(story)},

@@ -55,10 +55,6 @@ Json s_result(TestedCase const& tested) {
                                {"expected", toUtf8(difference.m_expected)},
                                {"came", toUtf8(difference.m_came)}});
     }
-    auto sentences = Json::array();
-    for (auto const& sentence : result.m_sentences) {
-        sentences.push_back(toUtf8(sentence));
-    }
     return {{"file", toUtf8(tested.m_path)},
             {"line", tested.m_case->m_line},
             {"name", toUtf8(tested.m_case->m_name)},
@@ -69,7 +65,7 @@ Json s_result(TestedCase const& tested) {
             {"confidence", result.m_confidence},
             {"reasons", toUtf8(result.m_reasons)},
             {"because", toUtf8(result.m_because)},
-            {"sentences", sentences}};
+            {"sentences", toUtf8(result.m_sentences)}};
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "apps/show/Drawings.h"
 
 #include "apps/common/RuleStory.h"
+#include "apps/common/Utf8.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Numbers.h"
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/TextStyle.h"
 
+#include "apps/common/Utf8.h"
+
 #include <algorithm>
 #include <clocale>
 #include <cstdlib>
@@ -16,9 +18,13 @@ namespace {
 constexpr std::size_t minWidth = 40;
 
 bool s_isUtf8Locale() {
-    std::setlocale(LC_CTYPE, "");
-    bool const isUtf8 = std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
-    std::setlocale(LC_CTYPE, "C");
+    // Beside the locale of the process, in which other threads may be reading.
+    auto* const locale = ::newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (locale == nullptr) {
+        return false; // the environment names one that this machine does not have
+    }
+    bool const isUtf8 = std::string_view(::nl_langinfo_l(CODESET, locale)) == "UTF-8";
+    ::freelocale(locale);
     return isUtf8;
 }
 
@@ -37,12 +43,6 @@ TextStyle terminalStyle(bool isStandardOutput) {
     auto const* const noColour = std::getenv("NO_COLOR");
     style.m_hasColour = noColour == nullptr || *noColour == '\0';
     return style;
-}
-
-std::size_t columns(std::string_view text) {
-    // Continuation bytes of UTF-8 take no column.
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
 std::string padded(std::string text, std::size_t width) {

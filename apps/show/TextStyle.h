@@ -23,9 +23,6 @@ struct TextStyle {
 // when a file is written instead.
 TextStyle terminalStyle(bool isStandardOutput);
 
-// Columns that UTF-8 text takes, one for each character.
-std::size_t columns(std::string_view text);
-
 // `text`, with blanks behind or before it up to `width` columns.
 std::string padded(std::string text, std::size_t width);
 std::string rightAligned(std::string const& text, std::size_t width);

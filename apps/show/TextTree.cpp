@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/Drawings.h"
+
+#include "apps/common/Utf8.h"
 #include "apps/show/TextFigures.h"
 
 #include <algorithm>

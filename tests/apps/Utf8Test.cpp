@@ -54,6 +54,11 @@ TEST(Utf8, PrintableTextHoldsNoControls) {
     EXPECT_EQ(toPrintable("\xC3\xA9 \xC2\xA0"), "\xC3\xA9 \xC2\xA0");
 }
 
+TEST(Utf8, ColumnsCountCharacters) {
+    EXPECT_EQ(columns(""), 0U);
+    EXPECT_EQ(columns("├─ 3"), 4U);
+}
+
 } // namespace
 
 } // namespace Quorvane::Testing

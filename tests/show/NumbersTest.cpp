@@ -49,8 +49,7 @@ TEST(TextStyleTest, LinesBreakAtBlanksOrWhereTheyMust) {
     EXPECT_THAT(wrapped("ab", 1), ElementsAre("a", "b"));
 }
 
-TEST(TextStyleTest, ColumnsCountCharacters) {
-    EXPECT_EQ(columns("├─ 3"), 4U);
+TEST(TextStyleTest, FillsUpToAWidth) {
     EXPECT_EQ(padded("├─", 4), "├─  ");
     EXPECT_EQ(rightAligned("12", 4), "  12");
 }
