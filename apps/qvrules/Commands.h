@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The commands of qvrules, one source file each. A command gets its options as a value, prints to
-// standard output, and returns the exit status; what it cannot do it throws as a RuleError, which
-// main() turns into a message and a status.
+// standard output, and returns the exit status; what it cannot do it throws as a RuleError, a
+// SettingsError or a UsageError, which main() turns into a message and a status.
 #pragma once
 
 #include "apps/qvrules/HostOptions.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Explain.h"
 
-#include "apps/common/SettingsTable.h"
 #include "apps/common/TextExplain.h"
 #include "apps/common/TextRecord.h"
 #include "apps/qvrules/Commands.h"
@@ -11,7 +10,6 @@
 #include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
-#include "rules/model/RuleError.h"
 
 #include <iostream>
 
@@ -50,12 +48,8 @@ class Explainer {
 
 void s_explain(ExplainArguments const& arguments, Workshop::ExplainInput& input) {
     auto const engine = Workshop::loadEngine(Rules::loadRules(arguments.m_rules).m_set);
-    try {
-        Explainer const explainer(arguments, engine);
-        input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
-    } catch (SettingsError const& error) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
-    }
+    Explainer const explainer(arguments, engine);
+    input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }
 
 } // namespace

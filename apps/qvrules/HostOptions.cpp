@@ -5,7 +5,6 @@
 #include "apps/common/SettingsFile.h"
 #include "apps/common/SettingsStore.h"
 #include "apps/qvrules/Commands.h"
-#include "rules/model/RuleError.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
@@ -73,11 +72,7 @@ void addFactOptions(CLI::App& command, GivenSettings& given) {
 HostSettings hostSettings(GivenSettings const& given) {
     SettingsStore store;
     if (auto const config = given.find(configName); config != given.end()) {
-        try {
-            loadSettingsFile(config->second.front(), store);
-        } catch (SettingsError const& error) {
-            throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
-        }
+        loadSettingsFile(config->second.front(), store);
     }
     for (auto const& [name, texts] : given) {
         if (auto const* const key = findSetting(name)) {

@@ -27,10 +27,11 @@ void addThresholdOptions(CLI::App& command, GivenSettings& given);
 // Adds what a host knows about a message besides its text.
 void addFactOptions(CLI::App& command, GivenSettings& given);
 
-// The settings file, if one was given, and over it the options. A RuleError for what is wrong.
+// The settings file, if one was given, and over it the options. A SettingsError for what is wrong in
+// the file, a UsageError for a wrong option.
 HostSettings hostSettings(GivenSettings const& given);
 
-// The facts among the options. A RuleError for what is wrong.
+// The facts among the options. A UsageError for what is wrong.
 MessageFacts messageFacts(GivenSettings const& given);
 bool hasFacts(GivenSettings const& given);
 

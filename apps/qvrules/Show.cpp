@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Show.h"
 
-#include "apps/common/SettingsTable.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -109,8 +108,6 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
         } else {
             writeOutput(arguments.m_output, s_drawn(arguments, drawing, extras));
         }
-    } catch (SettingsError const& error) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }

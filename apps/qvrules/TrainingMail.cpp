@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/TrainingMail.h"
 
-#include "apps/common/SettingsTable.h"
 #include "apps/qvrules/CorpusPath.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/learn/VectorCsv.h"
@@ -135,11 +134,7 @@ bool TrainingMail::isEmpty() const {
 
 Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
                                TrainingMailCounts& counts) {
-    try {
-        return TrainingMailReader(mail, progress, counts).read();
-    } catch (SettingsError const& error) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badRules, error.what());
-    }
+    return TrainingMailReader(mail, progress, counts).read();
 }
 
 } // namespace Quorvane::RulesApp

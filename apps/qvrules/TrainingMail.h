@@ -45,7 +45,7 @@ struct TrainingMailCounts {
 };
 
 // All of it, with the sources of some messages of each kind. A RuleError for an input that cannot
-// be read.
+// be read, a SettingsError for settings that cannot be put in force.
 Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
                                TrainingMailCounts& counts);
 

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// qvrules: the command line. CLI11 compiles slowly: only this and HostOptions.cpp include it.
+// qvrules: the command line.
 #include "apps/common/SettingsTable.h"
-#include "apps/common/ValueNames.h"
+#include "apps/qvrules/Command.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Diff.h"
 #include "apps/qvrules/Evaluate.h"
 #include "apps/qvrules/Explain.h"
-#include "apps/qvrules/HostOptions.h"
 #include "apps/qvrules/Learn.h"
-#include "apps/qvrules/OptionTable.h"
 #include "apps/qvrules/Show.h"
 #include "apps/qvrules/Test.h"
 #include "apps/workshop/MailVectors.h"
@@ -17,12 +15,8 @@
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
-#include <CLI/CLI.hpp>
-#include <functional>
 #include <iostream>
-#include <memory>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 namespace Quorvane::RulesApp {
@@ -48,66 +42,6 @@ constexpr char examples[] =
     "usage, 65 a rule text with errors, 66 an input that cannot be opened, 73 an\n"
     "output that cannot be written, 78 bad settings or rules that no engine would\n"
     "load. 70 is a fault of the program or of the machine.";
-
-// What to run once the command line has been read.
-using Action = std::function<int()>;
-
-// A command of the table while its arguments are tied to the members of Options that they fill.
-template<typename Options>
-class Command {
-  public:
-    Command(CLI::App& app, Action& action, char const* name, int (*run)(Options const&))
-        : m_row(commandRow(name)), m_command(app.add_subcommand(m_row.m_name, m_row.m_summary)),
-          m_options(std::make_shared<Options>()) {
-        m_command->footer(m_row.m_footer);
-        m_command->callback([options = m_options, run, &action] {
-            action = [options, run] { return run(*options); };
-        });
-    }
-
-    template<typename Value>
-    Command& tie(char const* names, Value Options::*member) {
-        auto const& row = argumentRow(m_row, names);
-        auto& value = (*m_options).*member;
-        if constexpr (std::is_same_v<Value, bool>) {
-            m_command->add_flag(row.m_names, value, row.m_help);
-        } else {
-            describe(*m_command->add_option(row.m_names, value, row.m_help), row);
-        }
-        return *this;
-    }
-
-    // The settings and facts that the command takes.
-    Command& tieSettings(GivenSettings Options::*member) {
-        if (m_row.m_takesSettings) {
-            addHostOptions(*m_command, (*m_options).*member);
-        }
-        if (m_row.m_takesThresholds) {
-            addThresholdOptions(*m_command, (*m_options).*member);
-        }
-        if (m_row.m_takesFacts) {
-            addFactOptions(*m_command, (*m_options).*member);
-        }
-        return *this;
-    }
-
-  private:
-    static void describe(CLI::Option& option, ArgumentRow const& row) {
-        option.required(row.m_isRequired);
-        option.type_name(row.isOption() ? row.m_valueName : "");
-        if (row.isValueOptional()) {
-            option.expected(0, 1);
-        }
-        auto const literals = literalsOf(row.m_valueName);
-        if (!literals.empty() && literals == alternativesOf(row.m_valueName)) {
-            option.check(CLI::IsMember(literals).description(""));
-        }
-    }
-
-    CommandRow const& m_row;
-    CLI::App* m_command;
-    std::shared_ptr<Options> m_options;
-};
 
 void s_addFileCommands(CLI::App& app, Action& action) {
     Command(app, action, "compile", compile)
@@ -261,7 +195,7 @@ int s_guardedRun(int argc, char** argv) {
         s_complain(std::string("qvrules: ") + error.what() + "; --help shows the options");
         return ExitStatus::usage;
     } catch (SettingsError const& error) {
-        s_complain(std::string("qvrules: ") + error.what());
+        s_complain(error.what());
         return ExitStatus::badRules;
     } catch (Workshop::ScanInterrupted const& interrupted) {
         return ExitStatus::interrupted + interrupted.m_signal;
