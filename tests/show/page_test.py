@@ -114,6 +114,9 @@ class Page(showpage.ShowPageTest):
             self.assertEqual(self.browser.run(
                 "return Array.from(document.querySelectorAll('#elite tbody tr'))"
                 ".filter((row) => !row.hidden).map((row) => row.dataset.code)"), rules, text)
+        self.browser.find("#search").send_keys("no such words")
+        self.judge("first_reverse_dynamic=yes, hop_behind_first=0")
+        self.assertEqual(self.shown_nodes(), [2, 6, 8, 10, 12])
         self.browser.find("#search").send_keys(Keys.ESCAPE)
         self.assertEqual(self.browser.find("#found").text, "")
         self.assertGreater(len(self.shown_nodes()), 3)

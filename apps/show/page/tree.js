@@ -76,14 +76,15 @@ const QvTree = (() => {
     show();
   }
 
-  // Opens everything above the items, and nothing else when `isAlone`.
+  // Opens everything above the items, and nothing else when `isAlone`. A search shows them too.
   function reveal(chosen, isAlone = false) {
     if (isAlone) {
       openTo(1);
     }
     for (const item of chosen) {
-      for (let above = ofItem(item)?.parent; above; above = above.parent) {
-        above.isOpen = true;
+      for (let one = ofItem(item); one; one = one.parent) {
+        one.isOpen ||= one.item !== item;
+        found?.add(one);
       }
     }
     show();
