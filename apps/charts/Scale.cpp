@@ -1,24 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/Scale.h"
 
+#include "apps/common/NumberText.h"
+
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 
 namespace Quorvane::Charts {
-
-namespace {
-
-std::string s_number(double value) {
-    std::array<char, 32> text{};
-    auto const end =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 4)
-            .ptr;
-    return {text.data(), end};
-}
-
-} // namespace
 
 double Scale::at(double share) const {
     double part = std::clamp(share, 0.0, 1.0);
@@ -37,14 +25,14 @@ std::vector<double> Scale::ticks() const {
 
 std::string Scale::label(double tick) const {
     if (m_kind == Kind::confidence) {
-        return s_number(tick);
+        return numberText(tick);
     }
     bool const isLeast = m_kind == Kind::logarithmic && tick == leastShown;
     return (isLeast ? "\xE2\x89\xA4 " : "") + tickText(tick);
 }
 
 std::string tickText(double share) {
-    return s_number(100.0 * share) + " %";
+    return numberText(100.0 * share) + " %";
 }
 
 } // namespace Quorvane::Charts

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/RuleStory.h"
 
+#include "apps/common/NumberText.h"
 #include "rules/format/AttributeTable.h"
 #include "rules/format/ValueWords.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <set>
 #include <utility>
 
@@ -166,15 +165,6 @@ std::string testText(std::int32_t attribute, std::int32_t test, std::int32_t val
     }
     auto const index = static_cast<std::size_t>(attribute);
     return std::string(attributeTable[index].m_name) + relation + valueText(index, value);
-}
-
-std::string numberText(double value) {
-    constexpr int digits = 4;
-    std::array<char, 32> text{};
-    auto const end = std::to_chars(text.data(), text.data() + text.size(), value,
-                                   std::chars_format::general, digits)
-                         .ptr;
-    return {text.data(), end};
 }
 
 Rules::SentenceNames sentenceNames(Record const& record) {

@@ -20,9 +20,6 @@ namespace Quorvane {
 // attribute is shown as a number.
 std::string testText(std::int32_t attribute, std::int32_t test, std::int32_t value);
 
-// A number for people: four significant digits.
-std::string numberText(double value);
-
 // The names that sentences about this message can hold.
 Rules::SentenceNames sentenceNames(DeepHeaderAdapter::MsgProperties const& record);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/TextRecord.h"
 
-#include "apps/common/RuleStory.h"
+#include "apps/common/NumberText.h"
 #include "apps/common/Utf8.h"
 #include "apps/common/VerdictStory.h"
 #include "scanner/records/RecordAccess.h"

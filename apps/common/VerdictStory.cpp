@@ -2,6 +2,7 @@
 #include "apps/common/VerdictStory.h"
 
 #include "apps/common/Alternatives.h"
+#include "apps/common/NumberText.h"
 #include "apps/common/RuleStory.h"
 #include "scanner/records/RecordAccess.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/RuleStory.h"
+#include "apps/common/NumberText.h"
 #include "apps/evaluation/DifferenceSections.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/page/Escape.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/Style.h"
 #include "apps/charts/VerdictChart.h"
-#include "apps/common/RuleStory.h"
+#include "apps/common/NumberText.h"
 #include "apps/evaluation/Assets.h"
 #include "apps/evaluation/DifferenceSections.h"
 #include "apps/evaluation/HtmlParts.h"

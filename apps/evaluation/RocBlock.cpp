@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/RocChart.h"
-#include "apps/common/RuleStory.h"
+#include "apps/common/NumberText.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/evaluation/Sections.h"
 #include "apps/page/Table.h"

@@ -3,10 +3,10 @@
 #include "apps/show/Drawings.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Shades.h"
+#include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 
 namespace Quorvane::Show {
 
@@ -120,9 +120,7 @@ class DotWriter {
     std::string width(ShownBranch const& branch) const {
         constexpr double thickest = 12.0;
         auto const share = shareOf(m_drawing, m_drawing.m_rules.m_nodes[branch.m_index]);
-        std::array<char, 32> text{};
-        std::snprintf(text.data(), text.size(), "%.2f", 0.5 + thickest * share);
-        return text.data();
+        return Rules::fixedText(0.5 + thickest * share, 2);
     }
 
     Drawing const& m_drawing;

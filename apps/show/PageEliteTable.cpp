@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/RuleStory.h"
+#include "apps/common/NumberText.h"
 #include "apps/page/Escape.h"
 #include "apps/show/Numbers.h"
 #include "apps/show/Page.h"

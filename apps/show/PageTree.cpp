@@ -4,10 +4,9 @@
 #include "apps/show/Numbers.h"
 #include "apps/show/Page.h"
 #include "apps/show/Shades.h"
+#include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 namespace Quorvane::Show {
 
@@ -18,9 +17,7 @@ constexpr std::size_t indentedLevels = 16;
 
 // "25.0" of a share of 0.25, for the width of a bar of 100.
 std::string s_width(double share) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.2f", 100.0 * std::clamp(share, 0.0, 1.0));
-    return text.data();
+    return Rules::fixedText(100.0 * std::clamp(share, 0.0, 1.0), 2);
 }
 
 std::string s_bar(double share, std::string const& kind) {

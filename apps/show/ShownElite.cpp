@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/ShownElite.h"
 
+#include "apps/common/NumberText.h"
 #include "apps/common/RuleStory.h"
 #include "apps/show/Numbers.h"
 #include "rules/check/EliteRun.h"

@@ -5,10 +5,9 @@
 #include "apps/show/NodeText.h"
 #include "apps/show/Shades.h"
 #include "apps/show/SvgLayout.h"
+#include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 namespace Quorvane::Show {
 
@@ -31,9 +30,7 @@ constexpr std::size_t testLength = 40;
 constexpr std::size_t eliteLength = 150;
 
 std::string s_number(double number) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.1f", number);
-    return text.data();
+    return Rules::fixedText(number, 1);
 }
 
 // U+FFFE and U+FFFF are characters that XML cannot hold.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/TextFigures.h"
 
-#include "apps/common/RuleStory.h"
+#include "apps/common/NumberText.h"
 #include "apps/show/Numbers.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseRunner.h"
 
+#include "apps/common/NumberText.h"
 #include "apps/common/RuleStory.h"
 #include "apps/common/SettingsTable.h"
 #include "apps/common/Utf8.h"
