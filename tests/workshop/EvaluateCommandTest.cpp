@@ -138,6 +138,25 @@ TEST_F(EvaluateCommand, SaysWhatItCannotWrite) {
     EXPECT_THAT(result.m_errors, HasSubstr(path));
 }
 
+TEST_F(EvaluateCommand, WritesIntoWhatALinkLeadsTo) {
+    auto const target = m_folder.write("target", "before");
+    auto const link = m_folder.path() / "link";
+    std::filesystem::create_symlink(target, link);
+    auto arguments = mail();
+    arguments.insert(arguments.end(), {"-o", link.string()});
+    ASSERT_EQ(run(arguments).m_status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    std::ostringstream content;
+    content << std::ifstream(target).rdbuf();
+    EXPECT_THAT(content.str(), HasSubstr("spam called spam"));
+
+    std::filesystem::remove(link);
+    std::filesystem::create_directory_symlink(m_folder.path(), link);
+    auto const refused = run(arguments);
+    EXPECT_EQ(refused.m_status, 73);
+    EXPECT_THAT(refused.m_errors, HasSubstr(link.string() + ": cannot be written: Is a directory"));
+}
+
 TEST_F(EvaluateCommand, RefusesBadRulesAndMissingMail) {
     EXPECT_EQ(run({}).m_status, 64);
     EXPECT_EQ(run({"--ham", "absent"}).m_status, 66);
