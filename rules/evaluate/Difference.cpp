@@ -125,8 +125,9 @@ class Comparison {
             changes.m_noLongerDecided += wasDecided ? messages : 0;
             return;
         }
+        // Each sum by itself, so that equal ones differ by nothing at all.
         auto const change =
-            after.m_confidence + after.m_adjust - before.m_confidence - before.m_adjust;
+            (after.m_confidence + after.m_adjust) - (before.m_confidence + before.m_adjust);
         changes.m_up += change > 0.0 ? messages : 0;
         changes.m_down += change < 0.0 ? messages : 0;
         changes.m_sum += std::abs(change) * static_cast<double>(messages);
