@@ -120,6 +120,12 @@ int show(ShowArguments const& arguments) {
         std::cerr << "show: --message is for a page: add --format html or --serve\n";
         return ExitStatus::usage;
     }
+    bool const wantsFile = arguments.m_format == "dot" || arguments.m_format == "svg" ||
+                           arguments.m_output != "-";
+    if (arguments.m_serve && wantsFile) {
+        std::cerr << "show: --serve shows the page in a browser: leave out --format and -o\n";
+        return ExitStatus::usage;
+    }
     auto const port = s_port(arguments.m_serve.value_or(""));
     if (!port) {
         std::cerr << "show: --serve takes a port from 1 to 65535, or nothing, not \""
