@@ -15,7 +15,7 @@ namespace {
 
 // Columns fit what is usual; longer text pushes the rest of its line.
 constexpr std::size_t verdictWidth = 4;
-constexpr std::size_t confidenceWidth = 6;
+constexpr std::size_t confidenceWidth = 8;
 constexpr std::size_t nodeWidth = 5;
 constexpr std::size_t addressWidth = 31; // two IPv4 addresses
 

@@ -102,12 +102,12 @@ TEST_F(Terminal, ShowsAlignedColouredText) {
     EXPECT_NE(text.find("\x1B[31mspam"), std::string::npos) << text;
     EXPECT_NE(text.find("\x1B[32mham"), std::string::npos) << text;
     auto const plain = s_plain(text);
-    EXPECT_NE(plain.find("spam  0.99    3      192.0.2.7                        " + box +
+    EXPECT_NE(plain.find("spam  0.99      3      192.0.2.7                        " + box +
                          ":1\n"
-                         "ham   0.02    4      192.0.2.7                        " +
+                         "ham   0.02      4      192.0.2.7                        " +
                          box +
                          ":2\n"
-                         "none  0.5     5      192.0.2.7                        " +
+                         "none  0.5       5      192.0.2.7                        " +
                          box +
                          ":3\n"
                          "status 1\n"),
