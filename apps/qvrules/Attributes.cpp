@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "rules/language/AttributePage.h"
-
-#include <iostream>
 
 namespace Quorvane::RulesApp {
 
 int listAttributes(AttributesOptions const& /*options*/) {
-    std::cout << Rules::attributePage();
+    writeOutput("-", Rules::attributePage());
     return ExitStatus::well;
 }
 

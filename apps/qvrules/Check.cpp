@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/FindingOutput.h"
+#include "apps/qvrules/Output.h"
 #include "rules/check/Checker.h"
 #include "rules/check/Drift.h"
 #include "rules/model/RuleFolder.h"
 
 #include <algorithm>
-#include <iostream>
 #include <iterator>
 
 namespace Quorvane::RulesApp {
@@ -20,8 +20,8 @@ int check(CheckOptions const& options) {
         std::move(drift.begin(), drift.end(), std::back_inserter(findings));
     }
     CheckedRules const checked{options.m_path, rules, options.m_against};
-    std::cout << (options.m_format == "json" ? findingsAsJson(checked, findings)
-                                             : findingsAsText(checked, findings));
+    writeOutput("-", options.m_format == "json" ? findingsAsJson(checked, findings)
+                                                : findingsAsText(checked, findings));
     return findings.empty() ? ExitStatus::well : ExitStatus::findings;
 }
 

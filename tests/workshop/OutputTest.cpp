@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Where commands of qvrules put what they made, and what they say when they cannot. Devices are
+// reached through links in a folder of the test: the machine keeps its own whatever happens.
+#include "support/Program.h"
+#include "support/TemporaryFolder.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace Quorvane::Testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::HasSubstr;
+
+class Output : public ::testing::Test {
+  protected:
+    ProgramResult drawTo(fs::path const& path) const {
+        return runProgram(QV_RULES_PROGRAM, {"show", m_rules, "--format", "svg", "-o", path});
+    }
+
+    TemporaryFolder m_folder;
+    std::string m_rules =
+        m_folder.write("r.qvr", "version 1\nelite first\ndecide 0.97 code 9001 always\n");
+};
+
+TEST_F(Output, WritesIntoADeviceAndLeavesItThere) {
+    auto const full = m_folder.path() / "full";
+    fs::create_symlink("/dev/full", full);
+    auto const result = drawTo(full);
+    EXPECT_EQ(result.m_status, 73);
+    EXPECT_THAT(result.m_errors, HasSubstr(full.string() + ": cannot be written"));
+    EXPECT_TRUE(fs::is_character_file(full));
+}
+
+TEST_F(Output, WritesIntoAPipeAndLeavesItThere) {
+    auto const pipe = m_folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    auto const result = runProgram(
+        "/bin/sh",
+        {"-c", "exec 3<>\"$0\"; \"$1\" show \"$2\" -o \"$0\"; echo nothing >&3; head -c 5 <&3",
+         pipe, QV_RULES_PROGRAM, m_rules});
+    EXPECT_EQ(result.m_output, m_rules.substr(0, 5));
+    EXPECT_TRUE(fs::is_fifo(pipe));
+}
+
+TEST_F(Output, ReplacesWhatALinkNamesAndKeepsTheLink) {
+    fs::path const file = m_folder.write("drawn.svg", "old");
+    auto const link = m_folder.path() / "link";
+    fs::create_symlink(file, link);
+    EXPECT_EQ(drawTo(link).m_status, 0);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_GT(fs::file_size(file), 3U);
+}
+
+TEST_F(Output, FullDisksAreNoSuccess) {
+    for (auto const& command : {"check " + m_rules, std::string("attributes")}) {
+        auto const result = runProgram(
+            "/bin/sh", {"-c", std::string(QV_RULES_PROGRAM) + ' ' + command + " > /dev/full"});
+        EXPECT_EQ(result.m_status, 73) << command;
+        EXPECT_THAT(result.m_errors, HasSubstr("standard output"));
+    }
+}
+
+} // namespace
+} // namespace Quorvane::Testing
