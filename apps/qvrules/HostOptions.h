@@ -27,8 +27,8 @@ void addThresholdOptions(CLI::App& command, GivenSettings& given);
 // Adds what a host knows about a message besides its text.
 void addFactOptions(CLI::App& command, GivenSettings& given);
 
-// The settings file, if one was given, and over it the options. A SettingsError for what is wrong in
-// the file, a UsageError for a wrong option.
+// The settings file, if one was given, and over it the options. A SettingsError for what is wrong
+// in the file, a UsageError for a wrong option.
 HostSettings hostSettings(GivenSettings const& given);
 
 // The facts among the options. A UsageError for what is wrong.

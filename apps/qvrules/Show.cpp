@@ -120,8 +120,8 @@ int show(ShowArguments const& arguments) {
         std::cerr << "show: --message is for a page: add --format html or --serve\n";
         return ExitStatus::usage;
     }
-    bool const wantsFile = arguments.m_format == "dot" || arguments.m_format == "svg" ||
-                           arguments.m_output != "-";
+    bool const wantsFile =
+        arguments.m_format == "dot" || arguments.m_format == "svg" || arguments.m_output != "-";
     if (arguments.m_serve && wantsFile) {
         std::cerr << "show: --serve shows the page in a browser: leave out --format and -o\n";
         return ExitStatus::usage;

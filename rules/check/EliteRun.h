@@ -42,8 +42,8 @@ struct EliteRun {
     bool asksTree(DeepHeaderSettings const& settings) const;
 };
 
-// The rules that engines keep of a file, in their order: places in file.m_rules. They read as many as
-// the header announces.
+// The rules that engines keep of a file, in their order: places in file.m_rules. They read as many
+// as the header announces.
 std::vector<std::size_t> keptRules(EliteFile const& file);
 
 // With m_shadows filled.

@@ -164,9 +164,7 @@ TEST(Difference, JudgesEachVectorOnce) {
 
 // 0.1 + 0.2 - 0.1 - 0.2 is not 0.
 TEST(Difference, TheSameAdjustedConfidenceIsNoChange) {
-    auto const judge = [](AttributeVector const&) {
-        return s_judged(Verdict::none, 21, 0.1, 0.2);
-    };
+    auto const judge = [](AttributeVector const&) { return s_judged(Verdict::none, 21, 0.1, 0.2); };
     auto const changes = compare(s_mail(), judge, judge).m_confidence;
     EXPECT_EQ(changes.m_up, 0U);
     EXPECT_EQ(changes.m_down, 0U);
