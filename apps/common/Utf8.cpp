@@ -120,6 +120,19 @@ std::string toPrintable(std::string_view bytes) {
     return out;
 }
 
+std::string toPrintableLines(std::string_view text) {
+    std::string out;
+    for (;;) {
+        auto const end = text.find('\n');
+        out += toPrintable(text.substr(0, end));
+        if (end == std::string_view::npos) {
+            return out;
+        }
+        out += '\n';
+        text.remove_prefix(end + 1);
+    }
+}
+
 std::size_t columns(std::string_view text) {
     // Continuation bytes of UTF-8 take no column.
     return static_cast<std::size_t>(

@@ -18,6 +18,9 @@ std::vector<std::string> toUtf8(std::vector<std::string> const& texts);
 // The same with control characters as \xNN, so that hostile text cannot steer a terminal or forge a
 // second line.
 std::string toPrintable(std::string_view bytes);
+// The same for text of several lines: its line breaks stay. What is told in such lines must not
+// hold names with line breaks of their own.
+std::string toPrintableLines(std::string_view text);
 
 // How many characters of valid UTF-8 these are: the columns that they take on most terminals.
 std::size_t columns(std::string_view text);

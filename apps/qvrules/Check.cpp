@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/FindingOutput.h"
 #include "apps/qvrules/Output.h"
@@ -20,8 +21,9 @@ int check(CheckOptions const& options) {
         std::move(drift.begin(), drift.end(), std::back_inserter(findings));
     }
     CheckedRules const checked{options.m_path, rules, options.m_against};
-    writeOutput("-", options.m_format == "json" ? findingsAsJson(checked, findings)
-                                                : findingsAsText(checked, findings));
+    writeOutput("-", options.m_format == "json"
+                         ? findingsAsJson(checked, findings)
+                         : toPrintableLines(findingsAsText(checked, findings)));
     return findings.empty() ? ExitStatus::well : ExitStatus::findings;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "rules/check/Checker.h"
@@ -13,7 +14,7 @@ int decompile(DecompileOptions const& options) {
     auto const set = Rules::readFolder(options.m_folder);
     writeOutput(options.m_source, Rules::ruleText(set));
     if (auto const problem = Rules::loadProblem(set)) {
-        std::cerr << options.m_folder
+        std::cerr << toPrintable(options.m_folder)
                   << ": engines refuse these rules, and compile refuses the text "
                   << "until it is mended: " << *problem << '\n';
         return ExitStatus::findings;

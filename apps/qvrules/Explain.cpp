@@ -3,6 +3,7 @@
 
 #include "apps/common/TextExplain.h"
 #include "apps/common/TextRecord.h"
+#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/workshop/ExplainInput.h"
@@ -59,7 +60,7 @@ int explain(ExplainArguments const& arguments) {
     try {
         Workshop::ExplainInput input(arguments.m_input, interrupt);
         if (input.isVectors() && hasFacts(arguments.m_settings)) {
-            std::cerr << "explain: " << arguments.m_input
+            std::cerr << "explain: " << toPrintable(arguments.m_input)
                       << " holds vectors, and what is known of a message changes none: leave out "
                          "--env-from and the like\n";
             return ExitStatus::usage;

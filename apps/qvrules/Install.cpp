@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/FindingOutput.h"
 #include "rules/check/Checker.h"
@@ -57,7 +58,7 @@ int install(InstallOptions const& options) {
     s_refuseUnloadable(options, rules.m_set);
     auto const findings = Rules::checkRules(rules.m_set, programDefaults());
     if (!findings.empty()) {
-        std::cerr << findingsAsText({options.m_source, rules, ""}, findings);
+        std::cerr << toPrintableLines(findingsAsText({options.m_source, rules, ""}, findings));
     }
     if (!options.m_isForced && std::any_of(findings.begin(), findings.end(), s_isError)) {
         std::cerr << "nothing was installed; mend the errors, or add --force\n";

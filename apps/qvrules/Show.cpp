@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Show.h"
 
+#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -129,7 +130,7 @@ int show(ShowArguments const& arguments) {
     auto const port = s_port(arguments.m_serve.value_or(""));
     if (!port) {
         std::cerr << "show: --serve takes a port from 1 to 65535, or nothing, not \""
-                  << *arguments.m_serve << "\"; give the rules before it\n";
+                  << toPrintable(*arguments.m_serve) << "\"; give the rules before it\n";
         return ExitStatus::usage;
     }
     auto const settings = hostSettings(arguments.m_settings);

@@ -2,6 +2,7 @@
 //
 // qvrules: the command line.
 #include "apps/common/SettingsTable.h"
+#include "apps/common/Utf8.h"
 #include "apps/qvrules/Command.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Diff.h"
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -145,7 +147,7 @@ int s_status(Rules::RuleError::Kind kind) {
 
 void s_complain(std::string const& text) {
     auto const hasEnd = !text.empty() && text.back() == '\n';
-    std::cerr << text << (hasEnd ? "" : "\n");
+    std::cerr << toPrintableLines(text) << (hasEnd ? "" : "\n");
 }
 
 // What the parser would only call unexpected: a first word that is no command.
@@ -180,7 +182,13 @@ int s_run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? ExitStatus::well : ExitStatus::usage;
+        std::ostringstream complaint;
+        auto const status = app.exit(error, std::cout, complaint);
+        if (status == 0) {
+            return ExitStatus::well;
+        }
+        s_complain(complaint.str());
+        return ExitStatus::usage;
     }
     return action();
 }

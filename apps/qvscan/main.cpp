@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/ExitCode.h"
+#include "apps/common/Utf8.h"
 #include "apps/qvscan/Options.h"
 #include "apps/qvscan/ScanRun.h"
 
@@ -31,7 +32,7 @@ int s_main(std::vector<std::string> const& arguments) {
 }
 
 int s_fail(std::string const& text, int status) {
-    std::cerr << "qvscan: " << text << "\n";
+    std::cerr << "qvscan: " << toPrintableLines(text) << "\n";
     return status;
 }
 

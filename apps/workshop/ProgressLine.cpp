@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/ProgressLine.h"
 
+#include "apps/common/Utf8.h"
+
 #include <iostream>
 #include <utility>
 
@@ -25,7 +27,7 @@ bool ProgressLine::isDue() {
 }
 
 void ProgressLine::print(std::string const& text) const {
-    std::cerr << m_program + ": " + text + "\n";
+    std::cerr << m_program + ": " + toPrintable(text) + "\n";
 }
 
 } // namespace Quorvane::Workshop

@@ -45,6 +45,12 @@ TEST(Utf8, ConvertedTextStaysAsItIs) {
     }
 }
 
+TEST(Utf8, PrintableLinesKeepTheirBreaksAndNoOtherControl) {
+    EXPECT_EQ(toPrintableLines("a\x1B[31m\n\nb\r\n"), "a\\x1B[31m\n\nb\\x0D\n");
+    EXPECT_EQ(toPrintableLines("no break"), "no break");
+    EXPECT_EQ(toPrintableLines(""), "");
+}
+
 TEST(Utf8, PrintableTextHoldsNoControls) {
     EXPECT_EQ(toPrintable("a\x1B[31mb\n\x7F"), "a\\x1B[31mb\\x0A\\x7F");
     EXPECT_EQ(toPrintable("\xC2\x9B"

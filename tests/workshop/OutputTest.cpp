@@ -66,5 +66,30 @@ TEST_F(Output, FullDisksAreNoSuccess) {
     }
 }
 
+// Whoever names a file or a word on the command line must not steer the terminal of who reads it.
+TEST_F(Output, HostileNamesSteerNoTerminal) {
+    std::string const evil = "\x1B]0;x\x07";
+    auto const rules = m_folder.write("r" + evil + ".qvr", "version 0\n");
+    std::vector<std::vector<std::string>> const commands{
+        {evil},
+        {"check", rules},
+        {"check", m_rules, evil},
+        {"check", "absent" + evil},
+        {"explain", m_rules, "absent" + evil},
+        {"explain", m_rules, "chain_broken=" + evil},
+        {"show", m_rules, "--serve", evil},
+        {"evaluate", m_rules, "--ham", "absent" + evil},
+        {"evaluate", m_rules, "--spam-threshold", evil},
+        {"install", rules, "--root", m_folder.path() / "root"},
+    };
+    for (auto const& command : commands) {
+        auto const result = runProgram(QV_RULES_PROGRAM, command);
+        EXPECT_EQ((result.m_output + result.m_errors).find('\x1B'), std::string::npos)
+            << result.m_output << result.m_errors;
+        EXPECT_NE((result.m_output + result.m_errors).find("\\x1B"), std::string::npos)
+            << result.m_output << result.m_errors;
+    }
+}
+
 } // namespace
 } // namespace Quorvane::Testing
