@@ -16,6 +16,7 @@
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
+#include <csignal>
 #include <iostream>
 #include <sstream>
 #include <string_view>
@@ -218,5 +219,7 @@ int s_guardedRun(int argc, char** argv) {
 } // namespace Quorvane::RulesApp
 
 int main(int argc, char** argv) {
+    // A reader that has seen enough ends us without a word, whatever we were started with.
+    std::signal(SIGPIPE, SIG_DFL);
     return Quorvane::RulesApp::s_guardedRun(argc, argv);
 }

@@ -66,6 +66,12 @@ TEST_F(Output, FullDisksAreNoSuccess) {
     }
 }
 
+TEST_F(Output, AReaderThatHasSeenEnoughIsNoError) {
+    std::string const script = "exec 3> >(exec true); wait $!; exec \"$0\" attributes >&3";
+    auto const result = runProgram("/bin/bash", {"-c", script, QV_RULES_PROGRAM});
+    EXPECT_EQ(result.m_errors, "");
+}
+
 // Whoever names a file or a word on the command line must not steer the terminal of who reads it.
 TEST_F(Output, HostileNamesSteerNoTerminal) {
     std::string const evil = "\x1B]0;x\x07";
