@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Third stage of a scan: completes the attribute vector from the hop slots and the addresses, with
-// at most two DNS look-ups.
+// at most two DNS look-ups, which the stage before has begun.
 #include "adapter/DeepHeaderAdapter.h"
 #include "adapter/NameRelation.h"
-#include "platform/Resolver.h"
 
 namespace Quorvane {
 
@@ -19,26 +18,15 @@ std::int32_t s_relation(std::string const& a, std::string const& b) {
     return a.empty() || b.empty() ? Code::unknown : s_domainMatch(a, b);
 }
 
-// Nothing is asked for an empty name, which does not resolve.
-PendingLookup s_startLookup(std::string const& name) {
-    return name.empty() ? PendingLookup()
-                        : Resolver::instance().start(RecordType::mailName, name, RecordClass::IN);
-}
-
-// A literal needs no look-up, and where nothing was analysed there is nothing to look up.
-PendingLookup s_startHeloLookup(SingleReceiver const& hop) {
-    return hop.heloIsIP == Code::no ? s_startLookup(hop.helo) : PendingLookup();
-}
-
-std::int32_t s_resolves(PendingLookup& lookup) {
-    return lookup.wait().isEmpty() ? Code::no : Code::yes;
+std::int32_t s_yesOrNo(bool isSo) {
+    return isSo ? Code::yes : Code::no;
 }
 
 std::int32_t s_sameAddress(SingleReceiver const& deep, SingleReceiver const& first) {
     if (deep.ip.empty()) {
         return Code::unknown;
     }
-    return deep.ip == first.ip ? Code::yes : Code::no;
+    return s_yesOrNo(deep.ip == first.ip);
 }
 
 void s_copyFirstHop(AttributeVector& attributes, SingleReceiver const& hop) {
@@ -64,6 +52,14 @@ void s_copyDeepHop(AttributeVector& attributes, SingleReceiver const& hop) {
 
 } // namespace
 
+// A literal needs no look-up, and where nothing was analysed there is nothing to look up.
+void DeepHeaderAdapter::startLookups(MsgProperties& props) {
+    std::string const nothing;
+    auto const& first = props.receivers[0];
+    props.lookups.start(first.heloIsIP == Code::no ? first.helo : nothing,
+                        props.envelopeFrom.domain());
+}
+
 void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
     std::string const& fromDomain = props.headerFrom.domain();
     std::string envFromDomain = props.envelopeFrom.domain();
@@ -72,9 +68,10 @@ void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
     auto const& deep = props.receivers[1];
     auto& attributes = props.attributes;
 
-    // Both are under way before either is waited for: a scan then takes as long as the slower one.
-    auto heloLookup = s_startHeloLookup(first);
-    auto envelopeLookup = s_startLookup(envFromDomain);
+    if (!props.lookups.areUnderWay()) {
+        startLookups(props);
+    }
+    auto const answers = props.lookups.finish();
 
     attributes[Attribute::messageIdHasDot] =
         props.messageIdDomain.find('.') != std::string::npos ? 1 : 0;
@@ -82,8 +79,8 @@ void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
     attributes[Attribute::fromMatchesEnvelope] = s_relation(fromDomain, envFromDomain);
     s_copyFirstHop(attributes, first);
     attributes[Attribute::firstHeloResolves] =
-        first.heloIsIP == Code::no ? s_resolves(heloLookup) : first.heloIsIP;
-    attributes[Attribute::envelopeDomainResolves] = s_resolves(envelopeLookup);
+        first.heloIsIP == Code::no ? s_yesOrNo(answers.m_doesAnnouncedResolve) : first.heloIsIP;
+    attributes[Attribute::envelopeDomainResolves] = s_yesOrNo(answers.m_doesSenderResolve);
     attributes[Attribute::heloIsRecipientNotEnvelope] =
         s_ThreeWayMisMatch(first.helo, rcptDomain, envFromDomain) ? 1 : 0;
     s_copyDeepHop(attributes, deep);

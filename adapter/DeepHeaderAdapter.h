@@ -8,6 +8,7 @@
 // engine, and every caller of it holds DeepHeaderScanner::m_Mutex.
 #pragma once
 
+#include "adapter/NameLookups.h"
 #include "DeepHeaderAnswer.h"
 #include "DeepHeaderQuery.h"
 #include "include2/Export.h"
@@ -70,6 +71,7 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
         std::array<std::int32_t, attributeCount> attributes;
         std::string scoredHopIP;
         std::int32_t scoredHopScore = 0;
+        NameLookups lookups; // under way from the first public hop on, until the vector needs them
     };
 
     // The result of one run over the elite rules.
@@ -99,6 +101,9 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
     void getResults(DeepHeaderAnswerImpl& answer, DeepHeaderQuery& query, MsgProperties& props);
 
     // Parts of the stages.
+    // Begins to ask for the names that getAttributes has to know of: those of the first slot and of
+    // the envelope sender.
+    static void startLookups(MsgProperties& props);
     int parseSingleReceiver(MsgReceived& hop, SingleReceiver& slot, MsgProperties& props);
     int checkElite(EliteHits& hits, MsgProperties& props, DeepHeaderSettings const& settings);
     // The node that decides, starting from node `start`; -1 when none does.

@@ -194,6 +194,9 @@ class ChainWalk {
 
     void visitFirstPublic(MsgReceived& hop) {
         m_adapter.parseSingleReceiver(hop, m_props.receivers[0], m_props);
+        // isForged may wait for DNS. What the vector needs to know of DNS is known by now, and
+        // asked for meanwhile: a scan then takes as long as its slowest look-up.
+        DeepHeaderAdapter::startLookups(m_props);
         m_props.receivers[0].isForged = hop.isForged();
         m_previousFrom = hop.from();
         m_stage = Stage::atFirst;

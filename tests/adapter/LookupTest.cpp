@@ -3,6 +3,7 @@
 // The scan's DNS look-ups against a real server: what it answers, what it refuses, what it cannot
 // answer and what it keeps to itself.
 #include "Engine.h"
+#include "received/ReceivedAccess.h"
 #include "support/DnsServer.h"
 #include "support/LateDnsServer.h"
 #include "support/SilentDnsServer.h"
@@ -49,6 +50,12 @@ class LookupTest : public EngineTest {
         Message message("Received: from " + helo + " ([192.0.2.7]) by mx.test\n");
         message.m_from = address(sender);
         return attributes(message);
+    }
+
+    // Look-ups so far that failed or came late.
+    static std::uint64_t unanswered() {
+        auto const counters = Resolver::instance().counters();
+        return counters.m_failed + counters.m_late;
     }
 
     static std::unique_ptr<DnsServer> s_server;
@@ -98,10 +105,9 @@ TEST_F(LookupTest, AFailedLookUpIsCountedAndSaysNothingAgainstTheMessage) {
 }
 
 TEST_F(LookupTest, AnAnswerThatSaysNoIsNoFailure) {
-    auto const before = Resolver::instance().counters();
+    auto const before = unanswered();
     judge("gone.here.test", "gone.here.test", "a@gone.here.test");
-    EXPECT_EQ(Resolver::instance().counters().m_failed, before.m_failed);
-    EXPECT_EQ(Resolver::instance().counters().m_late, before.m_late);
+    EXPECT_EQ(unanswered(), before);
 }
 
 TEST_F(LookupTest, ASilentServerCostsItsDeadlineAndIsCounted) {
@@ -115,17 +121,80 @@ TEST_F(LookupTest, ASilentServerCostsItsDeadlineAndIsCounted) {
     EXPECT_GT(Resolver::instance().counters().m_late, before.m_late);
 }
 
-// The server answers no question before both names were asked for; a scan that waited for the first
-// answer before it asked for the second name would get neither in time.
+// The server answers no question before all names were asked for; a scan that waited for an answer
+// before it asked for the next name would get none.
 TEST_F(LookupTest, TheNamesOfAScanAreAskedForSideBySide) {
-    LateDnsServer const server(std::chrono::milliseconds(0), {"relay.late.test.", "late.test."});
+    struct {
+        char const* m_received;
+        char const* m_sender;
+        std::set<std::string> m_names;
+    } const rows[] = {
+        {"relay.late.test (client.late.test [192.0.2.8])",
+         "a@late.test",
+         {"client.late.test.", "relay.late.test.", "late.test."}},
+        {"relay.late.test ([192.0.2.8])", "a@late.test", {"relay.late.test.", "late.test."}},
+        {"[192.0.2.8] (client.late.test [192.0.2.8])",
+         "a@late.test",
+         {"client.late.test.", "late.test."}},
+        {"relay.late.test (client.late.test [192.0.2.8])",
+         "",
+         {"client.late.test.", "relay.late.test."}},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.m_received);
+        LateDnsServer const server(std::chrono::milliseconds(0), row.m_names);
+        ask(server.address());
+        auto const before = unanswered();
+        Message message(std::string("Received: from ") + row.m_received + " by mx.test\n");
+        message.m_from = address(row.m_sender);
+        auto const props = attributes(message);
+        EXPECT_EQ(unanswered(), before);
+        EXPECT_EQ(server.names(), row.m_names);
+        // Every name has the address 192.0.2.7.
+        EXPECT_EQ(props.attributes[14], row.m_names.count("client.late.test."));
+        EXPECT_EQ(props.attributes[3], props.receivers[0].heloIsIP == 2 ? 2 : 1);
+        EXPECT_EQ(props.attributes[29], row.m_names.count("late.test."));
+    }
+}
+
+TEST_F(LookupTest, WithoutAPublicHopNothingIsAskedFor) {
+    LateDnsServer const server(std::chrono::milliseconds(0));
     ask(server.address());
-    auto const before = Resolver::instance().counters();
-    auto const props = judgeNameless("relay.late.test", "a@late.test");
-    EXPECT_EQ(props.attributes[3], 1);
-    EXPECT_EQ(props.attributes[29], 1);
-    EXPECT_EQ(Resolver::instance().counters().m_late, before.m_late);
-    EXPECT_EQ(server.names(), (std::set<std::string>{"relay.late.test.", "late.test."}));
+    Message message(received("relay.late.test", "client.late.test", "10.0.0.7", "mx.test"));
+    message.m_from = address("a@late.test");
+    auto props = fields(message);
+    EXPECT_FALSE(engine().parseFields(props));
+    // A question that comes behind whatever was asked.
+    Resolver::instance().submit(RecordType::A, "last.test", RecordClass::IN);
+    EXPECT_EQ(server.names(), std::set<std::string>{"last.test."});
+}
+
+TEST_F(LookupTest, OnlyTheFirstPublicHopIsAskedAboutAndKeepsItsAnswer) {
+    Message message(received("a", "elsewhere.here.test", "10.0.0.7", "mx.test") +
+                    received("b", "elsewhere.here.test", "192.0.2.7", "mx.test") +
+                    received("c", "elsewhere.here.test", "192.0.2.7", "mx.test"));
+    auto const props = attributes(message);
+    std::vector<int> forged;
+    for (auto const& hop : props.receivedList) {
+        forged.push_back(ReceivedAccess::fields(hop)->m_forged);
+    }
+    EXPECT_EQ(forged, (std::vector<int>{-1, 1, -1}));
+    EXPECT_EQ(props.receivers[0].isForged, 1);
+}
+
+// Look-ups belong to the record that began them.
+TEST_F(LookupTest, ACopyOfARecordAsksForItself) {
+    Message message(received("honest.here.test", "honest.here.test", "192.0.2.7", "mx.test"));
+    message.m_from = address("a@mail.here.test");
+    auto original = chain(message);
+    auto copy = original;
+    MsgProperties assigned;
+    assigned = original;
+    for (auto* props : {&copy, &original, &assigned}) {
+        engine().getAttributes(*props);
+        EXPECT_EQ(props->attributes[3], 1);
+        EXPECT_EQ(props->attributes[29], 1);
+    }
 }
 
 TEST_F(LookupTest, OneNameInBothPlacesIsOneName) {
@@ -157,6 +226,17 @@ TEST_F(LookupTest, AnAddressLiteralIsNotLookedUp) {
 }
 
 TEST_F(LookupTest, TheHostsOwnForgedFlagNeedsNoLookUp) {
+    LateDnsServer const server(std::chrono::milliseconds(0), {"relay.late.test."});
+    ask(server.address());
+    Message flagged;
+    flagged.m_currentReceived =
+        Header("Received", "from relay.late.test (client.late.test [192.0.2.7]) by mx.test");
+    flagged.m_currentIsForged = 0;
+    EXPECT_EQ(attributes(flagged).attributes[3], 1);
+    EXPECT_EQ(server.names(), std::set<std::string>{"relay.late.test."});
+}
+
+TEST_F(LookupTest, TheHostsOwnForgedFlagIsTakenAsItIs) {
     Message message;
     message.m_currentReceived =
         Header("Received", "from x (elsewhere.here.test [192.0.2.7]) by mx.test");

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// NameLookups: whether the two names of a scan resolve, asked side by side and apart from who needs
+// the answers. Part of a scan's record; one thread. Dropping it calls off what is under way.
+#pragma once
+
+#include "platform/Resolver.h"
+
+#include <string>
+
+namespace Quorvane {
+
+class NameLookups {
+  public:
+    struct Answers {
+        bool m_doesAnnouncedResolve;
+        bool m_doesSenderResolve;
+    };
+
+    NameLookups() = default;
+    NameLookups(NameLookups&&) noexcept = default;
+    NameLookups& operator=(NameLookups&&) noexcept = default;
+    ~NameLookups() = default;
+    // Answers go to whom asked: a copy has nothing under way.
+    NameLookups(NameLookups const& /*other*/) : NameLookups() {}
+    NameLookups& operator=(NameLookups const& other) { return *this = NameLookups(other); }
+
+    bool areUnderWay() const { return m_areUnderWay; }
+
+    // Asks for the name that a host announced and for the sender's domain. An empty name is not
+    // asked for and does not resolve. Does not block.
+    void start(std::string const& announced, std::string const& sender);
+
+    // Waits for the answers; a failed or late one counts as "does not resolve". Nothing is under
+    // way behind it.
+    Answers finish();
+
+  private:
+    bool m_areUnderWay = false;
+    PendingLookup m_announced;
+    PendingLookup m_sender;
+};
+
+} // namespace Quorvane
