@@ -2,11 +2,13 @@
 //
 // How a process ends that looked names up. Each case runs in a process of its own, which sanitizers
 // watch to its end.
+#include "platform/OwnSystem.h"
 #include "platform/ResolverFixture.h"
+#include "support/LateDnsServer.h"
 #include "support/SilentDnsServer.h"
 
 #include <cstdlib>
-#include <thread>
+#include <sys/wait.h>
 
 namespace Quorvane::Testing {
 namespace {
@@ -20,10 +22,33 @@ bool s_resolves(std::string const& name) {
     return !Resolver::instance().submit(RecordType::mailName, name, RecordClass::IN).isEmpty();
 }
 
+constexpr int notPermitted = 77;
+
+// The deadline of a process that never configured is short for a loaded machine.
+constexpr int enoughTries = 30;
+
+void s_exitAfterAskingTheSystem() {
+    if (!enterOwnSystem()) {
+        std::exit(notPermitted);
+    }
+    LateDnsServer const server(std::chrono::milliseconds(0), {}, 53);
+    bool isAnswered = false;
+    for (int tries = 0; tries < enoughTries && !isAnswered; ++tries) {
+        isAnswered = s_resolves("mail.example.test");
+    }
+    std::exit(isAnswered && server.names().count("mail.example.test.") == 1 ? 0 : 1);
+}
+
 TEST_F(ResolverExitDeathTest, ProcessThatNeverConfiguredAsksTheSystemAndEndsWell) {
-    // Whatever the system says, even that it has no server: there is no such name.
-    EXPECT_EXIT(std::exit(s_resolves("no-such-host.invalid") ? 1 : 0), testing::ExitedWithCode(0),
-                "");
+    int exitStatus = 0;
+    auto const endsWell = [&exitStatus](int status) {
+        exitStatus = WEXITSTATUS(status);
+        return WIFEXITED(status) && (exitStatus == 0 || exitStatus == notPermitted);
+    };
+    EXPECT_EXIT(s_exitAfterAskingTheSystem(), endsWell, "");
+    if (exitStatus == notPermitted) {
+        GTEST_SKIP() << "a process may not have a system of its own here";
+    }
 }
 
 TEST_F(ResolverExitDeathTest, ProcessThatNeverLookedUpEndsWell) {

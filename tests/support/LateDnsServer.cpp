@@ -38,8 +38,9 @@ std::string s_answer(std::string const& packet) {
 
 } // namespace
 
-LateDnsServer::LateDnsServer(std::chrono::milliseconds delay, std::set<std::string> awaited)
-    : m_socket(SOCK_DGRAM, 0), m_delay(delay), m_awaited(std::move(awaited)),
+LateDnsServer::LateDnsServer(std::chrono::milliseconds delay, std::set<std::string> awaited,
+                             int port)
+    : m_socket(SOCK_DGRAM, port), m_delay(delay), m_awaited(std::move(awaited)),
       m_thread(&LateDnsServer::run, this) {}
 
 LateDnsServer::~LateDnsServer() {

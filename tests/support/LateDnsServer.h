@@ -20,8 +20,9 @@ namespace Quorvane::Testing {
 class LateDnsServer {
   public:
     // Answers each question `delay` after it came, and none before each of the names in `awaited`
-    // ("mail.example.test.") was asked for.
-    explicit LateDnsServer(std::chrono::milliseconds delay, std::set<std::string> awaited = {});
+    // ("mail.example.test.") was asked for. Port 0 takes a free one.
+    explicit LateDnsServer(std::chrono::milliseconds delay, std::set<std::string> awaited = {},
+                           int port = 0);
     LateDnsServer(LateDnsServer const&) = delete;
     LateDnsServer& operator=(LateDnsServer const&) = delete;
     ~LateDnsServer();
