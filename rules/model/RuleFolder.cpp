@@ -3,10 +3,27 @@
 
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
+#include "rules/model/RuleError.h"
 
 namespace Quorvane::Rules {
 
+namespace {
+
+// A file in its place would be told as a fault of the tree in it.
+void s_checkIsNoFile(std::filesystem::path const& folder) {
+    std::error_code error;
+    if (std::filesystem::exists(folder, error) && !std::filesystem::is_directory(folder, error)) {
+        throw RuleError(RuleError::Kind::noInput,
+                        folder.string() + ": is no folder; give the folder that holds the rule " +
+                            "files " + treeFileName + ", " + eliteFileName + " and " +
+                            versionFileName);
+    }
+}
+
+} // namespace
+
 RuleSet readFolder(std::filesystem::path const& folder) {
+    s_checkIsNoFile(folder);
     RuleSet set;
     readTree(readFile(folder / treeFileName), set);
     if (auto const elite = readFileIfThere(folder / eliteFileName)) {

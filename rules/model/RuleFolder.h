@@ -9,8 +9,8 @@
 
 namespace Quorvane::Rules {
 
-// Reads a folder. A missing qv.dt is an error (no engine would load); a missing qv2.dt or README is
-// kept as missing.
+// Reads a folder. A missing qv.dt is an error (no engine would load), and so is a file instead of
+// the folder; a missing qv2.dt or README is kept as missing.
 RuleSet readFolder(std::filesystem::path const& folder);
 
 // Makes `folder` if need be and puts the files there, each in one step, README last. Files of the
