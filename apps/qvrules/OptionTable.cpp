@@ -156,7 +156,7 @@ constexpr auto table = std::to_array<CommandRow>({
      "          qvrules show my.qvr --format svg -o my.svg --on mail/today\n"
      "          qvrules show my.qvr --format html -o my.html --message odd.eml\n"
      "          qvrules show my.qvr --serve",
-     true},
+     true, true},
     {"explain", "Tell in plain words what rules say", explainArguments,
      "INPUT is a message or an mbox; or a table of vectors, as \"qvscan --format csv\"\n"
      "writes them; or, where there is no such file, a vector: NAME=VALUE,... with\n"

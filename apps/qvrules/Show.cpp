@@ -84,10 +84,13 @@ void s_serve(std::string const& page, Show::MessageExplainer const& explainer, i
     server.run(interrupt);
 }
 
+bool s_takesMessages(ShowArguments const& arguments) {
+    return !arguments.m_messages.empty() || arguments.m_serve;
+}
+
 // Whether the rules have to run, and not only to be drawn.
 bool s_needsEngine(ShowArguments const& arguments) {
-    return !arguments.m_on.empty() || !arguments.m_vectors.empty() ||
-           !arguments.m_messages.empty() || arguments.m_serve;
+    return !arguments.m_on.empty() || !arguments.m_vectors.empty() || s_takesMessages(arguments);
 }
 
 void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set,
@@ -97,7 +100,7 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     auto const table = s_mail(arguments, settings, counts);
     Interrupt interrupt; // behind the measuring, which reads signals of its own
     try {
-        Show::MessageExplainer const explainer(settings, set);
+        Show::MessageExplainer const explainer(settings, set, messageFacts(arguments.m_settings));
         bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
         auto const traffic = s_traffic(explainer.host(), table, counts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
@@ -125,6 +128,11 @@ int show(ShowArguments const& arguments) {
         arguments.m_format == "dot" || arguments.m_format == "svg" || arguments.m_output != "-";
     if (arguments.m_serve && wantsFile) {
         std::cerr << "show: --serve shows the page in a browser: leave out --format and -o\n";
+        return ExitStatus::usage;
+    }
+    if (hasFacts(arguments.m_settings) && !s_takesMessages(arguments)) {
+        std::cerr << "show: --env-from and the like tell about messages that a page explains: add "
+                     "--message or --serve\n";
         return ExitStatus::usage;
     }
     auto const port = s_port(arguments.m_serve.value_or(""));

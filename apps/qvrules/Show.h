@@ -22,7 +22,7 @@ struct ShowArguments {
     std::vector<std::string> m_messages;
     // Given: serve the page. Empty: on any port that is free.
     std::optional<std::string> m_serve;
-    GivenSettings m_settings;
+    GivenSettings m_settings; // settings and facts, which are of those messages
 };
 
 int show(ShowArguments const& arguments);

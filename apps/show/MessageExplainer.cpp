@@ -8,10 +8,13 @@
 #include "platform/HeaderReader.h"
 #include "rules/model/RuleError.h"
 
+#include <utility>
+
 namespace Quorvane::Show {
 
-MessageExplainer::MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules)
-    : m_host(settings, Workshop::loadEngine(rules)) {}
+MessageExplainer::MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules,
+                                   MessageFacts facts)
+    : m_host(settings, Workshop::loadEngine(rules)), m_facts(std::move(facts)) {}
 
 std::string MessageExplainer::explain(std::string const& source, std::string_view message) const {
     auto const headers = HeaderReader::read(message);
@@ -19,7 +22,7 @@ std::string MessageExplainer::explain(std::string const& source, std::string_vie
         throw Rules::RuleError(Rules::RuleError::Kind::badData,
                                source + ": no message: it has no header field");
     }
-    auto outcome = m_host.scan(headers, MessageFacts{});
+    auto outcome = m_host.scan(headers, m_facts);
     m_host.trace(outcome);
     return jsonRecord(m_host, source, outcome, true);
 }

@@ -17,8 +17,9 @@ namespace Quorvane::Show {
 
 class MessageExplainer {
   public:
-    // A RuleError when no host could load the rules; a SettingsError.
-    MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules);
+    // `facts`: what is known of every message. A RuleError when no host could load the rules; a
+    // SettingsError.
+    MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules, MessageFacts facts);
 
     // The JSON record of one message, as `qvscan --format json --explain` writes it. A RuleError
     // when there is no header field in it.
@@ -32,6 +33,7 @@ class MessageExplainer {
 
   private:
     ScanHost m_host;
+    MessageFacts m_facts;
 };
 
 } // namespace Quorvane::Show

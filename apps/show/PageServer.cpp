@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The only file that includes the library of the server: it compiles slowly.
 #include "apps/show/PageServer.h"
 
+#include "apps/show/HttpServer.h"
 #include "rules/model/RuleError.h"
 
-#include <atomic>
-#include <httplib.h>
-#include <sys/eventfd.h>
 #include <thread>
-#include <unistd.h>
 #include <utility>
 
 namespace Quorvane::Show {
@@ -17,10 +13,15 @@ namespace Quorvane::Show {
 namespace {
 
 constexpr char ownHost[] = "127.0.0.1";
+constexpr char explainPath[] = "/explain";
 
 namespace Status {
 constexpr int noContent = 204;
+constexpr int badRequest = 400;
 constexpr int forbidden = 403;
+constexpr int notFound = 404;
+constexpr int badMethod = 405;
+constexpr int tooLarge = 413;
 constexpr int unsupportedType = 415;
 constexpr int unprocessable = 422;
 } // namespace Status
@@ -30,59 +31,35 @@ void s_refuse(httplib::Response& response, int status, std::string const& why) {
     response.set_content(why + '\n', "text/plain; charset=utf-8");
 }
 
-// Two programs on one port would answer in turns; only a port that is left may be taken.
-void s_setOptions(socket_t socket) {
-    int const yes = 1;
-    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+void s_refuseLength(httplib::Response& response) {
+    s_refuse(response, Status::tooLarge,
+             "a message has at most " + std::to_string(maxPostedMessage >> 20) + " MiB here");
 }
-
-// A descriptor that says that the server ended.
-class Ended {
-  public:
-    Ended() : m_descriptor(::eventfd(0, EFD_CLOEXEC)) {}
-    Ended(Ended const&) = delete;
-    Ended& operator=(Ended const&) = delete;
-    ~Ended() { ::close(m_descriptor); }
-
-    void say() {
-        m_isSaid = true;
-        ::eventfd_write(m_descriptor, 1);
-    }
-    bool isSaid() const { return m_isSaid; }
-    int descriptor() const { return m_descriptor; }
-
-  private:
-    int m_descriptor;
-    std::atomic<bool> m_isSaid{false};
-};
 
 } // namespace
 
 struct PageServer::Server {
     Server(std::string page, Explain explain, int port)
-        : m_page(std::move(page)), m_explain(std::move(explain)) {
-        m_http.set_socket_options(s_setOptions);
-        m_http.set_payload_max_length(maxPostedMessage);
-        m_http.set_keep_alive_timeout(1); // seconds; the end waits for idle connections
-        m_port = port == 0                            ? m_http.bind_to_any_port(ownHost)
-                 : m_http.bind_to_port(ownHost, port) ? port
-                                                      : -1;
-        if (m_port < 0) {
+        : m_page(std::move(page)), m_explain(std::move(explain)), m_port(bind(port)) {
+        route();
+    }
+
+    int bind(int port) {
+        auto const bound = port == 0                            ? m_http.bind_to_any_port(ownHost)
+                           : m_http.bind_to_port(ownHost, port) ? port
+                                                                : -1;
+        if (bound < 0) {
             throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
                                    "port " + std::to_string(port) +
                                        ": cannot be served on; give another, or none to take "
                                        "any that is free");
         }
-        route();
+        return bound;
     }
 
     void route() {
         using httplib::Request;
         using httplib::Response;
-        m_http.set_default_headers({{"Cache-Control", "no-store"},
-                                    {"X-Content-Type-Options", "nosniff"},
-                                    {"X-Frame-Options", "DENY"},
-                                    {"Cross-Origin-Resource-Policy", "same-origin"}});
         m_http.set_pre_routing_handler([this](Request const& request, Response& response) {
             return isAllowed(request, response) ? httplib::Server::HandlerResponse::Unhandled
                                                 : httplib::Server::HandlerResponse::Handled;
@@ -94,9 +71,9 @@ struct PageServer::Server {
         m_http.Get("/favicon.ico", [](Request const& /*request*/, Response& response) {
             response.status = Status::noContent;
         });
-        m_http.Post("/explain", [this](Request const& request, Response& response) {
-            explain(request.body, response);
-        });
+        m_http.Post(explainPath,
+                    [this](Request const& /*request*/, Response& response,
+                           httplib::ContentReader const& body) { readAndExplain(body, response); });
     }
 
     bool isAllowed(httplib::Request const& request, httplib::Response& response) const {
@@ -111,7 +88,21 @@ struct PageServer::Server {
             s_refuse(response, Status::forbidden, "other pages may not ask here");
             return false;
         }
-        return request.method != "POST" || isMessage(request, response);
+        return request.method == "GET" || request.method == "HEAD" || isPost(request, response);
+    }
+
+    // Bodies that nobody asked for are refused before they are read.
+    static bool isPost(httplib::Request const& request, httplib::Response& response) {
+        if (request.method != "POST") {
+            response.set_header("Allow", "GET, HEAD, POST");
+            s_refuse(response, Status::badMethod, "this server knows GET, HEAD and POST");
+            return false;
+        }
+        if (request.path != explainPath) {
+            s_refuse(response, Status::notFound, std::string("post messages to ") + explainPath);
+            return false;
+        }
+        return isMessage(request, response);
     }
 
     // The type is one that a foreign page cannot send without asking first. What is packed could
@@ -123,7 +114,29 @@ struct PageServer::Server {
                      "post a message with Content-Type: message/rfc822, not encoded");
             return false;
         }
+        if (request.get_header_value<std::uint64_t>("Content-Length") > maxPostedMessage) {
+            s_refuseLength(response);
+            return false;
+        }
         return true;
+    }
+
+    // The library limits only bodies that tell their length.
+    void readAndExplain(httplib::ContentReader const& body, httplib::Response& response) const {
+        std::string message;
+        bool isTooLong = false;
+        bool const isWhole = body([&](char const* bytes, std::size_t count) {
+            isTooLong = count > maxPostedMessage - message.size();
+            message.append(bytes, isTooLong ? 0 : count);
+            return !isTooLong;
+        });
+        if (isTooLong) {
+            s_refuseLength(response);
+        } else if (!isWhole) {
+            s_refuse(response, Status::badRequest, "the message broke off; post it again");
+        } else {
+            explain(message, response);
+        }
     }
 
     void explain(std::string const& message, httplib::Response& response) const {
@@ -135,28 +148,29 @@ struct PageServer::Server {
     }
 
     void run(Interrupt& interrupt) {
-        Ended ended;
-        std::thread serving([this, &ended] {
+        std::thread serving([this] {
             m_http.listen_after_bind();
-            ended.say();
+            m_end.say();
         });
         // A server that does not run yet cannot be stopped.
-        while (!m_http.is_running() && !ended.isSaid()) {
+        while (!m_http.is_running() && !m_end.isSaid()) {
             std::this_thread::yield();
         }
         try {
-            interrupt.waitForInput(ended.descriptor());
+            interrupt.waitForInput(m_end.descriptor());
         } catch (Interrupted const&) {
             // The usual end.
         }
+        m_end.say();
         m_http.stop();
         serving.join();
     }
 
     std::string m_page;
     Explain m_explain;
-    httplib::Server m_http;
-    int m_port = 0;
+    HttpServer m_http{maxPostedMessage, m_end};
+    int m_port;
+    ServerEnd m_end;
 };
 
 PageServer::PageServer(std::string page, Explain explain, int port)

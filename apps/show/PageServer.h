@@ -4,12 +4,13 @@
 //
 //   GET /            the page
 //   POST /explain    Content-Type message/rfc822, the body a whole message; answers its JSON
-//   record,
-//                    or 4xx and a line of text for people
+//                    record, or 4xx and a line of text for people
 //
 // It listens on 127.0.0.1 only. A browser is a way in for every web site that its user visits, so
 // requests that name another host (rebound DNS names) or come from another page (Origin) are
-// refused. Bodies are limited. One object, one thread; the server runs threads of its own.
+// refused. Bodies are limited while they come in, and so is the time that a client may take
+// (Connection.h): clients that stall keep others from an answer, and the server from its end, for
+// seconds at most, and only in crowds. One object, one thread; the server runs threads of its own.
 #pragma once
 
 #include "apps/common/Interrupt.h"
@@ -29,7 +30,8 @@ class PageServer {
     // Called from many threads. A std::exception's text goes to the reader of the page.
     using Explain = std::function<std::string(std::string const& message)>;
 
-    // `port` 0: any that is free. A RuleError when the port is taken.
+    // `port` 0: any that is free. A RuleError when the port is taken; a std::system_error when the
+    // process has no descriptor left.
     PageServer(std::string page, Explain explain, int port);
     PageServer(PageServer const&) = delete;
     PageServer& operator=(PageServer const&) = delete;

@@ -4,14 +4,18 @@ import http.client
 import json
 import os
 import re
+import resource
 import signal
 import socket
 import subprocess
+import tempfile
+import threading
 import unittest
 
 import showpage
 
 MESSAGE = showpage.EXAMPLES / "spam-bot-dynamic-name.eml"
+MIB = b"x" * (1 << 20)
 
 
 class Server:
@@ -45,12 +49,58 @@ class Server:
         headers = {"Content_Type": "message/rfc822", **headers}
         return self.ask("POST", "/explain", body, **headers)
 
+    def connect(self, start=b""):
+        """A connection on which `start` has been sent."""
+        connection = socket.create_connection(("127.0.0.1", self.port), timeout=60)
+        connection.sendall(start)
+        return connection
+
+    def post_start(self, *headers):
+        """The head of a posted message, as far as `headers` go."""
+        lines = ["POST /explain HTTP/1.1", f"Host: 127.0.0.1:{self.port}",
+                 "Content-Type: message/rfc822", *headers, "", ""]
+        return "\r\n".join(lines).encode()
+
     def end(self):
         """Ctrl-C; the exit status."""
         self.process.send_signal(signal.SIGINT)
         status = self.process.wait(60)
         self.process.stdout.close()
         return status
+
+
+def whole_answer(connection):
+    """What a server sends before it ends."""
+    with connection.makefile("rb") as answer:
+        return answer.read()
+
+
+class Dawdlers:
+    """Clients that never come to an end: some say nothing, some send a byte now and then."""
+
+    def __init__(self, server, silent, slow):
+        self.open = [server.connect() for _ in range(silent)]
+        self.slow = [server.connect(b"GET / HTTP/1.1\r\nX: ") for _ in range(slow)]
+        self.gone = threading.Event()
+        self.thread = threading.Thread(target=self.dawdle)
+
+    def dawdle(self):
+        while not self.gone.wait(0.2):
+            for connection in self.slow:
+                try:
+                    connection.send(b"x")
+                except OSError:
+                    pass  # the server has had enough
+
+    def __enter__(self):
+        self.thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self.gone.set()
+        self.thread.join()
+        for connection in (*self.open, *self.slow):
+            connection.close()
 
 
 class Protocol(unittest.TestCase):
@@ -94,7 +144,70 @@ class Protocol(unittest.TestCase):
         self.assertEqual((status, text), (422, "message: no message: it has no header field\n"))
 
     def test_limits_what_it_reads(self):
-        self.assertEqual(self.server.post(None, Content_Length=str(1 << 40))[0], 413)
+        status, text = self.server.post(None, Content_Length=str(1 << 40))
+        self.assertEqual((status, text), (413, "a message has at most 64 MiB here\n"))
+
+    def status_while_it_sends(self, start, pieces):
+        """The status of a request whose body does not end."""
+        with self.server.connect(start) as connection:
+            for piece in pieces:
+                connection.sendall(piece)
+            return int(whole_answer(connection).split()[1])
+
+    def test_limits_what_it_reads_of_a_body_that_tells_no_length(self):
+        start = self.server.post_start()
+        self.assertEqual(self.status_while_it_sends(start, [MIB] * 65), 413)
+        start = self.server.post_start("Transfer-Encoding: chunked")
+        chunks = [b"100000\r\n" + MIB + b"\r\n"] * 65
+        self.assertEqual(self.status_while_it_sends(start, chunks), 413)
+
+    def test_reads_a_body_in_chunks(self):
+        with self.server.connect(self.server.post_start("Transfer-Encoding: chunked")) as client:
+            client.sendall(b"9\r\nFrom: x\r\n\r\n2\r\n\r\n\r\n0\r\n\r\n")
+            self.assertIn(b"200 OK", whole_answer(client))
+
+    def test_refuses_bodies_that_it_does_not_want_before_they_end(self):
+        for line, status in (("POST /other", 404), ("PUT /explain", 405), ("DELETE /", 405)):
+            start = (f"{line} HTTP/1.1\r\nHost: 127.0.0.1:{self.server.port}\r\n"
+                     "Content-Type: message/rfc822\r\nTransfer-Encoding: chunked\r\n\r\n")
+            self.assertEqual(self.status_while_it_sends(start.encode(), [b"1\r\nx\r\n"]), status)
+
+    def test_says_when_a_message_breaks_off(self):
+        with self.server.connect(self.server.post_start("Content-Length: 99")) as client:
+            client.sendall(b"From: x\n\n")
+            client.shutdown(socket.SHUT_WR)
+            answer = whole_answer(client)
+        self.assertIn(b" 400 ", answer.splitlines()[0])
+        self.assertIn(b"the message broke off", answer)
+
+    def test_answers_while_others_dawdle(self):
+        with Dawdlers(self.server, silent=60, slow=60):
+            self.assertEqual(self.server.ask("GET", "/")[0], 200)
+            status, text = self.server.post(MESSAGE.read_bytes())
+            self.assertEqual((status, json.loads(text)["verdict"]), (200, "spam"))
+
+    def test_ends_while_others_dawdle(self):
+        server = Server()
+        with Dawdlers(server, silent=8, slow=60):
+            self.assertEqual(server.end(), 0)
+
+    def test_says_when_descriptors_run_out(self):
+        """Whatever it is that cannot be opened, and that comes last."""
+        complaints = []
+        for limit in range(4, 32):
+            run = subprocess.Popen(
+                [os.environ["QV_RULES"], "show", str(showpage.STARTER), "--dns", "off", "--serve"],
+                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+                preexec_fn=lambda most=limit: resource.setrlimit(resource.RLIMIT_NOFILE,
+                                                                 (most, most)))
+            serves = bool(run.stdout.readline())
+            if serves:
+                run.send_signal(signal.SIGINT)
+            complaints.append(run.communicate(timeout=60)[1])
+            self.assertEqual(run.returncode == 0, serves, complaints[-1])
+            if serves:
+                break
+        self.assertIn("eventfd: Too many open files", " ".join(complaints))
 
     def test_listens_on_loopback_only(self):
         with socket.socket() as other:
@@ -111,6 +224,64 @@ class Protocol(unittest.TestCase):
             run = subprocess.run([os.environ["QV_RULES"], "show", str(showpage.STARTER),
                                   f"--serve={port}"], check=False, text=True, capture_output=True)
             self.assertEqual(run.returncode, 64, port)
+
+
+class WhatIsKnownOfMessages(unittest.TestCase):
+    """Every way to ask about a message takes what a mail server knows of it, and says the same."""
+
+    FACTS = {"env-from": "karl@elsewhere.example", "header-from": "karl@shop.example",
+             "recipient": "bob@mx.example",
+             "current-received": "from bob.mx.example (pc-7.dyn.example [203.0.113.99]) by "
+                                 "mx.example; Wed, 15 May 2024 04:10:11 +0200",
+             "current-forged": "1", "client-score": "7", "message-status": "3"}
+    SETTINGS = {"trusted-mta": "203.0.113.17", "spam-threshold": "0.5"}
+    OPTIONS = [f"--{name}={value}" for name, value in {**FACTS, **SETTINGS}.items()]
+
+    @classmethod
+    def setUpClass(cls):
+        cls.record = json.loads(showpage.scan(showpage.STARTER, "--format", "json", "--explain",
+                                              *cls.OPTIONS, MESSAGE))
+        cls.record["source"] = ""
+        bare = json.loads(showpage.scan(showpage.STARTER, "--format", "json", "--explain", MESSAGE))
+        assert cls.record["explain"]["attributes"] != bare["explain"]["attributes"]
+
+    def test_served(self):
+        server = Server(*self.OPTIONS)
+        try:
+            told = json.loads(server.post(MESSAGE.read_bytes())[1])
+        finally:
+            server.end()
+        self.assertEqual({**told, "source": ""}, self.record)
+
+    def test_in_a_page(self):
+        page = showpage.rules("show", showpage.STARTER, "--format", "html", "--message", MESSAGE,
+                              "--dns-data", showpage.EXAMPLES / "dns.zone", *self.OPTIONS)
+        data = re.search(r'<script type="application/json" id="data">(.*?)</script>', page).group(1)
+        told, = json.loads(data)["messages"]
+        self.assertEqual({**told, "source": ""}, self.record)
+
+    def test_explained(self):
+        told = json.loads(showpage.rules("explain", showpage.STARTER, MESSAGE, "--format", "json",
+                                         "--dns-data", showpage.EXAMPLES / "dns.zone",
+                                         *self.OPTIONS))
+        for key in ("verdict", "node", "confidence", "adjust", "adjustReason", "reasons"):
+            self.assertEqual(told[key], self.record[key], key)
+
+    def test_tried(self):
+        """Texts in quotes, numbers bare."""
+        lines = [f"rules = {json.dumps(str(showpage.STARTER))}", "[[case]]", "name = 'known'",
+                 f"file = {json.dumps(str(MESSAGE))}",
+                 f"dns = {(showpage.EXAMPLES / 'dns.zone').read_text().splitlines()}"]
+        for name, text in {**self.FACTS, **self.SETTINGS}.items():
+            is_number = re.fullmatch(r"[0-9]+|0\.[0-9]+", text)
+            lines.append(f"{name} = {text if is_number else json.dumps(text)}")
+        lines += [f"verdict = {json.dumps(self.record['verdict'])}",
+                  f"node = {self.record['node']}",
+                  f"reasons = {json.dumps(self.record['adjustReason'])}"]
+        with tempfile.NamedTemporaryFile("w", suffix=".toml") as cases:
+            cases.write("\n".join(lines) + "\n")
+            cases.flush()
+            showpage.rules("test", cases.name)
 
 
 class ServedPage(showpage.ShowPageTest):
