@@ -2,39 +2,23 @@
 # SPDX-License-Identifier: Apache-2.0
 """measure.py QVRULES CORPORA PAGE: writes what the default rules do into the tables of PAGE.
 
-Each corpus is judged by rules whose tree was learned without it, and the last third of the corpus
-with the most spam by rules learned from all mail but that third. PAGE marks where a table goes by
-"<!-- table NAME -->" and "<!-- end -->".
+PAGE marks where a table goes by "<!-- table NAME -->" and "<!-- end -->":
+left-out  each corpus judged by rules whose tree was learned without it, and the last third of the
+          corpus with the most spam by rules learned from all mail but that third
+envelope  the same corpora, as they are and with the author of each message as its envelope sender,
+          by those rules and by a tree alone that may test the envelope sender
+rules     what each elite rule decides, and what is left for the tree to call spam
+messages  what each elite rule decides in each corpus
+copies    the same for the copies without reverse names
 """
-import bz2
-import gzip
-import lzma
 import pathlib
 import re
 import sys
 
+import mailboxes
 import training
 
-OPENERS = {".xz": lzma.open, ".gz": gzip.open, ".bz2": bz2.open}
 COPIES = ", no reverse names"
-
-
-def messages(path):
-    """The messages of an mbox, each with its separator."""
-    with OPENERS.get(path.suffix, open)(path, "rb") as box:
-        return re.split(rb"(?<=\n\n)(?=From )", box.read())
-
-
-def split(boxes, folder):
-    """The first two thirds and the last third of each mbox, in the order of the file."""
-    parts = ({}, {})
-    for label, path in boxes.items():
-        mails = messages(path)
-        cut = len(mails) * 2 // 3
-        for part, name, chosen in ((0, "first", mails[:cut]), (1, "last", mails[cut:])):
-            parts[part][label] = pathlib.Path(folder) / f"{label}-{name}.mbox"
-            parts[part][label].write_bytes(b"".join(chosen))
-    return parts
 
 
 def percent(rate):
@@ -48,11 +32,11 @@ def share(rate):
     return f"{rate['count']:,} of {rate['of']:,}, {percent(rate)} (at most {100 * rate['high']:.2f})"
 
 
-def brief(rate):
-    return f"{100 * rate['rate']:.1f} %" if rate["of"] else "-"
+def brief(rate, digits=1):
+    return f"{100 * rate['rate']:.{digits}f} %" if rate["of"] else "-"
 
 
-def figures(evaluation, copies):
+def figures(evaluation, copies=False):
     for corpus in evaluation["corpora"]:
         if corpus["name"].endswith(COPIES) == copies:
             return corpus
@@ -60,42 +44,116 @@ def figures(evaluation, copies):
                                  ("copies" if copies else "messages"))
 
 
-def row(name, evaluation):
-    mail, copies = figures(evaluation, False), figures(evaluation, True)
-    return (f"| {name} | {brief(mail['judgeable'])} | {share(mail['falsePositives'])} "
-            f"| {share(copies['falsePositives'])} | {brief(mail['caught'])} "
-            f"| {brief(copies['caught'])} | {brief(mail['passed'])} | {brief(mail['missed'])} "
-            f"| {mail['roc']['area']:.3f} |")
+def table_row(*cells):
+    return "| " + " | ".join(cells) + " |"
+
+
+def heading(*names):
+    return [table_row(*names), table_row(*["---"] * len(names))]
+
+
+def without(mail, corpus):
+    return {name: boxes for name, boxes in mail.items() if name != corpus}
+
+
+# --- Corpora left out ----------------------------------------------------------------------------
+
+def left_out_row(name, evaluation):
+    mail, copies = figures(evaluation), figures(evaluation, copies=True)
+    return table_row(name, brief(mail["judgeable"]), share(mail["falsePositives"]),
+                     share(copies["falsePositives"]), brief(mail["caught"]),
+                     brief(copies["caught"]), brief(mail["passed"]), brief(mail["missed"]),
+                     f"{mail['roc']['area']:.3f}")
 
 
 def left_out(qvrules, mail, folder):
-    """The rows of the table of corpora left out."""
-    rows = ["| left out | judgeable | ham called spam | the same, copies | spam caught "
-            "| the same, copies | ham called ham | spam called ham | area |",
-            "| --- | --- | --- | --- | --- | --- | --- | --- | --- |"]
-    rules = pathlib.Path(folder) / "rules.qvr"
+    rows = heading("left out", "judgeable", "ham called spam", "the same, copies", "spam caught",
+                   "the same, copies", "ham called ham", "spam called ham", "area")
+    rules = folder / "rules.qvr"
     for corpus in mail:
-        others = {name: boxes for name, boxes in mail.items() if name != corpus}
-        training.learn(qvrules, others, rules)
-        rows.append(row(corpus, training.evaluate(qvrules, rules, {corpus: mail[corpus]})))
+        training.learn(qvrules, without(mail, corpus), rules)
+        rows.append(left_out_row(corpus,
+                                 training.evaluate(qvrules, rules, {corpus: mail[corpus]})))
     largest = max((name for name in mail if len(mail[name]) == len(training.LABELS)),
-                  key=lambda name: len(messages(mail[name]["spam"])))
-    first, last = split(mail[largest], folder)
+                  key=lambda name: len(mailboxes.messages(mail[name]["spam"])))
+    first, last = mailboxes.thirds(mail[largest], folder)
     training.learn(qvrules, {**mail, largest: first}, rules)
-    rows.append(row(f"last third of {largest}", training.evaluate(qvrules, rules,
-                                                                  {largest: last})))
+    rows.append(left_out_row(f"last third of {largest}",
+                             training.evaluate(qvrules, rules, {largest: last})))
     return rows
 
 
-def deciders(qvrules, mail):
-    """The rows of the table of rules: what each decides on all training mail."""
-    rows = ["| rule | tests | spam | ham |", "| --- | --- | --- | --- |"]
-    evaluation = training.evaluate(qvrules, training.HERE / "default.qvr", mail)
+# --- The author as envelope sender ---------------------------------------------------------------
+
+def as_is_and_rewritten(qvrules, rules, corpus, mail, rewritten):
+    """A cell for each rate: its value for the mail as it is, and for the mail as rewritten."""
+    both = [figures(training.evaluate(qvrules, rules, {corpus: one[corpus]}, training.SCANNING))
+            for one in (mail, rewritten)]
+    return [" → ".join(brief(one[name], 2) for one in both)
+            for name in ("falsePositives", "passed", "caught")]
+
+
+def envelope(qvrules, mail, folder):
+    rates = ("ham called ham", "spam caught")
+    rows = heading("left out", "default rules: ham called spam", *rates,
+                   "tree with the envelope sender: ham called spam", *rates)
+    rewritten = mailboxes.all_sent_by_author(mail, folder / "sent-by-author")
+    allowed = [name for name in training.EXCLUDED if name not in training.ENVELOPE]
+    rules, tree = folder / "rules.qvr", folder / "tree.qvr"
+    for corpus in mail:
+        training.learn(qvrules, without(mail, corpus), rules)
+        training.learn_tree(qvrules, without(mail, corpus), tree, allowed)
+        rows.append(table_row(corpus,
+                              *as_is_and_rewritten(qvrules, rules, corpus, mail, rewritten),
+                              *as_is_and_rewritten(qvrules, tree, corpus, mail, rewritten)))
+    return rows
+
+
+# --- Elite rules ---------------------------------------------------------------------------------
+
+def elite_counts(evaluation):
+    """Code -> label -> messages that the rule decided as the first that matches."""
+    return {rule["number"]: rule["reached"] for rule in evaluation["deciders"]
+            if rule["kind"] == "elite"}
+
+
+def deciders(evaluation):
+    rows = heading("rule", "tests", "spam", "ham")
     found = [rule for rule in evaluation["deciders"] if rule["kind"] == "elite"]
     for rule in sorted(found, key=lambda rule: rule["number"]):
         tests = rule["conditions"].replace(" and ", "`, `")
-        rows.append(f"| {rule['number']} | `{tests}` | {rule['reached']['spam']:,} "
-                    f"| {rule['reached']['ham']:,} |")
+        rows.append(table_row(str(rule["number"]), f"`{tests}`", f"{rule['reached']['spam']:,}",
+                              f"{rule['reached']['ham']:,}"))
+    together = evaluation["together"]
+    by_elite = {label: sum(rule["reached"][label] for rule in found) for label in training.LABELS}
+    rows.append(table_row("the tree", "called spam by no elite rule, but by the tree",
+                          f"{together['verdictsOnSpam']['spam'] - by_elite['spam']:,}",
+                          f"{together['verdictsOnHam']['spam'] - by_elite['ham']:,}"))
+    return rows
+
+
+def counts_by_corpus(qvrules, mail):
+    """For messages and for copies: corpus -> code -> label -> messages."""
+    messages, copies = {}, {}
+    nothing = dict.fromkeys(training.LABELS, 0)
+    default = training.HERE / "default.qvr"
+    for corpus, boxes in mail.items():
+        messages[corpus] = elite_counts(training.evaluate(qvrules, default, {corpus: boxes},
+                                                          training.SCANNING))
+        both = elite_counts(training.evaluate(qvrules, default, {corpus: boxes}))
+        copies[corpus] = {
+            code: {label: count[label] - messages[corpus].get(code, nothing)[label]
+                   for label in training.LABELS} for code, count in both.items()}
+    return messages, copies
+
+
+def corpus_table(counts):
+    rows = heading("rule", *counts)
+    for code in sorted({code for corpus in counts.values() for code in corpus}):
+        cells = [corpus.get(code) for corpus in counts.values()]
+        rows.append(table_row(str(code), *(f"{cell['spam']:,} / {cell['ham']:,}"
+                                           if cell and any(cell.values()) else "-"
+                                           for cell in cells)))
     return rows
 
 
@@ -115,10 +173,16 @@ def main(arguments):
     if len(arguments) != 3:
         print(__doc__, file=sys.stderr)
         return 64
-    qvrules, folder, page = arguments
-    mail = training.corpora(folder)
-    with training.work_folder() as work:
-        tables = {"left-out": left_out(qvrules, mail, work), "rules": deciders(qvrules, mail)}
+    qvrules, corpora, page = arguments
+    mail = training.corpora(corpora)
+    with training.work_folder() as name:
+        folder = pathlib.Path(name)
+        tables = {"left-out": left_out(qvrules, mail, folder),
+                  "envelope": envelope(qvrules, mail, folder)}
+    evaluation = training.evaluate(qvrules, training.HERE / "default.qvr", mail)
+    messages, copies = counts_by_corpus(qvrules, mail)
+    tables.update({"rules": deciders(evaluation), "messages": corpus_table(messages),
+                   "copies": corpus_table(copies)})
     fill(pathlib.Path(page), tables)
     return 0
 

@@ -12,14 +12,15 @@ import tempfile
 HERE = pathlib.Path(__file__).resolve().parent
 ELITE = HERE / "elite.qvr"
 LABELS = ("ham", "spam")
-SCANNING = ["--config", str(HERE / "training.toml"), "--augment", "no-reverse-name"]
+SCANNING = ["--config", str(HERE / "training.toml")]
+WITH_COPIES = [*SCANNING, "--augment", "no-reverse-name"]
 
-# Left out of the tree. The first two are constant at hosts that give no envelope sender, and where
-# it is given most spam of the training mail is told by them from nothing but mailing lists. The
-# others speak for spam at one site and for ham at the next.
+# Left out of the tree. The envelope sender is unknown at most hosts of the training mail, and where
+# it is given most spam is told by it from nothing but mailing lists. The others speak for spam at
+# one site and for ham at the next.
+ENVELOPE = ("from_matches_envelope", "first_envelope_matches")
 EXCLUDED = (
-    "from_matches_envelope",
-    "first_envelope_matches",
+    *ENVELOPE,
     "message_id_matches_reverse",
     "message_id_matches_helo",
     "helo_is_recipient_not_envelope",
@@ -60,16 +61,20 @@ def run(qvrules, *arguments):
     return done.stdout
 
 
+def learn_tree(qvrules, mail, output, excluded, *options):
+    """Writes a tree learned from `mail` and its copies."""
+    left_out = [word for name in excluded for word in ("--exclude", name)]
+    run(qvrules, "learn", *WITH_COPIES, *left_out, *options, *mail_options(mail), "-o", str(output))
+
+
 def learn(qvrules, mail, output):
     """Writes the elite rules with a tree learned from `mail` behind them."""
-    excluded = [word for name in EXCLUDED for word in ("--exclude", name)]
-    run(qvrules, "learn", *SCANNING, *excluded, "--with", str(ELITE), *mail_options(mail),
-        "-o", str(output))
+    learn_tree(qvrules, mail, output, EXCLUDED, "--with", str(ELITE))
 
 
-def evaluate(qvrules, rules, mail):
+def evaluate(qvrules, rules, mail, scanning=tuple(WITH_COPIES)):
     """What `rules` do on `mail`; the copies without reverse names are corpora of their own."""
-    return json.loads(run(qvrules, "evaluate", str(rules), *SCANNING, *mail_options(mail),
+    return json.loads(run(qvrules, "evaluate", str(rules), *scanning, *mail_options(mail),
                           "--format", "json"))
 
 
