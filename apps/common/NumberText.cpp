@@ -3,6 +3,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 
 namespace Quorvane {
 
@@ -12,6 +13,19 @@ std::string numberText(double value, int digits) {
                                    std::chars_format::general, digits)
                          .ptr;
     return {text.data(), end};
+}
+
+bool isShare(double number) {
+    return number >= 0.0 && number <= 1.0;
+}
+
+std::string noShareText(double number) {
+    return '(' + (std::isnan(number) ? "no number" : numberText(number)) + ')';
+}
+
+std::string spamText(double confidence) {
+    return isShare(confidence) ? numberText(confidence) + " spam"
+                               : "unknown share of spam " + noShareText(confidence);
 }
 
 } // namespace Quorvane

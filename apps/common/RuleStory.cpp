@@ -6,6 +6,7 @@
 #include "rules/format/ValueWords.h"
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 #include <utility>
 
@@ -36,7 +37,8 @@ std::string s_joined(std::vector<ToldTest> const& tests) {
 }
 
 std::string s_signed(double value) {
-    return (value < 0 ? "" : "+") + numberText(value);
+    return std::isfinite(value) ? (value < 0 ? "" : "+") + numberText(value)
+                                : "an unknown amount " + noShareText(value);
 }
 
 std::string s_letter(std::int32_t code) {
@@ -211,15 +213,18 @@ std::string ruleLine(ToldRule const& told) {
         return "rule " + s_letter(rule.code) + " adjusts by " + s_signed(rule.weight) + ": " +
                s_joined(told.m_tests);
     }
-    return "rule " + std::to_string(rule.code) + " says " + numberText(rule.weight) + " spam" +
+    return "rule " + std::to_string(rule.code) + " says " + spamText(rule.weight) +
            (told.m_isChosen ? "" : " (another was chosen)") + ": " + s_joined(told.m_tests);
 }
 
 std::string nodeLine(ToldNode const& told) {
     auto const& node = *told.m_node;
     return "node " + std::to_string(told.m_number) + ": " +
-           (told.m_test ? told.m_test->m_text : "the root") + "; " + numberText(node.confidence) +
-           " spam, seen in " + numberText(node.support) + " % of the training mail";
+           (told.m_test ? told.m_test->m_text : "the root") + "; " + spamText(node.confidence) +
+           ", seen in " +
+           (isShare(node.support / 100.0) ? numberText(node.support) + " %"
+                                          : "an unknown share " + noShareText(node.support)) +
+           " of the training mail";
 }
 
 } // namespace Quorvane

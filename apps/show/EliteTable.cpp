@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/Drawings.h"
 
-#include "apps/common/NumberText.h"
 #include "apps/common/Utf8.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Numbers.h"
@@ -35,7 +34,7 @@ Row s_headings(bool isMeasured) {
 
 Row s_row(ShownElite const& rule, Traffic const* traffic) {
     bool const isDeciding = rule.m_rule.type == EliteType::deciding;
-    Row row{rule.m_code, s_effect(rule), isDeciding ? numberText(rule.m_rule.support) + " %" : "",
+    Row row{rule.m_code, s_effect(rule), isDeciding ? supportText(rule.m_rule.support) : "",
             std::to_string(rule.m_rule.level)};
     if (traffic != nullptr) {
         auto const use = rule.m_place ? traffic->m_elite.at(*rule.m_place) : Traffic::Use{};

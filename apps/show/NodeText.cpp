@@ -13,7 +13,7 @@ double shareOf(Drawing const& drawing, ShownNode const& node) {
 }
 
 std::string nodeLine(Drawing const& drawing, ShownNode const& node) {
-    auto text = percentText(node.m_record.confidence) + " spam";
+    auto text = spamShareText(node.m_record.confidence);
     if (node.m_share && !node.isRoot()) {
         text += ", " + percentText(*node.m_share) + " of the training mail";
     }
@@ -28,6 +28,11 @@ std::string countsLine(ShownNode const& node) {
         return {};
     }
     auto const& record = node.m_record;
+    if (record.value1 < 0 || record.value2 < 0 || record.value3 < 0) {
+        return "messages unknown (the file counts " + std::to_string(+record.value1) + ": " +
+               std::to_string(+record.value2) + " spam, " + std::to_string(+record.value3) +
+               " ham)";
+    }
     return countText(record.value1) + " messages: " + countText(record.value2) + " spam, " +
            countText(record.value3) + " ham";
 }

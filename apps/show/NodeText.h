@@ -15,7 +15,8 @@ double shareOf(Drawing const& drawing, ShownNode const& node);
 
 // "97 % spam, 12 % of the training mail, 8.3 % measured".
 std::string nodeLine(Drawing const& drawing, ShownNode const& node);
-// "1,234 messages: 1,100 spam, 134 ham"; empty when the file has no counts.
+// "1,234 messages: 1,100 spam, 134 ham"; that they are unknown when one of the counts is below 0;
+// empty when the file has no counts.
 std::string countsLine(ShownNode const& node);
 // "9001: 97 % spam, when NAME is VALUE and ..."
 std::string eliteLine(ShownElite const& rule);

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/NumberText.h"
 #include "apps/page/Escape.h"
 #include "apps/show/Numbers.h"
 #include "apps/show/Page.h"
@@ -53,8 +52,7 @@ std::string s_row(ShownElite const& rule, Traffic const* traffic) {
            "\"><th scope=\"row\" class=\"code\">" + Page::text(rule.m_code) + "</th>" +
            s_cell("effect", Page::text(rule.m_place ? rule.m_effect : "dropped by engines")) +
            s_cell("when", s_conditions(rule)) +
-           s_figure("support",
-                    isDeciding ? Page::text(numberText(rule.m_rule.support)) + " %" : "") +
+           s_figure("support", isDeciding ? supportText(rule.m_rule.support) : "") +
            s_figure("level", std::to_string(rule.m_rule.level)) + s_measured(rule, traffic) +
            "</tr>\n";
 }

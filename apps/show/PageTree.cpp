@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/common/NumberText.h"
 #include "apps/page/Escape.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Numbers.h"
@@ -7,6 +8,7 @@
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Quorvane::Show {
 
@@ -17,7 +19,7 @@ constexpr std::size_t indentedLevels = 16;
 
 // "25.0" of a share of 0.25, for the width of a bar of 100.
 std::string s_width(double share) {
-    return Rules::fixedText(100.0 * std::clamp(share, 0.0, 1.0), 2);
+    return Rules::fixedText(100.0 * std::clamp(std::abs(share), 0.0, 1.0), 2);
 }
 
 std::string s_bar(double share, std::string const& kind) {
@@ -94,8 +96,10 @@ class TreePageWriter {
 
     static std::string badge(ShownNode const& node) {
         double const confidence = node.m_record.confidence;
-        return s_span("badge s" + std::to_string(shadeOf(confidence)),
-                      percentText(confidence) + s_span("hidden-text", " spam"));
+        auto const shade = "badge s" + std::to_string(shadeOf(confidence));
+        return isShare(confidence)
+                   ? s_span(shade, percentText(confidence) + s_span("hidden-text", " spam"))
+                   : s_span(shade, "?");
     }
 
     static std::string what(ShownNode const& node) {
@@ -115,12 +119,15 @@ class TreePageWriter {
 
     std::string figures(ShownNode const& node) const {
         std::string html;
+        if (double const confidence = node.m_record.confidence; !isShare(confidence)) {
+            html += s_span("share", spamShareText(confidence));
+        }
         if (node.m_share) {
             html += s_bar(*node.m_share, "training") +
                     s_span("share",
                            percentText(*node.m_share) + " of the training mail" + support(node));
         } else {
-            html += s_span("share", "support " + percentText(node.m_record.support / 100.0));
+            html += s_span("share", "support " + supportText(node.m_record.support));
         }
         if (auto const counts = countsLine(node); !counts.empty()) {
             html += s_span("counts", counts);
@@ -129,7 +136,7 @@ class TreePageWriter {
     }
 
     static std::string support(ShownNode const& node) {
-        return node.isRoot() ? "" : ", support " + percentText(node.m_record.support / 100.0);
+        return node.isRoot() ? "" : ", support " + supportText(node.m_record.support);
     }
 
     std::string measured(ShownNode const& node) const {

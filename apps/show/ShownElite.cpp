@@ -24,14 +24,21 @@ std::string s_code(EliteNodes const& rule) {
                                          : "byte " + std::to_string(int{letter});
 }
 
+std::string s_adjustment(double weight) {
+    if (!std::isfinite(weight)) {
+        return "adds an unknown amount " + noShareText(weight);
+    }
+    return std::signbit(weight) ? "takes away " + numberText(-weight)
+                                : "adds " + numberText(weight);
+}
+
 std::string s_effect(EliteNodes const& rule) {
     double const weight = rule.weight;
     switch (rule.type) {
     case EliteType::adjusting:
-        return std::signbit(weight) ? "takes away " + numberText(-weight)
-                                    : "adds " + numberText(weight);
+        return s_adjustment(weight);
     case EliteType::deciding:
-        return percentText(weight) + " spam";
+        return spamShareText(weight);
     default:
         return "never fires: type " + std::to_string(rule.type);
     }

@@ -146,7 +146,7 @@ class TreeReader {
 std::int64_t s_trainingMessages(std::vector<ShownNode> const& nodes) {
     std::int64_t children = 0;
     for (auto const& node : nodes) {
-        children += node.m_depth == 1 && node.isCounted() ? node.m_record.value1 : 0;
+        children += node.m_depth == 1 && node.isCounted() ? std::max(+node.m_record.value1, 0) : 0;
     }
     auto const& root = nodes.front();
     return root.isCounted() ? std::max<std::int64_t>(root.m_record.value1, children) : children;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/TextFigures.h"
 
-#include "apps/common/NumberText.h"
 #include "apps/show/Numbers.h"
 
 #include <algorithm>
@@ -15,8 +14,7 @@ std::string s_spam(ShownNode const& node, Traffic const* /*traffic*/) {
 }
 
 std::string s_support(ShownNode const& node, Traffic const* /*traffic*/) {
-    return node.isRoot() && node.m_record.support == 0.0 ? ""
-                                                         : numberText(node.m_record.support) + " %";
+    return node.isRoot() && node.m_record.support == 0.0 ? "" : supportText(node.m_record.support);
 }
 
 std::string s_messages(ShownNode const& node, Traffic const* /*traffic*/) {

@@ -18,7 +18,24 @@ TEST(NumbersTest, SharesKeepTheDigitsThatCount) {
     EXPECT_EQ(percentText(0.99945), "99.94 %");
     EXPECT_EQ(percentText(1.0), "100 %");
     EXPECT_EQ(percentText(0.0), "0 %");
-    EXPECT_EQ(percentText(std::numeric_limits<double>::infinity()), "inf %");
+    EXPECT_EQ(percentText(-0.0), "0 %");
+}
+
+TEST(NumbersTest, WhatIsNoShareOrCountIsUnknown) {
+    constexpr auto infinite = std::numeric_limits<double>::infinity();
+    constexpr auto notANumber = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(percentText(infinite), "unknown (inf)");
+    EXPECT_EQ(percentText(-0.3), "unknown (-0.3)");
+    EXPECT_EQ(percentText(97.0), "unknown (97)");
+    EXPECT_EQ(percentText(-notANumber), "unknown (no number)");
+    EXPECT_EQ(spamShareText(0.97), "97 % spam");
+    EXPECT_EQ(spamShareText(-infinite), "unknown share of spam (-inf)");
+    EXPECT_EQ(spamShareText(notANumber), "unknown share of spam (no number)");
+    EXPECT_EQ(supportText(14.276), "14.28 %");
+    EXPECT_EQ(supportText(-0.0), "0 %");
+    EXPECT_EQ(supportText(100.5), "unknown (100.5)");
+    EXPECT_EQ(supportText(notANumber), "unknown (no number)");
+    EXPECT_EQ(countText(-1234), "unknown (-1234)");
 }
 
 TEST(NumbersTest, CountsAreGrouped) {
@@ -26,8 +43,6 @@ TEST(NumbersTest, CountsAreGrouped) {
     EXPECT_EQ(countText(999), "999");
     EXPECT_EQ(countText(1000), "1,000");
     EXPECT_EQ(countText(1234567), "1,234,567");
-    EXPECT_EQ(countText(-1234), "-1,234");
-    EXPECT_EQ(countText(-123), "-123");
 }
 
 TEST(ShadesTest, TheEndsAreForWhatIsSure) {

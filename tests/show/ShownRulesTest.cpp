@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <regex>
 #include <set>
 
 namespace Quorvane::Show {
@@ -149,6 +150,32 @@ RC_GTEST_PROP(DrawingTest, AnyRuleFilesAreDrawnWithEachNodeOnce, ()) {
     RC_ASSERT(s_count(dotDrawing(drawing), "fillcolor=\"#") == numbers.size() + 1);
     RC_ASSERT(s_count(svgDrawing(drawing), "<g class=\"box") == numbers.size());
     RC_ASSERT(s_count(htmlDrawing(drawing, {}), "data-number=") == numbers.size());
+}
+
+RC_GTEST_PROP(DrawingTest, NoPercentageIsMoreOrLessThanCanBe, ()) {
+    Rules::RuleSet set;
+    Testing::genTree(set);
+    set.m_elite = Testing::genElite();
+    auto const rules = shownRules("rules", set);
+    static std::regex const percentage("([-+]?(?:nan|inf|[0-9][-+.e0-9]*)) %");
+    for (auto const& drawn : {textDrawing({rules}, {200, false, true}), dotDrawing({rules}),
+                              svgDrawing({rules}), pageTree({rules}) + pageEliteTable({rules})}) {
+        for (std::sregex_iterator at(drawn.begin(), drawn.end(), percentage), end; at != end;
+             ++at) {
+            auto const number = std::strtod((*at)[1].str().c_str(), nullptr);
+            RC_ASSERT(number >= 0.0 && number <= 100.0);
+        }
+    }
+}
+
+TEST(DrawingTest, CountsBelowZeroAreNone) {
+    auto set = s_chain();
+    set.m_nodes[3].value1 = -3;
+    set.m_nodes[3].value2 = 1;
+    auto const rules = shownRules("rules", set);
+    EXPECT_NE(dotDrawing({rules}).find("messages unknown (the file counts -3: 1 spam, 0 ham)"),
+              std::string::npos);
+    EXPECT_NE(textDrawing({rules}, {200, false, true}).find("unknown (-3)"), std::string::npos);
 }
 
 } // namespace

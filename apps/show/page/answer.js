@@ -122,8 +122,9 @@ const QvAnswer = (() => {
       const {code, weight, conditions} = rules.elite[one];
       const because = conditions.map(({attribute}) =>
         QvWords.valueSentence(attribute, message.attributes[attribute], message.names));
-      const does = weight < 0 ? `takes away ${QvWords.number(-weight)}`
-        : `adds ${QvWords.number(weight)}`;
+      const amount = QvWords.number(Math.abs(weight));
+      const does = !Number.isFinite(weight) ? "adds an unknown amount"
+        : weight < 0 ? `takes away ${amount}` : `adds ${amount}`;
       const link = make("a", {href: `#elite-${one}`, textContent: `rule ${codeText(code)}`});
       return make("li", {}, link, ` ${does}`,
         because.length === 0 ? "." : `: ${because.join("; ")}.`);
