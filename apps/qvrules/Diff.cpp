@@ -48,6 +48,7 @@ int diff(DiffArguments const& arguments) {
         std::cerr << "diff: give mail (--on, --ham, --spam) or vectors (--vectors, --on-vectors)\n";
         return ExitStatus::usage;
     }
+    requireWritable(arguments.m_output);
     auto const& settings = mail.m_host.m_judging;
     auto const before = Rules::loadRules(arguments.m_old);
     auto const after = Rules::loadRules(arguments.m_new);
@@ -55,7 +56,7 @@ int diff(DiffArguments const& arguments) {
     Workshop::VectorJudge const judgeAfter(after.m_set, settings);
     Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
-    auto const gathered = gatherMail(mail, progress, counts);
+    auto const gathered = gatherMessages(mail, progress, counts);
     auto const difference = Rules::compare(gathered, s_judge(judgeBefore), s_judge(judgeAfter));
     Reports::ComparedSets const sets{
         {arguments.m_old, before.m_set}, {arguments.m_new, after.m_set}, settings};

@@ -43,11 +43,12 @@ int evaluate(EvaluateArguments const& arguments) {
         std::cerr << "evaluate: give mail (--ham, --spam) or vectors (--vectors)\n";
         return ExitStatus::usage;
     }
+    requireWritable(arguments.m_output);
     auto const rules = Rules::loadRules(arguments.m_rules);
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
     Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
-    auto const gathered = gatherMail(mail, progress, counts);
+    auto const gathered = gatherMessages(mail, progress, counts);
     auto const evaluation = Rules::evaluate(
         gathered.m_sorted,
         [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); },

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <unistd.h>
 
 namespace Quorvane::RulesApp {
 
@@ -20,6 +21,11 @@ bool s_isReplaced(std::string const& path) {
     std::error_code error;
     auto const status = std::filesystem::symlink_status(path, error);
     return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+}
+
+[[noreturn]] void s_refuse(std::string const& path, int error) {
+    throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
+                           path + ": cannot be written: " + std::strerror(error));
 }
 
 void s_print(std::string const& text) {
@@ -35,8 +41,7 @@ void s_writeInto(std::string const& path, std::string const& text) {
     file << text;
     file.close();
     if (!file) {
-        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
-                               path + ": cannot be written: " + std::strerror(errno));
+        s_refuse(path, errno);
     }
 }
 
@@ -49,6 +54,21 @@ void writeOutput(std::string const& path, std::string const& text) {
         Rules::replaceFile(path, text);
     } else {
         s_writeInto(path, text);
+    }
+}
+
+void requireWritable(std::string const& path) {
+    if (path.empty() || path == "-") {
+        return;
+    }
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) {
+        s_refuse(path, EISDIR);
+    }
+    auto const parent = std::filesystem::path(path).parent_path();
+    auto const folder = parent.empty() ? std::string(".") : parent.string();
+    if (s_isReplaced(path) && ::access(folder.c_str(), W_OK | X_OK) != 0) {
+        s_refuse(path, errno);
     }
 }
 

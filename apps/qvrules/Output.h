@@ -11,4 +11,8 @@ namespace Quorvane::RulesApp {
 // link or a device, is written into. A RuleError when that fails.
 void writeOutput(std::string const& path, std::string const& text);
 
+// The RuleError that writeOutput would end in, as far as it can be seen before the hours of work
+// that make the text. Empty: there is nothing to write.
+void requireWritable(std::string const& path);
+
 } // namespace Quorvane::RulesApp

@@ -37,7 +37,7 @@ Rules::VectorTable s_mail(ShowArguments const& arguments, HostSettings const& ho
     mail.m_unsortedVectors = s_asCorpus(arguments.m_vectors);
     mail.m_host = host;
     Workshop::ProgressLine progress("qvrules");
-    return gatherMail(mail, progress, counts).m_unsorted;
+    return gatherMessages(mail, progress, counts).m_unsorted;
 }
 
 Show::Traffic s_traffic(ScanHost const& host, Rules::VectorTable const& table,
@@ -96,12 +96,12 @@ bool s_needsEngine(ShowArguments const& arguments) {
 void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set,
                    HostSettings const& settings) {
     auto const rules = Show::shownRules(arguments.m_rules, set);
+    bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
     TrainingMailCounts counts;
-    auto const table = s_mail(arguments, settings, counts);
+    auto const table = isMeasured ? s_mail(arguments, settings, counts) : Rules::VectorTable();
     Interrupt interrupt; // behind the measuring, which reads signals of its own
     try {
         Show::MessageExplainer const explainer(settings, set, messageFacts(arguments.m_settings));
-        bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
         auto const traffic = s_traffic(explainer.host(), table, counts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
         Show::PageExtras const extras{settings.m_judging,
@@ -141,6 +141,7 @@ int show(ShowArguments const& arguments) {
                   << toPrintable(*arguments.m_serve) << "\"; give the rules before it\n";
         return ExitStatus::usage;
     }
+    requireWritable(arguments.m_output);
     auto const settings = hostSettings(arguments.m_settings);
     auto const set = Rules::loadRules(arguments.m_rules).m_set;
     if (s_needsEngine(arguments)) {

@@ -6,6 +6,8 @@
 #include "rules/learn/VectorCsv.h"
 #include "rules/model/RuleError.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -94,14 +96,14 @@ class TrainingMailReader {
             std::ifstream file(input.m_path, std::ios::binary);
             if (!file) {
                 throw Rules::RuleError(Rules::RuleError::Kind::noInput,
-                                       input.m_path + ": cannot be opened");
+                                       input.m_path +
+                                           ": cannot be opened: " + std::strerror(errno));
             }
             readTable(file, input.m_path, {label, input.m_corpus}, table);
         }
     }
 
     // A folder opens like a file and then fails to read.
-
     void readTable(std::istream& stream, std::string const& name,
                    Rules::VectorCsvDefaults const& defaults, Rules::VectorTableBuilder& table) {
         auto const tick = [&](std::uint64_t rows) {
@@ -135,6 +137,16 @@ bool TrainingMail::isEmpty() const {
 Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
                                TrainingMailCounts& counts) {
     return TrainingMailReader(mail, progress, counts).read();
+}
+
+Rules::ComparedMail gatherMessages(TrainingMail const& mail, Workshop::ProgressLine& progress,
+                                   TrainingMailCounts& counts) {
+    auto gathered = gatherMail(mail, progress, counts);
+    if (gathered.m_sorted.corpora().empty() && gathered.m_unsorted.corpora().empty()) {
+        throw Rules::RuleError(Rules::RuleError::Kind::badData,
+                               "no messages in what was given: nothing to measure");
+    }
+    return gathered;
 }
 
 } // namespace Quorvane::RulesApp

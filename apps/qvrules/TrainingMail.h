@@ -49,4 +49,8 @@ struct TrainingMailCounts {
 Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
                                TrainingMailCounts& counts);
 
+// The same for commands that measure: a RuleError when there is no message in it at all.
+Rules::ComparedMail gatherMessages(TrainingMail const& mail, Workshop::ProgressLine& progress,
+                                   TrainingMailCounts& counts);
+
 } // namespace Quorvane::RulesApp

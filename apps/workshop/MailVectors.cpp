@@ -2,6 +2,7 @@
 #include "apps/workshop/MailVectors.h"
 
 #include "apps/common/ExitCode.h"
+#include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
 #include "rules/model/RuleError.h"
@@ -21,11 +22,6 @@ namespace {
 constexpr std::size_t batchItems = 2048;
 // Header sections of one batch.
 constexpr std::size_t batchBytes = std::size_t{32} << 20;
-
-HostSettings s_withRoot(HostSettings settings, std::string const& root) {
-    settings.m_root = root;
-    return settings;
-}
 
 bool s_contains(std::vector<IPPrefix> const& prefixes, IPAddress const& address) {
     return std::any_of(prefixes.begin(), prefixes.end(),
@@ -62,8 +58,9 @@ std::vector<InputItem> s_readBatch(Inputs& inputs) {
 
 } // namespace
 
-MailVectors::MailVectors(HostSettings settings, bool wantsRewritten)
-    : m_wantsRewritten(wantsRewritten), m_host(s_withRoot(std::move(settings), m_rules.root())),
+// The engine will not start without a tree; one without records decides nothing.
+MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
+    : m_wantsRewritten(wantsRewritten), m_host(settings, loadEngine(Rules::RuleSet{})),
       m_isOwnRelay(s_ownRelays(m_host.settings())) {}
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {

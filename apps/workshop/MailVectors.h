@@ -10,7 +10,6 @@
 #include "apps/common/Inputs.h"
 #include "apps/common/Interrupt.h"
 #include "apps/common/ScanHost.h"
-#include "apps/workshop/TemporaryRules.h"
 #include "rules/learn/NoReverseName.h"
 #include "rules/learn/VectorTable.h"
 
@@ -38,7 +37,7 @@ struct ScanInterrupted {
 class MailVectors {
   public:
     // The rules of `settings` are not looked at. Throws a SettingsError.
-    MailVectors(HostSettings settings, bool wantsRewritten);
+    MailVectors(HostSettings const& settings, bool wantsRewritten);
 
     using Sink = std::function<void(MailVector const&)>;
 
@@ -54,8 +53,6 @@ class MailVectors {
     std::optional<Rules::AttributeVector> attributesOf(std::string const& headerSection) const;
 
     Interrupt m_interrupt; // before any thread
-    // The engine will not start without a tree; one without records decides nothing.
-    TemporaryRules m_rules{Rules::RuleSet{}};
     bool m_wantsRewritten;
     ScanHost m_host;
     Rules::IsOwnRelay m_isOwnRelay;

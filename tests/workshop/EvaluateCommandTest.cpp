@@ -4,6 +4,7 @@
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
+#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -102,6 +103,34 @@ TEST_F(EvaluateCommand, MeasuresCopiesWithoutReverseNamesApart) {
     ASSERT_EQ(json["corpora"].size(), 2U);
     EXPECT_EQ(json["corpora"][1]["name"], "site, no reverse names");
     EXPECT_EQ(json["corpora"][1]["verdictsOnSpam"]["none"], 4);
+}
+
+TEST_F(EvaluateCommand, NothingToMeasureIsNoResult) {
+    std::filesystem::create_directory(m_folder.path() / "empty");
+    auto const empty = (m_folder.path() / "empty").string();
+    std::vector<Arguments> const commands{
+        {"evaluate", m_rules, "--ham", empty},
+        {"diff", m_rules, m_rules, "--on", empty},
+        {"show", m_rules, "--on", empty},
+    };
+    for (auto const& command : commands) {
+        auto const result = runProgram(QV_RULES_PROGRAM, command);
+        EXPECT_EQ(result.m_status, 65) << command[0] << result.m_output;
+        EXPECT_THAT(result.m_errors, HasSubstr("no messages")) << command[0];
+    }
+}
+
+// A program that is killed can remove nothing, so there must be nothing while it works: it opens
+// the mail, a pipe, when its engine is ready.
+TEST_F(EvaluateCommand, LeavesNoFolderBehindWhenItIsKilled) {
+    std::filesystem::create_directory(m_folder.path() / "temporary");
+    auto const result = runProgram(
+        "/bin/sh", {"-c",
+                    "cd \"$0\" && mkfifo pipe && export TMPDIR=temporary\n"
+                    "\"$1\" evaluate r.qvr --ham ./pipe & exec 3>pipe; kill -9 $!; ls -A temporary",
+                    m_folder.path(), QV_RULES_PROGRAM});
+    EXPECT_EQ(result.m_output, "");
+    EXPECT_EQ(result.m_status, 0) << result.m_errors;
 }
 
 TEST_F(EvaluateCommand, TellsPeopleTheSame) {
