@@ -32,29 +32,35 @@ std::string s_treeText(Rules::LearnedTree const& learned) {
     return Rules::ruleText(set);
 }
 
-std::string s_ruleText(LearnArguments const& arguments, Rules::VectorTable const& table,
-                       Rules::LearnedTree const& learned) {
-    std::string text;
-    if (!arguments.m_with.empty()) {
-        text = Rules::readFile(arguments.m_with);
-        text += text.empty() || text.back() == '\n' ? "\n" : "\n\n";
+// What stands before the learned tree; empty without --with.
+std::string s_textBefore(std::string const& path) {
+    if (path.empty()) {
+        return {};
     }
-    text += Rules::learnedComment(table, learnSettings(arguments), learned);
-    text += s_treeText(learned);
+    auto text = Rules::readFile(path);
     auto const compiled = Rules::compileRules(text);
     if (!compiled.m_errors.empty()) {
-        throw Rules::LearnError(Rules::showErrors(arguments.m_with, text, compiled.m_errors));
+        throw Rules::LearnError(Rules::showErrors(path, text, compiled.m_errors));
     }
-    return text;
+    if (!compiled.m_set.m_nodes.empty()) {
+        throw Rules::LearnError(path + ": it has a tree already, and --with puts rules before the "
+                                       "tree that is learned; take its tree out");
+    }
+    return text + (text.empty() || text.back() == '\n' ? "\n" : "\n\n");
+}
+
+std::string s_counted(std::uint64_t count, std::string const& what) {
+    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
 void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& counts,
               Rules::VectorTable const& table) {
     auto const total = table.total();
-    std::cerr << "qvrules: learned " << learned.m_tree.writtenSize() << " nodes from "
-              << total.m_spam << " spam and " << total.m_ham << " ham (" << table.rows().size()
-              << " distinct vectors, " << counts.m_notJudgeable
-              << " messages could not be judged and were left out)\n";
+    auto const nodes = static_cast<std::uint64_t>(learned.m_tree.writtenSize());
+    std::cerr << "qvrules: learned " << s_counted(nodes, "node") << " from " << total.m_spam
+              << " spam and " << total.m_ham << " ham ("
+              << s_counted(table.rows().size(), "distinct vector") << "; "
+              << s_counted(counts.m_notJudgeable, "message") << " without a public hop left out)\n";
     if (learned.m_tree.leafCount() == 1) {
         std::cerr << "qvrules: no attribute tells this spam from this ham: the rules judge "
                      "nothing; learn from more mail or allow smaller support\n";
@@ -72,15 +78,15 @@ std::string s_usageError(LearnArguments const& arguments, TrainingMail const& ma
     return {};
 }
 
-Rules::LearnedTree s_learn(LearnArguments const& arguments, Rules::VectorTable const& table,
-                           Workshop::ProgressLine& progress) {
+Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings const& settings,
+                           Rules::PruningPlan const& plan, Workshop::ProgressLine& progress) {
     auto const tell = [&progress](std::size_t fold, std::size_t folds, std::string_view corpus) {
         progress.tick([&] {
             return "learning without " + std::string(corpus) + " (" + std::to_string(fold + 1) +
                    " of " + std::to_string(folds) + ")";
         });
     };
-    return Rules::learnTree(table, learnSettings(arguments), pruningPlan(arguments), tell);
+    return Rules::learnTree(table, settings, plan, tell);
 }
 
 } // namespace
@@ -91,9 +97,12 @@ int learn(LearnArguments const& arguments) {
         std::cerr << error << '\n';
         return ExitStatus::usage;
     }
-    // Before hours of scanning: are the words right?
-    static_cast<void>(learnSettings(arguments));
-    static_cast<void>(pruningPlan(arguments));
+    // Before hours of scanning: is all else right?
+    auto const settings = learnSettings(arguments);
+    auto const plan = pruningPlan(arguments);
+    auto const before = s_textBefore(arguments.m_with);
+    requireWritable(arguments.m_output);
+    requireWritable(arguments.m_table);
     Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
     auto const table = gatherMail(mail, progress, counts).m_sorted;
@@ -101,8 +110,9 @@ int learn(LearnArguments const& arguments) {
         s_writeTable(arguments.m_table, table);
     }
     if (!arguments.m_output.empty()) {
-        auto const learned = s_learn(arguments, table, progress);
-        writeOutput(arguments.m_output, s_ruleText(arguments, table, learned));
+        auto const learned = s_learn(table, settings, plan, progress);
+        writeOutput(arguments.m_output,
+                    before + Rules::learnedComment(table, settings, learned) + s_treeText(learned));
         s_report(learned, counts, table);
     }
     return ExitStatus::well;

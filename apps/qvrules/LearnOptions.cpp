@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Learn.h"
 #include "rules/learn/LearnError.h"
 
@@ -16,8 +17,13 @@ Rules::LearnSettings learnSettings(LearnArguments const& arguments) {
     if (arguments.m_lookups) {
         settings.m_attributes.fill(true);
     }
-    for (auto const& name : arguments.m_exclude) {
-        Rules::selectAttribute(settings.m_attributes, name, false);
+    try {
+        for (auto const& name : arguments.m_exclude) {
+            Rules::selectAttribute(settings.m_attributes, name, false);
+        }
+        Rules::checkSettings(settings);
+    } catch (Rules::LearnError const& error) {
+        throw UsageError(error.what()); // here it is the command line that is wrong
     }
     return settings;
 }
@@ -37,8 +43,8 @@ Rules::PruningPlan pruningPlan(LearnArguments const& arguments) {
     auto const* const end = text.data() + text.size();
     auto const result = std::from_chars(text.data(), end, alpha);
     if (result.ec != std::errc() || result.ptr != end || !(alpha >= 0.0)) {
-        throw Rules::LearnError("--prune takes minimum, one-se, none or a number from 0 on, not '" +
-                                text + "'");
+        throw UsageError("--prune takes minimum, one-se, none or a number from 0 on, not '" + text +
+                         "'");
     }
     return alpha;
 }

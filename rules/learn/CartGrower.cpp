@@ -137,26 +137,13 @@ class Grower {
     int m_size = 1;
 };
 
-void s_check(std::vector<CountedVector> const& table, LearnSettings const& settings) {
-    if (table.empty()) {
-        throw LearnError("no training messages: nothing to learn from");
-    }
-    if (settings.m_maxNodes < 1 || settings.m_maxNodes > maxLearnedNodes) {
-        throw LearnError("a tree has 1 to " + std::to_string(maxLearnedNodes) + " nodes, not " +
-                         std::to_string(settings.m_maxNodes));
-    }
-    if (!(settings.m_minSupport >= 0.0 && settings.m_minSupport <= 100.0)) {
-        throw LearnError("the minimum support is a percentage from 0 to 100");
-    }
-    if (!(settings.m_minGain >= 0.0)) {
-        throw LearnError("the minimum gain is 0 or more");
-    }
-}
-
 } // namespace
 
 GrownTree growTree(std::vector<CountedVector> const& table, LearnSettings const& settings) {
-    s_check(table, settings);
+    if (table.empty()) {
+        throw LearnError("no training messages: nothing to learn from");
+    }
+    checkSettings(settings);
     return Grower(table, settings).grow();
 }
 

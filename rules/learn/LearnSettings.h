@@ -39,4 +39,7 @@ struct LearnSettings {
     AttributeSelection m_attributes = defaultAttributes();
 };
 
+// A LearnError that names the first value out of its range.
+void checkSettings(LearnSettings const& settings);
+
 } // namespace Quorvane::Rules

@@ -22,6 +22,7 @@ using Arguments = std::vector<std::string>;
 constexpr int badData = 65;
 constexpr int usage = 64;
 constexpr int noInput = 66;
+constexpr int cannotWrite = 73;
 
 std::string s_message(std::string const& helo, std::string const& reverse, int host) {
     return "Received: from " + helo + " (" + reverse + " [192.0.2." + std::to_string(host) +
@@ -143,7 +144,7 @@ TEST_F(LearnCommand, LeavesOutWhatHasNoPublicHop) {
     auto const local = m_folder.write("local.eml", "Received: from a (b [10.0.0.1]) by c\n\n");
     auto const result = run(with(mail(), {"--ham", "alpha=" + local, "-o", path("a.qvr")}));
     ASSERT_EQ(result.m_status, 0) << result.m_errors;
-    EXPECT_THAT(result.m_errors, HasSubstr("1 messages could not be judged"));
+    EXPECT_THAT(result.m_errors, HasSubstr("1 message without a public hop left out"));
     EXPECT_THAT(read("a.qvr"), HasSubstr("from 60 spam and 80 ham"));
 }
 
@@ -199,9 +200,10 @@ TEST_F(LearnCommand, SaysWhatIsWrongWithTheInput) {
         {{"--ham", noMail, "-o", out}, badData, "no.eml"},
         {{"--vectors", path("absent.csv"), "-o", out}, noInput, "absent.csv"},
         {{"--vectors", bad, "-o", out}, badData, "bad.csv:1:"},
-        {{"--ham", ham, "-o", out, "--prune", "some"}, badData, "'some'"},
-        {{"--ham", ham, "-o", out, "--exclude", "nothing"}, badData, "'nothing'"},
-        {{"--ham", ham, "-o", out, "--max-nodes", "498"}, badData, "497"},
+        {{"--ham", ham, "-o", out, "--prune", "some"}, usage, "'some'"},
+        {{"--ham", ham, "-o", out, "--exclude", "nothing"}, usage, "'nothing'"},
+        {{"--ham", ham, "-o", out, "--max-nodes", "498"}, usage, "497"},
+        {{"--ham", ham, "-o", out, "--min-gain", "nan"}, usage, "minimum gain"},
         {{"--ham", ham, "-o", out, "--trusted-mta", "x"}, usage, "trusted-mta"},
         {{"--ham", ham, "-o", out, "--with", noMail}, badData, "no.eml"},
     };
@@ -210,6 +212,31 @@ TEST_F(LearnCommand, SaysWhatIsWrongWithTheInput) {
         EXPECT_EQ(result.m_status, one.m_status) << result.m_errors;
         EXPECT_THAT(result.m_errors, HasSubstr(one.m_text));
         EXPECT_FALSE(std::filesystem::exists(out));
+    }
+}
+
+// What would only come out behind hours of scanning is looked at first: here before the mail, which
+// is not there.
+TEST_F(LearnCommand, LooksAtEverythingElseBeforeTheMail) {
+    auto const tree =
+        m_folder.write("tree.qvr", "version 1\ntree confidence 0.5 support 100 leaf 1\n");
+    struct Case {
+        Arguments m_arguments;
+        int m_status;
+        std::string m_text;
+    };
+    Case const cases[] = {
+        {{"-o", path("absent/out.qvr")}, cannotWrite, "out.qvr: cannot be written: No such file"},
+        {{"-o", path("alpha")}, cannotWrite, "alpha: cannot be written: Is a directory"},
+        {{"--table", path("absent/t.csv")}, cannotWrite, "t.csv: cannot be written"},
+        {{"-o", path("out.qvr"), "--max-nodes", "0"}, usage, "not 0"},
+        {{"-o", path("out.qvr"), "--with", path("absent.qvr")}, noInput, "absent.qvr"},
+        {{"-o", path("out.qvr"), "--with", tree}, badData, "tree.qvr: it has a tree already"},
+    };
+    for (auto const& one : cases) {
+        auto const result = run(with({"--ham", path("absent.mbox")}, one.m_arguments));
+        EXPECT_EQ(result.m_status, one.m_status) << result.m_errors;
+        EXPECT_THAT(result.m_errors, HasSubstr(one.m_text));
     }
 }
 
