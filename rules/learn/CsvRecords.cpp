@@ -3,9 +3,17 @@
 
 #include "rules/learn/LearnError.h"
 
+#include <string_view>
 #include <utility>
 
 namespace Quorvane::Rules {
+
+namespace {
+
+// Spreadsheets begin a file in UTF-8 with it.
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+} // namespace
 
 CsvRecords::CsvRecords(std::istream& input, std::string name)
     : m_input(input), m_name(std::move(name)) {}
@@ -15,6 +23,9 @@ bool CsvRecords::next(std::vector<std::string>& fields) {
     do {
         if (!readLine()) {
             return false;
+        }
+        if (m_line == 1 && m_text.rfind(byteOrderMark, 0) == 0) {
+            m_text.erase(0, byteOrderMark.size());
         }
     } while (m_text.empty());
     m_recordLine = m_line;

@@ -45,8 +45,12 @@ class VectorReader {
             throw LearnError(m_records.name() +
                              ": empty; a first line with column names is needed");
         }
-        readHeader(fields);
+        auto const header = fields;
+        readHeader(header);
         while (m_records.next(fields)) {
+            if (fields == header) {
+                continue; // tables that were joined with cat
+            }
             if (fields.size() != m_columns.size()) {
                 fail(std::min(fields.size(), m_columns.size()),
                      std::to_string(fields.size()) + " fields where the first line names " +

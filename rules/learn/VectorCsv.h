@@ -2,9 +2,10 @@
 //
 // Reads attribute vectors from CSV, as `qvscan --format csv` writes them, into a table.
 //
-// The first line names the columns. The first column is `source`; the 38 attributes by name, in any
-// order, must all be there. `label` (spam or ham), `count` (messages that had this vector) and
-// `corpus` are optional; other columns are refused, since a misspelt `count` would go unnoticed.
+// The first line names the columns; where it comes again, as in tables that were joined with cat,
+// it is skipped. The first column is `source`; the 38 attributes by name, in any order, must all be
+// there. `label` (spam or ham), `count` (messages that had this vector) and `corpus` are optional;
+// other columns are refused, since a misspelt `count` would go unnoticed.
 // A row whose attributes are all empty is a message that could not be judged: it is counted apart.
 // Errors are LearnErrors with file, line and column.
 #pragma once

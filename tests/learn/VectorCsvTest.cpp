@@ -49,6 +49,19 @@ std::string s_error(std::string const& text) {
     return "no error";
 }
 
+TEST(VectorCsv, ReadsTablesThatWereJoined) {
+    auto const one = s_header(",label,count") + s_row("a.eml", "1", ",spam,7");
+    EXPECT_EQ(s_read(one + one).total(), (LabelCounts{14, 0}));
+    // With other columns, or in another order, it is no repetition.
+    EXPECT_THAT(s_error(one + s_header()), HasSubstr("mail.csv:3: column 41: 40 fields"));
+}
+
+TEST(VectorCsv, TakesNoNoticeOfAByteOrderMark) {
+    auto const table = s_header() + s_row("a.eml", "1", ",spam");
+    EXPECT_EQ(s_read("\xEF\xBB\xBF" + table).total(), (LabelCounts{1, 0}));
+    EXPECT_THAT(s_error(s_header() + "\xEF\xBB\xBF" + s_header()), HasSubstr("mail.csv:2:"));
+}
+
 TEST(VectorCsv, ReadsVectorsLabelsAndCounts) {
     auto const table = s_read(s_header(",label,count") + s_row("a.eml", "1", ",spam,7") +
                               s_row("b.eml", "-2", ",ham,1"));
