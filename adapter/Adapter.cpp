@@ -4,7 +4,7 @@
 // a file beside this one:
 //
 //   getFields      HeaderFields.cpp   addresses, Message-ID domain, the hops to judge
-//   parseFields    ReceivedChain.cpp  the hops, classified and analysed
+//   parseFields    ReceivedChain.cpp  the hops, classified; HopAnalysis.cpp looks into one
 //   getAttributes  Attributes.cpp     the vector of 38 attributes
 //   getResults     Verdict.cpp        EliteNodes.cpp and DecisionTree.cpp turn it into the answer
 #include "adapter/DeepHeaderAdapter.h"
