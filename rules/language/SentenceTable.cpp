@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The table of sentences: the words of each kind of attribute, and what each attribute puts into
-// them.
-#include "rules/format/AttributeTable.h"
+// The table of sentences: what each attribute puts into the words of its kind.
 #include "rules/language/Sentences.h"
+#include "rules/language/SentenceWords.h"
 
 #include <span>
 
@@ -11,122 +10,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// What attributes of one kind say, $A and $B standing for what they are about.
-struct Words {
-    std::int32_t m_value;
-    std::string_view m_is;
-    std::string_view m_isNot;
-};
-
-// --- $A is a relay, $B the first part of the names of what is known of it ---
-
-constexpr Words heloIsDomain[] = {
-    {Code::yes, "the name $A announced{$BHelo} looks like a full host name or an address",
-     "$A announced no name that looks like a full host name or an address"},
-    {Code::no, "the name $A announced{$BHelo} is no full host name",
-     "$A announced a full host name, an address, or nothing"},
-    {Code::unknown, "$A announced no name", "$A announced a name{$BHelo}"},
-};
-
-constexpr Words heloResolves[] = {
-    {Code::yes, "the name $A announced{$BHelo} exists in DNS",
-     "the name $A announced{$BHelo} is not known to exist in DNS"},
-    {Code::no, "the name $A announced{$BHelo} was not found in DNS",
-     "the name $A announced{$BHelo} exists in DNS, or is none that can be looked up"},
-    {Code::literal, "$A announced an address{$BHelo} instead of a name",
-     "$A did not announce an address"},
-    {Code::notApplicable, "$A announced no full host name that can be looked up in DNS",
-     "$A announced a full host name or an address"},
-};
-
-constexpr Words heloDynamic[] = {
-    {Code::yes, "the host name $A announced{$BHelo} looks dynamically assigned",
-     "$A announced no host name that looks dynamically assigned"},
-    {Code::no, "the host name $A announced{$BHelo} does not look dynamically assigned",
-     "the name $A announced{$BHelo} looks dynamically assigned, or is no full host name"},
-    {Code::literal, "$A announced an address{$BHelo} instead of a host name",
-     "$A did not announce an address"},
-    {Code::notApplicable, "$A announced no full host name",
-     "$A announced a full host name or an address"},
-};
-
-constexpr Words reverseDynamic[] = {
-    {Code::yes, "the reverse name of $A{$BReverse} looks dynamically assigned",
-     "no reverse name that looks dynamically assigned was recorded for $A"},
-    {Code::no, "the reverse name of $A{$BReverse} does not look dynamically assigned",
-     "the reverse name of $A{$BReverse} looks dynamically assigned, or was not recorded"},
-    {Code::unknown, "no reverse name was recorded for $A{$BAddress}",
-     "a reverse name{$BReverse} was recorded for $A"},
-};
-
-// --- $A and $B are names ---
-
-constexpr Words relation[] = {
-    {Code::yes, "$A is related to $B", "$A is not known to be related to $B"},
-    {Code::no, "$A is not related to $B", "$A may be related to $B"},
-    {Code::unknown, "$A cannot be compared with $B: one of them is missing",
-     "$A can be compared with $B"},
-};
-
-constexpr Words relationToAny[] = {
-    {Code::yes, "$A is related to $B of a relay",
-     "$A is not known to be related to $B of any relay"},
-    {Code::no, "$A is not related to $B of any relay", "$A may be related to $B of a relay"},
-    {Code::unknown, "$A cannot be compared with $B of any relay: something is missing",
-     "$A can be compared with $B of a relay"},
-};
-
-constexpr Words relationToBoth[] = {
-    {Code::yes, "$A is related to both $B", "$A is not known to be related to both $B"},
-    {Code::no, "$A is not related to both $B", "$A may be related to both $B"},
-    {Code::notApplicable, "$A cannot be compared with both $B: one of them is missing or no name",
-     "$A can be compared with both $B"},
-};
-
-// --- counters; $A is what a relay must have done, $B the sentence when none did ---
-
-constexpr Words counter[] = {
-    {0, "$B", "at least one examined relay $A"},
-    {1, "one examined relay $A", "not exactly one examined relay $A"},
-};
-constexpr Words otherCount = {0, "{value} examined relays $A",
-                              "not exactly {value} examined relays $A"};
-
-// --- for one attribute ---
-
-constexpr Words forged[] = {
-    {Code::yes,
-     "the reverse name of $A{$BReverse} is forged: it leads to another address than the relay's "
-     "own{$BAddress}",
-     "nothing says that the reverse name of $A{$BReverse} is forged"},
-    {Code::no, "nothing says that the reverse name of $A{$BReverse} is forged",
-     "the reverse name of $A{$BReverse} is taken for forged"},
-};
-constexpr Words otherForged = {
-    0, "the host says {value} when asked whether the reverse name of $A{$BReverse} is forged",
-    "the host does not say {value} when asked whether the reverse name of $A{$BReverse} is "
-    "forged"};
-
-// Most attributes of two values: $A holds, $B holds.
-constexpr Words yesNo[] = {
-    {Code::yes, "$A", "$B"},
-    {Code::no, "$B", "$A"},
-};
-
-constexpr Words sameAddress[] = {
-    {Code::yes, "the deepest relay has the address of the first one{firstAddress}",
-     "no deeper relay has the address of the first one{firstAddress}"},
-    {Code::no,
-     "the deepest relay{deepAddress} has another address than the first one{firstAddress}",
-     "no deeper relay has another address than the first one{firstAddress}"},
-    {Code::unknown, "no public relay stood right behind the first one",
-     "a public relay{deepAddress} stood right behind the first one"},
-};
-
-constexpr Words reserved[] = {{0, "$N is 0", "$N is not 0"}};
-
-// Values that no scan gives; $N is the name of the attribute.
-constexpr Words plain = {0, "$N is {value}", "$N is not {value}"};
+using namespace SentenceWords;
 
 // A deep hop that there is not.
 constexpr std::string_view noDeepHop = "no public relay stood right behind the first one";
