@@ -4,6 +4,7 @@
 #include "apps/charts/Frame.h"
 #include "apps/charts/Scale.h"
 #include "apps/charts/TextWidth.h"
+#include "apps/common/NumberText.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
@@ -58,8 +59,8 @@ void s_drawBar(Drawing& drawing, Rules::VerdictCounts const& counts, double top)
 
 void s_drawRow(Drawing& drawing, std::string const& label, Rules::VerdictCounts const& counts,
                double top) {
-    drawing.text({margin, top + 16.0}, Anchor::start,
-                 label + ", " + Rules::groupedText(counts.total()), "name");
+    drawing.text({margin, top + 16.0}, Anchor::start, label + ", " + groupedText(counts.total()),
+                 "name");
     if (counts.total() == 0) {
         drawing.rectangle({margin, top + barTop, chartWidth - 2.0 * margin, barHeight}, "missing");
         return;

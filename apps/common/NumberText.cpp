@@ -28,4 +28,20 @@ std::string spamText(double confidence) {
                                : "unknown share of spam " + noShareText(confidence);
 }
 
+std::string exactNumberText(double value) {
+    std::array<char, 32> text{};
+    auto const end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    return {text.data(), end};
+}
+
+std::string groupedText(std::uint64_t count) {
+    constexpr std::size_t group = 3;
+    auto text = std::to_string(count);
+    for (auto at = text.size(); at > group;) {
+        at -= group;
+        text.insert(at, 1, ',');
+    }
+    return text;
+}
+
 } // namespace Quorvane

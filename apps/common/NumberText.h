@@ -3,6 +3,7 @@
 // Numbers for people. Pure functions; no locale has a say.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace Quorvane {
@@ -18,5 +19,11 @@ std::string noShareText(double number);
 
 // "0.97 spam", "unknown share of spam (97)".
 std::string spamText(double confidence);
+
+// The shortest text that reads back as the same number.
+std::string exactNumberText(double value);
+
+// "1,234,567"
+std::string groupedText(std::uint64_t count);
 
 } // namespace Quorvane

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/SettingsTable.h"
 
+#include "apps/common/NumberText.h"
 #include "include2/Exception.h"
 
 #include <algorithm>
@@ -23,12 +24,6 @@ constexpr long long maxJobs = 1024;
 
 std::int32_t s_int32(std::string const& text) {
     return static_cast<std::int32_t>(readInteger(text, minInt32, maxInt32));
-}
-
-std::string s_show(double value) {
-    std::array<char, 32> buffer{};
-    auto const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    return {buffer.data(), end};
 }
 
 IPPrefix s_prefix(std::string const& text) {
@@ -89,13 +84,16 @@ constexpr auto table = std::to_array<SettingKey>({
      [](HostSettings const& s) { return Texts{s.m_root}; }, nullptr},
     {"spam-threshold", SettingKind::number, "X", "spam from this probability on, 0..1 (0.95)",
      [](HostSettings& s, std::string const& t) { s.m_judging.spamThreshold = readNumber(t); },
-     [](HostSettings const& s) { return Texts{s_show(s.m_judging.spamThreshold)}; }, nullptr, true},
+     [](HostSettings const& s) { return Texts{exactNumberText(s.m_judging.spamThreshold)}; },
+     nullptr, true},
     {"ham-threshold", SettingKind::number, "X", "ham from this probability of ham on, 0..1 (0.95)",
      [](HostSettings& s, std::string const& t) { s.m_judging.hamThreshold = readNumber(t); },
-     [](HostSettings const& s) { return Texts{s_show(s.m_judging.hamThreshold)}; }, nullptr, true},
+     [](HostSettings const& s) { return Texts{exactNumberText(s.m_judging.hamThreshold)}; },
+     nullptr, true},
     {"min-support", SettingKind::number, "X", "percentage of training mail behind a rule (0.15)",
      [](HostSettings& s, std::string const& t) { s.m_judging.minSupport = readNumber(t); },
-     [](HostSettings const& s) { return Texts{s_show(s.m_judging.minSupport)}; }, nullptr, true},
+     [](HostSettings const& s) { return Texts{exactNumberText(s.m_judging.minSupport)}; }, nullptr,
+     true},
     {"max-elite-level", SettingKind::integer, "N", "leave elite rules of a higher level out (1)",
      [](HostSettings& s, std::string const& t) { s.m_judging.maxEliteLevel = s_int32(t); },
      [](HostSettings const& s) { return Texts{std::to_string(s.m_judging.maxEliteLevel)}; },

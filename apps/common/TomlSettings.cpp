@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/common/TomlSettings.h"
 
+#include "apps/common/NumberText.h"
+
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <filesystem>
 #include <string_view>
 #include <vector>
@@ -11,12 +11,6 @@
 namespace Quorvane {
 
 namespace {
-
-std::string s_numberText(double value) {
-    std::array<char, 32> buffer{};
-    auto const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    return {buffer.data(), end};
-}
 
 bool s_stumbles(std::string_view text) {
     try {
@@ -124,7 +118,7 @@ std::optional<std::string> tomlScalar(SettingKind kind, toml::node const& node) 
     }
     if (auto const* const number = node.as_floating_point();
         number != nullptr && kind == SettingKind::number) {
-        return s_numberText(number->get());
+        return exactNumberText(number->get());
     }
     if (auto const* const flag = node.as_boolean();
         flag != nullptr && kind == SettingKind::integer) {

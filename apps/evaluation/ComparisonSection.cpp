@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/RateChart.h"
+#include "apps/common/NumberText.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/evaluation/Sections.h"
 #include "apps/page/Escape.h"
@@ -69,8 +70,8 @@ std::string s_withInterval(Rules::Rate const& rate) {
 
 void s_addRow(Page::Table& table, Rules::CorpusFigures const& figures) {
     auto const judged = figures.judged();
-    table.row({Page::isolated(figures.m_name), Rules::groupedText(judged.m_spam),
-               Rules::groupedText(judged.m_ham), shareText(figures.judgeable()),
+    table.row({Page::isolated(figures.m_name), groupedText(judged.m_spam),
+               groupedText(judged.m_ham), shareText(figures.judgeable()),
                s_withInterval(figures.caught()), s_withInterval(figures.falsePositives()),
                s_withInterval(figures.passed()), s_withInterval(figures.missed()),
                s_area(figures)});

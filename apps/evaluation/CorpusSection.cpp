@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/ReliabilityChart.h"
 #include "apps/charts/VerdictChart.h"
+#include "apps/common/NumberText.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/evaluation/Sections.h"
 #include "apps/page/Escape.h"
@@ -16,9 +17,9 @@ std::string s_lead(Rules::CorpusFigures const& figures) {
     if (judgeable.m_total == 0) {
         return "<p>No messages.</p>\n";
     }
-    auto text = "<p>" + Rules::groupedText(judgeable.m_hits) + " of " +
-                Rules::groupedText(judgeable.m_total) + " messages can be judged (" +
-                shareText(judgeable) + "): " + labelsText(figures.judged()) + '.';
+    auto text = "<p>" + groupedText(judgeable.m_hits) + " of " + groupedText(judgeable.m_total) +
+                " messages can be judged (" + shareText(judgeable) +
+                "): " + labelsText(figures.judged()) + '.';
     if (figures.m_unjudged.total() != 0) {
         text += " The others have no public hop and get no verdict whatever the rules.";
     }

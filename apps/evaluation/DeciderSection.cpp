@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/DeciderBar.h"
+#include "apps/common/NumberText.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/evaluation/Sections.h"
 #include "apps/page/Escape.h"
@@ -30,17 +31,16 @@ std::string s_wrong(Figures const& one) {
     if (wrong.total() == 0) {
         return "none wrong";
     }
-    return wrong.m_ham > 0 ? Rules::groupedText(wrong.m_ham) + " ham called spam"
-                           : Rules::groupedText(wrong.m_spam) + " spam called ham";
+    return wrong.m_ham > 0 ? groupedText(wrong.m_ham) + " ham called spam"
+                           : groupedText(wrong.m_spam) + " spam called ham";
 }
 
 std::string s_item(Figures const& one, Rules::RuleSet const& set, std::uint64_t most) {
     auto const name = Workshop::deciderName(one.m_decider);
     return "<li>\n<p class=\"decider\"><strong>" + name + "</strong> " +
-           Rules::groupedText(one.m_reached.m_spam) + " spam, " +
-           Rules::groupedText(one.m_reached.m_ham) + " ham; " + s_wrong(one) + "; confidence " +
-           Rules::fixedText(one.m_confidence, 4) + "</p>\n" +
-           Charts::deciderBar(one.m_reached, most) + deciderTests(set, one.m_decider) +
+           groupedText(one.m_reached.m_spam) + " spam, " + groupedText(one.m_reached.m_ham) +
+           " ham; " + s_wrong(one) + "; confidence " + Rules::fixedText(one.m_confidence, 4) +
+           "</p>\n" + Charts::deciderBar(one.m_reached, most) + deciderTests(set, one.m_decider) +
            s_samples(one) + "</li>\n";
 }
 

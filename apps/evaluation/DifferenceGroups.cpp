@@ -4,7 +4,6 @@
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/page/Escape.h"
 #include "apps/workshop/DeciderText.h"
-#include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
 
@@ -53,7 +52,7 @@ std::string kindsText(Rules::KindCounts const& counts) {
     std::string text;
     for (auto const kind : Rules::mailKinds) {
         if (counts.of(kind) != 0) {
-            text += (text.empty() ? "" : ", ") + Rules::groupedText(counts.of(kind)) + ' ' +
+            text += (text.empty() ? "" : ", ") + groupedText(counts.of(kind)) + ' ' +
                     Rules::mailKindName(kind);
         }
     }

@@ -8,13 +8,11 @@
 #include "apps/page/Escape.h"
 #include "apps/page/Page.h"
 #include "apps/page/Table.h"
-#include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Reports {
 
 namespace {
 
-using Rules::groupedText;
 using Rules::MailKind;
 
 std::string s_header(Rules::Difference const& difference, ComparedSets const& sets) {

@@ -12,7 +12,6 @@ namespace Quorvane::Reports {
 
 namespace {
 
-using Rules::groupedText;
 using Rules::KindCounts;
 using Rules::MailKind;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/evaluation/HtmlParts.h"
 
+#include "apps/common/NumberText.h"
 #include "apps/page/Escape.h"
 #include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/FigureText.h"
@@ -33,7 +34,7 @@ std::string sideBySide(std::string const& left, std::string const& right) {
 
 std::vector<std::string> rateCells(Rules::Rate const& rate) {
     bool const isEmpty = rate.m_total == 0;
-    return {Rules::groupedText(rate.m_hits), Rules::groupedText(rate.m_total),
+    return {groupedText(rate.m_hits), groupedText(rate.m_total),
             isEmpty ? dash : Rules::percentText(rate.value()),
             isEmpty ? dash : Rules::intervalText(rate)};
 }
@@ -52,8 +53,8 @@ std::string rateTile(std::string_view nameText, Rules::Rate const& rate) {
         return tile(nameText, shareText(rate), "no messages");
     }
     return tile(nameText, shareText(rate),
-                Rules::groupedText(rate.m_hits) + " of " + Rules::groupedText(rate.m_total) +
-                    "<br>" + Rules::intervalText(rate));
+                groupedText(rate.m_hits) + " of " + groupedText(rate.m_total) + "<br>" +
+                    Rules::intervalText(rate));
 }
 
 std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {
@@ -71,8 +72,7 @@ std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decide
 }
 
 std::string labelsText(Rules::LabelCounts const& counts) {
-    return Rules::groupedText(counts.m_spam) + " spam and " + Rules::groupedText(counts.m_ham) +
-           " ham";
+    return groupedText(counts.m_spam) + " spam and " + groupedText(counts.m_ham) + " ham";
 }
 
 } // namespace Quorvane::Reports

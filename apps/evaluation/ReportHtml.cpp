@@ -30,10 +30,10 @@ std::string s_header(Rules::Evaluation const& evaluation, EvaluatedRules const& 
     auto const messages = evaluation.m_together.judgeable().m_total;
     return "<header class=\"top\">\n<p class=\"kicker\">Quorvane Deep Header: evaluation</p>\n"
            "<h1>What " +
-           Page::isolated(rules.m_name) + " does on sorted mail</h1>\n<p>" +
-           Rules::groupedText(messages) + (messages == 1 ? " message" : " messages") + " from " +
-           std::to_string(corpora) + (corpora == 1 ? " corpus" : " corpora") +
-           ". Called spam from a confidence of " + numberText(rules.m_settings.spamThreshold) +
+           Page::isolated(rules.m_name) + " does on sorted mail</h1>\n<p>" + groupedText(messages) +
+           (messages == 1 ? " message" : " messages") + " from " + std::to_string(corpora) +
+           (corpora == 1 ? " corpus" : " corpora") + ". Called spam from a confidence of " +
+           numberText(rules.m_settings.spamThreshold) +
            " on; called ham where the confidence that it is ham is " +
            numberText(rules.m_settings.hamThreshold) + " or more.</p>\n" +
            s_tiles(evaluation.m_together) + "</header>\n";

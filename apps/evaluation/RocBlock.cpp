@@ -87,8 +87,8 @@ std::string s_pointTable(Rules::CorpusFigures const& figures) {
             continue;
         }
         before = point.m_called;
-        table.row({s_threshold(point.m_threshold), Rules::groupedText(before.m_spam),
-                   shareText({before.m_spam, total.m_spam}), Rules::groupedText(before.m_ham),
+        table.row({s_threshold(point.m_threshold), groupedText(before.m_spam),
+                   shareText({before.m_spam, total.m_spam}), groupedText(before.m_ham),
                    shareText({before.m_ham, total.m_ham})});
         ++rows;
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/Progress.h"
 
+#include "apps/common/NumberText.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -13,14 +15,6 @@ constexpr std::chrono::milliseconds firstDrawn{2000};
 constexpr std::chrono::milliseconds terminalPause{250};
 // A log file needs no animation.
 constexpr std::chrono::milliseconds otherPause{2000};
-
-std::string s_grouped(std::uint64_t number) {
-    auto text = std::to_string(number);
-    for (auto at = text.size(); at > 3; at -= 3) {
-        text.insert(at - 3, ",");
-    }
-    return text;
-}
 
 std::string s_duration(double seconds) {
     auto const whole = static_cast<std::uint64_t>(std::lround(std::max(0.0, seconds)));
@@ -38,10 +32,10 @@ std::string s_duration(double seconds) {
 } // namespace
 
 std::string progressLine(WorkState const& state) {
-    auto line = s_grouped(state.m_messages) + " messages";
+    auto line = groupedText(state.m_messages) + " messages";
     if (state.m_seconds > 0) {
         auto const rate = static_cast<double>(state.m_messages) / state.m_seconds;
-        line += "  " + s_grouped(static_cast<std::uint64_t>(std::lround(rate))) + "/s";
+        line += "  " + groupedText(static_cast<std::uint64_t>(std::lround(rate))) + "/s";
     }
     auto const total = state.m_bytesTotal.value_or(0);
     if (total > 0 && state.m_bytesRead > 0) {

@@ -2,7 +2,6 @@
 #include "apps/show/Numbers.h"
 
 #include "apps/common/NumberText.h"
-#include "rules/evaluate/FigureText.h"
 
 #include <cmath>
 
@@ -29,7 +28,7 @@ std::string supportText(double percentage) {
 
 std::string countText(std::int64_t count) {
     return count < 0 ? "unknown (" + std::to_string(count) + ')'
-                     : Rules::groupedText(static_cast<std::uint64_t>(count));
+                     : groupedText(static_cast<std::uint64_t>(count));
 }
 
 } // namespace Quorvane::Show

@@ -7,6 +7,15 @@
 
 namespace Quorvane::Rules {
 
+namespace {
+
+std::string s_interval(Rate const& rate) {
+    auto const interval = wilsonInterval(rate);
+    return fixedText(100.0 * interval.m_low, 2) + " to " + fixedText(100.0 * interval.m_high, 2);
+}
+
+} // namespace
+
 std::string fixedText(double value, int digits) {
     std::ostringstream text;
     text.imbue(std::locale::classic());
@@ -23,30 +32,16 @@ std::string percentText(double share) {
     return fixedText(percent, percent < small ? 3 : 2) + " %";
 }
 
-std::string groupedText(std::uint64_t count) {
-    constexpr std::size_t group = 3;
-    auto text = std::to_string(count);
-    for (auto at = text.size(); at > group;) {
-        at -= group;
-        text.insert(at, 1, ',');
-    }
-    return text;
-}
-
 std::string intervalText(Rate const& rate) {
-    auto const interval = wilsonInterval(rate);
-    return fixedText(100.0 * interval.m_low, 2) + " to " + fixedText(100.0 * interval.m_high, 2) +
-           " %";
+    return s_interval(rate) + " %";
 }
 
 std::string rateText(Rate const& rate) {
     if (rate.m_total == 0) {
         return "none of 0";
     }
-    auto const interval = wilsonInterval(rate);
     return std::to_string(rate.m_hits) + " of " + std::to_string(rate.m_total) + " (" +
-           percentText(rate.value()) + "; " + fixedText(100.0 * interval.m_low, 2) + " to " +
-           fixedText(100.0 * interval.m_high, 2) + ")";
+           percentText(rate.value()) + "; " + s_interval(rate) + ")";
 }
 
 } // namespace Quorvane::Rules

@@ -5,7 +5,6 @@
 
 #include "rules/evaluate/Wilson.h"
 
-#include <cstdint>
 #include <string>
 
 namespace Quorvane::Rules {
@@ -15,9 +14,6 @@ std::string fixedText(double value, int digits);
 
 // "84.90 %"; below a tenth of a percent a third digit; nothing and all without digits.
 std::string percentText(double share);
-
-// "1,234,567"
-std::string groupedText(std::uint64_t count);
 
 // "12 of 3456 (0.35 %; 0.20 to 0.61)", the interval in percent; "none of 0" without messages.
 std::string rateText(Rate const& rate);

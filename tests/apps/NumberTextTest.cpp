@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
 
 namespace Quorvane::Testing {
 namespace {
@@ -15,6 +16,21 @@ TEST(NumberText, KeepsTheDigitsThatCount) {
     EXPECT_EQ(numberText(0.00001), "1e-05");
     EXPECT_EQ(numberText(-std::numeric_limits<double>::max()), "-1.798e+308");
     EXPECT_EQ(numberText(-std::numeric_limits<double>::infinity()), "-inf");
+}
+
+TEST(NumberText, ExactNumbersReadBackAsTheSame) {
+    EXPECT_EQ(exactNumberText(0.95), "0.95");
+    EXPECT_EQ(exactNumberText(95.0), "95");
+    EXPECT_EQ(exactNumberText(1.0 / 3.0), "0.3333333333333333");
+    EXPECT_EQ(std::stod(exactNumberText(0.1 + 0.2)), 0.1 + 0.2);
+    EXPECT_EQ(exactNumberText(-std::numeric_limits<double>::max()), "-1.7976931348623157e+308");
+}
+
+TEST(NumberText, CountsAreGrouped) {
+    EXPECT_EQ(groupedText(0), "0");
+    EXPECT_EQ(groupedText(999), "999");
+    EXPECT_EQ(groupedText(1000), "1,000");
+    EXPECT_EQ(groupedText(1234567), "1,234,567");
 }
 
 } // namespace

@@ -14,13 +14,6 @@ TEST(FigureText, PercentagesOfRareThingsHaveAThirdDigit) {
     EXPECT_EQ(percentText(0.99999), "100.00 %");
 }
 
-TEST(FigureText, CountsAreGrouped) {
-    EXPECT_EQ(groupedText(0), "0");
-    EXPECT_EQ(groupedText(999), "999");
-    EXPECT_EQ(groupedText(1000), "1,000");
-    EXPECT_EQ(groupedText(1234567), "1,234,567");
-}
-
 TEST(FigureText, RatesCarryTheirInterval) {
     EXPECT_EQ(rateText({50, 100}), "50 of 100 (50.00 %; 40.38 to 59.62)");
     EXPECT_EQ(intervalText({50, 100}), "40.38 to 59.62 %");
