@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "docs/Documents.h"
 
-#include <fstream>
 #include <regex>
 #include <sstream>
-#include <stdexcept>
 
 namespace Quorvane::Testing {
 
@@ -14,15 +12,6 @@ std::string programPath(std::string const& program) {
 
 std::string documentPath(std::string const& name) {
     return QV_SHARE "/" + name;
-}
-
-std::string readFile(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (!(text << file.rdbuf())) {
-        throw std::runtime_error(path);
-    }
-    return text.str();
 }
 
 std::string helpOf(std::string const& program, std::string const& command) {

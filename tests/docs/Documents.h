@@ -4,6 +4,7 @@
 #pragma once
 
 #include "support/Program.h"
+#include "support/ReadFile.h"
 
 #include <set>
 #include <string>
@@ -16,7 +17,6 @@ using Names = std::set<std::string>;
 std::string programPath(std::string const& program);
 // Path of a generated file below share/.
 std::string documentPath(std::string const& name);
-std::string readFile(std::string const& path);
 
 // What PROGRAM --help, or PROGRAM COMMAND --help, prints.
 std::string helpOf(std::string const& program, std::string const& command = {});

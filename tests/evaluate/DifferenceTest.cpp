@@ -1,34 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/evaluate/Difference.h"
 
+#include "JudgedVectors.h"
+
 #include <gtest/gtest.h>
 
 namespace Quorvane::Rules {
 namespace {
 
-AttributeVector s_vector(std::int32_t value) {
-    AttributeVector vector{};
-    vector[5] = value;
-    return vector;
-}
-
-JudgedVector s_judged(Verdict verdict, std::int32_t node, double confidence, double adjust = 0.0) {
-    JudgedVector judged;
-    judged.m_verdict = verdict;
-    judged.m_decider.m_number = node;
-    judged.m_confidence = confidence;
-    judged.m_adjust = adjust;
-    return judged;
-}
-
 JudgedVector s_old(AttributeVector const& vector) {
     switch (vector[5]) {
     case 0:
-        return s_judged(Verdict::ham, 10, 0.02);
+        return judgedBy({false, 10}, Verdict::ham, 0.02);
     case 1:
-        return s_judged(Verdict::none, 11, 0.9);
+        return judgedBy({false, 11}, Verdict::none, 0.9);
     case 2:
-        return s_judged(Verdict::none, 12, 0.5);
+        return judgedBy({false, 12}, Verdict::none, 0.5);
     default:
         return {};
     }
@@ -38,33 +25,33 @@ JudgedVector s_old(AttributeVector const& vector) {
 JudgedVector s_new(AttributeVector const& vector) {
     switch (vector[5]) {
     case 0:
-        return s_judged(Verdict::spam, 20, 0.97);
+        return judgedBy({false, 20}, Verdict::spam, 0.97);
     case 1:
-        return s_judged(Verdict::spam, 11, 0.9, 0.06);
+        return judgedBy({false, 11}, Verdict::spam, 0.9, 0.06);
     case 2:
-        return s_judged(Verdict::none, 22, 0.25);
+        return judgedBy({false, 22}, Verdict::none, 0.25);
     default:
-        return s_judged(Verdict::none, 23, 0.4);
+        return judgedBy({false, 23}, Verdict::none, 0.4);
     }
 }
 
 ComparedMail s_mail() {
     VectorTableBuilder sorted;
-    sorted.add(s_vector(0), MailLabel::ham, "a", 7);
-    sorted.add(s_vector(0), MailLabel::spam, "b", 2);
-    sorted.add(s_vector(1), MailLabel::spam, "a", 30);
-    sorted.add(s_vector(2), MailLabel::ham, "a", 4);
-    sorted.add(s_vector(9), MailLabel::ham, "b", 3);
+    sorted.add(vectorOf(0), MailLabel::ham, "a", 7);
+    sorted.add(vectorOf(0), MailLabel::spam, "b", 2);
+    sorted.add(vectorOf(1), MailLabel::spam, "a", 30);
+    sorted.add(vectorOf(2), MailLabel::ham, "a", 4);
+    sorted.add(vectorOf(9), MailLabel::ham, "b", 3);
     sorted.addUnjudged(MailLabel::ham, "b", 15);
     VectorTableBuilder unsorted;
-    unsorted.add(s_vector(1), MailLabel::ham, "a", 5);
+    unsorted.add(vectorOf(1), MailLabel::ham, "a", 5);
     unsorted.addUnjudged(MailLabel::ham, "c");
     ComparedMail mail;
     mail.m_sorted = sorted.finish();
     mail.m_unsorted = unsorted.finish();
-    mail.m_sortedSamples[{s_vector(0), MailLabel::ham}] = {"h1", "h2", "h3", "h4"};
-    mail.m_sortedSamples[{s_vector(0), MailLabel::spam}] = {"s1"};
-    mail.m_unsortedSamples[{s_vector(1), MailLabel::ham}] = {"u1"};
+    mail.m_sortedSamples[{vectorOf(0), MailLabel::ham}] = {"h1", "h2", "h3", "h4"};
+    mail.m_sortedSamples[{vectorOf(0), MailLabel::spam}] = {"s1"};
+    mail.m_unsortedSamples[{vectorOf(1), MailLabel::ham}] = {"u1"};
     return mail;
 }
 
@@ -164,7 +151,9 @@ TEST(Difference, JudgesEachVectorOnce) {
 
 // 0.1 + 0.2 - 0.1 - 0.2 is not 0.
 TEST(Difference, TheSameAdjustedConfidenceIsNoChange) {
-    auto const judge = [](AttributeVector const&) { return s_judged(Verdict::none, 21, 0.1, 0.2); };
+    auto const judge = [](AttributeVector const&) {
+        return judgedBy({false, 21}, Verdict::none, 0.1, 0.2);
+    };
     auto const changes = compare(s_mail(), judge, judge).m_confidence;
     EXPECT_EQ(changes.m_up, 0U);
     EXPECT_EQ(changes.m_down, 0U);

@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/evaluate/Evaluation.h"
 
+#include "JudgedVectors.h"
+
 #include <gtest/gtest.h>
 
 namespace Quorvane::Rules {
 namespace {
-
-AttributeVector s_vector(std::int32_t value) {
-    AttributeVector vector{};
-    vector[5] = value;
-    return vector;
-}
 
 // Attribute 5: 1 is called spam, 0 ham, anything else gets a node but no verdict; 9 nothing at all.
 JudgedVector s_judge(AttributeVector const& vector) {
@@ -29,12 +25,12 @@ JudgedVector s_judge(AttributeVector const& vector) {
 
 VectorTable s_mail() {
     VectorTableBuilder builder;
-    builder.add(s_vector(1), MailLabel::spam, "a", 80);
-    builder.add(s_vector(1), MailLabel::ham, "a", 1);
-    builder.add(s_vector(0), MailLabel::ham, "a", 90);
-    builder.add(s_vector(0), MailLabel::spam, "b", 4);
-    builder.add(s_vector(2), MailLabel::spam, "b", 6);
-    builder.add(s_vector(9), MailLabel::ham, "b", 5);
+    builder.add(vectorOf(1), MailLabel::spam, "a", 80);
+    builder.add(vectorOf(1), MailLabel::ham, "a", 1);
+    builder.add(vectorOf(0), MailLabel::ham, "a", 90);
+    builder.add(vectorOf(0), MailLabel::spam, "b", 4);
+    builder.add(vectorOf(2), MailLabel::spam, "b", 6);
+    builder.add(vectorOf(9), MailLabel::ham, "b", 5);
     builder.addUnjudged(MailLabel::ham, "b", 15);
     return builder.finish();
 }
@@ -87,9 +83,9 @@ TEST(Evaluation, BelievesConfidencesWithoutWhatAdjustingRulesAddToThem) {
 }
 
 TEST(Evaluation, NamesMessagesThatWereJudgedWrongly) {
-    SampleSources const samples = {{{s_vector(1), MailLabel::ham}, {"a/ham:17"}},
-                                   {{s_vector(1), MailLabel::spam}, {"a/spam:1"}},
-                                   {{s_vector(0), MailLabel::spam}, {"b/spam:3", "b/spam:4"}}};
+    SampleSources const samples = {{{vectorOf(1), MailLabel::ham}, {"a/ham:17"}},
+                                   {{vectorOf(1), MailLabel::spam}, {"a/spam:1"}},
+                                   {{vectorOf(0), MailLabel::spam}, {"b/spam:3", "b/spam:4"}}};
     auto const wrong = evaluate(s_mail(), s_judge, samples).m_deciders.byErrors();
     ASSERT_EQ(wrong.size(), 2U);
     EXPECT_EQ(wrong[0].m_samples, (std::vector<std::string>{"b/spam:3", "b/spam:4"}));

@@ -5,6 +5,7 @@
 #include "apps/common/HostSettings.h"
 #include "rules/check/Checker.h"
 #include "rules/language/Compiler.h"
+#include "support/ReadFile.h"
 #include "Transcript.h"
 
 #include <cstdlib>
@@ -14,12 +15,6 @@
 
 namespace Quorvane::Testing {
 namespace {
-
-std::string s_content(std::string const& page) {
-    std::ostringstream content;
-    content << std::ifstream(page).rdbuf();
-    return content.str();
-}
 
 struct Block {
     std::size_t m_begin;
@@ -53,7 +48,7 @@ std::vector<std::string> s_replayed(std::vector<Block> const& blocks) {
 class DocumentationTest : public testing::TestWithParam<char const*> {
   protected:
     std::string m_page = std::string(QV_DOCS "/") + GetParam() + ".md";
-    std::string m_text = s_content(m_page);
+    std::string m_text = readFile(m_page);
 };
 
 TEST_P(DocumentationTest, RuleTextsCompileAndHaveNothingToFind) {
@@ -84,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(Pages, DocumentationTest,
                          testing::Values("seeing-rules", "testing-rules", "writing-rules"));
 
 TEST(RuleTexts, AreShownInTheDocumentation) {
-    EXPECT_FALSE(s_blocks(s_content(QV_DOCS "/writing-rules.md"), "qvr").empty());
+    EXPECT_FALSE(s_blocks(readFile(QV_DOCS "/writing-rules.md"), "qvr").empty());
 }
 
 } // namespace

@@ -2,22 +2,16 @@
 //
 // Replays the transcripts in golden/. QV_APPROVE=1 records what the commands print now, for review.
 #include "Transcript.h"
+#include "support/ReadFile.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace Quorvane::Testing {
 namespace {
-
-std::string s_content(std::filesystem::path const& path) {
-    std::ostringstream content;
-    content << std::ifstream(path).rdbuf();
-    return content.str();
-}
 
 std::vector<std::string> s_names() {
     std::vector<std::string> names;
@@ -32,7 +26,7 @@ class TranscriptTest : public testing::TestWithParam<std::string> {};
 
 TEST_P(TranscriptTest, CommandsPrintWhatTheyPrinted) {
     auto const path = std::filesystem::path(QV_GOLDEN) / (GetParam() + ".txt");
-    auto const recorded = s_content(path);
+    auto const recorded = readFile(path);
     auto const now = replay(recorded, QV_PROGRAMS);
     if (std::getenv("QV_APPROVE") != nullptr) {
         std::ofstream(path) << now;

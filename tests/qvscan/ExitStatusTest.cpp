@@ -30,7 +30,7 @@ TEST_F(ExitStatus, EmptyInputIsNoMessage) {
 
 TEST_F(ExitStatus, MissingInputIs66AfterTheOthersWereJudged) {
     auto const good = m_folder.write("good.eml", ham());
-    auto const missing = (m_folder.path() / "missing").string();
+    auto const missing = m_folder.path("missing");
     auto const result = scan({missing, good});
     EXPECT_EQ(result.m_status, 66);
     EXPECT_EQ(result.m_errors,
@@ -94,7 +94,7 @@ TEST_F(ExitStatus, BadSettingsAre78) {
 }
 
 TEST_F(ExitStatus, MissingFilesOfSettingsAre78) {
-    auto const missing = (m_folder.path() / "missing").string();
+    auto const missing = m_folder.path("missing");
     for (auto const* const option : {"--config", "--dynamic-patterns", "--dns-data", "--root"}) {
         auto const result = scan({option, missing}, ham());
         EXPECT_EQ(result.m_status, 78) << option;

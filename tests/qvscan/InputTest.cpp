@@ -93,7 +93,7 @@ TEST_F(Input, AFolderIsReadRecursivelyByName) {
     m_folder.write("mail/a.eml", none());
     m_folder.write("mail/.hidden", spam());
     m_folder.write("mail/dovecot.index.log", "binary");
-    auto const folder = (m_folder.path() / "mail").string();
+    auto const folder = m_folder.path("mail");
     EXPECT_EQ(summary(scan({folder})), (Arguments{folder + "/a.eml none", folder + "/b/1.eml spam",
                                                   folder + "/b/2.eml ham"}));
 }
@@ -105,7 +105,7 @@ TEST_F(Input, AMaildirIsReadWithoutItsTemporaryAndIndexFiles) {
     m_folder.write("Maildir/dovecot-uidlist", "3 V1\n");
     m_folder.write("Maildir/.Sent/cur/4.host:2,S", none());
     m_folder.write("Maildir/.Sent/new/.keep", "");
-    auto const folder = (m_folder.path() / "Maildir").string();
+    auto const folder = m_folder.path("Maildir");
     EXPECT_EQ(summary(scan({folder})),
               (Arguments{folder + "/.Sent/cur/4.host:2,S none", folder + "/cur/1.host:2,S spam",
                          folder + "/new/2.host ham"}));
@@ -120,7 +120,7 @@ TEST_F(Input, PathsAreTakenInTheirOrder) {
 TEST_F(Input, PathsMayLookLikeOptionsAndLists) {
     std::filesystem::create_directories(m_folder.path() / "[a,b]");
     auto const file = m_folder.write("[a,b]/x]", ham());
-    auto const folder = (m_folder.path() / "[a,b]").string();
+    auto const folder = m_folder.path("[a,b]");
     EXPECT_EQ(summary(scan({folder})), Arguments{file + " ham"});
     EXPECT_EQ(scan({"--", "--no-such-file"}).m_status, 66);
 }

@@ -2,9 +2,6 @@
 // Packed inputs, made by the programs that people pack with.
 #include "qvscan/ScanFixture.h"
 
-#include <fstream>
-#include <sstream>
-
 namespace Quorvane::Testing {
 
 namespace {
@@ -22,10 +19,9 @@ class PackedInput : public ScanTest, public testing::WithParamInterface<Packer> 
         auto const plain = m_folder.write("plain", text);
         auto const script = std::string(GetParam().m_command) + " " + plain;
         EXPECT_EQ(runProgram("/bin/sh", {"-c", script}).m_status, 0);
-        std::ostringstream content;
-        content << std::ifstream(plain + GetParam().m_suffix, std::ios::binary).rdbuf();
+        auto const content = readFile(plain + GetParam().m_suffix);
         EXPECT_EQ(std::remove((plain + GetParam().m_suffix).c_str()), 0);
-        return content.str();
+        return content;
     }
 
     // An input with these bytes.

@@ -4,8 +4,6 @@
 #include "rules/format/AttributeTable.h"
 #include "rules/model/RuleFolder.h"
 
-#include <sstream>
-
 namespace Quorvane::Testing {
 
 namespace {
@@ -84,12 +82,7 @@ ProgramResult ScanTest::scan(Arguments const& arguments, std::string const& inpu
 }
 
 std::vector<Json> ScanTest::records(ProgramResult const& result) {
-    std::vector<Json> records;
-    std::istringstream lines(result.m_output);
-    for (std::string line; std::getline(lines, line);) {
-        records.push_back(Json::parse(line));
-    }
-    return records;
+    return jsonLines(result.m_output);
 }
 
 Arguments ScanTest::summary(ProgramResult const& result) {

@@ -3,17 +3,16 @@
 // Runs the built qvscan over a small rule set and messages in a folder of the test.
 #pragma once
 
+#include "support/JsonLines.h"
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 namespace Quorvane::Testing {
 
-using Json = nlohmann::ordered_json;
 using Arguments = std::vector<std::string>;
 
 // Begins a message in an mbox.

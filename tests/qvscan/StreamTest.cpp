@@ -89,7 +89,7 @@ TEST_F(Stream, ASignalEndsItWithWhatWasDoneWrittenDown) {
 }
 
 TEST_F(Stream, APipeThatNobodyWritesToCanBeInterrupted) {
-    auto const pipe = (m_folder.path() / "pipe").string();
+    auto const pipe = m_folder.path("pipe");
     ASSERT_EQ(std::system(("mkfifo " + pipe).c_str()), 0);
     auto const good = m_folder.write("good.eml", ham());
     ChildProcess child(QV_SCAN_PROGRAM, arguments({good, pipe}));

@@ -85,7 +85,7 @@ class Terminal : public ScanTest {
     }
 
     std::string pipe() const {
-        auto path = (m_folder.path() / "pipe").string();
+        auto path = m_folder.path("pipe");
         EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
         return path;
     }

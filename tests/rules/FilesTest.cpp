@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/model/Files.h"
 
-#include "rules/model/RuleError.h"
+#include "ErrorKind.h"
 #include "rules/model/RuleFolder.h"
 #include "support/TemporaryFolder.h"
 
@@ -18,16 +18,6 @@ namespace fs = std::filesystem;
 std::size_t s_fileCount(fs::path const& folder) {
     return static_cast<std::size_t>(
         std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-}
-
-RuleError::Kind s_kindOf(std::function<void()> const& work) {
-    try {
-        work();
-    } catch (RuleError const& error) {
-        return error.kind();
-    }
-    ADD_FAILURE() << "nothing was thrown";
-    return RuleError::Kind::badData;
 }
 
 TEST(FilesTest, AReaderFindsTheOldFileOrTheWholeNewOne) {
@@ -65,7 +55,7 @@ TEST(FilesTest, AFailedReplacementLeavesTheOldFileAndNothingBeside) {
     Testing::TemporaryFolder const folder;
     fs::create_directory(folder.path() / "file"); // a folder cannot be renamed over
     replaceFile(folder.path() / "file" / "inside", "kept");
-    EXPECT_EQ(s_kindOf([&] { replaceFile(folder.path() / "file", "x"); }),
+    EXPECT_EQ(kindOf([&] { replaceFile(folder.path() / "file", "x"); }),
               RuleError::Kind::cannotWrite);
     EXPECT_EQ(readFile(folder.path() / "file" / "inside"), "kept");
     EXPECT_EQ(s_fileCount(folder.path()), 1U);
@@ -75,9 +65,9 @@ TEST(FilesTest, WhatCannotBeOpenedIsSaidByName) {
     Testing::TemporaryFolder const folder;
     auto const path = folder.path() / "none";
     EXPECT_EQ(readFileIfThere(path), std::nullopt);
-    EXPECT_EQ(s_kindOf([&] { readFile(path); }), RuleError::Kind::noInput);
-    EXPECT_EQ(s_kindOf([&] { readFile(folder.path()); }), RuleError::Kind::noInput);
-    EXPECT_EQ(s_kindOf([&] {
+    EXPECT_EQ(kindOf([&] { readFile(path); }), RuleError::Kind::noInput);
+    EXPECT_EQ(kindOf([&] { readFile(folder.path()); }), RuleError::Kind::noInput);
+    EXPECT_EQ(kindOf([&] {
                   makeFolder(path / "a");
                   makeFolder("/dev/null/a");
               }),
@@ -89,7 +79,7 @@ TEST(FilesTest, AFileThatNoRuleSetCanFillIsNotReadToItsEnd) {
     auto const path = folder.path() / "large";
     replaceFile(path, "");
     fs::resize_file(path, maxRuleFileSize + 1); // sparse
-    EXPECT_EQ(s_kindOf([&] { readFile(path); }), RuleError::Kind::badData);
+    EXPECT_EQ(kindOf([&] { readFile(path); }), RuleError::Kind::badData);
 }
 
 TEST(RuleFolderTest, AFolderIsWrittenAsItWasRead) {
@@ -119,7 +109,7 @@ TEST(RuleFolderTest, FilesThatTheSetDoesNotHaveAreRemoved) {
 
 TEST(RuleFolderTest, AFolderWithoutATreeIsNone) {
     Testing::TemporaryFolder const folder;
-    EXPECT_EQ(s_kindOf([&] { readFolder(folder.path()); }), RuleError::Kind::noInput);
+    EXPECT_EQ(kindOf([&] { readFolder(folder.path()); }), RuleError::Kind::noInput);
 }
 
 } // namespace

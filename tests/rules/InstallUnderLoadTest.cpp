@@ -2,17 +2,15 @@
 //
 // Sets are installed and rolled back while an engine scans and reloads: every scan, and every load
 // of a host that starts just then, sees one whole set.
-#include "DeepHeaderScanner.h"
 #include "rules/install/Installer.h"
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
 #include "rules/model/Readme.h"
 #include "rules/model/RuleFolder.h"
-#include "support/Message.h"
 #include "support/RuleFolder.h"
+#include "support/SteadyScans.h"
 
 #include <atomic>
-#include <cmath>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <thread>
@@ -25,22 +23,17 @@ namespace fs = std::filesystem;
 constexpr int scanThreads = 3;
 constexpr int installations = 6;
 
-double s_mark(int number) {
-    return 0.5 + number / 1000.0;
-}
-
 // Set `number` says its number in the tree's confidence and in the adjustment of its elite rule.
 Rules::RuleSet s_set(int number) {
     Rules::RuleSet set;
-    set.m_nodes = treeOf({leaf(37, 0, s_mark(number), 10.0)});
-    set.m_elite = Rules::EliteFile{eliteHeader(1, 1, 1), {adjusting('r', s_mark(number))}, {}};
+    set.m_nodes = treeOf({leaf(37, 0, markOf(number), 10.0)});
+    set.m_elite = Rules::EliteFile{eliteHeader(1, 1, 1), {adjusting('r', markOf(number))}, {}};
     return set;
 }
 
 bool s_isOneSet(DeepHeaderAnswer const& answer) {
-    auto const number = std::lround((answer.confidenceDegree() - 0.5) * 1000.0);
     std::ostringstream expected;
-    expected << "Adjust{ " << s_mark(static_cast<int>(number)) << ", r} ";
+    expected << "Adjust{ " << markOf(numberIn(answer)) << ", r} ";
     return answer.getReasons().find(expected.str()) != std::string::npos;
 }
 
@@ -65,20 +58,10 @@ TEST(InstallUnderLoadTest, EveryScanAndEveryLoadSeesOneWholeSet) {
     DeepHeaderScanner().init();
     ASSERT_TRUE(DeepHeaderScanner().ready());
 
+    SteadyScans scans(scanThreads, s_isOneSet);
     std::atomic<bool> isDone = false;
-    std::atomic<int> mixed = 0;
     std::atomic<int> mixedLoads = 0;
     std::vector<std::thread> threads;
-    for (int i = 0; i < scanThreads; ++i) {
-        threads.emplace_back([&] {
-            Message message(received("a.example", "unknown", "192.0.2.7", "c.example"));
-            message.m_settings.spamThreshold = 0.9;
-            while (!isDone) {
-                auto query = message.query();
-                mixed += s_isOneSet(DeepHeaderScanner().postQuery(query)) ? 0 : 1;
-            }
-        });
-    }
     threads.emplace_back([&] {
         while (!isDone) {
             DeepHeaderScanner().init();
@@ -99,16 +82,12 @@ TEST(InstallUnderLoadTest, EveryScanAndEveryLoadSeesOneWholeSet) {
     for (auto& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(mixed, 0);
+    EXPECT_EQ(scans.stop(), 0U);
     EXPECT_EQ(mixedLoads, 0);
 
     // The last was rolled back, and the engine takes that up when it next looks.
     DeepHeaderScanner().init();
-    Message message(received("a.example", "unknown", "192.0.2.7", "c.example"));
-    message.m_settings.spamThreshold = 0.9;
-    auto query = message.query();
-    EXPECT_NEAR(DeepHeaderScanner().postQuery(query).confidenceDegree(), s_mark(installations - 1),
-                1e-6);
+    EXPECT_NEAR(scanOnce().confidenceDegree(), markOf(installations - 1), 1e-6);
 }
 
 } // namespace

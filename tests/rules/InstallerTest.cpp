@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/install/Installer.h"
 
+#include "ErrorKind.h"
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
-#include "rules/model/RuleError.h"
 #include "rules/model/RuleFolder.h"
 #include "support/TemporaryFolder.h"
 
@@ -121,26 +121,16 @@ TEST_F(InstallerTest, AFolderWithoutAVersionIsTakenOver) {
     EXPECT_EQ(s_markIn(m_rules / "previous"), 1);
 }
 
-RuleError::Kind s_kindOf(std::function<void()> const& work) {
-    try {
-        work();
-    } catch (RuleError const& error) {
-        return error.kind();
-    }
-    ADD_FAILURE() << "nothing was thrown";
-    return RuleError::Kind::badData;
-}
-
 TEST_F(InstallerTest, WithoutAPreviousSetThereIsNothingToRollBackTo) {
-    EXPECT_EQ(s_kindOf([&] { rollBack(m_rules, noSettle); }), RuleError::Kind::noInput);
+    EXPECT_EQ(kindOf([&] { rollBack(m_rules, noSettle); }), RuleError::Kind::noInput);
     install(s_set(1));
-    EXPECT_EQ(s_kindOf([&] { rollBack(m_rules, noSettle); }), RuleError::Kind::noInput);
+    EXPECT_EQ(kindOf([&] { rollBack(m_rules, noSettle); }), RuleError::Kind::noInput);
     EXPECT_EQ(s_markIn(m_rules), 1);
 }
 
 TEST_F(InstallerTest, TheGreatestVersionCannotBeFollowed) {
     install(s_set(1, std::numeric_limits<std::int32_t>::max()));
-    EXPECT_EQ(s_kindOf([&] { install(s_set(2)); }), RuleError::Kind::badRules);
+    EXPECT_EQ(kindOf([&] { install(s_set(2)); }), RuleError::Kind::badRules);
     EXPECT_EQ(s_markIn(m_rules), 1);
 }
 

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Scans on many threads while the rules are reloaded: every scan sees one whole rule set.
-#include "DeepHeaderScanner.h"
 #include "LogCapture.h"
-#include "support/Message.h"
 #include "support/RuleFolder.h"
+#include "support/SteadyScans.h"
 
-#include <atomic>
-#include <cmath>
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <thread>
@@ -23,17 +19,15 @@ constexpr int threadCount = 4;
 // Rule set `number`: its one leaf carries the number in its confidence and its support, and its
 // elite rule in the adjustment.
 void s_write(RuleFolder const& rules, int number) {
-    auto const mark = 0.5 + number / 1000.0;
-    rules.writeElite(eliteHeader(1, 1, 1), {adjusting('r', mark)});
-    rules.writeTree(treeOf({leaf(37, 0, mark, 10.0 + number)}));
+    rules.writeElite(eliteHeader(1, 1, 1), {adjusting('r', markOf(number))});
+    rules.writeTree(treeOf({leaf(37, 0, markOf(number), 10.0 + number)}));
 }
 
 bool s_isOneSet(DeepHeaderAnswer const& answer) {
-    auto const number = std::lround((answer.confidenceDegree() - 0.5) * 1000.0);
+    auto const number = numberIn(answer);
     std::ostringstream expected;
-    expected << "Node:{3} Confidence degree{ " << 0.5 + static_cast<double>(number) / 1000.0
-             << " } Support degree{ " << 10 + number << " } IP{ 192.0.2.7 } Adjust{ "
-             << 0.5 + static_cast<double>(number) / 1000.0 << ", r} ";
+    expected << "Node:{3} Confidence degree{ " << markOf(number) << " } Support degree{ "
+             << 10 + number << " } IP{ 192.0.2.7 } Adjust{ " << markOf(number) << ", r} ";
     return answer.getReasons() == expected.str();
 }
 
@@ -44,35 +38,16 @@ TEST(ReloadTest, EveryScanSeesOneWholeRuleSet) {
     s_write(rules, 0);
     scanner.init();
 
-    std::atomic<bool> isDone = false;
-    std::atomic<int> mixed = 0;
-    std::atomic<int> scanned = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < threadCount; ++i) {
-        threads.emplace_back([&] {
-            Message message(received("a.example", "unknown", "192.0.2.7", "c.example"));
-            message.m_settings.spamThreshold = 0.9;
-            while (!isDone) {
-                auto query = message.query();
-                mixed += s_isOneSet(DeepHeaderScanner().postQuery(query)) ? 0 : 1;
-                ++scanned;
-            }
-        });
-    }
+    SteadyScans scans(threadCount, s_isOneSet);
     for (int number = 1; number <= setCount; ++number) {
         s_write(rules, number); // nobody reads the files but the init behind it
         scanner.init();
-        auto const reached = scanned.load();
-        while (scanned == reached) {
+        auto const reached = scans.scanned();
+        while (scans.scanned() == reached) {
             std::this_thread::yield();
         }
     }
-    isDone = true;
-    for (auto& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(mixed, 0);
-    EXPECT_GE(scanned, setCount);
+    EXPECT_EQ(scans.stop(), 0U);
     EXPECT_TRUE(log.take().empty());
 }
 
@@ -90,10 +65,7 @@ TEST(ReloadTest, LoadsOnManyThreadsLeaveAWholeEngine) {
     for (auto& thread : threads) {
         thread.join();
     }
-    Message message(received("a.example", "unknown", "192.0.2.7", "c.example"));
-    message.m_settings.spamThreshold = 0.9;
-    auto query = message.query();
-    EXPECT_TRUE(s_isOneSet(DeepHeaderScanner().postQuery(query)));
+    EXPECT_TRUE(s_isOneSet(scanOnce()));
 }
 
 } // namespace

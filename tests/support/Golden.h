@@ -5,22 +5,17 @@
 // then write what they got instead of comparing, for review with git diff.
 #pragma once
 
+#include "support/ReadFile.h"
+
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 
 namespace Quorvane::Testing {
 
 inline bool isApproving() {
     return std::getenv("QV_APPROVE") != nullptr;
-}
-
-inline std::string readFile(std::string const& file) {
-    std::ifstream in(file, std::ios::binary);
-    EXPECT_TRUE(in) << file << " cannot be opened";
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 // Compares `text` with the file, or writes it there.

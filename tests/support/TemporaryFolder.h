@@ -3,6 +3,8 @@
 // A folder for one test, gone with the object.
 #pragma once
 
+#include "support/ReadFile.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -38,6 +40,10 @@ class TemporaryFolder {
             .write(text.data(), static_cast<std::streamsize>(text.size()));
         return path.string();
     }
+
+    // The path of what may or may not be there.
+    std::string path(std::string const& name) const { return (m_path / name).string(); }
+    std::string read(std::string const& name) const { return readFile(m_path / name); }
 
   private:
     std::filesystem::path m_path;

@@ -27,7 +27,7 @@ class CaseFileTest : public testing::Test {
             read(text);
         } catch (RuleError const& failure) {
             EXPECT_EQ(failure.kind(), RuleError::Kind::badData) << failure.what();
-            auto const path = (m_folder.path() / "cases.toml").string();
+            auto const path = m_folder.path("cases.toml");
             return std::string(failure.what()).substr(path.size() + 1);
         }
         return "no error";

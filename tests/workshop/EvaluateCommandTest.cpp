@@ -1,22 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // `qvrules evaluate` as its users see it.
-#include "support/Program.h"
-#include "support/TemporaryFolder.h"
+#include "CommandTest.h"
+#include "support/JsonLines.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-#include <sstream>
 
 namespace Quorvane::Testing {
 namespace {
 
 using ::testing::HasSubstr;
-using Arguments = std::vector<std::string>;
-using Json = nlohmann::ordered_json;
 
 constexpr char rules[] =
     "version 1\n"
@@ -35,9 +29,10 @@ std::string s_message(std::string const& reverse, std::string const& address = "
            "From: Ann <ann@example.net>\nMessage-ID: <1@example.net>\n\n";
 }
 
-class EvaluateCommand : public ::testing::Test {
+class EvaluateCommand : public CommandTest {
   protected:
-    EvaluateCommand() : m_rules(m_folder.write("r.qvr", rules)) {
+    EvaluateCommand() : CommandTest("evaluate") {
+        m_first = with(m_first, {m_rules, "--dns", "off"});
         auto const dynamic = s_message("192-0-2-7.dyn.example.net");
         auto const server = s_message("mail.example.net");
         m_folder.write("site/spam.mbox", dynamic + dynamic + dynamic + server);
@@ -45,25 +40,17 @@ class EvaluateCommand : public ::testing::Test {
                                             s_message("mail.example.net", "10.0.0.1"));
     }
 
-    ProgramResult run(Arguments arguments) const {
-        arguments.insert(arguments.begin(), {"evaluate", m_rules, "--dns", "off"});
-        return runProgram(QV_RULES_PROGRAM, arguments);
-    }
-
-    Json report(Arguments arguments) const {
-        arguments.insert(arguments.end(), {"--format", "json"});
-        auto const result = run(arguments);
+    Json report(Arguments const& arguments) const {
+        auto const result = run(with(arguments, {"--format", "json"}));
         EXPECT_EQ(result.m_status, 0) << result.m_errors;
         return Json::parse(result.m_output);
     }
 
     Arguments mail() const {
-        return {"--ham", (m_folder.path() / "site/ham.mbox").string(), "--spam",
-                (m_folder.path() / "site/spam.mbox").string()};
+        return {"--ham", m_folder.path("site/ham.mbox"), "--spam", m_folder.path("site/spam.mbox")};
     }
 
-    TemporaryFolder m_folder;
-    std::string m_rules;
+    std::string m_rules = m_folder.write("r.qvr", rules);
 };
 
 TEST_F(EvaluateCommand, CountsWhatTheThresholdsGive) {
@@ -91,15 +78,13 @@ TEST_F(EvaluateCommand, NamesTheNodesThatDecideAndErr) {
 
 TEST_F(EvaluateCommand, FollowsTheThresholdsOfTheSettings) {
     auto const json = report({"--spam-threshold", "0.995", "--ham-threshold", "0.99", "--ham",
-                              (m_folder.path() / "site/ham.mbox").string()});
+                              m_folder.path("site/ham.mbox")});
     EXPECT_EQ(json["spamThreshold"], 0.995);
     EXPECT_EQ(json["together"]["verdictsOnHam"], Json::parse(R"({"spam":0,"ham":0,"none":4})"));
 }
 
 TEST_F(EvaluateCommand, MeasuresCopiesWithoutReverseNamesApart) {
-    auto arguments = mail();
-    arguments.insert(arguments.end(), {"--augment", "no-reverse-name"});
-    auto const json = report(arguments);
+    auto const json = report(with(mail(), {"--augment", "no-reverse-name"}));
     ASSERT_EQ(json["corpora"].size(), 2U);
     EXPECT_EQ(json["corpora"][1]["name"], "site, no reverse names");
     EXPECT_EQ(json["corpora"][1]["verdictsOnSpam"]["none"], 4);
@@ -143,26 +128,19 @@ TEST_F(EvaluateCommand, TellsPeopleTheSame) {
 
 TEST_F(EvaluateCommand, WritesEveryFormToAFile) {
     for (std::string const form : {"text", "json", "html"}) {
-        auto arguments = mail();
-        arguments.insert(arguments.end(), {"--format", form});
+        auto const arguments = with(mail(), {"--format", form});
         auto const shown = run(arguments).m_output;
-        auto const path = (m_folder.path() / ("report." + form)).string();
-        arguments.insert(arguments.end(), {"-o", path});
-        auto const written = run(arguments);
+        auto const written = run(with(arguments, {"-o", m_folder.path("report")}));
         EXPECT_EQ(written.m_status, 0) << written.m_errors;
         EXPECT_EQ(written.m_output, "");
-        std::ostringstream content;
-        content << std::ifstream(path).rdbuf();
-        EXPECT_EQ(content.str(), shown);
+        EXPECT_EQ(m_folder.read("report"), shown);
         EXPECT_THAT(shown, HasSubstr("site"));
     }
 }
 
 TEST_F(EvaluateCommand, SaysWhatItCannotWrite) {
-    auto arguments = mail();
-    auto const path = (m_folder.path() / "absent/report.html").string();
-    arguments.insert(arguments.end(), {"--format", "html", "-o", path});
-    auto const result = run(arguments);
+    auto const path = m_folder.path("absent/report.html");
+    auto const result = run(with(mail(), {"--format", "html", "-o", path}));
     EXPECT_EQ(result.m_status, 73);
     EXPECT_THAT(result.m_errors, HasSubstr(path));
 }
@@ -171,13 +149,10 @@ TEST_F(EvaluateCommand, WritesIntoWhatALinkLeadsTo) {
     auto const target = m_folder.write("target", "before");
     auto const link = m_folder.path() / "link";
     std::filesystem::create_symlink(target, link);
-    auto arguments = mail();
-    arguments.insert(arguments.end(), {"-o", link.string()});
+    auto const arguments = with(mail(), {"-o", link.string()});
     ASSERT_EQ(run(arguments).m_status, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(link));
-    std::ostringstream content;
-    content << std::ifstream(target).rdbuf();
-    EXPECT_THAT(content.str(), HasSubstr("spam called spam"));
+    EXPECT_THAT(readFile(target), HasSubstr("spam called spam"));
 
     std::filesystem::remove(link);
     std::filesystem::create_directory_symlink(m_folder.path(), link);

@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // `qvrules explain` as its users see it; tests/qvrules/golden/explain.txt holds its texts.
-#include "support/Program.h"
-#include "support/TemporaryFolder.h"
+#include "CommandTest.h"
+#include "support/JsonLines.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-#include <sstream>
 
 namespace Quorvane::Testing {
 namespace {
 
 using ::testing::HasSubstr;
-using Arguments = std::vector<std::string>;
-using Json = nlohmann::ordered_json;
 
 constexpr char rules[] =
     "version 1\n"
@@ -36,26 +31,16 @@ constexpr char message[] =
     "\tby mx.example.org; Mon, 1 Jan 2024 10:00:00 +0000\n"
     "From: Ann <ann@example.net>\nReturn-Path: <ann@example.net>\n\nBody\n";
 
-class ExplainCommand : public ::testing::Test {
+class ExplainCommand : public CommandTest {
   protected:
-    ProgramResult run(Arguments arguments, std::string const& input = {}) const {
-        arguments.insert(arguments.begin(), {"explain", m_rules});
-        return runProgram(QV_RULES_PROGRAM, arguments, input);
-    }
+    ExplainCommand() : CommandTest("explain") { m_first.push_back(m_rules); }
 
-    std::vector<Json> explained(Arguments arguments, std::string const& input = {}) const {
-        arguments.insert(arguments.end(), {"--format", "json"});
-        auto const result = run(arguments, input);
+    std::vector<Json> explained(Arguments const& arguments, std::string const& input = {}) const {
+        auto const result = run(with(arguments, {"--format", "json"}), input);
         EXPECT_EQ(result.m_status, 0) << result.m_errors;
-        std::vector<Json> records;
-        std::istringstream lines(result.m_output);
-        for (std::string line; std::getline(lines, line);) {
-            records.push_back(Json::parse(line));
-        }
-        return records;
+        return jsonLines(result.m_output);
     }
 
-    TemporaryFolder m_folder;
     std::string m_rules = m_folder.write("r.qvr", rules);
 };
 
@@ -126,9 +111,8 @@ TEST_F(ExplainCommand, SaysOfAScannedTableWhatItSaysOfTheMessages) {
     auto const privately = m_folder.write("two.eml", "From: a@b.example\n\n");
     m_folder.write("root/var/spool/etc/antispam/qv.dt", "");
     m_folder.write("root/var/spool/etc/antispam/README", "CF_DT_VERSION=1\n");
-    auto const table =
-        runProgram(QV_SCAN_PROGRAM, {"--root", (m_folder.path() / "root").string(), "--dns", "off",
-                                     "--format", "csv", file, privately});
+    auto const table = runProgram(QV_SCAN_PROGRAM, {"--root", m_folder.path("root"), "--dns", "off",
+                                                    "--format", "csv", file, privately});
     for (auto const& told :
          {explained({"-"}, table.m_output), explained({m_folder.write("t.csv", table.m_output)})}) {
         ASSERT_EQ(told.size(), 2U) << table.m_errors;

@@ -1,23 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // `qvrules learn` as its users see it: every test runs the program that was built.
-#include "support/Program.h"
-#include "support/TemporaryFolder.h"
+#include "CommandTest.h"
 
-#include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace Quorvane::Testing {
 namespace {
 
 using ::testing::HasSubstr;
 using ::testing::Not;
-using Arguments = std::vector<std::string>;
 
 constexpr int badData = 65;
 constexpr int usage = 64;
@@ -44,40 +36,22 @@ std::string s_mbox(bool isSpam, std::string const& site, int messages) {
     return mbox;
 }
 
-class LearnCommand : public ::testing::Test {
+class LearnCommand : public CommandTest {
   protected:
-    LearnCommand() {
+    LearnCommand() : CommandTest("learn") {
         for (std::string const site : {"alpha", "beta"}) {
             m_folder.write(site + "/ham.mbox", s_mbox(false, site, 40));
             m_folder.write(site + "/spam.mbox", s_mbox(true, site, 30));
         }
     }
 
-    static ProgramResult run(Arguments arguments, std::string const& input = {}) {
-        arguments.insert(arguments.begin(), "learn");
-        return runProgram(QV_RULES_PROGRAM, arguments, input);
-    }
-
-    std::string path(std::string const& name) const { return (m_folder.path() / name).string(); }
-
-    std::string read(std::string const& name) const {
-        std::ifstream file(path(name), std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
+    std::string path(std::string const& name) const { return m_folder.path(name); }
+    std::string read(std::string const& name) const { return m_folder.read(name); }
 
     Arguments mail() const {
         return {"--ham",  path("alpha/ham.mbox"),  path("beta/ham.mbox"),
                 "--spam", path("alpha/spam.mbox"), path("beta/spam.mbox")};
     }
-
-    Arguments with(Arguments arguments, Arguments const& more) const {
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return arguments;
-    }
-
-    TemporaryFolder m_folder;
 };
 
 TEST_F(LearnCommand, LearnsRulesThatJudgeTheMailTheyWereLearnedFrom) {
