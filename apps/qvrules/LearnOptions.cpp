@@ -7,6 +7,21 @@
 
 namespace Quorvane::RulesApp {
 
+namespace {
+
+// Old mail cannot be looked up any more: the names are gone, which would be learned.
+GivenSettings s_withoutLookups(GivenSettings given) {
+    auto const dns = given.find("dns");
+    bool const asksServer = dns != given.end() && dns->second != std::vector<std::string>{"off"};
+    if (asksServer || given.count("dns-data") != 0) {
+        throw UsageError("names are looked up with --lookups only; add it to --dns and --dns-data");
+    }
+    given["dns"] = {"off"};
+    return given;
+}
+
+} // namespace
+
 Rules::LearnSettings learnSettings(LearnArguments const& arguments) {
     Rules::LearnSettings settings;
     settings.m_impurity =
@@ -50,11 +65,8 @@ Rules::PruningPlan pruningPlan(LearnArguments const& arguments) {
 }
 
 TrainingMail trainingMail(LearnArguments const& arguments) {
-    auto given = arguments.m_settings;
-    if (!arguments.m_lookups) {
-        // Old mail cannot be looked up any more: the names are gone, which would be learned.
-        given["dns"] = {"off"};
-    }
+    auto const given =
+        arguments.m_lookups ? arguments.m_settings : s_withoutLookups(arguments.m_settings);
     TrainingMail mail;
     mail.m_ham = arguments.m_ham;
     mail.m_spam = arguments.m_spam;

@@ -178,6 +178,8 @@ TEST_F(LearnCommand, SaysWhatIsWrongWithTheInput) {
         {{"--ham", ham, "-o", out, "--exclude", "nothing"}, usage, "'nothing'"},
         {{"--ham", ham, "-o", out, "--max-nodes", "498"}, usage, "497"},
         {{"--ham", ham, "-o", out, "--min-gain", "nan"}, usage, "minimum gain"},
+        {{"--ham", ham, "-o", out, "--dns", "system"}, usage, "--lookups"},
+        {{"--ham", ham, "-o", out, "--dns-data", noMail}, usage, "--lookups"},
         {{"--ham", ham, "-o", out, "--trusted-mta", "x"}, usage, "trusted-mta"},
         {{"--ham", ham, "-o", out, "--with", noMail}, badData, "no.eml"},
     };
