@@ -160,7 +160,7 @@ constexpr auto table = std::to_array<CommandRow>({
     {"explain", "Tell in plain words what rules say", explainArguments,
      "INPUT is a message or an mbox; or a table of vectors, as \"qvscan --format csv\"\n"
      "writes them; or, where there is no such file, a vector: NAME=VALUE,... with\n"
-     "what is not named at its start value.\n\n"
+     "what is not named as a scan leaves it that finds nothing else.\n\n"
      "Examples: qvrules explain my.qvr strange.eml\n"
      "          qvrules explain my.qvr first_reverse_dynamic=yes,first_helo_dynamic=yes\n"
      "          qvscan --format csv new/ | qvrules explain my.qvr -",

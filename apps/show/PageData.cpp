@@ -72,7 +72,11 @@ Json s_attributes() {
                 words.push_back({word.m_word, word.m_code});
             }
         }
-        list.push_back({{"name", facts.m_name}, {"start", facts.m_start}, {"words", words}});
+        auto const alone = valueWithoutDeepHop(facts);
+        list.push_back({{"name", facts.m_name},
+                        {"start", facts.m_start},
+                        {"withoutDeepHop", alone ? Json(*alone) : Json()},
+                        {"words", words}});
     }
     return list;
 }

@@ -105,17 +105,18 @@ class CaseReader {
         if (table == nullptr) {
             fail(node, "a vector is a table, as in vector.first_helo_dynamic = \"yes\"");
         }
-        m_case.m_vector = startVector();
+        NamedVector vector;
         for (auto const& [name, value] : *table) {
             auto const* const word = value.as_string();
             auto const text = word != nullptr ? std::optional(word->get())
                                               : tomlScalar(SettingKind::integer, value);
             try {
-                setAttribute(*m_case.m_vector, name.str(), text.value_or(""));
+                vector.set(name.str(), text.value_or(""));
             } catch (Rules::RuleError const& error) {
                 fail(value, error.what());
             }
         }
+        m_case.m_vector = vector.vector();
         noteInput(node);
     }
 

@@ -7,7 +7,7 @@
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
-#include <set>
+#include <string>
 #include <vector>
 
 namespace Quorvane::Workshop {
@@ -54,15 +54,13 @@ std::vector<std::string_view> s_wordsOf(AttributeFacts const& facts) {
 
 } // namespace
 
-Rules::AttributeVector startVector() {
-    Rules::AttributeVector vector{};
+NamedVector::NamedVector() {
     for (auto const& facts : attributeTable) {
-        vector[facts.m_index] = facts.m_start;
+        m_vector[facts.m_index] = facts.m_start;
     }
-    return vector;
 }
 
-void setAttribute(Rules::AttributeVector& vector, std::string_view name, std::string_view value) {
+void NamedVector::set(std::string_view name, std::string_view value) {
     auto const& facts = s_factsOf(name);
     auto found = wordValue(facts, value);
     if (!found) {
@@ -72,12 +70,44 @@ void setAttribute(Rules::AttributeVector& vector, std::string_view name, std::st
         s_fail(std::string(name) + " has no value " + s_quoted(value) + "; it takes " +
                valueChoices(facts) + Rules::didYouMean(value, s_wordsOf(facts)));
     }
-    vector[facts.m_index] = *found;
+    if (m_isNamed[facts.m_index]) {
+        s_fail(std::string(name) + " is given twice; keep one");
+    }
+    m_isNamed[facts.m_index] = true;
+    m_vector[facts.m_index] = *found;
+}
+
+Rules::AttributeVector NamedVector::vector() const {
+    auto vector = m_vector;
+    bool const isThere = hasDeepHop();
+    for (auto const& facts : attributeTable) {
+        auto const without = valueWithoutDeepHop(facts);
+        if (without && !isThere && !m_isNamed[facts.m_index]) {
+            vector[facts.m_index] = *without;
+        }
+    }
+    if (isThere && !m_isNamed[Attribute::hopBehindFirst]) {
+        vector[Attribute::hopBehindFirst] = Code::yes;
+    }
+    return vector;
+}
+
+bool NamedVector::hasDeepHop() const {
+    bool isTold = false;
+    for (auto const& facts : attributeTable) {
+        auto const without = valueWithoutDeepHop(facts);
+        if (without && m_isNamed[facts.m_index]) {
+            isTold = true;
+            if (m_vector[facts.m_index] != *without) {
+                return true;
+            }
+        }
+    }
+    return !isTold && m_vector[Attribute::hopBehindFirst] == Code::yes;
 }
 
 Rules::AttributeVector parseVector(std::string_view text) {
-    auto vector = startVector();
-    std::set<std::string_view> given;
+    NamedVector vector;
     while (!text.empty()) {
         auto const part = text.substr(0, text.find(','));
         text.remove_prefix(std::min(part.size() + 1, text.size()));
@@ -86,13 +116,9 @@ Rules::AttributeVector parseVector(std::string_view text) {
             s_fail(s_quoted(s_trimmed(part)) +
                    " is no NAME=VALUE, as in first_helo_dynamic=yes,hop_behind_first=no");
         }
-        auto const name = s_trimmed(part.substr(0, equals));
-        setAttribute(vector, name, s_trimmed(part.substr(equals + 1)));
-        if (!given.insert(name).second) {
-            s_fail(std::string(name) + " is given twice; keep one");
-        }
+        vector.set(s_trimmed(part.substr(0, equals)), s_trimmed(part.substr(equals + 1)));
     }
-    return vector;
+    return vector.vector();
 }
 
 } // namespace Quorvane::Workshop

@@ -226,4 +226,15 @@ constexpr std::optional<std::size_t> attributeIndex(std::string_view name) {
     return std::nullopt;
 }
 
+// What a scan writes into an attribute of the deep hop when the trail has no such hop; empty for
+// attributes of anything else.
+constexpr std::optional<std::int32_t> valueWithoutDeepHop(AttributeFacts const& facts) {
+    if (facts.m_values.contains(Code::notAnalysed) && !facts.m_values.m_isCounter &&
+        !facts.m_values.m_isOpen) {
+        return Code::notAnalysed;
+    }
+    return facts.m_index == Attribute::deepSameAddress ? std::optional(Code::unknown)
+                                                       : std::nullopt;
+}
+
 } // namespace Quorvane

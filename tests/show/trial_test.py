@@ -72,6 +72,21 @@ class Trial(showpage.ShowPageTest):
         self.browser.find("#forget").click()
         self.assertEqual((self.answer()["path"], self.answer()["text"]), ([], ""))
 
+    def test_completes_named_values_as_explain_does(self):
+        self.open()
+        for text in ("first_reverse_dynamic=yes", "hop_behind_first=yes", "deep_helo_dynamic=yes",
+                     "hop_behind_first=yes,deep_helo_dynamic=not-analysed",
+                     "deep_same_address=unknown,hop_behind_first=1", "deep_same_address=no",
+                     "hop_behind_first=no,deep_helo_is_domain=no,deep_helo_dynamic=3"):
+            mine = self.browser.run("""
+                const facts = JSON.parse(document.getElementById('data').textContent).attributes;
+                const [{attributes}] = QvReader.read(arguments[0], facts);
+                return Object.fromEntries(facts.map(({name, words}, i) =>
+                    [name, words.find(([, code]) => code === attributes[i])?.[0] ??
+                           attributes[i]]));""", text)
+            told = json.loads(showpage.rules("explain", showpage.STARTER, text, "--format", "json"))
+            self.assertEqual(mine, told["attributes"], text)
+
     def test_nothing_reaches_a_threshold_without_end(self):
         self.open("--spam-threshold", "inf", "--ham-threshold", "-inf")
         self.assertEqual(self.judge("first_reverse_dynamic=yes")["verdict"], "No verdict")

@@ -82,6 +82,7 @@ TEST_F(CaseFileTest, ReadsWhatACaseCanSay) {
     EXPECT_EQ((*second.m_vector)[Attribute::hopsReverseDynamic], 3);
     EXPECT_EQ((*second.m_vector)[Attribute::chainBroken], Code::yes);
     EXPECT_EQ((*second.m_vector)[Attribute::fromMatchesHelo], Code::unknown);
+    EXPECT_EQ((*second.m_vector)[Attribute::deepHeloDynamic], Code::notAnalysed);
     EXPECT_TRUE(second.m_settings.m_zoneLines.empty());
     EXPECT_EQ(second.m_settings.m_judging.spamThreshold, 0.95);
     EXPECT_FALSE(second.m_expected.m_node || second.m_expected.m_reasons);

@@ -18,10 +18,26 @@ std::string s_error(std::string_view text) {
     return "no error";
 }
 
-TEST(VectorText, LeavesWhatIsNotNamedAtItsStart) {
-    auto expected = startVector();
+// Of a message with one public hop in which nothing was found.
+Rules::AttributeVector s_plain() {
+    Rules::AttributeVector vector{};
+    for (auto const& facts : attributeTable) {
+        vector[facts.m_index] = facts.m_start;
+    }
+    for (auto const index : {Attribute::deepHeloIsDomain, Attribute::deepHeloDynamic,
+                             Attribute::deepHeloMatchesReverse, Attribute::deepReverseDynamic,
+                             Attribute::deepFromMatchesReverse, Attribute::deepFromMatchesHelo}) {
+        vector[index] = Code::notAnalysed;
+    }
+    vector[Attribute::deepSameAddress] = Code::unknown;
+    return vector;
+}
+
+TEST(VectorText, LeavesWhatIsNotNamedAsAScanThatFindsNothingElse) {
+    auto expected = s_plain();
     EXPECT_EQ(expected[Attribute::messageIdMatchesHelo], Code::unknown);
     EXPECT_EQ(parseVector(""), expected);
+    EXPECT_EQ(parseVector("hop_behind_first=no"), expected);
     expected[Attribute::firstHeloDynamic] = Code::literal;
     expected[Attribute::hopsReverseDynamic] = 12;
     expected[Attribute::firstForged] = -3;
@@ -29,6 +45,29 @@ TEST(VectorText, LeavesWhatIsNotNamedAtItsStart) {
               expected);
     EXPECT_EQ(parseVector(" first_helo_dynamic = 2 ,\thops_reverse_dynamic=12,first_forged=-3,"),
               expected);
+}
+
+TEST(VectorText, AHopBehindTheFirstMeansThatTheDeepHopWasAnalysed) {
+    auto const vector = parseVector("hop_behind_first=yes");
+    for (auto const& facts : attributeTable) {
+        bool const isNamed = facts.m_index == Attribute::hopBehindFirst;
+        EXPECT_EQ(vector[facts.m_index], isNamed ? Code::yes : facts.m_start) << facts.m_name;
+    }
+    EXPECT_EQ(parseVector("deep_helo_is_domain=no"), vector);
+    EXPECT_EQ(parseVector("deep_same_address=no"), vector);
+}
+
+TEST(VectorText, WhatIsNamedComesBeforeWhatFollowsFromIt) {
+    auto expected = s_plain();
+    expected[Attribute::hopBehindFirst] = Code::yes;
+    EXPECT_EQ(parseVector("hop_behind_first=yes,deep_helo_dynamic=not-analysed"), expected);
+    EXPECT_EQ(parseVector("hop_behind_first=yes,deep_same_address=unknown"), expected);
+    auto const odd = parseVector("deep_helo_dynamic=yes,deep_reverse_dynamic=not-analysed,"
+                                 "hop_behind_first=no");
+    EXPECT_EQ(odd[Attribute::deepHeloDynamic], Code::yes);
+    EXPECT_EQ(odd[Attribute::deepReverseDynamic], Code::notAnalysed);
+    EXPECT_EQ(odd[Attribute::deepHeloIsDomain], Code::no);
+    EXPECT_EQ(odd[Attribute::hopBehindFirst], Code::no);
 }
 
 struct BadVector {

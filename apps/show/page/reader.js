@@ -131,7 +131,22 @@ const QvReader = (() => {
 
   // --- named values ---
 
-  // What is not named keeps the value that it has before a scan.
+  // What is not named is as a scan leaves it that finds nothing else: see VectorText.h, which
+  // completes the vectors of command lines and rule tests in the same way.
+  function completed(attributes, named, facts) {
+    const told = facts.map((fact, index) => ({...fact, index}))
+      .filter(({withoutDeepHop, index}) => withoutDeepHop !== null && named.has(index));
+    const behind = facts.findIndex(({name}) => name === "hop_behind_first");
+    const hasDeepHop = told.length === 0 ? attributes[behind] === 1
+      : told.some(({withoutDeepHop, index}) => attributes[index] !== withoutDeepHop);
+    return attributes.map((value, index) => {
+      if (named.has(index)) {
+        return value;
+      }
+      return hasDeepHop ? (index === behind ? 1 : value) : facts[index].withoutDeepHop ?? value;
+    });
+  }
+
   function fromNames(text, facts) {
     const attributes = facts.map(({start}) => start);
     const named = new Set();
@@ -148,7 +163,10 @@ const QvReader = (() => {
       named.add(index);
       attributes[index] = namedValue(facts[index], value);
     }
-    return [{title: "these values", attributes, names: {}, problem: ""}];
+    return [{
+      title: "these values", attributes: completed(attributes, named, facts), names: {},
+      problem: "",
+    }];
   }
 
   function namedValue(fact, text) {
