@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
-#include <regex>
+#include <re2/re2.h>
 #include <set>
 
 namespace Quorvane::Show {
@@ -157,12 +157,12 @@ RC_GTEST_PROP(DrawingTest, NoPercentageIsMoreOrLessThanCanBe, ()) {
     Testing::genTree(set);
     set.m_elite = Testing::genElite();
     auto const rules = shownRules("rules", set);
-    static std::regex const percentage("([-+]?(?:nan|inf|[0-9][-+.e0-9]*)) %");
+    static RE2 const percentage("([-+]?(?:nan|inf|[0-9][-+.e0-9]*)) %");
     for (auto const& drawn : {textDrawing({rules}, {200, false, true}), dotDrawing({rules}),
                               svgDrawing({rules}), pageTree({rules}) + pageEliteTable({rules})}) {
-        for (std::sregex_iterator at(drawn.begin(), drawn.end(), percentage), end; at != end;
-             ++at) {
-            auto const number = std::strtod((*at)[1].str().c_str(), nullptr);
+        re2::StringPiece rest(drawn);
+        for (std::string text; RE2::FindAndConsume(&rest, percentage, &text);) {
+            auto const number = std::strtod(text.c_str(), nullptr);
             RC_ASSERT(number >= 0.0 && number <= 100.0);
         }
     }
