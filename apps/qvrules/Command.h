@@ -58,11 +58,18 @@ class Command {
     }
 
   private:
+    // An unset variable of a script: nowhere does it mean the folder that hosts read.
+    static std::string complainIfEmpty(std::string const& text) {
+        return text.empty() ? "an empty text says nothing" : "";
+    }
+
     static void describe(CLI::Option& option, ArgumentRow const& row) {
         option.required(row.m_isRequired);
         option.type_name(row.isOption() ? row.m_valueName : "");
         if (row.isValueOptional()) {
             option.expected(0, 1);
+        } else {
+            option.check(CLI::Validator(complainIfEmpty, ""));
         }
         auto const literals = literalsOf(row.m_valueName);
         if (!literals.empty() && literals == alternativesOf(row.m_valueName)) {

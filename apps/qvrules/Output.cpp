@@ -66,7 +66,7 @@ void requireWritable(std::string const& path) {
         s_refuse(path, EISDIR);
     }
     auto const parent = std::filesystem::path(path).parent_path();
-    auto const folder = parent.empty() ? std::string(".") : parent.string();
+    auto const folder = parent.empty() ? std::string("./") : parent.string() + '/';
     if (s_isReplaced(path) && ::access(folder.c_str(), W_OK | X_OK) != 0) {
         s_refuse(path, errno);
     }

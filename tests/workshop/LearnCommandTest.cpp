@@ -204,6 +204,9 @@ TEST_F(LearnCommand, LooksAtEverythingElseBeforeTheMail) {
     Case const cases[] = {
         {{"-o", path("absent/out.qvr")}, cannotWrite, "out.qvr: cannot be written: No such file"},
         {{"-o", path("alpha")}, cannotWrite, "alpha: cannot be written: Is a directory"},
+        {{"-o", path("alpha/ham.mbox/out.qvr")},
+         cannotWrite,
+         "out.qvr: cannot be written: Not a dir"},
         {{"--table", path("absent/t.csv")}, cannotWrite, "t.csv: cannot be written"},
         {{"-o", path("out.qvr"), "--max-nodes", "0"}, usage, "not 0"},
         {{"-o", path("out.qvr"), "--with", path("absent.qvr")}, noInput, "absent.qvr"},

@@ -72,6 +72,21 @@ TEST_F(Output, AReaderThatHasSeenEnoughIsNoError) {
     EXPECT_EQ(result.m_errors, "");
 }
 
+// As a script gives it whose variable is not set; for --root it would mean the rules in force.
+TEST_F(Output, EmptyNamesAreBadUsage) {
+    std::vector<std::vector<std::string>> const commands{
+        {"check", ""},
+        {"compile", m_rules, "-o", ""},
+        {"install", "absent", "--root", ""},
+        {"learn", "--ham", "", "-o", "-"},
+    };
+    for (auto const& command : commands) {
+        auto const result = runProgram(QV_RULES_PROGRAM, command);
+        EXPECT_EQ(result.m_status, 64) << command[0];
+        EXPECT_THAT(result.m_errors, HasSubstr("empty")) << command[0];
+    }
+}
+
 // Whoever names a file or a word on the command line must not steer the terminal of who reads it.
 TEST_F(Output, HostileNamesSteerNoTerminal) {
     std::string const evil = "\x1B]0;x\x07";
