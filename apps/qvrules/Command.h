@@ -31,8 +31,9 @@ class Command {
         });
     }
 
-    template<typename Value>
-    Command& tie(char const* names, Value Options::*member) {
+    // Of Options, or of a base of it.
+    template<typename Value, typename Owner>
+    Command& tie(char const* names, Value Owner::*member) {
         auto const& row = argumentRow(m_row, names);
         auto& value = (*m_options).*member;
         if constexpr (std::is_same_v<Value, bool>) {

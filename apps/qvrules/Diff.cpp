@@ -15,19 +15,6 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
-TrainingMail s_mail(DiffArguments const& arguments) {
-    TrainingMail mail;
-    mail.m_ham = arguments.m_ham;
-    mail.m_spam = arguments.m_spam;
-    mail.m_unsorted = arguments.m_on;
-    mail.m_vectors = arguments.m_vectors;
-    mail.m_hamVectors = arguments.m_hamVectors;
-    mail.m_spamVectors = arguments.m_spamVectors;
-    mail.m_unsortedVectors = arguments.m_onVectors;
-    mail.m_host = hostSettings(arguments.m_settings);
-    return mail;
-}
-
 Rules::Judge s_judge(Workshop::VectorJudge const& judge) {
     return [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); };
 }
@@ -43,8 +30,8 @@ Report* s_report(std::string_view format) {
 } // namespace
 
 int diff(DiffArguments const& arguments) {
-    auto const mail = s_mail(arguments);
-    if (mail.isEmpty()) {
+    TrainingMail const mail{arguments, Copies::none, hostSettings(arguments.m_settings)};
+    if (arguments.isEmpty()) {
         std::cerr << "diff: give mail (--on, --ham, --spam) or vectors (--vectors, --on-vectors)\n";
         return ExitStatus::usage;
     }

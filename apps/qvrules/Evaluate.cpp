@@ -17,11 +17,7 @@ namespace {
 
 TrainingMail s_mail(EvaluateArguments const& arguments) {
     TrainingMail mail;
-    mail.m_ham = arguments.m_ham;
-    mail.m_spam = arguments.m_spam;
-    mail.m_vectors = arguments.m_vectors;
-    mail.m_hamVectors = arguments.m_hamVectors;
-    mail.m_spamVectors = arguments.m_spamVectors;
+    mail.m_paths = arguments;
     mail.m_copies = arguments.m_augment.empty() ? Copies::none : Copies::apart;
     mail.m_host = hostSettings(arguments.m_settings);
     return mail;
@@ -39,7 +35,7 @@ Report* s_report(std::string_view format) {
 
 int evaluate(EvaluateArguments const& arguments) {
     auto const mail = s_mail(arguments);
-    if (mail.isEmpty()) {
+    if (arguments.isEmpty()) {
         std::cerr << "evaluate: give mail (--ham, --spam) or vectors (--vectors)\n";
         return ExitStatus::usage;
     }

@@ -60,7 +60,12 @@ void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& count
     std::cerr << "qvrules: learned " << s_counted(nodes, "node") << " from " << total.m_spam
               << " spam and " << total.m_ham << " ham ("
               << s_counted(table.rows().size(), "distinct vector") << "; "
-              << s_counted(counts.m_notJudgeable, "message") << " without a public hop left out)\n";
+              << s_counted(counts.m_notJudgeable, "message") << " without a public hop left out";
+    if (counts.m_copies != 0) {
+        std::cerr << "; " << counts.m_copies << " of " << counts.m_messages
+                  << " messages copied without reverse names";
+    }
+    std::cerr << ")\n";
     if (learned.m_tree.leafCount() == 1) {
         std::cerr << "qvrules: no attribute tells this spam from this ham: the rules judge "
                      "nothing; learn from more mail or allow smaller support\n";
@@ -68,8 +73,8 @@ void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& count
 }
 
 // Empty when the command line makes sense.
-std::string s_usageError(LearnArguments const& arguments, TrainingMail const& mail) {
-    if (mail.isEmpty()) {
+std::string s_usageError(LearnArguments const& arguments) {
+    if (arguments.isEmpty()) {
         return "learn: give training mail (--ham, --spam) or vectors (--vectors)";
     }
     if (arguments.m_output.empty() && arguments.m_table.empty()) {
@@ -93,7 +98,7 @@ Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings
 
 int learn(LearnArguments const& arguments) {
     auto const mail = trainingMail(arguments);
-    if (auto const error = s_usageError(arguments, mail); !error.empty()) {
+    if (auto const error = s_usageError(arguments); !error.empty()) {
         std::cerr << error << '\n';
         return ExitStatus::usage;
     }

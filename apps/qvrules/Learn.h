@@ -13,15 +13,9 @@
 namespace Quorvane::RulesApp {
 
 // The command line as given.
-struct LearnArguments {
-    // Each [CORPUS=]PATH.
-    std::vector<std::string> m_ham;
-    std::vector<std::string> m_spam;
-    std::vector<std::string> m_vectors;     // rows say their label
-    std::vector<std::string> m_hamVectors;  // rows are all ham
-    std::vector<std::string> m_spamVectors; // rows are all spam
-    std::string m_output;                   // rule text; "-": standard output
-    std::string m_table;                    // the counted vectors as CSV; "-": standard output
+struct LearnArguments : MailPaths {
+    std::string m_output; // rule text; "-": standard output
+    std::string m_table;  // the counted vectors as CSV; "-": standard output
     // A rule text that is put before the learned tree as it is.
     std::string m_with;
     std::string m_augment;

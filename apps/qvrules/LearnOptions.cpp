@@ -68,11 +68,7 @@ TrainingMail trainingMail(LearnArguments const& arguments) {
     auto const given =
         arguments.m_lookups ? arguments.m_settings : s_withoutLookups(arguments.m_settings);
     TrainingMail mail;
-    mail.m_ham = arguments.m_ham;
-    mail.m_spam = arguments.m_spam;
-    mail.m_vectors = arguments.m_vectors;
-    mail.m_hamVectors = arguments.m_hamVectors;
-    mail.m_spamVectors = arguments.m_spamVectors;
+    mail.m_paths = arguments;
     mail.m_copies = arguments.m_augment.empty() ? Copies::none : Copies::together;
     mail.m_host = hostSettings(given);
     return mail;

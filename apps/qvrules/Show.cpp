@@ -33,8 +33,8 @@ std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
 Rules::VectorTable s_mail(ShowArguments const& arguments, HostSettings const& host,
                           TrainingMailCounts& counts) {
     TrainingMail mail;
-    mail.m_unsorted = s_asCorpus(arguments.m_on);
-    mail.m_unsortedVectors = s_asCorpus(arguments.m_vectors);
+    mail.m_paths.m_unsorted = s_asCorpus(arguments.m_on);
+    mail.m_paths.m_unsortedVectors = s_asCorpus(arguments.m_vectors);
     mail.m_host = host;
     Workshop::ProgressLine progress("qvrules");
     return gatherMessages(mail, progress, counts).m_unsorted;

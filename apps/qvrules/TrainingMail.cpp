@@ -30,15 +30,17 @@ class TrainingMailReader {
         : m_mail(mail), m_progress(progress), m_counts(counts) {}
 
     Rules::ComparedMail read() {
-        readMessages(m_mail.m_ham, {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::ham});
-        readMessages(m_mail.m_spam, {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::spam});
-        readMessages(m_mail.m_unsorted,
+        readMessages(m_mail.m_paths.m_ham,
+                     {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::ham});
+        readMessages(m_mail.m_paths.m_spam,
+                     {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::spam});
+        readMessages(m_mail.m_paths.m_unsorted,
                      {m_unsorted, m_found.m_unsortedSamples, Rules::MailLabel::ham});
         m_scanner.reset(); // signals are its own as long as it lives
-        readTables(m_mail.m_vectors, std::nullopt, m_sorted);
-        readTables(m_mail.m_hamVectors, Rules::MailLabel::ham, m_sorted);
-        readTables(m_mail.m_spamVectors, Rules::MailLabel::spam, m_sorted);
-        readTables(m_mail.m_unsortedVectors, Rules::MailLabel::ham, m_unsorted);
+        readTables(m_mail.m_paths.m_vectors, std::nullopt, m_sorted);
+        readTables(m_mail.m_paths.m_hamVectors, Rules::MailLabel::ham, m_sorted);
+        readTables(m_mail.m_paths.m_spamVectors, Rules::MailLabel::spam, m_sorted);
+        readTables(m_mail.m_paths.m_unsortedVectors, Rules::MailLabel::ham, m_unsorted);
         m_found.m_sorted = m_sorted.finish();
         m_found.m_unsorted = m_unsorted.finish();
         return std::move(m_found);
@@ -129,7 +131,7 @@ class TrainingMailReader {
 
 } // namespace
 
-bool TrainingMail::isEmpty() const {
+bool MailPaths::isEmpty() const {
     return m_ham.empty() && m_spam.empty() && m_vectors.empty() && m_hamVectors.empty() &&
            m_spamVectors.empty() && m_unsorted.empty() && m_unsortedVectors.empty();
 }

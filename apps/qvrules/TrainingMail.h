@@ -22,8 +22,8 @@ enum class Copies {
     apart,    // they are a corpus of their own
 };
 
-struct TrainingMail {
-    // Each [CORPUS=]PATH.
+// What a command line names, each [CORPUS=]PATH.
+struct MailPaths {
     std::vector<std::string> m_ham;
     std::vector<std::string> m_spam;
     std::vector<std::string> m_vectors;     // rows say their label
@@ -32,10 +32,14 @@ struct TrainingMail {
     // Mail that nobody has sorted.
     std::vector<std::string> m_unsorted;
     std::vector<std::string> m_unsortedVectors;
-    Copies m_copies = Copies::none;
-    HostSettings m_host;
 
     bool isEmpty() const;
+};
+
+struct TrainingMail {
+    MailPaths m_paths;
+    Copies m_copies = Copies::none;
+    HostSettings m_host;
 };
 
 struct TrainingMailCounts {

@@ -85,9 +85,6 @@ class VectorTableBuilder {
     // Adds messages without a vector.
     void addUnjudged(MailLabel label, std::string_view corpus, std::uint64_t count = 1);
 
-    std::uint64_t messages() const { return m_messages; }
-    std::size_t distinctVectors() const { return m_counts.size(); }
-
     // The table of everything added so far.
     VectorTable finish() const;
 

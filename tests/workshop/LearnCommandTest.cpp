@@ -112,6 +112,7 @@ TEST_F(LearnCommand, AddsCopiesOfABorderWithoutReverseNames) {
     auto const result = run(with(mail(), {"--augment", "no-reverse-name", "-o", path("a.qvr")}));
     ASSERT_EQ(result.m_status, 0) << result.m_errors;
     EXPECT_THAT(read("a.qvr"), HasSubstr("from 120 spam and 160 ham"));
+    EXPECT_THAT(result.m_errors, HasSubstr("140 of 140 messages copied without reverse names"));
 }
 
 TEST_F(LearnCommand, LeavesOutWhatHasNoPublicHop) {
