@@ -168,7 +168,8 @@ bool s_rejectsCommand(int argc, char** argv) {
 }
 
 int s_run(int argc, char** argv) {
-    CLI::App app("Write, check and install the rules of Quorvane Deep Header.", "qvrules");
+    CLI::App app("Write, learn, measure, try and install the rules of Quorvane Deep Header.",
+                 "qvrules");
     Action action;
     app.set_help_flag(helpOption.m_names, helpOption.m_help);
     app.set_version_flag(versionOption.m_names, "qvrules " QV_VERSION, versionOption.m_help);
