@@ -2,6 +2,7 @@
 #include "apps/charts/Drawing.h"
 
 #include "apps/page/Escape.h"
+#include "apps/page/TextWidth.h"
 
 #include <array>
 #include <charconv>
@@ -16,6 +17,14 @@ std::string s_attribute(std::string_view name, std::string_view value) {
 
 std::string s_number(std::string_view name, double value) {
     return s_attribute(name, coordinate(value));
+}
+
+// As charts.css has it.
+double s_size(std::string_view classes) {
+    if (classes == "tick") {
+        return 11.0;
+    }
+    return classes == "count" ? 10.0 : Page::drawnTextSize;
 }
 
 std::string_view s_word(Anchor anchor) {
@@ -71,15 +80,19 @@ void Drawing::dot(Point centre, double radius, std::string_view classes, std::st
     close("circle", tooltip);
 }
 
-void Drawing::text(Point base, Anchor anchor, std::string_view content, std::string_view classes) {
+void Drawing::text(Point base, Anchor anchor, std::string_view content, std::string_view classes,
+                   double room) {
     label(s_number("x", base.m_x) + s_number("y", base.m_y) +
-              s_attribute("text-anchor", s_word(anchor)),
+              s_attribute("text-anchor", s_word(anchor)) +
+              Page::fittingAttributes(content, room, s_size(classes)),
           content, classes);
 }
 
-void Drawing::upwardText(Point base, std::string_view content, std::string_view classes) {
+void Drawing::upwardText(Point base, std::string_view content, std::string_view classes,
+                         double room) {
     label(s_attribute("transform", "translate(" + coordinate(base.m_x) + ' ' +
-                                       coordinate(base.m_y) + ") rotate(-90)"),
+                                       coordinate(base.m_y) + ") rotate(-90)") +
+              Page::fittingAttributes(content, room, s_size(classes)),
           content, classes);
 }
 

@@ -5,6 +5,7 @@
 // is escaped here. A plain value.
 #pragma once
 
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,9 @@ struct Caption {
     std::string m_description;
 };
 
+// Of text that nothing stands beside.
+inline constexpr double anyRoom = std::numeric_limits<double>::infinity();
+
 class Drawing {
   public:
     Drawing(double width, double height) : m_width(width), m_height(height) {}
@@ -46,9 +50,12 @@ class Drawing {
     void area(std::vector<Point> const& points, std::string_view classes);
     void rectangle(Box const& box, std::string_view classes, std::string_view tooltip = {});
     void dot(Point centre, double radius, std::string_view classes, std::string_view tooltip = {});
-    void text(Point base, Anchor anchor, std::string_view content, std::string_view classes);
+    // It is kept within `room` pixels, whatever the reader's font is.
+    void text(Point base, Anchor anchor, std::string_view content, std::string_view classes,
+              double room = anyRoom);
     // Read from below to above; `base` is the lower end.
-    void upwardText(Point base, std::string_view content, std::string_view classes);
+    void upwardText(Point base, std::string_view content, std::string_view classes,
+                    double room = anyRoom);
 
     // The whole element; as a decoration it tells screen readers nothing.
     std::string svg(Caption const& caption) const;

@@ -6,6 +6,8 @@ namespace Quorvane::Charts {
 namespace {
 
 constexpr double cap = 3.0;
+// Of the distance of two ticks: a label at the end of an axis stands beside its tick.
+constexpr double tickRoom = 0.6;
 
 // Labels at the ends of an axis stay within the chart.
 Anchor s_anchor(Scale const& scale, double tick) {
@@ -28,12 +30,15 @@ void Frame::draw(Drawing& drawing) const {
     for (double const tick : m_y.ticks()) {
         auto const y = m_y.at(tick);
         drawing.line({plot.m_left, y}, {plot.right(), y}, "grid");
-        drawing.text({plot.m_left - 6.0, y + 4.0}, Anchor::end, m_y.label(tick), "tick");
+        drawing.text({plot.m_left - 6.0, y + 4.0}, Anchor::end, m_y.label(tick), "tick",
+                     plot.m_left - 6.0);
     }
-    for (double const tick : m_x.ticks()) {
+    auto const ticks = m_x.ticks();
+    auto const room = tickRoom * plot.m_width / static_cast<double>(ticks.size() - 1);
+    for (double const tick : ticks) {
         auto const x = m_x.at(tick);
         drawing.line({x, plot.m_top}, {x, plot.bottom()}, "grid");
-        drawing.text({x, plot.bottom() + 16.0}, s_anchor(m_x, tick), m_x.label(tick), "tick");
+        drawing.text({x, plot.bottom() + 16.0}, s_anchor(m_x, tick), m_x.label(tick), "tick", room);
     }
     drawing.line({plot.m_left, plot.bottom()}, {plot.right(), plot.bottom()}, "axis");
     drawing.line({plot.m_left, plot.m_top}, {plot.m_left, plot.bottom()}, "axis");

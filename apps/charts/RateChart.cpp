@@ -2,7 +2,7 @@
 #include "apps/charts/RateChart.h"
 
 #include "apps/charts/Frame.h"
-#include "apps/charts/TextWidth.h"
+#include "apps/page/TextWidth.h"
 #include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Charts {
@@ -15,6 +15,10 @@ constexpr double axisHeight = 22.0;
 constexpr double nameBase = 14.0; // of a name, below the top of its row
 constexpr double barMiddle = 26.0;
 constexpr double barHeight = 8.0;
+// Side by side: the name and "no messages" or a rate.
+constexpr double labelRoom = 84.0;
+constexpr double tickRoom = 48.0;
+constexpr double nameRoom = chartWidth - 3.0 * margin - labelRoom;
 
 void s_drawAxis(Drawing& drawing, Scale const& scale, double height) {
     for (double const tick : scale.ticks()) {
@@ -23,7 +27,7 @@ void s_drawAxis(Drawing& drawing, Scale const& scale, double height) {
                             : x == scale.to() ? Anchor::end
                                               : Anchor::middle;
         drawing.line({x, 0.0}, {x, height}, "grid");
-        drawing.text({x, height + 15.0}, anchor, scale.label(tick), "tick");
+        drawing.text({x, height + 15.0}, anchor, scale.label(tick), "tick", tickRoom);
     }
     drawing.line({scale.from(), height}, {scale.to(), height}, "axis");
 }
@@ -52,10 +56,10 @@ std::string rateChart(Caption const& caption, std::vector<NamedRate> const& rate
     for (auto const& [name, rate] : rates) {
         auto const label =
             rate.m_total == 0 ? std::string("no messages") : Rules::percentText(rate.value());
-        auto const room = chartWidth - 3.0 * margin - textWidth(label);
-        drawing.text({scale.from(), top + nameBase}, Anchor::start, shortened(name, room), "name");
+        drawing.text({scale.from(), top + nameBase}, Anchor::start, Page::shortened(name, nameRoom),
+                     "name", nameRoom);
         drawing.text({scale.to(), top + nameBase}, Anchor::end, label,
-                     rate.m_total == 0 ? "tick" : "value");
+                     rate.m_total == 0 ? "tick" : "value", labelRoom);
         if (rate.m_total != 0) {
             s_drawRate(drawing, scale, rate, top + barMiddle, std::string(colour));
         }

@@ -2,7 +2,7 @@
 #include "apps/charts/RocChart.h"
 
 #include "apps/charts/Frame.h"
-#include "apps/charts/TextWidth.h"
+#include "apps/page/TextWidth.h"
 #include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Charts {
@@ -108,8 +108,9 @@ class RocDrawing {
     void drawMarkLabel(double x, Rules::Rate const& caught, std::string const& text) {
         auto const interval = Rules::wilsonInterval(caught);
         bool const isAbove = interval.m_low + interval.m_high < 1.0;
-        auto const base = isAbove ? plotTop + textWidth(text) + labelGap : plotBottom - labelGap;
-        m_drawing.upwardText({x - 4.0, base}, text, "value");
+        auto const length = Page::textWidth(text);
+        auto const base = isAbove ? plotTop + length + labelGap : plotBottom - labelGap;
+        m_drawing.upwardText({x - 4.0, base}, text, "value", length);
     }
 
     void drawThresholds(RocMarks const& marks) {
@@ -119,10 +120,11 @@ class RocDrawing {
         horizontalWhisker(m_drawing, m_frame.m_x.at(interval.m_low),
                           m_frame.m_x.at(interval.m_high), at.m_y);
         m_drawing.dot(at, 5.5, "mark-ring", marks.m_name);
-        bool const isLeft = at.m_x < (m_frame.m_x.from() + m_frame.m_x.to()) / 2.0;
-        bool const isLow = at.m_y > plotBottom - 30.0;
-        m_drawing.text({at.m_x + (isLeft ? 9.0 : -9.0), at.m_y + (isLow ? -8.0 : 17.0)},
-                       isLeft ? Anchor::start : Anchor::end, marks.m_name, "name");
+        // Told above the plot: beside the ring marks, curve and their labels would be in the way.
+        auto const base = plotTop - 12.0;
+        auto const length = Page::textWidth(marks.m_name);
+        m_drawing.text({chartWidth - 2.0, base}, Anchor::end, marks.m_name, "name", length);
+        m_drawing.dot({chartWidth - 12.0 - length, base - 4.0}, 5.5, "mark-ring");
     }
 
     void drawInterval(double x, Rules::Rate const& rate) {

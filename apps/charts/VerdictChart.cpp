@@ -3,8 +3,8 @@
 
 #include "apps/charts/Frame.h"
 #include "apps/charts/Scale.h"
-#include "apps/charts/TextWidth.h"
 #include "apps/common/NumberText.h"
+#include "apps/page/TextWidth.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
@@ -51,8 +51,10 @@ void s_drawBar(Drawing& drawing, Rules::VerdictCounts const& counts, double top)
         drawing.rectangle({left, top, right - left, barHeight},
                           std::string("fill-") + segment.m_class,
                           std::string(segment.m_name) + ": " + share);
-        if (textWidth(share) + 2.0 * margin < right - left) {
-            drawing.text({(left + right) / 2.0, top + 17.0}, Anchor::middle, share, "on-fill");
+        auto const room = right - left - 2.0 * margin;
+        if (Page::textWidth(share) < room) {
+            drawing.text({(left + right) / 2.0, top + 17.0}, Anchor::middle, share, "on-fill",
+                         room);
         }
     }
 }

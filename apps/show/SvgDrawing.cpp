@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/page/Escape.h"
+#include "apps/page/TextWidth.h"
 #include "apps/show/Assets.h"
 #include "apps/show/Drawings.h"
 #include "apps/show/NodeText.h"
@@ -25,9 +26,13 @@ constexpr double thinnest = 1.0;
 constexpr double thickest = 22.0;
 // More rules than this are no table any more.
 constexpr std::size_t shownElite = 60;
-// Characters that fit.
-constexpr std::size_t testLength = 40;
-constexpr std::size_t eliteLength = 150;
+constexpr double boxMargin = 8.0;
+constexpr double lesserSize = 11.0;
+constexpr double titleSize = 20.0;
+// At least; of what stands above the tree.
+constexpr double headWidth = 900.0;
+// A text that would be wider is squeezed down to this part of its width before it is cut.
+constexpr double mostSqueezed = 0.8;
 
 std::string s_number(double number) {
     return Rules::fixedText(number, 1);
@@ -43,19 +48,35 @@ std::string s_text(std::string text) {
     return Page::text(text);
 }
 
-std::string s_cut(std::string const& text, std::size_t length) {
-    return text.size() <= length ? text : text.substr(0, length - 3) + "...";
-}
+struct Label {
+    double m_x;
+    double m_y;
+    std::string m_kind;
+    std::string m_text;
+    double m_room; // to the right
+    double m_size = Page::drawnTextSize;
+    std::string m_number = {}; // before the text, in bold
+};
 
-std::string s_textAt(double x, double y, std::string const& kind, std::string const& text) {
-    return "<text x=\"" + s_number(x) + "\" y=\"" + s_number(y) + '"' +
-           (kind.empty() ? "" : " class=\"" + kind + '"') + '>' + text + "</text>\n";
+// Stays within its room in every font. What is much too long is cut, and told whole to the mouse.
+std::string s_drawn(Label const& label) {
+    auto const before = label.m_number.empty() ? std::string() : label.m_number + ' ';
+    auto const text = before + label.m_text;
+    auto const shown = Page::shortened(text, label.m_room / mostSqueezed, label.m_size);
+    return "<text x=\"" + s_number(label.m_x) + "\" y=\"" + s_number(label.m_y) + '"' +
+           (label.m_kind.empty() ? "" : " class=\"" + label.m_kind + '"') +
+           Page::fittingAttributes(shown, label.m_room, label.m_size) + '>' +
+           (shown == text ? "" : "<title>" + s_text(text) + "</title>") +
+           (before.empty() ? "" : "<tspan class=\"number\">" + label.m_number + "</tspan> ") +
+           s_text(shown.substr(before.size())) + "</text>\n";
 }
 
 class SvgWriter {
   public:
     explicit SvgWriter(Drawing const& drawing)
-        : m_drawing(drawing), m_rules(drawing.m_rules), m_layout(svgLayout(drawing.m_rules)) {}
+        : m_drawing(drawing), m_rules(drawing.m_rules), m_layout(svgLayout(drawing.m_rules)),
+          m_width(std::max(headWidth, 2 * margin - (columnWidth - boxWidth) +
+                                          static_cast<double>(m_layout.m_columns) * columnWidth)) {}
 
     std::string write() {
         head();
@@ -66,12 +87,9 @@ class SvgWriter {
         for (std::size_t index = 0; index < nodes.size(); ++index) {
             box(index);
         }
-        auto const width = 2 * margin + static_cast<double>(m_layout.m_columns) * columnWidth -
-                           (columnWidth - boxWidth);
         auto const height = m_top + static_cast<double>(m_layout.m_rows) * rowHeight + margin;
-        auto const size = s_number(std::max(width, m_headWidth)) + "\" height=\"" +
-                          s_number(height) + "\" viewBox=\"0 0 " +
-                          s_number(std::max(width, m_headWidth)) + ' ' + s_number(height);
+        auto const size = s_number(m_width) + "\" height=\"" + s_number(height) +
+                          "\" viewBox=\"0 0 " + s_number(m_width) + ' ' + s_number(height);
         return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
                size + "\" role=\"img\">\n<title>" + s_text(m_rules.m_name) + "</title>\n<style>\n" +
@@ -83,11 +101,12 @@ class SvgWriter {
   private:
     void head() {
         auto y = margin + 14;
-        m_text += s_textAt(margin, y, "title", s_text(m_rules.m_name));
+        m_text += s_drawn({margin, y, "title", m_rules.m_name, roomFrom(margin), titleSize});
         y += titleHeight;
         if (m_rules.m_loadProblem) {
-            m_text += s_textAt(margin, y, "warn",
-                               "No host would load these rules: " + s_text(*m_rules.m_loadProblem));
+            m_text += s_drawn({margin, y, "warn",
+                               "No host would load these rules: " + *m_rules.m_loadProblem,
+                               roomFrom(margin)});
             y += lineHeight;
         }
         legend(y);
@@ -98,17 +117,18 @@ class SvgWriter {
             y += lineHeight;
         }
         if (count < m_rules.m_elite.size()) {
-            m_text += s_textAt(margin, y, "lesser",
-                               "and " + std::to_string(m_rules.m_elite.size() - count) +
-                                   " more elite rules");
+            m_text += s_drawn(
+                {margin, y, "lesser",
+                 "and " + std::to_string(m_rules.m_elite.size() - count) + " more elite rules",
+                 roomFrom(margin), lesserSize});
             y += lineHeight;
         }
         m_top = y + margin / 2;
     }
 
     void legend(double y) {
-        m_text += s_textAt(margin, y, "lesser", "sure of ham");
         constexpr double start = margin + 72;
+        m_text += s_drawn({margin, y, "lesser", "sure of ham", start - margin - 8, lesserSize});
         constexpr double side = 14;
         for (std::size_t shade = 0; shade < shadeCount; ++shade) {
             m_text += "<rect class=\"s" + std::to_string(shade) + "\" x=\"" +
@@ -117,18 +137,20 @@ class SvgWriter {
         }
         auto const* const measured =
             m_drawing.m_traffic != nullptr ? "the measured mail" : "the training mail";
-        m_text += s_textAt(start + side * shadeCount + 8, y, "lesser",
+        constexpr double end = start + side * shadeCount + 8;
+        m_text += s_drawn({end, y, "lesser",
                            std::string("sure of spam; the thicker a line, the more of ") +
-                               measured + " comes this way");
+                               measured + " comes this way",
+                           roomFrom(end), lesserSize});
     }
 
     void elite(ShownElite const& rule, double y) {
         auto const line = eliteLine(rule);
-        m_text += "<g><title>" + s_text(line) + "</title>" +
-                  s_textAt(margin, y, rule.m_place ? "" : "warn",
-                           "elite rule " + s_text(s_cut(line, eliteLength))) +
-                  "</g>\n";
+        m_text += s_drawn(
+            {margin, y, rule.m_place ? "" : "warn", "elite rule " + line, roomFrom(margin)});
     }
+
+    double roomFrom(double left) const { return m_width - left - margin; }
 
     double x(std::size_t column) const {
         return margin + static_cast<double>(column) * columnWidth;
@@ -168,8 +190,8 @@ class SvgWriter {
                               ? "back to node " + number + ": the walk can go in circles"
                               : "node " + number + ", which stands elsewhere";
         bool const isHarmless = branch.m_kind == ShownBranch::Kind::elsewhere;
-        m_text +=
-            s_textAt(x(place.m_column + 1) + 6, y(row) + 4, isHarmless ? "" : "warn", s_text(text));
+        auto const left = x(place.m_column + 1) + 6;
+        m_text += s_drawn({left, y(row) + 4, isHarmless ? "" : "warn", text, roomFrom(left)});
     }
 
     void box(std::size_t index) {
@@ -181,13 +203,14 @@ class SvgWriter {
                   std::to_string(shadeOf(node.m_record.confidence)) + "\" x=\"" + s_number(left) +
                   "\" y=\"" + s_number(top) + "\" width=\"" + s_number(boxWidth) + "\" height=\"" +
                   s_number(boxHeight) + "\" rx=\"5\"/>\n";
-        m_text += s_textAt(left + 8, top + 16, "",
-                           "<tspan class=\"number\">" + std::to_string(node.m_number) +
-                               "</tspan> " + s_text(s_cut(node.m_test, testLength)));
-        m_text += s_textAt(left + 8, top + 31, "lesser",
-                           s_text(node.m_problem.empty() ? nodeLine(m_drawing, node)
-                                                         : "! " + node.m_problem)) +
-                  "</g>\n";
+        constexpr double room = boxWidth - 2 * boxMargin;
+        m_text += s_drawn({left + boxMargin, top + 16, "", node.m_test, room, Page::drawnTextSize,
+                           std::to_string(node.m_number)});
+        m_text +=
+            s_drawn({left + boxMargin, top + 31, "lesser",
+                     node.m_problem.empty() ? nodeLine(m_drawing, node) : "! " + node.m_problem,
+                     room, lesserSize}) +
+            "</g>\n";
     }
 
     std::string hoverText(ShownNode const& node) const {
@@ -202,7 +225,7 @@ class SvgWriter {
     ShownRules const& m_rules;
     SvgLayout m_layout;
     double m_top = 0.0;
-    double m_headWidth = 900.0;
+    double m_width;
     std::string m_text;
 };
 

@@ -84,6 +84,39 @@ class Browser:
         # Not window.innerWidth: a phone zooms out until everything fits.
         return self.run("return document.scrollingElement.scrollWidth") - self.size[0]
 
+    def widen_text(self):
+        """Sets the text of all drawings as wide as the widest fonts that people read."""
+        self.run("""
+            for (const text of document.querySelectorAll('svg text')) {
+              text.style.letterSpacing = '2px';
+            }""")
+
+    def touching_labels(self):
+        """Pairs of texts in one drawing that lie upon each other, and texts beside the drawing."""
+        return self.run("""
+            const touching = [];
+            for (const drawing of document.querySelectorAll('svg')) {
+              const frame = drawing.getBoundingClientRect();
+              const labels = [...drawing.querySelectorAll('text')]
+                  .map((text) => ({told: text.textContent, box: text.getBoundingClientRect()}))
+                  .filter(({box}) => box.width > 0);
+              for (const [i, {told, box}] of labels.entries()) {
+                if (box.right > frame.right + 3 || box.left < frame.left - 3) {
+                  touching.push([told]);
+                }
+                for (const other of labels.slice(i + 1)) {
+                  const wide = Math.min(box.right, other.box.right) -
+                      Math.max(box.left, other.box.left);
+                  const high = Math.min(box.bottom, other.box.bottom) -
+                      Math.max(box.top, other.box.top);
+                  if (wide > 0 && high > 4) { // lines have room above their letters
+                    touching.push([told, other.told]);
+                  }
+                }
+              }
+            }
+            return touching;""")
+
     def screenshot(self, path, whole=False):
         """A PNG of the screen, or of the whole page (8,000 pixels of it at most)."""
         width, height = self.size

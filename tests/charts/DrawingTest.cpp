@@ -38,11 +38,13 @@ TEST(Drawing, TextIsEscaped) {
     Drawing drawing(10, 10);
     drawing.text({1, 2}, Anchor::middle, "</svg>", "name");
     drawing.upwardText({3, 4}, "1 %", "value");
+    drawing.text({5, 6}, Anchor::end, "nn", "tick", 12.0);
     auto const svg = drawing.decoration("x");
-    EXPECT_EQ(
-        svg.substr(svg.find('\n') + 1),
-        "<text class=\"name\" x=\"1\" y=\"2\" text-anchor=\"middle\">&lt;/svg&gt;</text>\n"
-        "<text class=\"value\" transform=\"translate(3 4) rotate(-90)\">1 %</text>\n</svg>\n");
+    EXPECT_EQ(svg.substr(svg.find('\n') + 1),
+              "<text class=\"name\" x=\"1\" y=\"2\" text-anchor=\"middle\">&lt;/svg&gt;</text>\n"
+              "<text class=\"value\" transform=\"translate(3 4) rotate(-90)\">1 %</text>\n"
+              "<text class=\"tick\" x=\"5\" y=\"6\" text-anchor=\"end\" textLength=\"12\" "
+              "lengthAdjust=\"spacingAndGlyphs\">nn</text>\n</svg>\n");
 }
 
 TEST(Drawing, CoordinatesAreShortAndKnowNoLocale) {

@@ -57,6 +57,39 @@ class Page(showpage.ShowPageTest):
                 self.assert_fits()
                 self.picture(f"show-{name}-{scheme}", whole=True)
 
+    def test_the_picture_holds_text_of_every_width(self):
+        odd = """version 1
+            elite first also-tree
+            decide 0.97 code 9001 when first_reverse_dynamic == yes and first_helo_dynamic == yes and
+                first_helo_matches_reverse == yes and hop_behind_first == yes and chain_broken == yes
+            tree {
+                hops_helo_mismatches_reverse != 2: confidence 97 support 33 {
+                    hops_helo_mismatches_reverse == 2147483647: confidence 0.99945 support 33.3
+                    -> 700
+                }
+                message_id_matches_reverse == unknown: confidence 0.03 support 12.34 {
+                }
+            }"""
+        for source in (self.write("odd.qvr", odd), showpage.DEFAULT):
+            path = self.folder / "picture.svg"
+            mail = showpage.EXAMPLES / "gmail-like.eml"
+            showpage.rules("show", source, "--format", "svg", "-o", path, "--on", mail, "--dns",
+                           "off")
+            page = self.write("picture.html", "<!DOCTYPE html><meta charset=utf-8><title>x</title>"
+                              + path.read_text(encoding="utf-8").split("?>", 1)[1])
+            self.browser.open(page)
+            self.picture(f"picture-{source.stem}", whole=True)
+            self.browser.widen_text()
+            self.picture(f"picture-wide-{source.stem}", whole=True)
+            self.assertEqual(self.browser.touching_labels(), [])
+            outside = self.browser.run("""
+                return [...document.querySelectorAll('.box')].filter((box) => {
+                  const frame = box.querySelector('rect').getBoundingClientRect();
+                  return [...box.querySelectorAll('text')].some((text) =>
+                      text.getBoundingClientRect().right > frame.right);
+                }).map((box) => box.textContent);""")
+            self.assertEqual(outside, [])
+
     def test_is_dark_where_the_reader_wants_it(self):
         colours = []
         for scheme in ("light", "dark"):

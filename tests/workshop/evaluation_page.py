@@ -46,6 +46,16 @@ class EvaluationPage(mailpages.MailPageTest):
                     self.assert_fits()
                 self.picture(f"evaluation-{size[0]}-{scheme}", whole=True)
 
+    def test_labels_of_drawings_stay_apart_in_wide_fonts(self):
+        page = self.evaluate("html", *self.many())
+        for size in (browser.DESKTOP, browser.PHONE):
+            self.browser.open(page, size)
+            self.browser.widen_text()
+            for link in self.browser.find_all(".corpora a"):
+                link.click()
+                self.picture(f"evaluation-wide-{size[0]}-{link.text[:4]}", whole=True)
+                self.assertEqual(self.browser.touching_labels(), [])
+
     def test_text_has_contrast(self):
         self.assert_contrast(self.evaluate("html", *self.many()))
 
