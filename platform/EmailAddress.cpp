@@ -3,6 +3,7 @@
 
 #include "platform/internal/AddressText.h"
 
+#include <csignal>
 #include <cstddef>
 #include <gmime/gmime.h>
 #include <memory>
@@ -19,10 +20,19 @@ struct Unref {
 
 using List = std::unique_ptr<InternetAddressList, Unref>;
 
+// GMime starts a library for encrypted mail, which lets the process ignore SIGPIPE from then on.
+// How a process ends when nobody reads its output is the host's to say.
+void s_startGMime() {
+    struct sigaction before {};
+    sigaction(SIGPIPE, nullptr, &before);
+    g_mime_init();
+    sigaction(SIGPIPE, &before, nullptr);
+}
+
 // The classes of addresses are made here once, and not by whichever thread parses first while
 // others read them.
 bool s_initialise() {
-    g_mime_init();
+    s_startGMime();
     g_type_class_ref(INTERNET_ADDRESS_TYPE_MAILBOX);
     g_type_class_ref(INTERNET_ADDRESS_TYPE_GROUP);
     g_type_class_ref(INTERNET_ADDRESS_LIST_TYPE);

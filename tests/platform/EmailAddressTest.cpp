@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <csignal>
+#include <cstdlib>
 #include <ostream>
 #include <pthread.h>
 #include <sstream>
@@ -277,6 +279,18 @@ TEST(EmailAddress, manyThreadsMayParseAtOnce) {
     for (auto& thread : threads) {
         thread.join();
     }
+}
+
+// In a process of its own, where nothing was parsed before.
+TEST(EmailAddressDeathTest, parsingLeavesAloneWhatTheHostDoesAboutBrokenPipes) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto const parseAndBreak = [] {
+        std::signal(SIGPIPE, SIG_DFL);
+        s_parse("user@host.example");
+        std::raise(SIGPIPE);
+        std::exit(0);
+    };
+    EXPECT_EXIT(parseAndBreak(), testing::KilledBySignal(SIGPIPE), "");
 }
 
 // Blanks and comments may part the labels of a domain, and a literal loses its blanks.
