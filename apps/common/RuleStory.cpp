@@ -144,7 +144,8 @@ class RuleTeller {
 
     void addSentences(std::vector<ToldTest> const& tests) {
         for (auto const& test : tests) {
-            if (m_toldAttributes.insert(test.m_attribute).second) {
+            // Several attributes say that there is no deep hop.
+            if (m_said.insert(test.m_words).second) {
                 m_story.m_sentences.push_back(test.m_words);
             }
         }
@@ -154,7 +155,7 @@ class RuleTeller {
     DeepHeaderSettings const& m_settings;
     ScanOutcome const& m_outcome;
     Rules::SentenceNames m_names;
-    std::set<std::int32_t> m_toldAttributes;
+    std::set<std::string> m_said;
     RuleStory m_story;
 };
 

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-//
 #include "apps/show/PageServer.h"
 
 #include "apps/show/HttpServer.h"

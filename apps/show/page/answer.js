@@ -85,20 +85,18 @@ const QvAnswer = (() => {
     }
   }
 
-  // One line for each attribute that a rule or a node on the way looked at and found fulfilled.
+  // One line for each fact that a rule or a node on the way asked for and found. Several attributes
+  // say that there is no deep hop.
   function facts(rules, message, answer) {
-    const told = new Set();
+    const said = new Set();
     const lines = [];
     const add = (attribute, from) => {
-      if (!told.has(attribute)) {
-        told.add(attribute);
-        const value = message.attributes[attribute];
+      const words = QvWords.valueSentence(attribute, message.attributes[attribute], message.names);
+      if (!said.has(words)) {
+        said.add(words);
         lines.push(make("li", {},
-          make("span", {
-            className: "fact",
-            textContent: `${QvWords.capital(QvWords.valueSentence(attribute, value,
-              message.names))}.`,
-          }), " ", make("span", {className: "muted from"}, ...from)));
+          make("span", {className: "fact", textContent: `${QvWords.capital(words)}.`}),
+          " ", make("span", {className: "muted from"}, ...from)));
       }
     };
     if (answer.by === "elite") {
