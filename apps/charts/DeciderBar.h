@@ -3,7 +3,7 @@
 // How many messages a rule was there for, as a bar within a list. Pure.
 #pragma once
 
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstdint>
 #include <string>

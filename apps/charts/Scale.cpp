@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/Scale.h"
 
-#include "apps/common/NumberText.h"
+#include "apps/text/NumberText.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,8 +3,8 @@
 
 #include "apps/charts/Frame.h"
 #include "apps/charts/Scale.h"
-#include "apps/common/NumberText.h"
 #include "apps/page/TextWidth.h"
+#include "apps/text/NumberText.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>

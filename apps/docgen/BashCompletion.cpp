@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/ValueNames.h"
 #include "apps/docgen/Completion.h"
+#include "apps/settings/ValueNames.h"
 
 #include <algorithm>
 

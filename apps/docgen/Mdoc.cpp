@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/docgen/Mdoc.h"
 
-#include "apps/common/SettingsTable.h"
-#include "apps/common/ValueNames.h"
+#include "apps/settings/SettingsTable.h"
+#include "apps/settings/ValueNames.h"
 
 namespace Quorvane::Docs {
 

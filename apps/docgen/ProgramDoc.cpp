@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/docgen/ProgramDoc.h"
 
-#include "apps/common/FactsTable.h"
-#include "apps/common/SettingsTable.h"
-#include "apps/common/ValueNames.h"
 #include "apps/qvrules/OptionTable.h"
 #include "apps/qvscan/OptionTable.h"
+#include "apps/settings/FactsTable.h"
+#include "apps/settings/SettingsTable.h"
+#include "apps/settings/ValueNames.h"
 
 #include <stdexcept>
 

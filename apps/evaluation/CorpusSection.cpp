@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/ReliabilityChart.h"
 #include "apps/charts/VerdictChart.h"
-#include "apps/common/NumberText.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/evaluation/Sections.h"
 #include "apps/page/Escape.h"
 #include "apps/page/Table.h"
+#include "apps/text/NumberText.h"
 #include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Reports {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/DeciderBar.h"
-#include "apps/common/NumberText.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/evaluation/Sections.h"
 #include "apps/page/Escape.h"
+#include "apps/text/NumberText.h"
 #include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/FigureText.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/NumberText.h"
 #include "apps/evaluation/DifferenceSections.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/page/Escape.h"
+#include "apps/text/NumberText.h"
 #include "apps/workshop/DeciderText.h"
 
 #include <algorithm>

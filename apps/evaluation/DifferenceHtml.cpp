@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/charts/Style.h"
 #include "apps/charts/VerdictChart.h"
-#include "apps/common/NumberText.h"
 #include "apps/evaluation/Assets.h"
 #include "apps/evaluation/DifferenceSections.h"
 #include "apps/evaluation/HtmlParts.h"
 #include "apps/page/Escape.h"
 #include "apps/page/Page.h"
 #include "apps/page/Table.h"
+#include "apps/text/NumberText.h"
 
 namespace Quorvane::Reports {
 

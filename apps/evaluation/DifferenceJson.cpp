@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/Utf8.h"
 #include "apps/evaluation/DifferenceReport.h"
 #include "apps/evaluation/JsonParts.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/DeciderText.h"
 
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/NumberText.h"
-#include "apps/common/Utf8.h"
 #include "apps/evaluation/DifferenceSections.h"
+#include "apps/text/NumberText.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/FigureText.h"
 

@@ -6,8 +6,8 @@
 
 #include "rules/evaluate/JudgedVector.h"
 #include "rules/evaluate/Wilson.h"
-#include "rules/learn/VectorTable.h"
 #include "rules/model/RuleSet.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <string>
 #include <string_view>

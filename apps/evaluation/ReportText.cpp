@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/Utf8.h"
 #include "apps/evaluation/Report.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/FigureText.h"
 

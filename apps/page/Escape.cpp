@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/page/Escape.h"
 
-#include "apps/common/Utf8.h"
+#include "apps/text/Utf8.h"
 
 #include <array>
 #include <glib.h>

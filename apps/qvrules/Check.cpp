@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/FindingOutput.h"
 #include "apps/qvrules/Output.h"
+#include "apps/text/Utf8.h"
 #include "rules/check/Checker.h"
 #include "rules/check/Drift.h"
 #include "rules/model/RuleFolder.h"

@@ -5,9 +5,9 @@
 // CLI11 compiles slowly: only main.cpp and HostOptions.cpp include it.
 #pragma once
 
-#include "apps/common/ValueNames.h"
 #include "apps/qvrules/HostOptions.h"
 #include "apps/qvrules/OptionTable.h"
+#include "apps/settings/ValueNames.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Explain.h"
 
-#include "apps/common/TextExplain.h"
-#include "apps/common/TextRecord.h"
-#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
+#include "apps/story/TextExplain.h"
+#include "apps/story/TextRecord.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
 #include "apps/workshop/RuleEngine.h"

@@ -4,9 +4,9 @@
 // for another verdict.
 #pragma once
 
-#include "apps/common/ScanHost.h"
-#include "apps/common/TrailStory.h"
+#include "apps/host/ScanHost.h"
 #include "apps/qvrules/HostOptions.h"
+#include "apps/story/TrailStory.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/RuleStory.h"
-#include "apps/common/Utf8.h"
-#include "apps/common/VerdictStory.h"
 #include "apps/qvrules/Explain.h"
+#include "apps/story/RuleStory.h"
+#include "apps/story/VerdictStory.h"
+#include "apps/text/Utf8.h"
 #include "rules/format/ValueWords.h"
 #include "scanner/records/RecordAccess.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/HostOptions.h"
 
-#include "apps/common/FactsTable.h"
-#include "apps/common/SettingsFile.h"
-#include "apps/common/SettingsStore.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/settings/FactsTable.h"
+#include "apps/settings/SettingsFile.h"
+#include "apps/settings/SettingsStore.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>

@@ -4,8 +4,8 @@
 // that look at mail. They are those of qvscan: one table names them for all programs.
 #pragma once
 
-#include "apps/common/HostSettings.h"
-#include "apps/common/ScanHost.h"
+#include "apps/host/ScanHost.h"
+#include "apps/settings/HostSettings.h"
 
 #include <map>
 #include <string>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/FindingOutput.h"
+#include "apps/text/Utf8.h"
 #include "rules/check/Checker.h"
 #include "rules/format/RuleFiles.h"
 #include "rules/install/Installer.h"

@@ -8,10 +8,10 @@
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
 #include "rules/learn/LearnedText.h"
-#include "rules/learn/LearnError.h"
 #include "rules/learn/TreeRecords.h"
-#include "rules/learn/VectorCsvWriter.h"
 #include "rules/model/Files.h"
+#include "rules/vectors/LearnError.h"
+#include "rules/vectors/VectorCsvWriter.h"
 
 #include <iostream>
 #include <sstream>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Learn.h"
-#include "rules/learn/LearnError.h"
+#include "rules/vectors/LearnError.h"
 
 #include <charconv>
 

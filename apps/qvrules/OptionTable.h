@@ -33,9 +33,9 @@ struct CommandRow {
     std::span<ArgumentRow const> m_arguments;
     // The end of the command's help: what else to know, and an example.
     char const* m_footer = "";
-    // It also takes --config and the settings of apps/common/SettingsTable.h but for the root.
+    // It also takes --config and the settings of apps/settings/SettingsTable.h but for the root.
     bool m_takesSettings = false;
-    // It also takes the facts of apps/common/FactsTable.h.
+    // It also takes the facts of apps/settings/FactsTable.h.
     bool m_takesFacts = false;
     // It takes --config, and of the settings only those that say how rules judge.
     bool m_takesThresholds = false;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Show.h"
 
-#include "apps/common/Utf8.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -9,6 +8,7 @@
 #include "apps/show/Page.h"
 #include "apps/show/PageServer.h"
 #include "apps/show/TrafficMeter.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"

@@ -3,8 +3,8 @@
 
 #include "apps/qvrules/CorpusPath.h"
 #include "apps/workshop/MailVectors.h"
-#include "rules/learn/VectorCsv.h"
 #include "rules/model/RuleError.h"
+#include "rules/vectors/VectorCsv.h"
 
 #include <cerrno>
 #include <cstring>

@@ -4,10 +4,10 @@
 // elsewhere.
 #pragma once
 
-#include "apps/common/HostSettings.h"
+#include "apps/settings/HostSettings.h"
 #include "apps/workshop/ProgressLine.h"
 #include "rules/evaluate/Difference.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstdint>
 #include <string>

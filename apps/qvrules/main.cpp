@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // qvrules: the command line.
-#include "apps/common/SettingsTable.h"
-#include "apps/common/Utf8.h"
 #include "apps/qvrules/Command.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Diff.h"
@@ -11,6 +9,8 @@
 #include "apps/qvrules/Learn.h"
 #include "apps/qvrules/Show.h"
 #include "apps/qvrules/Test.h"
+#include "apps/settings/SettingsTable.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/language/Nearest.h"
 #include "rules/model/RuleError.h"

@@ -4,7 +4,7 @@
 // functions.
 #pragma once
 
-#include "apps/common/ScanHost.h"
+#include "apps/host/ScanHost.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/OptionTable.h"
 
-#include "apps/common/FactsTable.h"
-#include "apps/common/SettingsTable.h"
+#include "apps/settings/FactsTable.h"
+#include "apps/settings/SettingsTable.h"
 
 namespace Quorvane {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/Options.h"
 
-#include "apps/common/FactsTable.h"
-#include "apps/common/SettingsFile.h"
 #include "apps/qvscan/OptionTable.h"
+#include "apps/settings/FactsTable.h"
+#include "apps/settings/SettingsFile.h"
 #include "rules/language/Nearest.h"
 
 #include <algorithm>

@@ -3,8 +3,8 @@
 // What a command line of qvscan asks for. Read once at start, then only looked at.
 #pragma once
 
-#include "apps/common/ScanHost.h"
-#include "apps/common/SettingsStore.h"
+#include "apps/host/ScanHost.h"
+#include "apps/settings/SettingsStore.h"
 
 #include <optional>
 #include <stdexcept>

@@ -7,7 +7,7 @@
 // What they throw ends the pool and comes out of finish.
 #pragma once
 
-#include "apps/common/Inputs.h"
+#include "apps/input/Inputs.h"
 
 #include <condition_variable>
 #include <cstddef>

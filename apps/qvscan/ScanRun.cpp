@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/ScanRun.h"
 
-#include "apps/common/ExitCode.h"
-#include "apps/common/JsonRecord.h"
-#include "apps/common/TextExplain.h"
-#include "apps/common/TextRecord.h"
-#include "apps/common/Utf8.h"
 #include "apps/qvscan/CsvRecord.h"
+#include "apps/settings/ExitCode.h"
+#include "apps/story/JsonRecord.h"
+#include "apps/story/TextExplain.h"
+#include "apps/story/TextRecord.h"
+#include "apps/text/Utf8.h"
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
 

@@ -4,10 +4,10 @@
 // One object a process; run is called once.
 #pragma once
 
-#include "apps/common/Inputs.h"
-#include "apps/common/InputSize.h"
-#include "apps/common/Interrupt.h"
-#include "apps/common/ScanHost.h"
+#include "apps/host/ScanHost.h"
+#include "apps/input/Inputs.h"
+#include "apps/input/InputSize.h"
+#include "apps/input/Interrupt.h"
 #include "apps/qvscan/Options.h"
 #include "apps/qvscan/OrderedPool.h"
 #include "apps/qvscan/Output.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/ExitCode.h"
-#include "apps/common/Utf8.h"
 #include "apps/qvscan/Options.h"
 #include "apps/qvscan/ScanRun.h"
+#include "apps/settings/ExitCode.h"
+#include "apps/text/Utf8.h"
 
 #include <csignal>
 #include <iostream>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/Utf8.h"
 #include "apps/show/Drawings.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Shades.h"
+#include "apps/text/Utf8.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>

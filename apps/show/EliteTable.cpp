@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/Drawings.h"
 
-#include "apps/common/Utf8.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Numbers.h"
+#include "apps/text/Utf8.h"
 
 #include <algorithm>
 

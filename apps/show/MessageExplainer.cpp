@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/MessageExplainer.h"
 
-#include "apps/common/ExitCode.h"
-#include "apps/common/Inputs.h"
-#include "apps/common/JsonRecord.h"
+#include "apps/input/Inputs.h"
+#include "apps/settings/ExitCode.h"
+#include "apps/story/JsonRecord.h"
 #include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "rules/model/RuleError.h"

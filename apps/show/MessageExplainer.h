@@ -5,8 +5,8 @@
 // may be called from many threads.
 #pragma once
 
-#include "apps/common/Interrupt.h"
-#include "apps/common/ScanHost.h"
+#include "apps/host/ScanHost.h"
+#include "apps/input/Interrupt.h"
 #include "rules/model/RuleSet.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/Numbers.h"
 
-#include "apps/common/NumberText.h"
+#include "apps/text/NumberText.h"
 
 #include <cmath>
 

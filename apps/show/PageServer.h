@@ -13,7 +13,7 @@
 // seconds at most, and only in crowds. One object, one thread; the server runs threads of its own.
 #pragma once
 
-#include "apps/common/Interrupt.h"
+#include "apps/input/Interrupt.h"
 
 #include <cstddef>
 #include <functional>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/NumberText.h"
 #include "apps/page/Escape.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Numbers.h"
 #include "apps/show/Page.h"
 #include "apps/show/Shades.h"
+#include "apps/text/NumberText.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>

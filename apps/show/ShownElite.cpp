@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/ShownElite.h"
 
-#include "apps/common/NumberText.h"
-#include "apps/common/RuleStory.h"
 #include "apps/show/Numbers.h"
+#include "apps/story/RuleStory.h"
+#include "apps/text/NumberText.h"
 #include "rules/check/EliteRun.h"
 #include "rules/language/RuleText.h"
 #include "rules/language/Sentences.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/ShownRules.h"
 
-#include "apps/common/RuleStory.h"
 #include "apps/show/ShownElite.h"
+#include "apps/story/RuleStory.h"
 #include "rules/check/Checker.h"
 #include "rules/check/Checks.h"
 #include "rules/language/RuleText.h"

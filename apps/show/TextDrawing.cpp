@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/Utf8.h"
 #include "apps/show/Drawings.h"
 #include "apps/show/Numbers.h"
+#include "apps/text/Utf8.h"
 
 namespace Quorvane::Show {
 

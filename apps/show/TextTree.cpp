@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/Drawings.h"
 
-#include "apps/common/Utf8.h"
 #include "apps/show/TextFigures.h"
+#include "apps/text/Utf8.h"
 
 #include <algorithm>
 

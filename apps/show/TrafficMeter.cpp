@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/TrafficMeter.h"
 
-#include "apps/common/RuleStory.h"
+#include "apps/story/RuleStory.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>

@@ -3,9 +3,9 @@
 // TrafficMeter: sends attribute vectors through an engine and counts what they come to.
 #pragma once
 
-#include "apps/common/ScanHost.h"
+#include "apps/host/ScanHost.h"
 #include "apps/show/Traffic.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 namespace Quorvane::Show {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseExpectation.h"
 
-#include "apps/common/TomlSettings.h"
+#include "apps/settings/TomlSettings.h"
 #include "rules/language/Nearest.h"
 
 #include <limits>

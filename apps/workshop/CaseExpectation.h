@@ -3,7 +3,7 @@
 // What a case of rule tests expects. Errors are SettingsErrors with file, line and column.
 #pragma once
 
-#include "apps/common/Toml.h"
+#include "apps/settings/Toml.h"
 #include "apps/workshop/CaseFile.h"
 
 #include <array>

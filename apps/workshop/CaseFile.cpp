@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseFile.h"
 
-#include "apps/common/TomlSettings.h"
-#include "apps/common/Utf8.h"
+#include "apps/settings/TomlSettings.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/CaseReader.h"
 #include "rules/language/Nearest.h"
 #include "rules/model/Files.h"

@@ -4,9 +4,9 @@
 // (docs/testing-rules.md). Plain values; the reader is a pure function but for the files it reads.
 #pragma once
 
-#include "apps/common/HostSettings.h"
-#include "apps/common/ScanHost.h"
-#include "rules/learn/VectorTable.h"
+#include "apps/host/ScanHost.h"
+#include "apps/settings/HostSettings.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstdint>
 #include <optional>

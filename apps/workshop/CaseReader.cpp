@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseReader.h"
 
-#include "apps/common/FactsTable.h"
-#include "apps/common/TomlSettings.h"
+#include "apps/settings/FactsTable.h"
+#include "apps/settings/TomlSettings.h"
 #include "apps/workshop/CaseExpectation.h"
 #include "apps/workshop/VectorText.h"
 #include "platform/HeaderReader.h"

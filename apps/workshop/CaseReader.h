@@ -4,8 +4,8 @@
 // SettingsErrors with file, line and column, RuleErrors for files that a case names.
 #pragma once
 
-#include "apps/common/SettingsStore.h"
-#include "apps/common/Toml.h"
+#include "apps/settings/SettingsStore.h"
+#include "apps/settings/Toml.h"
 #include "apps/workshop/CaseFile.h"
 
 #include <string>

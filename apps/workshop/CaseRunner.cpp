@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseRunner.h"
 
-#include "apps/common/NumberText.h"
-#include "apps/common/RuleStory.h"
-#include "apps/common/SettingsTable.h"
-#include "apps/common/Utf8.h"
-#include "apps/common/VerdictStory.h"
+#include "apps/settings/SettingsTable.h"
+#include "apps/story/RuleStory.h"
+#include "apps/story/VerdictStory.h"
+#include "apps/text/NumberText.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/RuleEngine.h"
 #include "platform/DynamicIdentifier.h"
 #include "platform/HeaderReader.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/ExplainInput.h"
 
-#include "apps/common/MessageReader.h"
+#include "apps/input/MessageReader.h"
 #include "apps/workshop/VectorText.h"
 #include "platform/HeaderReader.h"
-#include "rules/learn/VectorCsv.h"
 #include "rules/model/RuleError.h"
+#include "rules/vectors/VectorCsv.h"
 
 #include <array>
 #include <filesystem>

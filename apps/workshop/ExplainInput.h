@@ -10,8 +10,8 @@
 // `qvscan --format csv` do; otherwise it is a message or an mbox. One object, one thread.
 #pragma once
 
-#include "apps/common/ByteSource.h"
-#include "rules/learn/VectorTable.h"
+#include "apps/input/ByteSource.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <functional>
 #include <memory>

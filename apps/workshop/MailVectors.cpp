@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/MailVectors.h"
 
-#include "apps/common/ExitCode.h"
+#include "apps/settings/ExitCode.h"
 #include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"

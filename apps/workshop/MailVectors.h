@@ -6,12 +6,12 @@
 // waits is bounded by two batches of messages. The sink is called on the calling thread.
 #pragma once
 
-#include "apps/common/HostSettings.h"
-#include "apps/common/Inputs.h"
-#include "apps/common/Interrupt.h"
-#include "apps/common/ScanHost.h"
+#include "apps/host/ScanHost.h"
+#include "apps/input/Inputs.h"
+#include "apps/input/Interrupt.h"
+#include "apps/settings/HostSettings.h"
 #include "rules/learn/NoReverseName.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <functional>
 #include <optional>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/ProgressLine.h"
 
-#include "apps/common/Utf8.h"
+#include "apps/text/Utf8.h"
 
 #include <iostream>
 #include <utility>

@@ -10,8 +10,8 @@
 #include "adapter/DeepHeaderAdapter.h"
 #include "DeepHeaderQuery.h"
 #include "rules/evaluate/JudgedVector.h"
-#include "rules/learn/VectorTable.h"
 #include "rules/model/RuleSet.h"
+#include "rules/vectors/VectorTable.h"
 
 namespace Quorvane::Workshop {
 

@@ -9,7 +9,7 @@
 // Plain values; nothing is shared.
 #pragma once
 
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <bitset>
 #include <string_view>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "rules/evaluate/JudgedVector.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstddef>
 #include <map>

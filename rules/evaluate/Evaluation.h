@@ -11,7 +11,7 @@
 #include "rules/evaluate/JudgedVector.h"
 #include "rules/evaluate/Roc.h"
 #include "rules/evaluate/Wilson.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <array>
 #include <functional>

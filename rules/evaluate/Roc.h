@@ -7,7 +7,7 @@
 // called spam at any threshold.
 #pragma once
 
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <limits>
 #include <vector>

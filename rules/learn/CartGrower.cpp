@@ -2,8 +2,8 @@
 #include "rules/learn/CartGrower.h"
 
 #include "rules/format/RuleFiles.h"
-#include "rules/learn/LearnError.h"
 #include "rules/learn/SplitSearch.h"
+#include "rules/vectors/LearnError.h"
 
 #include <algorithm>
 #include <numeric>

@@ -3,7 +3,7 @@
 
 #include "rules/learn/CartGrower.h"
 #include "rules/learn/Impurity.h"
-#include "rules/learn/LearnError.h"
+#include "rules/vectors/LearnError.h"
 
 #include <cmath>
 

@@ -9,7 +9,7 @@
 
 #include "rules/learn/LearnSettings.h"
 #include "rules/learn/Pruning.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstddef>
 #include <functional>

@@ -6,7 +6,7 @@
 // A plain value. Node 0 is the root; parents stand before their children.
 #pragma once
 
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "rules/learn/LearnSettings.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 namespace Quorvane::Rules {
 

@@ -2,8 +2,8 @@
 #include "rules/learn/Learner.h"
 
 #include "rules/learn/CartGrower.h"
-#include "rules/learn/LearnError.h"
 #include "rules/learn/Pruning.h"
+#include "rules/vectors/LearnError.h"
 
 namespace Quorvane::Rules {
 

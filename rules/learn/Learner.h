@@ -6,7 +6,7 @@
 #include "rules/learn/CorpusFolds.h"
 #include "rules/learn/GrownTree.h"
 #include "rules/learn/LearnSettings.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <optional>
 #include <variant>

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "rules/learn/LearnSettings.h"
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstddef>
 #include <cstdint>

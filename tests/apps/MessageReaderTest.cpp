@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/MessageReader.h"
+#include "apps/input/MessageReader.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/NumberText.h"
+#include "apps/text/NumberText.h"
 
 #include <gtest/gtest.h>
 #include <limits>

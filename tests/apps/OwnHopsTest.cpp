@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/OwnHops.h"
+#include "apps/host/OwnHops.h"
 
 #include "platform/HeaderReader.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/SettingsFile.h"
-#include "apps/common/SettingsStore.h"
+#include "apps/settings/SettingsFile.h"
+#include "apps/settings/SettingsStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/Utf8.h"
+#include "apps/text/Utf8.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/SettingsTable.h"
+#include "apps/settings/SettingsTable.h"
 #include "docs/Documents.h"
 #include "support/TemporaryFolder.h"
 

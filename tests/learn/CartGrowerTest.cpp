@@ -2,8 +2,8 @@
 #include "rules/learn/CartGrower.h"
 
 #include "rules/learn/Impurity.h"
-#include "rules/learn/LearnError.h"
 #include "rules/learn/TreeRecords.h"
+#include "rules/vectors/LearnError.h"
 #include "TrainingData.h"
 
 #include <algorithm>

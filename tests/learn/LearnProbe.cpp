@@ -5,8 +5,8 @@
 // prints "leaves nodes impurity", the impurity averaged over the messages.
 #include "rules/learn/CartGrower.h"
 #include "rules/learn/Impurity.h"
-#include "rules/learn/LearnError.h"
-#include "rules/learn/VectorCsv.h"
+#include "rules/vectors/LearnError.h"
+#include "rules/vectors/VectorCsv.h"
 
 #include <fstream>
 #include <iomanip>

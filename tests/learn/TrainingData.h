@@ -3,7 +3,7 @@
 // Builders for training mail made of numbers.
 #pragma once
 
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <cstdint>
 #include <initializer_list>

@@ -2,7 +2,7 @@
 #include "rules/learn/TreeRecords.h"
 
 #include "rules/learn/CartGrower.h"
-#include "rules/learn/LearnError.h"
+#include "rules/vectors/LearnError.h"
 #include "TrainingData.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/learn/VectorCsv.h"
+#include "rules/vectors/VectorCsv.h"
 
-#include "rules/learn/CsvRecords.h"
-#include "rules/learn/LearnError.h"
-#include "rules/learn/VectorCsvWriter.h"
+#include "rules/vectors/CsvRecords.h"
+#include "rules/vectors/LearnError.h"
+#include "rules/vectors/VectorCsvWriter.h"
 #include "TrainingData.h"
 
 #include <gmock/gmock.h>

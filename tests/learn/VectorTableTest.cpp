@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/learn/VectorTable.h"
+#include "rules/vectors/VectorTable.h"
 
-#include "rules/learn/LearnError.h"
+#include "rules/vectors/LearnError.h"
 #include "TrainingData.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/common/HostSettings.h"
+#include "apps/settings/HostSettings.h"
 #include "rules/check/Checker.h"
 #include "rules/language/LoadRules.h"
 #include "rules/learn/LearnSettings.h"

@@ -2,7 +2,7 @@
 //
 // What the documentation shows is so: its rule texts compile and have nothing to find, and its
 // transcripts replay. QV_APPROVE=1 records the transcripts anew, for review.
-#include "apps/common/HostSettings.h"
+#include "apps/settings/HostSettings.h"
 #include "rules/check/Checker.h"
 #include "rules/language/Compiler.h"
 #include "support/ReadFile.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/Checker.h"
 
-#include "apps/common/HostSettings.h"
+#include "apps/settings/HostSettings.h"
 #include "RuleGenerators.h"
 #include "rules/check/PossibleValues.h"
 #include "rules/language/Compiler.h"

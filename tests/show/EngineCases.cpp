@@ -8,8 +8,8 @@
 #include "apps/workshop/RuleEngine.h"
 #include "DeepHeaderQuery.h"
 #include "rules/check/Checker.h"
-#include "rules/learn/VectorTable.h"
 #include "rules/RuleGenerators.h"
+#include "rules/vectors/VectorTable.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <cmath>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The model of a drawing, and all drawings of rule files that hold anything.
-#include "apps/common/Utf8.h"
 #include "apps/show/Page.h"
+#include "apps/text/Utf8.h"
 #include "rules/language/Compiler.h"
 #include "rules/RuleGenerators.h"
 

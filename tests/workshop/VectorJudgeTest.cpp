@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/VectorJudge.h"
 
-#include "apps/common/Inputs.h"
-#include "apps/common/ScanHost.h"
+#include "apps/host/ScanHost.h"
+#include "apps/input/Inputs.h"
 #include "apps/workshop/TemporaryRules.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"

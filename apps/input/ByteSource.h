@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// ByteSource: the bytes of a file or pipe in pieces, unpacked on the way when it is gzip, xz or
+// zstd (told by its first bytes, not by its name). One object, one thread.
+#pragma once
+
+#include "apps/input/Interrupt.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace Quorvane {
+
+// An input that cannot be opened, read or unpacked. The text says why, without the name.
+class InputError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+class ByteSource {
+  public:
+    virtual ~ByteSource() = default;
+
+    // Fills up to `size` bytes; 0 at the end. Throws an InputError, or Interrupted.
+    virtual std::size_t read(char* buffer, std::size_t size) = 0;
+
+    // Bytes taken from the file so far, packed ones as they stand on disk.
+    virtual std::uint64_t position() const = 0;
+};
+
+// Throws an InputError when `path` cannot be opened. `interrupt` outlives the source.
+std::unique_ptr<ByteSource> openFile(std::string const& path, Interrupt& interrupt);
+// Standard input; left open at the end.
+std::unique_ptr<ByteSource> openStandardInput(Interrupt& interrupt);
+
+// The first bytes, `size` of them unless the end comes before. `source` gives them again.
+std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size);
+
+} // namespace Quorvane

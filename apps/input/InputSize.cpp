@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/input/InputSize.h"
+
+#include "apps/input/FileWalker.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace Quorvane {
+
+namespace {
+
+// False for what is no file.
+bool s_addSize(std::string const& path, std::uint64_t& bytes) {
+    struct stat facts {};
+    bool const isFound =
+        path == "-" ? ::fstat(STDIN_FILENO, &facts) == 0 : ::stat(path.c_str(), &facts) == 0;
+    // What cannot be opened costs no time.
+    if (!isFound) {
+        return true;
+    }
+    bytes += static_cast<std::uint64_t>(facts.st_size);
+    return S_ISREG(facts.st_mode);
+}
+
+} // namespace
+
+InputSize::InputSize(std::vector<std::string> paths)
+    : m_thread([this, held = std::move(paths)] { count(held); }) {}
+
+InputSize::~InputSize() {
+    m_isWanted = false;
+    m_thread.join();
+}
+
+void InputSize::count(std::vector<std::string> const& paths) {
+    FileWalker files(paths);
+    std::uint64_t bytes = 0;
+    for (FileWalker::Entry entry; files.next(entry);) {
+        if (!m_isWanted || (entry.m_error.empty() && !s_addSize(entry.m_path, bytes))) {
+            return;
+        }
+    }
+    m_bytes = bytes;
+    m_isKnown = true;
+}
+
+std::optional<std::uint64_t> InputSize::bytes() const {
+    return m_isKnown ? std::optional(m_bytes.load()) : std::nullopt;
+}
+
+} // namespace Quorvane

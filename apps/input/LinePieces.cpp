@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/input/LinePieces.h"
+
+#include <algorithm>
+
+namespace Quorvane {
+
+namespace {
+
+constexpr std::size_t bufferSize = 65536;
+// Enough of a line's start to tell "From " and an empty line in one piece, quotes before it
+// included.
+constexpr std::size_t lineStartSize = 80;
+
+} // namespace
+
+LinePieces::LinePieces(ByteSource& source) : m_source(source), m_buffer(bufferSize) {}
+
+// Makes room and reads once; false at the end.
+bool LinePieces::fill() {
+    if (m_begin > 0) {
+        std::copy(m_buffer.begin() + static_cast<std::ptrdiff_t>(m_begin),
+                  m_buffer.begin() + static_cast<std::ptrdiff_t>(m_end), m_buffer.begin());
+        m_end -= m_begin;
+        m_begin = 0;
+    }
+    auto const count = m_source.read(m_buffer.data() + m_end, m_buffer.size() - m_end);
+    m_end += count;
+    return count > 0;
+}
+
+std::string_view LinePieces::peek(std::size_t size) {
+    while (buffered().size() < size && fill()) {
+    }
+    return buffered().substr(0, size);
+}
+
+bool LinePieces::next(LinePiece& piece) {
+    auto const start = peek(lineStartSize);
+    if (start.empty()) {
+        return false;
+    }
+    auto const text = buffered();
+    auto const lineBreak = text.find('\n');
+    auto const length = lineBreak == std::string_view::npos ? text.size() : lineBreak + 1;
+    piece.m_text = text.substr(0, length);
+    piece.m_startsLine = m_isAtLineStart;
+    m_isAtLineStart = lineBreak != std::string_view::npos;
+    m_begin += length;
+    return true;
+}
+
+void LinePieces::drain() {
+    do {
+        m_begin = m_end = 0;
+    } while (fill());
+}
+
+} // namespace Quorvane

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// LinePieces: cuts the bytes of a source into lines, long lines into several pieces, so that memory
+// stays at one buffer whatever the input holds. One object, one thread.
+#pragma once
+
+#include "apps/input/ByteSource.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane {
+
+struct LinePiece {
+    // Valid until the next call. The line break, if any, is its last byte.
+    std::string_view m_text;
+    bool m_startsLine = false;
+
+    // A whole line that is nothing but its line break (LF or CR LF).
+    bool isEmptyLine() const { return m_startsLine && (m_text == "\n" || m_text == "\r\n"); }
+    bool startsWith(std::string_view text) const {
+        return m_startsLine && m_text.substr(0, text.size()) == text;
+    }
+};
+
+class LinePieces {
+  public:
+    // `source` must outlive the object.
+    explicit LinePieces(ByteSource& source);
+
+    // False at the end. Throws an InputError.
+    bool next(LinePiece& piece);
+    // The first bytes of what is left, `size` of them unless the end comes before.
+    std::string_view peek(std::size_t size);
+    // Reads what is left and forgets it.
+    void drain();
+
+  private:
+    bool fill();
+    std::string_view buffered() const { return {m_buffer.data() + m_begin, m_end - m_begin}; }
+
+    ByteSource& m_source;
+    std::vector<char> m_buffer;
+    std::size_t m_begin = 0;
+    std::size_t m_end = 0;
+    bool m_isAtLineStart = true;
+};
+
+} // namespace Quorvane

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/settings/ValueNames.h"
+
+#include <algorithm>
+
+namespace Quorvane {
+
+std::vector<std::string> alternativesOf(std::string_view valueName) {
+    std::vector<std::string> alternatives;
+    while (!valueName.empty()) {
+        auto const bar = std::min(valueName.find('|'), valueName.size());
+        alternatives.emplace_back(valueName.substr(0, bar));
+        valueName.remove_prefix(std::min(bar + 1, valueName.size()));
+    }
+    return alternatives;
+}
+
+bool isLiteral(std::string_view alternative) {
+    return std::none_of(alternative.begin(), alternative.end(),
+                        [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+std::vector<std::string> literalsOf(std::string_view valueName) {
+    auto alternatives = alternativesOf(valueName);
+    std::erase_if(alternatives, [](std::string const& text) { return !isLiteral(text); });
+    return alternatives;
+}
+
+} // namespace Quorvane

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Writes a table as CSV that readVectorCsv reads back: one row for each distinct vector, label and
+// corpus, with its count; before them the messages without a vector. Shards of a large scan are
+// aggregated this way before learning.
+#pragma once
+
+#include "rules/vectors/VectorTable.h"
+
+#include <ostream>
+
+namespace Quorvane::Rules {
+
+// Rows in sorted order, so equal tables are equal text.
+void writeVectorCsv(std::ostream& output, VectorTable const& table);
+
+} // namespace Quorvane::Rules
