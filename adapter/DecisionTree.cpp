@@ -6,41 +6,32 @@
 // it never reads outside the table and never loops without end.
 #include "adapter/DeepHeaderAdapter.h"
 #include "platform/File.h"
+#include "rules/format/RuleTests.h"
 
 namespace Quorvane {
 
 namespace {
 
 constexpr int noDecision = -1;
-// Records below this one belong to the file's writer and the root, and are not checked.
-constexpr int firstCheckedNode = 3;
 // A walk along a tree takes at most as many steps as there are nodes; a longer one goes in circles.
 constexpr std::size_t maxSteps = treeTableSize;
 
-bool s_isValid(DTNode const& node) {
-    return node.attribute <= maxAttribute && node.test <= maxTest && node.value1 >= 1;
-}
-
-bool s_admits(DTNode const& node, std::int32_t value) {
-    return node.test == 0 ? value == node.testValue : value != node.testValue;
-}
-
 // Which child the walk goes on to: its index, or noDecision where the tree has no branch.
 int s_chooseChild(std::array<DTNode, treeTableSize> const& nodes, DTNode const& parent,
-                  std::array<std::int32_t, attributeCount> const& attributes) {
-    if (parent.childCount < 1 || parent.childCount > maxChildren) {
+                  AttributeVector const& attributes) {
+    if (hasTooManyChildren(parent)) {
         return noDecision;
     }
     for (int slot = 0; slot < parent.childCount; ++slot) {
         auto const child = parent.children[static_cast<std::size_t>(slot)];
-        if (child < 1 || child >= treeTableSize) {
+        if (!isChildIndex(child)) {
             return noDecision;
         }
         auto const& node = nodes[static_cast<std::size_t>(child)];
-        if (node.attribute < 0 || node.attribute > maxAttribute) {
+        if (!isAttribute(node.attribute)) {
             return noDecision;
         }
-        if (s_admits(node, attributes[static_cast<std::size_t>(node.attribute)])) {
+        if (admits(node, attributes)) {
             return child;
         }
     }
@@ -48,8 +39,7 @@ int s_chooseChild(std::array<DTNode, treeTableSize> const& nodes, DTNode const& 
 }
 
 bool s_isConfidentEnough(DTNode const& node, DeepHeaderSettings const& settings) {
-    return settings.walkToLeaf == 0 && node.confidence >= settings.spamThreshold &&
-           node.support >= settings.minSupport;
+    return isSure(node, settings.walkToLeaf != 0, settings.spamThreshold, settings.minSupport);
 }
 
 // Node 0 decides nothing: "no decision" and "node 0" are the same number in an answer.
@@ -75,7 +65,7 @@ int DeepHeaderAdapter::loadDTRules() {
             bool const isUnreadable = file.bad() && i == 0 && file.gcount() == 0;
             return isUnreadable ? 1 : 0;
         }
-        if (i >= firstCheckedNode && !s_isValid(node)) {
+        if (isCheckedNode(i) && !isLoadedNode(node)) {
             return 1;
         }
     }
@@ -96,14 +86,14 @@ int DeepHeaderAdapter::travelDT(DeepHeaderSettings const& settings, int start, M
     for (int current = start; path.size() < maxSteps;) {
         path.push_back(current);
         auto const& node = m_dtNodes[static_cast<std::size_t>(current)];
-        if (node.isLeaf != 0 || (current != 0 && s_isConfidentEnough(node, settings))) {
+        if (isLeaf(node) || (current != 0 && s_isConfidentEnough(node, settings))) {
             return s_decision(current);
         }
         auto const child = s_chooseChild(m_dtNodes, node, props.attributes);
         if (child == noDecision) {
             return noDecision;
         }
-        if (!(m_dtNodes[static_cast<std::size_t>(child)].support >= settings.minSupport)) {
+        if (!isSupported(m_dtNodes[static_cast<std::size_t>(child)].support, settings.minSupport)) {
             return s_decision(current);
         }
         current = child;

@@ -3,6 +3,7 @@
 // Last stage of a scan: a matching deciding elite rule decides; otherwise, where settings and elite
 // file allow it, the tree does.
 #include "adapter/DeepHeaderAdapter.h"
+#include "rules/format/RuleTests.h"
 #include "scanner/records/DeepHeaderAnswerImpl.h"
 
 namespace Quorvane {
@@ -45,7 +46,7 @@ void s_writeTreeNode(DeepHeaderAnswerImpl& answer, int number, DTNode const& nod
 // Leaves both flags alone where the node is not sure enough of either.
 void s_classify(DeepHeaderAnswerImpl& answer, DTNode const& node, EliteHits const& hits,
                 DeepHeaderSettings const& settings) {
-    if (!(node.support >= settings.minSupport)) {
+    if (!isSupported(node.support, settings.minSupport)) {
         return;
     }
     if (hits.adjust + node.confidence >= settings.spamThreshold) {
@@ -58,13 +59,12 @@ void s_classify(DeepHeaderAnswerImpl& answer, DTNode const& node, EliteHits cons
 } // namespace
 
 bool DeepHeaderAdapter::doesEliteDecide(EliteHits const& hits, DeepHeaderSettings const& settings) {
-    return hits.support >= settings.minSupport &&
+    return isSupported(hits.support, settings.minSupport) &&
            hits.confidence + hits.adjust >= settings.spamThreshold;
 }
 
 bool DeepHeaderAdapter::consultsTree(DeepHeaderSettings const& settings) const {
-    bool const doesEliteAllow = !hasEliteNodes() || m_eliteHeader.alsoWalkTree == 1;
-    return doesEliteAllow && treeOffThreshold > settings.spamThreshold;
+    return isTreeAsked(hasEliteNodes(), letsTreeBeAsked(m_eliteHeader), settings.spamThreshold);
 }
 
 void DeepHeaderAdapter::getResults(DeepHeaderAnswerImpl& answer, DeepHeaderQuery& query,
@@ -83,7 +83,7 @@ void DeepHeaderAdapter::getResults(DeepHeaderAnswerImpl& answer, DeepHeaderQuery
         return;
     }
     int const number = travelDT(settings, treeRoot, props);
-    if (number <= treeRoot) {
+    if (!canDecide(number)) {
         return;
     }
     auto const& node = m_dtNodes[static_cast<std::size_t>(number)];

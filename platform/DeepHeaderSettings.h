@@ -9,9 +9,6 @@
 
 namespace Quorvane {
 
-// A spam threshold from here on keeps the tree out.
-inline constexpr double treeOffThreshold = 95.0;
-
 struct DeepHeaderSettings {
     // 0: the tree walk stops at the first interior node that is confident enough for spam.
     std::uint8_t walkToLeaf = 1;

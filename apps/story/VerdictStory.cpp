@@ -4,6 +4,7 @@
 #include "apps/story/Alternatives.h"
 #include "apps/story/RuleStory.h"
 #include "apps/text/NumberText.h"
+#include "rules/format/RuleTests.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
@@ -65,7 +66,7 @@ std::string s_undecidedReason(DeepHeaderAdapter const& engine, DeepHeaderSetting
     if (engine.consultsTree(settings)) {
         return "no rule decided";
     }
-    return treeOffThreshold > settings.spamThreshold
+    return isTreeOn(settings.spamThreshold)
                ? "no rule decided: no elite rule did, and the rules leave the tree out"
                : "thresholds switch the tree off (a spam threshold of 95 or more)";
 }

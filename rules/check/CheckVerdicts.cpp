@@ -3,6 +3,7 @@
 // Whether rules can judge at all under given settings. The adjusting rules are taken at their most:
 // whatever is said here to be out of reach is out of reach for every message.
 #include "rules/check/Checks.h"
+#include "rules/format/RuleTests.h"
 #include "rules/language/Literals.h"
 
 #include <algorithm>
@@ -132,7 +133,7 @@ class VerdictChecker {
         for (std::size_t i = 0; i < count; ++i) {
             auto const& rule = m_run.m_rules[i];
             if (rule.m_isDeciding) {
-                auto const mayEndRun = m_run.m_selectMode == SelectMode::first;
+                auto const mayEndRun = endsRun(m_run.m_selectMode);
                 isReached = isReached && !(mayEndRun && rule.doesMeet(values));
             } else if (rule.m_weight > 0.0 ? rule.m_shadows.empty() && rule.doesMeet(values)
                                            : isReached && rule.covers(values)) {
@@ -147,7 +148,7 @@ class VerdictChecker {
         for (std::size_t i = 0; i < all; ++i) {
             auto const& rule = m_run.m_rules[i];
             if (rule.m_isDeciding && rule.m_shadows.empty()) {
-                auto const count = m_run.m_selectMode == SelectMode::first ? i : all;
+                auto const count = endsRun(m_run.m_selectMode) ? i : all;
                 m_spam.offer(rule.m_weight + mostAdded(rule.m_matches, count),
                              "elite rule " + std::to_string(rule.m_number));
             }
@@ -161,13 +162,11 @@ class VerdictChecker {
     // Follows every path that the walk of an engine can take, and ends where it ends.
     void walk(std::int32_t number, PossibleValues const& values) {
         auto const& node = m_tree.at(number);
-        auto const isSure = m_settings.walkToLeaf == 0 &&
-                            node.confidence >= m_settings.spamThreshold &&
-                            node.support >= m_settings.minSupport;
         if (++m_steps >= maxSteps) {
             return;
         }
-        if (node.isLeaf != 0 || isSure) {
+        if (isLeaf(node) || isSure(node, m_settings.walkToLeaf != 0, m_settings.spamThreshold,
+                                   m_settings.minSupport)) {
             decide(number, values);
             return;
         }
@@ -186,7 +185,7 @@ class VerdictChecker {
     }
 
     void enter(std::int32_t parent, std::int32_t child, PossibleValues const& values) {
-        if (!(m_tree.at(child).support >= m_settings.minSupport)) {
+        if (!isSupported(m_tree.at(child).support, m_settings.minSupport)) {
             decide(parent, values);
         } else if (m_path.count(child) == 0) { // otherwise the walk goes round and gives up
             walk(child, values);
@@ -194,7 +193,7 @@ class VerdictChecker {
     }
 
     void decide(std::int32_t number, PossibleValues const& values) {
-        if (number > treeRoot) {
+        if (canDecide(number)) {
             m_steps += m_run.m_rules.size();
             double const confidence = m_tree.at(number).confidence;
             m_spam.offer(mostAdded(values, m_run.m_rules.size()) + confidence, nodeName(number));

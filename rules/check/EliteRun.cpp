@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/EliteRun.h"
 
+#include "rules/format/RuleTests.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -8,26 +10,9 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// What the loader keeps of the rules that it reads.
-bool s_isKept(EliteNodes const& rule) {
-    return rule.flag <= maxEliteFlag &&
-           std::all_of(rule.conditions.begin(), rule.conditions.end(),
-                       [](EliteCondition const& condition) {
-                           return condition.attribute <= maxAttribute && condition.test <= maxTest;
-                       });
-}
-
-bool s_isLetRun(EliteNodes const& rule, DeepHeaderSettings const& settings) {
-    if (rule.level > settings.maxEliteLevel) {
-        return false;
-    }
-    return rule.type == EliteType::adjusting ||
-           (rule.type == EliteType::deciding && rule.support >= settings.minSupport);
-}
-
-// A condition below the known attributes and tests never holds.
-bool s_isTest(EliteCondition const& condition) {
-    return condition.attribute >= 0 && condition.test >= 0;
+bool s_canFire(EliteNodes const& rule, DeepHeaderSettings const& settings) {
+    return isWithinLevel(rule, settings.maxEliteLevel) && canFire(rule, settings.minSupport) &&
+           std::all_of(rule.conditions.begin(), rule.conditions.end(), isRealCondition);
 }
 
 LiveRule s_liveRule(EliteNodes const& rule, std::int32_t number) {
@@ -60,7 +45,7 @@ bool LiveRule::covers(PossibleValues const& values) const {
 }
 
 bool EliteRun::asksTree(DeepHeaderSettings const& settings) const {
-    return (!m_hasRules || m_alsoTree) && treeOffThreshold > settings.spamThreshold;
+    return isTreeAsked(m_hasRules, m_alsoTree, settings.spamThreshold);
 }
 
 std::vector<std::size_t> keptRules(EliteFile const& file) {
@@ -69,7 +54,7 @@ std::vector<std::size_t> keptRules(EliteFile const& file) {
     auto const read = std::min(file.m_rules.size(), static_cast<std::size_t>(announced));
     std::vector<std::size_t> places;
     for (std::size_t place = 0; place < read; ++place) {
-        if (s_isKept(file.m_rules[place])) {
+        if (isKeptRule(file.m_rules[place])) {
             places.push_back(place);
         }
     }
@@ -81,14 +66,13 @@ EliteRun eliteRun(RuleSet const& set, DeepHeaderSettings const& settings) {
     if (!set.m_elite || !set.m_elite->m_header) {
         return run;
     }
-    run.m_alsoTree = set.m_elite->m_header->alsoWalkTree == 1;
+    run.m_alsoTree = letsTreeBeAsked(*set.m_elite->m_header);
     run.m_selectMode = set.m_elite->m_header->selectMode;
     auto const places = keptRules(*set.m_elite);
     run.m_hasRules = !places.empty();
     for (auto const place : places) {
         auto const& rule = set.m_elite->m_rules[place];
-        if (s_isLetRun(rule, settings) &&
-            std::all_of(rule.conditions.begin(), rule.conditions.end(), s_isTest)) {
+        if (s_canFire(rule, settings)) {
             auto live = s_liveRule(rule, static_cast<std::int32_t>(place) + 1);
             if (!live.m_matches.isNobody()) {
                 run.m_rules.push_back(std::move(live));

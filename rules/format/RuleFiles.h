@@ -27,6 +27,12 @@ inline constexpr int treeRoot = 2;
 inline constexpr int maxChildren = 10;
 inline constexpr int maxAttribute = 37;
 
+// How an attribute is compared with a value (DTNode::test, EliteCondition::test).
+namespace Comparison {
+inline constexpr std::int32_t equals = 0;
+inline constexpr std::int32_t differs = 1;
+} // namespace Comparison
+
 // A node of qv.dt, 92 bytes; record i of the file is node i. The test that admits a message to a
 // node stands on the node itself, not on its parent.
 struct __attribute__((packed, aligned(4))) DTNode {
@@ -76,7 +82,7 @@ inline constexpr std::int32_t deciding = 2;
 
 inline constexpr std::int32_t maxEliteConditions = 100;
 inline constexpr std::int32_t maxEliteFlag = 1;
-inline constexpr std::int32_t maxTest = 1;
+inline constexpr std::int32_t maxTest = Comparison::differs;
 // The loader stops after so many node records, however many the header announces.
 inline constexpr int maxEliteNodes = 5001;
 
