@@ -30,17 +30,30 @@ constexpr unsigned int otherFailureLine = 775;
     throw exception;
 }
 
+void s_requireLoaded(int loadResult) {
+    if (loadResult != 0) {
+        s_fail(rulesLine, "Error loading the deep header rules");
+    }
+}
+
 RefDeepHeaderAdapter* s_adapterInstance = nullptr;
 
 } // namespace
 
 // --- construction -------------------------------------------------------------------------------
 
+// An engine without elite rules is a valid one.
 DeepHeaderAdapter::DeepHeaderAdapter() : m_dtNodes{}, m_eliteHeader{} {
-    loadEliteNodes(); // an engine without elite rules is a valid one
-    if (loadDTRules() != 0) {
-        s_fail(rulesLine, "Error loading the deep header rules");
+    loadEliteNodes();
+    s_requireLoaded(loadDTRules());
+}
+
+DeepHeaderAdapter::DeepHeaderAdapter(std::istream& tree, std::istream* elite)
+    : m_dtNodes{}, m_eliteHeader{} {
+    if (elite != nullptr) {
+        loadEliteNodes(*elite);
     }
+    s_requireLoaded(loadDTRules(tree));
 }
 
 DeepHeaderAdapter::~DeepHeaderAdapter() = default;

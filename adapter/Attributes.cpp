@@ -4,22 +4,23 @@
 // at most two DNS look-ups, which the stage before has begun.
 #include "adapter/DeepHeaderAdapter.h"
 #include "adapter/NameRelation.h"
+#include "adapter/ScanRecorder.h"
 
 namespace Quorvane {
 
 namespace {
 
 using SingleReceiver = DeepHeaderAdapter::SingleReceiver;
-using AttributeVector = decltype(DeepHeaderAdapter::MsgProperties::attributes);
-
-static_assert(std::tuple_size<AttributeVector>::value == attributeTable.size());
-
 std::int32_t s_relation(std::string const& a, std::string const& b) {
     return a.empty() || b.empty() ? Code::unknown : s_domainMatch(a, b);
 }
 
 std::int32_t s_yesOrNo(bool isSo) {
     return isSo ? Code::yes : Code::no;
+}
+
+std::int32_t s_doesResolve(LookupResult result) {
+    return s_yesOrNo(result == LookupResult::answered);
 }
 
 std::int32_t s_sameAddress(SingleReceiver const& deep, SingleReceiver const& first) {
@@ -72,6 +73,9 @@ void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
         startLookups(props);
     }
     auto const answers = props.lookups.finish();
+    if (props.recorder != nullptr) {
+        props.recorder->recordLookups(answers, first.helo, envFromDomain);
+    }
 
     attributes[Attribute::messageIdHasDot] =
         props.messageIdDomain.find('.') != std::string::npos ? 1 : 0;
@@ -79,8 +83,8 @@ void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
     attributes[Attribute::fromMatchesEnvelope] = s_relation(fromDomain, envFromDomain);
     s_copyFirstHop(attributes, first);
     attributes[Attribute::firstHeloResolves] =
-        first.heloIsIP == Code::no ? s_yesOrNo(answers.m_doesAnnouncedResolve) : first.heloIsIP;
-    attributes[Attribute::envelopeDomainResolves] = s_yesOrNo(answers.m_doesSenderResolve);
+        first.heloIsIP == Code::no ? s_doesResolve(answers.m_announced) : first.heloIsIP;
+    attributes[Attribute::envelopeDomainResolves] = s_doesResolve(answers.m_sender);
     attributes[Attribute::heloIsRecipientNotEnvelope] =
         s_ThreeWayMisMatch(first.helo, rcptDomain, envFromDomain) ? 1 : 0;
     s_copyDeepHop(attributes, deep);

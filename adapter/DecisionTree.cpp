@@ -5,6 +5,7 @@
 // The loader checks little and a rule file may be damaged or hostile, so the walk trusts nothing:
 // it never reads outside the table and never loops without end.
 #include "adapter/DeepHeaderAdapter.h"
+#include "adapter/ScanRecorder.h"
 #include "platform/File.h"
 #include "rules/format/RuleTests.h"
 
@@ -14,28 +15,33 @@ namespace {
 
 constexpr int noDecision = -1;
 // A walk along a tree takes at most as many steps as there are nodes; a longer one goes in circles.
-constexpr std::size_t maxSteps = treeTableSize;
+constexpr int maxSteps = treeTableSize;
 
-// Which child the walk goes on to: its index, or noDecision where the tree has no branch.
-int s_chooseChild(std::array<DTNode, treeTableSize> const& nodes, DTNode const& parent,
-                  AttributeVector const& attributes) {
+// Where a walk goes on, or why it ends.
+struct Step {
+    int m_child = noDecision;
+    WalkEnd m_end = WalkEnd::noBranch;
+};
+
+Step s_chooseChild(std::array<DTNode, treeTableSize> const& nodes, DTNode const& parent,
+                   AttributeVector const& attributes) {
     if (hasTooManyChildren(parent)) {
-        return noDecision;
+        return {noDecision, WalkEnd::badNode};
     }
     for (int slot = 0; slot < parent.childCount; ++slot) {
         auto const child = parent.children[static_cast<std::size_t>(slot)];
         if (!isChildIndex(child)) {
-            return noDecision;
+            return {noDecision, WalkEnd::badNode};
         }
         auto const& node = nodes[static_cast<std::size_t>(child)];
         if (!isAttribute(node.attribute)) {
-            return noDecision;
+            return {noDecision, WalkEnd::badNode};
         }
         if (admits(node, attributes)) {
-            return child;
+            return {child, WalkEnd::notWalked};
         }
     }
-    return noDecision;
+    return {};
 }
 
 bool s_isConfidentEnough(DTNode const& node, DeepHeaderSettings const& settings) {
@@ -52,9 +58,10 @@ int s_decision(int node) {
 int DeepHeaderAdapter::loadDTRules() {
     File::Path const path(ruleDirectory, treeFileName);
     File::basic_ifstream<char> file(path);
-    if (!file.is_open()) {
-        return 1;
-    }
+    return file.is_open() ? loadDTRules(file) : 1;
+}
+
+int DeepHeaderAdapter::loadDTRules(std::istream& file) {
     m_dtNodes.fill(DTNode{});
     for (int i = 0; i < treeTableSize; ++i) {
         auto& node = m_dtNodes[static_cast<std::size_t>(i)];
@@ -74,31 +81,39 @@ int DeepHeaderAdapter::loadDTRules() {
 
 int DeepHeaderAdapter::travelDT(DeepHeaderSettings const& settings, int start,
                                 MsgProperties& props) {
-    std::vector<int> path;
-    return travelDT(settings, start, props, path);
-}
-
-int DeepHeaderAdapter::travelDT(DeepHeaderSettings const& settings, int start, MsgProperties& props,
-                                std::vector<int>& path) {
     if (start < 0 || start >= treeTableSize) {
         return noDecision;
     }
-    for (int current = start; path.size() < maxSteps;) {
-        path.push_back(current);
+    auto* const recorder = props.recorder;
+    auto const end = [recorder](WalkEnd why, int result) {
+        if (recorder != nullptr) {
+            recorder->endWalk(why);
+        }
+        return result;
+    };
+    int current = start;
+    for (int steps = 0; steps < maxSteps; ++steps) {
         auto const& node = m_dtNodes[static_cast<std::size_t>(current)];
-        if (isLeaf(node) || (current != 0 && s_isConfidentEnough(node, settings))) {
-            return s_decision(current);
+        if (recorder != nullptr) {
+            recorder->stepOn(current, node);
         }
-        auto const child = s_chooseChild(m_dtNodes, node, props.attributes);
-        if (child == noDecision) {
-            return noDecision;
+        if (isLeaf(node)) {
+            return end(WalkEnd::leaf, s_decision(current));
         }
-        if (!isSupported(m_dtNodes[static_cast<std::size_t>(child)].support, settings.minSupport)) {
-            return s_decision(current);
+        if (current != 0 && s_isConfidentEnough(node, settings)) {
+            return end(WalkEnd::sureEnough, current);
         }
-        current = child;
+        auto const step = s_chooseChild(m_dtNodes, node, props.attributes);
+        if (step.m_child == noDecision) {
+            return end(step.m_end, noDecision);
+        }
+        auto const& child = m_dtNodes[static_cast<std::size_t>(step.m_child)];
+        if (!isSupported(child.support, settings.minSupport)) {
+            return end(WalkEnd::rareChild, s_decision(current));
+        }
+        current = step.m_child;
     }
-    return noDecision;
+    return end(WalkEnd::tooLong, noDecision);
 }
 
 } // namespace Quorvane

@@ -16,40 +16,28 @@
 #include "MsgReceived.h"
 #include "platform/DeepHeaderSettings.h"
 #include "platform/EmailAddress.h"
-#include "rules/format/AttributeTable.h"
 #include "rules/format/RuleFiles.h"
+#include "rules/format/RuleTests.h"
+#include "ScanRecord.h"
 
 #include <array>
 #include <cstdint>
+#include <iosfwd>
 #include <list>
 #include <string>
-#include <vector>
 
 namespace Quorvane {
 
 class DeepHeaderAnswerImpl;
+class ScanRecorder;
 
 class QV_API DeepHeaderAdapter : public virtual RefImpl {
   public:
     // The analysis of one hop. Value codes as in AttributeTable.h; 3 says "never analysed".
-    struct SingleReceiver {
-        std::string helo;        // announced name, lower-cased, without its brackets
-        std::string ip;          // address text; empty when the hop has none
-        std::string reverseName; // lower-cased
-        std::int32_t hasIP = Code::notAnalysed;
-        std::int32_t heloIsDomain = Code::notAnalysed;
-        std::int32_t heloIsIP = Code::notAnalysed;
-        std::int32_t heloDynamic = Code::notAnalysed;
-        std::int32_t heloEqualsIP = 0; // meaningful only for an address literal: 2 equal, 0 not
-        std::int32_t reverseDynamic = Code::notAnalysed;
-        std::int32_t reverseIsDomain = Code::notAnalysed;
-        std::int32_t isForged = Code::notAnalysed; // first hop only
-        std::int32_t heloMatchesReverse = Code::notAnalysed;
-        std::int32_t fromDomainMatchesHelo = Code::notAnalysed;
-        std::int32_t fromDomainMatchesReverse = Code::notAnalysed;
-        std::int32_t envFromDomainMatches = Code::notAnalysed;
-        std::int32_t fromDomainMatchesBoth = Code::notAnalysed;
-    };
+    struct SingleReceiver : HopAnalysis {};
+
+    // The result of one run over the elite rules.
+    struct EliteHits : EliteResult {};
 
     // The working record of one scan, filled stage by stage.
     struct MsgProperties {
@@ -68,24 +56,22 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
         std::int32_t maxPrivateRun = 0; // longest run of private hops
         std::int32_t publicRun = 0;     // length of the last run of public hops
         std::int32_t noAddressHops = 0;
-        std::array<std::int32_t, attributeCount> attributes;
+        AttributeVector attributes;
         std::string scoredHopIP;
         std::int32_t scoredHopScore = 0;
         NameLookups lookups; // under way from the first public hop on, until the vector needs them
-    };
-
-    // The result of one run over the elite rules.
-    struct EliteHits {
-        double adjust = 0.0;     // sum of the weights of the adjusting rules that fired
-        double confidence = 0.0; // of the chosen deciding rule
-        double support = 0.0;    // of the chosen deciding rule
-        std::int32_t code = 0;   // of the chosen deciding rule; 0: none chosen yet
-        std::string reasons;     // one character for each adjusting rule that fired
+        EliteHits elite;
+        Decision decision = Decision::notReached;
+        TreeUse treeUse = TreeUse::notReached;
+        std::int32_t treeResult = -1;     // the node that the walk came to; -1: none
+        ScanRecorder* recorder = nullptr; // who wants to know of each step; null: nobody
     };
 
     // Loads the rules; a DeepHeaderException when the tree cannot be loaded. Elite rules that
     // cannot be loaded are left out.
     DeepHeaderAdapter();
+    // The same from streams that hold what the two files would; `elite` null: no such file.
+    DeepHeaderAdapter(std::istream& tree, std::istream* elite);
     ~DeepHeaderAdapter() override;
 
     // Judges one message; throws only DeepHeaderException.
@@ -108,23 +94,24 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
     int checkElite(EliteHits& hits, MsgProperties& props, DeepHeaderSettings const& settings);
     // The node that decides, starting from node `start`; -1 when none does.
     int travelDT(DeepHeaderSettings const& settings, int start, MsgProperties& props);
-    // The same, and the nodes that the walk stood on, `start` first, in `path`.
-    int travelDT(DeepHeaderSettings const& settings, int start, MsgProperties& props,
-                 std::vector<int>& path);
-    // Whether the elite rules decide by themselves, so that the tree is not asked.
-    static bool doesEliteDecide(EliteHits const& hits, DeepHeaderSettings const& settings);
-    // Whether the settings and the elite file let the tree be consulted.
-    bool consultsTree(DeepHeaderSettings const& settings) const;
-    bool hasEliteNodes() const;
+    // After getResults: the highest spam threshold at which the rules still say spam in a walk to
+    // the leaf; minus infinity when at none.
+    double spamScore(DeepHeaderSettings const& settings, MsgProperties& props);
 
-    // What was loaded, for display.
+    // What was loaded.
+    bool hasEliteNodes() const;
+    EliteFileHeader const& eliteHeader() const { return m_eliteHeader; }
     std::array<DTNode, treeTableSize> const& treeNodes() const { return m_dtNodes; }
     std::list<EliteNodes> const& eliteNodes() const { return m_eliteNodes; }
-    EliteFileHeader const& eliteHeader() const { return m_eliteHeader; }
 
   private:
     int loadDTRules();
+    int loadDTRules(std::istream& file);
     int loadEliteNodes();
+    int loadEliteNodes(std::istream& file);
+    // Whether the settings and the elite file let the tree be consulted.
+    bool consultsTree(DeepHeaderSettings const& settings) const;
+    TreeUse treeUse(EliteHits const& hits, DeepHeaderSettings const& settings) const;
     int isDynamicHostname(std::string& name);
     void classifyNames(SingleReceiver& slot);
 

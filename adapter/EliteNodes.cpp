@@ -2,6 +2,7 @@
 //
 // The elite rules: loading qv2.dt and running the list over one attribute vector.
 #include "adapter/DeepHeaderAdapter.h"
+#include "adapter/ScanRecorder.h"
 #include "platform/File.h"
 #include "rules/format/RuleTests.h"
 
@@ -37,15 +38,28 @@ bool s_isPreferred(EliteNodes const& node, EliteHits const& hits, std::int32_t s
     return hits.code == noDecisionCode || replaces(selectMode, node.weight, hits.confidence);
 }
 
-void s_choose(EliteNodes const& node, EliteHits& hits) {
+// A node that matched does what its type says.
+RuleOutcome s_fire(EliteNodes const& node, EliteHits& hits, DeepHeaderSettings const& settings,
+                   std::int32_t selectMode) {
+    if (node.type == EliteType::adjusting) {
+        hits.adjust += node.weight;
+        hits.reasons += static_cast<char>(reasonByte(node));
+        return RuleOutcome::adjusted;
+    }
+    if (!canFire(node, settings.minSupport)) {
+        return node.type == EliteType::deciding ? RuleOutcome::support : RuleOutcome::unknownType;
+    }
+    if (!s_isPreferred(node, hits, selectMode)) {
+        return RuleOutcome::passedOver;
+    }
     hits.confidence = node.weight;
     hits.code = node.code;
     hits.support = node.support;
+    return RuleOutcome::chosen;
 }
 
-void s_adjust(EliteNodes const& node, EliteHits& hits) {
-    hits.adjust += node.weight;
-    hits.reasons += static_cast<char>(reasonByte(node));
+bool s_isDecidingMatch(RuleOutcome outcome) {
+    return outcome == RuleOutcome::chosen || outcome == RuleOutcome::passedOver;
 }
 
 } // namespace
@@ -53,7 +67,11 @@ void s_adjust(EliteNodes const& node, EliteHits& hits) {
 int DeepHeaderAdapter::loadEliteNodes() {
     File::Path const path(ruleDirectory, eliteFileName);
     File::basic_ifstream<char> file(path);
-    if (!file.is_open() || !s_read(file, m_eliteHeader)) {
+    return file.is_open() ? loadEliteNodes(file) : 1;
+}
+
+int DeepHeaderAdapter::loadEliteNodes(std::istream& file) {
+    if (!s_read(file, m_eliteHeader)) {
         m_eliteHeader.nodeCount = 0;
         return 1;
     }
@@ -78,19 +96,24 @@ bool DeepHeaderAdapter::hasEliteNodes() const {
 
 int DeepHeaderAdapter::checkElite(EliteHits& hits, MsgProperties& props,
                                   DeepHeaderSettings const& settings) {
+    auto* const recorder = props.recorder;
+    if (recorder != nullptr) {
+        recorder->beginRules(m_eliteNodes);
+    }
     for (auto const& node : m_eliteNodes) {
-        if (!isWithinLevel(node, settings.maxEliteLevel) || !matches(node, props.attributes)) {
-            continue;
+        auto outcome = RuleOutcome::level;
+        std::size_t failedTest = 0;
+        if (isWithinLevel(node, settings.maxEliteLevel)) {
+            failedTest = firstFailing(node, props.attributes);
+            outcome = failedTest < node.conditions.size()
+                          ? RuleOutcome::noMatch
+                          : s_fire(node, hits, settings, m_eliteHeader.selectMode);
         }
-        if (node.type == EliteType::adjusting) {
-            s_adjust(node, hits);
-        } else if (canFire(node, settings.minSupport)) {
-            if (s_isPreferred(node, hits, m_eliteHeader.selectMode)) {
-                s_choose(node, hits);
-            }
-            if (endsRun(m_eliteHeader.selectMode)) {
-                return 0;
-            }
+        if (recorder != nullptr) {
+            recorder->endRule(outcome, failedTest);
+        }
+        if (s_isDecidingMatch(outcome) && endsRun(m_eliteHeader.selectMode)) {
+            return 0;
         }
     }
     return 0;

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // First stage of a scan: the message's addresses, the domain of its Message-ID, and the hops to
-// judge, newest first. Hops that the site trusts and authenticated submissions are left out; the
+// judge, newest first. Hops that the site trusts and authenticated submissions are skipped; the
 // list ends before a trusted anti-spam relay, an IPv6 relay or a relay of good reputation, because
-// what lies behind one of those was judged elsewhere or cannot be judged by these rules.
+// what is older than one of those was judged elsewhere or cannot be judged by these rules.
 #include "adapter/HeaderFields.h"
 
 #include "adapter/DeepHeaderAdapter.h"
+#include "adapter/ScanRecorder.h"
 #include "platform/Strings.h"
 #include "platform/TrustedMTASet.h"
 
@@ -25,19 +26,9 @@ bool s_isNamed(Header const& header, char const* name) {
     return stringCompareNoCase(header.type(), name, 0) == 0;
 }
 
-bool s_endsTrail(TrustedMTASet const& trusted, IPAddress const& address) {
-    return trusted.isTrustedAntiSpamMTA(address) || address.isV6();
-}
-
 // Unsigned on both sides: a negative threshold is never reached, one of 0 always.
 bool s_isScoreReached(std::uint32_t score, std::int32_t threshold) {
     return score >= static_cast<std::uint32_t>(threshold) && score <= highestScore;
-}
-
-void s_recordScoredHop(MsgProperties& props, IPAddress const& address, std::uint32_t score) {
-    props.scoredHopFound = 1;
-    props.scoredHopIP = address.asString(true);
-    props.scoredHopScore = static_cast<std::int32_t>(score);
 }
 
 // True when the host gave at least one address: then none is taken from the headers.
@@ -88,60 +79,137 @@ void s_takeOtherHeader(MsgProperties& props, Header const& header, bool areAddre
     }
 }
 
-// The hop that the host is about to add for the connection at hand. Its score is the host's own,
-// and it is judged even when it is private or authenticated: the host asked about it. True when the
-// trail ends here.
-bool s_takeCurrentHop(MsgProperties& props, DeepHeaderQuery const& query,
-                      MessageProperties const& message, TrustedMTASet const& trusted) {
-    MsgReceived hop(query.currentReceived().value());
-    auto const& address = hop.address();
-    if (!address.isNull()) {
-        if (s_endsTrail(trusted, address)) {
-            return true;
-        }
-        if (trusted.isTrustedMTA(address)) {
-            return false;
-        }
-        auto const score = message.clientScore();
-        if (s_isScoreReached(score, query.settings().scoreThreshold)) {
-            s_recordScoredHop(props, address, score);
-            return true;
-        }
-    }
-    hop.isForged(query.currentIsForged());
-    props.receivedList.push_back(hop);
-    return false;
-}
+// The walk along the hops, newest first: which are taken, and where it ends.
+class TrailWalk {
+  public:
+    TrailWalk(MsgProperties& props, DeepHeaderQuery const& query, MessageProperties& message)
+        : m_props(props), m_query(query), m_message(message),
+          m_trustedRef(TrustedMTASetRef::instance(false)), m_trusted(*m_trustedRef.operator->()) {}
 
-// A hop that the message itself tells of. True when the trail ends here.
-bool s_takeHop(MsgProperties& props, std::string const& value, ReceivedHeaderAnalysis& analysis,
-               TrustedMTASet const& trusted, std::int32_t scoreThreshold) {
-    MsgReceived hop(value);
-    if (hop.authenticated()) {
-        return false;
-    }
-    auto const& address = hop.address();
-    if (!address.isNull()) {
-        if (s_endsTrail(trusted, address)) {
-            return true;
+    // The hop that the host is about to add for the connection at hand. Its score is the host's
+    // own, and it is judged even when it is private or authenticated: the host asked about it.
+    void takeCurrent(std::string const& value) {
+        MsgReceived hop(value);
+        begin(hop, true);
+        auto const& address = hop.address();
+        auto const role = currentRole(address);
+        if (role == HopRole::listed) {
+            hop.isForged(m_query.currentIsForged());
         }
-        if (!IPAddress::isPrivateAddress(address)) {
-            if (trusted.isTrustedMTA(address)) {
-                return false;
-            }
-            auto const score =
-                static_cast<std::uint32_t>(s_getTVAS(analysis, address.asString(true)));
-            if (s_isScoreReached(score, scoreThreshold)) {
-                s_recordScoredHop(props, address, score);
-                return true;
-            }
+        end(hop, address, role);
+    }
+
+    // A hop that the message itself tells of.
+    void take(std::string const& value) {
+        MsgReceived const hop(value);
+        begin(hop, false);
+        bool const isAuthenticated = hop.authenticated();
+        auto const& address = hop.address();
+        end(hop, address, trailRole(address, isAuthenticated));
+    }
+
+    bool isEnded() const { return m_isEnded; }
+
+  private:
+    // The site's own newest relays are skipped: the walk begins where the message entered. The
+    // first hop of another origin ends that, also one without address: what is older than that
+    // nobody vouches for.
+    bool isInternal(IPAddress const& address) {
+        m_isInside = m_isInside && m_trusted.isInternalMTA(address);
+        return m_isInside;
+    }
+
+    HopRole currentRole(IPAddress const& address) {
+        if (isInternal(address)) {
+            return HopRole::internal;
+        }
+        if (address.isNull()) {
+            return HopRole::listed;
+        }
+        if (auto const role = endingRole(address); role != HopRole::listed) {
+            return role;
+        }
+        return m_trusted.isTrustedMTA(address) ? HopRole::trusted
+                                               : scoredRole(m_message.clientScore());
+    }
+
+    HopRole trailRole(IPAddress const& address, bool isAuthenticated) {
+        if (isInternal(address)) {
+            return HopRole::internal;
+        }
+        if (isAuthenticated) {
+            return HopRole::authenticated;
+        }
+        if (address.isNull()) {
+            return HopRole::listed;
+        }
+        if (auto const role = endingRole(address); role != HopRole::listed) {
+            return role;
+        }
+        if (IPAddress::isPrivateAddress(address)) {
+            return HopRole::listed;
+        }
+        if (m_trusted.isTrustedMTA(address)) {
+            return HopRole::trusted;
+        }
+        auto const score = s_getTVAS(m_message.receivedHeaderAnalysis(), address.asString(true));
+        return scoredRole(static_cast<std::uint32_t>(score));
+    }
+
+    HopRole endingRole(IPAddress const& address) const {
+        if (m_trusted.isTrustedAntiSpamMTA(address)) {
+            return HopRole::trustedPartner;
+        }
+        return address.isV6() ? HopRole::ipv6End : HopRole::listed;
+    }
+
+    HopRole scoredRole(std::uint32_t score) {
+        m_score = score;
+        return s_isScoreReached(score, m_query.settings().scoreThreshold) ? HopRole::scoredEnd
+                                                                          : HopRole::listed;
+    }
+
+    void begin(MsgReceived const& hop, bool isCurrent) {
+        m_score = 0;
+        if (m_props.recorder != nullptr) {
+            m_props.recorder->beginHop(hop, isCurrent);
         }
     }
-    props.receivedList.push_back(hop);
-    return false;
-}
+
+    void end(MsgReceived const& hop, IPAddress const& address, HopRole role) {
+        if (m_props.recorder != nullptr) {
+            m_props.recorder->endHop(role, m_score);
+        }
+        if (role == HopRole::listed) {
+            m_props.receivedList.push_back(hop);
+        } else if (role == HopRole::scoredEnd) {
+            m_props.scoredHopFound = 1;
+            m_props.scoredHopIP = address.asString(true);
+            m_props.scoredHopScore = static_cast<std::int32_t>(m_score);
+        }
+        m_isEnded = endsWalk(role);
+    }
+
+    MsgProperties& m_props;
+    DeepHeaderQuery const& m_query;
+    MessageProperties& m_message;
+    TrustedMTASetRef m_trustedRef;
+    TrustedMTASet const& m_trusted;
+    std::uint32_t m_score = 0; // of the hop at hand
+    bool m_isInside = true;    // all hops so far came from relays of the site
+    bool m_isEnded = false;
+};
 
 } // namespace
+
+bool isReceivedHeader(Header const& header) {
+    return s_isNamed(header, "received");
+}
+
+bool endsWalk(HopRole role) {
+    return role == HopRole::trustedPartner || role == HopRole::ipv6End ||
+           role == HopRole::scoredEnd;
+}
 
 int s_getTVAS(ReceivedHeaderAnalysis& analysis, std::string const& ip) {
     for (auto const& entry : analysis) {
@@ -150,7 +218,8 @@ int s_getTVAS(ReceivedHeaderAnalysis& analysis, std::string const& ip) {
             return entry.m_score;
         }
     }
-    return 0;
+    auto const* const table = analysis.reputation();
+    return table == nullptr ? 0 : table->score(IPAddress(ip)).value_or(0);
 }
 
 EmailAddress s_createEmailAddress(std::string const& text) {
@@ -163,18 +232,15 @@ void DeepHeaderAdapter::getFields(MsgProperties& props, DeepHeaderQuery& query) 
         properties->status() == indicatedMessageStatus ? 1 : 0;
     bool const areAddressesGiven = s_takeGivenAddresses(props, query);
 
-    auto trustedRef = TrustedMTASetRef::instance(false);
-    TrustedMTASet const& trusted = *trustedRef.operator->();
-    bool isTrailEnded = !query.currentReceived().isNull() &&
-                        s_takeCurrentHop(props, query, *properties.operator->(), trusted);
-
-    auto& analysis = properties->receivedHeaderAnalysis();
-    auto const scoreThreshold = query.settings().scoreThreshold;
+    TrailWalk walk(props, query, *properties.operator->());
+    if (!query.currentReceived().isNull()) {
+        walk.takeCurrent(query.currentReceived().value());
+    }
     for (auto const& header : query.headers().headers()) {
-        if (!s_isNamed(header, "received")) {
+        if (!isReceivedHeader(header)) {
             s_takeOtherHeader(props, header, areAddressesGiven);
-        } else if (!isTrailEnded) {
-            isTrailEnded = s_takeHop(props, header.value(), analysis, trusted, scoreThreshold);
+        } else if (!walk.isEnded()) {
+            walk.take(header.value());
         }
     }
 }

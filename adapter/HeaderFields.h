@@ -5,13 +5,22 @@
 
 #include "include2/Export.h"
 #include "platform/EmailAddress.h"
+#include "platform/Header.h"
 #include "platform/MessageProperties.h"
+#include "ScanRecord.h"
 
 #include <string>
 
 namespace Quorvane {
 
-// The score of the first entry of `analysis` whose address reads exactly `ip`; 0 when none does.
+// Whether the header is a hop of the trail.
+bool isReceivedHeader(Header const& header);
+
+// Whether a hop of this role ends the walk along the trail.
+bool endsWalk(HopRole role);
+
+// The score of the first entry of `analysis` whose address reads exactly `ip`; when none does, that
+// of its reputation table; else 0.
 QV_API int s_getTVAS(ReceivedHeaderAnalysis& analysis, std::string const& ip);
 
 // The first address of the value of an address header; null when it holds none.

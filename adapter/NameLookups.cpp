@@ -19,10 +19,9 @@ void NameLookups::start(std::string const& announced, std::string const& sender)
 }
 
 NameLookups::Answers NameLookups::finish() {
-    bool const doesAnnouncedResolve = !m_announced.wait().isEmpty();
-    bool const doesSenderResolve = !m_sender.wait().isEmpty();
+    Answers const answers{m_announced.wait().result(), m_sender.wait().result()};
     *this = NameLookups();
-    return {doesAnnouncedResolve, doesSenderResolve};
+    return answers;
 }
 
 } // namespace Quorvane

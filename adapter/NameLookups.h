@@ -13,8 +13,8 @@ namespace Quorvane {
 class NameLookups {
   public:
     struct Answers {
-        bool m_doesAnnouncedResolve;
-        bool m_doesSenderResolve;
+        LookupResult m_announced;
+        LookupResult m_sender;
     };
 
     NameLookups() = default;
@@ -31,8 +31,7 @@ class NameLookups {
     // asked for and does not resolve. Does not block.
     void start(std::string const& announced, std::string const& sender);
 
-    // Waits for the answers; a failed or late one counts as "does not resolve". Nothing is under
-    // way behind it.
+    // Waits for the answers. Nothing is under way afterwards.
     Answers finish();
 
   private:

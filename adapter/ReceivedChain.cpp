@@ -4,6 +4,7 @@
 // address; the public ones of the first run are analysed into three slots (HopAnalysis.cpp); and
 // the chain is checked for breaks behind the first public hop.
 #include "adapter/DeepHeaderAdapter.h"
+#include "adapter/ScanRecorder.h"
 
 #include <algorithm>
 
@@ -59,11 +60,13 @@ class ChainWalk {
 
     // Neither ends nor extends a run, but slots are no longer filled behind it.
     void visitWithoutAddress() {
+        record(HopRole::noAddress);
         ++m_noAddressHops;
         stopCollectingAfterPublic();
     }
 
     void visitPrivate() {
+        record(HopRole::privateAddress);
         if (m_run == Run::privateHops) {
             ++m_privateRun;
             return;
@@ -77,6 +80,7 @@ class ChainWalk {
     void visitPublic(MsgReceived& hop) {
         if (m_run == Run::publicHops) {
             ++m_publicRun;
+            record(m_isCollecting ? HopRole::analysed : HopRole::publicNotJudged);
             if (m_isCollecting) {
                 m_props.receivers[2] = m_props.receivers[1];
                 m_adapter.parseSingleReceiver(hop, m_props.receivers[1], m_props);
@@ -85,6 +89,7 @@ class ChainWalk {
         }
         m_run = Run::publicHops;
         m_publicRun = 1;
+        record(m_isCollecting ? HopRole::firstPublic : HopRole::publicNotJudged);
         if (m_isCollecting) {
             visitFirstPublic(hop);
         }
@@ -96,8 +101,17 @@ class ChainWalk {
         // asked for meanwhile: a scan then takes as long as its slowest look-up.
         DeepHeaderAdapter::startLookups(m_props);
         m_props.receivers[0].isForged = hop.isForged();
+        if (m_props.recorder != nullptr) {
+            m_props.recorder->recordForgedLookup(hop);
+        }
         m_previousFrom = hop.from();
         m_stage = Stage::atFirst;
+    }
+
+    void record(HopRole role) {
+        if (m_props.recorder != nullptr) {
+            m_props.recorder->classifyTaken(role);
+        }
     }
 
     void stopCollectingAfterPublic() {

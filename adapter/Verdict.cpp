@@ -6,6 +6,10 @@
 #include "rules/format/RuleTests.h"
 #include "scanner/records/DeepHeaderAnswerImpl.h"
 
+#include <algorithm>
+#include <limits>
+#include <utility>
+
 namespace Quorvane {
 
 namespace {
@@ -56,41 +60,76 @@ void s_classify(DeepHeaderAnswerImpl& answer, DTNode const& node, EliteHits cons
     }
 }
 
-} // namespace
-
-bool DeepHeaderAdapter::doesEliteDecide(EliteHits const& hits, DeepHeaderSettings const& settings) {
+bool s_doesDecide(EliteHits const& hits, DeepHeaderSettings const& settings) {
     return isSupported(hits.support, settings.minSupport) &&
            hits.confidence + hits.adjust >= settings.spamThreshold;
 }
+
+} // namespace
 
 bool DeepHeaderAdapter::consultsTree(DeepHeaderSettings const& settings) const {
     return isTreeAsked(hasEliteNodes(), letsTreeBeAsked(m_eliteHeader), settings.spamThreshold);
 }
 
+TreeUse DeepHeaderAdapter::treeUse(EliteHits const& hits,
+                                   DeepHeaderSettings const& settings) const {
+    if (s_doesDecide(hits, settings)) {
+        return TreeUse::eliteDecided;
+    }
+    if (consultsTree(settings)) {
+        return TreeUse::walked;
+    }
+    return isTreeOn(settings.spamThreshold) ? TreeUse::leftOut : TreeUse::switchedOff;
+}
+
 void DeepHeaderAdapter::getResults(DeepHeaderAnswerImpl& answer, DeepHeaderQuery& query,
                                    MsgProperties& props) {
     auto const& settings = query.settings();
-    EliteHits hits;
+    auto& hits = props.elite;
     if (hasEliteNodes()) {
         checkElite(hits, props, settings);
     }
-    if (doesEliteDecide(hits, settings)) {
+    props.treeUse = treeUse(hits, settings);
+    props.decision = Decision::none;
+    if (props.treeUse == TreeUse::eliteDecided) {
+        props.decision = Decision::elite;
         s_writeEliteVerdict(answer, hits);
         answer.m_ips = s_ips(props);
         return;
     }
-    if (!consultsTree(settings)) {
+    if (props.treeUse != TreeUse::walked) {
         return;
     }
-    int const number = travelDT(settings, treeRoot, props);
-    if (!canDecide(number)) {
+    props.treeResult = travelDT(settings, treeRoot, props);
+    if (!canDecide(props.treeResult)) {
         return;
     }
-    auto const& node = m_dtNodes[static_cast<std::size_t>(number)];
-    s_writeTreeNode(answer, number, node);
+    props.decision = Decision::tree;
+    auto const& node = m_dtNodes[static_cast<std::size_t>(props.treeResult)];
+    s_writeTreeNode(answer, props.treeResult, node);
     s_writeAdjustment(answer, hits);
     answer.m_ips = s_ips(props);
     s_classify(answer, node, hits, settings);
+}
+
+// What a walk to the leaf would say at any threshold that lets the tree be asked at all.
+double DeepHeaderAdapter::spamScore(DeepHeaderSettings const& settings, MsgProperties& props) {
+    double score = -std::numeric_limits<double>::infinity();
+    auto const& hits = props.elite;
+    if (hits.code != noDecisionCode && isSupported(hits.support, settings.minSupport)) {
+        score = hits.confidence + hits.adjust;
+    }
+    int number = props.treeResult;
+    if (props.treeUse == TreeUse::eliteDecided && consultsTree(settings)) {
+        auto* const recorder = std::exchange(props.recorder, nullptr); // no part of the scan
+        number = travelDT(settings, treeRoot, props);
+        props.recorder = recorder;
+    }
+    if (canDecide(number)) {
+        auto const& node = m_dtNodes[static_cast<std::size_t>(number)];
+        score = std::max(score, node.confidence + hits.adjust);
+    }
+    return score;
 }
 
 } // namespace Quorvane

@@ -79,7 +79,10 @@ boost::shared_ptr<DynamicIdentifier> DynamicIdentifier::load(std::string const& 
 }
 
 boost::shared_ptr<DynamicIdentifier> DynamicIdentifier::builtIn() {
-    return compile(std::string(Quorvane::builtInDynamicPatterns()), "built-in patterns");
+    // Never destroyed: scans may still ask while the process ends.
+    static auto const* const list =
+        new auto(compile(std::string(Quorvane::builtInDynamicPatterns()), "built-in patterns"));
+    return *list;
 }
 
 bool DynamicIdentifier::match(std::string const& name) const {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/Host.h"
 
-#include "platform/Resolver.h"
-
 #include <algorithm>
 #include <cstddef>
 
@@ -26,16 +24,17 @@ IPAddress s_addressOf(std::string const& rdata) {
     return IPAddress::fromBytes(bytes);
 }
 
-void s_appendAddresses(std::list<IPAddress>& addresses, ResolverMessage const& answer) {
+} // namespace
+
+void Host::take(ResolverMessage const& answer) {
     for (std::string const& rdata : answer.records()) {
         IPAddress const address = s_addressOf(rdata);
         if (!address.isNull()) {
-            addresses.push_back(address);
+            m_addresses.push_back(address);
         }
     }
+    m_result = m_addresses.empty() ? std::max(m_result, answer.result()) : LookupResult::answered;
 }
-
-} // namespace
 
 Host::Host(std::string const& name, bool forwardLookup) {
     if (!forwardLookup) {
@@ -44,8 +43,8 @@ Host::Host(std::string const& name, bool forwardLookup) {
     Resolver& resolver = Resolver::instance();
     PendingLookup v4 = resolver.start(RecordType::A, name, RecordClass::IN);
     PendingLookup v6 = resolver.start(RecordType::AAAA, name, RecordClass::IN);
-    s_appendAddresses(m_addresses, v4.wait());
-    s_appendAddresses(m_addresses, v6.wait());
+    take(v4.wait());
+    take(v6.wait());
 }
 
 } // namespace Quorvane

@@ -6,6 +6,7 @@
 
 #include "include2/Export.h"
 #include "platform/IPAddress.h"
+#include "platform/Resolver.h"
 
 #include <list>
 #include <string>
@@ -35,9 +36,14 @@ class QV_API Host {
     // True when the name has no address, or none could be asked for.
     bool isNull() const { return m_addresses.empty(); }
     std::list<IPAddress> const& addressList() const { return m_addresses; }
+    // How the look-ups ended; of two without an address the one that tells less counts.
+    LookupResult result() const { return m_result; }
 
   private:
+    void take(ResolverMessage const& answer);
+
     std::list<IPAddress> m_addresses;
+    LookupResult m_result = LookupResult::notAsked;
 };
 
 } // namespace Quorvane

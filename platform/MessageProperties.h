@@ -9,9 +9,12 @@
 #include "include2/Export.h"
 #include "include2/QvaneRefcounted.h"
 #include "platform/IPAddress.h"
+#include "platform/ReputationTable.h"
 
 #include <cstdint>
 #include <list>
+#include <memory>
+#include <utility>
 
 namespace Quorvane {
 
@@ -34,8 +37,19 @@ struct AnalysedReceived {
     std::int32_t m_score = 0;
 };
 
-// The analysed Received headers of a message, newest first.
-using ReceivedHeaderAnalysis = std::list<AnalysedReceived>;
+// What is known of the relays of a message's trail: the analysed Received headers, newest first,
+// and a table of prefixes for relays that the list does not name.
+class QV_API ReceivedHeaderAnalysis : public std::list<AnalysedReceived> {
+  public:
+    // Shared, since it is large and the same for all messages; null: none.
+    void reputation(std::shared_ptr<ReputationTable const> table) {
+        m_reputation = std::move(table);
+    }
+    ReputationTable const* reputation() const { return m_reputation.get(); }
+
+  private:
+    std::shared_ptr<ReputationTable const> m_reputation;
+};
 
 // The status of a message whose indicator the engine hands to the rules (attribute 36).
 inline constexpr std::int32_t indicatedMessageStatus = 3;

@@ -13,9 +13,7 @@
 namespace Quorvane {
 namespace {
 
-using EnginePointer = std::shared_ptr<Dns::Engine const>;
-
-EnginePointer s_makeEngine(ResolverSettings const& settings) {
+PreparedResolver s_makeEngine(ResolverSettings const& settings) {
     Dns::checkDeadline(settings.m_deadline);
     auto engine = std::make_shared<Dns::Engine>();
     engine->m_deadline = settings.m_deadline;
@@ -26,7 +24,7 @@ EnginePointer s_makeEngine(ResolverSettings const& settings) {
 }
 
 // A scan has nobody to report bad configuration to.
-EnginePointer s_makeDefaultEngine() {
+PreparedResolver s_makeDefaultEngine() {
     try {
         return s_makeEngine(ResolverSettings());
     } catch (Exception const&) {
@@ -64,7 +62,7 @@ ResolverMessage PendingLookup::wait() {
 // The settings in force, made on first use, and the counts.
 class Resolver::Slot {
   public:
-    EnginePointer engine() {
+    PreparedResolver engine() {
         std::lock_guard<std::mutex> const lock(m_mutex);
         if (!m_engine) {
             m_engine = s_makeDefaultEngine();
@@ -73,7 +71,7 @@ class Resolver::Slot {
     }
 
     // The old engine may end here, which takes a while: not under the lock.
-    void publish(EnginePointer engine) {
+    void publish(PreparedResolver engine) {
         std::lock_guard<std::mutex> const lock(m_mutex);
         m_engine.swap(engine);
     }
@@ -82,7 +80,7 @@ class Resolver::Slot {
 
   private:
     std::mutex m_mutex;
-    EnginePointer m_engine;
+    PreparedResolver m_engine;
 };
 
 Resolver::Resolver() : m_slot(std::make_unique<Slot>()) {}
@@ -93,8 +91,16 @@ Resolver& Resolver::instance() {
     return s_instance;
 }
 
+PreparedResolver Resolver::prepare(ResolverSettings const& settings) {
+    return s_makeEngine(settings);
+}
+
+void Resolver::configure(PreparedResolver prepared) {
+    m_slot->publish(std::move(prepared));
+}
+
 void Resolver::configure(ResolverSettings const& settings) {
-    m_slot->publish(s_makeEngine(settings));
+    configure(prepare(settings));
 }
 
 ResolverMessage Resolver::submit(RecordType type, std::string const& name,

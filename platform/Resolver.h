@@ -35,16 +35,29 @@ enum class RecordType : int {
 // Numbers of the IANA "DNS CLASSes" registry.
 enum class RecordClass : int { IN = 1 };
 
+// How a look-up ended. All but `answered` count as "does not resolve".
+enum class LookupResult : std::uint8_t {
+    notAsked,     // nothing can have this name, or the resolver is off
+    answered,     // with at least one record
+    doesNotExist, // no such name, or no record of the types asked for
+    failed,       // SERVFAIL, refused, no server
+    late,         // no answer before the deadline
+};
+
 // The answer to one look-up: its records in the order of the answer. A plain value.
 class QV_API ResolverMessage {
   public:
     bool isEmpty() const { return m_records.empty(); }
+    LookupResult result() const { return isEmpty() ? m_result : LookupResult::answered; }
+    // Of a message without records.
+    void result(LookupResult result) { m_result = result; }
     // Wire-format record data (RFC 1035 section 3.2.1, RDATA).
     std::vector<std::string> const& records() const { return m_records; }
     void append(std::string rdata);
 
   private:
     std::vector<std::string> m_records;
+    LookupResult m_result = LookupResult::notAsked;
 };
 
 struct ResolverSettings {
@@ -88,14 +101,25 @@ class QV_API PendingLookup {
     std::unique_ptr<State> m_state;
 };
 
+namespace Dns {
+struct Engine;
+} // namespace Dns
+
+// Settings that were checked and can be put in force.
+using PreparedResolver = std::shared_ptr<Dns::Engine const>;
+
 class QV_API Resolver {
   public:
     static Resolver& instance();
 
-    // Puts other settings in force. An Exception of category 3 names the server or the line of zone
-    // data that is wrong; the settings in force then stay. Without a call the first look-up puts
-    // default settings in force; when the system's configuration cannot be used then, look-ups
-    // count as failed until a call.
+    // Checks settings and starts what they need, without putting them in force. An Exception of
+    // category 3 names the server or the line of zone data that is wrong.
+    static PreparedResolver prepare(ResolverSettings const& settings);
+    // Puts prepared settings in force; does not throw.
+    void configure(PreparedResolver prepared);
+    // Both at once: when the settings are wrong, those in force stay. Without a call the first
+    // look-up puts default settings in force; when the system's configuration cannot be used then,
+    // look-ups count as failed until a call.
     void configure(ResolverSettings const& settings);
 
     // Blocking look-up. One trailing dot is ignored. An address literal given as a name, an empty

@@ -27,13 +27,15 @@ AddressSet s_setOf(std::vector<IPPrefix> const& prefixes) {
 struct TrustedMTASet::Prefixes {
     AddressSet m_trusted;
     AddressSet m_antiSpam;
+    AddressSet m_internal;
 };
 
-TrustedMTASet::TrustedMTASet() : TrustedMTASet({}, {}) {}
+TrustedMTASet::TrustedMTASet() : TrustedMTASet({}, {}, {}) {}
 
 TrustedMTASet::TrustedMTASet(std::vector<IPPrefix> const& trusted,
-                             std::vector<IPPrefix> const& antiSpam)
-    : m_prefixes(new Prefixes{s_setOf(trusted), s_setOf(antiSpam)}) {}
+                             std::vector<IPPrefix> const& antiSpam,
+                             std::vector<IPPrefix> const& internal)
+    : m_prefixes(new Prefixes{s_setOf(trusted), s_setOf(antiSpam), s_setOf(internal)}) {}
 
 TrustedMTASet::TrustedMTASet(std::shared_ptr<Prefixes const> prefixes)
     : m_prefixes(std::move(prefixes)) {}
@@ -46,6 +48,10 @@ bool TrustedMTASet::isTrustedMTA(IPAddress const& address) const {
 
 bool TrustedMTASet::isTrustedAntiSpamMTA(IPAddress const& address) const {
     return m_prefixes->m_antiSpam.find(address) != nullptr;
+}
+
+bool TrustedMTASet::isInternalMTA(IPAddress const& address) const {
+    return m_prefixes->m_internal.find(address) != nullptr;
 }
 
 // The prefixes in force. Every thread wraps them in a set of its own, because the reference count
@@ -72,9 +78,14 @@ TrustedMTASetRef TrustedMTASetRef::instance(bool /*reload*/) {
     return InForce::slot().read();
 }
 
+void TrustedMTASetRef::install(TrustedMTASet const& set) {
+    InForce::slot().publish(set.m_prefixes);
+}
+
 void TrustedMTASetRef::install(std::vector<IPPrefix> const& trusted,
-                               std::vector<IPPrefix> const& antiSpam) {
-    InForce::slot().publish(TrustedMTASet(trusted, antiSpam).m_prefixes);
+                               std::vector<IPPrefix> const& antiSpam,
+                               std::vector<IPPrefix> const& internal) {
+    install(TrustedMTASet(trusted, antiSpam, internal));
 }
 
 } // namespace Quorvane

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The relays that the site trusts: its own mail servers (skipped along the trail) and its own
-// anti-spam relays (they end the trail).
+// The relays that the site trusts: its mail servers (skipped along the trail), its anti-spam relays
+// (they end the trail), and the internal ones, which stand at the newest end of every trail and say
+// nothing about the sender (skipped as long as no other relay came before them, IPv6 or not).
 //
 // A TrustedMTASet never changes. TrustedMTASetRef::install publishes a new one at any time; scans
 // that hold a reference to the old one finish with it.
@@ -21,12 +22,14 @@ class QV_API TrustedMTASet : public RefImpl {
   public:
     // Trusts nobody.
     TrustedMTASet();
-    TrustedMTASet(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam);
+    TrustedMTASet(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam,
+                  std::vector<IPPrefix> const& internal = {});
     ~TrustedMTASet() override;
 
-    // Both are false for a null address. An anti-spam relay is not by itself a trusted relay.
+    // All are false for a null address. An anti-spam relay is not by itself a trusted relay.
     bool isTrustedMTA(IPAddress const& address) const;
     bool isTrustedAntiSpamMTA(IPAddress const& address) const;
+    bool isInternalMTA(IPAddress const& address) const;
 
   private:
     friend class TrustedMTASetRef;
@@ -51,9 +54,10 @@ class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
     // between cores.
     static TrustedMTASetRef instance(bool reload);
 
-    // Puts a new set in force. Safe at any time from any thread.
-    static void install(std::vector<IPPrefix> const& trusted,
-                        std::vector<IPPrefix> const& antiSpam);
+    // Puts a new set in force. Safe at any time from any thread. The first one does not throw.
+    static void install(TrustedMTASet const& set);
+    static void install(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam,
+                        std::vector<IPPrefix> const& internal = {});
 
   private:
     struct InForce;

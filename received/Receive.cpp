@@ -39,6 +39,18 @@ MsgReceivedImpl& s_record(TypeAndValueImpl* impl, unsigned int line) {
     return static_cast<MsgReceivedImpl&>(*impl);
 }
 
+// As s_isForged; `lookup` says how the look-up ended.
+bool s_isForgedBy(IPAddress const& address, std::string const& name, LookupResult& lookup) {
+    if (address.isNull() || name.empty()) {
+        return false;
+    }
+    Host const host(name, true);
+    lookup = host.result();
+    auto const& addresses = host.addressList();
+    return !host.isNull() &&
+           std::find(addresses.begin(), addresses.end(), address) == addresses.end();
+}
+
 } // namespace
 
 // --- MsgReceivedImpl ----------------------------------------------------------------------------
@@ -59,7 +71,9 @@ ReceivedFields const& MsgReceivedImpl::parsed() const {
 
 int MsgReceivedImpl::isForged() const {
     if (m_fields.m_forged == forgedNotKnown) {
-        m_fields.m_forged = s_isForged(m_fields.m_address, m_fields.m_reverseName) ? 1 : 0;
+        bool const isForged =
+            s_isForgedBy(m_fields.m_address, m_fields.m_reverseName, m_fields.m_forgedLookup);
+        m_fields.m_forged = isForged ? 1 : 0;
     }
     return m_fields.m_forged;
 }
@@ -142,13 +156,8 @@ void MsgReceived::isForged(int forged) {
 // --- names and DNS ------------------------------------------------------------------------------
 
 bool s_isForged(IPAddress& address, std::string& name) {
-    if (address.isNull() || name.empty()) {
-        return false;
-    }
-    Host const host(name, true);
-    auto const& addresses = host.addressList();
-    return !host.isNull() &&
-           std::find(addresses.begin(), addresses.end(), address) == addresses.end();
+    LookupResult lookup{};
+    return s_isForgedBy(address, name, lookup);
 }
 
 bool s_getReverseName(IPAddress& address, std::string& name) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/IPAddress.h"
+#include "platform/Resolver.h"
 
 #include <cstdint>
 #include <string>
@@ -20,8 +21,9 @@ struct ReceivedFields {
     std::string m_reverseName;
     std::string m_by;
     IPAddress m_address;
-    std::int32_t m_forged = forgedNotKnown; // else the cached answer
-    bool m_privateIP = true;                // a hop without address counts as private
+    std::int32_t m_forged = forgedNotKnown;               // else the cached answer
+    LookupResult m_forgedLookup = LookupResult::notAsked; // what that answer rests on
+    bool m_privateIP = true;                              // a hop without address counts as private
     bool m_authenticated = false;
     std::string m_receiveTime;
 };

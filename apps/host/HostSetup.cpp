@@ -1,53 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/host/HostSetup.h"
 
+#include "apps/host/RuleLoader.h"
 #include "apps/settings/SettingsTable.h"
-#include "DeepHeaderScanner.h"
+#include "include2/Exception.h"
 #include "platform/DynamicIdentifier.h"
-#include "platform/File.h"
-#include "platform/Logger.h"
 #include "platform/Resolver.h"
 #include "platform/TrustedMTASet.h"
 
-#include <array>
 #include <cerrno>
-#include <chrono>
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <memory>
-#include <mutex>
-#include <thread>
+#include <utility>
 
 namespace Quorvane {
 
 namespace {
-
-// Keeps what the library logs while it loads, to say it in our own error.
-class RecordingLogger : public Logger {
-  public:
-    void log(int, int, char const* format, ...) override __attribute__((format(printf, 4, 5)));
-
-    std::string text() const {
-        std::lock_guard const lock(m_mutex);
-        return m_text;
-    }
-
-  private:
-    mutable std::mutex m_mutex;
-    std::string m_text;
-};
-
-void RecordingLogger::log(int, int, char const* format, ...) {
-    std::array<char, 1024> line{};
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line.data(), line.size(), format, arguments);
-    va_end(arguments);
-    std::lock_guard const lock(m_mutex);
-    m_text = line.data();
-}
 
 // Lines as they stand, comments and empty ones too: errors name them by number.
 std::vector<std::string> s_lines(std::string const& path) {
@@ -65,7 +33,7 @@ std::vector<std::string> s_lines(std::string const& path) {
     return lines;
 }
 
-ResolverSettings s_resolver(HostSettings const& settings) {
+ResolverSettings s_resolverSettings(HostSettings const& settings) {
     ResolverSettings resolver;
     if (settings.m_dns == "off") {
         resolver.m_mode = ResolverSettings::Mode::off;
@@ -85,15 +53,9 @@ ResolverSettings s_resolver(HostSettings const& settings) {
     return resolver;
 }
 
-void s_setUpPlatform(HostSettings const& settings) {
-    File::setRoot(settings.m_root);
-    TrustedMTASetRef::install(settings.m_trusted, settings.m_antiSpam);
-    if (!settings.m_dynamicPatterns.empty()) {
-        Telvanis::DynamicIdentifierSingleton::install(
-            Telvanis::DynamicIdentifier::load(settings.m_dynamicPatterns));
-    }
+PreparedResolver s_resolver(HostSettings const& settings) {
     try {
-        Resolver::instance().configure(s_resolver(settings));
+        return Resolver::prepare(s_resolverSettings(settings));
     } catch (Exception const& error) {
         auto const server = settings.m_zoneLines.empty() ? settings.m_dns : std::string("dns");
         throw SettingsError((settings.m_dnsData.empty() ? server : settings.m_dnsData) + ": " +
@@ -108,57 +70,62 @@ std::string s_located(Exception const& error) {
     return file.empty() ? error.stringParameter() : file + line + ": " + error.stringParameter();
 }
 
-// A version that is no number above 0 is never newer than "nothing loaded", and the library then
-// has nothing to log.
-std::string s_whyNotLoaded(std::string const& logged) {
-    return logged.empty() ? std::string("the version in README must be above 0") : logged;
-}
-
-RefDeepHeaderAdapter s_engine() {
-    DeepHeaderScanner().init();
-    Synchronized const lock(DeepHeaderScanner::m_Mutex);
-    return RefDeepHeaderAdapter::instance(nullptr);
-}
-
-// While rules are installed their version is 0, so that nobody loads half of two sets. That takes a
-// quarter of a second; a host that starts just then looks again before it gives up.
-RefDeepHeaderAdapter s_engineBehindInstallation(RecordingLogger const& logger) {
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-    auto engine = s_engine();
-    while (engine.isEmpty() && logger.text().empty() &&
-           std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        engine = s_engine();
-    }
-    return engine;
-}
-
-RefDeepHeaderAdapter s_loadEngine() {
-    auto const logger = std::make_shared<RecordingLogger>();
-    Logger::install(logger);
-    auto engine = s_engineBehindInstallation(*logger);
-    Logger::install(nullptr);
-    if (engine.isEmpty()) {
-        throw SettingsError("no usable rules in " + File::root() + ruleDirectory + ": " +
-                            s_whyNotLoaded(logger->text()) +
-                            "; --root says below which folder to look");
-    }
-    return engine;
-}
-
-} // namespace
-
-void setUpPlatform(HostSettings const& settings) {
+boost::shared_ptr<Telvanis::DynamicIdentifier> s_patterns(HostSettings const& settings) {
+    using Telvanis::DynamicIdentifier;
     try {
-        s_setUpPlatform(settings);
+        return settings.m_dynamicPatterns.empty()
+                   ? DynamicIdentifier::builtIn()
+                   : DynamicIdentifier::load(settings.m_dynamicPatterns);
     } catch (Exception const& error) {
         throw SettingsError(s_located(error));
     }
 }
 
-RefDeepHeaderAdapter setUpHost(HostSettings const& settings) {
-    setUpPlatform(settings);
-    return s_loadEngine();
+// What the process keeps for all scans, built and not yet in force.
+class PreparedPlatform {
+  public:
+    explicit PreparedPlatform(HostSettings const& settings)
+        : m_trusted(settings.m_trusted, settings.m_antiSpam, settings.m_internal),
+          m_patterns(s_patterns(settings)), m_resolver(s_resolver(settings)) {}
+
+    // Only swaps pointers.
+    void publish() {
+        TrustedMTASetRef::install(m_trusted);
+        Telvanis::DynamicIdentifierSingleton::install(m_patterns);
+        Resolver::instance().configure(std::move(m_resolver));
+    }
+
+  private:
+    TrustedMTASet m_trusted;
+    boost::shared_ptr<Telvanis::DynamicIdentifier> m_patterns;
+    PreparedResolver m_resolver;
+};
+
+std::shared_ptr<ReputationTable const> s_scores(HostSettings const& settings) {
+    return settings.m_scores.empty() ? nullptr
+                                     : std::make_shared<ReputationTable const>(settings.m_scores);
+}
+
+} // namespace
+
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine) {
+    PreparedPlatform platform(settings);
+    auto host = std::make_shared<ScanHost const>(settings, std::move(engine), s_scores(settings));
+    platform.publish();
+    return host;
+}
+
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
+                                          std::shared_ptr<Logger> logger) {
+    PreparedPlatform platform(settings);
+    auto scores = s_scores(settings);
+    useRoot(settings.m_root);
+    auto host = std::make_shared<ScanHost const>(settings, loadRules(), std::move(scores));
+    if (logger != nullptr) {
+        Logger::install(std::move(logger));
+    }
+    platform.publish();
+    return host;
 }
 
 } // namespace Quorvane

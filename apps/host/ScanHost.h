@@ -1,86 +1,49 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ScanHost: a host of the library. It puts the settings in force (rules, trusted relays,
-// reputation, name patterns, resolver), loads the engine, and turns one header section after
-// another into an outcome that holds the verdict and the working record of the scan.
+// ScanHost: a host of the library: settings, the engine and the reputation of relays, by which it
+// judges one header section after another.
 //
-// One object a process: the engine and the platform's tables are process-wide. Once constructed it
-// never changes; scan may be called from many threads at once, each call with its own message.
+// A value that never changes: copies share the engine and the table. scan and judge may be called
+// from many threads at once. A program that reloads keeps the host in force behind a shared pointer
+// and hands each message one of them (HostSetup.h makes them).
 #pragma once
 
-#include "adapter/DeepHeaderAdapter.h"
 #include "apps/settings/HostSettings.h"
 #include "apps/settings/MessageFacts.h"
-#include "DeepHeaderAnswer.h"
+#include "DeepHeaderEngine.h"
 #include "platform/HeaderContainer.h"
 #include "platform/ReputationTable.h"
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 namespace Quorvane {
 
-// What the rules answered on the way to a verdict.
-struct RuleTrace {
-    DeepHeaderAdapter::EliteHits m_elite;
-    // The nodes that the walk stood on and its result; empty and -1 when the tree was not asked.
-    std::vector<int> m_path;
-    int m_result = -1;
-};
-
-using AttributeArray = decltype(DeepHeaderAdapter::MsgProperties::attributes);
-
-struct ScanOutcome {
-    DeepHeaderAnswer m_answer;
-    // Why the scan failed; the answer is then the default one.
-    std::optional<std::string> m_error;
-    // The record as the scan left it.
-    DeepHeaderAdapter::MsgProperties m_record;
-    // There was no message, just its attributes.
-    bool m_isVector = false;
-    // The scan found a public hop and came to ask the rules.
-    bool m_reachedVerdict = false;
-    // Filled by ScanHost::trace.
-    RuleTrace m_trace;
-    // Hops of the site's own relays that were cut off before the scan.
-    std::vector<Header> m_cutOff;
-};
-
 class ScanHost {
   public:
-    // Throws a SettingsError when a file or server that the settings name is no good, or when the
-    // rules cannot be loaded.
-    explicit ScanHost(HostSettings const& settings);
-    // Takes this engine; the rules that the settings name are not looked at.
-    ScanHost(HostSettings const& settings, RefDeepHeaderAdapter const& engine);
+    // REQUIRES: `engine` is not empty. `scores` may be null: no relay has a reputation.
+    ScanHost(HostSettings settings, DeepHeaderEngine engine,
+             std::shared_ptr<ReputationTable const> scores);
 
     // `headers`: the header section as HeaderReader split it.
-    ScanOutcome scan(HeaderContainer const& headers, MessageFacts const& facts) const;
+    ScanRecord scan(HeaderContainer const& headers, MessageFacts const& facts,
+                    RecordDepth depth) const;
 
     // What the rules say of a message of which nothing is known but these attributes; empty: that
     // there was nothing to judge in it.
-    ScanOutcome judge(std::optional<AttributeArray> const& attributes) const;
-
-    // Asks the rules once more, for whoever shows how they came to their answer: a scan does not
-    // keep that, and they are pure.
-    void trace(ScanOutcome& outcome) const;
+    ScanRecord judge(std::optional<std::array<std::int32_t, 38>> const& attributes,
+                     RecordDepth depth) const;
 
     HostSettings const& settings() const { return m_settings; }
-    RefDeepHeaderAdapter const& engine() const { return m_engine; }
-    // The reputation of a relay; empty when the settings know none.
-    std::optional<std::int32_t> score(IPAddress const& address) const {
-        return m_scores.score(address);
-    }
 
   private:
-    RefMessageProperties messageProperties(HeaderContainer const& headers,
-                                           MessageFacts const& facts) const;
+    RefMessageProperties messageProperties(MessageFacts const& facts) const;
 
     HostSettings m_settings;
-    ReputationTable m_scores;
-    RefDeepHeaderAdapter m_engine;
+    DeepHeaderEngine m_engine;
+    std::shared_ptr<ReputationTable const> m_scores;
 };
 
 } // namespace Quorvane

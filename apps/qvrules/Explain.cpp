@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Explain.h"
 
+#include "apps/host/HostSetup.h"
+#include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
+#include "apps/story/JsonRecord.h"
 #include "apps/story/TextExplain.h"
 #include "apps/story/TextRecord.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
-#include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
 
@@ -20,35 +22,32 @@ namespace {
 
 class Explainer {
   public:
-    Explainer(ExplainArguments const& arguments, RefDeepHeaderAdapter const& engine)
+    Explainer(ExplainArguments const& arguments, DeepHeaderEngine const& engine)
         : m_isJson(arguments.m_format == "json"), m_facts(messageFacts(arguments.m_settings)),
-          m_host(hostSettings(arguments.m_settings), engine) {}
+          m_host(setUpHost(hostSettings(arguments.m_settings), engine)) {}
 
     void explain(Workshop::AskedItem const& item) const {
-        if (!item.m_headers) {
-            print(item.m_source, m_host.judge(item.m_vector), {});
-            return;
-        }
-        auto const headers = HeaderReader::read(*item.m_headers);
-        print(item.m_source, m_host.scan(headers, m_facts), tellTrail(m_host, headers, m_facts));
+        auto const depth = RecordDepth::alternatives;
+        print(item.m_source, item.m_headers
+                                 ? m_host->scan(HeaderReader::read(*item.m_headers), m_facts, depth)
+                                 : m_host->judge(item.m_vector, depth));
     }
 
   private:
-    void print(std::string const& source, ScanOutcome outcome,
-               std::vector<StoryHop> const& trail) const {
-        m_host.trace(outcome);
-        writeOutput("-", m_isJson ? explanationJson(source, m_host, outcome, trail)
-                                  : textRecord(source, outcome, false) +
-                                        textExplain(m_host, outcome, trail));
+    void print(std::string const& source, ScanRecord const& record) const {
+        auto const& settings = m_host->settings().m_judging;
+        writeOutput("-", m_isJson
+                             ? jsonExplanation(source, record, settings)
+                             : textRecord(source, record, false) + textExplain(record, settings));
     }
 
     bool m_isJson;
     MessageFacts m_facts;
-    ScanHost m_host;
+    std::shared_ptr<ScanHost const> m_host;
 };
 
 void s_explain(ExplainArguments const& arguments, Workshop::ExplainInput& input) {
-    auto const engine = Workshop::loadEngine(Rules::loadRules(arguments.m_rules).m_set);
+    auto const engine = engineOf(Rules::loadRules(arguments.m_rules).m_set);
     Explainer const explainer(arguments, engine);
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }

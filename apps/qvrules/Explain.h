@@ -4,12 +4,9 @@
 // for another verdict.
 #pragma once
 
-#include "apps/host/ScanHost.h"
 #include "apps/qvrules/HostOptions.h"
-#include "apps/story/TrailStory.h"
 
 #include <string>
-#include <vector>
 
 namespace Quorvane::RulesApp {
 
@@ -19,12 +16,6 @@ struct ExplainArguments {
     std::string m_format = "text";
     GivenSettings m_settings; // settings and facts
 };
-
-// One line with the keys source, verdict, node, confidence, support, adjust, adjustReason, reasons,
-// because, sentences, path, end, elite, needed and attributes. Text is ASCII as in the records of
-// qvscan. REQUIRES: host.trace(outcome) was called.
-std::string explanationJson(std::string const& source, ScanHost const& host,
-                            ScanOutcome const& outcome, std::vector<StoryHop> const& trail);
 
 int explain(ExplainArguments const& arguments);
 

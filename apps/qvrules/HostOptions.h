@@ -4,8 +4,8 @@
 // that look at mail. They are those of qvscan: one table names them for all programs.
 #pragma once
 
-#include "apps/host/ScanHost.h"
 #include "apps/settings/HostSettings.h"
+#include "apps/settings/MessageFacts.h"
 
 #include <map>
 #include <string>

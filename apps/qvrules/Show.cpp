@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Show.h"
 
+#include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -40,9 +41,9 @@ Rules::VectorTable s_mail(ShowArguments const& arguments, HostSettings const& ho
     return gatherMessages(mail, progress, counts).m_unsorted;
 }
 
-Show::Traffic s_traffic(ScanHost const& host, Rules::VectorTable const& table,
-                        TrainingMailCounts const& counts) {
-    Show::TrafficMeter meter(host);
+Show::Traffic s_traffic(DeepHeaderEngine const& engine, DeepHeaderSettings const& settings,
+                        Rules::VectorTable const& table, TrainingMailCounts const& counts) {
+    Show::TrafficMeter meter(engine, settings);
     for (auto const& row : table.all()) {
         meter.add(row.m_vector, row.m_counts.total());
     }
@@ -101,8 +102,10 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     auto const table = isMeasured ? s_mail(arguments, settings, counts) : Rules::VectorTable();
     Interrupt interrupt; // behind the measuring, which reads signals of its own
     try {
-        Show::MessageExplainer const explainer(settings, set, messageFacts(arguments.m_settings));
-        auto const traffic = s_traffic(explainer.host(), table, counts);
+        auto const engine = engineOf(set);
+        auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
+        Show::MessageExplainer const explainer(settings, engine,
+                                               messageFacts(arguments.m_settings));
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
         Show::PageExtras const extras{settings.m_judging,
                                       explainer.explainFiles(arguments.m_messages, interrupt),

@@ -28,12 +28,12 @@ std::string csvHeader() {
     return line + "\n";
 }
 
-std::string csvRecord(std::string const& source, ScanOutcome const& outcome) {
+std::string csvRecord(std::string const& source, ScanRecord const& record) {
     auto line = s_field(source);
-    if (outcome.m_error || !outcome.m_reachedVerdict) {
+    if (!record.isJudged()) {
         return line + std::string(attributeCount, ',') + "\n";
     }
-    for (auto const value : outcome.m_record.attributes) {
+    for (auto const value : record.attributes) {
         line += "," + std::to_string(value);
     }
     return line + "\n";

@@ -4,7 +4,7 @@
 // functions.
 #pragma once
 
-#include "apps/host/ScanHost.h"
+#include "ScanRecord.h"
 
 #include <string>
 
@@ -13,6 +13,6 @@ namespace Quorvane {
 // "source", then the names of the attributes.
 std::string csvHeader();
 // The attributes are empty fields when the scan came to none: no public hop, or it failed.
-std::string csvRecord(std::string const& source, ScanOutcome const& outcome);
+std::string csvRecord(std::string const& source, ScanRecord const& record);
 
 } // namespace Quorvane

@@ -3,7 +3,7 @@
 // What a command line of qvscan asks for. Read once at start, then only looked at.
 #pragma once
 
-#include "apps/host/ScanHost.h"
+#include "apps/settings/MessageFacts.h"
 #include "apps/settings/SettingsStore.h"
 
 #include <optional>

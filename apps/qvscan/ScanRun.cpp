@@ -48,23 +48,22 @@ ScanResult s_problem(std::string const& source, std::string const& text, int exi
 
 ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()), m_host(options.m_settings.values()), m_output(STDOUT_FILENO),
-      m_errors(STDERR_FILENO) {}
+      m_colour(s_wantsColour()), m_host(setUpHost(options.m_settings.values())),
+      m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
 
-std::string ScanRun::render(InputItem const& item, HeaderContainer const& headers,
-                            ScanOutcome const& outcome) const {
+std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
+    auto const& settings = m_host->settings().m_judging;
     switch (m_format) {
     case OutputFormat::json:
-        return jsonRecord(m_host, item.m_source, outcome, m_options.m_explain);
+        return m_options.m_explain ? jsonExplanation(item.m_source, record, settings)
+                                   : jsonRecord(item.m_source, record);
     case OutputFormat::csv:
-        return csvRecord(item.m_source, outcome);
+        return csvRecord(item.m_source, record);
     case OutputFormat::text:
         break;
     }
-    auto const text = textRecord(item.m_source, outcome, m_colour);
-    return m_options.m_explain
-               ? text + textExplain(m_host, outcome, tellTrail(m_host, headers, m_options.m_facts))
-               : text;
+    auto const text = textRecord(item.m_source, record, m_colour);
+    return m_options.m_explain ? text + textExplain(record, settings) : text;
 }
 
 ScanResult ScanRun::judge(InputItem const& item) const {
@@ -75,13 +74,11 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     if (headers.headers().empty()) {
         return s_problem(item.m_source, "no message: it has no header field", ExitCode::noMessage);
     }
-    auto outcome = m_host.scan(headers, m_options.m_facts);
-    if (m_options.m_explain) {
-        m_host.trace(outcome);
-    }
+    auto const depth = m_options.m_explain ? RecordDepth::alternatives : RecordDepth::result;
+    auto const record = m_host->scan(headers, m_options.m_facts, depth);
     ScanResult result;
-    result.m_output = render(item, headers, outcome);
-    result.m_isSpam = outcome.m_answer.isSpam();
+    result.m_output = render(item, record);
+    result.m_isSpam = record.verdict.isSpam;
     return result;
 }
 
@@ -172,7 +169,7 @@ int ScanRun::run() {
     sayThatItWaits();
     startProgress();
     OrderedPool pool(
-        s_threads(m_host.settings()), [this](InputItem const& item) { return judge(item); },
+        s_threads(m_host->settings()), [this](InputItem const& item) { return judge(item); },
         [this](ScanResult const& result) { return take(result); });
     submitAll(pool);
     pool.finish();

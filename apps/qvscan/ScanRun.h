@@ -4,7 +4,7 @@
 // One object a process; run is called once.
 #pragma once
 
-#include "apps/host/ScanHost.h"
+#include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
 #include "apps/input/InputSize.h"
 #include "apps/input/Interrupt.h"
@@ -27,8 +27,7 @@ class ScanRun {
 
   private:
     ScanResult judge(InputItem const& item) const;
-    std::string render(InputItem const& item, HeaderContainer const& headers,
-                       ScanOutcome const& outcome) const;
+    std::string render(InputItem const& item, ScanRecord const& record) const;
     void submitAll(OrderedPool& pool);
     bool take(ScanResult const& result);
     bool showsProgress() const;
@@ -42,7 +41,7 @@ class ScanRun {
     Interrupt& m_interrupt;
     OutputFormat m_format;
     bool m_colour;
-    ScanHost m_host;
+    std::shared_ptr<ScanHost const> m_host;
     Output m_output;
     Output m_errors;
     bool m_foundSpam = false;

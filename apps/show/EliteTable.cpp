@@ -37,7 +37,7 @@ Row s_row(ShownElite const& rule, Traffic const* traffic) {
     Row row{rule.m_code, s_effect(rule), isDeciding ? supportText(rule.m_rule.support) : "",
             std::to_string(rule.m_rule.level)};
     if (traffic != nullptr) {
-        auto const use = rule.m_place ? traffic->m_elite.at(*rule.m_place) : Traffic::Use{};
+        auto const use = rule.m_place ? traffic->elite(*rule.m_place) : Traffic::Use{};
         row.push_back(percentText(traffic->share(use.m_reached)));
         row.push_back(isDeciding ? percentText(traffic->share(use.m_decided)) : "");
     }

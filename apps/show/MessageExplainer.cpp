@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/MessageExplainer.h"
 
+#include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
 #include "apps/settings/ExitCode.h"
 #include "apps/story/JsonRecord.h"
-#include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "rules/model/RuleError.h"
 
@@ -12,9 +12,9 @@
 
 namespace Quorvane::Show {
 
-MessageExplainer::MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules,
+MessageExplainer::MessageExplainer(HostSettings const& settings, DeepHeaderEngine engine,
                                    MessageFacts facts)
-    : m_host(settings, Workshop::loadEngine(rules)), m_facts(std::move(facts)) {}
+    : m_host(setUpHost(settings, std::move(engine))), m_facts(std::move(facts)) {}
 
 std::string MessageExplainer::explain(std::string const& source, std::string_view message) const {
     auto const headers = HeaderReader::read(message);
@@ -22,9 +22,8 @@ std::string MessageExplainer::explain(std::string const& source, std::string_vie
         throw Rules::RuleError(Rules::RuleError::Kind::badData,
                                source + ": no message: it has no header field");
     }
-    auto outcome = m_host.scan(headers, m_facts);
-    m_host.trace(outcome);
-    return jsonRecord(m_host, source, outcome, true);
+    auto const record = m_host->scan(headers, m_facts, RecordDepth::alternatives);
+    return jsonExplanation(source, record, m_host->settings().m_judging);
 }
 
 std::vector<std::string> MessageExplainer::explainFiles(std::vector<std::string> const& paths,

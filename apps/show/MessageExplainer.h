@@ -7,8 +7,8 @@
 
 #include "apps/host/ScanHost.h"
 #include "apps/input/Interrupt.h"
-#include "rules/model/RuleSet.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,9 +17,8 @@ namespace Quorvane::Show {
 
 class MessageExplainer {
   public:
-    // `facts`: what is known of every message. A RuleError when no host could load the rules; a
-    // SettingsError.
-    MessageExplainer(HostSettings const& settings, Rules::RuleSet const& rules, MessageFacts facts);
+    // `facts`: what is known of every message. A SettingsError.
+    MessageExplainer(HostSettings const& settings, DeepHeaderEngine engine, MessageFacts facts);
 
     // The JSON record of one message, as `qvscan --format json --explain` writes it. A RuleError
     // when there is no header field in it.
@@ -29,10 +28,8 @@ class MessageExplainer {
     std::vector<std::string> explainFiles(std::vector<std::string> const& paths,
                                           Interrupt& interrupt) const;
 
-    ScanHost const& host() const { return m_host; }
-
   private:
-    ScanHost m_host;
+    std::shared_ptr<ScanHost const> m_host;
     MessageFacts m_facts;
 };
 

@@ -32,7 +32,7 @@ std::string s_measured(ShownElite const& rule, Traffic const* traffic) {
     if (traffic == nullptr) {
         return {};
     }
-    auto const use = rule.m_place ? traffic->m_elite.at(*rule.m_place) : Traffic::Use{};
+    auto const use = rule.m_place ? traffic->elite(*rule.m_place) : Traffic::Use{};
     auto const decided = rule.m_rule.type == EliteType::deciding
                              ? percentText(traffic->share(use.m_decided))
                              : std::string();

@@ -104,7 +104,7 @@ class TreeReader {
         } else {
             shown.m_condition =
                 Rules::conditionText(record.attribute, record.test, record.testValue);
-            shown.m_test = testText(record.attribute, record.test, record.testValue);
+            shown.m_test = testText({record.attribute, record.test, record.testValue});
             shown.m_sentence = Rules::fillSentence(
                 Rules::testSentence(record.attribute, record.test, record.testValue), {});
         }

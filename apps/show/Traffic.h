@@ -7,6 +7,7 @@
 #include "rules/format/RuleFiles.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -32,6 +33,8 @@ struct Traffic {
     Use const& node(std::int32_t number) const {
         return m_nodes.at(static_cast<std::size_t>(number));
     }
+    // Of the rule at this place of the list.
+    Use elite(std::size_t place) const { return place < m_elite.size() ? m_elite[place] : Use{}; }
     // Part of the messages, 0..1; 0 without messages.
     double share(std::uint64_t count) const {
         return m_messages == 0 ? 0.0 : static_cast<double>(count) / static_cast<double>(m_messages);

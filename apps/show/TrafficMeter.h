@@ -3,16 +3,17 @@
 // TrafficMeter: sends attribute vectors through an engine and counts what they come to.
 #pragma once
 
-#include "apps/host/ScanHost.h"
 #include "apps/show/Traffic.h"
+#include "DeepHeaderEngine.h"
 #include "rules/vectors/VectorTable.h"
 
 namespace Quorvane::Show {
 
 class TrafficMeter {
   public:
-    // The host outlives the object.
-    explicit TrafficMeter(ScanHost const& host);
+    // Both outlive the object.
+    TrafficMeter(DeepHeaderEngine const& engine, DeepHeaderSettings const& settings)
+        : m_engine(engine), m_settings(settings) {}
 
     // Counts `count` messages with this vector.
     void add(Rules::AttributeVector const& vector, std::uint64_t count);
@@ -21,10 +22,11 @@ class TrafficMeter {
     Traffic const& traffic() const { return m_traffic; }
 
   private:
-    void addElite(ScanOutcome const& outcome, std::uint64_t count);
-    void addTree(ScanOutcome const& outcome, std::uint64_t count);
+    void addElite(ScanRecord const& record, std::uint64_t count);
+    void addTree(ScanRecord const& record, std::uint64_t count);
 
-    ScanHost const& m_host;
+    DeepHeaderEngine const& m_engine;
+    DeepHeaderSettings const& m_settings;
     Traffic m_traffic;
 };
 

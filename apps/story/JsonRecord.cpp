@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/JsonRecord.h"
 
+#include "apps/story/LookupText.h"
 #include "apps/story/RuleStory.h"
+#include "apps/story/TrailText.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/Utf8.h"
-#include "received/ReceivedAccess.h"
-#include "scanner/records/RecordAccess.h"
+#include "rules/format/RuleTests.h"
+#include "rules/format/ValueWords.h"
 
+#include <array>
+#include <cstddef>
 #include <nlohmann/json.hpp>
 
 namespace Quorvane {
@@ -14,34 +18,70 @@ namespace Quorvane {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using Record = DeepHeaderAdapter::MsgProperties;
+
+// In the order of TreeUse and WalkEnd.
+constexpr auto treeUses =
+    std::to_array<char const*>({"notReached", "eliteDecided", "leftOut", "switchedOff", "walked"});
+constexpr auto walkEnds = std::to_array<char const*>(
+    {"notWalked", "leaf", "sureEnough", "rareChild", "noBranch", "badNode", "tooLong"});
+static_assert(treeUses.size() == static_cast<std::size_t>(TreeUse::walked) + 1);
+static_assert(walkEnds.size() == static_cast<std::size_t>(WalkEnd::tooLong) + 1);
 
 Json s_domain(EmailAddress const& address) {
     return address.isNull() ? Json() : Json(toUtf8(address.domain()));
 }
 
-// Shows a hop as the scan left it: the accessors of MsgReceived might parse.
-Json s_hop(MsgReceived const& hop) {
-    auto const& fields = *ReceivedAccess::fields(hop);
-    return {{"from", toUtf8(fields.m_from)},
-            {"reverseName", toUtf8(fields.m_reverseName)},
-            {"by", toUtf8(fields.m_by)},
-            {"address", fields.m_address.isNull() ? Json() : Json(fields.m_address.asString(true))},
-            {"privateIP", fields.m_privateIP},
-            {"authenticated", fields.m_authenticated},
-            {"receiveTime", toUtf8(fields.m_receiveTime)},
-            {"isForged", fields.m_forged}};
+Json s_address(IPAddress const& address) {
+    return address.isNull() ? Json() : Json(address.asString(true));
 }
 
-Json s_hops(Record const& record) {
+Json s_fields(RecordedHop const& hop) {
+    return {{"from", toUtf8(hop.from)},
+            {"reverseName", toUtf8(hop.reverseName)},
+            {"by", toUtf8(hop.by)},
+            {"address", s_address(hop.address)},
+            {"privateIP", hop.privateIP},
+            {"authenticated", hop.authenticated},
+            {"receiveTime", toUtf8(hop.receiveTime)},
+            {"isForged", hop.isForged}};
+}
+
+// The hops that were judged as a chain.
+Json s_hops(ScanRecord const& record) {
     auto hops = Json::array();
-    for (auto const& hop : record.receivedList) {
-        hops.push_back(s_hop(hop));
+    for (auto const& hop : record.trail) {
+        if (hop.isTaken()) {
+            hops.push_back(s_fields(hop));
+        }
     }
     return hops;
 }
 
-Json s_receiver(DeepHeaderAdapter::SingleReceiver const& slot) {
+// All hops and what was made of them.
+Json s_trail(ScanRecord const& record) {
+    auto trail = Json::array();
+    for (auto const& hop : record.trail) {
+        Json entry = {{"role", roleName(hop.role)},
+                      {"text", roleText(hop)},
+                      {"current", hop.isCurrent},
+                      {"vouched", hop.isVouched}};
+        entry.update(s_fields(hop));
+        trail.push_back(std::move(entry));
+    }
+    return trail;
+}
+
+Json s_lookups(ScanRecord const& record) {
+    auto lookups = Json::array();
+    for (auto const& lookup : record.lookups) {
+        lookups.push_back({{"question", questionName(lookup.question)},
+                           {"name", toUtf8(lookup.name)},
+                           {"result", lookupName(lookup.result)}});
+    }
+    return lookups;
+}
+
+Json s_receiver(HopAnalysis const& slot) {
     return {{"helo", toUtf8(slot.helo)},
             {"ip", toUtf8(slot.ip)},
             {"reverseName", toUtf8(slot.reverseName)},
@@ -60,7 +100,7 @@ Json s_receiver(DeepHeaderAdapter::SingleReceiver const& slot) {
             {"fromDomainMatchesBoth", slot.fromDomainMatchesBoth}};
 }
 
-Json s_receivers(Record const& record) {
+Json s_receivers(ScanRecord const& record) {
     auto receivers = Json::array();
     for (auto const& slot : record.receivers) {
         receivers.push_back(s_receiver(slot));
@@ -68,7 +108,7 @@ Json s_receivers(Record const& record) {
     return receivers;
 }
 
-Json s_elite(DeepHeaderAdapter::EliteHits const& hits) {
+Json s_elite(EliteResult const& hits) {
     return {{"adjust", hits.adjust},
             {"confidence", hits.confidence},
             {"support", hits.support},
@@ -76,8 +116,109 @@ Json s_elite(DeepHeaderAdapter::EliteHits const& hits) {
             {"reasons", toUtf8(hits.reasons)}};
 }
 
-Json s_explain(ScanHost const& host, ScanOutcome const& outcome) {
-    auto const& record = outcome.m_record;
+Json s_test(DescribedTest const& test) {
+    return {{"test", test.m_text}, {"words", toUtf8(test.m_words)}};
+}
+
+Json s_nodes(RuleStory const& story) {
+    auto nodes = Json::array();
+    for (auto const& [node, test] : story.m_path) {
+        nodes.push_back(
+            {{"node", node->number},
+             {"test", test ? Json(test->m_text) : Json()},
+             {"words", test ? Json(toUtf8(test->m_words)) : Json()},
+             {"confidence", node->confidence},
+             {"support", node->support},
+             {"counts",
+              {{"all", node->counts[0]}, {"spam", node->counts[1]}, {"ham", node->counts[2]}}}});
+    }
+    return nodes;
+}
+
+Json s_tree(ScanRecord const& record, RuleStory const& story) {
+    auto path = Json::array();
+    for (auto const& node : record.tree.path) {
+        path.push_back(node.number);
+    }
+    return {{"path", path},
+            {"result", record.tree.result},
+            {"use", treeUses.at(static_cast<std::size_t>(record.tree.use))},
+            {"end", walkEnds.at(static_cast<std::size_t>(record.tree.end))},
+            {"text", story.m_end},
+            {"nodes", s_nodes(story)}};
+}
+
+// The low byte of the code, as it stands in the answer.
+Json s_letter(RecordedRule const& rule) {
+    return toUtf8(std::string(1, static_cast<char>(rule.code & 0xFF)));
+}
+
+Json s_rule(DescribedRule const& described, ScanRecord const& record) {
+    auto const& rule = *described.m_rule;
+    bool const adjusts = rule.type == EliteType::adjusting;
+    auto tests = Json::array();
+    for (auto const& test : described.m_tests) {
+        tests.push_back(s_test(test));
+    }
+    return {{"code", adjusts ? s_letter(rule) : Json(rule.code)},
+            {"type", adjusts ? "adjust" : "decide"},
+            {"outcome", outcomeName(rule.outcome)},
+            {"text", outcomeText(rule, record)},
+            {"failedTest", rule.outcome == RuleOutcome::noMatch ? Json(rule.failedTest) : Json()},
+            {"replacedBy", rule.outcome == RuleOutcome::replaced ? Json(rule.replacedBy) : Json()},
+            {"weight", rule.weight},
+            {"support", rule.support},
+            {"level", rule.level},
+            {"tests", tests}};
+}
+
+Json s_rules(ScanRecord const& record, RuleStory const& story) {
+    auto rules = Json::array();
+    for (auto const& rule : story.m_elite) {
+        rules.push_back(s_rule(rule, record));
+    }
+    return rules;
+}
+
+Json s_needed(std::vector<Requirement> const& list) {
+    auto needed = Json::array();
+    for (auto const& requirement : list) {
+        needed.push_back({{"verdict", requirement.m_verdict},
+                          {"change", requirement.m_text},
+                          {"words", toUtf8(requirement.m_words)}});
+    }
+    return needed;
+}
+
+// Words, where the values have some, and what they say of those that differ from the start. Null
+// when the scan did not come to the rules.
+Json s_values(ScanRecord const& record) {
+    if (!record.isJudged()) {
+        return {};
+    }
+    auto values = Json::object();
+    for (auto const& facts : attributeTable) {
+        auto const value = record.attributes[facts.m_index];
+        auto const word = valueWord(facts.m_index, value);
+        values[std::string(facts.m_name)] = word.empty() ? Json(value) : Json(word);
+    }
+    return values;
+}
+
+Json s_facts(ScanRecord const& record) {
+    auto facts = Json::array();
+    if (record.isJudged()) {
+        for (auto const& line : attributeLines(record)) {
+            facts.push_back({{"attribute", line.m_name},
+                             {"value", line.m_value},
+                             {"words", toUtf8(line.m_words)}});
+        }
+    }
+    return facts;
+}
+
+Json s_explain(ScanRecord const& record, DeepHeaderSettings const& settings) {
+    auto const story = describeRules(record);
     return {{"messageIdDomain", toUtf8(record.messageIdDomain)},
             {"headerFrom", s_domain(record.headerFrom)},
             {"envelopeFrom", s_domain(record.envelopeFrom)},
@@ -92,34 +233,52 @@ Json s_explain(ScanHost const& host, ScanOutcome const& outcome) {
             {"publicRun", record.publicRun},
             {"noAddressHops", record.noAddressHops},
             {"attributes", record.attributes},
-            {"elite", s_elite(outcome.m_trace.m_elite)},
-            {"tree", {{"path", outcome.m_trace.m_path}, {"result", outcome.m_trace.m_result}}},
-            {"story", toUtf8(tellRules(host, outcome).m_sentences)}};
+            {"elite", s_elite(record.elite)},
+            {"tree", s_tree(record, story)},
+            {"story", toUtf8(story.m_sentences)},
+            {"because", toUtf8(reasonText(record, settings))},
+            {"needed", s_needed(requirements(record, settings))},
+            {"trail", s_trail(record)},
+            {"lookups", s_lookups(record)},
+            {"rules", s_rules(record, story)},
+            {"values", s_values(record)},
+            {"facts", s_facts(record)}};
+}
+
+Json s_verdict(std::string const& source, ScanRecord const& record) {
+    auto const& verdict = record.verdict;
+    Json json = {{"source", toUtf8(source)},
+                 {"verdict", verdictName(verdict)},
+                 {"node", verdict.node},
+                 {"confidence", verdict.confidence},
+                 {"support", verdict.support},
+                 {"adjust", verdict.adjust},
+                 {"adjustReason", toUtf8(verdict.adjustReason)},
+                 {"spam", verdict.isSpam},
+                 {"ham", verdict.isHam},
+                 {"ips", toUtf8(verdict.ips)},
+                 {"reasons", toUtf8(record.answer.getReasons())}};
+    if (record.failure) {
+        json["error"] = toUtf8(*record.failure);
+    }
+    return json;
+}
+
+std::string s_line(Json const& json) {
+    return json.dump(-1, ' ', true) + "\n";
 }
 
 } // namespace
 
-std::string jsonRecord(ScanHost const& host, std::string const& source, ScanOutcome const& outcome,
-                       bool explain) {
-    auto const& answer = RecordAccess::record(outcome.m_answer);
-    Json record = {{"source", toUtf8(source)},
-                   {"verdict", verdictName(outcome.m_answer)},
-                   {"node", answer.m_node},
-                   {"confidence", answer.m_confidenceDegree},
-                   {"support", answer.m_supportDegree},
-                   {"adjust", answer.m_adjust},
-                   {"adjustReason", toUtf8(answer.m_adjustReason)},
-                   {"spam", answer.m_isSpam},
-                   {"ham", answer.m_isHam},
-                   {"ips", toUtf8(answer.m_ips)},
-                   {"reasons", toUtf8(outcome.m_answer.getReasons())}};
-    if (outcome.m_error) {
-        record["error"] = toUtf8(*outcome.m_error);
-    }
-    if (explain) {
-        record["explain"] = s_explain(host, outcome);
-    }
-    return record.dump(-1, ' ', true) + "\n";
+std::string jsonRecord(std::string const& source, ScanRecord const& record) {
+    return s_line(s_verdict(source, record));
+}
+
+std::string jsonExplanation(std::string const& source, ScanRecord const& record,
+                            DeepHeaderSettings const& settings) {
+    auto json = s_verdict(source, record);
+    json["explain"] = s_explain(record, settings);
+    return s_line(json);
 }
 
 } // namespace Quorvane

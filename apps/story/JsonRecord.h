@@ -1,19 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The JSON record of one judged message, on one line. Programs rely on its keys and their order.
-// Pure functions.
+// The JSON record of one judged message, on one line (docs/json-record.md). Programs rely on its
+// keys and their order. Text is ASCII: every other character is escaped; bytes that are not UTF-8
+// appear as U+0080 to U+00FF. Numbers that JSON does not know (NaN, infinities) become null. Pure
+// functions.
 #pragma once
 
-#include "apps/host/ScanHost.h"
+#include "platform/DeepHeaderSettings.h"
+#include "ScanRecord.h"
 
 #include <string>
 
 namespace Quorvane {
 
-// With its line break. Text is ASCII: every other character is escaped; bytes that are no UTF-8
-// appear as U+0080 to U+00FF. Numbers that JSON does not know (NaN, infinities) become null.
-// `explain`: with the working record; host.trace(outcome) was called then.
-std::string jsonRecord(ScanHost const& host, std::string const& source, ScanOutcome const& outcome,
-                       bool explain);
+// The verdict, with its line break.
+std::string jsonRecord(std::string const& source, ScanRecord const& record);
+
+// The same with the key "explain". REQUIRES: a record of depth `alternatives`.
+std::string jsonExplanation(std::string const& source, ScanRecord const& record,
+                            DeepHeaderSettings const& settings);
 
 } // namespace Quorvane

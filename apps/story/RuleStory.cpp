@@ -2,11 +2,12 @@
 #include "apps/story/RuleStory.h"
 
 #include "apps/text/NumberText.h"
-#include "rules/format/AttributeTable.h"
+#include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <set>
 #include <utility>
 
@@ -14,21 +15,38 @@ namespace Quorvane {
 
 namespace {
 
-using Record = DeepHeaderAdapter::MsgProperties;
+struct Words {
+    char const* m_name;
+    char const* m_text;
+};
 
-bool s_isAttribute(std::int32_t attribute) {
-    return attribute >= 0 && attribute <= maxAttribute;
-}
+// In the order of RuleOutcome.
+constexpr auto outcomes = std::to_array<Words>({
+    {"notReached", "not reached: another rule ended the run"},
+    {"level", "left out: its level is above the settings' maximum"},
+    {"noMatch", "does not match"},
+    {"unknownType", "never fires: it neither adjusts nor decides"},
+    {"support", "left out: seen too rarely in training"},
+    {"adjusted", "adjusts"},
+    {"passedOver", "another was chosen before"},
+    {"replaced", "replaced by a later one"},
+    {"chosen", "chosen"},
+});
+static_assert(outcomes.size() == static_cast<std::size_t>(RuleOutcome::chosen) + 1);
 
-bool s_holds(EliteCondition const& condition, Record const& record) {
-    if (!s_isAttribute(condition.attribute) || condition.test < 0 || condition.test > maxTest) {
-        return false;
-    }
-    auto const value = record.attributes[static_cast<std::size_t>(condition.attribute)];
-    return (value == condition.value) == (condition.test == 0);
-}
+// In the order of WalkEnd.
+constexpr auto ends = std::to_array<char const*>({
+    "",
+    "a leaf",
+    "sure enough of spam to stop here",
+    "the branch that fits was seen too rarely in training",
+    "no branch of the tree fits: no decision",
+    "the rules name a node or an attribute that does not exist: no decision",
+    "the rules lead in circles: no decision",
+});
+static_assert(ends.size() == static_cast<std::size_t>(WalkEnd::tooLong) + 1);
 
-std::string s_joined(std::vector<ToldTest> const& tests) {
+std::string s_joined(std::vector<DescribedTest> const& tests) {
     std::string text;
     for (auto const& test : tests) {
         text += (text.empty() ? "" : " and ") + test.m_text;
@@ -42,118 +60,73 @@ std::string s_signed(double value) {
 }
 
 std::string s_letter(std::int32_t code) {
-    auto const letter = static_cast<unsigned char>(code & 0xFF);
-    return letter > 0x20 && letter < 0x7F ? std::string(1, static_cast<char>(letter))
-                                          : std::to_string(int{letter});
+    EliteRecord rule{};
+    rule.code = code;
+    auto const letter = reasonByte(rule);
+    return letter != ' ' && isVisibleReason(letter) ? std::string(1, static_cast<char>(letter))
+                                                    : std::to_string(int{letter});
 }
 
-bool s_fired(EliteNodes const& rule, Record const& record, DeepHeaderSettings const& settings) {
-    bool const isKnown = rule.type == EliteType::adjusting ||
-                         (rule.type == EliteType::deciding && rule.support >= settings.minSupport);
-    return isKnown && rule.level <= settings.maxEliteLevel &&
-           std::all_of(
-               rule.conditions.begin(), rule.conditions.end(),
-               [&record](EliteCondition const& condition) { return s_holds(condition, record); });
-}
-
-std::string s_end(DTNode const& last, int result, DeepHeaderSettings const& settings) {
-    if (result < 0) {
-        return "no branch of the tree fits: no decision";
-    }
-    if (last.isLeaf != 0) {
-        return "a leaf";
-    }
-    bool const isSure = settings.walkToLeaf == 0 && last.confidence >= settings.spamThreshold;
-    return isSure ? "sure enough of spam to stop here"
-                  : "the branch that fits was seen too rarely in training";
-}
-
-// Borders write "unknown" where they found none.
-std::string s_reverseName(DeepHeaderAdapter::SingleReceiver const& hop) {
+// Gateways write "unknown" where they found none.
+std::string s_reverseName(HopAnalysis const& hop) {
     return hop.reverseName == "unknown" ? std::string() : hop.reverseName;
 }
 
-class RuleTeller {
+class RuleDescriber {
   public:
-    RuleTeller(ScanHost const& host, ScanOutcome const& outcome)
-        : m_engine(*host.engine().operator->()), m_settings(host.settings().m_judging),
-          m_outcome(outcome), m_names(sentenceNames(outcome.m_record)) {}
+    explicit RuleDescriber(ScanRecord const& record)
+        : m_record(record), m_names(sentenceNames(record)) {}
 
-    RuleStory tell() {
-        tellElite();
-        tellPath();
-        if (DeepHeaderAdapter::doesEliteDecide(m_outcome.m_trace.m_elite, m_settings)) {
-            for (auto const& rule : m_story.m_elite) {
-                if (rule.m_isChosen) {
-                    addSentences(rule.m_tests);
-                }
-            }
+    RuleStory describe() {
+        for (auto const& rule : m_record.rules) {
+            addRule(rule);
         }
-        for (auto const& node : m_story.m_path) {
-            if (node.m_test) {
-                addSentences({*node.m_test});
-            }
+        for (auto const& node : m_record.tree.path) {
+            addNode(node);
         }
+        m_story.m_end = ends.at(static_cast<std::size_t>(m_record.tree.end));
         return std::move(m_story);
     }
 
   private:
-    ToldTest toldTest(std::int32_t attribute, std::int32_t test, std::int32_t value) const {
-        auto const found = s_isAttribute(attribute)
-                               ? m_outcome.m_record.attributes[static_cast<std::size_t>(attribute)]
-                               : value;
-        return {attribute, testText(attribute, test, value),
-                Rules::fillSentence(Rules::valueSentence(attribute, found), m_names)};
+    DescribedTest described(AttributeTest const& test) const {
+        auto const found = isAttribute(test.attribute)
+                               ? attributeValue(m_record.attributes, test.attribute)
+                               : test.value;
+        return {testText(test),
+                Rules::fillSentence(Rules::valueSentence(test.attribute, found), m_names)};
     }
 
-    void tellElite() {
-        auto const& hits = m_outcome.m_trace.m_elite;
-        for (auto const& rule : m_engine.eliteNodes()) {
-            if (!s_fired(rule, m_outcome.m_record, m_settings)) {
-                continue;
-            }
-            bool const decides = rule.type == EliteType::deciding;
-            ToldRule told{
-                &rule, decides && rule.code == hits.code && rule.weight == hits.confidence, {}};
-            for (auto const& condition : rule.conditions) {
-                told.m_tests.push_back(
-                    toldTest(condition.attribute, condition.test, condition.value));
-            }
-            m_story.m_elite.push_back(std::move(told));
-            // The first deciding rule ends the run in this mode.
-            if (decides && m_engine.eliteHeader().selectMode == SelectMode::first) {
-                return;
+    void addRule(RecordedRule const& rule) {
+        DescribedRule added{&rule, {}};
+        for (auto const& test : rule.tests) {
+            added.m_tests.push_back(described(test));
+        }
+        if (m_record.verdict.decision == Decision::elite && rule.outcome == RuleOutcome::chosen) {
+            for (auto const& test : added.m_tests) {
+                addSentence(test);
             }
         }
+        m_story.m_elite.push_back(std::move(added));
     }
 
-    void tellPath() {
-        for (int const number : m_outcome.m_trace.m_path) {
-            auto const& node = m_engine.treeNodes()[static_cast<std::size_t>(number)];
-            ToldNode told{number, &node, std::nullopt};
-            if (!m_story.m_path.empty()) {
-                told.m_test = toldTest(node.attribute, node.test, node.testValue);
-            }
-            m_story.m_path.push_back(std::move(told));
-        }
+    void addNode(RecordedNode const& node) {
+        DescribedNode added{&node, std::nullopt};
         if (!m_story.m_path.empty()) {
-            m_story.m_end =
-                s_end(*m_story.m_path.back().m_node, m_outcome.m_trace.m_result, m_settings);
+            added.m_test = described(node.test);
+            addSentence(*added.m_test);
+        }
+        m_story.m_path.push_back(std::move(added));
+    }
+
+    // Several attributes say that there is no deep hop.
+    void addSentence(DescribedTest const& test) {
+        if (m_said.insert(test.m_words).second) {
+            m_story.m_sentences.push_back(test.m_words);
         }
     }
 
-    void addSentences(std::vector<ToldTest> const& tests) {
-        for (auto const& test : tests) {
-            // Several attributes say that there is no deep hop.
-            if (m_said.insert(test.m_words).second) {
-                m_story.m_sentences.push_back(test.m_words);
-            }
-        }
-    }
-
-    DeepHeaderAdapter const& m_engine;
-    DeepHeaderSettings const& m_settings;
-    ScanOutcome const& m_outcome;
+    ScanRecord const& m_record;
     Rules::SentenceNames m_names;
     std::set<std::string> m_said;
     RuleStory m_story;
@@ -161,16 +134,17 @@ class RuleTeller {
 
 } // namespace
 
-std::string testText(std::int32_t attribute, std::int32_t test, std::int32_t value) {
-    auto const relation = test == 0 ? " is " : " is not ";
-    if (!s_isAttribute(attribute)) {
-        return "attribute " + std::to_string(attribute) + relation + std::to_string(value);
+std::string testText(AttributeTest const& test) {
+    auto const relation = isEqualityTest(test.test) ? " is " : " is not ";
+    if (!isAttribute(test.attribute)) {
+        return "attribute " + std::to_string(test.attribute) + relation +
+               std::to_string(test.value);
     }
-    auto const index = static_cast<std::size_t>(attribute);
-    return std::string(attributeTable[index].m_name) + relation + valueText(index, value);
+    auto const index = static_cast<std::size_t>(test.attribute);
+    return std::string(attributeTable[index].m_name) + relation + valueText(index, test.value);
 }
 
-Rules::SentenceNames sentenceNames(Record const& record) {
+Rules::SentenceNames sentenceNames(ScanRecord const& record) {
     namespace Name = Rules::SentenceName;
     auto const& first = record.receivers[0];
     auto const& deep = record.receivers[1];
@@ -190,7 +164,7 @@ Rules::SentenceNames sentenceNames(Record const& record) {
     return names;
 }
 
-std::vector<AttributeLine> tellAttributes(Record const& record) {
+std::vector<AttributeLine> attributeLines(ScanRecord const& record) {
     auto const names = sentenceNames(record);
     std::vector<AttributeLine> lines;
     for (auto const& facts : attributeTable) {
@@ -204,25 +178,38 @@ std::vector<AttributeLine> tellAttributes(Record const& record) {
     return lines;
 }
 
-RuleStory tellRules(ScanHost const& host, ScanOutcome const& outcome) {
-    return RuleTeller(host, outcome).tell();
+RuleStory describeRules(ScanRecord const& record) {
+    return RuleDescriber(record).describe();
 }
 
-std::string ruleLine(ToldRule const& told) {
-    auto const& rule = *told.m_rule;
-    if (rule.type == EliteType::adjusting) {
-        return "rule " + s_letter(rule.code) + " adjusts by " + s_signed(rule.weight) + ": " +
-               s_joined(told.m_tests);
+char const* outcomeName(RuleOutcome outcome) {
+    return outcomes.at(static_cast<std::size_t>(outcome)).m_name;
+}
+
+std::string outcomeText(RecordedRule const& rule, ScanRecord const& record) {
+    if (rule.outcome == RuleOutcome::replaced) {
+        return "replaced by rule " + std::to_string(record.rules.at(rule.replacedBy).code);
     }
-    return "rule " + std::to_string(rule.code) + " says " + spamText(rule.weight) +
-           (told.m_isChosen ? "" : " (another was chosen)") + ": " + s_joined(told.m_tests);
+    return outcomes.at(static_cast<std::size_t>(rule.outcome)).m_text;
 }
 
-std::string nodeLine(ToldNode const& told) {
-    auto const& node = *told.m_node;
-    return "node " + std::to_string(told.m_number) + ": " +
-           (told.m_test ? told.m_test->m_text : "the root") + "; " + spamText(node.confidence) +
-           ", seen in " +
+std::string ruleLine(DescribedRule const& described, ScanRecord const& record) {
+    auto const& rule = *described.m_rule;
+    if (rule.outcome == RuleOutcome::adjusted) {
+        return "rule " + s_letter(rule.code) + " adjusts by " + s_signed(rule.weight) + ": " +
+               s_joined(described.m_tests);
+    }
+    bool const isChosen = rule.outcome == RuleOutcome::chosen;
+    return "rule " + std::to_string(rule.code) + " says " + spamText(rule.weight) +
+           (isChosen ? "" : " (" + outcomeText(rule, record) + ")") + ": " +
+           s_joined(described.m_tests);
+}
+
+std::string nodeLine(DescribedNode const& described) {
+    auto const& node = *described.m_node;
+    return "node " + std::to_string(node.number) + ": " +
+           (described.m_test ? described.m_test->m_text : "the root") + "; " +
+           spamText(node.confidence) + ", seen in " +
            (isShare(node.support / 100.0) ? numberText(node.support) + " %"
                                           : "an unknown share " + noShareText(node.support)) +
            " of the training mail";

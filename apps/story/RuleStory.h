@@ -1,27 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RuleStory: which rules came to the answer and why, in plain words. Pure functions; what they
-// return points into the engine and must not outlive it. The words hold names of the message as
-// they stand there: toPrintable or toUtf8 makes them fit to be shown.
+// Which rules came to the answer and why, in plain words. Pure functions; what they return points
+// into the record and must not outlive it. The words hold names of the message as they stand there:
+// toPrintable or toUtf8 makes them fit to be shown.
 #pragma once
 
-#include "adapter/DeepHeaderAdapter.h"
-#include "apps/host/ScanHost.h"
 #include "rules/language/Sentences.h"
+#include "ScanRecord.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace Quorvane {
 
-// "first_reverse_dynamic is yes", "is not yes" for a test other than 0; an index that is no
+// "first_reverse_dynamic is yes", "is not yes" for a test other than 0; an index that is not an
 // attribute is shown as a number.
-std::string testText(std::int32_t attribute, std::int32_t test, std::int32_t value);
+std::string testText(AttributeTest const& test);
 
 // The names that sentences about this message can hold.
-Rules::SentenceNames sentenceNames(DeepHeaderAdapter::MsgProperties const& record);
+Rules::SentenceNames sentenceNames(ScanRecord const& record);
 
 struct AttributeLine {
     std::string m_name;
@@ -30,43 +28,41 @@ struct AttributeLine {
 };
 
 // The attributes that differ from what they are before a scan.
-std::vector<AttributeLine> tellAttributes(DeepHeaderAdapter::MsgProperties const& record);
+std::vector<AttributeLine> attributeLines(ScanRecord const& record);
 
-// A test that holds.
-struct ToldTest {
-    std::int32_t m_attribute;
+struct DescribedTest {
     std::string m_text;  // the test itself
-    std::string m_words; // the value of the message that fulfils it
+    std::string m_words; // what the message has there
 };
 
-// An elite rule that fired.
-struct ToldRule {
-    EliteNodes const* m_rule;
-    bool m_isChosen; // of the deciding ones
-    std::vector<ToldTest> m_tests;
+struct DescribedRule {
+    RecordedRule const* m_rule;
+    std::vector<DescribedTest> m_tests;
 };
 
-// A node that the walk through the tree stood on.
-struct ToldNode {
-    int m_number;
-    DTNode const* m_node;
-    std::optional<ToldTest> m_test; // none on the root
+struct DescribedNode {
+    RecordedNode const* m_node;
+    std::optional<DescribedTest> m_test; // none on the root
 };
 
 struct RuleStory {
-    std::vector<ToldRule> m_elite;
-    std::vector<ToldNode> m_path;
+    std::vector<DescribedRule> m_elite; // all, in the order of the engine's list
+    std::vector<DescribedNode> m_path;
     std::string m_end; // why the walk ended; empty when the tree was not asked
     // What came to the answer, each fact once: of the elite rule that decided, or of the path.
     std::vector<std::string> m_sentences;
 };
 
-// REQUIRES: host.trace(outcome) was called.
-RuleStory tellRules(ScanHost const& host, ScanOutcome const& outcome);
+RuleStory describeRules(ScanRecord const& record);
 
-// "rule 9001 says 0.97 spam: first_reverse_dynamic is yes and hop_behind_first is no".
-std::string ruleLine(ToldRule const& told);
+// What became of a rule: the name for programs, "noMatch", and the words for people.
+char const* outcomeName(RuleOutcome outcome);
+std::string outcomeText(RecordedRule const& rule, ScanRecord const& record);
+
+// "rule 9001 says 0.97 spam: first_reverse_dynamic is yes and hop_behind_first is no"; of a rule
+// that fired.
+std::string ruleLine(DescribedRule const& described, ScanRecord const& record);
 // "node 13: first_reverse_dynamic is no; 0.25 spam, seen in 55 % of the training mail".
-std::string nodeLine(ToldNode const& told);
+std::string nodeLine(DescribedNode const& described);
 
 } // namespace Quorvane

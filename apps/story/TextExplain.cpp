@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/TextExplain.h"
 
+#include "apps/story/LookupText.h"
 #include "apps/story/RuleStory.h"
+#include "apps/story/TrailText.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/Utf8.h"
 
@@ -38,27 +40,27 @@ std::string s_cell(std::string const& bytes) {
     return bytes.empty() ? "-" : toPrintable(bytes);
 }
 
-std::string s_trail(std::vector<StoryHop> const& trail) {
-    if (trail.empty()) {
+std::string s_trail(ScanRecord const& record) {
+    if (record.trail.empty()) {
         return {};
     }
     std::vector<Row> rows{
         {"#", "recorded by", "address", "announced", "reverse name", "receiver", "taken for"}};
     std::size_t number = 0;
-    for (auto const& hop : trail) {
-        rows.push_back({hop.m_isCurrent ? "now" : std::to_string(++number),
-                        hop.m_isVouched ? "our side" : "the sender?", s_cell(hop.m_address),
-                        s_cell(hop.m_helo), s_cell(hop.m_reverseName), s_cell(hop.m_by),
-                        roleText(hop)});
+    for (auto const& hop : record.trail) {
+        rows.push_back({hop.isCurrent ? "now" : std::to_string(++number),
+                        hop.isVouched ? "our side" : "the sender?",
+                        s_cell(hop.address.asString(true)), s_cell(hop.from),
+                        s_cell(hop.reverseName), s_cell(hop.by), roleText(hop)});
     }
     return "  Trail, newest hop first (a sender could have invented what our side did not "
            "record):\n" +
            s_table(rows);
 }
 
-std::string s_attributes(DeepHeaderAdapter::MsgProperties const& record) {
+std::string s_attributes(ScanRecord const& record) {
     std::vector<Row> rows;
-    for (auto const& line : tellAttributes(record)) {
+    for (auto const& line : attributeLines(record)) {
         rows.push_back({line.m_name, line.m_value, toPrintable(line.m_words)});
     }
     return rows.empty() ? "" : "  Attributes that are not at their default:\n" + s_table(rows);
@@ -77,10 +79,24 @@ std::string s_titled(std::string const& title, std::string const& lines) {
     return lines.empty() ? "" : "  " + title + "\n" + lines;
 }
 
-std::string s_elite(RuleStory const& story) {
+// Only those that left something open: an answer shows in the attributes.
+std::string s_lookups(ScanRecord const& record) {
+    std::string lines;
+    for (auto const& lookup : record.lookups) {
+        if (lookup.result == LookupResult::failed || lookup.result == LookupResult::late) {
+            lines += s_line(toPrintable(lookup.name) + ": " + lookupText(lookup.result));
+        }
+    }
+    return s_titled("DNS could not say (counts as not existing):", lines);
+}
+
+std::string s_elite(RuleStory const& story, ScanRecord const& record) {
     std::string lines;
     for (auto const& rule : story.m_elite) {
-        lines += s_line(ruleLine(rule));
+        if (!rule.m_rule->hasFired()) {
+            continue;
+        }
+        lines += s_line(ruleLine(rule, record));
         for (auto const& test : rule.m_tests) {
             lines += s_words(test.m_words);
         }
@@ -96,11 +112,11 @@ std::string s_path(RuleStory const& story) {
     return s_titled("Path through the tree:", lines.empty() ? "" : lines + s_line(story.m_end));
 }
 
-std::string s_needed(std::vector<ToldNeed> const& needs) {
+std::string s_requirements(std::vector<Requirement> const& list) {
     std::string lines;
-    for (auto const& need : needs) {
-        lines += s_line(need.m_verdict + ": " + need.m_text);
-        for (auto const& words : need.m_words) {
+    for (auto const& requirement : list) {
+        lines += s_line(requirement.m_verdict + ": " + requirement.m_text);
+        for (auto const& words : requirement.m_words) {
             lines += s_words(words);
         }
     }
@@ -117,15 +133,14 @@ std::string s_inWords(RuleStory const& story) {
 
 } // namespace
 
-std::string textExplain(ScanHost const& host, ScanOutcome const& outcome,
-                        std::vector<StoryHop> const& trail) {
-    auto const story = tellRules(host, outcome);
-    auto text = "  Because: " + toPrintable(tellReason(host, outcome, trail)) + ".\n" +
-                s_inWords(story) + s_trail(trail);
-    if (outcome.m_reachedVerdict && !outcome.m_error) {
-        text += s_attributes(outcome.m_record) + s_elite(story) + s_path(story);
+std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& settings) {
+    auto const story = describeRules(record);
+    auto text = "  Because: " + toPrintable(reasonText(record, settings)) + ".\n" +
+                s_inWords(story) + s_trail(record);
+    if (record.isJudged()) {
+        text += s_lookups(record) + s_attributes(record) + s_elite(story, record) + s_path(story);
     }
-    return text + s_needed(tellNeeded(host, outcome, trail)) + "\n";
+    return text + s_requirements(requirements(record, settings)) + "\n";
 }
 
 } // namespace Quorvane

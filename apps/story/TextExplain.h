@@ -4,17 +4,14 @@
 // fired, the reason and what another verdict would have needed. Pure functions.
 #pragma once
 
-#include "apps/host/ScanHost.h"
-#include "apps/story/TrailStory.h"
+#include "platform/DeepHeaderSettings.h"
+#include "ScanRecord.h"
 
 #include <string>
-#include <vector>
 
 namespace Quorvane {
 
-// Indented lines, and an empty one at the end. REQUIRES: host.trace(outcome) was called. `trail` is
-// empty when there is no message but a bare vector.
-std::string textExplain(ScanHost const& host, ScanOutcome const& outcome,
-                        std::vector<StoryHop> const& trail);
+// Indented lines, and an empty one at the end. REQUIRES: a record of depth `alternatives`.
+std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& settings);
 
 } // namespace Quorvane

@@ -4,7 +4,6 @@
 #include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
 #include "apps/text/Utf8.h"
-#include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
 #include <string_view>
@@ -31,14 +30,14 @@ std::string_view s_colour(std::string_view verdict) {
     return verdict == "ham" ? "\x1B[32m" : "\x1B[2m";
 }
 
-std::string s_verdict(DeepHeaderAnswer const& answer, bool colour) {
+std::string s_verdict(RecordedVerdict const& answer, bool colour) {
     std::string const verdict = verdictName(answer);
     auto const padded = s_padded(verdict, verdictWidth);
     return colour ? std::string(s_colour(verdict)) + padded + "\x1B[0m" : padded;
 }
 
-std::string s_confidence(DeepHeaderAnswerImpl const& answer) {
-    return answer.m_node == 0 ? "-" : numberText(answer.m_confidenceDegree);
+std::string s_confidence(RecordedVerdict const& answer) {
+    return answer.node == 0 ? "-" : numberText(answer.confidence);
 }
 
 std::string s_orDash(std::string const& text) {
@@ -47,15 +46,15 @@ std::string s_orDash(std::string const& text) {
 
 } // namespace
 
-std::string textRecord(std::string const& source, ScanOutcome const& outcome, bool colour) {
-    auto const& answer = RecordAccess::record(outcome.m_answer);
-    auto const node = answer.m_node == 0 ? "-" : std::to_string(answer.m_node);
-    auto line = s_verdict(outcome.m_answer, colour) + "  " +
-                s_padded(s_confidence(answer), confidenceWidth) + "  " + s_padded(node, nodeWidth) +
-                "  " + s_padded(s_orDash(toPrintable(answer.m_ips)), addressWidth) + "  " +
+std::string textRecord(std::string const& source, ScanRecord const& record, bool colour) {
+    auto const& answer = record.verdict;
+    auto const node = answer.node == 0 ? "-" : std::to_string(answer.node);
+    auto line = s_verdict(answer, colour) + "  " + s_padded(s_confidence(answer), confidenceWidth) +
+                "  " + s_padded(node, nodeWidth) + "  " +
+                s_padded(s_orDash(toPrintable(answer.ips)), addressWidth) + "  " +
                 toPrintable(source);
-    if (outcome.m_error) {
-        line += "  (" + toPrintable(*outcome.m_error) + ")";
+    if (record.failure) {
+        line += "  (" + toPrintable(*record.failure) + ")";
     }
     return line + "\n";
 }

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/VerdictStory.h"
 
-#include "apps/story/Alternatives.h"
 #include "apps/story/RuleStory.h"
 #include "apps/text/NumberText.h"
+#include "rules/format/AttributeTable.h"
 #include "rules/format/RuleTests.h"
-#include "scanner/records/RecordAccess.h"
+#include "rules/format/ValueWords.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,71 +14,76 @@ namespace Quorvane {
 
 namespace {
 
-bool s_has(std::vector<StoryHop> const& trail, HopRole role) {
+using Trail = std::vector<RecordedHop>;
+
+bool s_has(Trail const& trail, HopRole role) {
     return std::any_of(trail.begin(), trail.end(),
-                       [role](StoryHop const& hop) { return hop.m_role == role; });
+                       [role](RecordedHop const& hop) { return hop.role == role; });
 }
 
 // The scan found no public hop: why not?
-std::string s_noHopReason(std::vector<StoryHop> const& trail) {
+std::string s_noHopReason(Trail const& trail) {
     if (trail.empty()) {
         return "the message has no Received header";
     }
-    auto const end = std::find_if(trail.begin(), trail.end(), [](StoryHop const& hop) {
-        return hop.m_role == HopRole::endsByIPv6 || hop.m_role == HopRole::endsByAntiSpam ||
-               hop.m_role == HopRole::endsByScore;
+    auto const end = std::find_if(trail.begin(), trail.end(), [](RecordedHop const& hop) {
+        return hop.role == HopRole::ipv6End || hop.role == HopRole::trustedPartner ||
+               hop.role == HopRole::scoredEnd;
     });
     if (end == trail.end()) {
         return "no public address";
     }
-    if (end->m_role == HopRole::endsByIPv6) {
+    if (end->role == HopRole::ipv6End) {
         return end == trail.begin() ? "the newest hop came by IPv6"
                                     : "no public address before a hop that came by IPv6";
     }
-    return end->m_role == HopRole::endsByAntiSpam
+    return end->role == HopRole::trustedPartner
                ? "the message came from a relay that filters already"
-               : "the reputation of " + end->m_address + " ended the walk before any public hop";
+               : "the reputation of " + end->address.asString(true) +
+                     " ended the walk before any public hop";
 }
 
-std::string s_sum(DeepHeaderAnswerImpl const& answer) {
-    auto text = numberText(answer.m_confidenceDegree);
-    if (answer.m_adjust != 0.0) {
-        text += (answer.m_adjust < 0 ? " - " : " + ") + numberText(std::abs(answer.m_adjust));
+std::string s_sum(RecordedVerdict const& verdict) {
+    auto text = numberText(verdict.confidence);
+    if (verdict.adjust != 0.0) {
+        text += (verdict.adjust < 0 ? " - " : " + ") + numberText(std::abs(verdict.adjust));
     }
     return text + " spam";
 }
 
-std::string s_decidedReason(DeepHeaderAnswerImpl const& answer,
-                            DeepHeaderSettings const& settings) {
+std::string s_decidedReason(RecordedVerdict const& verdict, DeepHeaderSettings const& settings) {
     auto const spam = numberText(settings.spamThreshold);
-    if (answer.m_isSpam) {
-        return s_sum(answer) + " reaches the spam threshold " + spam;
+    if (verdict.isSpam) {
+        return s_sum(verdict) + " reaches the spam threshold " + spam;
     }
-    auto const ham = numberText(1.0 - answer.m_confidenceDegree) + " ham";
-    if (answer.m_isHam) {
+    auto const ham = numberText(1.0 - verdict.confidence) + " ham";
+    if (verdict.isHam) {
         return ham + " reaches the ham threshold " + numberText(settings.hamThreshold);
     }
-    return "not sure enough: " + s_sum(answer) + " is below the spam threshold " + spam + ", " +
+    return "not sure enough: " + s_sum(verdict) + " is below the spam threshold " + spam + ", " +
            ham + " below the ham threshold " + numberText(settings.hamThreshold);
 }
 
-std::string s_undecidedReason(DeepHeaderAdapter const& engine, DeepHeaderSettings const& settings) {
-    if (engine.consultsTree(settings)) {
-        return "no rule decided";
+std::string s_undecidedReason(TreeUse use) {
+    switch (use) {
+    case TreeUse::leftOut:
+        return "no rule decided: no elite rule did, and the rules leave the tree out";
+    case TreeUse::switchedOff:
+        return "thresholds switch the tree off (a spam threshold of 95 or more)";
+    case TreeUse::notReached:
+    case TreeUse::eliteDecided:
+    case TreeUse::walked:
+        break;
     }
-    return isTreeOn(settings.spamThreshold)
-               ? "no rule decided: no elite rule did, and the rules leave the tree out"
-               : "thresholds switch the tree off (a spam threshold of 95 or more)";
+    return "no rule decided";
 }
 
-std::string s_changes(Alternative const& alternative, DeepHeaderAdapter::MsgProperties const& now) {
+std::string s_changes(Alternative const& alternative, AttributeVector const& now) {
     std::string text;
-    for (auto const& [attribute, value] : alternative.m_changes) {
-        auto const index = static_cast<std::int32_t>(attribute);
-        text += (text.empty() ? "" : " and ") + testText(index, 0, value) + " (it " +
-                testText(index, 0, now.attributes[attribute])
-                    .substr(attributeTable[attribute].m_name.size() + 1) +
-                ")";
+    for (auto const& [attribute, value] : alternative.changes) {
+        auto const index = static_cast<std::size_t>(attribute);
+        text += (text.empty() ? "" : " and ") + testText({attribute, Comparison::equals, value}) +
+                " (it is " + valueText(index, now[index]) + ")";
     }
     return text;
 }
@@ -86,39 +91,33 @@ std::string s_changes(Alternative const& alternative, DeepHeaderAdapter::MsgProp
 // Of what is not so: without the names of what is.
 std::vector<std::string> s_words(Alternative const& alternative) {
     std::vector<std::string> words;
-    for (auto const& [attribute, value] : alternative.m_changes) {
-        auto const sentence = Rules::valueSentence(static_cast<std::int32_t>(attribute), value);
-        words.push_back(Rules::fillSentence(sentence, {}));
+    for (auto const& [attribute, value] : alternative.changes) {
+        words.push_back(Rules::fillSentence(Rules::valueSentence(attribute, value), {}));
     }
     return words;
 }
 
 // A node decided, but neither threshold was reached: which would have been?
-void s_addThresholds(std::vector<ToldNeed>& needs, ScanOutcome const& outcome,
+void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verdict,
                      DeepHeaderSettings const& settings) {
-    auto const& answer = RecordAccess::record(outcome.m_answer);
-    if (answer.m_node == 0 || answer.m_isSpam || answer.m_isHam ||
-        !(answer.m_supportDegree >= settings.minSupport)) {
+    if (verdict.node == 0 || verdict.isSpam || verdict.isHam ||
+        !isSupported(verdict.support, settings.minSupport)) {
         return;
     }
-    auto spam = answer.m_confidenceDegree + answer.m_adjust;
-    if (auto const& elite = outcome.m_trace.m_elite;
-        elite.code != 0 && elite.support >= settings.minSupport) {
-        spam = std::max(spam, elite.confidence + elite.adjust);
-    }
-    needs.push_back({"spam", "a spam threshold of " + numberText(spam) + " or less", {}});
-    needs.push_back(
-        {"ham",
-         "a ham threshold of " + numberText(1.0 - answer.m_confidenceDegree) + " or less",
-         {}});
+    list.push_back(
+        {"spam", "a spam threshold of " + numberText(verdict.spamScore) + " or less", {}});
+    list.push_back(
+        {"ham", "a ham threshold of " + numberText(1.0 - verdict.confidence) + " or less", {}});
 }
 
 // A walk that an IPv6 relay ended goes on when that relay is known to be the site's own.
-std::vector<ToldNeed> s_way(std::vector<StoryHop> const& trail) {
+std::vector<Requirement> s_wayOn(Trail const& trail) {
     for (auto const& hop : trail) {
-        if (hop.m_role == HopRole::endsByIPv6) {
+        if (hop.role == HopRole::ipv6End) {
             return {
-                {"any", "--internal " + hop.m_address + ", if that is a relay of this site", {}}};
+                {"any",
+                 "--internal " + hop.address.asString(true) + ", if that is a relay of this site",
+                 {}}};
         }
     }
     return {};
@@ -126,47 +125,41 @@ std::vector<ToldNeed> s_way(std::vector<StoryHop> const& trail) {
 
 } // namespace
 
-char const* verdictName(DeepHeaderAnswer const& answer) {
-    if (answer.isSpam()) {
+char const* verdictName(RecordedVerdict const& verdict) {
+    if (verdict.isSpam) {
         return "spam";
     }
-    return answer.isHam() ? "ham" : "none";
+    return verdict.isHam ? "ham" : "none";
 }
 
-std::string tellReason(ScanHost const& host, ScanOutcome const& outcome,
-                       std::vector<StoryHop> const& trail) {
-    auto const& settings = host.settings().m_judging;
-    auto const& answer = RecordAccess::record(outcome.m_answer);
-    if (outcome.m_error) {
-        return s_has(trail, HopRole::unreadable)
+std::string reasonText(ScanRecord const& record, DeepHeaderSettings const& settings) {
+    if (record.failure) {
+        return s_has(record.trail, HopRole::unreadable)
                    ? "the scan failed: a Received header cannot be read"
-                   : "the scan failed: " + *outcome.m_error;
+                   : "the scan failed: " + *record.failure;
     }
-    if (!outcome.m_reachedVerdict) {
-        return outcome.m_isVector
-                   ? "nothing to judge: a message without public hop has no attributes"
-                   : s_noHopReason(trail);
+    if (!record.isJudged()) {
+        return record.isVector ? "nothing to judge: a message without public hop has no attributes"
+                               : s_noHopReason(record.trail);
     }
-    return answer.m_node != 0 || answer.m_isSpam
-               ? s_decidedReason(answer, settings)
-               : s_undecidedReason(*host.engine().operator->(), settings);
+    return record.verdict.decision == Decision::none ? s_undecidedReason(record.tree.use)
+                                                     : s_decidedReason(record.verdict, settings);
 }
 
-std::vector<ToldNeed> tellNeeded(ScanHost const& host, ScanOutcome const& outcome,
-                                 std::vector<StoryHop> const& trail) {
-    if (outcome.m_error || !outcome.m_reachedVerdict) {
-        return s_way(trail);
+std::vector<Requirement> requirements(ScanRecord const& record,
+                                      DeepHeaderSettings const& settings) {
+    if (record.failure || !record.isJudged()) {
+        return s_wayOn(record.trail);
     }
-    std::vector<ToldNeed> needs;
-    auto const& settings = host.settings().m_judging;
-    for (auto const& alternative : findAlternatives(host.engine(), settings, outcome.m_record)) {
-        needs.push_back({alternative.m_isSpam ? "spam" : "ham",
-                         s_changes(alternative, outcome.m_record) + "; then node " +
-                             std::to_string(alternative.m_node) + " decides",
-                         s_words(alternative)});
+    std::vector<Requirement> list;
+    for (auto const& alternative : record.alternatives) {
+        list.push_back({alternative.isSpam ? "spam" : "ham",
+                        s_changes(alternative, record.attributes) + "; then node " +
+                            std::to_string(alternative.node) + " decides",
+                        s_words(alternative)});
     }
-    s_addThresholds(needs, outcome, settings);
-    return needs;
+    s_addThresholds(list, record.verdict, settings);
+    return list;
 }
 
 } // namespace Quorvane

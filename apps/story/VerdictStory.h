@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// VerdictStory: why a message got its verdict, in one sentence, and what would have been needed for
-// another one. Pure functions; the alternatives are tried on the engine before they are told.
+// Why a message got its verdict, in one sentence, and what another verdict would have needed. Pure
+// functions over the record of a scan and the settings that it was made with.
 #pragma once
 
-#include "apps/host/ScanHost.h"
-#include "apps/story/TrailStory.h"
+#include "platform/DeepHeaderSettings.h"
+#include "ScanRecord.h"
 
 #include <string>
 #include <vector>
@@ -13,22 +13,21 @@
 namespace Quorvane {
 
 // "spam", "ham" or "none".
-char const* verdictName(DeepHeaderAnswer const& answer);
+char const* verdictName(RecordedVerdict const& verdict);
 
 // One sentence without a full stop: "the newest hop came by IPv6", "no public address", "no rule
 // decided", "thresholds switch the tree off", "0.99 spam reaches the threshold 0.95".
-std::string tellReason(ScanHost const& host, ScanOutcome const& outcome,
-                       std::vector<StoryHop> const& trail);
+std::string reasonText(ScanRecord const& record, DeepHeaderSettings const& settings);
 
-struct ToldNeed {
-    std::string m_verdict;            // "spam", "ham", "any"
-    std::string m_text;               // what would have to change
-    std::vector<std::string> m_words; // the same in plain words, where that says more
+// One way to another verdict.
+struct Requirement {
+    std::string m_verdict; // "spam", "ham", or "any" when the message was not judged
+    std::string m_text;
+    std::vector<std::string> m_words; // the same changes as sentences, one each
 };
 
-// For each other verdict the change of the fewest attributes, or of a threshold, that would have
-// given it. When the scan came to no rules: what would have let it, where the host can do that.
-std::vector<ToldNeed> tellNeeded(ScanHost const& host, ScanOutcome const& outcome,
-                                 std::vector<StoryHop> const& trail);
+// When the scan did not come to the rules: what would let it, where the host can do that. What
+// depends on attributes is there from RecordDepth::alternatives on.
+std::vector<Requirement> requirements(ScanRecord const& record, DeepHeaderSettings const& settings);
 
 } // namespace Quorvane

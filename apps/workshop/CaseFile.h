@@ -4,8 +4,8 @@
 // (docs/testing-rules.md). Plain values; the reader is a pure function but for the files it reads.
 #pragma once
 
-#include "apps/host/ScanHost.h"
 #include "apps/settings/HostSettings.h"
+#include "apps/settings/MessageFacts.h"
 #include "rules/vectors/VectorTable.h"
 
 #include <cstdint>

@@ -1,42 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseRunner.h"
 
+#include "apps/host/HostSetup.h"
+#include "apps/host/RuleLoader.h"
 #include "apps/settings/SettingsTable.h"
 #include "apps/story/RuleStory.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
 #include "apps/text/Utf8.h"
-#include "apps/workshop/RuleEngine.h"
-#include "platform/DynamicIdentifier.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
-#include "scanner/records/RecordAccess.h"
 
 namespace Quorvane::Workshop {
 
 namespace {
 
-CaseResult s_resultOf(ScanHost const& host, ScanOutcome const& outcome,
-                      std::vector<StoryHop> const& trail) {
-    auto const& answer = RecordAccess::record(outcome.m_answer);
+CaseResult s_resultOf(ScanRecord const& record, DeepHeaderSettings const& settings) {
+    auto const& verdict = record.verdict;
     CaseResult result;
-    result.m_verdict = verdictName(outcome.m_answer);
-    result.m_node = answer.m_node;
-    result.m_confidence = answer.m_confidenceDegree;
-    result.m_reasons = answer.m_adjustReason;
-    result.m_because = tellReason(host, outcome, trail);
-    result.m_sentences = tellRules(host, outcome).m_sentences;
+    result.m_verdict = verdictName(verdict);
+    result.m_node = verdict.node;
+    result.m_confidence = verdict.confidence;
+    result.m_reasons = verdict.adjustReason;
+    result.m_because = reasonText(record, settings);
+    result.m_sentences = describeRules(record).m_sentences;
     return result;
 }
 
-CaseResult s_judge(RuleCase const& one, ScanHost const& host) {
-    auto const headers = HeaderReader::read(one.m_headers.value_or(std::string()));
-    auto outcome = one.m_headers ? host.scan(headers, one.m_facts) : host.judge(one.m_vector);
-    host.trace(outcome);
-    return s_resultOf(host, outcome,
-                      one.m_headers ? tellTrail(host, headers, one.m_facts)
-                                    : std::vector<StoryHop>());
+ScanRecord s_judge(RuleCase const& one, ScanHost const& host) {
+    auto const depth = RecordDepth::steps;
+    return one.m_headers ? host.scan(HeaderReader::read(*one.m_headers), one.m_facts, depth)
+                         : host.judge(one.m_vector, depth);
 }
 
 std::string s_nodeText(std::int32_t node) {
@@ -79,23 +74,14 @@ std::vector<CaseDifference> s_compare(CaseExpectation const& expected, CaseResul
 
 void CaseRunner::load(std::string const& rules) {
     if (!m_engines.contains(rules)) {
-        m_engines.emplace(rules, loadEngine(Rules::loadRules(rules).m_set));
+        m_engines.emplace(rules, engineOf(Rules::loadRules(rules).m_set));
     }
-}
-
-// A host that names no patterns leaves those in force alone.
-void CaseRunner::restorePatterns(HostSettings const& settings) {
-    if (m_hasOwnPatterns && settings.m_dynamicPatterns.empty()) {
-        Telvanis::DynamicIdentifierSingleton::install(Telvanis::DynamicIdentifier::builtIn());
-    }
-    m_hasOwnPatterns = !settings.m_dynamicPatterns.empty();
 }
 
 CaseResult CaseRunner::run(RuleCase const& one, std::string const& path, std::string const& rules) {
     try {
-        restorePatterns(one.m_settings);
-        ScanHost const host(one.m_settings, m_engines.at(rules));
-        auto result = s_judge(one, host);
+        auto const host = setUpHost(one.m_settings, m_engines.at(rules));
+        auto result = s_resultOf(s_judge(one, *host), one.m_settings.m_judging);
         result.m_differences = s_compare(one.m_expected, result);
         return result;
     } catch (SettingsError const& error) {

@@ -6,8 +6,8 @@
 // engines of the rules that the cases name are kept.
 #pragma once
 
-#include "adapter/DeepHeaderAdapter.h"
 #include "apps/workshop/CaseFile.h"
+#include "DeepHeaderEngine.h"
 
 #include <map>
 #include <string>
@@ -44,10 +44,7 @@ class CaseRunner {
     CaseResult run(RuleCase const& one, std::string const& path, std::string const& rules);
 
   private:
-    void restorePatterns(HostSettings const& settings);
-
-    std::map<std::string, RefDeepHeaderAdapter> m_engines; // by the path of their rules
-    bool m_hasOwnPatterns = false;                         // those in force are of the last case
+    std::map<std::string, DeepHeaderEngine> m_engines; // by the path of their rules
 };
 
 } // namespace Quorvane::Workshop

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/MailVectors.h"
 
+#include "apps/host/HostSetup.h"
+#include "apps/host/RuleLoader.h"
 #include "apps/settings/ExitCode.h"
-#include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
 #include "rules/model/RuleError.h"
@@ -60,8 +61,8 @@ std::vector<InputItem> s_readBatch(Inputs& inputs) {
 
 // The engine will not start without a tree; one without records decides nothing.
 MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
-    : m_wantsRewritten(wantsRewritten), m_host(settings, loadEngine(Rules::RuleSet{})),
-      m_isOwnRelay(s_ownRelays(m_host.settings())) {}
+    : m_wantsRewritten(wantsRewritten), m_host(setUpHost(settings, engineOf(Rules::RuleSet{}))),
+      m_isOwnRelay(s_ownRelays(settings)) {}
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
     Inputs inputs(paths, m_interrupt);
@@ -98,7 +99,7 @@ std::vector<MailVector> MailVectors::scanBatch(std::vector<InputItem> const& bat
             vectors[i] = vectorOf(batch[i]);
         }
     };
-    auto const jobs = m_host.settings().m_jobs;
+    auto const jobs = m_host->settings().m_jobs;
     auto const threads = jobs != 0 ? jobs : std::max(1U, std::thread::hardware_concurrency());
     std::vector<std::future<void>> workers;
     for (unsigned int i = 0; i < threads; ++i) {
@@ -130,11 +131,9 @@ MailVector MailVectors::vectorOf(InputItem const& item) const {
 
 std::optional<Rules::AttributeVector>
 MailVectors::attributesOf(std::string const& headerSection) const {
-    auto const outcome = m_host.scan(HeaderReader::read(headerSection), MessageFacts{});
-    if (outcome.m_error || !outcome.m_reachedVerdict) {
-        return std::nullopt;
-    }
-    return outcome.m_record.attributes;
+    auto const record =
+        m_host->scan(HeaderReader::read(headerSection), MessageFacts{}, RecordDepth::result);
+    return record.isJudged() ? std::optional(record.attributes) : std::nullopt;
 }
 
 } // namespace Quorvane::Workshop

@@ -14,6 +14,7 @@
 #include "rules/vectors/VectorTable.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -54,7 +55,7 @@ class MailVectors {
 
     Interrupt m_interrupt; // before any thread
     bool m_wantsRewritten;
-    ScanHost m_host;
+    std::shared_ptr<ScanHost const> m_host;
     Rules::IsOwnRelay m_isOwnRelay;
 };
 

@@ -3,12 +3,10 @@
 // VectorJudge: an engine with one rule set, asked about attribute vectors instead of messages.
 //
 // Owns its engine; several with different rules live side by side. judge() may be called from any
-// thread. Construct it before scans begin: it moves the file layer's root for a moment. A RuleError
-// when no host could load the rules.
+// thread. A RuleError when no host could load the rules.
 #pragma once
 
-#include "adapter/DeepHeaderAdapter.h"
-#include "DeepHeaderQuery.h"
+#include "DeepHeaderEngine.h"
 #include "rules/evaluate/JudgedVector.h"
 #include "rules/model/RuleSet.h"
 #include "rules/vectors/VectorTable.h"
@@ -24,11 +22,9 @@ class VectorJudge {
     // early takes another way at another threshold.
     Rules::JudgedVector judge(Rules::AttributeVector const& vector) const;
 
-    DeepHeaderAdapter const& engine() const { return *m_engine.operator->(); }
-
   private:
-    DeepHeaderQuery m_query; // carries the settings
-    RefDeepHeaderAdapter m_engine;
+    DeepHeaderEngine m_engine;
+    DeepHeaderSettings m_settings;
 };
 
 } // namespace Quorvane::Workshop

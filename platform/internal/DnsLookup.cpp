@@ -53,7 +53,8 @@ ResolverMessage Lookup::wait() {
         }
         take(*arrival);
     }
-    count(m_open > 0);
+    m_message.result(end());
+    count(m_message.result());
     cancelOpen();
     return std::exchange(m_message, ResolverMessage());
 }
@@ -98,14 +99,21 @@ void Lookup::cancelOpen() {
     m_open = 0;
 }
 
-// Whoever got records does not care about the rest.
-void Lookup::count(bool late) {
-    if (!m_message.isEmpty()) {
-        return;
+// Without records: whoever got some does not care about the rest.
+LookupResult Lookup::end() const {
+    if (m_open > 0) {
+        return LookupResult::late;
     }
-    if (late) {
+    if (m_failed) {
+        return LookupResult::failed;
+    }
+    return m_box ? LookupResult::doesNotExist : LookupResult::notAsked;
+}
+
+void Lookup::count(LookupResult result) {
+    if (result == LookupResult::late) {
         m_tally->m_late.fetch_add(1, std::memory_order_relaxed);
-    } else if (m_failed) {
+    } else if (result == LookupResult::failed) {
         m_tally->m_failed.fetch_add(1, std::memory_order_relaxed);
     }
 }

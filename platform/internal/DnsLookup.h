@@ -61,7 +61,8 @@ class Lookup {
     void take(AnswerBox::Arrival& arrival);
     void followAlias(std::size_t slot, std::string const& alias);
     void cancelOpen();
-    void count(bool late);
+    LookupResult end() const;
+    void count(LookupResult result);
 
     std::shared_ptr<UnboundContext const> m_context;
     std::shared_ptr<Tally> m_tally;

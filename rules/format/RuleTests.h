@@ -14,6 +14,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 namespace Quorvane {
 
@@ -130,10 +131,13 @@ constexpr bool holds(EliteCondition const& condition, AttributeVector const& att
     return isEqual == isEqualityTest(condition.test);
 }
 
-inline bool matches(EliteNodes const& rule, AttributeVector const& attributes) {
-    return std::all_of(
+// The place of the first condition that does not hold; the number of conditions when the rule
+// matches.
+inline std::size_t firstFailing(EliteNodes const& rule, AttributeVector const& attributes) {
+    auto const failing = std::find_if_not(
         rule.conditions.begin(), rule.conditions.end(),
         [&attributes](EliteCondition const& condition) { return holds(condition, attributes); });
+    return static_cast<std::size_t>(std::distance(rule.conditions.begin(), failing));
 }
 
 constexpr bool isWithinLevel(EliteRecord const& rule, std::int32_t maxEliteLevel) {

@@ -1,23 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/story/Alternatives.h"
+#include "adapter/Alternatives.h"
 
-#include "rules/format/AttributeTable.h"
 #include "scanner/records/RecordAccess.h"
 
+#include <cstddef>
+#include <map>
 #include <optional>
-#include <utility>
 
 namespace Quorvane {
 
 namespace {
 
-using Record = DeepHeaderAdapter::MsgProperties;
+// Attribute index and the value that it would need.
 using Changes = std::map<std::size_t, std::int32_t>;
 
-// One wish: that `attribute` equals `value`, or (test other than 0) that it differs.
+// More changes than this are another message.
+constexpr std::size_t maxChanges = 3;
+
+// One wish: that `attribute` equals `value`, or that it differs.
 struct Wish {
     std::int32_t m_attribute;
-    std::int32_t m_test;
+    bool m_isEquality;
     std::int32_t m_value;
 };
 
@@ -36,7 +39,7 @@ std::optional<std::int32_t> s_otherValue(AttributeFacts const& facts, std::int32
 // A value that grants the wish and that the engine can write; empty when there is none.
 std::optional<std::int32_t> s_granted(Wish const& wish) {
     auto const& facts = attributeTable[static_cast<std::size_t>(wish.m_attribute)];
-    if (wish.m_test != 0) {
+    if (!wish.m_isEquality) {
         return s_otherValue(facts, wish.m_value);
     }
     return facts.m_values.contains(wish.m_value) ? std::optional(wish.m_value) : std::nullopt;
@@ -44,9 +47,9 @@ std::optional<std::int32_t> s_granted(Wish const& wish) {
 
 class Search {
   public:
-    Search(RefDeepHeaderAdapter const& engine, DeepHeaderSettings const& settings,
-           Record const& record)
-        : m_engine(engine), m_record(record),
+    Search(DeepHeaderAdapter& engine, DeepHeaderSettings const& settings,
+           AttributeVector const& attributes)
+        : m_engine(engine), m_attributes(attributes),
           m_query(HeaderContainer(), Header(), settings, 0, EmailAddress(), EmailAddress(),
                   EmailAddress(), RefMessageProperties(true)) {
         auto const now = judge({});
@@ -68,25 +71,34 @@ class Search {
 
   private:
     DeepHeaderAnswer judge(Changes const& changes) {
-        auto record = m_record;
+        DeepHeaderAdapter::MsgProperties props;
+        props.attributes = m_attributes;
         for (auto const& [attribute, value] : changes) {
-            record.attributes[attribute] = value;
+            props.attributes[attribute] = value;
         }
         DeepHeaderAnswer answer;
-        m_engine->getResults(RecordAccess::record(answer), m_query, record);
+        m_engine.getResults(RecordAccess::record(answer), m_query, props);
         return answer;
+    }
+
+    static Alternative alternative(bool isSpam, int node, Changes const& changes) {
+        Alternative found{isSpam, node, {}};
+        for (auto const& [attribute, value] : changes) {
+            found.changes.push_back({static_cast<std::int32_t>(attribute), value});
+        }
+        return found;
     }
 
     bool isMet(Wish const& wish, Changes const& changes) const {
         auto const index = static_cast<std::size_t>(wish.m_attribute);
         auto const changed = changes.find(index);
-        auto const value = changed == changes.end() ? m_record.attributes[index] : changed->second;
-        return (value == wish.m_value) == (wish.m_test == 0);
+        auto const value = changed == changes.end() ? m_attributes[index] : changed->second;
+        return (value == wish.m_value) == wish.m_isEquality;
     }
 
     // False when the wish cannot be granted, or takes one change too many.
     bool grant(Wish const& wish, Changes& changes) const {
-        if (wish.m_attribute < 0 || wish.m_attribute > maxAttribute) {
+        if (!isAttribute(wish.m_attribute)) {
             return false;
         }
         if (isMet(wish, changes)) {
@@ -101,12 +113,14 @@ class Search {
     }
 
     void searchElite() {
-        for (auto const& rule : m_engine->eliteNodes()) {
+        for (auto const& rule : m_engine.eliteNodes()) {
             Changes changes;
             bool isGranted = rule.type == EliteType::deciding;
             for (auto const& condition : rule.conditions) {
-                isGranted = isGranted &&
-                            grant({condition.attribute, condition.test, condition.value}, changes);
+                isGranted =
+                    isGranted && isRealCondition(condition) &&
+                    grant({condition.attribute, isEqualityTest(condition.test), condition.value},
+                          changes);
             }
             if (isGranted) {
                 consider(changes);
@@ -117,8 +131,8 @@ class Search {
     // The changes that lead to a node only grow on the way down, which ends the search early; a
     // node named by several parents is reached on several ways, but on each only once.
     void searchTree(int number, Changes const& changes) {
-        auto const& node = m_engine->treeNodes()[static_cast<std::size_t>(number)];
-        if (node.childCount > maxChildren || m_depth >= treeTableSize || --m_budget < 0) {
+        auto const& node = m_engine.treeNodes()[static_cast<std::size_t>(number)];
+        if (hasTooManyChildren(node) || m_depth >= treeTableSize || --m_budget < 0) {
             return;
         }
         ++m_depth;
@@ -129,11 +143,11 @@ class Search {
     }
 
     void searchChild(int child, Changes changes) {
-        if (child < 1 || child >= treeTableSize) {
+        if (!isChildIndex(child)) {
             return;
         }
-        auto const& node = m_engine->treeNodes()[static_cast<std::size_t>(child)];
-        if (!grant({node.attribute, node.test, node.testValue}, changes)) {
+        auto const& node = m_engine.treeNodes()[static_cast<std::size_t>(child)];
+        if (!grant({node.attribute, isEqualityTest(node.test), node.testValue}, changes)) {
             return;
         }
         consider(changes);
@@ -148,23 +162,23 @@ class Search {
         }
         auto const answer = judge(changes);
         if (answer.isSpam() && !isAtLeastAsGood(m_spam, m_wantsSpam, changes)) {
-            m_spam = Alternative{true, answer.getNode(), changes};
+            m_spam = alternative(true, answer.getNode(), changes);
         }
         if (answer.isHam() && !isAtLeastAsGood(m_ham, m_wantsHam, changes)) {
-            m_ham = Alternative{false, answer.getNode(), changes};
+            m_ham = alternative(false, answer.getNode(), changes);
         }
     }
 
     static bool isAtLeastAsGood(std::optional<Alternative> const& best, bool isWanted,
                                 Changes const& changes) {
-        return !isWanted || (best && best->m_changes.size() <= changes.size());
+        return !isWanted || (best && best->changes.size() <= changes.size());
     }
 
     // Node visits; a hostile rule file can make a graph with more ways than anyone can walk.
     static constexpr int maxVisits = 20000;
 
-    RefDeepHeaderAdapter m_engine;
-    Record const& m_record;
+    DeepHeaderAdapter& m_engine;
+    AttributeVector const& m_attributes;
     DeepHeaderQuery m_query;
     bool m_wantsSpam = false;
     bool m_wantsHam = false;
@@ -176,10 +190,10 @@ class Search {
 
 } // namespace
 
-std::vector<Alternative> findAlternatives(RefDeepHeaderAdapter const& engine,
+std::vector<Alternative> findAlternatives(DeepHeaderAdapter& engine,
                                           DeepHeaderSettings const& settings,
-                                          Record const& record) {
-    return Search(engine, settings, record).run();
+                                          AttributeVector const& attributes) {
+    return Search(engine, settings, attributes).run();
 }
 
 } // namespace Quorvane

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/host/RuleLoader.h"
+
+#include "apps/settings/SettingsTable.h"
+#include "DeepHeaderScanner.h"
+#include "include2/Exception.h"
+#include "platform/File.h"
+#include "platform/Logger.h"
+#include "rules/format/RuleFiles.h"
+#include "rules/model/Binary.h"
+#include "rules/model/RuleError.h"
+
+#include <array>
+#include <chrono>
+#include <cstdarg>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <thread>
+#include <utility>
+
+namespace Quorvane {
+
+namespace {
+
+// In force while rules are loaded: keeps what the library says about that, for an error of our own,
+// and hands on what other threads report.
+class LoadLogger : public Logger {
+  public:
+    explicit LoadLogger(std::shared_ptr<Logger> next) : m_next(std::move(next)) {}
+
+    void log(int messageId, int reserved, char const* format, ...) override
+        __attribute__((format(printf, 4, 5)));
+
+    // Of the thread that made the object.
+    std::string const& text() const { return m_text; }
+
+  private:
+    std::shared_ptr<Logger> m_next;
+    std::thread::id const m_loading = std::this_thread::get_id();
+    std::string m_text;
+};
+
+void LoadLogger::log(int messageId, int reserved, char const* format, ...) {
+    std::array<char, 4096> line{};
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line.data(), line.size(), format, arguments);
+    va_end(arguments);
+    if (std::this_thread::get_id() == m_loading) {
+        m_text = line.data();
+    } else {
+        m_next->log(messageId, reserved, "%s", line.data());
+    }
+}
+
+// Puts the logger of the program back, whatever ends the load.
+class LoggerDuringLoad {
+  public:
+    LoggerDuringLoad()
+        : m_before(Logger::instance(false)), m_logger(std::make_shared<LoadLogger>(m_before)) {
+        Logger::install(m_logger);
+    }
+    LoggerDuringLoad(LoggerDuringLoad const&) = delete;
+    LoggerDuringLoad& operator=(LoggerDuringLoad const&) = delete;
+    ~LoggerDuringLoad() { Logger::install(m_before); }
+
+    std::string const& text() const { return m_logger->text(); }
+
+  private:
+    std::shared_ptr<Logger> m_before;
+    std::shared_ptr<LoadLogger> m_logger;
+};
+
+// While rules are installed their version is 0, so that nobody loads half of two sets. That takes a
+// quarter of a second; a host that starts just then looks again before it gives up.
+DeepHeaderEngine s_loadAfterInstallation(LoggerDuringLoad const& logger) {
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    for (;;) {
+        DeepHeaderScanner().init();
+        auto engine = DeepHeaderEngine::inForce();
+        if (!engine.isEmpty() || !logger.text().empty() ||
+            std::chrono::steady_clock::now() >= deadline) {
+            return engine;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
+// A version that is not a number above 0 is never newer than "nothing loaded", and the library then
+// has nothing to log.
+std::string s_whyNotLoaded(std::string const& logged) {
+    return logged.empty() ? std::string("the version in README must be above 0") : logged;
+}
+
+} // namespace
+
+void useRoot(std::string const& folder) {
+    static std::optional<std::string> inUse;
+    if (inUse && *inUse != folder) {
+        throw SettingsError("root: it is " + *inUse + " and cannot change to " + folder +
+                            " while the program runs; restart it");
+    }
+    if (!inUse) {
+        try {
+            File::setRoot(folder);
+        } catch (Exception const& error) {
+            throw SettingsError(error.stringParameter());
+        }
+        inUse = folder;
+    }
+}
+
+DeepHeaderEngine loadRules() {
+    LoggerDuringLoad const logger;
+    auto engine = s_loadAfterInstallation(logger);
+    if (engine.isEmpty() || !logger.text().empty()) {
+        throw SettingsError("no usable rules in " + File::root() + ruleDirectory + ": " +
+                            s_whyNotLoaded(logger.text()) +
+                            "; --root says below which folder to look");
+    }
+    return engine;
+}
+
+DeepHeaderEngine engineOf(Rules::RuleSet const& rules) {
+    std::istringstream tree(Rules::writeTree(rules));
+    std::istringstream elite(rules.m_elite ? Rules::writeElite(*rules.m_elite) : std::string());
+    try {
+        return DeepHeaderEngine::fromStreams(tree, rules.m_elite ? &elite : nullptr);
+    } catch (Exception const& error) {
+        throw Rules::RuleError(Rules::RuleError::Kind::badRules,
+                               "no host could load these rules: " + error.asString());
+    }
+}
+
+} // namespace Quorvane
