@@ -195,17 +195,6 @@ TEST_F(DecisionTreeTest, AConfidentRootDecidesAtOnce) {
     EXPECT_EQ(walk(nodes, settings), 3);
 }
 
-TEST_F(DecisionTreeTest, TheWalkTellsTheNodesItStoodOn) {
-    auto nodes = treeOf({node(5, 0, 0.2, 10.0)});
-    nodes[3].childCount = 1;
-    nodes[3].children[0] = 4;
-    nodes.push_back(leaf(6, 0, 0.9, 0.1));
-    auto const engine = load(nodes);
-    std::vector<int> path;
-    EXPECT_EQ(engine->travelDT({}, treeRoot, m_props, path), 3);
-    EXPECT_EQ(path, (std::vector<int>{2, 3}));
-}
-
 // --- what a damaged file cannot do --------------------------------------------------------------
 
 TEST_F(DecisionTreeTest, ChildrenOutsideTheTableEndTheWalk) {
@@ -254,10 +243,7 @@ TEST_F(DecisionTreeTest, AWalkInCirclesEnds) {
     auto nodes = treeOf({node(5, 0, 0.5)});
     nodes[3].childCount = 1;
     nodes[3].children[0] = 3;
-    auto const engine = load(nodes);
-    std::vector<int> path;
-    EXPECT_EQ(engine->travelDT({}, treeRoot, m_props, path), -1);
-    EXPECT_EQ(path.size(), 500U);
+    EXPECT_EQ(walk(nodes), -1);
 }
 
 TEST_F(DecisionTreeTest, Node0NeverDecides) {

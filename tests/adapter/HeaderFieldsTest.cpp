@@ -100,7 +100,77 @@ TEST_F(HeaderFieldsTest, HeadersBehindTheEndOfTheTrailAreStillRead) {
     EXPECT_EQ(props.headerFrom.domain(), "example.com");
 }
 
+// --- the site's own newest relays ---------------------------------------------------------------
+
+struct InternalCase {
+    char const* m_why;
+    std::string m_headers;
+    Hops m_hops;
+};
+
+TEST_F(HeaderFieldsTest, TheNewestHopsThatCameFromInternalRelaysAreSkipped) {
+    InternalCase const cases[] = {
+        {"none of ours", s_hop("192.0.2.1") + s_hop("10.0.0.1"), {"192.0.2.1", "10.0.0.1"}},
+        {"the newest one", s_hop("10.0.0.1") + s_hop("192.0.2.1"), {"192.0.2.1"}},
+        {"two, one by IPv6",
+         s_hop("2001:db8::1") + s_hop("10.0.0.1") + s_hop("192.0.2.1"),
+         {"192.0.2.1"}},
+        {"one after a stranger stays",
+         s_hop("10.0.0.1") + s_hop("192.0.2.1") + s_hop("10.0.0.2"),
+         {"192.0.2.1", "10.0.0.2"}},
+        {"one after a hop without address stays",
+         "Received: by mx (Postfix, from userid 1000)\n" + s_hop("10.0.0.1"),
+         {"none", "10.0.0.1"}},
+        {"one after an authenticated stranger stays",
+         "Received: from a (b [192.0.2.1]) (authenticated) by c\n" + s_hop("10.0.0.1"),
+         {"10.0.0.1"}},
+        {"an authenticated one of ours",
+         "Received: from a (b [198.51.100.7]) (authenticated) by c\n" + s_hop("192.0.2.1"),
+         {"192.0.2.1"}},
+        {"all of them", s_hop("10.0.0.1") + s_hop("10.0.0.2"), {}},
+        {"other headers between them",
+         "From: a@b\n" + s_hop("10.0.0.1") + "To: c@d\n" + s_hop("198.51.100.7") +
+             s_hop("192.0.2.1"),
+         {"192.0.2.1"}},
+    };
+    TrustedMTASetRef::install({}, {}, prefixes({"10.0.0.0/8", "2001:db8::/32", "198.51.100.7"}));
+    for (auto const& row : cases) {
+        EXPECT_EQ(hops(Message(row.m_headers)), row.m_hops) << row.m_why;
+    }
+}
+
+TEST_F(HeaderFieldsTest, AnInternalRelayThatFiltersOrHasAScoreIsSkippedAllTheSame) {
+    TrustedMTASetRef::install({}, prefixes({"10.0.0.1"}), prefixes({"10.0.0.0/8", "198.51.100.7"}));
+    Message message(s_hop("10.0.0.1") + s_hop("198.51.100.7") + s_hop("192.0.2.1"));
+    score(message, "198.51.100.7", 9);
+    EXPECT_EQ(hops(message), (Hops{"192.0.2.1"}));
+}
+
+TEST_F(HeaderFieldsTest, TheHopAboutToBeAddedComesBeforeThoseOfTheMessage) {
+    TrustedMTASetRef::install({}, {}, prefixes({"10.0.0.0/8"}));
+    Message message(s_hop("10.0.0.1") + s_hop("192.0.2.1"));
+    message.m_currentReceived = Header("Received", "from a (b [10.0.0.9]) by mx");
+    EXPECT_EQ(hops(message), (Hops{"192.0.2.1"}));
+    message.m_currentReceived = Header("Received", "from a (b [192.0.2.9]) by mx");
+    EXPECT_EQ(hops(message), (Hops{"192.0.2.9", "10.0.0.1", "192.0.2.1"}));
+}
+
 // --- reputation ---------------------------------------------------------------------------------
+
+TEST_F(HeaderFieldsTest, RelaysThatTheListDoesNotNameAreScoredByTheTable) {
+    Message message(s_hop("192.0.2.1") + s_hop("198.51.100.1") + s_hop("192.0.2.2"));
+    auto& analysis = message.m_properties->receivedHeaderAnalysis();
+    std::vector<ReputationTable::Entry> const entries{{IPPrefix::parse("198.51.100.0/24"), 7},
+                                                      {IPPrefix::parse("192.0.2.0/24"), 7}};
+    analysis.reputation(std::make_shared<ReputationTable const>(entries));
+    EXPECT_EQ(hops(message), Hops{});
+    score(message, "192.0.2.1", 1);
+    auto const props = fields(message);
+    EXPECT_EQ(hops(props), (Hops{"192.0.2.1"})) << "the list comes first";
+    EXPECT_EQ(props.scoredHopIP, "198.51.100.1");
+    EXPECT_EQ(props.scoredHopScore, 7);
+    EXPECT_EQ(s_getTVAS(analysis, "203.0.113.1"), 0);
+}
 
 struct ScoreCase {
     std::int32_t m_score;

@@ -41,11 +41,34 @@ ProgramResult s_scan(std::vector<std::string> const& more) {
     return runProgram(QV_SCAN_PROGRAM, arguments);
 }
 
-// One record, laid out for a reader of diffs. The folder of the checkout is no part of it.
+// Each value of an object or list on a line of its own, down to two levels below a key.
+std::string s_lines(Json const& value, int depth, std::string const& indent) {
+    if (depth == 0 || !value.is_structured() || value.empty()) {
+        return value.dump();
+    }
+    std::string text;
+    for (auto const& [key, item] : value.items()) {
+        text += (text.empty() ? "" : ",") + ("\n" + indent + "  ") +
+                (value.is_object() ? Json(key).dump() + ": " : "") +
+                s_lines(item, depth - 1, indent + "  ");
+    }
+    bool const isObject = value.is_object();
+    return (isObject ? "{" : "[") + text + "\n" + indent + (isObject ? "}" : "]");
+}
+
+// One record, laid out for a reader of diffs. The folder of the checkout is no part of it, and what
+// the record says in words stands in the explained text.
 std::string s_picture(ProgramResult const& result, std::string const& name) {
     auto record = Json::parse(result.m_output);
     record["source"] = "examples/" + name + ".eml";
-    return record.dump(2) + '\n';
+    auto& explain = record["explain"];
+    for (auto const* key : {"because", "needed", "trail", "rules", "values", "facts"}) {
+        explain.erase(key);
+    }
+    explain["tree"].erase("nodes");
+    auto attributes = std::move(explain["attributes"]);
+    explain["attributes"] = attributes.dump();
+    return s_lines(record, 3, "") + '\n';
 }
 
 class Example : public testing::TestWithParam<std::string> {};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The symbol table of libqvdeepheader.so.1, read from outside: what hosts may call is there, and
-// nothing else is.
+// The symbol table of libqvdeepheader.so.1, read from outside: what hosts may call is there under
+// its version, and nothing else is.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -39,6 +39,13 @@ constexpr std::array<std::string_view, 12> promisedMembers{
     "Quorvane::RefDeepHeaderAdapter::instance",
 };
 
+// Under a version of its own: for programs that want the record of a scan or rules from memory.
+constexpr std::array<std::string_view, 1> recordClasses{"Quorvane::DeepHeaderEngine"};
+constexpr std::array<std::string_view, 0> recordFunctions{};
+
+constexpr char hostVersion[] = "QVDEEPHEADER_1";
+constexpr char recordVersion[] = "QVDEEPHEADER_RECORD_1";
+
 // What the compiler makes beside the members of a class.
 constexpr std::array<std::string_view, 7> compilerMade{
     "vtable for ",           "VTT for ",          "typeinfo for ",       "typeinfo name for ",
@@ -49,10 +56,11 @@ bool s_startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-// The demangled defined symbols; the one that names the version (type A) is left out.
-std::vector<std::string> s_definedSymbols() {
-    std::string const command =
-        "nm -D --defined-only --demangle --without-symbol-versions " QV_LIBRARY;
+// The demangled symbols defined under a version; the one that names it (type A) is left out.
+std::vector<std::string> s_definedSymbols(std::string const& version) {
+    std::string const command = "nm -D --defined-only --with-symbol-versions " QV_LIBRARY
+                                " | sed -n 's/@@" +
+                                version + "$//p' | c++filt";
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> const pipe(popen(command.c_str(), "r"), pclose);
     std::vector<std::string> symbols;
     std::array<char, 4096> line{};
@@ -96,8 +104,9 @@ bool s_belongsToAny(std::string_view symbol, Owners const& owners, std::string_v
 }
 
 template<typename Owners>
-void s_expectAll(Owners const& owners, std::string_view separator) {
-    auto const symbols = s_definedSymbols();
+void s_expectAll(Owners const& owners, std::string_view separator,
+                 std::string const& version = hostVersion) {
+    auto const symbols = s_definedSymbols(version);
     for (auto const owner : owners) {
         bool found = false;
         for (auto const& symbol : symbols) {
@@ -107,14 +116,32 @@ void s_expectAll(Owners const& owners, std::string_view separator) {
     }
 }
 
-TEST(Exports, nothingBesideTheSixClassesAndFiveFunctions) {
-    auto const symbols = s_definedSymbols();
+template<typename Classes, typename Functions>
+void s_expectOnly(std::string const& version, Classes const& classes, Functions const& functions) {
+    auto const symbols = s_definedSymbols(version);
     ASSERT_FALSE(symbols.empty());
     for (auto const& symbol : symbols) {
-        EXPECT_TRUE(s_belongsToAny(symbol, exportedClasses, "::") ||
-                    s_belongsToAny(symbol, exportedFunctions, "("))
-            << symbol << " is exported";
+        EXPECT_TRUE(s_belongsToAny(symbol, classes, "::") || s_belongsToAny(symbol, functions, "("))
+            << symbol << " is exported as " << version;
     }
+}
+
+TEST(Exports, nothingBesideTheSixClassesAndFiveFunctions) {
+    s_expectOnly(hostVersion, exportedClasses, exportedFunctions);
+}
+
+TEST(Exports, theRecordHasAVersionOfItsOwn) {
+    s_expectOnly(recordVersion, recordClasses, recordFunctions);
+    std::vector<std::string_view> const members{
+        "Quorvane::DeepHeaderEngine::inForce", "Quorvane::DeepHeaderEngine::fromStreams",
+        "Quorvane::DeepHeaderEngine::scan", "Quorvane::DeepHeaderEngine::judge"};
+    s_expectAll(members, "(", recordVersion);
+}
+
+TEST(Exports, everySymbolHasAVersion) {
+    auto const versioned =
+        s_definedSymbols(hostVersion).size() + s_definedSymbols(recordVersion).size();
+    EXPECT_EQ(s_definedSymbols("[A-Z0-9_]*").size(), versioned);
 }
 
 TEST(Exports, everyClass) {
@@ -131,7 +158,7 @@ TEST(Exports, everyOperationThatHostsUse) {
 }
 
 TEST(Exports, typeInformationForHostsThatDeriveOrCatch) {
-    auto const symbols = s_definedSymbols();
+    auto const symbols = s_definedSymbols(hostVersion);
     for (auto const owner : exportedClasses) {
         for (auto const* kind : {"vtable for ", "typeinfo for "}) {
             auto const wanted = std::string(kind).append(owner);

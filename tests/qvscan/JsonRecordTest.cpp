@@ -28,11 +28,30 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
     auto const record = explained({}, spam());
     EXPECT_EQ(s_keys(record).back(), "explain");
     auto const& explain = record["explain"];
-    EXPECT_EQ(s_keys(explain),
-              (Arguments{"messageIdDomain", "headerFrom", "envelopeFrom", "recipient", "hops",
-                         "receivers", "scoredHopFound", "scoredHopIP", "scoredHopScore", "hopCount",
-                         "maxPrivateRun", "publicRun", "noAddressHops", "attributes", "elite",
-                         "tree", "story"}));
+    EXPECT_EQ(s_keys(explain), (Arguments{"messageIdDomain",
+                                          "headerFrom",
+                                          "envelopeFrom",
+                                          "recipient",
+                                          "hops",
+                                          "receivers",
+                                          "scoredHopFound",
+                                          "scoredHopIP",
+                                          "scoredHopScore",
+                                          "hopCount",
+                                          "maxPrivateRun",
+                                          "publicRun",
+                                          "noAddressHops",
+                                          "attributes",
+                                          "elite",
+                                          "tree",
+                                          "story",
+                                          "because",
+                                          "needed",
+                                          "trail",
+                                          "lookups",
+                                          "rules",
+                                          "values",
+                                          "facts"}));
     EXPECT_EQ(s_keys(explain["hops"][0]),
               (Arguments{"from", "reverseName", "by", "address", "privateIP", "authenticated",
                          "receiveTime", "isForged"}));
@@ -44,7 +63,8 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
                    "envFromDomainMatches", "fromDomainMatchesBoth"}));
     EXPECT_EQ(s_keys(explain["elite"]),
               (Arguments{"adjust", "confidence", "support", "code", "reasons"}));
-    EXPECT_EQ(s_keys(explain["tree"]), (Arguments{"path", "result"}));
+    EXPECT_EQ(s_keys(explain["tree"]),
+              (Arguments{"path", "result", "use", "end", "text", "nodes"}));
     EXPECT_EQ(explain["receivers"].size(), 3U);
     EXPECT_EQ(explain["attributes"].size(), 38U);
 }
@@ -61,11 +81,35 @@ TEST_F(JsonRecord, TellsATreeVerdict) {
     EXPECT_EQ(record["ips"], "192.0.2.7");
     EXPECT_EQ(record["reasons"],
               "Node:{3} Confidence degree{ 0.99 } Support degree{ 10 } IP{ 192.0.2.7 } ");
-    EXPECT_EQ(record["explain"]["tree"], Json::parse(R"({"path":[2,3],"result":3})"));
+    auto const& tree = record["explain"]["tree"];
+    EXPECT_EQ(tree["path"], Json::array({2, 3}));
+    EXPECT_EQ(tree["result"], 3);
+    EXPECT_EQ(tree["use"], "walked");
+    EXPECT_EQ(tree["end"], "leaf");
+    EXPECT_EQ(tree["nodes"][1]["test"], "first_reverse_dynamic is yes");
+    EXPECT_EQ(record["explain"]["because"], "0.99 spam reaches the spam threshold 0.95");
     EXPECT_EQ(record["explain"]["attributes"][10], 1);
     EXPECT_EQ(record["explain"]["story"],
               Json::array({"the reverse name of the first relay, dsl-192-0-2-7.dyn.example.net, "
                            "looks dynamically assigned"}));
+}
+
+TEST_F(JsonRecord, ShowsEveryHopWithItsRoleAndOnlyTheJudgedOnesAsHops) {
+    auto const explain = explained(
+        {"--internal", "10.0.0.1", "--score", "198.51.100.9=7"},
+        hop("o.example", "o.example", "10.0.0.1") + hop("f.example", "f.example", "203.0.113.1") +
+            hop("s.example", "s.example", "198.51.100.9") +
+            hop("z.example", "z.example", "203.0.113.9") + "\n")["explain"];
+    std::vector<std::string> roles;
+    for (auto const& hop : explain["trail"]) {
+        roles.push_back(hop["role"]);
+    }
+    EXPECT_EQ(roles,
+              (std::vector<std::string>{"internal", "firstPublic", "scoredEnd", "notLookedAt"}));
+    EXPECT_EQ(explain["hops"].size(), 1U);
+    EXPECT_EQ(explain["trail"][1]["vouched"], true);
+    EXPECT_EQ(explain["trail"][3]["vouched"], false);
+    EXPECT_EQ(explain["trail"][3]["address"], "203.0.113.9");
 }
 
 TEST_F(JsonRecord, TellsHamAndNone) {
@@ -82,7 +126,10 @@ TEST_F(JsonRecord, TellsAnEliteVerdictAndLeavesTheTreeOut) {
     EXPECT_EQ(
         record["explain"]["elite"],
         Json::parse(R"({"adjust":0.0,"confidence":0.96,"support":5.0,"code":901,"reasons":""})"));
-    EXPECT_EQ(record["explain"]["tree"], Json::parse(R"({"path":[],"result":-1})"));
+    auto const& tree = record["explain"]["tree"];
+    EXPECT_EQ(tree["path"], Json::array());
+    EXPECT_EQ(tree["result"], -1);
+    EXPECT_EQ(tree["use"], "eliteDecided");
 }
 
 TEST_F(JsonRecord, TellsAnAdjustment) {

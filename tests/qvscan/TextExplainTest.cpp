@@ -86,7 +86,7 @@ TEST_F(TextExplain, TellsWhatEachHopWasTakenFor) {
                                   hop("s.example", "s.example", "198.51.100.9", "l.example") +
                                   hop("z.example", "z.example", "203.0.113.9", "s.example") + "\n");
     EXPECT_EQ(row(text, "2001:db8::1"), "1 our side 2001:db8::1 own.example own.example "
-                                        "mx.example.org relay of this site, cut off");
+                                        "mx.example.org our own relay, skipped");
     EXPECT_EQ(row(text, "198.51.100.1"), "2 our side 198.51.100.1 t.example t.example "
                                          "mx.example.org trusted relay, skipped");
     EXPECT_EQ(row(text, "10.0.0.1"),
@@ -94,7 +94,7 @@ TEST_F(TextExplain, TellsWhatEachHopWasTakenFor) {
     EXPECT_EQ(row(text, "203.0.113.1"), "4 our side 203.0.113.1 f.example f.example "
                                         "mx.example.org first public hop, judged");
     EXPECT_EQ(row(text, "203.0.113.2"),
-              "5 the sender? 203.0.113.2 l.example l.example f.example public");
+              "5 the sender? 203.0.113.2 l.example l.example f.example public, judged");
     EXPECT_EQ(row(text, "198.51.100.9"), "6 the sender? 198.51.100.9 s.example s.example "
                                          "l.example reputation score 7: the walk ends here");
     EXPECT_EQ(row(text, "203.0.113.9"),

@@ -50,23 +50,25 @@ TEST_F(ExplainCommand, TellsTheWalkOfAMessage) {
     EXPECT_EQ(told["source"], file);
     EXPECT_EQ(told["verdict"], "spam");
     EXPECT_EQ(told["node"], 4);
-    EXPECT_EQ(told["because"], "0.96 spam reaches the spam threshold 0.95");
-    EXPECT_EQ(told["sentences"],
+    EXPECT_EQ(told["explain"]["because"], "0.96 spam reaches the spam threshold 0.95");
+    EXPECT_EQ(told["explain"]["story"],
               Json::array({"the reverse name of the first relay, 192-0-2-7.dyn.example.net, looks "
                            "dynamically assigned",
                            "there was no hop behind the first relay, 192.0.2.7"}));
-    EXPECT_EQ(told["path"][0]["test"], Json());
-    EXPECT_EQ(told["path"][2], Json::parse(R"({"node":4,"test":"hop_behind_first is no",
+    EXPECT_EQ(told["explain"]["tree"]["nodes"][0]["test"], Json());
+    EXPECT_EQ(told["explain"]["tree"]["nodes"][2],
+              Json::parse(R"({"node":4,"test":"hop_behind_first is no",
                   "words":"there was no hop behind the first relay, 192.0.2.7",
                   "confidence":0.96,"support":40.0,"counts":{"all":8,"spam":8,"ham":0}})"));
-    EXPECT_EQ(told["end"], "a leaf");
-    EXPECT_EQ(told["elite"], Json::array());
-    EXPECT_EQ(told["needed"][0]["verdict"], "ham");
-    EXPECT_EQ(told["needed"][0]["words"],
+    EXPECT_EQ(told["explain"]["tree"]["end"], "leaf");
+    EXPECT_EQ(told["explain"]["rules"][1]["outcome"], "noMatch");
+    EXPECT_EQ(told["explain"]["rules"][1]["failedTest"], 0);
+    EXPECT_EQ(told["explain"]["needed"][0]["verdict"], "ham");
+    EXPECT_EQ(told["explain"]["needed"][0]["words"],
               Json::array({"the reverse name of the first relay does not look dynamically "
                            "assigned"}));
-    EXPECT_EQ(told["attributes"]["first_reverse_dynamic"], "yes");
-    EXPECT_EQ(told["attributes"]["hops_reverse_dynamic"], 1);
+    EXPECT_EQ(told["explain"]["values"]["first_reverse_dynamic"], "yes");
+    EXPECT_EQ(told["explain"]["values"]["hops_reverse_dynamic"], 1);
 }
 
 TEST_F(ExplainCommand, TellsTheEliteRulesAndWhichWasChosen) {
@@ -76,27 +78,41 @@ TEST_F(ExplainCommand, TellsTheEliteRulesAndWhichWasChosen) {
                           .at(0);
     EXPECT_EQ(told["source"], "-");
     EXPECT_EQ(told["node"], 901);
-    EXPECT_EQ(told["path"], Json::array());
-    EXPECT_EQ(told["end"], Json());
-    ASSERT_EQ(told["elite"].size(), 2U);
-    EXPECT_EQ(told["elite"][0]["chosen"], false);
-    EXPECT_EQ(told["elite"][0]["code"], 900);
-    EXPECT_EQ(told["elite"][1]["chosen"], true);
-    EXPECT_EQ(told["sentences"][1],
+    EXPECT_EQ(told["explain"]["tree"]["path"], Json::array());
+    EXPECT_EQ(told["explain"]["tree"]["use"], "eliteDecided");
+    auto const& list = told["explain"]["rules"];
+    ASSERT_EQ(list.size(), 3U);
+    EXPECT_EQ(list[0]["outcome"], "noMatch");
+    EXPECT_EQ(list[1]["code"], 900);
+    EXPECT_EQ(list[1]["outcome"], "replaced");
+    EXPECT_EQ(list[1]["replacedBy"], 2);
+    EXPECT_EQ(list[2]["outcome"], "chosen");
+    EXPECT_EQ(told["explain"]["story"][1],
               "the author's domain, example.net, is not related to the envelope sender's domain, "
               "other.example");
+}
+
+TEST_F(ExplainCommand, ShowsOneOfTwoEqualRulesAsChosen) {
+    auto const equal = m_folder.write("equal.qvr", "version 1\nelite last\n"
+                                                   "decide 0.97 code 901\ndecide 0.97 code 901\n"
+                                                   "tree {\n}\n");
+    auto const text = runProgram(QV_RULES_PROGRAM, {"explain", equal, "chain_broken=yes"}).m_output;
+    EXPECT_THAT(text, HasSubstr("rule 901 says 0.97 spam (replaced by rule 901): always\n"));
+    EXPECT_THAT(text, HasSubstr("rule 901 says 0.97 spam: always\n"));
 }
 
 TEST_F(ExplainCommand, NamesTheThresholdAtWhichAnEliteRuleWouldHaveDecided) {
     auto const told =
         explained({"status_indicated=yes,hop_behind_first=yes", "--spam-threshold", "0.99"}).at(0);
     EXPECT_EQ(told["verdict"], "ham");
-    EXPECT_EQ(told["elite"][0]["code"], "h");
+    EXPECT_EQ(told["explain"]["rules"][0]["code"], "h");
+    EXPECT_EQ(told["explain"]["rules"][0]["outcome"], "adjusted");
     auto const undecided = explained({"status_indicated=yes,first_reverse_dynamic=unknown",
                                       "--spam-threshold", "0.99"})
                                .at(0);
     EXPECT_EQ(undecided["verdict"], "none");
-    EXPECT_THAT(undecided["needed"].dump(), HasSubstr("a spam threshold of 0.97 or less"));
+    EXPECT_THAT(undecided["explain"]["needed"].dump(),
+                HasSubstr("a spam threshold of 0.97 or less"));
 }
 
 TEST_F(ExplainCommand, ExplainsEveryMessageOfAnMbox) {
@@ -118,11 +134,11 @@ TEST_F(ExplainCommand, SaysOfAScannedTableWhatItSaysOfTheMessages) {
         ASSERT_EQ(told.size(), 2U) << table.m_errors;
         EXPECT_EQ(told[0]["source"], file);
         EXPECT_EQ(told[0]["node"], 4);
-        EXPECT_EQ(told[0]["sentences"][1], "there was no hop behind the first relay");
+        EXPECT_EQ(told[0]["explain"]["story"][1], "there was no hop behind the first relay");
         EXPECT_EQ(told[1]["verdict"], "none");
-        EXPECT_EQ(told[1]["because"],
+        EXPECT_EQ(told[1]["explain"]["because"],
                   "nothing to judge: a message without public hop has no attributes");
-        EXPECT_EQ(told[1]["attributes"], Json());
+        EXPECT_EQ(told[1]["explain"]["values"], Json());
     }
 }
 
@@ -139,7 +155,7 @@ TEST_F(ExplainCommand, FollowsTheSettings) {
     auto const stopped =
         explained({"first_reverse_dynamic=yes", "--walk-to-leaf", "0", "--spam-threshold", "0.9"});
     EXPECT_EQ(stopped.at(0)["node"], 3);
-    EXPECT_EQ(stopped.at(0)["end"], "sure enough of spam to stop here");
+    EXPECT_EQ(stopped.at(0)["explain"]["tree"]["text"], "sure enough of spam to stop here");
 }
 
 TEST_F(ExplainCommand, HostileNamesSteerNoTerminal) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/VectorJudge.h"
 
-#include "apps/host/ScanHost.h"
+#include "apps/host/HostSetup.h"
+#include "apps/host/RuleLoader.h"
 #include "apps/input/Inputs.h"
-#include "apps/workshop/TemporaryRules.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
@@ -40,14 +40,14 @@ void s_compare(ScanHost const& host, VectorJudge const& judge, int& decided) {
     Interrupt interrupt;
     Inputs inputs({QV_EXAMPLES}, interrupt);
     for (InputItem item; inputs.next(item);) {
-        auto const outcome = host.scan(HeaderReader::read(item.m_headers), {});
-        if (!outcome.m_reachedVerdict) {
+        auto const record = host.scan(HeaderReader::read(item.m_headers), {}, RecordDepth::result);
+        if (!record.isJudged()) {
             continue;
         }
-        auto const judged = judge.judge(outcome.m_record.attributes);
-        EXPECT_EQ(judged.m_verdict, s_verdict(outcome.m_answer)) << item.m_source;
-        EXPECT_EQ(judged.m_decider.m_number, outcome.m_answer.getNode()) << item.m_source;
-        EXPECT_EQ(static_cast<float>(judged.m_confidence), outcome.m_answer.confidenceDegree())
+        auto const judged = judge.judge(record.attributes);
+        EXPECT_EQ(judged.m_verdict, s_verdict(record.answer)) << item.m_source;
+        EXPECT_EQ(judged.m_decider.m_number, record.answer.getNode()) << item.m_source;
+        EXPECT_EQ(static_cast<float>(judged.m_confidence), record.answer.confidenceDegree())
             << item.m_source;
         decided += judged.m_decider.m_number != 0 ? 1 : 0;
     }
@@ -55,16 +55,13 @@ void s_compare(ScanHost const& host, VectorJudge const& judge, int& decided) {
 
 TEST(VectorJudge, SaysWhatAScanOfTheMessageSays) {
     auto const rules = Rules::loadRules(QV_STARTER_TEXT).m_set;
-    TemporaryRules const folder(rules);
     int decided = 0;
     for (auto const& settings : s_manySettings()) {
         HostSettings hostSettings;
-        hostSettings.m_root = folder.root();
         hostSettings.m_dns = "off";
         hostSettings.m_judging = settings;
         VectorJudge const judge(rules, settings);
-        ScanHost const host(hostSettings);
-        s_compare(host, judge, decided);
+        s_compare(*setUpHost(hostSettings, engineOf(rules)), judge, decided);
     }
     EXPECT_GT(decided, 50);
 }
