@@ -2,6 +2,7 @@
 #include "apps/show/TrafficMeter.h"
 
 #include "apps/story/RuleStory.h"
+#include "rules/format/RuleTests.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
@@ -45,7 +46,7 @@ void TrafficMeter::addTree(ScanOutcome const& outcome, std::uint64_t count) {
         m_traffic.m_nodes.at(static_cast<std::size_t>(number)).m_reached += count;
     }
     // What lies above is the root and what belongs to the file's writer: they decide nothing.
-    if (trace.m_result > treeRoot) {
+    if (canDecide(trace.m_result)) {
         m_traffic.m_nodes.at(static_cast<std::size_t>(trace.m_result)).m_decided += count;
     }
 }

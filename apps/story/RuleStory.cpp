@@ -2,7 +2,7 @@
 #include "apps/story/RuleStory.h"
 
 #include "apps/text/NumberText.h"
-#include "rules/format/AttributeTable.h"
+#include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
 
 #include <algorithm>
@@ -15,18 +15,6 @@ namespace Quorvane {
 namespace {
 
 using Record = DeepHeaderAdapter::MsgProperties;
-
-bool s_isAttribute(std::int32_t attribute) {
-    return attribute >= 0 && attribute <= maxAttribute;
-}
-
-bool s_holds(EliteCondition const& condition, Record const& record) {
-    if (!s_isAttribute(condition.attribute) || condition.test < 0 || condition.test > maxTest) {
-        return false;
-    }
-    auto const value = record.attributes[static_cast<std::size_t>(condition.attribute)];
-    return (value == condition.value) == (condition.test == 0);
-}
 
 std::string s_joined(std::vector<ToldTest> const& tests) {
     std::string text;
@@ -48,12 +36,8 @@ std::string s_letter(std::int32_t code) {
 }
 
 bool s_fired(EliteNodes const& rule, Record const& record, DeepHeaderSettings const& settings) {
-    bool const isKnown = rule.type == EliteType::adjusting ||
-                         (rule.type == EliteType::deciding && rule.support >= settings.minSupport);
-    return isKnown && rule.level <= settings.maxEliteLevel &&
-           std::all_of(
-               rule.conditions.begin(), rule.conditions.end(),
-               [&record](EliteCondition const& condition) { return s_holds(condition, record); });
+    return isWithinLevel(rule, settings.maxEliteLevel) && canFire(rule, settings.minSupport) &&
+           matches(rule, record.attributes);
 }
 
 std::string s_end(DTNode const& last, int result, DeepHeaderSettings const& settings) {
@@ -99,7 +83,7 @@ class RuleTeller {
 
   private:
     ToldTest toldTest(std::int32_t attribute, std::int32_t test, std::int32_t value) const {
-        auto const found = s_isAttribute(attribute)
+        auto const found = isAttribute(attribute)
                                ? m_outcome.m_record.attributes[static_cast<std::size_t>(attribute)]
                                : value;
         return {attribute, testText(attribute, test, value),
@@ -162,8 +146,8 @@ class RuleTeller {
 } // namespace
 
 std::string testText(std::int32_t attribute, std::int32_t test, std::int32_t value) {
-    auto const relation = test == 0 ? " is " : " is not ";
-    if (!s_isAttribute(attribute)) {
+    auto const relation = isEqualityTest(test) ? " is " : " is not ";
+    if (!isAttribute(attribute)) {
         return "attribute " + std::to_string(attribute) + relation + std::to_string(value);
     }
     auto const index = static_cast<std::size_t>(attribute);

@@ -2,6 +2,7 @@
 #include "apps/workshop/VectorJudge.h"
 
 #include "apps/workshop/RuleEngine.h"
+#include "rules/format/RuleTests.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
@@ -57,12 +58,12 @@ Rules::JudgedVector VectorJudge::judge(Rules::AttributeVector const& vector) con
     auto judged = s_verdict(engine, m_query, props);
     judged.m_decider.m_isElite = DeepHeaderAdapter::doesEliteDecide(hits, settings);
     judged.m_adjust = hits.adjust;
-    if (hits.code != 0 && hits.support >= settings.minSupport) {
+    if (hits.code != noDecisionCode && isSupported(hits.support, settings.minSupport)) {
         judged.m_score = hits.confidence + hits.adjust;
     }
     int const number =
         engine->consultsTree(settings) ? engine->travelDT(settings, treeRoot, props) : -1;
-    if (number > treeRoot) {
+    if (canDecide(number)) {
         auto const& node = engine->treeNodes().at(static_cast<std::size_t>(number));
         judged.m_score = std::max(judged.m_score, node.confidence + hits.adjust);
     }
