@@ -35,6 +35,13 @@ Interrupt::~Interrupt() {
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
+void Interrupt::wait() {
+    pollfd waiting{m_descriptor, POLLIN, 0};
+    while (signalNumber() == 0) {
+        ::poll(&waiting, 1, -1);
+    }
+}
+
 void Interrupt::waitForInput(int descriptor) {
     std::array<pollfd, 2> waiting{{{descriptor, POLLIN, 0}, {m_descriptor, POLLIN, 0}}};
     while (::poll(waiting.data(), waiting.size(), -1) < 0 && errno == EINTR) {

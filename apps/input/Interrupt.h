@@ -27,6 +27,8 @@ class Interrupt {
     // The signals have their usual effect again.
     ~Interrupt();
 
+    // Waits until a signal comes.
+    void wait();
     // Waits until `descriptor` can be read; throws Interrupted when a signal came first.
     void waitForInput(int descriptor);
 

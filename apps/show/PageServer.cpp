@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/PageServer.h"
 
-#include "apps/show/HttpServer.h"
+#include "apps/show/PageClient.h"
 #include "rules/model/RuleError.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/system/system_error.hpp>
 #include <thread>
 #include <utility>
 
@@ -11,165 +14,87 @@ namespace Quorvane::Show {
 
 namespace {
 
-constexpr char ownHost[] = "127.0.0.1";
-constexpr char explainPath[] = "/explain";
+using boost::asio::ip::tcp;
 
-namespace Status {
-constexpr int noContent = 204;
-constexpr int badRequest = 400;
-constexpr int forbidden = 403;
-constexpr int notFound = 404;
-constexpr int badMethod = 405;
-constexpr int tooLarge = 413;
-constexpr int unsupportedType = 415;
-constexpr int unprocessable = 422;
-} // namespace Status
+// Further ones wait until one of them is done.
+constexpr int clientsAtOnce = 128;
+constexpr std::size_t explainedAtOnce = 16;
+// When no descriptor is left for a client, some may be in a while.
+constexpr std::chrono::milliseconds acceptPause{100};
 
-void s_refuse(httplib::Response& response, int status, std::string const& why) {
-    response.status = status;
-    response.set_content(why + '\n', "text/plain; charset=utf-8");
-}
-
-void s_refuseLength(httplib::Response& response) {
-    s_refuse(response, Status::tooLarge,
-             "a message has at most " + std::to_string(maxPostedMessage >> 20) + " MiB here");
+// Two programs on one port would answer in turns; only a port that is left may be taken.
+tcp::acceptor s_listen(boost::asio::io_context& io, int port) {
+    tcp::endpoint const endpoint(boost::asio::ip::make_address(ownHost),
+                                 static_cast<std::uint16_t>(port));
+    try {
+        return {io, endpoint, true};
+    } catch (boost::system::system_error const&) {
+        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
+                               "port " + std::to_string(port) +
+                                   ": cannot be served on; give another, or none to take any that "
+                                   "is free");
+    }
 }
 
 } // namespace
 
 struct PageServer::Server {
     Server(std::string page, Explain explain, int port)
-        : m_page(std::move(page)), m_explain(std::move(explain)), m_port(bind(port)) {
-        route();
+        : m_acceptor(s_listen(m_io, port)), m_port(m_acceptor.local_endpoint().port()),
+          m_answers(std::move(page), std::move(explain), m_port) {
+        accept();
     }
 
-    int bind(int port) {
-        auto const bound = port == 0                            ? m_http.bind_to_any_port(ownHost)
-                           : m_http.bind_to_port(ownHost, port) ? port
-                                                                : -1;
-        if (bound < 0) {
-            throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
-                                   "port " + std::to_string(port) +
-                                       ": cannot be served on; give another, or none to take "
-                                       "any that is free");
-        }
-        return bound;
-    }
-
-    void route() {
-        using httplib::Request;
-        using httplib::Response;
-        m_http.set_pre_routing_handler([this](Request const& request, Response& response) {
-            return isAllowed(request, response) ? httplib::Server::HandlerResponse::Unhandled
-                                                : httplib::Server::HandlerResponse::Handled;
+    void accept() {
+        m_acceptor.async_accept([this](boost::system::error_code error, tcp::socket socket) {
+            if (error) {
+                m_pause.expires_after(acceptPause);
+                m_pause.async_wait([this](boost::system::error_code) { accept(); });
+                return;
+            }
+            if (++m_clients < clientsAtOnce) {
+                accept();
+            }
+            std::make_shared<PageClient>(std::move(socket), m_answers, m_explaining, [this] {
+                leave();
+            })->start();
         });
-        m_http.Get("/", [this](Request const& /*request*/, Response& response) {
-            response.set_content(m_page, "text/html; charset=utf-8");
-        });
-        // Browsers ask for it by themselves.
-        m_http.Get("/favicon.ico", [](Request const& /*request*/, Response& response) {
-            response.status = Status::noContent;
-        });
-        m_http.Post(explainPath,
-                    [this](Request const& /*request*/, Response& response,
-                           httplib::ContentReader const& body) { readAndExplain(body, response); });
     }
 
-    bool isAllowed(httplib::Request const& request, httplib::Response& response) const {
-        auto const host = request.get_header_value("Host");
-        auto const port = ':' + std::to_string(m_port);
-        if (host != ownHost + port && host != "localhost" + port) {
-            s_refuse(response, Status::forbidden, "this server is " + std::string(ownHost) + port);
-            return false;
-        }
-        if (request.has_header("Origin") &&
-            request.get_header_value("Origin") != "http://" + host) {
-            s_refuse(response, Status::forbidden, "other pages may not ask here");
-            return false;
-        }
-        return request.method == "GET" || request.method == "HEAD" || isPost(request, response);
-    }
-
-    // Bodies that nobody asked for are refused before they are read.
-    static bool isPost(httplib::Request const& request, httplib::Response& response) {
-        if (request.method != "POST") {
-            response.set_header("Allow", "GET, HEAD, POST");
-            s_refuse(response, Status::badMethod, "this server knows GET, HEAD and POST");
-            return false;
-        }
-        if (request.path != explainPath) {
-            s_refuse(response, Status::notFound, std::string("post messages to ") + explainPath);
-            return false;
-        }
-        return isMessage(request, response);
-    }
-
-    // The type is one that a foreign page cannot send without asking first. What is packed could
-    // unpack to any size.
-    static bool isMessage(httplib::Request const& request, httplib::Response& response) {
-        if (request.get_header_value("Content-Type") != "message/rfc822" ||
-            request.has_header("Content-Encoding")) {
-            s_refuse(response, Status::unsupportedType,
-                     "post a message with Content-Type: message/rfc822, not encoded");
-            return false;
-        }
-        if (request.get_header_value<std::uint64_t>("Content-Length") > maxPostedMessage) {
-            s_refuseLength(response);
-            return false;
-        }
-        return true;
-    }
-
-    // The library limits only bodies that tell their length.
-    void readAndExplain(httplib::ContentReader const& body, httplib::Response& response) const {
-        std::string message;
-        bool isTooLong = false;
-        bool const isWhole = body([&](char const* bytes, std::size_t count) {
-            isTooLong = count > maxPostedMessage - message.size();
-            message.append(bytes, isTooLong ? 0 : count);
-            return !isTooLong;
-        });
-        if (isTooLong) {
-            s_refuseLength(response);
-        } else if (!isWhole) {
-            s_refuse(response, Status::badRequest, "the message broke off; post it again");
-        } else {
-            explain(message, response);
+    // Those that are still there when the server ends leave with it.
+    void leave() {
+        if (m_clients-- == clientsAtOnce && !m_io.stopped()) {
+            accept();
         }
     }
 
-    void explain(std::string const& message, httplib::Response& response) const {
-        try {
-            response.set_content(m_explain(message), "application/json");
-        } catch (std::exception const& error) {
-            s_refuse(response, Status::unprocessable, error.what());
+    // One request may be too much for this machine; that is no reason to end.
+    void serve() {
+        while (!m_io.stopped()) {
+            try {
+                m_io.run();
+            } catch (std::exception const&) {
+                continue;
+            }
         }
     }
 
     void run(Interrupt& interrupt) {
-        std::thread serving([this] {
-            m_http.listen_after_bind();
-            m_end.say();
-        });
-        // A server that does not run yet cannot be stopped.
-        while (!m_http.is_running() && !m_end.isSaid()) {
-            std::this_thread::yield();
-        }
-        try {
-            interrupt.waitForInput(m_end.descriptor());
-        } catch (Interrupted const&) {
-            // The usual end.
-        }
-        m_end.say();
-        m_http.stop();
+        std::thread serving([this] { serve(); });
+        interrupt.wait();
+        m_io.stop();
         serving.join();
+        m_explaining.stop();
+        m_explaining.join();
     }
 
-    std::string m_page;
-    Explain m_explain;
-    HttpServer m_http{maxPostedMessage, m_end};
+    int m_clients = 0;
+    boost::asio::io_context m_io;
+    boost::asio::steady_timer m_pause{m_io};
+    tcp::acceptor m_acceptor;
     int m_port;
-    ServerEnd m_end;
+    PageAnswers m_answers;
+    boost::asio::thread_pool m_explaining{explainedAtOnce};
 };
 
 PageServer::PageServer(std::string page, Explain explain, int port)

@@ -9,8 +9,9 @@
 // It listens on 127.0.0.1 only. A browser is a way in for every web site that its user visits, so
 // requests that name another host (rebound DNS names) or come from another page (Origin) are
 // refused. Bodies are limited while they come in, and so is the time that a client may take
-// (Connection.h): clients that stall keep others from an answer, and the server from its end, for
-// seconds at most, and only in crowds. One object, one thread; the server runs threads of its own.
+// (PageClient.h): clients that stall keep others from an answer for seconds at most, and only in
+// crowds, and nobody keeps the server from its end. One object, one thread; the server runs threads
+// of its own.
 #pragma once
 
 #include "apps/input/Interrupt.h"
@@ -30,8 +31,8 @@ class PageServer {
     // Called from many threads. A std::exception's text goes to the reader of the page.
     using Explain = std::function<std::string(std::string const& message)>;
 
-    // `port` 0: any that is free. A RuleError when the port is taken; a std::system_error when the
-    // process has no descriptor left.
+    // `port` 0: any that is free. A RuleError when the port is taken; another std::exception when
+    // the process has no descriptor left.
     PageServer(std::string page, Explain explain, int port);
     PageServer(PageServer const&) = delete;
     PageServer& operator=(PageServer const&) = delete;

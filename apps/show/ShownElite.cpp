@@ -5,6 +5,7 @@
 #include "apps/story/RuleStory.h"
 #include "apps/text/NumberText.h"
 #include "rules/check/EliteRun.h"
+#include "rules/format/RuleTests.h"
 #include "rules/language/RuleText.h"
 #include "rules/language/Sentences.h"
 
@@ -19,9 +20,9 @@ std::string s_code(EliteNodes const& rule) {
         return std::to_string(rule.code);
     }
     // An answer carries the low byte only.
-    auto const letter = static_cast<unsigned char>(static_cast<std::uint32_t>(rule.code) & 0xFFU);
-    return letter > ' ' && letter <= '~' ? std::string("'") + static_cast<char>(letter) + '\''
-                                         : "byte " + std::to_string(int{letter});
+    auto const letter = reasonByte(rule);
+    return isVisibleReason(letter) ? std::string("'") + static_cast<char>(letter) + '\''
+                                   : "byte " + std::to_string(int{letter});
 }
 
 std::string s_adjustment(double weight) {
@@ -90,8 +91,8 @@ std::string selectModeText(EliteFileHeader const& header) {
                    std::to_string(header.selectMode) + ")";
         }
     }();
-    return which + (header.alsoWalkTree == 1 ? "; when none decides, the tree is asked."
-                                             : "; the tree is not asked.");
+    return which + (letsTreeBeAsked(header) ? "; when none decides, the tree is asked."
+                                            : "; the tree is not asked.");
 }
 
 } // namespace Quorvane::Show

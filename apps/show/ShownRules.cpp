@@ -5,6 +5,7 @@
 #include "apps/story/RuleStory.h"
 #include "rules/check/Checker.h"
 #include "rules/check/Checks.h"
+#include "rules/format/RuleTests.h"
 #include "rules/language/RuleText.h"
 #include "rules/language/Sentences.h"
 
@@ -14,10 +15,6 @@
 namespace Quorvane::Show {
 
 namespace {
-
-bool s_isAttribute(std::int32_t attribute) {
-    return attribute >= 0 && attribute <= maxAttribute;
-}
 
 // Puts the nodes into reading order. Follows the walk of the engine: what it gives up at ends the
 // list of branches, and what lies behind is never looked at.
@@ -80,13 +77,11 @@ class TreeReader {
     // Why the walk cannot look at a child.
     std::string problemOf(std::int32_t child) const {
         auto const name = "child " + std::to_string(child);
-        if (child < 0 || child >= treeTableSize) {
-            return name + " is outside the table: the walk gives up here";
+        if (!isChildIndex(child)) {
+            return (child == 0 ? "node 0 is no child" : name + " is outside the table") +
+                   ": the walk gives up here";
         }
-        if (child == 0) {
-            return "node 0 is no child: the walk gives up here";
-        }
-        if (!s_isAttribute(at(child).attribute)) {
+        if (!isAttribute(at(child).attribute)) {
             return name + " tests attribute " + std::to_string(at(child).attribute) +
                    ", which does not exist: the walk gives up here";
         }
@@ -119,13 +114,13 @@ class TreeReader {
             return number == treeRoot ? "the file has no tree: no verdict"
                                       : "not in the file: no verdict";
         }
-        if (record.isLeaf != 0) {
+        if (isLeaf(record)) {
             return number == treeRoot ? "the root decides nothing: no verdict" : "";
         }
         if (record.childCount < 1) {
             return "no leaf and no children: no verdict";
         }
-        if (record.childCount > maxChildren) {
+        if (hasTooManyChildren(record)) {
             return std::to_string(record.childCount) + " children, more than " +
                    std::to_string(maxChildren) + ": the walk gives up here";
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/DeciderText.h"
 
+#include "rules/format/RuleTests.h"
 #include "rules/language/RuleText.h"
 #include "rules/language/Sentences.h"
 
@@ -31,7 +32,7 @@ DeciderTest s_test(std::int32_t attribute, std::int32_t test, std::int32_t value
 // A damaged set may name a node as its own ancestor: no path is longer than the table.
 std::vector<DeciderTest> s_pathTo(std::vector<DTNode> const& nodes, std::int32_t number) {
     std::vector<DeciderTest> path;
-    for (int step = 0; step < treeTableSize && number > treeRoot &&
+    for (int step = 0; step < treeTableSize && canDecide(number) &&
                        static_cast<std::size_t>(number) < nodes.size();
          ++step) {
         auto const& node = nodes[static_cast<std::size_t>(number)];

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/Checks.h"
 #include "rules/check/PossibleValues.h"
+#include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
 #include "rules/language/Literals.h"
 #include "rules/language/RuleText.h"
@@ -51,7 +52,7 @@ class EliteChecker {
     }
 
     void header(EliteFileHeader const& header) {
-        if (header.selectMode < SelectMode::first || header.selectMode > SelectMode::lowest) {
+        if (!isSelectMode(header.selectMode)) {
             add(Severity::warning, "elite-select",
                 "select mode " + std::to_string(header.selectMode) +
                     " is unknown; engines take the first deciding rule and skip the others",
@@ -90,13 +91,13 @@ class EliteChecker {
     }
 
     void checkRule(EliteNodes const& rule) {
-        if (rule.flag > maxEliteFlag) {
+        if (!isLoadedFlag(rule.flag)) {
             add(Severity::error, "elite-flag",
                 "flag " + std::to_string(rule.flag) + " makes engines drop the rule",
                 "leave the flag out");
         }
         kind(rule);
-        if (rule.level > m_settings.maxEliteLevel) {
+        if (!isWithinLevel(rule, m_settings.maxEliteLevel)) {
             add(Severity::warning, "elite-level",
                 "level " + std::to_string(rule.level) + " is above the limit of " +
                     std::to_string(m_settings.maxEliteLevel) +
@@ -119,8 +120,7 @@ class EliteChecker {
     }
 
     void adjusting(EliteNodes const& rule) {
-        auto const letter = static_cast<unsigned>(rule.code) & 0xffU;
-        if (letter <= ' ' || letter > '~') {
+        if (!isVisibleReason(reasonByte(rule))) {
             add(Severity::warning, "elite-code",
                 "code " + std::to_string(rule.code) + " cannot be shown in an answer",
                 "give the rule a letter or a digit");
@@ -138,7 +138,7 @@ class EliteChecker {
                 "a confidence of " + numberText(rule.weight) + " is no probability",
                 "use a number from 0 to 1");
         }
-        if (!(rule.support >= m_settings.minSupport)) {
+        if (!isSupported(rule.support, m_settings.minSupport)) {
             add(Severity::warning, "elite-support",
                 "a support of " + numberText(rule.support) + " is below the minimum of " +
                     numberText(m_settings.minSupport) + " (min-support), so the rule never fires",
@@ -148,7 +148,7 @@ class EliteChecker {
                 "a support of " + numberText(rule.support) + " is no percentage",
                 "use a number from 0 to 100");
         }
-        if (rule.code == 0) {
+        if (rule.code == noDecisionCode) {
             add(Severity::warning, "elite-code",
                 "code 0 counts as \"nothing decided yet\", so the next match replaces the rule",
                 "give the rule another code");
@@ -169,11 +169,11 @@ class EliteChecker {
     }
 
     bool checkCondition(EliteCondition const& condition, PossibleValues const& values) {
-        if (condition.attribute > maxAttribute || condition.test > maxTest) {
+        if (!isLoadedCondition(condition)) {
             add(Severity::error, "elite-condition",
                 s_text(condition) + " makes engines drop the whole rule",
                 "use an attribute from 0 to 37, and == or !=");
-        } else if (condition.attribute < 0 || condition.test < 0) {
+        } else if (!isRealCondition(condition)) {
             add(Severity::error, "elite-condition",
                 s_text(condition) + " never holds, so the rule never fires",
                 "use an attribute from 0 to 37, and == or !=");

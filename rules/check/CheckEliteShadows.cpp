@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/Checks.h"
+#include "rules/format/RuleTests.h"
 
 namespace Quorvane::Rules {
 
@@ -36,14 +37,14 @@ char const* s_advice(std::int32_t selectMode) {
 } // namespace
 
 void checkEliteShadows(EliteRun const& run, Findings& findings) {
-    auto const endsRun = run.m_selectMode == SelectMode::first;
+    auto const isRunEnded = endsRun(run.m_selectMode);
     for (auto const& rule : run.m_rules) {
         if (!rule.m_shadows.empty()) {
             findings.push_back(
                 {Finding::Severity::warning, "elite-shadowed", Finding::File::elite, rule.m_number,
                  std::nullopt,
                  "every message that matches it also matches " + s_names(rule.m_shadows) +
-                     (endsRun ? ", which ends the run before it" : ", which is used instead") +
+                     (isRunEnded ? ", which ends the run before it" : ", which is used instead") +
                      ", so the rule never fires",
                  s_advice(run.m_selectMode)});
         }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/Checks.h"
+#include "rules/format/RuleTests.h"
 #include "rules/language/Literals.h"
 
 #include <cmath>
@@ -18,7 +19,7 @@ class TreeFileChecker {
     void run() {
         file();
         for (auto const& node : m_set.m_nodes) {
-            if (m_number > treeRoot) {
+            if (isCheckedNode(m_number)) {
                 loader(node);
                 degrees(node);
                 counts(node);
@@ -56,18 +57,18 @@ class TreeFileChecker {
 
     // What the loader refuses the whole file for.
     void loader(DTNode const& node) {
-        if (node.attribute > maxAttribute) {
+        if (!isLoadedAttribute(node.attribute)) {
             add(Severity::error, "node-attribute", m_number,
                 "attribute " + std::to_string(node.attribute) +
                     " does not exist; engines refuse the file",
                 "use an attribute from 0 to 37");
         }
-        if (node.test > maxTest) {
+        if (!isLoadedTest(node.test)) {
             add(Severity::error, "node-test", m_number,
                 "test " + std::to_string(node.test) + " is unknown; engines refuse the file",
                 "use 0 (equals) or 1 (differs)");
         }
-        if (node.value1 < 1) {
+        if (!isLoadedCount(node.value1)) {
             add(Severity::error, "node-count", m_number,
                 "the number of training messages is " + std::to_string(node.value1) +
                     "; engines refuse the file",
@@ -85,7 +86,7 @@ class TreeFileChecker {
             add(Severity::warning, "node-support", m_number,
                 "a support of " + numberText(node.support) + " is no percentage",
                 "use a number from 0 to 100");
-        } else if (!(node.support >= m_settings.minSupport)) {
+        } else if (!isSupported(node.support, m_settings.minSupport)) {
             add(Severity::warning, "node-support", m_number,
                 "a support of " + numberText(node.support) + " is below the minimum of " +
                     numberText(m_settings.minSupport) +

@@ -4,6 +4,7 @@
 // children that take messages from one another, and loops.
 #include "rules/check/Checks.h"
 #include "rules/check/PossibleValues.h"
+#include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
 #include "rules/language/RuleText.h"
 
@@ -97,7 +98,7 @@ class PathChecker {
 
     bool overlap(std::int32_t earlier, std::int32_t later, PossibleValues values) {
         // Others are no proper children, which is reported.
-        auto const isOrdinary = later > treeRoot && later < m_tree.count() && earlier != later;
+        auto const isOrdinary = canDecide(later) && later < m_tree.count() && earlier != later;
         values.assume(testOf(m_tree.at(earlier)));
         if (!isOrdinary || !values.admits(testOf(m_tree.at(later)))) {
             return false;

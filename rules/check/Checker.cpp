@@ -2,6 +2,7 @@
 #include "rules/check/Checker.h"
 
 #include "rules/check/Checks.h"
+#include "rules/format/RuleTests.h"
 
 namespace Quorvane::Rules {
 
@@ -27,7 +28,7 @@ void checkReadme(RuleSet const& set, Findings& findings) {
 void checkTreeRoot(TreeLinks const& tree, DeepHeaderSettings const& settings,
                    TreeFindings& findings) {
     auto const& node = tree.at(treeRoot);
-    if (node.isLeaf != 0) {
+    if (isLeaf(node)) {
         findings.add(Finding::Severity::warning, "root-leaf", treeRoot,
                      "the root is a leaf, and the root decides nothing", "give the root children");
     } else if (node.confidence >= settings.spamThreshold) {

@@ -8,6 +8,7 @@
 // to "when both match, can this one be the one that is used in the end?", and a rule is shadowed
 // when each of its messages matches a rule to which the answer is no.
 #include "rules/check/EliteRun.h"
+#include "rules/format/RuleTests.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,20 +16,6 @@
 namespace Quorvane::Rules {
 
 namespace {
-
-// Whether `next` replaces `held`, whose code is not 0.
-bool s_replaces(std::int32_t selectMode, LiveRule const& next, LiveRule const& held) {
-    switch (selectMode) {
-    case SelectMode::last:
-        return true;
-    case SelectMode::highest:
-        return next.m_weight > held.m_weight;
-    case SelectMode::lowest:
-        return next.m_weight < held.m_weight;
-    default:
-        return false;
-    }
-}
 
 // Looks for a message that matches none of a list of rules, by taking the rules one after the other
 // and following each way to miss them.
@@ -84,7 +71,7 @@ class ShadowFinder {
     explicit ShadowFinder(EliteRun& run) : m_run(run) {
         for (auto const& rule : run.m_rules) {
             m_resetsBefore.push_back(m_resets);
-            m_resets += rule.m_isDeciding && rule.m_code == 0 ? 1 : 0;
+            m_resets += rule.m_isDeciding && rule.m_code == noDecisionCode ? 1 : 0;
         }
     }
 
@@ -141,16 +128,21 @@ class ShadowFinder {
         if (!rival.m_isDeciding || other == index) {
             return false;
         }
-        if (m_run.m_selectMode == SelectMode::first) {
+        if (endsRun(m_run.m_selectMode)) {
             return other < index;
         }
         if (!rule.m_isDeciding) {
             return false;
         }
         if (other < index) {
-            return !s_replaces(m_run.m_selectMode, rule, rival) && isStillHeld(other, index);
+            return !replaces(rule, rival) && isStillHeld(other, index);
         }
-        return rule.m_code == 0 || s_replaces(m_run.m_selectMode, rival, rule);
+        return rule.m_code == noDecisionCode || replaces(rival, rule);
+    }
+
+    // Whether `next` replaces `held`, whose code is a decision.
+    bool replaces(LiveRule const& next, LiveRule const& held) const {
+        return Quorvane::replaces(m_run.m_selectMode, next.m_weight, held.m_weight);
     }
 
     // Whether the run is sure to hold rules[earlier] or one that is not easier to replace when it
@@ -158,7 +150,7 @@ class ShadowFinder {
     // confidence that is no number compares with nothing.
     bool isStillHeld(std::size_t earlier, std::size_t later) const {
         auto const& held = m_run.m_rules[earlier];
-        return held.m_code != 0 && !std::isnan(held.m_weight) &&
+        return held.m_code != noDecisionCode && !std::isnan(held.m_weight) &&
                m_resetsBefore[earlier] == m_resetsBefore[later];
     }
 

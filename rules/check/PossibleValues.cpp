@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/PossibleValues.h"
+#include "rules/format/RuleTests.h"
 
 #include <algorithm>
 
@@ -7,16 +8,13 @@ namespace Quorvane::Rules {
 
 namespace {
 
-constexpr std::int32_t equals = 0;
-constexpr std::int32_t differs = 1;
-
 bool s_holds(EliteCondition const& test, std::int32_t value) {
-    return (value == test.value) == (test.test == equals);
+    return (value == test.value) == isEqualityTest(test.test);
 }
 
 EliteCondition s_plain(EliteCondition const& test, bool holds) {
-    auto const isEquality = (test.test == equals) == holds;
-    return {test.attribute, isEquality ? equals : differs, test.value};
+    auto const isEquality = isEqualityTest(test.test) == holds;
+    return {test.attribute, isEquality ? Comparison::equals : Comparison::differs, test.value};
 }
 
 } // namespace
@@ -27,7 +25,7 @@ bool PossibleValues::admits(EliteCondition const& test) const {
     }
     auto const plain = s_plain(test, true);
     auto const isEquality = [&plain](EliteCondition const& other) {
-        return other.attribute == plain.attribute && other.test == equals;
+        return other.attribute == plain.attribute && isEqualityTest(other.test);
     };
     auto const allHold = [this, &plain](std::int32_t value) {
         return s_holds(plain, value) &&
@@ -58,10 +56,6 @@ void PossibleValues::assume(EliteCondition const& test, bool holds) {
 
 EliteCondition testOf(DTNode const& node) {
     return {node.attribute, node.test, node.testValue};
-}
-
-bool isAttribute(std::int32_t index) {
-    return index >= 0 && index <= maxAttribute;
 }
 
 } // namespace Quorvane::Rules

@@ -14,7 +14,7 @@ namespace Quorvane::Rules {
 class PossibleValues {
   public:
     // Whether some message passes all tests so far and this one too.
-    // REQUIRES: test.attribute is 0..37, here and below.
+    // REQUIRES: isAttribute(test.attribute), here and below.
     bool admits(EliteCondition const& test) const;
     // Whether every message that passes all tests so far passes this one.
     bool implies(EliteCondition const& test) const;
@@ -24,7 +24,7 @@ class PossibleValues {
     void assume(EliteCondition const& test, bool holds = true);
 
   private:
-    // The tests so far, as "equals" (0) and "differs" (1).
+    // The tests so far, each "equals" or "differs".
     std::vector<EliteCondition> m_tests;
     // Whether no message passes them.
     bool m_isNobody = false;
@@ -32,6 +32,5 @@ class PossibleValues {
 
 // The test that stands on a node.
 EliteCondition testOf(DTNode const& node);
-bool isAttribute(std::int32_t index);
 
 } // namespace Quorvane::Rules

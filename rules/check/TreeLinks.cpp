@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/TreeLinks.h"
 
-#include "rules/check/PossibleValues.h"
+#include "rules/format/RuleTests.h"
 #include "rules/model/Binary.h"
 
 #include <algorithm>
@@ -31,20 +31,19 @@ TreeLinks::TreeLinks(RuleSet const& set) : m_table(loadedTable(set)), m_count(s_
 NodeLinks TreeLinks::links(std::int32_t number) const {
     using End = NodeLinks::End;
     auto const& node = at(number);
-    if (node.isLeaf != 0) {
+    if (isLeaf(node)) {
         return {{}, End::leaf};
     }
     if (node.childCount < 1) {
         return {{}, End::noChildren};
     }
-    if (node.childCount > maxChildren) {
+    if (hasTooManyChildren(node)) {
         return {{}, End::tooManyChildren};
     }
     NodeLinks links;
     for (std::int32_t slot = 0; slot < node.childCount; ++slot) {
         auto const child = node.children.at(static_cast<std::size_t>(slot));
-        // Node 0 is what an empty slot names, and no tree may have it as a child.
-        if (child < 1 || child >= treeTableSize) {
+        if (!isChildIndex(child)) {
             return {std::move(links.m_children), End::badIndex, child};
         }
         if (!isAttribute(at(child).attribute)) {

@@ -37,7 +37,7 @@ inline constexpr std::int32_t differs = 1;
 // node stands on the node itself, not on its parent.
 struct __attribute__((packed, aligned(4))) DTNode {
     std::int32_t attribute; // 0..37
-    std::int32_t test;      // 0: the attribute equals testValue; any other value: it differs
+    std::int32_t test;      // Comparison; any value but `equals` counts as `differs`
     std::int32_t testValue;
     std::uint8_t isLeaf;
     std::array<std::uint8_t, 3> reserved1;
@@ -82,7 +82,6 @@ inline constexpr std::int32_t deciding = 2;
 
 inline constexpr std::int32_t maxEliteConditions = 100;
 inline constexpr std::int32_t maxEliteFlag = 1;
-inline constexpr std::int32_t maxTest = Comparison::differs;
 // The loader stops after so many node records, however many the header announces.
 inline constexpr int maxEliteNodes = 5001;
 
@@ -106,7 +105,7 @@ static_assert(offsetof(EliteRecord, conditionCount) == 36);
 // A condition record of qv2.dt, 12 bytes.
 struct __attribute__((packed, aligned(4))) EliteCondition {
     std::int32_t attribute; // 0..37
-    std::int32_t test;      // 0: equals value; 1: differs from it
+    std::int32_t test;      // Comparison; any other value never holds
     std::int32_t value;
 };
 static_assert(sizeof(EliteCondition) == 12);

@@ -41,10 +41,10 @@ std::int32_t s_attribute(TokenReader& in) {
 
 std::int32_t s_operator(TokenReader& in) {
     if (in.acceptOnLine("==")) {
-        return 0;
+        return Comparison::equals;
     }
     if (in.acceptOnLine("!=")) {
-        return 1;
+        return Comparison::differs;
     }
     if (!in.acceptOnLine("test")) {
         in.fail("== or != is expected");

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "rules/format/RuleTests.h"
 #include "rules/language/Literals.h"
 #include "rules/language/Printers.h"
 #include "rules/language/RuleText.h"
@@ -24,7 +25,7 @@ std::string s_selectText(std::int32_t mode) {
 
 std::string s_headerLine(EliteFileHeader const& header, std::size_t ruleCount) {
     auto text = "elite" + s_selectText(header.selectMode);
-    if (header.alsoWalkTree == 1) {
+    if (letsTreeBeAsked(header)) {
         text += " also-tree";
     } else {
         printUnless(text, "also-tree", +header.alsoWalkTree, 0);

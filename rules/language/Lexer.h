@@ -2,13 +2,22 @@
 //
 // The words of a rule text. Tokens point into the text, which must outlive them.
 //
-//   token     := word | number | string | character | "==" | "!=" | "->" | "{" | "}" | ":" | "(" |
-//   ")" word      := letter or "_", then letters, digits, "_", "-", "/", "." number    := [ "+" |
-//   "-" ] digit or "." or letter, then letters, digits, "." and, behind an
-//                "e" of a number that is not hexadecimal, a sign
-//   string    := '"' any characters but '"' and line end, '\"' allowed '"'
-//   character := "'" one printable character "'"
-//   comment   := "#" to the end of the line
+// clang-format off
+//   text          := { blank | comment | token }
+//   blank         := " " | tab | carriage return | line end
+//   comment       := "#" up to the end of the line
+//   token         := word | number | string | character | sign
+//   word          := letter { letter | digit | "-" | "/" | "." }
+//   number        := ( digit | "." ) number-end
+//                  | ( "+" | "-" ) ( digit | "." | letter ) number-end
+//   number-end    := { letter | digit | "." | exponent-sign }
+//   exponent-sign := "+" or "-" after an "e" or "E"; not in a number that starts with "0x"
+//   string        := '"' { "\" any character | any character but '"' and "\" } '"'; in one line
+//   character     := "'" one printable ASCII character "'"
+//   sign          := "==" | "!=" | "->" | "{" | "}" | ":" | "(" | ")"
+//   letter        := "a".."z" | "A".."Z" | "_"
+//   digit         := "0".."9"
+// clang-format on
 #pragma once
 
 #include "rules/language/Diagnostic.h"

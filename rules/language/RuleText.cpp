@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/language/RuleText.h"
 
+#include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
 #include "rules/language/Literals.h"
 #include "rules/language/Printers.h"
@@ -37,16 +38,16 @@ std::string s_versionText(RuleSet const& set) {
 }
 
 std::string s_attributeText(std::int32_t attribute) {
-    auto const isKnown = attribute >= 0 && attribute <= maxAttribute;
-    return isKnown ? std::string(attributeTable[static_cast<std::size_t>(attribute)].m_name)
-                   : std::to_string(attribute);
+    return isAttribute(attribute)
+               ? std::string(attributeTable[static_cast<std::size_t>(attribute)].m_name)
+               : std::to_string(attribute);
 }
 
 std::string s_testText(std::int32_t test) {
     switch (test) {
-    case 0:
+    case Comparison::equals:
         return " == ";
-    case 1:
+    case Comparison::differs:
         return " != ";
     default:
         return " test(" + std::to_string(test) + ") ";

@@ -2,6 +2,7 @@
 #include "rules/language/Sentences.h"
 
 #include "rules/format/AttributeTable.h"
+#include "rules/format/RuleTests.h"
 
 #include <algorithm>
 
@@ -28,16 +29,16 @@ std::string s_withValue(std::string sentence, std::int32_t value) {
 } // namespace
 
 std::string valueSentence(std::int32_t attribute, std::int32_t value) {
-    return testSentence(attribute, 0, value);
+    return testSentence(attribute, Comparison::equals, value);
 }
 
 std::string testSentence(std::int32_t attribute, std::int32_t test, std::int32_t value) {
-    if (attribute < 0 || static_cast<std::size_t>(attribute) >= attributeCount) {
-        return "attribute " + std::to_string(attribute) + (test == 0 ? " is " : " is not ") +
-               std::to_string(value);
+    if (!isAttribute(attribute)) {
+        return "attribute " + std::to_string(attribute) +
+               (isEqualityTest(test) ? " is " : " is not ") + std::to_string(value);
     }
     auto const& sentence = s_find(static_cast<std::size_t>(attribute), value);
-    return s_withValue(test == 0 ? sentence.m_is : sentence.m_isNot, value);
+    return s_withValue(isEqualityTest(test) ? sentence.m_is : sentence.m_isNot, value);
 }
 
 std::string fillSentence(std::string_view sentence, SentenceNames const& names) {

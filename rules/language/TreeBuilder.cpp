@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/language/TreeBuilder.h"
 
+#include "rules/format/RuleTests.h"
+
 #include <algorithm>
 #include <map>
 
@@ -196,20 +198,20 @@ class TreeBuilder {
     }
 
     void rejectUnloadable(NodeSyntax const& node, DTNode const& record) {
-        if (*node.m_number <= treeRoot) {
+        if (!isCheckedNode(*node.m_number)) {
             return; // the loader does not look at these
         }
-        if (record.attribute > maxAttribute) {
+        if (!isLoadedAttribute(record.attribute)) {
             error(node.m_condition->m_position, "attribute " + std::to_string(record.attribute) +
                                                     " does not exist; they go from 0 "
                                                     "to " +
                                                     std::to_string(maxAttribute));
         }
-        if (record.test > maxTest) {
+        if (!isLoadedTest(record.test)) {
             error(node.m_condition->m_position, "a test number above 1 is refused by every engine; "
                                                 "write == or !=");
         }
-        if (record.value1 < 1) {
+        if (!isLoadedCount(record.value1)) {
             error(node.m_position, "the first of the counts must be at least 1, or every engine "
                                    "refuses the file");
         }

@@ -119,7 +119,7 @@ class TreePrinter {
     void root() {
         auto const& record = at(treeRoot);
         m_text += "tree";
-        if (record.attribute != 0 || record.test != 0 || record.testValue != 0) {
+        if (record.attribute != 0 || record.test != Comparison::equals || record.testValue != 0) {
             m_text +=
                 " when " + conditionText(record.attribute, record.test, record.testValue) + ':';
         }

@@ -67,7 +67,7 @@ class RecordWriter {
         auto const& parent = m_tree.m_nodes[child.m_parent];
         bool const isLast = slot + 1 == children.size();
         record.attribute = static_cast<std::int32_t>(parent.m_attribute);
-        record.test = isLast && !child.m_hasOneValue ? 1 : 0;
+        record.test = isLast && !child.m_hasOneValue ? Comparison::differs : Comparison::equals;
         record.testValue = isLast && child.m_hasOneValue ? child.m_onlyValue : parent.m_value;
     }
 

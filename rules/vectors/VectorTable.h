@@ -9,7 +9,7 @@
 // same table. A LearnError when the counts leave the range in which every sum is exact.
 #pragma once
 
-#include "rules/format/AttributeTable.h"
+#include "rules/format/RuleTests.h"
 
 #include <array>
 #include <cstddef>
@@ -22,7 +22,7 @@
 
 namespace Quorvane::Rules {
 
-using AttributeVector = std::array<std::int32_t, attributeCount>;
+using Quorvane::AttributeVector;
 
 enum class MailLabel : std::uint8_t { ham, spam };
 

@@ -4,6 +4,7 @@
 #include "apps/settings/HostSettings.h"
 #include "RuleGenerators.h"
 #include "rules/check/PossibleValues.h"
+#include "rules/format/RuleTests.h"
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
 

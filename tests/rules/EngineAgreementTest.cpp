@@ -48,7 +48,7 @@ std::size_t s_kept(Rules::EliteFile const& elite) {
                    std::all_of(rule.conditions.begin(), rule.conditions.end(),
                                [](EliteCondition const& condition) {
                                    return condition.attribute <= maxAttribute &&
-                                          condition.test <= maxTest;
+                                          condition.test <= Comparison::differs;
                                });
         }));
 }

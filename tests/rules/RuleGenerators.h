@@ -55,7 +55,7 @@ inline std::int32_t genRarely() {
 inline DTNode genNode(std::int32_t count) {
     DTNode node{};
     node.attribute = std::min(*genInteger(38), maxAttribute);
-    node.test = std::min(*genInteger(2), maxTest);
+    node.test = std::min(*genInteger(2), Comparison::differs);
     node.testValue = *genInteger(4);
     node.isLeaf = *rc::gen::element<std::uint8_t>(0, 0, 0, 1, 1, 7);
     node.reserved1 = genReserved<3>();

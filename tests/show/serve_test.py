@@ -156,7 +156,7 @@ class Protocol(unittest.TestCase):
 
     def test_limits_what_it_reads_of_a_body_that_tells_no_length(self):
         start = self.server.post_start()
-        self.assertEqual(self.status_while_it_sends(start, [MIB] * 65), 413)
+        self.assertEqual(self.status_while_it_sends(start, [MIB] * 65), 411)
         start = self.server.post_start("Transfer-Encoding: chunked")
         chunks = [b"100000\r\n" + MIB + b"\r\n"] * 65
         self.assertEqual(self.status_while_it_sends(start, chunks), 413)
@@ -165,6 +165,24 @@ class Protocol(unittest.TestCase):
         with self.server.connect(self.server.post_start("Transfer-Encoding: chunked")) as client:
             client.sendall(b"9\r\nFrom: x\r\n\r\n2\r\n\r\n\r\n0\r\n\r\n")
             self.assertIn(b"200 OK", whole_answer(client))
+
+    def test_asks_for_a_body_that_waits_to_be_asked_for(self):
+        start = self.server.post_start("Content-Length: 11", "Expect: 100-continue")
+        with self.server.connect(start) as client, client.makefile("rb") as answer:
+            self.assertEqual(answer.readline(), b"HTTP/1.1 100 Continue\r\n")
+            client.sendall(b"From: x\r\n\r\n")
+            self.assertIn(b"200 OK", answer.read())
+
+    def test_refuses_what_is_no_http(self):
+        self.assertEqual(self.status_while_it_sends(b"EHLO mx.example\r\n", [b"\r\n"]), 400)
+
+    def test_answers_a_head_without_the_page(self):
+        start = f"HEAD / HTTP/1.1\r\nHost: 127.0.0.1:{self.server.port}\r\n\r\n"
+        with self.server.connect(start.encode()) as client:
+            answer = whole_answer(client)
+        self.assertIn(b" 200 OK\r\n", answer)
+        self.assertRegex(answer, rb"Content-Length: [1-9][0-9]{4,}\r\n")
+        self.assertTrue(answer.endswith(b"\r\n\r\n"))
 
     def test_refuses_bodies_that_it_does_not_want_before_they_end(self):
         for line, status in (("POST /other", 404), ("PUT /explain", 405), ("DELETE /", 405)):
@@ -185,6 +203,18 @@ class Protocol(unittest.TestCase):
             self.assertEqual(self.server.ask("GET", "/")[0], 200)
             status, text = self.server.post(MESSAGE.read_bytes())
             self.assertEqual((status, json.loads(text)["verdict"]), (200, "spam"))
+
+    def test_leaves_dawdlers(self):
+        with Dawdlers(self.server, silent=1, slow=1) as dawdlers:
+            for connection in (*dawdlers.open, *dawdlers.slow):
+                try:
+                    self.assertEqual(whole_answer(connection), b"")
+                except ConnectionError:
+                    pass  # it sent another byte meanwhile
+
+    def test_lets_a_crowd_wait_until_dawdlers_are_gone(self):
+        with Dawdlers(self.server, silent=70, slow=70):
+            self.assertEqual(self.server.ask("GET", "/")[0], 200)
 
     def test_ends_while_others_dawdle(self):
         server = Server()
@@ -207,7 +237,7 @@ class Protocol(unittest.TestCase):
             self.assertEqual(run.returncode == 0, serves, complaints[-1])
             if serves:
                 break
-        self.assertIn("eventfd: Too many open files", " ".join(complaints))
+        self.assertIn("epoll: Too many open files", " ".join(complaints))
 
     def test_listens_on_loopback_only(self):
         with socket.socket() as other:

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/show/PageAnswers.h"
+
+#include <exception>
+#include <utility>
+
+namespace Quorvane::Show {
+
+namespace {
+
+using Http::field;
+using Http::status;
+using Http::verb;
+
+constexpr char explainPath[] = "/explain";
+
+// Browsers neither keep it nor show it inside of other pages.
+Answer s_answer(status status, char const* type, std::string text) {
+    Answer answer(status, 11, std::move(text));
+    answer.set(field::cache_control, "no-store");
+    answer.set("X-Content-Type-Options", "nosniff");
+    answer.set("X-Frame-Options", "DENY");
+    answer.set("Cross-Origin-Resource-Policy", "same-origin");
+    answer.set(field::content_type, type);
+    answer.keep_alive(false);
+    answer.prepare_payload();
+    return answer;
+}
+
+// The type is one that a foreign page cannot send without asking first. What is packed could unpack
+// to any size.
+std::optional<Answer> s_refusedMessage(PageRequest const& request) {
+    auto const& head = request.get();
+    if (head[field::content_type] != "message/rfc822" || head.count(field::content_encoding) != 0) {
+        return textAnswer(status::unsupported_media_type,
+                          "post a message with Content-Type: message/rfc822, not encoded");
+    }
+    auto const length = request.content_length();
+    if (!length && !request.chunked()) {
+        return textAnswer(status::length_required, "post a message with its Content-Length");
+    }
+    return length && *length > maxPostedMessage ? std::optional(tooLongAnswer()) : std::nullopt;
+}
+
+} // namespace
+
+Answer textAnswer(status status, std::string const& line) {
+    return s_answer(status, "text/plain; charset=utf-8", line + '\n');
+}
+
+Answer tooLongAnswer() {
+    auto const most = std::to_string(maxPostedMessage >> 20);
+    return textAnswer(status::payload_too_large, "a message has at most " + most + " MiB here");
+}
+
+PageAnswers::PageAnswers(std::string page, PageServer::Explain explain, int port)
+    : m_page(std::move(page)), m_explain(std::move(explain)), m_port(':' + std::to_string(port)) {}
+
+std::optional<Answer> PageAnswers::toHead(PageRequest const& request) const {
+    auto const& head = request.get();
+    std::string const host(head[field::host]);
+    if (host != ownHost + m_port && host != "localhost" + m_port) {
+        return textAnswer(status::forbidden, "this server is " + (ownHost + m_port));
+    }
+    if (head.count(field::origin) != 0 && head[field::origin] != "http://" + host) {
+        return textAnswer(status::forbidden, "other pages may not ask here");
+    }
+    std::string const target(head.target());
+    auto const path = target.substr(0, target.find('?'));
+    if (head.method() == verb::post) {
+        return path == explainPath
+                   ? s_refusedMessage(request)
+                   : textAnswer(status::not_found, std::string("post messages to ") + explainPath);
+    }
+    if (head.method() == verb::get || head.method() == verb::head) {
+        auto answer = toGet(path);
+        if (head.method() == verb::head) {
+            answer.body().clear(); // its length stays in the head
+        }
+        return answer;
+    }
+    auto answer = textAnswer(status::method_not_allowed, "this server knows GET, HEAD and POST");
+    answer.set(field::allow, "GET, HEAD, POST");
+    return answer;
+}
+
+Answer PageAnswers::toGet(std::string const& path) const {
+    if (path == "/") {
+        return s_answer(status::ok, "text/html; charset=utf-8", m_page);
+    }
+    // Browsers ask for it by themselves.
+    if (path == "/favicon.ico") {
+        return Answer(status::no_content, 11);
+    }
+    return textAnswer(status::not_found, "the page is at /");
+}
+
+Answer PageAnswers::explanation(std::string const& message) const {
+    try {
+        return s_answer(status::ok, "application/json", m_explain(message));
+    } catch (std::exception const& error) {
+        return textAnswer(status::unprocessable_entity, error.what());
+    }
+}
+
+} // namespace Quorvane::Show

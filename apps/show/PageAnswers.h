@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// PageAnswers: what a PageServer answers to whom. Safe to use from many threads.
+#pragma once
+
+#include "apps/show/PageServer.h"
+
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <optional>
+#include <string>
+
+namespace Quorvane::Show {
+
+namespace Http = boost::beast::http;
+
+using PageRequest = Http::request_parser<Http::string_body>;
+using Answer = Http::response<Http::string_body>;
+
+inline constexpr char ownHost[] = "127.0.0.1";
+
+// An answer of one line of text for people.
+Answer textAnswer(Http::status status, std::string const& line);
+Answer tooLongAnswer();
+
+class PageAnswers {
+  public:
+    PageAnswers(std::string page, PageServer::Explain explain, int port);
+
+    // The answer to a request of which the head has been read; empty when its body is a message
+    // that is to be read and explained.
+    std::optional<Answer> toHead(PageRequest const& request) const;
+    Answer explanation(std::string const& message) const;
+
+  private:
+    Answer toGet(std::string const& path) const;
+
+    std::string m_page;
+    PageServer::Explain m_explain;
+    std::string m_port; // ":8080"
+};
+
+} // namespace Quorvane::Show
