@@ -90,6 +90,8 @@ class QV_API PendingLookup {
 
 class QV_API Resolver {
   public:
+    // Never destroyed, nor are the settings in force: names may be looked up until the process
+    // ends.
     static Resolver& instance();
 
     // Puts other settings in force. An Exception of category 3 names the server or the line of zone
