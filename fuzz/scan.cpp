@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Judges arbitrary bytes as a message, with the default rules and without DNS. Only a
-// DeepHeaderException may leave the engine, none may leave the scanner, and what the two say has to
-// agree.
+// Judges arbitrary bytes as a message, with the default rules and without DNS. No header section
+// makes a scan fail: a sender would keep the message from being judged. What engine and scanner say
+// has to agree.
 #include "adapter/DeepHeaderAdapter.h"
 #include "Check.h"
 #include "DeepHeaderScanner.h"
-#include "include2/DeepHeaderException.h"
 #include "platform/File.h"
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
@@ -30,19 +29,15 @@ DeepHeaderQuery s_query(std::string_view message) {
                            EmailAddress(), EmailAddress(), RefMessageProperties(true));
 }
 
-// The verdict of the engine itself; the answer without verdict when the scan fails.
+// The verdict of the engine itself. What it throws ends the program: that is a finding.
 DeepHeaderAnswer s_judge(DeepHeaderAdapter& engine, DeepHeaderQuery& query) {
     DeepHeaderAdapter::MsgProperties props;
-    try {
-        auto const answer = engine.scanMessage(query, props);
-        for (auto const& facts : attributeTable) {
-            check(facts.m_values.contains(props.attributes[facts.m_index]),
-                  "an attribute takes only the values that its table row names");
-        }
-        return answer;
-    } catch (DeepHeaderException const&) {
-        return DeepHeaderAnswer();
+    auto const answer = engine.scanMessage(query, props);
+    for (auto const& facts : attributeTable) {
+        check(facts.m_values.contains(props.attributes[facts.m_index]),
+              "an attribute takes only the values that its table row names");
     }
+    return answer;
 }
 
 RefDeepHeaderAdapter s_engine() {

@@ -6,7 +6,7 @@
 // The objects hold nothing: any number of them use the one process-wide engine. All operations may
 // be called from many threads at once. A scan keeps the engine it began with, also when init
 // installs another one meanwhile. No Exception escapes: failures go to the Logger, and the caller
-// gets an answer that is no verdict.
+// gets an answer that is no verdict. Whatever the Logger itself throws is dropped.
 #pragma once
 
 #include "DeepHeaderAnswer.h"

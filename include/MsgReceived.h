@@ -11,8 +11,10 @@
 //
 // Threads: nothing locks. Handles over one record may be used on one thread at a time.
 //
-// Errors: an accessor of a handle without record throws a HeaderException (category 1). A value
-// that ends in "by " makes the accessors throw std::out_of_range.
+// Errors: an accessor of a handle without record throws a HeaderException (category 1), and so does
+// one of a handle that newImpl or an assignment through a base class left with another header's
+// record. A value that ends in "by " makes the accessors throw std::out_of_range; no value that
+// HeaderReader reads does.
 #pragma once
 
 #include "include2/Export.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// HeaderException: an accessor of a Received record was called on a handle without implementation;
-// category 1, thrown from the unit "Receive".
+// HeaderException: an accessor of a Received record was called on a handle without one, or with the
+// record of another header; category 1, thrown from the unit "Receive".
 #pragma once
 
 #include "include2/Exception.h"

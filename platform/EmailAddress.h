@@ -18,9 +18,10 @@ class QV_API EmailAddress {
     // The first address in the value of an address header: display names, comments, groups, routes,
     // quoted local parts and literals are understood. Null when the text holds no address: "<>", an
     // empty or broken value, a group without members, a NUL byte. What has no "@" does not count as
-    // an address, so that "Doe, John <john@host.example>" gives John's. Only the first 2 KiB and
-    // the first 16 commas, colons and semicolons are looked at. `lenient` accepts the common
-    // deviations from the grammar that real mail shows. Safe to call from many threads.
+    // an address, so that "Doe, John <john@host.example>" gives John's; nor does what has two
+    // outside of quotes, because its sender would choose which of its parts is the domain. Only the
+    // first 2 KiB and the first 16 commas, colons and semicolons are looked at. `lenient` accepts
+    // the common deviations from the grammar that real mail shows. Safe to call from many threads.
     static EmailAddress rfc5322Parse(std::string const& text, bool lenient);
 
     bool isNull() const { return m_domain.empty() && m_localPart.empty(); }

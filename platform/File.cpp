@@ -9,9 +9,10 @@ namespace Quorvane::File {
 
 namespace {
 
+// Never destroyed: rules may still be loaded while the process ends.
 std::string& s_root() {
-    static std::string root;
-    return root;
+    static auto* const root = new std::string;
+    return *root;
 }
 
 std::string s_withoutTrailingSlashes(std::string text) {

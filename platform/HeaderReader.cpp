@@ -9,6 +9,7 @@ namespace Quorvane {
 namespace {
 
 constexpr std::string_view s_blanks = " \t";
+constexpr std::string_view s_blanksAndBreaks = " \t\r\n";
 constexpr std::string_view s_mboxStart = "From ";
 
 // Offsets into the message.
@@ -48,8 +49,8 @@ std::string_view s_slice(std::string_view message, std::size_t begin, std::size_
     return message.substr(begin, end - begin);
 }
 
-std::string_view s_withoutTrailingBlanks(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(s_blanks) + 1);
+std::string_view s_withoutTrailing(std::string_view bytes, std::string_view text) {
+    return text.substr(0, text.find_last_not_of(bytes) + 1);
 }
 
 std::string_view s_withoutLeadingBlanks(std::string_view text) {
@@ -70,8 +71,9 @@ void s_readField(std::string_view message, Line const& first, Line const& last,
     if (colon == std::string_view::npos || s_isSkipped(message, first)) {
         return;
     }
-    auto const name = s_withoutTrailingBlanks(line.substr(0, colon));
-    auto const value = s_slice(message, first.m_begin + colon + 1, last.m_contentEnd);
+    auto const name = s_withoutTrailing(s_blanks, line.substr(0, colon));
+    auto const value = s_withoutTrailing(
+        s_blanksAndBreaks, s_slice(message, first.m_begin + colon + 1, last.m_contentEnd));
     headers.append(Header(std::string(name), std::string(s_withoutLeadingBlanks(value))));
 }
 

@@ -18,6 +18,7 @@ class QV_API Logger {
     virtual ~Logger();
 
     // Called from many threads at once. `format` and what follows are printf's; `reserved` is 0.
+    // May throw: the libraries drop whatever it throws, and the message with it.
     virtual void log(int messageId, int reserved, char const* format, ...)
         __attribute__((format(printf, 4, 5))) = 0;
 

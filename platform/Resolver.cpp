@@ -86,9 +86,10 @@ class Resolver::Slot {
 Resolver::Resolver() : m_slot(std::make_unique<Slot>()) {}
 Resolver::~Resolver() = default;
 
+// Never destroyed: threads and static objects may still scan while the process ends.
 Resolver& Resolver::instance() {
-    static Resolver s_instance;
-    return s_instance;
+    static auto* const resolver = new Resolver;
+    return *resolver;
 }
 
 PreparedResolver Resolver::prepare(ResolverSettings const& settings) {

@@ -110,6 +110,8 @@ using PreparedResolver = std::shared_ptr<Dns::Engine const>;
 
 class QV_API Resolver {
   public:
+    // Never destroyed, nor are the settings in force: names may be looked up until the process
+    // ends.
     static Resolver& instance();
 
     // Checks settings and starts what they need, without putting them in force. An Exception of

@@ -9,16 +9,26 @@
 #include "received/ReceivedFields.h"
 
 #include <string>
+#include <typeinfo>
 
 namespace Quorvane {
 
-class MsgReceivedImpl : public HeaderImpl {
+class MsgReceivedImpl final : public HeaderImpl {
   public:
+    // The record that a handle holds; null when it holds none, or one of another kind: operations
+    // of the base classes put any header's record into a MsgReceived. Every accessor call asks, and
+    // exact types compare faster than a dynamic_cast.
+    static MsgReceivedImpl* of(TypeAndValueImpl* held) {
+        bool const isOne = held != nullptr && typeid(*held) == typeid(MsgReceivedImpl);
+        return isOne ? static_cast<MsgReceivedImpl*>(held) : nullptr;
+    }
+
     explicit MsgReceivedImpl(std::string const& value);
     // A record of fields that were found otherwise, without text. It parses only when `fields` say
     // that they are not parsed.
     explicit MsgReceivedImpl(ReceivedFields fields);
-    ~MsgReceivedImpl() override;
+    // Inline, so that every module that includes this has the type's identity.
+    ~MsgReceivedImpl() override = default;
 
     std::string const& from() const { return parsed().m_from; }
     std::string const& by() const { return parsed().m_by; }

@@ -31,12 +31,12 @@ RefCounted<TypeAndValueImpl>* s_newRecord(std::string const& value) {
     return new RefCounted<TypeAndValueImpl>(new MsgReceivedImpl(value), false);
 }
 
-// Every implementation that a MsgReceived installs is a MsgReceivedImpl.
 MsgReceivedImpl& s_record(TypeAndValueImpl* impl, unsigned int line) {
-    if (impl == nullptr) {
+    auto* const record = MsgReceivedImpl::of(impl);
+    if (record == nullptr) {
         throw HeaderException(receiveFile, line);
     }
-    return static_cast<MsgReceivedImpl&>(*impl);
+    return *record;
 }
 
 // As s_isForged; `lookup` says how the look-up ended.
@@ -59,8 +59,6 @@ MsgReceivedImpl::MsgReceivedImpl(std::string const& value) : HeaderImpl("Receive
 
 MsgReceivedImpl::MsgReceivedImpl(ReceivedFields fields)
     : HeaderImpl("Received", {}), m_fields(std::move(fields)) {}
-
-MsgReceivedImpl::~MsgReceivedImpl() = default;
 
 ReceivedFields const& MsgReceivedImpl::parsed() const {
     if (!m_fields.m_isParsed) {

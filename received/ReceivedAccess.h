@@ -12,9 +12,9 @@ namespace Quorvane {
 class ReceivedAccess {
   public:
     // The fields as they stand, valid as long as a handle to the record lives. Null on a handle
-    // without record.
+    // without a record of its kind.
     static ReceivedFields const* fields(MsgReceived const& hop) {
-        auto const* const record = static_cast<MsgReceivedImpl const*>(hop.impl());
+        auto const* const record = MsgReceivedImpl::of(hop.impl());
         return record == nullptr ? nullptr : &record->fields();
     }
 };

@@ -17,8 +17,14 @@ constexpr int engineFailed = 50332198;
 constexpr int engineFailedOtherwise = 50332199;
 constexpr int initFailed = 50332201;
 
-void s_log(int messageId, std::string const& text) {
-    Logger::instance(false)->log(messageId, 0, "%s", text.c_str());
+// Throws nothing, whatever a host's logger throws: a message that cannot be logged is lost, and a
+// scan or a reload goes on. Without a reason there is no more to say than the id does.
+void s_log(int messageId, Exception const* reason) {
+    try {
+        std::string const text = reason == nullptr ? " " : reason->asString();
+        Logger::instance(false)->log(messageId, 0, "%s", text.c_str());
+    } catch (...) { // nobody is left to hear of it
+    }
 }
 
 // Null when the rules cannot be loaded; the reason is logged.
@@ -26,9 +32,9 @@ DeepHeaderAdapter* s_buildEngine() {
     try {
         return new DeepHeaderAdapter;
     } catch (Exception const& exception) {
-        s_log(engineFailed, exception.asString());
+        s_log(engineFailed, &exception);
     } catch (...) {
-        s_log(engineFailedOtherwise, " ");
+        s_log(engineFailedOtherwise, nullptr);
     }
     return nullptr;
 }
@@ -57,7 +63,7 @@ void DeepHeaderScanner::init() {
         RefDeepHeaderAdapter::instance(engine);
         m_version.store(version, std::memory_order_relaxed);
     } catch (Exception const& exception) {
-        s_log(initFailed, exception.asString());
+        s_log(initFailed, &exception);
     }
 }
 
@@ -75,9 +81,9 @@ DeepHeaderAnswer DeepHeaderScanner::postQuery(DeepHeaderQuery& query) {
         if (!engine.isEmpty()) {
             return engine->scanMessage(query);
         }
-        s_log(noEngine, " ");
+        s_log(noEngine, nullptr);
     } catch (Exception const& exception) {
-        s_log(scanFailed, exception.asString());
+        s_log(scanFailed, &exception);
     }
     return DeepHeaderAnswer();
 }

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/internal/AddressBrackets.h"
 
+#include "platform/internal/AddressSpans.h"
+
+#include <algorithm>
+
 namespace Quorvane::internal {
 
 namespace {
@@ -30,11 +34,11 @@ class BracketScan {
     bool isInPlace(char c) {
         switch (c) {
         case '"':
-            return skipPast('"');
+            return goTo(afterSpan(m_text, m_position, '"'));
         case '(':
-            return skipComment();
+            return goTo(afterComment(m_text, m_position));
         case '[':
-            return m_before == '@' && skipPast(']');
+            return m_before == '@' && goTo(afterSpan(m_text, m_position, ']'));
         case '<':
             return open();
         case '>':
@@ -44,27 +48,9 @@ class BracketScan {
         }
     }
 
-    bool skipPast(char end) {
-        while (m_position < m_text.size()) {
-            char const c = m_text[m_position++];
-            if (c == end) {
-                return true;
-            }
-            m_position += c == '\\' ? 1U : 0U;
-        }
-        return false;
-    }
-
-    bool skipComment() {
-        for (int depth = 1; m_position < m_text.size();) {
-            char const c = m_text[m_position++];
-            m_position += c == '\\' ? 1U : 0U;
-            depth += c == '(' ? 1 : c == ')' ? -1 : 0;
-            if (depth == 0) {
-                return true;
-            }
-        }
-        return false;
+    bool goTo(std::size_t position) {
+        m_position = std::min(position, m_text.size());
+        return position != std::string_view::npos;
     }
 
     bool open() {

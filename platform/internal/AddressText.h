@@ -34,7 +34,8 @@ struct AddressText {
 // the message; and it decodes the display name, which nobody here reads, with whatever character
 // set the sender names. Empty for text that holds no usable address: one with a NUL byte, one
 // without a place to cut, or one that leaves no byte to hide with. Without `lenient`, text from the
-// first address on whose brackets are not in order is left out (AddressBrackets.h).
+// first address on whose brackets are not in order is left out (AddressBrackets.h). Addresses with
+// more than one "@" are made unreadable (AddressAts.h).
 std::optional<AddressText> prepareAddressText(std::string const& header, bool lenient);
 
 // A local part without quotation marks and the backslashes and line breaks inside them.

@@ -131,7 +131,8 @@ TEST_F(AdapterTest, AHostLibrarysExceptionBecomesAnEngineFailureWithItsText) {
 }
 
 TEST_F(AdapterTest, AnyOtherExceptionBecomesAnEngineFailureWithAFixedText) {
-    Message const message("Received: standby \n");
+    Message message;
+    message.m_headers.append(Header("Received", "standby "));
     auto query = message.query();
     expectFailure([&] { engine().scanMessage(query); }, 775, "Error deep header scanning ");
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <ostream>
@@ -71,6 +72,19 @@ Case const s_wellFormed[] = {
     {"m\xc3\xbcller@m\xc3\xbcller.example", "m\xc3\xbcller", "m\xc3\xbcller.example", "UTF-8"},
     {"a!b%c@host.example", "a!b%c", "host.example", "old routing marks"},
     {"user@host", "user", "host", "domain without a dot"},
+    {"\"a@b@c\"@host.example", "a@b@c", "host.example", "quoted local part with two @"},
+    {"a(x@y)@(x@y)host.example (x@y)", "a", "host.example", "comments with @"},
+    {"\"x@y@z\" <user@host.example>", "user", "host.example", "quoted display name with two @"},
+    {"user@host.example two@other.example", "user", "host.example", "a blank for a comma"},
+    {"user@host.example(note)two@other.example", "user", "host.example", "a comment for a comma"},
+    {"one@two@three, user@host.example", "user", "host.example", "one with two @ before"},
+    {"friends: one@two@three, user@host.example;", "user", "host.example",
+     "group member with two @ before"},
+    {"<one@two@three>, <user@host.example>", "user", "host.example",
+     "one with two @ in angle brackets before"},
+    {"user@host.example, one@two@three", "user", "host.example", "one with two @ behind"},
+    {"user@[IPv6:2001:db8::1], one@two@three", "user", "[IPv6:2001:db8::1]",
+     "a literal's colons end no address"},
 };
 
 Case const s_noAddress[] = {
@@ -100,6 +114,32 @@ Case const s_noAddress[] = {
     {std::string("user@host\0.example", 18), nullptr, nullptr, "NUL inside"},
     {std::string("\0user@host.example", 18), nullptr, nullptr, "NUL in front"},
     {"{}|~^`$#%*&!'/_@xn--mller-kva.example", nullptr, nullptr, "no byte left to hide with"},
+    {"a@b@c.example", nullptr, nullptr, "two @"},
+    {"<a@b@c.example>", nullptr, nullptr, "two @ in angle brackets"},
+    {"\"x\" <a@b@c>", nullptr, nullptr, "two @ behind a quoted name"},
+    {"x <a@b@c>", nullptr, nullptr, "two @ behind a name"},
+    {"x@y.example <a@b@c>", nullptr, nullptr, "two @ behind a name that looks like an address"},
+    {"a@b@c@d.example", nullptr, nullptr, "three @"},
+    {"a@@b.example", nullptr, nullptr, "two @ side by side"},
+    {"a@b @ c.example", nullptr, nullptr, "two @, blanks around one"},
+    {"a@b\r\n @c.example", nullptr, nullptr, "two @, folded"},
+    {"a@b . c@d.example", nullptr, nullptr, "two @, blanks around a dot"},
+    {"a@b (x) @c.example", nullptr, nullptr, "two @, a comment between"},
+    {"\"a\"@b@c.example", nullptr, nullptr, "two @ behind a quoted local part"},
+    {"a@[192.0.2.1]@c.example", nullptr, nullptr, "two @, one behind a literal"},
+    {"a@[IPv6:2001:db8::1]@c.example", nullptr, nullptr, "two @, one behind an IPv6 literal"},
+    {"a@[ 192.0.2.1 ]@c.example", nullptr, nullptr, "two @, one behind a literal with blanks"},
+    {"a@[b@c.example]", nullptr, nullptr, "two @, one in a literal"},
+    {"a@b\"@c.example", nullptr, nullptr, "two @, a stray quotation mark between"},
+    {"a@b\\@c.example", nullptr, nullptr, "two @, a stray backslash between"},
+    {"a@b)@c.example", nullptr, nullptr, "two @, a stray parenthesis between"},
+    {"<@relay.example:a@b@c.example>", nullptr, nullptr, "two @ behind a route"},
+    {"friends: a@b@c.example;", nullptr, nullptr, "group whose member has two @"},
+    {"\"Name <a@b@c.example>", nullptr, nullptr, "two @ behind an open quotation mark"},
+    {"<a@b@c.example", nullptr, nullptr, "two @ behind an open bracket"},
+    {"a@b@c.example>", nullptr, nullptr, "two @ before a stray bracket"},
+    {"a@b@c.example <user@host.example>", nullptr, nullptr, "two @ in an unquoted name"},
+    {"a@xn--b@xn--c.example", nullptr, nullptr, "two @ and A-labels"},
 };
 
 // An address only when lenient.
@@ -304,6 +344,30 @@ RC_GTEST_PROP(EmailAddress, everyLabelOfTheDomainStandsInTheText, ()) {
     for (std::string label; std::getline(labels, label, '.');) {
         RC_ASSERT(text.find(label) != std::string::npos);
     }
+}
+
+// Without quotes, comments and routes an address stands in its text as it is read, but for blanks.
+RC_GTEST_PROP(EmailAddress, noSecondAtFollowsWhatIsRead, ()) {
+    auto text = *rc::gen::element<std::string>("", "a@b", "a@b ", "<a@b.c", "d <a@[f]", "d, a@b.");
+    auto const pieces = rc::gen::container<std::vector<std::string>>(rc::gen::element<std::string>(
+        "a", "b.c", "d", "@", "@", "@e", "<", ">", ",", ";", ":", " ", ".", "\\", ")", "[f]", "]"));
+    for (auto const& piece : *pieces) {
+        text += piece;
+    }
+    auto const address = EmailAddress::rfc5322Parse(text, *rc::gen::arbitrary<bool>());
+    RC_CLASSIFY(!address.isNull(), "an address");
+    if (address.isNull()) {
+        return;
+    }
+    text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
+    auto const read = address.localPart() + '@' + address.domain();
+    RC_CLASSIFY(std::count(text.begin(), text.end(), '@') > 1, "and more than one @");
+    bool isAlone = false;
+    for (auto at = text.find(read); at != std::string::npos; at = text.find(read, at + 1)) {
+        auto const end = at + read.size();
+        isAlone = isAlone || end == text.size() || text[end] != '@';
+    }
+    RC_ASSERT(isAlone);
 }
 
 RC_GTEST_PROP(EmailAddress, anAtomAddressReadsBackInEveryDress, ()) {

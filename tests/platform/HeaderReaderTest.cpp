@@ -80,14 +80,22 @@ Case const s_cases[] = {
     {"the value begins on the next line", "A:\r\n 1\r\n", {{"A", "\r\n 1"}}},
     {"blanks, then the value on the next line", "A: \t\r\n 1\r\n", {{"A", "\r\n 1"}}},
     {"a line of blanks goes on with the field",
-     "A: 1\r\n \r\nB: 2\r\n",
-     {{"A", "1\r\n "}, {"B", "2"}}},
+     "A: 1\r\n \r\n 2\r\nB: 3\r\n",
+     {{"A", "1\r\n \r\n 2"}, {"B", "3"}}},
+    {"a line of blanks at the end of the field",
+     "A: 1\r\n \t\r\nB: 2\r\n",
+     {{"A", "1"}, {"B", "2"}}},
+    {"lines of blanks alone", "A: \r\n \r\n\t\r\nB: 2\r\n", {{"A", ""}, {"B", "2"}}},
     {"a colon in a folded line", "A: 1\r\n B: 2\r\n", {{"A", "1\r\n B: 2"}}},
 
     {"blanks and tabs after the colon", "A: \t  1\r\n", {{"A", "1"}}},
     {"no blank after the colon", "A:1\r\n", {{"A", "1"}}},
-    {"trailing blanks stay", "A: 1 \t\r\n", {{"A", "1 \t"}}},
-    {"other blanks after the colon stay", "A:\v\f 1\r\n", {{"A", "\v\f 1"}}},
+    {"trailing blanks and tabs", "A: 1 \t\r\nB: 2\t \n", {{"A", "1"}, {"B", "2"}}},
+    {"trailing blanks at the end of the message", "A: 1 \t", {{"A", "1"}}},
+    {"a Received value that could not be parsed",
+     "Received: from a by \r\nReceived: by\r\n \r\nReceived: by \r\n\t",
+     {{"Received", "from a by"}, {"Received", "by"}, {"Received", "by"}}},
+    {"other blanks stay", "A:\v\f 1 \v\f\r\n", {{"A", "\v\f 1 \v\f"}}},
     {"empty value", "A:\r\nB: \r\n", {{"A", ""}, {"B", ""}}},
     {"empty value at the end of the message", "A:", {{"A", ""}}},
     {"blank value at the end of the message", "A: \t", {{"A", ""}}},
@@ -116,10 +124,12 @@ Case const s_cases[] = {
      {{">From a@b Thu Jan  1 00", "00:00 1970"}, {"A", "1"}}},
 
     {"CR alone is an ordinary byte", "A: 1\rB: 2\r\n", {{"A", "1\rB: 2"}}},
-    {"CR alone at the end of the message", "A: 1\r", {{"A", "1\r"}}},
-    {"CR CR LF", "A: 1\r\r\nB: 2\r\n", {{"A", "1\r"}, {"B", "2"}}},
+    {"CR alone at the end of the message", "A: 1\r", {{"A", "1"}}},
+    {"CR CR LF", "A: 1\r\r\nB: 2\r\n", {{"A", "1"}, {"B", "2"}}},
+    {"CR and blanks at the end", "A: 1\r \r\r\nB: 2 \r", {{"A", "1"}, {"B", "2"}}},
     {"CR CR LF is no empty line", "A: 1\r\n\r\r\nB: 2\r\n", {{"A", "1"}, {"B", "2"}}},
     {"NUL is an ordinary byte", "A\0b: 1\0002\r\nB: \0\r\n"s, {{"A\0b"s, "1\0002"s}, {"B", "\0"s}}},
+    {"NUL at the end", "A: by \0\r\nB: by\0 \r\n"s, {{"A", "by \0"s}, {"B", "by\0"s}}},
     {"bytes above 127", "A: \xff\x80\r\n", {{"A", "\xff\x80"}}},
 };
 
@@ -135,12 +145,9 @@ rc::Gen<std::string> s_anyValue() {
         for (auto const& piece : all) {
             value += piece;
         }
-        // Blanks in front are not part of a value, and a CR at the end would join the line break.
+        // Blanks in front and blanks and line breaks at the end are not part of a value.
         value.erase(0, std::min(value.find_first_not_of(" \t"), value.size()));
-        while (!value.empty() && value.back() == '\r') {
-            value.pop_back();
-        }
-        return value;
+        return value.substr(0, value.find_last_not_of(" \t\r\n") + 1);
     });
 }
 
@@ -238,6 +245,12 @@ RC_GTEST_PROP(HeaderReader, readingWhatWasReadChangesNothing, ()) {
     // So that no field that begins with "From " comes first.
     fields.insert(fields.begin(), {"First", ""});
     RC_ASSERT(s_read(s_written(fields, ":", "\r\n")) == fields);
+}
+
+RC_GTEST_PROP(HeaderReader, noValueEndsInBlanksOrLineBreaks, ()) {
+    for (auto const& [name, value] : s_read(*s_anyMessage())) {
+        RC_ASSERT(value.find_last_not_of(" \t\r\n") + 1 == value.size());
+    }
 }
 
 RC_GTEST_PROP(HeaderReader, everyValueIsASliceOfTheMessageInOrder, ()) {

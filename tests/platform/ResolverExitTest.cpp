@@ -65,6 +65,22 @@ TEST_F(ResolverExitDeathTest, ProcessEndsWellWithSettingsInForce) {
     EXPECT_EXIT(s_exitWithSettingsInForce(), testing::ExitedWithCode(0), "");
 }
 
+void s_exitWhileAnswersArrive() {
+    LateDnsServer const server(std::chrono::milliseconds(0));
+    Resolver::instance().configure(serverSettings(server.address()));
+    static auto* const lookups = new std::vector<PendingLookup>; // never destroyed
+    for (int i = 0; i < 100; ++i) {
+        lookups->push_back(Resolver::instance().start(
+            RecordType::mailName, "host" + std::to_string(i) + ".example.test", RecordClass::IN));
+    }
+    lookups->front().wait();
+    std::exit(0);
+}
+
+TEST_F(ResolverExitDeathTest, ProcessEndsWellWhileAnswersArrive) {
+    EXPECT_EXIT(s_exitWhileAnswersArrive(), testing::ExitedWithCode(0), "");
+}
+
 void s_exitAfterTheLastAnswerWasLate() {
     SilentDnsServer server;
     Resolver::instance().configure(serverSettings(server.address(), shortDeadline));

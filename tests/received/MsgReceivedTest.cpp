@@ -137,6 +137,61 @@ TEST(MsgReceivedTest, AssignmentReleasesTheOldRecordOnly) {
     EXPECT_EQ(copy.from(), "a.example");
 }
 
+// What the base classes do to a handle leaves it with the record of another header.
+struct ForeignRecord {
+    char const* m_how;
+    void (*m_put)(MsgReceived& hop);
+    char const* m_value; // readable all the same
+};
+
+ForeignRecord const s_foreignRecords[] = {
+    {"newImpl", [](MsgReceived& hop) { hop.newImpl(); }, ""},
+    {"newImpl through Header", [](MsgReceived& hop) { static_cast<Header&>(hop).newImpl(); }, ""},
+    {"assignment of Header",
+     [](MsgReceived& hop) { hop.Header::operator=(Header("Received", "from x")); }, "from x"},
+    {"assignment of TypeAndValue",
+     [](MsgReceived& hop) { static_cast<TypeAndValue&>(hop) = Header("Received", "from y"); },
+     "from y"},
+};
+
+TEST(MsgReceivedTest, AccessorsOfAForeignRecordThrowFromTheirOwnLines) {
+    for (auto const& row : s_foreignRecords) {
+        SCOPED_TRACE(row.m_how);
+        for (MsgReceived hop : {MsgReceived(), MsgReceived(std::string(postfix))}) {
+            row.m_put(hop);
+            EXPECT_FALSE(hop.isNull());
+            EXPECT_EQ(ReceivedAccess::fields(hop), nullptr);
+            s_expectNoRecord(hop);
+            EXPECT_EQ(hop.value(), row.m_value);
+            EXPECT_EQ(hop.type(), "Received");
+        }
+    }
+}
+
+TEST(MsgReceivedTest, AForeignRecordIsACopysToo) {
+    MsgReceived hop{std::string(postfix)};
+    hop.newImpl();
+    MsgReceived copy(hop);
+    s_expectNoRecord(copy);
+}
+
+TEST(MsgReceivedTest, AssignmentFromAForeignRecordTakesItsText) {
+    MsgReceived source;
+    static_cast<TypeAndValue&>(source) = Header("Received", postfix);
+    MsgReceived hop;
+    hop = source;
+    EXPECT_EQ(hop.from(), "a.example");
+    s_expectNoRecord(source);
+}
+
+TEST(MsgReceivedTest, ARecordOfItsOwnKindIsSharedByTheBaseClassesAssignment) {
+    MsgReceived const source{std::string(postfix)};
+    MsgReceived hop;
+    static_cast<TypeAndValue&>(hop) = source;
+    EXPECT_EQ(&hop.from(), &source.from());
+    EXPECT_NE(ReceivedAccess::fields(hop), nullptr);
+}
+
 TEST(MsgReceivedTest, AssignsThroughTheBaseClass) {
     MsgReceived hop;
     Header& base = hop;

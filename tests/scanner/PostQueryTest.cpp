@@ -41,7 +41,9 @@ TEST_F(PostQueryTest, AnyScannerObjectUsesTheSameEngine) {
 }
 
 TEST_F(PostQueryTest, AFailedScanIsLoggedAndReadsAsNoVerdict) {
-    auto query = Message("Received: standby \n").query();
+    Message message;
+    message.m_headers.append(Header("Received", "standby "));
+    auto query = message.query();
     auto const answer = m_scanner.postQuery(query);
     EXPECT_EQ(answer.getNode(), 0);
     EXPECT_FALSE(answer.isSpam());
@@ -52,6 +54,15 @@ TEST_F(PostQueryTest, AFailedScanIsLoggedAndReadsAsNoVerdict) {
     DeepHeaderException expected("Adapter", 775);
     expected.stringParameter("Error deep header scanning ");
     EXPECT_EQ(records[0].m_text, expected.asString());
+}
+
+TEST_F(PostQueryTest, NoLineOfASenderKeepsAMessageFromBeingJudged) {
+    Message message(received("a.example", "unknown", "192.0.2.7", "c.example") +
+                    "Received: standby \r\n\t\r\n");
+    message.m_settings.spamThreshold = 0.9;
+    auto query = message.query();
+    EXPECT_TRUE(m_scanner.postQuery(query).isSpam());
+    EXPECT_TRUE(m_log.take().empty());
 }
 
 TEST_F(PostQueryTest, AHostsExceptionIsLoggedWithItsOwnTextInside) {

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/internal/AddressAts.h"
+
+#include "platform/internal/AddressSpans.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace Quorvane::internal {
+
+namespace {
+
+constexpr auto npos = std::string_view::npos;
+constexpr std::string_view s_blanks = " \t\r\n";
+constexpr std::string_view s_delimiters = ",;<>";
+
+class AtScan {
+  public:
+    explicit AtScan(std::string& text) : m_text(text) {}
+
+    void spoil() {
+        while (m_position < m_text.size()) {
+            if (!skipGap()) {
+                take(m_text[m_position]);
+            }
+        }
+        endAddress();
+    }
+
+  private:
+    // False where neither a blank nor a whole comment stands.
+    bool skipGap() {
+        char const c = m_text[m_position];
+        if (s_blanks.find(c) != npos) {
+            ++m_position;
+        } else if (c != '(' || !skip(afterComment, m_isCommentOpen)) {
+            return false;
+        }
+        m_isAfterGap = true;
+        return true;
+    }
+
+    void take(char c) {
+        if (isDelimiter(c) || isNextWord(c)) {
+            endAddress();
+        }
+        if (c == '@' && ++m_ats == 1) {
+            m_firstAt = m_position;
+        }
+        m_isAfterGap = false;
+        m_isInLiteral = c == '[' ? m_before == '@' : m_isInLiteral && c != ']';
+        m_before = c;
+        if (c != '"' || !skip(afterQuotes, m_isQuoteOpen)) {
+            ++m_position;
+        }
+    }
+
+    // Skips what the byte at hand opens. Nothing closes what is opened behind an open one, and to
+    // look for it again would take long in hostile text.
+    bool skip(std::size_t (*after)(std::string_view, std::size_t), bool& isOpen) {
+        auto const end = isOpen ? npos : after(m_text, m_position + 1);
+        isOpen = end == npos;
+        m_position = isOpen ? m_position : end;
+        return !isOpen;
+    }
+
+    static std::size_t afterQuotes(std::string_view text, std::size_t position) {
+        return afterSpan(text, position, '"');
+    }
+
+    // The colons of an IPv6 literal part nothing.
+    bool isDelimiter(char c) const {
+        return s_delimiters.find(c) != npos || (c == ':' && !m_isInLiteral);
+    }
+
+    // "user@host.example other": blanks may stand around "@" and dots, but not inside of a label.
+    bool isNextWord(char c) const {
+        return m_isAfterGap && m_ats > 0 && !m_isInLiteral && !isJoint(m_before) && !isJoint(c);
+    }
+    static bool isJoint(char c) { return c == '@' || c == '.'; }
+
+    void endAddress() {
+        if (m_ats > 1) {
+            m_text.insert(m_firstAt, 1, '@');
+            ++m_position;
+        }
+        m_ats = 0;
+        m_isInLiteral = false;
+    }
+
+    std::string& m_text;
+    std::size_t m_position = 0;
+    // Of the address under way.
+    int m_ats = 0;
+    std::size_t m_firstAt = 0;
+    char m_before = '\0'; // the last byte that is no blank and in no comment
+    bool m_isAfterGap = false;
+    bool m_isInLiteral = false;
+    // Of the whole text: where one stands open, it is a byte like others, as those behind it are.
+    bool m_isQuoteOpen = false;
+    bool m_isCommentOpen = false;
+};
+
+} // namespace
+
+void spoilDoubleAts(std::string& text) {
+    AtScan(text).spoil();
+}
+
+} // namespace Quorvane::internal
