@@ -5,14 +5,11 @@
 #include "apps/qvrules/Output.h"
 #include "apps/story/TextExplain.h"
 #include "apps/story/TextRecord.h"
-#include "apps/text/Utf8.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
 #include "apps/workshop/RuleEngine.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
-
-#include <iostream>
 
 namespace Quorvane::RulesApp {
 
@@ -20,9 +17,9 @@ namespace {
 
 class Explainer {
   public:
-    Explainer(ExplainArguments const& arguments, RefDeepHeaderAdapter const& engine)
-        : m_isJson(arguments.m_format == "json"), m_facts(messageFacts(arguments.m_settings)),
-          m_host(hostSettings(arguments.m_settings), engine) {}
+    Explainer(CommandLine const& line, RefDeepHeaderAdapter const& engine)
+        : m_isJson(line.text("format") == "json"), m_facts(messageFacts(line)),
+          m_host(hostSettings(line), engine) {}
 
     void explain(Workshop::AskedItem const& item) const {
         if (!item.m_headers) {
@@ -47,29 +44,29 @@ class Explainer {
     ScanHost m_host;
 };
 
-void s_explain(ExplainArguments const& arguments, Workshop::ExplainInput& input) {
-    auto const engine = Workshop::loadEngine(Rules::loadRules(arguments.m_rules).m_set);
-    Explainer const explainer(arguments, engine);
+void s_explain(CommandLine const& line, Workshop::ExplainInput& input) {
+    auto const engine = Workshop::loadEngine(Rules::loadRules(line.text("RULES")).m_set);
+    Explainer const explainer(line, engine);
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }
 
 } // namespace
 
-int explain(ExplainArguments const& arguments) {
+int explain(CommandLine const& line) {
+    auto const asked = line.text("INPUT");
     Interrupt interrupt;
     try {
-        Workshop::ExplainInput input(arguments.m_input, interrupt);
-        if (input.isVectors() && hasFacts(arguments.m_settings)) {
-            std::cerr << "explain: " << toPrintable(arguments.m_input)
-                      << " holds vectors, and what is known of a message changes none: leave out "
-                         "--env-from and the like\n";
-            return ExitStatus::usage;
+        Workshop::ExplainInput input(asked, interrupt);
+        if (input.isVectors() && hasFacts(line)) {
+            throw UsageError(asked +
+                             " holds vectors, and what is known of a message changes none: leave "
+                             "out --env-from and the like");
         }
-        s_explain(arguments, input);
+        s_explain(line, input);
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }
-    return ExitStatus::well;
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

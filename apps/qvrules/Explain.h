@@ -5,7 +5,6 @@
 #pragma once
 
 #include "apps/host/ScanHost.h"
-#include "apps/qvrules/HostOptions.h"
 #include "apps/story/TrailStory.h"
 
 #include <string>
@@ -13,19 +12,10 @@
 
 namespace Quorvane::RulesApp {
 
-struct ExplainArguments {
-    std::string m_rules; // text or folder
-    std::string m_input; // as ExplainInput takes it
-    std::string m_format = "text";
-    GivenSettings m_settings; // settings and facts
-};
-
 // One line with the keys source, verdict, node, confidence, support, adjust, adjustReason, reasons,
 // because, sentences, path, end, elite, needed and attributes. Text is ASCII as in the records of
 // qvscan. REQUIRES: host.trace(outcome) was called.
 std::string explanationJson(std::string const& source, ScanHost const& host,
                             ScanOutcome const& outcome, std::vector<StoryHop> const& trail);
-
-int explain(ExplainArguments const& arguments);
 
 } // namespace Quorvane::RulesApp
