@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/commandline/ValueNames.h"
 #include "apps/docgen/Completion.h"
-#include "apps/settings/ValueNames.h"
 
 #include <algorithm>
 
@@ -31,10 +31,10 @@ _@() {
     done
 )";
 
-std::string s_named(std::string_view text, std::string const& name) {
+std::string s_named(std::string_view text, std::string_view name) {
     std::string out;
     for (char const c : text) {
-        out += c == '@' ? name : std::string(1, c);
+        out += c == '@' ? name : std::string_view(&c, 1);
     }
     return out;
 }
@@ -52,7 +52,7 @@ std::string s_offer(std::vector<std::string> const& words) {
 }
 
 // Readline completes paths itself: it knows how to quote them.
-std::string s_offerValue(std::string const& valueName) {
+std::string s_offerValue(std::string_view valueName) {
     switch (kindOf(valueName)) {
     case ValueKind::words:
         return s_offer(literalsOf(valueName));
@@ -72,59 +72,56 @@ std::string s_case(std::string const& pattern, std::string const& action) {
 }
 
 // Commands stand in front of the keys only where there are any.
-std::string s_prefix(ProgramDoc const& program, CommandDoc const& command) {
-    return program.m_commands.empty() ? "*" : command.m_name;
+std::string s_prefix(ProgramTable const& program, CommandRow const& command) {
+    return program.m_commands.empty() ? "*" : std::string(command.m_name);
 }
 
-std::string s_valueCases(ProgramDoc const& program, CommandDoc const& command) {
+std::string s_valueCases(ProgramTable const& program, CommandRow const& command) {
     std::string text;
     for (auto const& option : command.m_options) {
-        if (option.m_valueName.empty()) {
+        if (option.isFlag()) {
             continue;
         }
-        auto const start = s_prefix(program, command) + ":-";
-        auto const letter = option.m_letter.empty() ? "" : start + option.m_letter + " | ";
-        text += s_case(letter + start + "-" + option.m_name, s_offerValue(option.m_valueName));
+        auto const start = s_prefix(program, command) + ":";
+        auto const letter = option.m_letter == '\0' ? "" : start + '-' + option.m_letter + " | ";
+        text += s_case(letter + start + option.dashed(), s_offerValue(option.m_valueName));
     }
     return text;
 }
 
-std::vector<std::string> s_optionWords(ProgramDoc const& program, CommandDoc const& command) {
+std::vector<std::string> s_optionWords(CommandRow const& command) {
     std::vector<std::string> words;
     for (auto const& option : command.m_options) {
-        words.push_back("--" + option.m_name);
-    }
-    if (&command != &program.m_own && !program.m_own.m_options.empty()) {
-        words.emplace_back("--help");
+        words.push_back(option.dashed());
     }
     return words;
 }
 
-std::string s_arguments(CommandDoc const& command) {
+std::string s_arguments(CommandRow const& command) {
     return command.m_arguments.empty() ? ":" : s_offerValue(command.m_arguments[0].m_valueName);
 }
 
 // After the values: options where the word begins with "-", arguments elsewhere.
-std::string s_wordCases(ProgramDoc const& program, CommandDoc const& command) {
+std::string s_wordCases(ProgramTable const& program, CommandRow const& command) {
     auto const prefix = s_prefix(program, command);
-    return s_case(prefix + ":1-*", s_offer(s_optionWords(program, command))) +
+    return s_case(prefix + ":1-*", s_offer(s_optionWords(command))) +
            s_case(prefix + ":*", s_arguments(command));
 }
 
-std::string s_commandCases(ProgramDoc const& program) {
+std::string s_commandCases(ProgramTable const& program) {
     std::vector<std::string> names;
     std::string text;
     for (auto const& command : program.m_commands) {
-        names.push_back(command.m_name);
+        names.emplace_back(command.m_name);
         text += s_wordCases(program, command);
     }
-    return s_case(":1-*", s_offer(s_optionWords(program, program.m_own))) +
-           s_case(":*", s_offer(names)) + text;
+    return s_case(":1-*", s_offer(s_optionWords(program.m_own))) + s_case(":*", s_offer(names)) +
+           text;
 }
 
 } // namespace
 
-std::string bashCompletion(ProgramDoc const& program) {
+std::string bashCompletion(ProgramTable const& program) {
     auto text = s_named(head, program.m_name);
     text += "    case $command:$key in\n" + s_valueCases(program, program.m_own);
     for (auto const& command : program.m_commands) {

@@ -4,15 +4,15 @@
 // alone and need no package beside the shell. Pure functions.
 #pragma once
 
-#include "apps/docgen/ProgramDoc.h"
+#include "apps/commandline/OptionTable.h"
 
 #include <string>
 
 namespace Quorvane::Docs {
 
 // A function _NAME, tied to the program with complete -F.
-std::string bashCompletion(ProgramDoc const& program);
+std::string bashCompletion(ProgramTable const& program);
 // A file _NAME for a folder of fpath.
-std::string zshCompletion(ProgramDoc const& program);
+std::string zshCompletion(ProgramTable const& program);
 
 } // namespace Quorvane::Docs

@@ -13,10 +13,13 @@ namespace {
 
 class Page {
   public:
-    Page(ProgramDoc const& program, std::string_view version)
-        : m_program(program), m_version(version) {
-        listSections(program.m_own);
-        for (auto const& command : program.m_commands) {
+    Page(ProgramTable program, SettingTables const& settings, std::string_view version)
+        : m_program(std::move(program)), m_settings(settings), m_version(version) {
+        listSections(m_program.m_own);
+        for (auto& command : m_program.m_commands) {
+            // The page names it once, for the program.
+            std::erase_if(command.m_options,
+                          [](OptionRow const& row) { return row.m_name == helpRow.m_name; });
             listSections(command);
         }
     }
@@ -27,7 +30,9 @@ class Page {
         } else if (line == "@COMMANDS@") {
             addCommands();
         } else if (line == "@SETTINGS@") {
-            m_text += mdocSettings();
+            m_text += mdocSettings(m_settings.at(""));
+        } else if (line.starts_with("@SETTINGS ") && line.ends_with('@')) {
+            m_text += mdocSettings(m_settings.at(line.substr(10, line.size() - 11)));
         } else if (line.starts_with("@OPTIONS ") && line.ends_with('@')) {
             addOptions(line.substr(9, line.size() - 10));
         } else {
@@ -43,13 +48,18 @@ class Page {
     }
 
   private:
-    void listSections(CommandDoc const& command) {
+    void listSections(CommandRow const& command) {
         for (auto const& option : command.m_options) {
-            m_missing.insert(option.m_section);
+            m_missing.insert(sectionOf(command, option));
         }
         if (!command.m_name.empty() && !command.m_arguments.empty()) {
-            m_missing.insert(command.m_name);
+            m_missing.insert(std::string(command.m_name));
         }
+    }
+
+    static std::string sectionOf(CommandRow const& command, OptionRow const& option) {
+        auto const own = command.m_name.empty() ? "General" : command.m_name;
+        return std::string(option.m_group.empty() ? own : option.m_group);
     }
 
     void addSynopsis() {
@@ -60,9 +70,10 @@ class Page {
 
     void addCommands() {
         for (auto const& command : m_program.m_commands) {
-            if (m_missing.contains(command.m_name)) {
-                m_text += ".Ss " + command.m_name + "\n" + mdocSentence(command.m_summary);
-                addOptions(command.m_name);
+            auto const name = std::string(command.m_name);
+            if (m_missing.contains(name)) {
+                m_text += ".Ss " + name + "\n" + mdocSentence(command.m_summary);
+                addOptions(name);
             }
         }
     }
@@ -80,16 +91,16 @@ class Page {
         m_text += ".El\n";
     }
 
-    void addItems(CommandDoc const& command, std::string const& section) {
+    void addItems(CommandRow const& command, std::string const& section) {
         if (command.m_name == section) {
             for (auto const& argument : command.m_arguments) {
-                m_text += mdocItem(argument);
+                m_text += mdocArgument(argument);
             }
         }
         for (auto const& option : command.m_options) {
             // Commands may share a section.
-            if (option.m_section == section && m_listed.insert(option.m_name).second) {
-                m_text += mdocItem(option);
+            if (sectionOf(command, option) == section && m_listed.insert(option.m_name).second) {
+                m_text += mdocOption(option);
             }
         }
     }
@@ -100,17 +111,19 @@ class Page {
         return at == std::string::npos ? line : line.replace(at, mark.size(), m_version);
     }
 
-    ProgramDoc const& m_program;
+    ProgramTable m_program;
+    SettingTables const& m_settings;
     std::string m_version;
     std::set<std::string> m_missing;
-    std::set<std::string> m_listed; // in the section under way
+    std::set<std::string_view> m_listed; // in the section under way
     std::string m_text;
 };
 
 } // namespace
 
-std::string manPage(ProgramDoc const& program, std::string_view prose, std::string_view version) {
-    Page page(program, version);
+std::string manPage(ProgramTable const& program, SettingTables const& settings,
+                    std::string_view prose, std::string_view version) {
+    Page page(program, settings, version);
     std::istringstream lines{std::string(prose)};
     std::string line;
     while (std::getline(lines, line)) {

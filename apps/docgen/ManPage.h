@@ -5,19 +5,27 @@
 //   @OPTIONS Output@  the options of a section, or the options and arguments of a command
 //   @COMMANDS@        a subsection for each command that no @OPTIONS before it asked for
 //   @SYNOPSIS@        one line for each command
-//   @SETTINGS@        the keys of the settings file
+//   @SETTINGS@        the keys at the top of the settings file
+//   @SETTINGS name@   those of the table [name]
 //   @VERSION@         anywhere in a line
 // Pure.
 #pragma once
 
-#include "apps/docgen/ProgramDoc.h"
+#include "apps/commandline/OptionTable.h"
+#include "apps/settings/SettingRow.h"
 
+#include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Quorvane::Docs {
 
+// The settings of the tables of the settings file, by title.
+using SettingTables = std::map<std::string, std::vector<SettingFacts>, std::less<>>;
+
 // Throws std::runtime_error when `prose` asks for what there is not, or leaves options out.
-std::string manPage(ProgramDoc const& program, std::string_view prose, std::string_view version);
+std::string manPage(ProgramTable const& program, SettingTables const& settings,
+                    std::string_view prose, std::string_view version);
 
 } // namespace Quorvane::Docs

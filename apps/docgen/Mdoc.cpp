@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/docgen/Mdoc.h"
 
-#include "apps/settings/SettingsTable.h"
-#include "apps/settings/ValueNames.h"
+#include "apps/commandline/ValueNames.h"
 
 namespace Quorvane::Docs {
 
 namespace {
 
 // " Cm text | Cm json | Ar HOST[@PORT]"; nothing for a flag.
-std::string s_value(std::string const& valueName) {
+std::string s_value(std::string_view valueName) {
     std::string text;
     for (auto const& alternative : alternativesOf(valueName)) {
         text += text.empty() ? "" : " |";
@@ -18,12 +17,12 @@ std::string s_value(std::string const& valueName) {
     return text;
 }
 
-std::string s_letter(OptionDoc const& option) {
-    return "Fl " + option.m_letter;
+std::string s_letter(OptionRow const& option) {
+    return std::string("Fl ") + option.m_letter;
 }
 
-std::string s_long(OptionDoc const& option) {
-    return "Fl " + mdocText("-" + option.m_name);
+std::string s_long(OptionRow const& option) {
+    return "Fl " + mdocText(option.dashed().substr(1));
 }
 
 std::string s_kind(SettingKind kind) {
@@ -69,45 +68,46 @@ std::string mdocSentence(std::string_view phrase) {
     return mdocText(text + ".") + "\n";
 }
 
-std::string mdocItem(OptionDoc const& option) {
-    auto const letter = option.m_letter.empty() ? "" : s_letter(option) + " , ";
+std::string mdocOption(OptionRow const& option) {
+    auto const letter = option.m_letter == '\0' ? "" : s_letter(option) + " , ";
     return ".It " + letter + s_long(option) + s_value(option.m_valueName) + "\n" +
            mdocSentence(option.m_help) +
-           (option.m_isRepeatable ? "May be given more than once.\n" : "");
+           (option.is(Takes::repeatable) ? "May be given more than once.\n" : "");
 }
 
-std::string mdocItem(ArgumentDoc const& argument) {
-    return ".It Ar " + argument.m_name + (argument.m_isRepeatable ? " ..." : "") + "\n" +
-           mdocSentence(argument.m_help);
+std::string mdocArgument(OptionRow const& argument) {
+    return ".It Ar " + std::string(argument.m_name) +
+           (argument.is(Takes::repeatable) ? " ..." : "") + "\n" + mdocSentence(argument.m_help);
 }
 
-std::string mdocSynopsis(ProgramDoc const& program, CommandDoc const& command) {
-    auto text = ".Nm " + program.m_name + "\n.Cm " + command.m_name + "\n";
+std::string mdocSynopsis(ProgramTable const& program, CommandRow const& command) {
+    auto text =
+        ".Nm " + std::string(program.m_name) + "\n.Cm " + std::string(command.m_name) + "\n";
     bool hasSettings = false;
     for (auto const& option : command.m_options) {
-        if (option.m_section != command.m_name) {
+        if (!option.m_group.empty()) {
             hasSettings = true; // the page tells of them in one place for all commands
             continue;
         }
-        auto const name = option.m_letter.empty() ? s_long(option) : s_letter(option);
-        text += (option.m_isRequired ? "." : ".Op ") + name + s_value(option.m_valueName) +
-                (option.m_isRepeatable ? " ..." : "") + "\n";
+        auto const name = option.m_letter == '\0' ? s_long(option) : s_letter(option);
+        text += (option.is(Takes::required) ? "." : ".Op ") + name + s_value(option.m_valueName) +
+                (option.is(Takes::repeatable) ? " ..." : "") + "\n";
     }
     text += hasSettings ? ".Op Ar settings\n" : "";
     for (auto const& argument : command.m_arguments) {
-        text += (argument.m_isRequired ? ".Ar " : ".Op Ar ") + argument.m_name +
-                (argument.m_isRepeatable ? " ..." : "") + "\n";
+        text += (argument.is(Takes::required) ? ".Ar " : ".Op Ar ") + std::string(argument.m_name) +
+                (argument.is(Takes::repeatable) ? " ..." : "") + "\n";
     }
     return text;
 }
 
-std::string mdocSettings() {
+std::string mdocSettings(std::span<SettingFacts const> settings) {
     std::string text = ".Bl -tag -width Ds\n";
-    for (auto const& key : settingKeys()) {
+    for (auto const& key : settings) {
         text += ".It Cm " + mdocText(key.m_name) + " = Ar " + s_kind(key.m_kind) + "\n" +
                 mdocSentence(key.m_help);
         if (alternativesOf(key.m_valueName).size() > 1) {
-            text += "One of\n." + s_value(std::string(key.m_valueName)).substr(1) + " .\n";
+            text += "One of\n." + s_value(key.m_valueName).substr(1) + " .\n";
         }
     }
     return text + ".El\n";

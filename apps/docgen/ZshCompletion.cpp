@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/commandline/ValueNames.h"
 #include "apps/docgen/Completion.h"
-#include "apps/settings/ValueNames.h"
 
 namespace Quorvane::Docs {
 
 namespace {
 
 // A text inside '…' of a _arguments entry, where brackets and colons part the fields.
-std::string s_escaped(std::string const& text) {
+std::string s_escaped(std::string_view text) {
     std::string out;
     for (char const c : text) {
         if (c == '\'') {
@@ -22,7 +22,7 @@ std::string s_escaped(std::string const& text) {
     return out;
 }
 
-std::string s_action(std::string const& valueName) {
+std::string s_action(std::string_view valueName) {
     std::string words;
     switch (kindOf(valueName)) {
     case ValueKind::words:
@@ -42,30 +42,30 @@ std::string s_action(std::string const& valueName) {
     return " ";
 }
 
-std::string s_option(OptionDoc const& option) {
-    bool const isFlag = option.m_valueName.empty();
-    auto const name = "--" + option.m_name + (isFlag ? "" : "=");
-    auto text = "'" + std::string(option.m_isRepeatable ? "*" : "") + name;
-    if (!option.m_letter.empty()) {
-        text = "'(-" + option.m_letter + " --" + option.m_name + ")'{-" + option.m_letter +
-               (isFlag ? "" : "+") + "," + name + "}'";
+std::string s_option(OptionRow const& option) {
+    auto const name = option.dashed() + (option.isFlag() ? "" : "=");
+    auto text = "'" + std::string(option.is(Takes::repeatable) ? "*" : "") + name;
+    if (option.m_letter != '\0') {
+        auto const letter = std::string{'-', option.m_letter};
+        text = "'(" + letter + " " + option.dashed() + ")'{" + letter +
+               (option.isFlag() ? "" : "+") + "," + name + "}'";
     }
     text += "[" + s_escaped(option.m_help) + "]";
-    if (!isFlag) {
+    if (!option.isFlag()) {
         text += ":" + s_escaped(option.m_valueName) + ":" + s_action(option.m_valueName);
     }
     return text + "'";
 }
 
-std::string s_argument(ArgumentDoc const& argument, std::size_t place) {
-    auto const start = argument.m_isRepeatable ? "*:"
-                       : argument.m_isRequired ? std::to_string(place) + ":"
-                                               : std::to_string(place) + "::";
+std::string s_argument(OptionRow const& argument, std::size_t place) {
+    auto const start = argument.is(Takes::repeatable) ? "*:"
+                       : argument.is(Takes::required) ? std::to_string(place) + ":"
+                                                      : std::to_string(place) + "::";
     return "'" + start + s_escaped(argument.m_help) + ":" + s_action(argument.m_valueName) + "'";
 }
 
 // The entries of _arguments, each on a line of its own behind `indent`.
-std::string s_entries(CommandDoc const& command, std::string const& indent) {
+std::string s_entries(CommandRow const& command, std::string const& indent) {
     std::string text;
     for (auto const& option : command.m_options) {
         text += " \\\n" + indent + s_option(option);
@@ -76,26 +76,25 @@ std::string s_entries(CommandDoc const& command, std::string const& indent) {
     return text;
 }
 
-std::string s_commandList(ProgramDoc const& program) {
+std::string s_commandList(ProgramTable const& program) {
     std::string text = "        local -a commands=(\n";
     for (auto const& command : program.m_commands) {
-        text += "            '" + command.m_name + ":" + s_escaped(command.m_summary) + "'\n";
+        text += "            '" + std::string(command.m_name) + ":" + s_escaped(command.m_summary) +
+                "'\n";
     }
     return text + "        )\n        _describe command commands\n        ;;\n";
 }
 
-std::string s_commandCases(ProgramDoc const& program) {
+std::string s_commandCases(ProgramTable const& program) {
     std::string text = "    arguments)\n        case $words[1] in\n";
     for (auto const& command : program.m_commands) {
-        auto withHelp = command;
-        withHelp.m_options.insert(withHelp.m_options.begin(), program.m_own.m_options.front());
-        text += "        " + command.m_name + ")\n            _arguments -s -S" +
-                s_entries(withHelp, "                ") + "\n            ;;\n";
+        text += "        " + std::string(command.m_name) + ")\n            _arguments -s -S" +
+                s_entries(command, "                ") + "\n            ;;\n";
     }
     return text + "        esac\n        ;;\n";
 }
 
-std::string s_withCommands(ProgramDoc const& program) {
+std::string s_withCommands(ProgramTable const& program) {
     return "    local context state state_descr line\n"
            "    typeset -A opt_args\n"
            "    _arguments -s -S -C" +
@@ -107,8 +106,8 @@ std::string s_withCommands(ProgramDoc const& program) {
 
 } // namespace
 
-std::string zshCompletion(ProgramDoc const& program) {
-    auto const& name = program.m_name;
+std::string zshCompletion(ProgramTable const& program) {
+    auto const name = std::string(program.m_name);
     auto text = "#compdef " + name + "\n# Generated from the program's option table.\n\n_" + name +
                 "() {\n";
     text += program.m_commands.empty()

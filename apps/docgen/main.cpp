@@ -5,6 +5,9 @@
 //   qv_docgen bash|zsh PROGRAM OUTPUT
 #include "apps/docgen/Completion.h"
 #include "apps/docgen/ManPage.h"
+#include "apps/qvrules/OptionTable.h"
+#include "apps/qvscan/OptionTable.h"
+#include "apps/settings/SettingsTable.h"
 
 #include <fstream>
 #include <iostream>
@@ -33,11 +36,24 @@ void s_write(std::string const& path, std::string const& text) {
     }
 }
 
+ProgramTable s_table(std::string_view name) {
+    if (name == "qvscan") {
+        return scanTable();
+    }
+    if (name == "qvrules") {
+        return RulesApp::rulesTable();
+    }
+    if (name == "qvdeepheader.conf") {
+        return {name, {}}; // a file that programs share: no options
+    }
+    throw std::out_of_range(std::string(name) + ": no program with an option table");
+}
+
 std::string s_generate(Arguments const& arguments) {
     auto const& format = arguments[0];
-    auto const program = programDoc(arguments[1]);
+    auto const program = s_table(arguments[1]);
     if (format == "man" && arguments.size() == 4) {
-        return manPage(program, s_read(arguments[2]), QV_VERSION);
+        return manPage(program, {{"", factsOf(settingRows())}}, s_read(arguments[2]), QV_VERSION);
     }
     if (format == "bash" && arguments.size() == 3) {
         return bashCompletion(program);

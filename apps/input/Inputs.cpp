@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/Inputs.h"
 
-#include "apps/settings/ExitCode.h"
+#include "apps/commandline/ExitStatus.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -32,9 +32,9 @@ std::uint64_t s_size(std::string const& path) {
     return error ? 0 : size;
 }
 
-void s_setProblem(InputItem& item, int exitCode, std::string text) {
+void s_setProblem(InputItem& item, int exitStatus, std::string text) {
     item.m_problem = std::move(text);
-    item.m_exitCode = exitCode;
+    item.m_exitStatus = exitStatus;
     item.m_headers.clear();
 }
 
@@ -63,13 +63,13 @@ bool Inputs::openNext(InputItem& item) {
     }
     item.m_source = m_path = entry.m_path;
     if (!entry.m_error.empty()) {
-        s_setProblem(item, ExitCode::noInput, "cannot be opened: " + entry.m_error);
+        s_setProblem(item, ExitStatus::noInput, "cannot be opened: " + entry.m_error);
         return true;
     }
     try {
         m_reader = s_open(m_path, m_interrupt);
     } catch (InputError const& error) {
-        s_setProblem(item, ExitCode::noInput, std::string("cannot be opened: ") + error.what());
+        s_setProblem(item, ExitStatus::noInput, std::string("cannot be opened: ") + error.what());
     }
     return true;
 }
@@ -85,14 +85,14 @@ bool Inputs::readNext(InputItem& item) {
         }
     } catch (InputError const& error) {
         close();
-        s_setProblem(item, ExitCode::noInput, std::string("cannot be read: ") + error.what());
+        s_setProblem(item, ExitStatus::noInput, std::string("cannot be read: ") + error.what());
         return true;
     }
     if (section.m_number != 0) {
         item.m_source += ":" + std::to_string(section.m_number);
     }
     if (section.m_isTooLong) {
-        s_setProblem(item, ExitCode::noMessage,
+        s_setProblem(item, ExitStatus::badData,
                      "no message: its header section is longer than " +
                          std::to_string(maxHeaderSection >> 20) + " MiB");
     } else {

@@ -21,8 +21,8 @@ struct InputItem {
     std::string m_headers;
     // Not empty: this is no message but a problem, for people.
     std::string m_problem;
-    // Of a problem: noMessage or noInput of ExitCode.h.
-    int m_exitCode = 0;
+    // Of a problem: badData or noInput of ExitStatus.h.
+    int m_exitStatus = 0;
 };
 
 class Inputs {

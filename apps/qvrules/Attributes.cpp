@@ -5,9 +5,9 @@
 
 namespace Quorvane::RulesApp {
 
-int listAttributes(AttributesOptions const& /*options*/) {
+int listAttributes(CommandLine const& /*line*/) {
     writeOutput("-", Rules::attributePage());
-    return ExitStatus::well;
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

@@ -12,19 +12,21 @@
 
 namespace Quorvane::RulesApp {
 
-int check(CheckOptions const& options) {
-    auto const settings = hostSettings(options.m_settings).m_judging;
-    auto const rules = Rules::loadRules(options.m_path);
+int check(CommandLine const& line) {
+    auto const settings = hostSettings(line).m_judging;
+    auto const path = line.text("PATH");
+    auto const against = line.text("against");
+    auto const rules = Rules::loadRules(path);
     auto findings = Rules::checkRules(rules.m_set, settings);
-    if (!options.m_against.empty()) {
-        auto drift = Rules::driftFindings(rules.m_set, Rules::readFolder(options.m_against));
+    if (!against.empty()) {
+        auto drift = Rules::driftFindings(rules.m_set, Rules::readFolder(against));
         std::move(drift.begin(), drift.end(), std::back_inserter(findings));
     }
-    CheckedRules const checked{options.m_path, rules, options.m_against};
-    writeOutput("-", options.m_format == "json"
+    CheckedRules const checked{path, rules, against};
+    writeOutput("-", line.text("format") == "json"
                          ? findingsAsJson(checked, findings)
                          : toPrintableLines(findingsAsText(checked, findings)));
-    return findings.empty() ? ExitStatus::well : ExitStatus::findings;
+    return findings.empty() ? ExitStatus::ok : ExitStatus::findings;
 }
 
 } // namespace Quorvane::RulesApp

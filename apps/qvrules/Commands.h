@@ -1,69 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The commands of qvrules, one source file each. A command gets its options as a value, prints to
-// standard output, and returns the exit status; what it cannot do it throws as a RuleError, a
-// SettingsError or a UsageError, which main() turns into a message and a status.
+// The commands of qvrules, one source file each, and the words of OptionTable.h that each takes. A
+// command prints to standard output and returns the exit status; what it cannot do it throws as a
+// RuleError or a ProgramError, which become a message and a status.
 #pragma once
 
-#include "apps/qvrules/HostOptions.h"
-
-#include <stdexcept>
-#include <string>
+#include "apps/commandline/CommandLine.h"
+#include "apps/commandline/ProgramError.h"
+#include "apps/settings/HostSettings.h"
+#include "apps/settings/MessageFacts.h"
 
 namespace Quorvane::RulesApp {
 
-// sysexits numbers, as far as we use them.
-namespace ExitStatus {
-inline constexpr int well = 0;
-inline constexpr int findings = 1;
-inline constexpr int usage = 64;
-inline constexpr int badData = 65;
-inline constexpr int noInput = 66;
-inline constexpr int internal = 70;
-inline constexpr int cannotWrite = 73;
-inline constexpr int badRules = 78;
-inline constexpr int interrupted = 128; // and the number of the signal, as shells report it
-} // namespace ExitStatus
+int compile(CommandLine const& line);
+int decompile(CommandLine const& line);
+int check(CommandLine const& line);
+int install(CommandLine const& line);
+int learn(CommandLine const& line);
+int evaluate(CommandLine const& line);
+int show(CommandLine const& line);
+int explain(CommandLine const& line);
+int test(CommandLine const& line);
+// ExitStatus::findings when the verdict of a message changes.
+int diff(CommandLine const& line);
+int listAttributes(CommandLine const& line);
 
-// An option whose value makes no sense.
-struct UsageError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-struct CompileOptions {
-    std::string m_source;
-    std::string m_folder;
-};
-int compile(CompileOptions const& options);
-
-struct DecompileOptions {
-    std::string m_folder;
-    // "-": standard output.
-    std::string m_source = "-";
-};
-int decompile(DecompileOptions const& options);
-
-struct CheckOptions {
-    std::string m_path;
-    // Folder to compare with; empty: none.
-    std::string m_against;
-    std::string m_format = "text";
-    GivenSettings m_settings;
-};
-int check(CheckOptions const& options);
-
-struct InstallOptions {
-    // Rule text or folder; empty for a rollback.
-    std::string m_source;
-    // Put before the fixed rule directory, as an installer's DESTDIR.
-    std::string m_root;
-    bool m_isRollback = false;
-    // Installs what can be loaded although check finds errors.
-    bool m_isForced = false;
-};
-int install(InstallOptions const& options);
-
-struct AttributesOptions {};
-int listAttributes(AttributesOptions const& options);
+// What several of them take. Both throw a UsageError, the first a SettingsError for a settings file
+// that is no good.
+HostSettings hostSettings(CommandLine const& line);
+MessageFacts messageFacts(CommandLine const& line);
+bool hasFacts(CommandLine const& line);
 
 } // namespace Quorvane::RulesApp

@@ -6,16 +6,17 @@
 
 namespace Quorvane::RulesApp {
 
-int compile(CompileOptions const& options) {
+int compile(CommandLine const& line) {
+    auto const source = line.text("SRC");
     std::error_code error; // loadRules says what is wrong with a path
-    if (std::filesystem::is_directory(options.m_source, error)) {
+    if (std::filesystem::is_directory(source, error)) {
         throw Rules::RuleError(Rules::RuleError::Kind::noInput,
-                               options.m_source + ": is a folder; compile takes a rule text, "
-                                                  "\"qvrules decompile\" makes one of a folder\n");
+                               source + ": is a folder; compile takes a rule text, "
+                                        "\"qvrules decompile\" makes one of a folder\n");
     }
-    auto const rules = Rules::loadRules(options.m_source);
-    Rules::writeFolder(options.m_folder, rules.m_set);
-    return ExitStatus::well;
+    auto const rules = Rules::loadRules(source);
+    Rules::writeFolder(line.text("output"), rules.m_set);
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

@@ -10,16 +10,17 @@
 
 namespace Quorvane::RulesApp {
 
-int decompile(DecompileOptions const& options) {
-    auto const set = Rules::readFolder(options.m_folder);
-    writeOutput(options.m_source, Rules::ruleText(set));
+int decompile(CommandLine const& line) {
+    auto const folder = line.text("DIR");
+    auto const set = Rules::readFolder(folder);
+    writeOutput(line.text("output", "-"), Rules::ruleText(set));
     if (auto const problem = Rules::loadProblem(set)) {
-        std::cerr << toPrintable(options.m_folder)
+        std::cerr << toPrintable(folder)
                   << ": engines refuse these rules, and compile refuses the text "
                   << "until it is mended: " << *problem << '\n';
         return ExitStatus::findings;
     }
-    return ExitStatus::well;
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

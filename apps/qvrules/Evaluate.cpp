@@ -1,27 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Evaluate.h"
-
 #include "apps/evaluation/Report.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
-#include "apps/workshop/ProgressLine.h"
 #include "apps/workshop/VectorJudge.h"
 #include "rules/language/LoadRules.h"
-
-#include <iostream>
 
 namespace Quorvane::RulesApp {
 
 namespace {
-
-TrainingMail s_mail(EvaluateArguments const& arguments) {
-    TrainingMail mail;
-    mail.m_paths = arguments;
-    mail.m_copies = arguments.m_augment.empty() ? Copies::none : Copies::apart;
-    mail.m_host = hostSettings(arguments.m_settings);
-    return mail;
-}
 
 using Report = std::string(Rules::Evaluation const&, Reports::EvaluatedRules const&);
 
@@ -33,25 +20,25 @@ Report* s_report(std::string_view format) {
 
 } // namespace
 
-int evaluate(EvaluateArguments const& arguments) {
-    auto const mail = s_mail(arguments);
-    if (arguments.isEmpty()) {
-        std::cerr << "evaluate: give mail (--ham, --spam) or vectors (--vectors)\n";
-        return ExitStatus::usage;
+int evaluate(CommandLine const& line) {
+    TrainingMail const mail{mailPaths(line), line.has("augment") ? Copies::apart : Copies::none,
+                            hostSettings(line)};
+    if (mail.m_paths.isEmpty()) {
+        throw UsageError("give mail (--ham, --spam) or vectors (--vectors)");
     }
-    requireWritable(arguments.m_output);
-    auto const rules = Rules::loadRules(arguments.m_rules);
+    auto const output = line.text("output", "-");
+    requireWritable(output);
+    auto const rules = Rules::loadRules(line.text("RULES"));
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
-    Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
-    auto const gathered = gatherMessages(mail, progress, counts);
+    auto const gathered = gatherMessages(mail, counts);
     auto const evaluation = Rules::evaluate(
         gathered.m_sorted,
         [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); },
         gathered.m_sortedSamples);
-    Reports::EvaluatedRules const shown{arguments.m_rules, rules.m_set, mail.m_host.m_judging};
-    writeOutput(arguments.m_output, s_report(arguments.m_format)(evaluation, shown));
-    return ExitStatus::well;
+    Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, mail.m_host.m_judging};
+    writeOutput(output, s_report(line.text("format"))(evaluation, shown));
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Explain.h"
-
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
@@ -8,13 +6,10 @@
 #include "apps/story/JsonRecord.h"
 #include "apps/story/TextExplain.h"
 #include "apps/story/TextRecord.h"
-#include "apps/text/Utf8.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
-
-#include <iostream>
 
 namespace Quorvane::RulesApp {
 
@@ -22,9 +17,9 @@ namespace {
 
 class Explainer {
   public:
-    Explainer(ExplainArguments const& arguments, DeepHeaderEngine const& engine)
-        : m_isJson(arguments.m_format == "json"), m_facts(messageFacts(arguments.m_settings)),
-          m_host(setUpHost(hostSettings(arguments.m_settings), engine)) {}
+    Explainer(CommandLine const& line, DeepHeaderEngine const& engine)
+        : m_isJson(line.text("format") == "json"), m_facts(messageFacts(line)),
+          m_host(setUpHost(hostSettings(line), engine)) {}
 
     void explain(Workshop::AskedItem const& item) const {
         auto const depth = RecordDepth::alternatives;
@@ -46,29 +41,29 @@ class Explainer {
     std::shared_ptr<ScanHost const> m_host;
 };
 
-void s_explain(ExplainArguments const& arguments, Workshop::ExplainInput& input) {
-    auto const engine = engineOf(Rules::loadRules(arguments.m_rules).m_set);
-    Explainer const explainer(arguments, engine);
+void s_explain(CommandLine const& line, Workshop::ExplainInput& input) {
+    auto const engine = engineOf(Rules::loadRules(line.text("RULES")).m_set);
+    Explainer const explainer(line, engine);
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }
 
 } // namespace
 
-int explain(ExplainArguments const& arguments) {
+int explain(CommandLine const& line) {
+    auto const asked = line.text("INPUT");
     Interrupt interrupt;
     try {
-        Workshop::ExplainInput input(arguments.m_input, interrupt);
-        if (input.isVectors() && hasFacts(arguments.m_settings)) {
-            std::cerr << "explain: " << toPrintable(arguments.m_input)
-                      << " holds vectors, and what is known of a message changes none: leave out "
-                         "--env-from and the like\n";
-            return ExitStatus::usage;
+        Workshop::ExplainInput input(asked, interrupt);
+        if (input.isVectors() && hasFacts(line)) {
+            throw UsageError(asked +
+                             " holds vectors, and what is known of a message changes none: leave "
+                             "out --env-from and the like");
         }
-        s_explain(arguments, input);
+        s_explain(line, input);
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }
-    return ExitStatus::well;
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

@@ -17,9 +17,9 @@ namespace {
 using Rules::Finding;
 using Rules::Findings;
 
-std::filesystem::path s_folder(InstallOptions const& options) {
-    auto const relative = std::filesystem::path(ruleDirectory).relative_path();
-    return std::filesystem::path(options.m_root.empty() ? "/" : options.m_root) / relative;
+// Below the root, as with an installer's DESTDIR.
+std::filesystem::path s_folder(std::string const& root) {
+    return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
 }
 
 void s_report(std::filesystem::path const& folder, Rules::Installation const& done) {
@@ -34,38 +34,38 @@ bool s_isError(Finding const& finding) {
     return finding.m_severity == Finding::Severity::error;
 }
 
-void s_refuseUnloadable(InstallOptions const& options, Rules::RuleSet const& set) {
+void s_refuseUnloadable(std::string const& source, Rules::RuleSet const& set) {
     if (auto const problem = Rules::loadProblem(set)) {
         throw Rules::RuleError(Rules::RuleError::Kind::badRules,
-                               options.m_source + ": " + *problem +
-                                   "; \"qvrules check\" says more");
+                               source + ": " + *problem + "; \"qvrules check\" says more");
     }
 }
 
 } // namespace
 
-int install(InstallOptions const& options) {
-    auto const folder = s_folder(options);
-    if (options.m_isRollback != options.m_source.empty()) {
-        std::cerr << "qvrules install takes a PATH or --rollback, one of the two\n";
-        return ExitStatus::usage;
+int install(CommandLine const& line) {
+    auto const folder = s_folder(line.text("root", "/"));
+    auto const source = line.text("PATH");
+    bool const isRollback = line.has("rollback");
+    if (isRollback != source.empty()) {
+        throw UsageError("install takes a PATH or --rollback, one of the two");
     }
-    if (options.m_isRollback) {
+    if (isRollback) {
         s_report(folder, Rules::rollBack(folder));
-        return ExitStatus::well;
+        return ExitStatus::ok;
     }
-    auto const rules = Rules::loadRules(options.m_source);
-    s_refuseUnloadable(options, rules.m_set);
+    auto const rules = Rules::loadRules(source);
+    s_refuseUnloadable(source, rules.m_set);
     auto const findings = Rules::checkRules(rules.m_set, programDefaults());
     if (!findings.empty()) {
-        std::cerr << toPrintableLines(findingsAsText({options.m_source, rules, ""}, findings));
+        std::cerr << toPrintableLines(findingsAsText({source, rules, ""}, findings));
     }
-    if (!options.m_isForced && std::any_of(findings.begin(), findings.end(), s_isError)) {
-        std::cerr << "nothing was installed; mend the errors, or add --force\n";
+    if (!line.has("force") && std::any_of(findings.begin(), findings.end(), s_isError)) {
+        std::cerr << "nothing was installed; fix the errors, or add --force\n";
         return ExitStatus::findings;
     }
     s_report(folder, Rules::installRules(folder, rules.m_set));
-    return ExitStatus::well;
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Learn.h"
 
+#include "apps/commandline/Progress.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
-#include "apps/workshop/ProgressLine.h"
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
 #include "rules/learn/LearnedText.h"
@@ -72,55 +72,49 @@ void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& count
     }
 }
 
-// Empty when the command line makes sense.
-std::string s_usageError(LearnArguments const& arguments) {
+void s_checkUsage(LearnArguments const& arguments) {
     if (arguments.isEmpty()) {
-        return "learn: give training mail (--ham, --spam) or vectors (--vectors)";
+        throw UsageError("give training mail (--ham, --spam) or vectors (--vectors)");
     }
     if (arguments.m_output.empty() && arguments.m_table.empty()) {
-        return "learn: give -o SRC for rules or --table FILE for the vectors";
+        throw UsageError("give -o SRC for rules or --table FILE for the vectors");
     }
-    return {};
 }
 
 Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings const& settings,
-                           Rules::PruningPlan const& plan, Workshop::ProgressLine& progress) {
-    auto const tell = [&progress](std::size_t fold, std::size_t folds, std::string_view corpus) {
-        progress.tick([&] {
-            return "learning without " + std::string(corpus) + " (" + std::to_string(fold + 1) +
-                   " of " + std::to_string(folds) + ")";
-        });
+                           Rules::PruningPlan const& plan) {
+    Progress progress("qvrules");
+    progress.begin("learning");
+    auto const report = [&progress](std::size_t fold, std::size_t folds, std::string_view corpus) {
+        progress.begin("learning without " + std::string(corpus) + " (" + std::to_string(fold + 1) +
+                       " of " + std::to_string(folds) + ")");
     };
-    return Rules::learnTree(table, settings, plan, tell);
+    return Rules::learnTree(table, settings, plan, report);
 }
 
 } // namespace
 
-int learn(LearnArguments const& arguments) {
-    auto const mail = trainingMail(arguments);
-    if (auto const error = s_usageError(arguments); !error.empty()) {
-        std::cerr << error << '\n';
-        return ExitStatus::usage;
-    }
+int learn(CommandLine const& line) {
+    auto const arguments = learnArguments(line);
+    s_checkUsage(arguments);
     // Before hours of scanning: is all else right?
     auto const settings = learnSettings(arguments);
     auto const plan = pruningPlan(arguments);
     auto const before = s_textBefore(arguments.m_with);
     requireWritable(arguments.m_output);
     requireWritable(arguments.m_table);
-    Workshop::ProgressLine progress("qvrules");
     TrainingMailCounts counts;
-    auto const table = gatherMail(mail, progress, counts).m_sorted;
+    auto const table = gatherMail(trainingMail(arguments), counts).m_sorted;
     if (!arguments.m_table.empty()) {
         s_writeTable(arguments.m_table, table);
     }
     if (!arguments.m_output.empty()) {
-        auto const learned = s_learn(table, settings, plan, progress);
+        auto const learned = s_learn(table, settings, plan);
         writeOutput(arguments.m_output,
                     before + Rules::learnedComment(table, settings, learned) + s_treeText(learned));
         s_report(learned, counts, table);
     }
-    return ExitStatus::well;
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

@@ -3,7 +3,7 @@
 // `qvrules learn`: training mail or counted vectors in, a rule text out.
 #pragma once
 
-#include "apps/qvrules/HostOptions.h"
+#include "apps/commandline/CommandLine.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "rules/learn/Learner.h"
 
@@ -26,14 +26,15 @@ struct LearnArguments : MailPaths {
     std::string m_prune = "minimum";
     std::vector<std::string> m_exclude;
     bool m_lookups = false;
-    GivenSettings m_settings;
+    HostSettings m_host;
 };
+
+// Throws a UsageError.
+LearnArguments learnArguments(CommandLine const& line);
 
 // What the words of the arguments mean.
 Rules::LearnSettings learnSettings(LearnArguments const& arguments);
 Rules::PruningPlan pruningPlan(LearnArguments const& arguments);
 TrainingMail trainingMail(LearnArguments const& arguments);
-
-int learn(LearnArguments const& arguments);
 
 } // namespace Quorvane::RulesApp

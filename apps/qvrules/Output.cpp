@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Output.h"
 
+#include "apps/commandline/Program.h"
 #include "rules/model/Files.h"
 #include "rules/model/RuleError.h"
 
@@ -8,7 +9,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <unistd.h>
 
 namespace Quorvane::RulesApp {
@@ -28,14 +28,6 @@ bool s_isReplaced(std::string const& path) {
                            path + ": cannot be written: " + std::strerror(error));
 }
 
-void s_print(std::string const& text) {
-    std::cout << text << std::flush;
-    if (!std::cout) {
-        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
-                               "standard output: cannot be written");
-    }
-}
-
 void s_writeInto(std::string const& path, std::string const& text) {
     std::ofstream file(path, std::ios::binary);
     file << text;
@@ -49,7 +41,7 @@ void s_writeInto(std::string const& path, std::string const& text) {
 
 void writeOutput(std::string const& path, std::string const& text) {
     if (path == "-") {
-        s_print(text);
+        printOutput(text);
     } else if (s_isReplaced(path)) {
         Rules::replaceFile(path, text);
     } else {

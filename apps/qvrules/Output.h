@@ -8,7 +8,7 @@
 namespace Quorvane::RulesApp {
 
 // To a file, replaced in one step, or to standard output for "-". What is no ordinary file, as a
-// link or a device, is written into. A RuleError when that fails.
+// link or a device, is written into. A RuleError or ProgramError when that fails.
 void writeOutput(std::string const& path, std::string const& text);
 
 // The RuleError that writeOutput would end in, as far as it can be seen before the hours of work

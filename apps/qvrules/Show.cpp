@@ -1,25 +1,50 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Show.h"
-
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
+#include "apps/settings/SettingValue.h"
 #include "apps/show/MessageExplainer.h"
 #include "apps/show/Page.h"
 #include "apps/show/PageServer.h"
 #include "apps/show/TrafficMeter.h"
-#include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
 
-#include <charconv>
 #include <iostream>
+#include <optional>
 
 namespace Quorvane::RulesApp {
 
 namespace {
+
+struct ShowArguments {
+    std::string m_rules; // text or folder
+    std::string m_format;
+    std::string m_output;
+    // Mail and tables of vectors to measure the traffic on.
+    std::vector<std::string> m_on;
+    std::vector<std::string> m_vectors;
+    // Messages that the page offers.
+    std::vector<std::string> m_messages;
+    // Given: serve the page. Empty: on any port that is free.
+    std::optional<std::string> m_serve;
+    HostSettings m_settings;
+    MessageFacts m_facts; // of those messages
+};
+
+ShowArguments s_arguments(CommandLine const& line) {
+    return {line.text("RULES"),
+            line.text("format", "text"),
+            line.text("output", "-"),
+            line.texts("on"),
+            line.texts("vectors"),
+            line.texts("message"),
+            line.has("serve") ? std::optional(line.text("serve")) : std::nullopt,
+            hostSettings(line),
+            messageFacts(line)};
+}
 
 // Any corpus will do: nothing tells them apart here.
 std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
@@ -31,14 +56,12 @@ std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
     return named;
 }
 
-Rules::VectorTable s_mail(ShowArguments const& arguments, HostSettings const& host,
-                          TrainingMailCounts& counts) {
+Rules::VectorTable s_mail(ShowArguments const& arguments, TrainingMailCounts& counts) {
     TrainingMail mail;
     mail.m_paths.m_unsorted = s_asCorpus(arguments.m_on);
     mail.m_paths.m_unsortedVectors = s_asCorpus(arguments.m_vectors);
-    mail.m_host = host;
-    Workshop::ProgressLine progress("qvrules");
-    return gatherMessages(mail, progress, counts).m_unsorted;
+    mail.m_host = arguments.m_settings;
+    return gatherMessages(mail, counts).m_unsorted;
 }
 
 Show::Traffic s_traffic(DeepHeaderEngine const& engine, DeepHeaderSettings const& settings,
@@ -51,14 +74,15 @@ Show::Traffic s_traffic(DeepHeaderEngine const& engine, DeepHeaderSettings const
     return meter.traffic();
 }
 
-// Empty: any port that is free. Nothing for what is no port.
-std::optional<int> s_port(std::string const& text) {
+// Empty: any port that is free.
+int s_port(std::string const& text) {
     constexpr int highest = 65535;
-    int port = 0;
-    auto const* const last = text.data() + text.size();
-    auto const [end, error] = std::from_chars(text.data(), last, port);
-    bool const isNumber = error == std::errc() && end == last && port > 0 && port <= highest;
-    return text.empty() || isNumber ? std::optional(port) : std::nullopt;
+    try {
+        return text.empty() ? 0 : static_cast<int>(readInteger(text, 1, highest));
+    } catch (SettingsError const&) {
+        throw UsageError("--serve takes a port from 1 to 65535, or nothing, not \"" + text +
+                         "\"; give the rules before it");
+    }
 }
 
 std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing,
@@ -94,18 +118,17 @@ bool s_needsEngine(ShowArguments const& arguments) {
     return !arguments.m_on.empty() || !arguments.m_vectors.empty() || s_takesMessages(arguments);
 }
 
-void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set,
-                   HostSettings const& settings) {
+void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set) {
+    auto const& settings = arguments.m_settings;
     auto const rules = Show::shownRules(arguments.m_rules, set);
     bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
     TrainingMailCounts counts;
-    auto const table = isMeasured ? s_mail(arguments, settings, counts) : Rules::VectorTable();
-    Interrupt interrupt; // behind the measuring, which reads signals of its own
+    auto const table = isMeasured ? s_mail(arguments, counts) : Rules::VectorTable();
+    Interrupt interrupt; // after the measuring, which reads signals of its own
     try {
         auto const engine = engineOf(set);
         auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
-        Show::MessageExplainer const explainer(settings, engine,
-                                               messageFacts(arguments.m_settings));
+        Show::MessageExplainer const explainer(settings, engine, arguments.m_facts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
         Show::PageExtras const extras{settings.m_judging,
                                       explainer.explainFiles(arguments.m_messages, interrupt),
@@ -120,41 +143,38 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     }
 }
 
-} // namespace
-
-int show(ShowArguments const& arguments) {
+// Throws a UsageError for what does not go together.
+void s_check(ShowArguments const& arguments, bool areFactsGiven) {
     if (!arguments.m_messages.empty() && arguments.m_format != "html" && !arguments.m_serve) {
-        std::cerr << "show: --message is for a page: add --format html or --serve\n";
-        return ExitStatus::usage;
+        throw UsageError("--message is for a page: add --format html or --serve");
     }
     bool const wantsFile =
         arguments.m_format == "dot" || arguments.m_format == "svg" || arguments.m_output != "-";
     if (arguments.m_serve && wantsFile) {
-        std::cerr << "show: --serve shows the page in a browser: leave out --format and -o\n";
-        return ExitStatus::usage;
+        throw UsageError("--serve shows the page in a browser: leave out --format and -o");
     }
-    if (hasFacts(arguments.m_settings) && !s_takesMessages(arguments)) {
-        std::cerr << "show: --env-from and the like tell about messages that a page explains: add "
-                     "--message or --serve\n";
-        return ExitStatus::usage;
+    if (areFactsGiven && !s_takesMessages(arguments)) {
+        throw UsageError("--env-from and the like describe messages that a page explains: add "
+                         "--message or --serve");
     }
+}
+
+} // namespace
+
+int show(CommandLine const& line) {
+    auto const arguments = s_arguments(line);
+    s_check(arguments, hasFacts(line));
     auto const port = s_port(arguments.m_serve.value_or(""));
-    if (!port) {
-        std::cerr << "show: --serve takes a port from 1 to 65535, or nothing, not \""
-                  << toPrintable(*arguments.m_serve) << "\"; give the rules before it\n";
-        return ExitStatus::usage;
-    }
     requireWritable(arguments.m_output);
-    auto const settings = hostSettings(arguments.m_settings);
     auto const set = Rules::loadRules(arguments.m_rules).m_set;
     if (s_needsEngine(arguments)) {
-        s_showRunning(arguments, *port, set, settings);
+        s_showRunning(arguments, port, set);
     } else {
         auto const rules = Show::shownRules(arguments.m_rules, set);
         writeOutput(arguments.m_output,
-                    s_drawn(arguments, {rules}, {settings.m_judging, {}, false}));
+                    s_drawn(arguments, {rules}, {arguments.m_settings.m_judging, {}, false}));
     }
-    return ExitStatus::well;
+    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

@@ -36,16 +36,14 @@ std::vector<std::string> s_filesIn(std::string const& folder) {
     return files;
 }
 
-Files s_read(TestArguments const& arguments) {
+Files s_read(CommandLine const& line) {
     Files files;
-    for (auto const& path : arguments.m_paths) {
+    for (auto const& path : line.texts("PATH")) {
         std::error_code error;
         bool const isFolder = fs::is_directory(path, error);
         for (auto const& file : isFolder ? s_filesIn(path) : std::vector<std::string>{path}) {
             files.push_back(Workshop::readCaseFile(file));
-            if (!arguments.m_rules.empty()) {
-                files.back().m_rules = arguments.m_rules;
-            }
+            files.back().m_rules = line.text("rules", files.back().m_rules);
         }
     }
     return files;
@@ -64,8 +62,8 @@ void s_load(Files const& files, Workshop::CaseRunner& runner) {
 
 } // namespace
 
-int test(TestArguments const& arguments) {
-    auto const files = s_read(arguments);
+int test(CommandLine const& line) {
+    auto const files = s_read(line);
     Workshop::CaseRunner runner;
     s_load(files, runner);
     std::vector<TestedCase> cases;
@@ -74,11 +72,11 @@ int test(TestArguments const& arguments) {
             cases.push_back({file.m_path, &one, runner.run(one, file.m_path, file.m_rules)});
         }
     }
-    writeOutput("-", arguments.m_format == "json" ? testJson(cases) : testText(cases));
+    writeOutput("-", line.text("format") == "json" ? testJson(cases) : testText(cases));
     bool const hasPassed = std::all_of(cases.begin(), cases.end(), [](TestedCase const& tested) {
         return tested.m_result.hasPassed();
     });
-    return hasPassed ? ExitStatus::well : ExitStatus::findings;
+    return hasPassed ? ExitStatus::ok : ExitStatus::findings;
 }
 
 } // namespace Quorvane::RulesApp

@@ -10,12 +10,6 @@
 
 namespace Quorvane::RulesApp {
 
-struct TestArguments {
-    std::vector<std::string> m_paths; // files, and folders of files
-    std::string m_rules;              // empty: those that the files name
-    std::string m_format = "text";
-};
-
 struct TestedCase {
     std::string m_path;
     Workshop::RuleCase const* m_case;
@@ -25,7 +19,5 @@ struct TestedCase {
 // Each a whole report; the text has one line for each case that failed, then a summary.
 std::string testText(std::vector<TestedCase> const& cases);
 std::string testJson(std::vector<TestedCase> const& cases);
-
-int test(TestArguments const& arguments);
 
 } // namespace Quorvane::RulesApp

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/TrainingMail.h"
 
+#include "apps/commandline/Progress.h"
 #include "apps/qvrules/CorpusPath.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/model/RuleError.h"
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 namespace Quorvane::RulesApp {
 
@@ -25,9 +27,8 @@ struct Heap {
 
 class TrainingMailReader {
   public:
-    TrainingMailReader(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                       TrainingMailCounts& counts)
-        : m_mail(mail), m_progress(progress), m_counts(counts) {}
+    TrainingMailReader(TrainingMail const& mail, TrainingMailCounts& counts)
+        : m_mail(mail), m_counts(counts) {}
 
     Rules::ComparedMail read() {
         readMessages(m_mail.m_paths.m_ham,
@@ -54,6 +55,7 @@ class TrainingMailReader {
         if (!m_scanner) {
             m_scanner = std::make_unique<Workshop::MailVectors>(m_mail.m_host,
                                                                 m_mail.m_copies != Copies::none);
+            m_progress.emplace("qvrules"); // its thread leaves signals to the scanner
         }
         for (auto const& text : paths) {
             auto const input = readCorpusPath(text);
@@ -78,7 +80,7 @@ class TrainingMailReader {
             heap.m_table.add(*mail.m_withoutReverseName, heap.m_label,
                              apart ? corpus + ", no reverse names" : corpus);
         }
-        m_progress.tick([&] { return std::to_string(m_counts.m_messages) + " messages scanned"; });
+        m_progress->update(m_counts.m_messages);
     }
 
     static void keepSample(std::vector<std::string>& sources, std::string const& source) {
@@ -108,11 +110,13 @@ class TrainingMailReader {
     // A folder opens like a file and then fails to read.
     void readTable(std::istream& stream, std::string const& name,
                    Rules::VectorCsvDefaults const& defaults, Rules::VectorTableBuilder& table) {
-        auto const tick = [&](std::uint64_t rows) {
-            m_progress.tick([&] { return name + ": " + std::to_string(rows) + " rows read"; });
-        };
+        if (!m_progress) {
+            m_progress.emplace("qvrules");
+        }
+        m_progress->begin("rows of " + name);
+        auto const report = [this](std::uint64_t rows) { m_progress->update(rows); };
         try {
-            auto const counts = Rules::readVectorCsv(stream, name, defaults, table, tick);
+            auto const counts = Rules::readVectorCsv(stream, name, defaults, table, report);
             m_counts.m_notJudgeable += counts.m_withoutVector;
         } catch (std::ios_base::failure const& error) {
             throw Rules::RuleError(Rules::RuleError::Kind::noInput,
@@ -121,12 +125,12 @@ class TrainingMailReader {
     }
 
     TrainingMail const& m_mail;
-    Workshop::ProgressLine& m_progress;
     TrainingMailCounts& m_counts;
     Rules::VectorTableBuilder m_sorted;
     Rules::VectorTableBuilder m_unsorted;
     Rules::ComparedMail m_found;
     std::unique_ptr<Workshop::MailVectors> m_scanner;
+    std::optional<Progress> m_progress;
 };
 
 } // namespace
@@ -136,14 +140,18 @@ bool MailPaths::isEmpty() const {
            m_spamVectors.empty() && m_unsorted.empty() && m_unsortedVectors.empty();
 }
 
-Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                               TrainingMailCounts& counts) {
-    return TrainingMailReader(mail, progress, counts).read();
+MailPaths mailPaths(CommandLine const& line) {
+    return {line.texts("ham"),         line.texts("spam"),         line.texts("vectors"),
+            line.texts("ham-vectors"), line.texts("spam-vectors"), line.texts("on"),
+            line.texts("on-vectors")};
 }
 
-Rules::ComparedMail gatherMessages(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                                   TrainingMailCounts& counts) {
-    auto gathered = gatherMail(mail, progress, counts);
+Rules::ComparedMail gatherMail(TrainingMail const& mail, TrainingMailCounts& counts) {
+    return TrainingMailReader(mail, counts).read();
+}
+
+Rules::ComparedMail gatherMessages(TrainingMail const& mail, TrainingMailCounts& counts) {
+    auto gathered = gatherMail(mail, counts);
     if (gathered.m_sorted.corpora().empty() && gathered.m_unsorted.corpora().empty()) {
         throw Rules::RuleError(Rules::RuleError::Kind::badData,
                                "no messages in what was given: nothing to measure");

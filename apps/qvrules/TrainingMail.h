@@ -4,8 +4,8 @@
 // elsewhere.
 #pragma once
 
+#include "apps/commandline/CommandLine.h"
 #include "apps/settings/HostSettings.h"
-#include "apps/workshop/ProgressLine.h"
 #include "rules/evaluate/Difference.h"
 #include "rules/vectors/VectorTable.h"
 
@@ -15,7 +15,7 @@
 
 namespace Quorvane::RulesApp {
 
-// What becomes of copies as a border without reverse names would have recorded the mail.
+// What becomes of copies as a gateway that records no reverse DNS would have recorded the mail.
 enum class Copies {
     none,
     together, // they belong to the corpus of the mail
@@ -36,6 +36,9 @@ struct MailPaths {
     bool isEmpty() const;
 };
 
+// The options of learn, evaluate and diff.
+MailPaths mailPaths(CommandLine const& line);
+
 struct TrainingMail {
     MailPaths m_paths;
     Copies m_copies = Copies::none;
@@ -50,11 +53,9 @@ struct TrainingMailCounts {
 
 // All of it, with the sources of some messages of each kind. A RuleError for an input that cannot
 // be read, a SettingsError for settings that cannot be put in force.
-Rules::ComparedMail gatherMail(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                               TrainingMailCounts& counts);
+Rules::ComparedMail gatherMail(TrainingMail const& mail, TrainingMailCounts& counts);
 
 // The same for commands that measure: a RuleError when there is no message in it at all.
-Rules::ComparedMail gatherMessages(TrainingMail const& mail, Workshop::ProgressLine& progress,
-                                   TrainingMailCounts& counts);
+Rules::ComparedMail gatherMessages(TrainingMail const& mail, TrainingMailCounts& counts);
 
 } // namespace Quorvane::RulesApp

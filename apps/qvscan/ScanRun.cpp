@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/ScanRun.h"
 
+#include "apps/commandline/ExitStatus.h"
 #include "apps/qvscan/CsvRecord.h"
-#include "apps/settings/ExitCode.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/TextExplain.h"
 #include "apps/story/TextRecord.h"
@@ -10,10 +10,8 @@
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -32,15 +30,10 @@ bool s_wantsColour() {
     return (noColour == nullptr || *noColour == '\0') && ::isatty(STDOUT_FILENO) == 1;
 }
 
-unsigned int s_threads(HostSettings const& settings) {
-    return settings.m_jobs != 0 ? settings.m_jobs
-                                : std::max(1U, std::thread::hardware_concurrency());
-}
-
-ScanResult s_problem(std::string const& source, std::string const& text, int exitCode) {
+ScanResult s_problem(std::string const& source, std::string const& text, int status) {
     ScanResult result;
     result.m_errors = "qvscan: " + toPrintable(source) + ": " + toPrintable(text) + "\n";
-    result.m_exitCode = exitCode;
+    result.m_exitStatus = status;
     return result;
 }
 
@@ -68,11 +61,11 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
 
 ScanResult ScanRun::judge(InputItem const& item) const {
     if (!item.m_problem.empty()) {
-        return s_problem(item.m_source, item.m_problem, item.m_exitCode);
+        return s_problem(item.m_source, item.m_problem, item.m_exitStatus);
     }
     auto const headers = HeaderReader::read(item.m_headers);
     if (headers.headers().empty()) {
-        return s_problem(item.m_source, "no message: it has no header field", ExitCode::noMessage);
+        return s_problem(item.m_source, "no message: it has no header field", ExitStatus::badData);
     }
     auto const depth = m_options.m_explain ? RecordDepth::alternatives : RecordDepth::result;
     auto const record = m_host->scan(headers, m_options.m_facts, depth);
@@ -84,9 +77,10 @@ ScanResult ScanRun::judge(InputItem const& item) const {
 
 bool ScanRun::take(ScanResult const& result) {
     m_foundSpam = m_foundSpam || result.m_isSpam;
-    note(result.m_exitCode);
+    note(result.m_exitStatus);
+    ++m_messages;
     if (m_progress) {
-        m_progress->judgedOne();
+        m_progress->update(m_messages);
         m_progress->clear();
     }
     m_errors.write(result.m_errors);
@@ -94,23 +88,23 @@ bool ScanRun::take(ScanResult const& result) {
 }
 
 // Of several problems the first one counts.
-void ScanRun::note(int exitCode) {
+void ScanRun::note(int problem) {
     if (m_problem == 0) {
-        m_problem = exitCode;
+        m_problem = problem;
     }
 }
 
 int ScanRun::exitStatus() const {
     if (int const number = m_interrupt.signalNumber(); number != 0) {
-        return ExitCode::interrupted + number;
+        return ExitStatus::interrupted + number;
     }
     if (m_output.error() != 0) {
-        return ExitCode::ioError;
+        return ExitStatus::cannotWrite;
     }
     if (m_problem != 0) {
         return m_problem;
     }
-    return m_foundSpam ? ExitCode::found : ExitCode::ok;
+    return m_foundSpam ? ExitStatus::findings : ExitStatus::ok;
 }
 
 bool ScanRun::showsProgress() const {
@@ -118,14 +112,10 @@ bool ScanRun::showsProgress() const {
 }
 
 void ScanRun::startProgress() {
-    bool const isTerminal = ::isatty(STDERR_FILENO) == 1;
-    if (!showsProgress()) {
-        return;
+    if (showsProgress()) {
+        m_size = std::make_unique<InputSize>(m_options.m_paths);
+        m_progress = std::make_unique<Progress>("qvscan", [this] { return m_size->bytes(); });
     }
-    m_size = std::make_unique<InputSize>(m_options.m_paths);
-    m_progress =
-        std::make_unique<Progress>([this](std::string const& text) { m_errors.write(text); },
-                                   [this] { return m_size->bytes(); }, isTerminal);
 }
 
 // A program that sits there without a word seems to hang.
@@ -168,9 +158,9 @@ int ScanRun::run() {
     }
     sayThatItWaits();
     startProgress();
-    OrderedPool pool(
-        s_threads(m_host->settings()), [this](InputItem const& item) { return judge(item); },
-        [this](ScanResult const& result) { return take(result); });
+    OrderedPool pool(m_host->settings().m_jobs, [this](InputItem const& item) {
+        return [this, result = judge(item)] { return take(result); };
+    });
     submitAll(pool);
     pool.finish();
     m_progress.reset();

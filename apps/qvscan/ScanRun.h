@@ -4,18 +4,28 @@
 // One object a process; run is called once.
 #pragma once
 
+#include "apps/commandline/Progress.h"
 #include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
 #include "apps/input/InputSize.h"
 #include "apps/input/Interrupt.h"
+#include "apps/input/OrderedPool.h"
 #include "apps/qvscan/Options.h"
-#include "apps/qvscan/OrderedPool.h"
 #include "apps/qvscan/Output.h"
-#include "apps/qvscan/Progress.h"
 
+#include <cstdint>
 #include <memory>
+#include <string>
 
 namespace Quorvane {
+
+// What is to be written for one message, and what it means for the exit status.
+struct ScanResult {
+    std::string m_output;
+    std::string m_errors;
+    bool m_isSpam = false;
+    int m_exitStatus = 0; // of a problem
+};
 
 class ScanRun {
   public:
@@ -34,7 +44,7 @@ class ScanRun {
     void startProgress();
     void sayThatItWaits();
     void sumUpLookups();
-    void note(int exitCode);
+    void note(int problem);
     int exitStatus() const;
 
     ScanOptions const& m_options;
@@ -46,6 +56,7 @@ class ScanRun {
     Output m_errors;
     bool m_foundSpam = false;
     int m_problem = 0;
+    std::uint64_t m_messages = 0; // judged, or with a problem
     std::unique_ptr<InputSize> m_size;
     std::unique_ptr<Progress> m_progress; // null: none is shown
 };

@@ -31,7 +31,7 @@ struct HostSettings {
     DeepHeaderSettings m_judging = programDefaults();
     std::vector<IPPrefix> m_trusted;
     std::vector<IPPrefix> m_antiSpam;
-    // Relays of the site itself: the newest hops that came from them are cut off before a scan.
+    // Relays of the site itself: the newest hops that came from them are skipped.
     std::vector<IPPrefix> m_internal;
     std::vector<ReputationTable::Entry> m_scores;
     // File of patterns; empty: the built-in list.

@@ -4,15 +4,27 @@
 #include "apps/settings/TomlSettings.h"
 #include "rules/language/Nearest.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 namespace Quorvane {
 
 namespace {
+
+// The tables of single programs. A new one is added here, so that the other programs skip it.
+constexpr std::string_view programTables[] = {
+    "milter", // qvmilter
+};
+
+bool s_isProgramTable(std::string_view title) {
+    return std::find(std::begin(programTables), std::end(programTables), title) !=
+           std::end(programTables);
+}
 
 std::string s_readAll(std::string const& path) {
     std::ifstream file(path, std::ios::binary);
@@ -27,31 +39,79 @@ std::string s_readAll(std::string const& path) {
     return text.str();
 }
 
-std::string s_unknownKey(std::string_view name) {
-    std::vector<std::string_view> names{milterTable};
-    for (auto const& key : settingKeys()) {
-        names.push_back(key.m_name);
+class FileReader {
+  public:
+    FileReader(std::string const& path, std::string_view program,
+               std::span<SettingsSection* const> sections)
+        : m_path(path), m_program(program), m_sections(sections) {}
+
+    void read() const {
+        for (auto const& [name, node] : parseToml(m_path, s_readAll(m_path))) {
+            auto* const section = find(name.str());
+            bool const isTable = !name.str().empty() && section != nullptr;
+            if (isTable || s_isProgramTable(name.str())) {
+                readTable(section, name, node);
+            } else {
+                readKey(*find(""), name, node);
+            }
+        }
     }
-    auto const nearest = std::string(Rules::nearestWord(name, names));
-    return "unknown key \"" + std::string(name) + "\"; " +
-           (nearest.empty() ? "qvscan --show-config lists the known ones"
-                            : "the nearest known one is \"" + nearest + '"');
-}
+
+  private:
+    SettingsSection* find(std::string_view title) const {
+        auto const found =
+            std::find_if(m_sections.begin(), m_sections.end(),
+                         [title](auto const* section) { return section->title() == title; });
+        return found == m_sections.end() ? nullptr : *found;
+    }
+
+    // `section` is null for a table of another program.
+    void readTable(SettingsSection* section, toml::key const& title, toml::node const& node) const {
+        auto const* const table = node.as_table();
+        if (table == nullptr) {
+            throw SettingsError(tomlPlace(m_path, title.source().begin) + std::string(title.str()) +
+                                " is a table: write [" + std::string(title.str()) + "]");
+        }
+        if (section == nullptr) {
+            return;
+        }
+        for (auto const& [name, value] : *table) {
+            readKey(*section, name, value);
+        }
+    }
+
+    void readKey(SettingsSection& section, toml::key const& name, toml::node const& node) const {
+        if (section.find(name.str()) == nullptr) {
+            throw SettingsError(tomlPlace(m_path, name.source().begin) +
+                                unknownKey(section, name.str()));
+        }
+        setFromToml(section, name.str(), node, m_path);
+    }
+
+    std::string unknownKey(SettingsSection const& section, std::string_view name) const {
+        std::vector<std::string_view> names;
+        for (auto const& facts : section.facts()) {
+            names.push_back(facts.m_name);
+        }
+        if (section.title().empty()) {
+            names.insert(names.end(), std::begin(programTables), std::end(programTables));
+        }
+        auto const hint = Rules::didYouMean(name, names);
+        return "unknown key \"" + std::string(name) + '"' +
+               (hint.empty() ? "; " + std::string(m_program) + " --show-config lists the known ones"
+                             : hint);
+    }
+
+    std::string const& m_path;
+    std::string_view m_program;
+    std::span<SettingsSection* const> m_sections;
+};
 
 } // namespace
 
-void loadSettingsFile(std::string const& path, SettingsStore& store) {
-    auto const file = parseToml(path, s_readAll(path));
-    for (auto const& [name, node] : file) {
-        if (name.str() == milterTable && node.is_table()) {
-            continue;
-        }
-        auto const* const key = findSetting(name.str());
-        if (key == nullptr) {
-            throw SettingsError(tomlPlace(path, name.source().begin) + s_unknownKey(name.str()));
-        }
-        setFromToml(store, *key, node, path);
-    }
+void loadSettingsFile(std::string const& path, std::string_view program,
+                      std::span<SettingsSection* const> sections) {
+    FileReader(path, program, sections).read();
 }
 
 } // namespace Quorvane

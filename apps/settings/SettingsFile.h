@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The settings file (TOML): the keys of SettingsTable.h at the top, and tables of single programs
-// below, which each program names and reads by itself.
+// The settings file (TOML), which programs share: the keys that all of them know at the top, and a
+// table for each program that has settings of its own.
 #pragma once
 
-#include "apps/settings/SettingsStore.h"
+#include "apps/settings/SettingsSection.h"
 
 #include <span>
 #include <string>
@@ -12,12 +12,11 @@
 
 namespace Quorvane {
 
-// The tables that belong to single programs. A program skips those of the others.
-inline constexpr std::string_view milterTable = "milter";
-
-// Puts the settings of the file on `store`. Throws a SettingsError with file, line and column: a
-// file that cannot be read or is no TOML, an unknown key (with the one that was probably meant), a
-// value of the wrong type or out of range.
-void loadSettingsFile(std::string const& path, SettingsStore& store);
+// Reads the file into the sections of `program`, one of which has no title; tables of other
+// programs are skipped. Throws a SettingsError with file, line and column: a file that cannot be
+// read or is no TOML, an unknown key (with the one that was probably meant), a value of the wrong
+// type or out of range.
+void loadSettingsFile(std::string const& path, std::string_view program,
+                      std::span<SettingsSection* const> sections);
 
 } // namespace Quorvane

@@ -39,59 +39,24 @@ toml::source_position s_stumblingPlace(std::string_view text) {
             static_cast<toml::source_index>(without - start + 1)};
 }
 
-class NodeSetter {
-  public:
-    NodeSetter(std::string const& path, SettingKey const& key) : m_path(path), m_key(key) {}
-
-    void take(SettingsStore& store, toml::node const& node) const {
-        if (auto const* const array = node.as_array();
-            array != nullptr && m_key.m_kind == SettingKind::list) {
-            takeList(store, node, *array);
-            return;
-        }
-        set(store, {text(node)}, node.source().begin);
+// Adds one value of a setting; an error points at it.
+void s_add(SettingsSection& section, SettingFacts const& facts, toml::node const& node,
+           std::string const& path) {
+    auto const at = node.source().begin;
+    auto text = tomlScalar(facts.m_kind, node);
+    if (!text) {
+        throw SettingsError(tomlPlace(path, at) + std::string(facts.m_name) + " needs " +
+                            tomlExpected(facts.m_kind));
     }
-
-  private:
-    [[noreturn]] void fail(toml::source_position const& at, std::string const& what) const {
-        throw SettingsError(tomlPlace(m_path, at) + what);
+    if (facts.m_kind == SettingKind::path && !text->empty()) {
+        text = (std::filesystem::path(path).parent_path() / *text).string();
     }
-
-    std::string text(toml::node const& node) const {
-        auto const found = tomlScalar(m_key.m_kind, node);
-        if (!found) {
-            fail(node.source().begin,
-                 std::string(m_key.m_name) + " needs " + tomlExpected(m_key.m_kind));
-        }
-        if (m_key.m_kind == SettingKind::path && !found->empty()) {
-            return (std::filesystem::path(m_path).parent_path() / *found).string();
-        }
-        return *found;
+    try {
+        section.add(facts.m_name, *text);
+    } catch (SettingsError const& error) {
+        throw SettingsError(tomlPlace(path, at) + error.what());
     }
-
-    // Elements are tried one by one first, so that an error points at the element.
-    void takeList(SettingsStore& store, toml::node const& node, toml::array const& array) const {
-        std::vector<std::string> texts;
-        for (auto const& element : array) {
-            texts.push_back(text(element));
-            SettingsStore trial;
-            set(trial, {texts.back()}, element.source().begin);
-        }
-        set(store, texts, node.source().begin);
-    }
-
-    void set(SettingsStore& store, std::vector<std::string> const& texts,
-             toml::source_position const& at) const {
-        try {
-            store.set(m_key, texts, m_path + ":" + std::to_string(at.line));
-        } catch (SettingsError const& error) {
-            fail(at, error.what());
-        }
-    }
-
-    std::string const& m_path;
-    SettingKey const& m_key;
-};
+}
 
 } // namespace
 
@@ -145,9 +110,18 @@ std::string tomlExpected(SettingKind kind) {
     return "a text in quotes";
 }
 
-void setFromToml(SettingsStore& store, SettingKey const& key, toml::node const& node,
+void setFromToml(SettingsSection& section, std::string_view name, toml::node const& node,
                  std::string const& path) {
-    NodeSetter(path, key).take(store, node);
+    auto const& facts = *section.find(name);
+    section.reset(name, path + ":" + std::to_string(node.source().begin.line));
+    auto const* const array = node.as_array();
+    if (array == nullptr || facts.m_kind != SettingKind::list) {
+        s_add(section, facts, node, path);
+        return;
+    }
+    for (auto const& element : *array) {
+        s_add(section, facts, element, path);
+    }
 }
 
 } // namespace Quorvane

@@ -4,11 +4,12 @@
 // file, line and column. toml++ compiles slowly: only what reads such a file includes this.
 #pragma once
 
-#include "apps/settings/SettingsStore.h"
+#include "apps/settings/SettingsSection.h"
 #include "apps/settings/Toml.h"
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Quorvane {
 
@@ -24,8 +25,9 @@ std::optional<std::string> tomlScalar(SettingKind kind, toml::node const& node);
 // What a value of the kind looks like, for errors: "a whole number".
 std::string tomlExpected(SettingKind kind);
 
-// Puts one setting on `store`. A path is relative to the folder of the file at `path`.
-void setFromToml(SettingsStore& store, SettingKey const& key, toml::node const& node,
+// Puts one setting on `section`, which has it. A path is relative to the folder of the file at
+// `path`.
+void setFromToml(SettingsSection& section, std::string_view name, toml::node const& node,
                  std::string const& path);
 
 } // namespace Quorvane

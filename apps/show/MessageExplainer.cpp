@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/MessageExplainer.h"
 
+#include "apps/commandline/ExitStatus.h"
 #include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
-#include "apps/settings/ExitCode.h"
 #include "apps/story/JsonRecord.h"
 #include "platform/HeaderReader.h"
 #include "rules/model/RuleError.h"
@@ -36,7 +36,7 @@ std::vector<std::string> MessageExplainer::explainFiles(std::vector<std::string>
     InputItem item;
     while (inputs.next(item)) {
         if (!item.m_problem.empty()) {
-            throw Rules::RuleError(item.m_exitCode == ExitCode::noInput
+            throw Rules::RuleError(item.m_exitStatus == ExitStatus::noInput
                                        ? Rules::RuleError::Kind::noInput
                                        : Rules::RuleError::Kind::badData,
                                    item.m_source + ": " + item.m_problem);

@@ -32,6 +32,7 @@ class CaseReader {
         }
         checkWhole();
         m_case.m_settings = m_settings.values();
+        m_case.m_facts = m_facts.values();
         m_case.m_settings.m_zoneLines = m_zoneLines;
         return std::move(m_case);
     }
@@ -56,41 +57,26 @@ class CaseReader {
         } else if (readExpectation(name.str(), node, m_path, m_case.m_expected)) {
             return;
         } else if (isCaseSetting(name.str())) {
-            setFromToml(m_settings, *findSetting(name.str()), node, m_path);
-        } else if (auto const* const fact = findFact(name.str())) {
-            readFact(*fact, node);
+            setFromToml(m_settings, name.str(), node, m_path);
+        } else if (m_facts.find(name.str()) != nullptr) {
+            setFromToml(m_facts, name.str(), node, m_path);
+            m_fact = &node;
         } else {
             throw SettingsError(tomlPlace(m_path, name.source().begin) + unknownKey(name.str()));
         }
     }
 
-    static std::string unknownKey(std::string_view name) {
+    std::string unknownKey(std::string_view name) const {
         std::vector<std::string_view> names;
-        names.reserve(s_keys.size() + expectationKeys.size() + factKeys().size() +
-                      settingKeys().size());
         for (auto const& key : s_keys) {
             names.push_back(key.m_name);
         }
         names.insert(names.end(), expectationKeys.begin(), expectationKeys.end());
-        for (auto const& key : factKeys()) {
-            names.push_back(key.m_name);
+        for (auto const& facts : m_facts.facts()) {
+            names.push_back(facts.m_name);
         }
         addCaseSettings(names);
         return "a case has no key \"" + std::string(name) + '"' + Rules::didYouMean(name, names);
-    }
-
-    void readFact(FactKey const& key, toml::node const& node) {
-        auto const kind = key.m_valueName == "N" ? SettingKind::integer : SettingKind::text;
-        auto const text = tomlScalar(kind, node);
-        if (!text) {
-            fail(node, std::string(key.m_name) + " needs " + tomlExpected(kind));
-        }
-        try {
-            key.m_assign(m_case.m_facts, *text);
-        } catch (SettingsError const& error) {
-            fail(node, std::string(key.m_name) + ": " + error.what());
-        }
-        m_fact = &node;
     }
 
     void readName(toml::node const& node) {
@@ -164,6 +150,7 @@ class CaseReader {
     toml::table const& m_table;
     std::string const& m_path;
     SettingsStore m_settings;
+    FactsStore m_facts;
     std::vector<std::string> m_zoneLines;
     toml::node const* m_fact = nullptr; // one of the facts that were given
     bool m_hasInput = false;
@@ -182,13 +169,14 @@ std::array<CaseReader::Key, CaseReader::ownKeys> const CaseReader::s_keys{{
 
 // Where rules and look-ups come from is the test's own business.
 bool isCaseSetting(std::string_view name) {
-    return name != "root" && name != "jobs" && name != "dns" && findSetting(name) != nullptr;
+    return name != "root" && name != "jobs" && name != "dns" &&
+           SettingsStore().find(name) != nullptr;
 }
 
 void addCaseSettings(std::vector<std::string_view>& names) {
-    for (auto const& key : settingKeys()) {
-        if (isCaseSetting(key.m_name)) {
-            names.push_back(key.m_name);
+    for (auto const& row : settingRows()) {
+        if (isCaseSetting(row.m_facts.m_name)) {
+            names.push_back(row.m_facts.m_name);
         }
     }
 }

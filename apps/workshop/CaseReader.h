@@ -4,7 +4,7 @@
 // SettingsErrors with file, line and column, RuleErrors for files that a case names.
 #pragma once
 
-#include "apps/settings/SettingsStore.h"
+#include "apps/settings/SettingsTable.h"
 #include "apps/settings/Toml.h"
 #include "apps/workshop/CaseFile.h"
 

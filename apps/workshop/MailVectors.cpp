@@ -1,28 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/MailVectors.h"
 
+#include "apps/commandline/ExitStatus.h"
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
-#include "apps/settings/ExitCode.h"
+#include "apps/input/OrderedPool.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
-#include <atomic>
-#include <cstddef>
-#include <future>
-#include <thread>
 #include <utility>
 
 namespace Quorvane::Workshop {
 
 namespace {
-
-// Enough to keep all cores at work between two joins.
-constexpr std::size_t batchItems = 2048;
-// Header sections of one batch.
-constexpr std::size_t batchBytes = std::size_t{32} << 20;
 
 bool s_contains(std::vector<IPPrefix> const& prefixes, IPAddress const& address) {
     return std::any_of(prefixes.begin(), prefixes.end(),
@@ -39,21 +31,9 @@ Rules::IsOwnRelay s_ownRelays(HostSettings const& settings) {
     };
 }
 
-std::vector<InputItem> s_readBatch(Inputs& inputs) {
-    std::vector<InputItem> batch;
-    std::size_t bytes = 0;
-    InputItem item;
-    while (batch.size() < batchItems && bytes < batchBytes && inputs.next(item)) {
-        bytes += item.m_headers.size();
-        batch.push_back(std::move(item));
-        item = {};
-    }
-    return batch;
-}
-
 [[noreturn]] void s_refuse(InputItem const& item, std::string const& problem) {
-    auto const kind = item.m_exitCode == ExitCode::noInput ? Rules::RuleError::Kind::noInput
-                                                           : Rules::RuleError::Kind::badData;
+    auto const kind = item.m_exitStatus == ExitStatus::noInput ? Rules::RuleError::Kind::noInput
+                                                               : Rules::RuleError::Kind::badData;
     throw Rules::RuleError(kind, item.m_source + ": " + problem);
 }
 
@@ -66,49 +46,24 @@ MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
     Inputs inputs(paths, m_interrupt);
-    try {
-        scanInputs(inputs, sink);
-    } catch (Interrupted const&) {
-        throw ScanInterrupted{m_interrupt.signalNumber()};
-    }
-}
-
-void MailVectors::scanInputs(Inputs& inputs, Sink const& sink) {
-    auto batch = s_readBatch(inputs);
-    while (!batch.empty()) {
-        auto next = std::async(std::launch::async, [&inputs] { return s_readBatch(inputs); });
-        for (auto const& vector : scanBatch(batch)) {
+    OrderedPool pool(m_host->settings().m_jobs, [this, &sink](InputItem const& item) {
+        return [&sink, vector = vectorOf(item)] {
             sink(vector);
+            return true;
+        };
+    });
+    try {
+        InputItem item;
+        while (m_interrupt.signalNumber() == 0 && inputs.next(item) &&
+               pool.submit(std::move(item))) {
         }
-        checkInterrupt();
-        batch = next.get();
+    } catch (Interrupted const&) {
+        // Its number is read below.
     }
-}
-
-void MailVectors::checkInterrupt() {
-    if (m_interrupt.signalNumber() != 0) {
-        throw Interrupted();
+    pool.finish();
+    if (int const number = m_interrupt.signalNumber(); number != 0) {
+        throw ScanInterrupted{number};
     }
-}
-
-std::vector<MailVector> MailVectors::scanBatch(std::vector<InputItem> const& batch) const {
-    std::vector<MailVector> vectors(batch.size());
-    std::atomic<std::size_t> next{0};
-    auto const work = [&] {
-        for (auto i = next++; i < batch.size(); i = next++) {
-            vectors[i] = vectorOf(batch[i]);
-        }
-    };
-    auto const jobs = m_host->settings().m_jobs;
-    auto const threads = jobs != 0 ? jobs : std::max(1U, std::thread::hardware_concurrency());
-    std::vector<std::future<void>> workers;
-    for (unsigned int i = 0; i < threads; ++i) {
-        workers.push_back(std::async(std::launch::async, work));
-    }
-    for (auto& worker : workers) {
-        worker.get();
-    }
-    return vectors;
 }
 
 MailVector MailVectors::vectorOf(InputItem const& item) const {

@@ -2,8 +2,8 @@
 //
 // MailVectors: turns messages into attribute vectors, with all cores, in the order of input.
 //
-// One object a process, since it sets up the scanning host. Reading and scanning overlap; what
-// waits is bounded by two batches of messages. The sink is called on the calling thread.
+// One object a process, since it sets up the scanning host. Reading and scanning overlap; the sink
+// is called on one thread at a time.
 #pragma once
 
 #include "apps/host/ScanHost.h"
@@ -47,10 +47,7 @@ class MailVectors {
     void scan(std::vector<std::string> const& paths, Sink const& sink);
 
   private:
-    void scanInputs(Inputs& inputs, Sink const& sink);
-    void checkInterrupt();
     MailVector vectorOf(InputItem const& item) const;
-    std::vector<MailVector> scanBatch(std::vector<InputItem> const& batch) const;
     std::optional<Rules::AttributeVector> attributesOf(std::string const& headerSection) const;
 
     Interrupt m_interrupt; // before any thread

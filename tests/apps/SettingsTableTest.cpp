@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/settings/SettingsTable.h"
 #include "apps/settings/SettingsFile.h"
-#include "apps/settings/SettingsStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <cmath>
@@ -11,20 +11,25 @@ namespace Quorvane::Testing {
 
 namespace {
 
+void s_load(std::string const& path, SettingsStore& store) {
+    SettingsSection* const sections[] = {&store};
+    loadSettingsFile(path, "qvscan", sections);
+}
+
 TEST(SettingsTable, NamesAreUnique) {
     std::set<std::string_view> names;
-    for (auto const& key : settingKeys()) {
-        EXPECT_TRUE(names.insert(key.m_name).second) << key.m_name;
-        EXPECT_EQ(key.m_kind == SettingKind::list, key.m_clear != nullptr) << key.m_name;
+    SettingsStore const store;
+    for (auto const& facts : store.facts()) {
+        EXPECT_TRUE(names.insert(facts.m_name).second) << facts.m_name;
     }
 }
 
 TEST(SettingsTable, WhatIsShownReadsBackAsItIs) {
     SettingsStore store;
-    for (auto const& key : settingKeys()) {
-        auto const shown = key.m_show(store.values());
-        store.set(key, shown, "again");
-        EXPECT_EQ(key.m_show(store.values()), shown) << key.m_name;
+    for (auto const& facts : store.facts()) {
+        auto const shown = store.texts(facts.m_name);
+        store.set(facts.m_name, shown, "again");
+        EXPECT_EQ(store.texts(facts.m_name), shown) << facts.m_name;
     }
 }
 
@@ -55,9 +60,8 @@ TEST(SettingsTable, ReadsNumbersWholeOrNotAtAll) {
 
 TEST(SettingsTable, AListIsReplacedAsAWhole) {
     SettingsStore store;
-    auto const& key = *findSetting("trusted-mta");
-    store.set(key, {"192.0.2.1", "192.0.2.2"}, "file");
-    store.set(key, {"192.0.2.3"}, "command line");
+    store.set("trusted-mta", {"192.0.2.1", "192.0.2.2"}, "file");
+    store.set("trusted-mta", {"192.0.2.3"}, "command line");
     EXPECT_EQ(store.values().m_trusted.size(), 1U);
     EXPECT_EQ(store.origin("trusted-mta"), "command line");
     EXPECT_EQ(store.origin("root"), "default");
@@ -66,8 +70,7 @@ TEST(SettingsTable, AListIsReplacedAsAWhole) {
 TEST(SettingsFile, PathsAreRelativeToTheFile) {
     TemporaryFolder const folder;
     SettingsStore store;
-    loadSettingsFile(folder.write("etc/a.toml", "dns-data = \"zones/a\"\nroot = \"/srv\"\n"),
-                     store);
+    s_load(folder.write("etc/a.toml", "dns-data = \"zones/a\"\nroot = \"/srv\"\n"), store);
     EXPECT_EQ(store.values().m_dnsData, (folder.path() / "etc/zones/a").string());
     EXPECT_EQ(store.values().m_root, "/srv");
 }
@@ -75,9 +78,9 @@ TEST(SettingsFile, PathsAreRelativeToTheFile) {
 TEST(SettingsFile, TakesNumbersInEitherForm) {
     TemporaryFolder const folder;
     SettingsStore store;
-    loadSettingsFile(folder.write("a.toml", "spam-threshold = 1\nham-threshold = 0.5\n"
-                                            "walk-to-leaf = false\nscore = \"192.0.2.1=3\"\n"),
-                     store);
+    s_load(folder.write("a.toml", "spam-threshold = 1\nham-threshold = 0.5\n"
+                                  "walk-to-leaf = false\nscore = \"192.0.2.1=3\"\n"),
+           store);
     EXPECT_EQ(store.values().m_judging.spamThreshold, 1.0);
     EXPECT_EQ(store.values().m_judging.hamThreshold, 0.5);
     EXPECT_EQ(store.values().m_judging.walkToLeaf, 0);

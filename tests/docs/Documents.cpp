@@ -28,8 +28,8 @@ Names optionsIn(std::string const& help) {
 
 std::vector<std::string> rulesCommands() {
     auto const help = helpOf("qvrules");
-    auto const start = help.find("Subcommands:");
-    auto const end = help.find("Examples:");
+    auto const start = help.find("Commands:");
+    auto const end = help.find("Options:");
     auto const names = captures(help.substr(start, end - start), "^  ([a-z]+)");
     return {names.begin(), names.end()};
 }

@@ -165,11 +165,11 @@ TEST(ManPage, GivesDefaultsThatAreTheProgramsOwn) {
     std::regex const inParentheses(R"(.*\(([^ ()]+)\))");
     HostSettings const defaults;
     int count = 0;
-    for (auto const& key : settingKeys()) {
+    for (auto const& row : settingRows()) {
         std::smatch found;
-        auto const help = std::string(key.m_help);
+        auto const help = std::string(row.m_facts.m_help);
         if (std::regex_match(help, found, inParentheses)) {
-            EXPECT_EQ(found[1].str(), key.m_show(defaults).at(0)) << key.m_name;
+            EXPECT_EQ(found[1].str(), row.m_show(defaults).at(0)) << row.m_facts.m_name;
             ++count;
         }
     }

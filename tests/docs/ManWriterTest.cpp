@@ -9,15 +9,15 @@ namespace Quorvane::Docs {
 
 namespace {
 
-ProgramDoc s_program() {
-    ProgramDoc program{"tool", {}, {}};
-    program.m_own.m_options.push_back(
-        {"Output", "format", "f", "text|FILE", "how. it looks", false, true});
-    program.m_commands.push_back({"make",
-                                  "Make",
-                                  {{"make", "force", "", "", "at once"}},
-                                  {{"SRC", "SRC", "Text", true, false}}});
-    return program;
+ProgramTable s_program() {
+    return {
+        "tool",
+        {"", "", {}, {{"format", "text|FILE", "how. it looks", Takes::repeatable, 'f', "Output"}}},
+        {{"make", "Make", {{"SRC", "SRC", "Text", Takes::required}}, {{"force", "", "at once"}}}}};
+}
+
+std::string s_page(ProgramTable const& program, std::string const& prose) {
+    return manPage(program, {}, prose, "2.3");
 }
 
 constexpr char allSections[] = "@OPTIONS Output@\n@OPTIONS make@\n";
@@ -32,7 +32,7 @@ TEST(MdocText, LetsNoTableEntryActAsAMacro) {
 }
 
 TEST(ManWriter, PutsOptionsWhereTheProseAsksForThem) {
-    EXPECT_EQ(manPage(s_program(), ".Sh A\n@OPTIONS Output@\n.Sh B\n@OPTIONS make@\n", "1"),
+    EXPECT_EQ(s_page(s_program(), ".Sh A\n@OPTIONS Output@\n.Sh B\n@OPTIONS make@\n"),
               ".Sh A\n.Bl -tag -width Ds\n"
               ".It Fl f , Fl \\-format Cm text | Ar FILE\n"
               "How. it looks.\nMay be given more than once.\n.El\n"
@@ -40,29 +40,29 @@ TEST(ManWriter, PutsOptionsWhereTheProseAsksForThem) {
 }
 
 TEST(ManWriter, WritesTheSynopsisOfEachCommand) {
-    auto const page = manPage(s_program(), std::string("@SYNOPSIS@\n") + allSections, "1");
+    auto const page = s_page(s_program(), std::string("@SYNOPSIS@\n") + allSections);
     EXPECT_TRUE(page.starts_with(".Nm tool\n.Cm make\n.Op Fl \\-force\n.Ar SRC\n")) << page;
 }
 
 TEST(ManWriter, PutsTheVersionIn) {
-    auto const page = manPage(s_program(), std::string(".Os X @VERSION@\n") + allSections, "2.3");
+    auto const page = s_page(s_program(), std::string(".Os X @VERSION@\n") + allSections);
     EXPECT_TRUE(page.starts_with(".Os X 2.3\n"));
 }
 
 TEST(ManWriter, DescribesCommandsThatTheProseForgets) {
-    EXPECT_EQ(manPage(s_program(), "@COMMANDS@\n@OPTIONS Output@\n", "1").substr(0, 60),
-              manPage(s_program(), ".Ss make\nMake.\n@OPTIONS make@\n@OPTIONS Output@\n", "1")
-                  .substr(0, 60));
-    EXPECT_EQ(manPage(s_program(), std::string(allSections) + "@COMMANDS@\n", "1"),
-              manPage(s_program(), allSections, "1"));
+    EXPECT_EQ(
+        s_page(s_program(), "@COMMANDS@\n@OPTIONS Output@\n").substr(0, 60),
+        s_page(s_program(), ".Ss make\nMake.\n@OPTIONS make@\n@OPTIONS Output@\n").substr(0, 60));
+    EXPECT_EQ(s_page(s_program(), std::string(allSections) + "@COMMANDS@\n"),
+              s_page(s_program(), allSections));
 }
 
 TEST(ManWriter, ListsWhatCommandsShareOnce) {
     auto program = s_program();
     for (auto const* const name : {"one", "two"}) {
-        program.m_commands.push_back({name, "", {{"shared", "jobs", "", "N", "threads"}}, {}});
+        program.m_commands.push_back({name, "", {}, {{"jobs", "N", "threads", 0, '\0', "shared"}}});
     }
-    auto const page = manPage(program, std::string(allSections) + "@OPTIONS shared@\n", "1");
+    auto const page = s_page(program, std::string(allSections) + "@OPTIONS shared@\n");
     EXPECT_NE(page.find("jobs"), std::string::npos);
     EXPECT_EQ(page.find("jobs"), page.rfind("jobs"));
     EXPECT_EQ(mdocSynopsis(program, program.m_commands.back()),
@@ -70,14 +70,14 @@ TEST(ManWriter, ListsWhatCommandsShareOnce) {
 }
 
 TEST(ManWriter, RefusesProseThatLeavesOptionsOut) {
-    EXPECT_THROW(manPage(s_program(), "@OPTIONS Output@\n", "1"), std::runtime_error);
+    EXPECT_THROW(s_page(s_program(), "@OPTIONS Output@\n"), std::runtime_error);
 }
 
 TEST(ManWriter, RefusesProseThatAsksForWhatThereIsNot) {
     auto const twice = std::string(allSections) + "@OPTIONS make@\n";
-    EXPECT_THROW(manPage(s_program(), twice, "1"), std::runtime_error);
+    EXPECT_THROW(s_page(s_program(), twice), std::runtime_error);
     auto const unknown = std::string(allSections) + "@OPTIONS Input@\n";
-    EXPECT_THROW(manPage(s_program(), unknown, "1"), std::runtime_error);
+    EXPECT_THROW(s_page(s_program(), unknown), std::runtime_error);
 }
 
 } // namespace Quorvane::Docs

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Progress: one line on standard error while work is long: messages, rate, share done, time left.
-// On a terminal the line is drawn over itself; elsewhere each is a line of its own. It draws on a
+// Progress: one line on standard error while work is long: what is done, rate, share, time left. On
+// a terminal the line is drawn over itself; elsewhere each is a line of its own. It draws on a
 // thread of its own; safe to call from many threads.
 #pragma once
 
@@ -19,7 +19,8 @@ namespace Quorvane {
 
 // Where the work stands.
 struct WorkState {
-    std::uint64_t m_messages = 0;
+    std::string m_what = "messages";
+    std::optional<std::uint64_t> m_done; // empty: the work is not counted
     double m_seconds = 0;
     std::uint64_t m_bytesRead = 0;
     std::optional<std::uint64_t> m_bytesTotal;
@@ -30,17 +31,21 @@ std::string progressLine(WorkState const& state);
 
 class Progress {
   public:
-    using Write = std::function<void(std::string const&)>;
     using Total = std::function<std::optional<std::uint64_t>()>;
 
-    // Draws nothing for the first two seconds.
-    Progress(Write write, Total total, bool isTerminal);
+    // Draws nothing for the first two seconds. `total` are the bytes that there are to read, as far
+    // as that is known.
+    explicit Progress(
+        std::string program, Total total = [] { return std::nullopt; });
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
     ~Progress();
 
+    // So many messages, or whatever began, are done.
+    void update(std::uint64_t done) { m_done = static_cast<std::int64_t>(done); }
+    // Other work begins: what is counted now, or what is done where nothing is.
+    void begin(std::string const& what);
     void readTo(std::uint64_t bytes) { m_bytes = bytes; }
-    void judgedOne() { ++m_messages; }
     // Takes the line away, so that something else can be written.
     void clear();
 
@@ -48,13 +53,14 @@ class Progress {
     void run();
     void draw();
 
-    Write m_write;
+    std::string m_program;
     Total m_total;
     bool m_isTerminal;
-    std::chrono::steady_clock::time_point m_start;
-    std::atomic<std::uint64_t> m_messages{0};
+    std::atomic<std::int64_t> m_done{0}; // negative: nothing is counted
     std::atomic<std::uint64_t> m_bytes{0};
     std::mutex m_mutex;
+    std::string m_what = "messages";
+    std::chrono::steady_clock::time_point m_start;
     std::condition_variable m_wake;
     bool m_isDrawn = false;
     bool m_isEnding = false;

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvscan/Progress.h"
+#include "apps/commandline/Progress.h"
 
 #include "apps/text/NumberText.h"
+#include "apps/text/Utf8.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iostream>
+#include <unistd.h>
 #include <utility>
 
 namespace Quorvane {
@@ -32,9 +35,9 @@ std::string s_duration(double seconds) {
 } // namespace
 
 std::string progressLine(WorkState const& state) {
-    auto line = groupedText(state.m_messages) + " messages";
-    if (state.m_seconds > 0) {
-        auto const rate = static_cast<double>(state.m_messages) / state.m_seconds;
+    auto line = state.m_done ? groupedText(*state.m_done) + " " + state.m_what : state.m_what;
+    if (state.m_done && state.m_seconds > 0) {
+        auto const rate = static_cast<double>(*state.m_done) / state.m_seconds;
         line += "  " + groupedText(static_cast<std::uint64_t>(std::lround(rate))) + "/s";
     }
     auto const total = state.m_bytesTotal.value_or(0);
@@ -47,9 +50,10 @@ std::string progressLine(WorkState const& state) {
     return line;
 }
 
-Progress::Progress(Write write, Total total, bool isTerminal)
-    : m_write(std::move(write)), m_total(std::move(total)), m_isTerminal(isTerminal),
-      m_start(std::chrono::steady_clock::now()), m_thread(&Progress::run, this) {}
+Progress::Progress(std::string program, Total total)
+    : m_program(std::move(program)), m_total(std::move(total)),
+      m_isTerminal(::isatty(STDERR_FILENO) == 1), m_start(std::chrono::steady_clock::now()),
+      m_thread(&Progress::run, this) {}
 
 Progress::~Progress() {
     {
@@ -59,6 +63,13 @@ Progress::~Progress() {
     m_wake.notify_one();
     m_thread.join();
     clear();
+}
+
+void Progress::begin(std::string const& what) {
+    std::lock_guard const lock(m_mutex);
+    m_what = toPrintable(what);
+    m_start = std::chrono::steady_clock::now();
+    m_done = -1;
 }
 
 void Progress::run() {
@@ -73,20 +84,23 @@ void Progress::run() {
 // REQUIRES: m_mutex is held.
 void Progress::draw() {
     WorkState state;
-    state.m_messages = m_messages;
+    state.m_what = m_what;
+    if (auto const done = m_done.load(); done >= 0) {
+        state.m_done = static_cast<std::uint64_t>(done);
+    }
     state.m_bytesRead = m_bytes;
     state.m_bytesTotal = m_total();
     std::chrono::duration<double> const passed = std::chrono::steady_clock::now() - m_start;
     state.m_seconds = passed.count();
     auto const line = progressLine(state);
-    m_write(m_isTerminal ? "\r\x1B[K" + line : "qvscan: " + line + "\n");
+    std::cerr << (m_isTerminal ? "\r\x1B[K" + line : m_program + ": " + line + "\n") << std::flush;
     m_isDrawn = m_isTerminal;
 }
 
 void Progress::clear() {
     std::lock_guard const lock(m_mutex);
     if (m_isDrawn) {
-        m_write("\r\x1B[K");
+        std::cerr << "\r\x1B[K" << std::flush;
         m_isDrawn = false;
     }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/settings/ValueNames.h"
+#include "apps/commandline/ValueNames.h"
 
 #include <algorithm>
 
@@ -24,6 +24,21 @@ std::vector<std::string> literalsOf(std::string_view valueName) {
     auto alternatives = alternativesOf(valueName);
     std::erase_if(alternatives, [](std::string const& text) { return !isLiteral(text); });
     return alternatives;
+}
+
+ValueKind kindOf(std::string_view valueName) {
+    if (valueName.empty()) {
+        return ValueKind::flag;
+    }
+    if (!literalsOf(valueName).empty()) {
+        return ValueKind::words;
+    }
+    for (std::string_view const fileName : {"FILE", "SRC", "PATH"}) {
+        if (valueName.ends_with(fileName)) {
+            return ValueKind::file;
+        }
+    }
+    return valueName == "DIR" ? ValueKind::folder : ValueKind::other;
 }
 
 } // namespace Quorvane

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvscan/OrderedPool.h"
+#include "apps/input/OrderedPool.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Quorvane {
@@ -16,9 +17,10 @@ constexpr std::size_t batchBytes = std::size_t{1} << 20;
 
 } // namespace
 
-OrderedPool::OrderedPool(unsigned int threads, Work work, Sink sink)
-    : m_work(std::move(work)), m_sink(std::move(sink)), m_maxBatches(threads * batchesPerThread),
-      m_open(std::make_unique<Batch>()) {
+OrderedPool::OrderedPool(unsigned int threads, Work work)
+    : m_work(std::move(work)), m_open(std::make_unique<Batch>()) {
+    threads = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
+    m_maxBatches = threads * batchesPerThread;
     for (unsigned int i = 0; i < threads; ++i) {
         m_threads.emplace_back(&OrderedPool::run, this);
     }
@@ -100,16 +102,15 @@ void OrderedPool::run() {
     }
 }
 
+// What is thrown for a message comes out in its turn.
 void OrderedPool::workOn(Batch& batch) {
-    try {
-        batch.m_results.reserve(batch.m_items.size());
-        for (auto const& item : batch.m_items) {
+    for (auto const& item : batch.m_items) {
+        try {
             batch.m_results.push_back(m_work(item));
+        } catch (...) {
+            batch.m_results.emplace_back(
+                [thrown = std::current_exception()]() -> bool { std::rethrow_exception(thrown); });
         }
-    } catch (...) {
-        std::lock_guard const lock(m_mutex);
-        m_thrown = std::current_exception();
-        m_isStopped = true;
     }
 }
 
@@ -125,7 +126,7 @@ void OrderedPool::deliver(std::unique_lock<std::mutex>& lock) {
         m_bytes -= batch->m_bytes;
         bool const isWanted = !m_isStopped;
         lock.unlock();
-        bool const isGoingOn = isWanted && hand(*batch);
+        bool const isGoingOn = isWanted && handOn(*batch);
         lock.lock();
         m_isStopped = m_isStopped || !isGoingOn;
         m_hasRoom.notify_one();
@@ -133,19 +134,15 @@ void OrderedPool::deliver(std::unique_lock<std::mutex>& lock) {
     m_isDelivering = false;
 }
 
-bool OrderedPool::hand(Batch const& batch) {
+bool OrderedPool::handOn(Batch const& batch) {
     try {
-        for (auto const& result : batch.m_results) {
-            if (!m_sink(result)) {
-                return false;
-            }
-        }
+        return std::all_of(batch.m_results.begin(), batch.m_results.end(),
+                           [](Hand const& hand) { return hand(); });
     } catch (...) {
         std::lock_guard const lock(m_mutex);
         m_thrown = std::current_exception();
         return false;
     }
-    return true;
 }
 
 } // namespace Quorvane

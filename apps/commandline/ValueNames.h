@@ -18,4 +18,8 @@ bool isLiteral(std::string_view alternative);
 // The alternatives that are written as they stand: "system" and "off".
 std::vector<std::string> literalsOf(std::string_view valueName);
 
+// What a shell can offer for a value.
+enum class ValueKind { flag, words, file, folder, other };
+ValueKind kindOf(std::string_view valueName);
+
 } // namespace Quorvane

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The command line of a program as a table. The parser, the help, the manual page and the
+// completions of the shells draw on it, so that they cannot drift apart. Plain values; texts are
+// literals.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane {
+
+// What an option or argument takes, added up.
+namespace Takes {
+inline constexpr unsigned required = 1;
+// Each time it is given counts; otherwise the last does.
+inline constexpr unsigned repeatable = 2;
+// All words up to the next option, as a shell's wildcards give them. Repeatable, too.
+inline constexpr unsigned several = 4 | repeatable;
+// Any text, the empty one too: whoever reads it checks it.
+inline constexpr unsigned anyText = 8;
+} // namespace Takes
+
+struct OptionRow {
+    std::string_view m_name; // without "--"; of an argument, which is known by its place, as shown
+    // As ValueNames.h has it; empty for a flag; in brackets when it may be left out.
+    std::string_view m_valueName;
+    std::string_view m_help;
+    unsigned m_traits = 0;
+    char m_letter = '\0'; // as in "-h"; NUL: none
+    // Heading in the help and section of the manual page; empty: the command's own.
+    std::string_view m_group = {};
+
+    bool is(unsigned trait) const { return (m_traits & trait) == trait; }
+    bool isFlag() const { return m_valueName.empty(); }
+    bool isValueOptional() const {
+        return m_valueName.starts_with('[') && m_valueName.ends_with(']');
+    }
+    std::string dashed() const { return "--" + std::string(m_name); }
+};
+
+struct CommandRow {
+    std::string_view m_name; // empty: the program itself
+    std::string_view m_summary;
+    std::vector<OptionRow> m_arguments = {};
+    std::vector<OptionRow> m_options = {};
+    // The end of the help: what else to know, and an example.
+    std::string_view m_footer = {};
+};
+
+struct ProgramTable {
+    std::string_view m_name;
+    CommandRow m_own;
+    std::vector<CommandRow> m_commands = {}; // empty: the program does one thing
+};
+
+// Rows that every program has; help is taken after every command too.
+inline constexpr OptionRow helpRow{"help", "", "show this", 0, 'h'};
+inline constexpr OptionRow versionRow{"version", "", "show the version"};
+
+} // namespace Quorvane

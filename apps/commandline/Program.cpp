@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/commandline/Program.h"
+
+#include "apps/commandline/Help.h"
+#include "apps/text/Utf8.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace Quorvane {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+int s_run(ProgramTable const& program, Words const& words, int (*run)(CommandLine const&)) {
+    auto const line = parseCommandLine(program, words);
+    if (line.has(helpRow.m_name)) {
+        printOutput(helpText(program, line.command()));
+    } else if (line.has(versionRow.m_name)) {
+        printOutput(std::string(program.m_name) + " " QV_VERSION "\n");
+    } else {
+        return run(line);
+    }
+    return ExitStatus::ok;
+}
+
+int s_fail(ProgramTable const& program, std::string const& text, int status) {
+    std::cerr << program.m_name << ": " << toPrintableLines(text) << '\n';
+    return status;
+}
+
+// The command line that says how it is done.
+std::string s_helpCommand(ProgramTable const& program, Words const& words) {
+    auto const& commands = program.m_commands;
+    bool const hasCommand =
+        !words.empty() && std::any_of(commands.begin(), commands.end(),
+                                      [&words](auto const& row) { return row.m_name == words[0]; });
+    return std::string(program.m_name) + (hasCommand ? ' ' + words[0] : "") + " --help";
+}
+
+} // namespace
+
+int runProgram(ProgramTable const& program, int argc, char const* const* argv,
+               int (*run)(CommandLine const& line)) {
+    Words const words(argv + std::min(argc, 1), argv + argc);
+    try {
+        return s_run(program, words, run);
+    } catch (UsageError const& error) {
+        return s_fail(program,
+                      toPrintable(error.what()) + "\n\"" + s_helpCommand(program, words) +
+                          "\" shows the options.",
+                      error.status());
+    } catch (ProgramError const& error) {
+        return s_fail(program, error.what(), error.status());
+    } catch (std::exception const& error) {
+        return s_fail(program, std::string("unexpected: ") + error.what(), ExitStatus::internal);
+    }
+}
+
+void printOutput(std::string const& text) {
+    std::cout << text << std::flush;
+    if (!std::cout) {
+        throw ProgramError(ExitStatus::cannotWrite, "standard output: cannot be written");
+    }
+}
+
+} // namespace Quorvane

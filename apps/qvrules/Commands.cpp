@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/qvrules/Commands.h"
+
+#include "apps/settings/FactsTable.h"
+#include "apps/settings/SettingOptions.h"
+#include "apps/settings/SettingsTable.h"
+
+#include <algorithm>
+
+namespace Quorvane::RulesApp {
+
+HostSettings hostSettings(CommandLine const& line) {
+    SettingsStore settings;
+    SettingsSection* const sections[] = {&settings};
+    readSettings(line, "qvrules", sections);
+    return settings.values();
+}
+
+MessageFacts messageFacts(CommandLine const& line) {
+    FactsStore facts;
+    takeOptions(line, facts);
+    return facts.values();
+}
+
+bool hasFacts(CommandLine const& line) {
+    auto const rows = factRows();
+    return std::any_of(rows.begin(), rows.end(),
+                       [&line](auto const& row) { return line.has(row.m_facts.m_name); });
+}
+
+} // namespace Quorvane::RulesApp

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// SettingRow: one setting of a program: its name in the settings file and, after "--", on the
+// command line, and the field of a record that holds its value. The settings file, the command
+// line, --show-config, the help, the manual page and the completion all draw on such rows. The
+// record is the program's own:
+//
+//   settingRow<Site>({"relay", SettingKind::text, "HOST", "next relay"},
+//                    [](auto& site) -> auto& { return site.m_relay; })
+//
+// Plain functions without state.
+#pragma once
+
+#include "apps/settings/SettingValue.h"
+
+#include <string>
+#include <string_view>
+
+namespace Quorvane {
+
+enum class SettingKind {
+    text,
+    path, // in a settings file relative to the file's folder
+    number,
+    integer,
+    list, // of texts; repeatable on the command line
+};
+
+// What there is to say about a setting, whatever record it belongs to.
+struct SettingFacts {
+    std::string_view m_name;
+    SettingKind m_kind;
+    std::string_view m_valueName; // as ValueNames.h has it
+    std::string_view m_help;
+    // It says how rules judge, whatever the mail and the relays are.
+    bool m_isOfRules = false;
+};
+
+template<typename Record>
+struct SettingRow {
+    SettingFacts m_facts;
+    // Takes one value; of a list one more element. Throws a SettingsError.
+    void (*m_assign)(Record& record, std::string const& text);
+    // The value or the elements as assign would take them.
+    SettingTexts (*m_show)(Record const& record);
+    // Puts the default back; a list is empty then.
+    void (*m_reset)(Record& record);
+};
+
+// `access` finds the field in a record; `check` throws a SettingsError for a text that the field
+// could hold and the setting does not take. Both are lambdas without captures.
+template<typename Record, typename Access, typename Check>
+constexpr SettingRow<Record> settingRow(SettingFacts const& facts, Access /*access*/,
+                                        Check /*check*/) {
+    return {facts,
+            [](Record& record, std::string const& text) {
+                Check{}(text);
+                readSetting(text, Access{}(record));
+            },
+            [](Record const& record) { return settingTexts(Access{}(record)); },
+            [](Record& record) {
+                Record fresh;
+                Access{}(record) = Access{}(fresh);
+            }};
+}
+
+template<typename Record, typename Access>
+constexpr SettingRow<Record> settingRow(SettingFacts const& facts, Access access) {
+    return settingRow<Record>(facts, access, [](std::string const& /*text*/) {});
+}
+
+} // namespace Quorvane

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The values of settings as text: read whole or not at all, and shown so that they read back as the
+// same. Pure functions.
+#pragma once
+
+#include "apps/commandline/ProgramError.h"
+#include "platform/EmailAddress.h"
+#include "platform/IPPrefix.h"
+#include "platform/ReputationTable.h"
+
+#include <concepts>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Quorvane {
+
+// A value that a setting does not take, or a settings file that is wrong.
+class SettingsError : public ProgramError {
+  public:
+    explicit SettingsError(std::string const& text) : ProgramError(ExitStatus::config, text) {}
+};
+
+// Both throw a SettingsError that shows the text and what would be right.
+double readNumber(std::string const& text);
+long long readInteger(std::string const& text, long long low, long long high);
+
+// Each reads a text into a field of a record, or throws a SettingsError. A list takes one more
+// element; a text without an address makes the address null, as an empty envelope sender is.
+void readSetting(std::string const& text, std::string& field);
+void readSetting(std::string const& text, std::optional<std::string>& field);
+void readSetting(std::string const& text, double& field);
+void readSetting(std::string const& text, EmailAddress& field);
+void readSetting(std::string const& text, IPPrefix& field);
+void readSetting(std::string const& text, ReputationTable::Entry& field); // "192.0.2.0/24=7"
+
+template<std::integral Number>
+void readSetting(std::string const& text, Number& field) {
+    using Limits = std::numeric_limits<Number>;
+    field = static_cast<Number>(readInteger(text, Limits::min(), Limits::max()));
+}
+
+template<typename Element>
+void readSetting(std::string const& text, std::vector<Element>& list) {
+    Element element;
+    readSetting(text, element);
+    list.push_back(element);
+}
+
+// The same back.
+using SettingTexts = std::vector<std::string>;
+SettingTexts settingTexts(std::string const& value);
+SettingTexts settingTexts(std::optional<std::string> const& value);
+SettingTexts settingTexts(double value);
+SettingTexts settingTexts(EmailAddress const& value);
+SettingTexts settingTexts(IPPrefix const& value);
+SettingTexts settingTexts(ReputationTable::Entry const& value);
+
+template<std::integral Number>
+SettingTexts settingTexts(Number value) {
+    return {std::to_string(value)};
+}
+
+template<typename Element>
+SettingTexts settingTexts(std::vector<Element> const& list) {
+    SettingTexts texts;
+    for (auto const& element : list) {
+        texts.push_back(settingTexts(element).front());
+    }
+    return texts;
+}
+
+} // namespace Quorvane

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// SettingsSection: the settings of one table of the settings file, the values in force and where
+// each came from. Values are put on in layers, later ones win: defaults, settings file, command
+// line. A list is replaced as a whole. Used at start, on one thread.
+//
+// A program has the section that all share (SettingsTable.h), whose keys stand at the top of the
+// file, and may have one of its own below [its-name], of rows and a record of its own.
+#pragma once
+
+#include "apps/settings/SettingRow.h"
+
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quorvane {
+
+class SettingsSection {
+  public:
+    virtual ~SettingsSection() = default;
+
+    // Of the table; empty: the top of the file.
+    std::string_view title() const { return m_title; }
+    std::vector<SettingFacts> const& facts() const { return m_facts; }
+    // Null when there is none.
+    SettingFacts const* find(std::string_view name) const;
+
+    // Replaces a value. `name` is one of the section. Throws a SettingsError ("name: what is
+    // wrong"); the setting may then be half set.
+    void set(std::string_view name, SettingTexts const& texts, std::string const& origin);
+    // The two steps of it: the default, or the empty list, and one text.
+    void reset(std::string_view name, std::string const& origin);
+    void add(std::string_view name, std::string const& text);
+
+    SettingTexts texts(std::string_view name) const;
+    // "default", "command line", or file and line.
+    std::string origin(std::string_view name) const;
+
+    // The section as a settings file that gives just these, each with its origin in a comment.
+    std::string asToml() const;
+
+  protected:
+    SettingsSection(std::string_view title, std::vector<SettingFacts> facts);
+    SettingsSection(SettingsSection const&) = default;
+    SettingsSection& operator=(SettingsSection const&) = default;
+
+  private:
+    std::size_t rowOf(std::string_view name) const;
+    // By the index of the row.
+    virtual void assignRow(std::size_t row, std::string const& text) = 0;
+    virtual SettingTexts showRow(std::size_t row) const = 0;
+    virtual void resetRow(std::size_t row) = 0;
+
+    std::string_view m_title;
+    std::vector<SettingFacts> m_facts;
+    std::map<std::string, std::string, std::less<>> m_origins;
+};
+
+template<typename Record>
+std::vector<SettingFacts> factsOf(std::span<SettingRow<Record> const> rows) {
+    std::vector<SettingFacts> facts;
+    for (auto const& row : rows) {
+        facts.push_back(row.m_facts);
+    }
+    return facts;
+}
+
+template<typename Record>
+class Settings : public SettingsSection {
+  public:
+    using Rows = std::span<SettingRow<Record> const>;
+
+    // `title` and `rows` are constants.
+    Settings(std::string_view title, Rows rows)
+        : SettingsSection(title, factsOf(rows)), m_rows(rows) {}
+
+    Record const& values() const { return m_values; }
+
+  private:
+    void assignRow(std::size_t row, std::string const& text) override {
+        m_rows[row].m_assign(m_values, text);
+    }
+    SettingTexts showRow(std::size_t row) const override { return m_rows[row].m_show(m_values); }
+    void resetRow(std::size_t row) override { m_rows[row].m_reset(m_values); }
+
+    Rows m_rows;
+    Record m_values;
+};
+
+} // namespace Quorvane
