@@ -3,9 +3,7 @@
 
 #include "apps/page/Escape.h"
 #include "apps/page/TextWidth.h"
-
-#include <array>
-#include <charconv>
+#include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Charts {
 
@@ -42,15 +40,11 @@ std::string_view s_word(Anchor anchor) {
 } // namespace
 
 std::string coordinate(double value) {
-    std::array<char, 32> text{};
-    auto const end =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 1)
-            .ptr;
-    std::string_view shown(text.data(), static_cast<std::size_t>(end - text.data()));
+    auto shown = Rules::fixedText(value, 1);
     if (shown.ends_with(".0")) {
-        shown.remove_suffix(2);
+        shown.resize(shown.size() - 2);
     }
-    return std::string(shown == "-0" ? "0" : shown);
+    return shown == "-0" ? "0" : shown;
 }
 
 void Drawing::line(Point from, Point to, std::string_view classes) {

@@ -38,6 +38,11 @@ struct OptionRow {
         return m_valueName.starts_with('[') && m_valueName.ends_with(']');
     }
     std::string dashed() const { return "--" + std::string(m_name); }
+    OptionRow in(std::string_view group) const {
+        auto row = *this;
+        row.m_group = group;
+        return row;
+    }
 };
 
 struct CommandRow {

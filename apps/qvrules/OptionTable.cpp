@@ -213,8 +213,7 @@ std::vector<SettingFacts> s_settings(bool (*isTaken)(SettingFacts const&)) {
 // The command for mail that is scanned with the settings of the site.
 CommandRow s_scanning(CommandRow row) {
     constexpr std::string_view group = "How mail is scanned";
-    row.m_options.push_back(configRow);
-    row.m_options.back().m_group = group;
+    row.m_options.push_back(configRow.in(group));
     addRows(row.m_options,
             s_settings([](SettingFacts const& facts) { return facts.m_name != "root"; }), group);
     return row;
@@ -250,10 +249,9 @@ constexpr std::string_view footer =
     "  qvrules diff my.qvr other.qvr --on A  see which verdicts change\n"
     "  qvrules attributes                    what rules can test\n"
     "\n"
-    "\"qvrules COMMAND --help\" says more. Exit status: 0 ok, 1 findings, 64 bad\n"
-    "usage, 65 a rule text with errors, 66 an input that cannot be opened, 70 a fault\n"
-    "of the program or of the machine, 73 an output that cannot be written, 78 bad\n"
-    "settings or rules that no engine would load.";
+    "\"qvrules COMMAND --help\" says more. Exit status: 0 ok, 1 findings, 64 usage,\n"
+    "65 a rule text with errors, 66 cannot be opened, 70 internal error, 73 cannot\n"
+    "write, 78 bad settings, or rules that no engine would load.";
 
 ProgramTable s_table() {
     ProgramTable table{"qvrules",

@@ -9,9 +9,6 @@ namespace Quorvane {
 
 namespace {
 
-constexpr std::string_view outputGroup = "Output";
-constexpr std::string_view otherGroup = "Other";
-
 constexpr std::string_view footer =
     R"(Examples:
   qvscan --explain strange.eml
@@ -19,23 +16,21 @@ constexpr std::string_view footer =
 Exit status: 0 no spam, 1 spam, 64 usage, 65 no message, 66 cannot be opened,
 70 internal error, 73 cannot write, 78 bad settings or rules.)";
 
-OptionRow s_other(OptionRow row) {
-    row.m_group = otherGroup;
-    return row;
-}
-
 std::vector<OptionRow> s_options() {
-    std::vector<OptionRow> rows{
-        {"format", "text|json|csv", "default: text on a terminal, else json", 0, '\0', outputGroup},
-        {"explain", "", "add the working record of the scan", 0, '\0', outputGroup},
-        {"progress", "", "show progress, and failed look-ups at the end (default: on a terminal)",
-         0, '\0', outputGroup},
-        {"no-progress", "", "show neither", 0, '\0', outputGroup},
+    OptionRow const output[] = {
+        {"format", "text|json|csv", "default: text on a terminal, else json"},
+        {"explain", "", "add the working record of the scan"},
+        {"progress", "", "show progress, and failed look-ups at the end (default: on a terminal)"},
+        {"no-progress", "", "show neither"},
     };
+    std::vector<OptionRow> rows;
+    for (auto const& row : output) {
+        rows.push_back(row.in("Output"));
+    }
     addRows(rows, factsOf(factRows()), "Message");
     addRows(rows, factsOf(settingRows()), "Settings");
     for (auto const& row : {configRow, showConfigRow, helpRow, versionRow}) {
-        rows.push_back(s_other(row));
+        rows.push_back(row.in("Other"));
     }
     return rows;
 }

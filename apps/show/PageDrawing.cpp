@@ -5,6 +5,7 @@
 #include "apps/show/Numbers.h"
 #include "apps/show/Page.h"
 #include "apps/show/Shades.h"
+#include "apps/text/NumberText.h"
 
 namespace Quorvane::Show {
 
@@ -14,25 +15,21 @@ std::string s_fact(std::string const& name, std::string const& value) {
     return "<div><dt>" + name + "</dt><dd>" + value + "</dd></div>";
 }
 
-std::string s_count(std::uint64_t count) {
-    return countText(static_cast<std::int64_t>(count));
-}
-
 std::string s_facts(Drawing const& drawing) {
     auto const& rules = drawing.m_rules;
     auto html = s_fact("version", rules.m_version ? std::to_string(*rules.m_version) : "none") +
-                s_fact("elite rules", s_count(rules.m_elite.size())) +
-                s_fact("nodes", s_count(rules.m_nodes.size())) +
-                s_fact("leaves", s_count(rules.leafCount())) +
-                s_fact("depth", s_count(rules.depth()));
+                s_fact("elite rules", groupedText(rules.m_elite.size())) +
+                s_fact("nodes", groupedText(rules.m_nodes.size())) +
+                s_fact("leaves", groupedText(rules.leafCount())) +
+                s_fact("depth", groupedText(rules.depth()));
     if (auto const& root = rules.m_nodes.front(); root.isCounted()) {
         html += s_fact("training messages", countText(root.m_record.value1)) +
                 s_fact("spam among them", countText(root.m_record.value2));
     }
     if (drawing.m_traffic != nullptr) {
-        html += s_fact("measured messages", s_count(drawing.m_traffic->m_messages)) +
-                s_fact("no rule decided", s_count(drawing.m_traffic->m_undecided)) +
-                s_fact("not judgeable", s_count(drawing.m_traffic->m_notJudgeable));
+        html += s_fact("measured messages", groupedText(drawing.m_traffic->m_messages)) +
+                s_fact("no rule decided", groupedText(drawing.m_traffic->m_undecided)) +
+                s_fact("not judgeable", groupedText(drawing.m_traffic->m_notJudgeable));
     }
     return "<dl class=\"facts\">" + html + "</dl>\n";
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/Drawings.h"
-#include "apps/show/Numbers.h"
+#include "apps/text/NumberText.h"
 #include "apps/text/Utf8.h"
 
 namespace Quorvane::Show {
@@ -16,7 +16,7 @@ std::string s_lines(std::string const& text, TextStyle const& style) {
 }
 
 std::string s_plural(std::size_t count, std::string const& one, std::string const& many) {
-    return countText(static_cast<std::int64_t>(count)) + ' ' + (count == 1 ? one : many);
+    return groupedText(count) + ' ' + (count == 1 ? one : many);
 }
 
 // "starter.qvr: version 1, 8 elite rules, 17 nodes (10 leaves), 4 deep"
@@ -38,10 +38,9 @@ std::string s_measured(Traffic const* traffic, TextStyle const& style) {
     if (traffic == nullptr) {
         return {};
     }
-    return s_lines("Measured on " + countText(static_cast<std::int64_t>(traffic->m_messages)) +
-                       " messages; no rule decided " +
-                       countText(static_cast<std::int64_t>(traffic->m_undecided)) + " of them; " +
-                       countText(static_cast<std::int64_t>(traffic->m_notJudgeable)) +
+    return s_lines("Measured on " + groupedText(traffic->m_messages) +
+                       " messages; no rule decided " + groupedText(traffic->m_undecided) +
+                       " of them; " + groupedText(traffic->m_notJudgeable) +
                        " more have no public hop to judge.",
                    style);
 }

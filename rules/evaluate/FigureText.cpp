@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/evaluate/FigureText.h"
 
-#include <iomanip>
-#include <locale>
-#include <sstream>
+#include <array>
+#include <charconv>
 
 namespace Quorvane::Rules {
 
@@ -17,10 +16,11 @@ std::string s_interval(Rate const& rate) {
 } // namespace
 
 std::string fixedText(double value, int digits) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << std::fixed << std::setprecision(digits) << value;
-    return text.str();
+    std::array<char, 512> text{}; // the largest number has 309 digits before the point
+    auto const end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                   std::chars_format::fixed, digits)
+                         .ptr;
+    return {text.data(), end};
 }
 
 std::string percentText(double share) {

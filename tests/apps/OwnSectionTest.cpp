@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A program with a table of its own in the settings file: here a mail filter's.
 #include "apps/commandline/Help.h"
+#include "apps/docgen/Completion.h"
 #include "apps/docgen/ManPage.h"
 #include "apps/settings/SettingOptions.h"
 #include "apps/settings/SettingsFile.h"
@@ -179,12 +180,13 @@ TEST_F(OwnSection, TheCommandLineWinsOverTheFile) {
     }
 }
 
-TEST_F(OwnSection, HasItsRowsInTheHelpAndInTheManualPage) {
+TEST_F(OwnSection, HasItsRowsInTheHelpTheCompletionAndTheManualPage) {
     line({});
     auto const help = helpText(m_program, m_program.m_own);
     EXPECT_THAT(help, HasSubstr("\nMail filter:\n"
                                 "  --socket SOCKET            where the server asks\n"));
     EXPECT_THAT(help, HasSubstr("\n  --exempt PREFIX            clients not looked at\n"));
+    EXPECT_THAT(Docs::bashCompletion(m_program), HasSubstr("--timeout --reject --exempt"));
     auto const page = Docs::manPage({"qvdeepheader.conf", {}},
                                     {{"", m_host.facts()}, {"milter", m_filter.facts()}},
                                     "@SETTINGS milter@\n", "1");

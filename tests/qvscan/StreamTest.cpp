@@ -70,7 +70,7 @@ TEST_F(Stream, AFullDiskIsAnError) {
     auto const command = std::string(QV_SCAN_PROGRAM) + " --root " + root() +
                          " --dns off --format json " + mbox(3) + " > /dev/full";
     auto const result = runProgram("/bin/sh", {"-c", command});
-    EXPECT_EQ(result.m_status, 74);
+    EXPECT_EQ(result.m_status, 73);
     EXPECT_EQ(result.m_errors, "qvscan: cannot write: No space left on device\n");
 }
 

@@ -133,7 +133,7 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
         {s_case("jobs = 3\n"), "5:1: a case has no key \"jobs\""},
         {s_case("node = \"3\"\n"), "5:8: node is the number of a node or of an elite rule, 0 for "
                                    "none"},
-        {s_case("node = 3000000000\n"), "5:8: node: \"3000000000\" is no whole number from "
+        {s_case("node = 3000000000\n"), "5:8: node: \"3000000000\" is not a whole number from "
                                         "-2147483648 to 2147483647"},
         {s_case("confidence = \"x\"\n"),
          "5:14: confidence is a number, or a range as in [0.9, 1.0]"},
@@ -149,7 +149,7 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
         {s_case("dns = [7]\n"), "5:8: each line of dns needs a text in quotes"},
         {s_case("trusted-mta = [\"192.0.2.1\", \"nope\"]\n"), "5:29: trusted-mta: "},
         {s_case("client-score = \"7\"\n"), "5:16: client-score needs a whole number"},
-        {s_case("client-score = -7\n"), "5:16: client-score: \"-7\" is no whole number"},
+        {s_case("client-score = -7\n"), "5:16: client-score: \"-7\" is not a whole number"},
         {s_case("env-from = \"a@b.example\"\n"),
          "5:12: this tells about a message, and the case has a vector; leave it out"},
         {"[[case]]\nvector = 3\n",
