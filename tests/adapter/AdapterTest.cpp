@@ -74,18 +74,35 @@ TEST_F(AdapterTest, AHandleTakesOverTheEnginesInitialReference) {
 
 // --- the scan -----------------------------------------------------------------------------------
 
-TEST_F(AdapterTest, AMessageThatCannotBeJudgedGetsADefaultAnswer) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.99)}));
-    Message message(received("a.example", "b.example", "10.0.0.1", "c.example"));
-    message.m_settings.spamThreshold = 0.9;
-    auto query = message.query();
-    auto const answer = engine().scanMessage(query);
-    EXPECT_EQ(answer.getNode(), 0);
-    EXPECT_EQ(answer.confidenceDegree(), -1.0F);
-    EXPECT_FALSE(answer.isSpam());
-    EXPECT_FALSE(answer.isHam());
-    EXPECT_EQ(answer.getIPs(), "");
-    EXPECT_EQ(answer.getReasons(), " No untrusted public ip! ");
+// A leaf and an elite rule that fire on every vector, so a verdict would come of any stage that
+// runs.
+TEST_F(AdapterTest, AMessageWithoutPublicHopGetsADefaultAnswerWhateverTheRules) {
+    auto const always = static_cast<std::int32_t>(Attribute::reserved4);
+    m_rules.writeTree(treeOf({leaf(always, 0, 0.99)}));
+    m_rules.writeElite(eliteHeader(2, 1, 1), {adjusting('a', 0.25), deciding(77, 0.25, 50.0)});
+    auto const scan = [this](std::string const& trail) {
+        Message message(trail);
+        message.m_settings.spamThreshold = 0.9;
+        auto query = message.query();
+        return engine().scanMessage(query);
+    };
+    EXPECT_EQ(scan(s_spamTrail()).getNode(), 3) << "these rules decide what can be judged";
+
+    for (auto const& trail :
+         {std::string(), received("a.example", "b.example", "10.0.0.1", "c.example"),
+          std::string("Received: from a.example (b.example) by c.example\n")}) {
+        SCOPED_TRACE(trail);
+        auto const answer = scan(trail);
+        EXPECT_EQ(answer.getNode(), 0);
+        EXPECT_EQ(answer.confidenceDegree(), -1.0F);
+        EXPECT_FALSE(answer.isSpam());
+        EXPECT_FALSE(answer.isHam());
+        EXPECT_EQ(answer.getIPs(), "");
+        EXPECT_EQ(answer.getReasons(), " No untrusted public ip! ");
+        auto const& record = RecordAccess::record(answer);
+        EXPECT_EQ(record.m_supportDegree, 0.0);
+        EXPECT_EQ(record.m_adjustReason, "");
+    }
 }
 
 TEST_F(AdapterTest, ASpamTrailGetsItsVerdictThroughAllStages) {

@@ -2,6 +2,7 @@
 #include "include2/Exception.h"
 #include "include2/DeepHeaderException.h"
 #include "include2/HeaderException.h"
+#include "support/VirtualSlot.h"
 
 #include <gtest/gtest.h>
 #include <type_traits>
@@ -51,6 +52,26 @@ TEST(ExceptionTest, KeepsACopyOfItsCause) {
     ASSERT_TRUE(copy.hasCause());
     EXPECT_EQ(copy.cause().stringParameter(), "inner");
     EXPECT_FALSE(copy.cause().hasCause());
+}
+
+template<typename Signature>
+std::size_t s_slot(Signature Exception::*operation) {
+    return Testing::virtualSlot(operation);
+}
+
+TEST(ExceptionTest, TheOrderOfItsVirtualOperationsIsFixed) {
+    EXPECT_EQ(s_slot<std::string const&() const>(&Exception::stringParameter), 2U);
+    EXPECT_EQ(s_slot<void(std::string const&)>(&Exception::stringParameter), 3U);
+    EXPECT_EQ(s_slot<int() const>(&Exception::intParameter), 4U);
+    EXPECT_EQ(s_slot<void(int)>(&Exception::intParameter), 5U);
+    EXPECT_EQ(s_slot<std::string const&() const>(&Exception::fileName), 6U);
+    EXPECT_EQ(s_slot<void(std::string const&)>(&Exception::fileName), 7U);
+    EXPECT_EQ(s_slot<void(char const*)>(&Exception::fileName), 8U);
+    EXPECT_EQ(s_slot<unsigned int() const>(&Exception::lineNumber), 9U);
+    EXPECT_EQ(s_slot<void(unsigned int)>(&Exception::lineNumber), 10U);
+    EXPECT_EQ(s_slot<void(Exception const&)>(&Exception::cause), 11U);
+    EXPECT_EQ(s_slot<Exception const&() const>(&Exception::cause), 12U);
+    EXPECT_EQ(s_slot<bool() const>(&Exception::hasCause), 13U);
 }
 
 TEST(ExceptionTest, EngineFailuresHaveCategory4AndTheirOwnNameAsText) {

@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "include2/QvaneRefcounted.h"
 
+#include "support/ReferenceWitness.h"
+#include "support/VirtualSlot.h"
+
+#include <array>
+#include <atomic>
 #include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 #include <rapidcheck/gtest.h>
 #include <thread>
 #include <vector>
@@ -127,6 +133,21 @@ TYPED_TEST(RefcountedTest, ImplCopyGivesAWrapperOfItsOwnOverTheSameImplementatio
     delete target;
 }
 
+TEST(RefcountedOrderTest, ImplCopyReleasesTheOldReferenceBeforeItTakesTheNew) {
+    std::optional<std::int32_t> seen;
+    RefCounted<Testing::ReferenceWitness> const source;
+    auto* target = new RefCounted<Testing::ReferenceWitness>;
+    target->impl()->watch(source.impl(), &seen);
+    RefCountedImplCopy(target, &source);
+    EXPECT_EQ(seen, 1);
+    EXPECT_EQ(source.impl()->references(), 2);
+    delete target;
+}
+
+TYPED_TEST(RefcountedTest, ComparisonIsTheVirtualOperationAfterTheDestructor) {
+    EXPECT_EQ(Testing::virtualSlot(&RefCounted<TypeParam>::operator==), 2U);
+}
+
 TYPED_TEST(RefcountedTest, WrappersCompareByIdentityNotContent) {
     RefCounted<TypeParam> const first;
     RefCounted<TypeParam> const other;
@@ -190,6 +211,70 @@ TYPED_TEST(RefcountedTest, CopiesOnManyThreadsLeaveOneReference) {
         EXPECT_EQ(handle->references(), 1);
     }
     EXPECT_EQ(deaths, 1);
+}
+
+// Runs `work` on four threads that begin together.
+void s_onManyThreads(std::function<void()> const& work) {
+    constexpr int threadCount = 4;
+    std::atomic<int> waiting{threadCount};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < threadCount; ++i) {
+        threads.emplace_back([&] {
+            --waiting;
+            while (waiting > 0) {
+                std::this_thread::yield();
+            }
+            work();
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+}
+
+// Nothing but counting, so that threads that count in two steps are sure to lose some.
+TEST(RefcountedThreadsTest, NoCountIsLostAmongThreads) {
+    constexpr int rounds = 500000;
+    RefImpl impl;
+    s_onManyThreads([&] {
+        for (int i = 0; i < rounds; ++i) {
+            impl.addReference();
+        }
+    });
+    EXPECT_EQ(impl.references(), 1 + 4 * rounds);
+    std::atomic<int> last{0};
+    s_onManyThreads([&] {
+        for (int i = 0; i < rounds; ++i) {
+            last += impl.dropReference() ? 1 : 0;
+        }
+    });
+    EXPECT_EQ(impl.references(), 1);
+    EXPECT_EQ(last, 0);
+}
+
+// What two threads wrote before they let go, summed up by the destructor.
+struct Notes : virtual RefImpl {
+    ~Notes() override { *m_sum = m_notes[0] + m_notes[1]; }
+    std::array<int, 2> m_notes{};
+    int* m_sum = nullptr;
+};
+
+// The thread that lets go last destroys the object, and has to see what the other one wrote. Where
+// the count does not order the two, ThreadSanitizer reports it whatever the machine makes of it.
+TEST(RefcountedThreadsTest, TheDestructorSeesWhatEveryThreadWroteBeforeItLetGo) {
+    int sum = 0;
+    auto* const first = new RefCounted<Notes>;
+    auto* const second = new RefCounted<Notes>(first->impl(), true);
+    first->impl()->m_sum = &sum;
+    auto const noteAndLetGo = [](RefCounted<Notes>* wrapper, std::size_t place, int note) {
+        wrapper->impl()->m_notes[place] = note;
+        delete wrapper;
+    };
+    std::thread one(noteAndLetGo, first, 0, 1);
+    std::thread other(noteAndLetGo, second, 1, 2);
+    one.join();
+    other.join();
+    EXPECT_EQ(sum, 3);
 }
 
 // Any sequence of assignments between handles keeps every count equal to the handles that share.

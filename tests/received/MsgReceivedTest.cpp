@@ -2,6 +2,7 @@
 #include "MsgReceived.h"
 #include "include2/HeaderException.h"
 #include "received/ReceivedAccess.h"
+#include "support/VirtualSlot.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -129,6 +130,14 @@ TEST(MsgReceivedTest, SelfAssignmentChangesNothing) {
     EXPECT_EQ(hop.by(), "mx.example.net");
 }
 
+TEST(MsgReceivedTest, AHandleWithoutRecordGetsAnEmptyOneEvenFromItself) {
+    MsgReceived hop;
+    auto const& same = hop;
+    hop = same;
+    ASSERT_FALSE(hop.isNull());
+    s_expectEmptyRecord(hop);
+}
+
 TEST(MsgReceivedTest, AssignmentReleasesTheOldRecordOnly) {
     MsgReceived hop{std::string(postfix)};
     MsgReceived const copy(hop);
@@ -190,6 +199,18 @@ TEST(MsgReceivedTest, ARecordOfItsOwnKindIsSharedByTheBaseClassesAssignment) {
     static_cast<TypeAndValue&>(hop) = source;
     EXPECT_EQ(&hop.from(), &source.from());
     EXPECT_NE(ReceivedAccess::fields(hop), nullptr);
+}
+
+TEST(MsgReceivedTest, TheOrderOfItsVirtualOperationsIsFixed) {
+    using Testing::virtualSlot;
+    EXPECT_EQ(virtualSlot(&MsgReceived::type), 2U);
+    EXPECT_EQ(
+        (virtualSlot<TypeAndValue, bool(TypeAndValue const&) const>(&TypeAndValue::operator==)),
+        3U);
+    EXPECT_EQ(virtualSlot(&Header::asString), 4U);
+    EXPECT_EQ(virtualSlot(&Header::newImpl), 5U);
+    EXPECT_EQ((virtualSlot<MsgReceived, MsgReceived&(Header const&)>(&MsgReceived::operator=)), 6U);
+    EXPECT_EQ((virtualSlot<Header, bool(Header const&) const>(&Header::operator==)), 7U);
 }
 
 TEST(MsgReceivedTest, AssignsThroughTheBaseClass) {

@@ -36,6 +36,18 @@ TEST(AnswerTest, CopyShowsWhatIsFilledLaterThroughAnotherHandle) {
     EXPECT_EQ(record.references(), 3);
 }
 
+TEST(AnswerTest, SpamAndHamAreTwoMarks) {
+    DeepHeaderAnswer const answer;
+    auto& record = RecordAccess::record(answer);
+    record.m_isSpam = true;
+    EXPECT_TRUE(answer.isSpam());
+    EXPECT_FALSE(answer.isHam());
+    record.m_isSpam = false;
+    record.m_isHam = true;
+    EXPECT_FALSE(answer.isSpam());
+    EXPECT_TRUE(answer.isHam());
+}
+
 TEST(AnswerTest, SelfAssignmentLeavesTheHandleAndTheCount) {
     DeepHeaderAnswer answer;
     auto const& same = answer;

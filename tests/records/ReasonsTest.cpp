@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <locale>
 
 namespace Quorvane {
 namespace {
@@ -29,6 +30,9 @@ ReasonsCase const reasonsCases[] = {
      "Node:{17} Confidence degree{ 0.97 } Support degree{ 0.4 } IP{ 192.0.2.7 } "},
     {"DecidedWithAdjustment", 17, 0.97, 0.4, "192.0.2.7", 0.05, "R",
      "Node:{17} Confidence degree{ 0.97 } Support degree{ 0.4 } IP{ 192.0.2.7 } Adjust{ 0.05, R} "},
+    {"DecidedWithNegativeAdjustment", 17, 0.97, 0.4, "192.0.2.7", -0.05, "d",
+     "Node:{17} Confidence degree{ 0.97 } Support degree{ 0.4 } IP{ 192.0.2.7 } Adjust{ -0.05, "
+     "d} "},
     {"EmptyAddressesLeaveTwoBlanks", 3, 0.5, 95.0, "", 0.0, "",
      "Node:{3} Confidence degree{ 0.5 } Support degree{ 95 } IP{  } "},
     {"NegativeNodeIsDecided", -5, 0.5, 1.0, "", 0.0, "",
@@ -56,6 +60,28 @@ TEST_P(ReasonsTest, RendersTheAnswerAsOneLine) {
     record.m_adjustReason = row.m_adjustReason;
     EXPECT_EQ(record.getReasons(), row.m_text);
     EXPECT_EQ(record.getReasons(), row.m_text) << "a second rendering differs";
+}
+
+// As a host in Central Europe sets it for its whole process.
+class GroupedDigits : public std::numpunct<char> {
+  protected:
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(ReasonsLocaleTest, TheHostsLocaleChangesNothing) {
+    DeepHeaderAnswerImpl record;
+    record.m_node = 1234567;
+    record.m_confidenceDegree = 0.97;
+    record.m_supportDegree = 12345.5;
+    record.m_adjust = -0.05;
+    record.m_adjustReason = "d";
+    auto const before = std::locale::global(std::locale(std::locale(), new GroupedDigits));
+    auto const text = record.getReasons();
+    std::locale::global(before);
+    EXPECT_EQ(text, "Node:{1234567} Confidence degree{ 0.97 } Support degree{ 12345.5 } IP{  } "
+                    "Adjust{ -0.05, d} ");
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ReasonsTest, testing::ValuesIn(reasonsCases),

@@ -31,6 +31,10 @@ INSTANTIATE_TEST_SUITE_P(
                     NearestCase{"nothing at all", "", ""},
                     NearestCase{"no word that long is a slip", std::string(5000, 'a'), ""}));
 
+TEST(NearestTest, SwappedNeighboursAreOneSlip) {
+    EXPECT_EQ(nearestWord("form", {"farms", "from"}), "from");
+}
+
 TEST(NearestTest, OffersAWordOnlyWhenThereIsOne) {
     EXPECT_EQ(didYouMean("laef", {"leaf"}), "; did you mean \"leaf\"?");
     EXPECT_EQ(didYouMean("umbrella", {"leaf"}), "");

@@ -26,7 +26,10 @@ INSTANTIATE_TEST_SUITE_P(
                     ReadmeCase{"CF_DT_VERSION=3\nCF_DT_VERSION=5\n", 3},
                     ReadmeCase{"it is CF_DT_VERSION= +7th\n", 7}, ReadmeCase{"CF_DT_VERSION=\n", 0},
                     ReadmeCase{"CF_DT_VERSION=x\n", 0}, ReadmeCase{"CF_DT_VERSION=-1\n", -1},
-                    ReadmeCase{"CF_DT_VERSION=4294967298\n", 2}));
+                    ReadmeCase{"CF_DT_VERSION=4294967298\n", 2},
+                    ReadmeCase{"CF_DT_VERSION=010\n", 10}, ReadmeCase{"CF_DT_VERSION=0x10\n", 0},
+                    ReadmeCase{" #CF_DT_VERSION=7\nCF_DT_VERSION=8\n", 7},
+                    ReadmeCase{"\t#CF_DT_VERSION=7\nCF_DT_VERSION=8\n", 7}));
 
 TEST(ReadmeTextTest, HoldsTheVersionAndNothingThatLooksLikeAnotherOne) {
     for (auto const version : {0, 1, -7, std::numeric_limits<std::int32_t>::max(),
