@@ -3,17 +3,20 @@
 
 #include "apps/settings/FactsTable.h"
 #include "apps/settings/SettingOptions.h"
-#include "apps/settings/SettingsTable.h"
 
 #include <algorithm>
 
 namespace Quorvane::RulesApp {
 
-HostSettings hostSettings(CommandLine const& line) {
+SettingsStore settingsStore(CommandLine const& line) {
     SettingsStore settings;
     SettingsSection* const sections[] = {&settings};
     readSettings(line, "qvrules", sections);
-    return settings.values();
+    return settings;
+}
+
+HostSettings hostSettings(CommandLine const& line) {
+    return settingsStore(line).values();
 }
 
 MessageFacts messageFacts(CommandLine const& line) {

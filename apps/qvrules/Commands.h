@@ -7,8 +7,8 @@
 
 #include "apps/commandline/CommandLine.h"
 #include "apps/commandline/ProgramError.h"
-#include "apps/settings/HostSettings.h"
 #include "apps/settings/MessageFacts.h"
+#include "apps/settings/SettingsTable.h"
 
 namespace Quorvane::RulesApp {
 
@@ -25,8 +25,9 @@ int test(CommandLine const& line);
 int diff(CommandLine const& line);
 int listAttributes(CommandLine const& line);
 
-// What several of them take. Both throw a UsageError, the first a SettingsError for a settings file
-// that is no good.
+// What several of them take. Each throws a UsageError, and a SettingsError for a settings file that
+// is no good.
+SettingsStore settingsStore(CommandLine const& line);
 HostSettings hostSettings(CommandLine const& line);
 MessageFacts messageFacts(CommandLine const& line);
 bool hasFacts(CommandLine const& line);

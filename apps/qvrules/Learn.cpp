@@ -72,15 +72,6 @@ void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& count
     }
 }
 
-void s_checkUsage(LearnArguments const& arguments) {
-    if (arguments.isEmpty()) {
-        throw UsageError("give training mail (--ham, --spam) or vectors (--vectors)");
-    }
-    if (arguments.m_output.empty() && arguments.m_table.empty()) {
-        throw UsageError("give -o SRC for rules or --table FILE for the vectors");
-    }
-}
-
 Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings const& settings,
                            Rules::PruningPlan const& plan) {
     Progress progress("qvrules");
@@ -95,22 +86,29 @@ Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings
 } // namespace
 
 int learn(CommandLine const& line) {
-    auto const arguments = learnArguments(line);
-    s_checkUsage(arguments);
-    // Before hours of scanning: is all else right?
-    auto const settings = learnSettings(arguments);
-    auto const plan = pruningPlan(arguments);
-    auto const before = s_textBefore(arguments.m_with);
-    requireWritable(arguments.m_output);
-    requireWritable(arguments.m_table);
-    TrainingMailCounts counts;
-    auto const table = gatherMail(trainingMail(arguments), counts).m_sorted;
-    if (!arguments.m_table.empty()) {
-        s_writeTable(arguments.m_table, table);
+    auto const mail = trainingMail(line);
+    auto const output = line.text("output");
+    auto const tablePath = line.text("table");
+    if (mail.m_paths.isEmpty()) {
+        throw UsageError("give training mail (--ham, --spam) or vectors (--vectors)");
     }
-    if (!arguments.m_output.empty()) {
+    if (output.empty() && tablePath.empty()) {
+        throw UsageError("give -o SRC for rules or --table FILE for the vectors");
+    }
+    // Before hours of scanning: is all else right?
+    auto const settings = learnSettings(line);
+    auto const plan = pruningPlan(line);
+    auto const before = s_textBefore(line.text("with"));
+    requireWritable(output);
+    requireWritable(tablePath);
+    TrainingMailCounts counts;
+    auto const table = gatherMail(mail, counts).m_sorted;
+    if (!tablePath.empty()) {
+        s_writeTable(tablePath, table);
+    }
+    if (!output.empty()) {
         auto const learned = s_learn(table, settings, plan);
-        writeOutput(arguments.m_output,
+        writeOutput(output,
                     before + Rules::learnedComment(table, settings, learned) + s_treeText(learned));
         s_report(learned, counts, table);
     }

@@ -5,7 +5,6 @@
 #include "rules/vectors/LearnError.h"
 
 #include <charconv>
-#include <limits>
 
 namespace Quorvane::RulesApp {
 
@@ -19,11 +18,12 @@ void s_turnLookupsOff(CommandLine const& line, HostSettings& host) {
     host.m_dns = "off";
 }
 
-template<typename Value, typename Read>
-void s_readNumber(CommandLine const& line, std::string const& name, Value& value, Read read) {
+// Leaves the default where nothing is given.
+template<typename Number>
+void s_readNumber(CommandLine const& line, std::string const& name, Number& number) {
     try {
         if (line.has(name)) {
-            value = static_cast<Value>(read(line.text(name)));
+            readSetting(line.text(name), number);
         }
     } catch (SettingsError const& error) {
         throw UsageError("--" + name + ": " + error.what());
@@ -32,42 +32,18 @@ void s_readNumber(CommandLine const& line, std::string const& name, Value& value
 
 } // namespace
 
-LearnArguments learnArguments(CommandLine const& line) {
-    LearnArguments arguments;
-    static_cast<MailPaths&>(arguments) = mailPaths(line);
-    arguments.m_output = line.text("output");
-    arguments.m_table = line.text("table");
-    arguments.m_with = line.text("with");
-    arguments.m_augment = line.text("augment");
-    arguments.m_impurity = line.text("impurity", arguments.m_impurity);
-    s_readNumber(line, "min-node-support", arguments.m_minSupport, readNumber);
-    s_readNumber(line, "min-gain", arguments.m_minGain, readNumber);
-    s_readNumber(line, "max-nodes", arguments.m_maxNodes, [](std::string const& text) {
-        using Limits = std::numeric_limits<int>;
-        return readInteger(text, Limits::min(), Limits::max());
-    });
-    arguments.m_prune = line.text("prune", arguments.m_prune);
-    arguments.m_exclude = line.texts("exclude");
-    arguments.m_lookups = line.has("lookups");
-    arguments.m_host = hostSettings(line);
-    if (!arguments.m_lookups) {
-        s_turnLookupsOff(line, arguments.m_host);
-    }
-    return arguments;
-}
-
-Rules::LearnSettings learnSettings(LearnArguments const& arguments) {
+Rules::LearnSettings learnSettings(CommandLine const& line) {
     Rules::LearnSettings settings;
     settings.m_impurity =
-        arguments.m_impurity == "gini" ? Rules::ImpurityKind::gini : Rules::ImpurityKind::entropy;
-    settings.m_minSupport = arguments.m_minSupport;
-    settings.m_minGain = arguments.m_minGain;
-    settings.m_maxNodes = arguments.m_maxNodes;
-    if (arguments.m_lookups) {
+        line.text("impurity") == "gini" ? Rules::ImpurityKind::gini : Rules::ImpurityKind::entropy;
+    s_readNumber(line, "min-node-support", settings.m_minSupport);
+    s_readNumber(line, "min-gain", settings.m_minGain);
+    s_readNumber(line, "max-nodes", settings.m_maxNodes);
+    if (line.has("lookups")) {
         settings.m_attributes.fill(true);
     }
     try {
-        for (auto const& name : arguments.m_exclude) {
+        for (auto const& name : line.texts("exclude")) {
             Rules::selectAttribute(settings.m_attributes, name, false);
         }
         Rules::checkSettings(settings);
@@ -77,8 +53,8 @@ Rules::LearnSettings learnSettings(LearnArguments const& arguments) {
     return settings;
 }
 
-Rules::PruningPlan pruningPlan(LearnArguments const& arguments) {
-    auto const& text = arguments.m_prune;
+Rules::PruningPlan pruningPlan(CommandLine const& line) {
+    auto const text = line.text("prune", "minimum");
     if (text == "minimum") {
         return Rules::PruningRule::minimum;
     }
@@ -98,11 +74,12 @@ Rules::PruningPlan pruningPlan(LearnArguments const& arguments) {
     return alpha;
 }
 
-TrainingMail trainingMail(LearnArguments const& arguments) {
-    TrainingMail mail;
-    mail.m_paths = arguments;
-    mail.m_copies = arguments.m_augment.empty() ? Copies::none : Copies::together;
-    mail.m_host = arguments.m_host;
+TrainingMail trainingMail(CommandLine const& line) {
+    TrainingMail mail{mailPaths(line), line.has("augment") ? Copies::together : Copies::none,
+                      hostSettings(line)};
+    if (!line.has("lookups")) {
+        s_turnLookupsOff(line, mail.m_host);
+    }
     return mail;
 }
 

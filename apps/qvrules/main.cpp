@@ -3,7 +3,6 @@
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/OptionTable.h"
 #include "apps/settings/SettingOptions.h"
-#include "apps/settings/SettingsTable.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/model/RuleError.h"
@@ -41,10 +40,7 @@ int s_showConfig(CommandLine const& line) {
     if (!line.has(showConfigRow.m_name)) {
         throw UsageError("a command is missing");
     }
-    SettingsStore settings;
-    SettingsSection* const sections[] = {&settings};
-    readSettings(line, "qvrules", sections);
-    printOutput(settings.asToml());
+    printOutput(settingsStore(line).asToml());
     return ExitStatus::ok;
 }
 

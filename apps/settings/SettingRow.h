@@ -5,8 +5,7 @@
 // line, --show-config, the help, the manual page and the completion all draw on such rows. The
 // record is the program's own:
 //
-//   settingRow<Site>({"relay", SettingKind::text, "HOST", "next relay"},
-//                    [](auto& site) -> auto& { return site.m_relay; })
+//   settingRow<&Site::m_relay>({"relay", SettingKind::text, "HOST", "next relay"})
 //
 // Plain functions without state.
 #pragma once
@@ -39,6 +38,9 @@ struct SettingFacts {
 template<typename Record>
 struct SettingRow {
     SettingFacts m_facts;
+    // Throws a SettingsError for a text that the field could hold and the setting does not take;
+    // null: it takes all.
+    void (*m_check)(std::string const& text);
     // Takes one value; of a list one more element. Throws a SettingsError.
     void (*m_assign)(Record& record, std::string const& text);
     // The value or the elements as assign would take them.
@@ -47,26 +49,33 @@ struct SettingRow {
     void (*m_reset)(Record& record);
 };
 
-// `access` finds the field in a record; `check` throws a SettingsError for a text that the field
-// could hold and the setting does not take. Both are lambdas without captures.
-template<typename Record, typename Access, typename Check>
-constexpr SettingRow<Record> settingRow(SettingFacts const& facts, Access /*access*/,
-                                        Check /*check*/) {
-    return {facts,
-            [](Record& record, std::string const& text) {
-                Check{}(text);
-                readSetting(text, Access{}(record));
-            },
-            [](Record const& record) { return settingTexts(Access{}(record)); },
-            [](Record& record) {
-                Record fresh;
-                Access{}(record) = Access{}(fresh);
-            }};
+template<typename Record, typename Field>
+Record recordOf(Field Record::*);
+
+template<auto Member, auto... Inner>
+auto& fieldOf(auto& record) {
+    if constexpr (sizeof...(Inner) == 0) {
+        return record.*Member;
+    } else {
+        return fieldOf<Inner...>(record.*Member);
+    }
 }
 
-template<typename Record, typename Access>
-constexpr SettingRow<Record> settingRow(SettingFacts const& facts, Access access) {
-    return settingRow<Record>(facts, access, [](std::string const& /*text*/) {});
+// The field is a member of the record, or an inner one of that member.
+template<auto Member, auto... Inner>
+constexpr auto settingRow(SettingFacts const& facts,
+                          void (*check)(std::string const& text) = nullptr) {
+    using Record = decltype(recordOf(Member));
+    return SettingRow<Record>{
+        facts, check,
+        [](Record& record, std::string const& text) {
+            readSetting(text, fieldOf<Member, Inner...>(record));
+        },
+        [](Record const& record) { return settingTexts(fieldOf<Member, Inner...>(record)); },
+        [](Record& record) {
+            Record fresh;
+            fieldOf<Member, Inner...>(record) = fieldOf<Member, Inner...>(fresh);
+        }};
 }
 
 } // namespace Quorvane

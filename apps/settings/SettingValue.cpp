@@ -40,14 +40,6 @@ long long readInteger(std::string const& text, long long low, long long high) {
     return value;
 }
 
-void readSetting(std::string const& text, std::string& field) {
-    field = text;
-}
-
-void readSetting(std::string const& text, std::optional<std::string>& field) {
-    field = text;
-}
-
 void readSetting(std::string const& text, double& field) {
     field = readNumber(text);
 }

@@ -29,12 +29,17 @@ long long readInteger(std::string const& text, long long low, long long high);
 
 // Each reads a text into a field of a record, or throws a SettingsError. A list takes one more
 // element; a text without an address makes the address null, as an empty envelope sender is.
-void readSetting(std::string const& text, std::string& field);
-void readSetting(std::string const& text, std::optional<std::string>& field);
 void readSetting(std::string const& text, double& field);
 void readSetting(std::string const& text, EmailAddress& field);
 void readSetting(std::string const& text, IPPrefix& field);
 void readSetting(std::string const& text, ReputationTable::Entry& field); // "192.0.2.0/24=7"
+
+// A text, which may be optional.
+template<typename Field>
+requires std::assignable_from<Field&, std::string const&>
+void readSetting(std::string const& text, Field& field) {
+    field = text;
+}
 
 template<std::integral Number>
 void readSetting(std::string const& text, Number& field) {

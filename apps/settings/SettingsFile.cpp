@@ -3,14 +3,11 @@
 
 #include "apps/settings/TomlSettings.h"
 #include "rules/language/Nearest.h"
+#include "rules/model/Files.h"
+#include "rules/model/RuleError.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <sstream>
 
 namespace Quorvane {
 
@@ -26,17 +23,12 @@ bool s_isProgramTable(std::string_view title) {
            std::end(programTables);
 }
 
-std::string s_readAll(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (file && file.peek() != std::ifstream::traits_type::eof()) {
-        text << file.rdbuf();
+std::string s_read(std::string const& path) {
+    try {
+        return Rules::readFile(path);
+    } catch (Rules::RuleError const& error) {
+        throw SettingsError(error.what());
     }
-    if (!file.is_open() || file.bad() || !std::filesystem::is_regular_file(path)) {
-        throw SettingsError(path +
-                            ": cannot be read: " + std::strerror(errno != 0 ? errno : EISDIR));
-    }
-    return text.str();
 }
 
 class FileReader {
@@ -46,7 +38,7 @@ class FileReader {
         : m_path(path), m_program(program), m_sections(sections) {}
 
     void read() const {
-        for (auto const& [name, node] : parseToml(m_path, s_readAll(m_path))) {
+        for (auto const& [name, node] : parseToml(m_path, s_read(m_path))) {
             auto* const section = find(name.str());
             bool const isTable = !name.str().empty() && section != nullptr;
             if (isTable || s_isProgramTable(name.str())) {

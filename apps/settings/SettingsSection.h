@@ -81,6 +81,9 @@ class Settings : public SettingsSection {
 
   private:
     void assignRow(std::size_t row, std::string const& text) override {
+        if (m_rows[row].m_check != nullptr) {
+            m_rows[row].m_check(text);
+        }
         m_rows[row].m_assign(m_values, text);
     }
     SettingTexts showRow(std::size_t row) const override { return m_rows[row].m_show(m_values); }

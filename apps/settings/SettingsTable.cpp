@@ -9,8 +9,13 @@ namespace Quorvane {
 
 namespace {
 
-// More threads than this is a slip of the keyboard.
-constexpr long long maxJobs = 1024;
+void s_checkJobs(std::string const& text) {
+    readInteger(text, 0, 1024); // more threads are a slip of the keyboard
+}
+
+void s_checkFlag(std::string const& text) {
+    readInteger(text, 0, 1);
+}
 
 void s_checkDns(std::string const& text) {
     auto const at = text.find('@');
@@ -28,62 +33,45 @@ void s_checkDns(std::string const& text) {
 }
 
 constexpr auto table = std::to_array<SettingRow<HostSettings>>({
-    settingRow<HostSettings>(
-        {"root", SettingKind::path, "DIR", "look rules up in DIR/var/spool/etc/antispam (/)"},
-        [](auto& s) -> auto& { return s.m_root; }),
-    settingRow<HostSettings>(
+    settingRow<&HostSettings::m_root>(
+        {"root", SettingKind::path, "DIR", "look rules up in DIR/var/spool/etc/antispam (/)"}),
+    settingRow<&HostSettings::m_judging, &DeepHeaderSettings::spamThreshold>(
         {"spam-threshold", SettingKind::number, "X", "spam from this probability on, 0..1 (0.95)",
-         true},
-        [](auto& s) -> auto& { return s.m_judging.spamThreshold; }),
-    settingRow<HostSettings>(
+         true}),
+    settingRow<&HostSettings::m_judging, &DeepHeaderSettings::hamThreshold>(
         {"ham-threshold", SettingKind::number, "X",
-         "ham from this probability of ham on, 0..1 (0.95)", true},
-        [](auto& s) -> auto& { return s.m_judging.hamThreshold; }),
-    settingRow<HostSettings>(
+         "ham from this probability of ham on, 0..1 (0.95)", true}),
+    settingRow<&HostSettings::m_judging, &DeepHeaderSettings::minSupport>(
         {"min-support", SettingKind::number, "X",
-         "percentage of training mail behind a rule (0.15)", true},
-        [](auto& s) -> auto& { return s.m_judging.minSupport; }),
-    settingRow<HostSettings>(
+         "percentage of training mail behind a rule (0.15)", true}),
+    settingRow<&HostSettings::m_judging, &DeepHeaderSettings::maxEliteLevel>(
         {"max-elite-level", SettingKind::integer, "N",
-         "leave elite rules of a higher level out (1)", true},
-        [](auto& s) -> auto& { return s.m_judging.maxEliteLevel; }),
-    settingRow<HostSettings>(
+         "leave elite rules of a higher level out (1)", true}),
+    settingRow<&HostSettings::m_judging, &DeepHeaderSettings::scoreThreshold>(
         {"score-threshold", SettingKind::integer, "N",
-         "score from which a relay ends the walk, 0..9 (6)"},
-        [](auto& s) -> auto& { return s.m_judging.scoreThreshold; }),
-    settingRow<HostSettings>(
+         "score from which a relay ends the walk, 0..9 (6)"}),
+    settingRow<&HostSettings::m_judging, &DeepHeaderSettings::walkToLeaf>(
         {"walk-to-leaf", SettingKind::integer, "0|1",
          "0: stop at the first node sure enough of spam (1)", true},
-        [](auto& s) -> auto& { return s.m_judging.walkToLeaf; },
-        [](std::string const& t) { readInteger(t, 0, 1); }),
-    settingRow<HostSettings>(
-        {"trusted-mta", SettingKind::list, "PREFIX", "a relay that is skipped along the trail"},
-        [](auto& s) -> auto& { return s.m_trusted; }),
-    settingRow<HostSettings>(
-        {"trusted-antispam-mta", SettingKind::list, "PREFIX",
-         "a relay that filters already: ends the trail"},
-        [](auto& s) -> auto& { return s.m_antiSpam; }),
-    settingRow<HostSettings>(
-        {"internal", SettingKind::list, "PREFIX", "our own relays; their hops are skipped"},
-        [](auto& s) -> auto& { return s.m_internal; }),
-    settingRow<HostSettings>(
-        {"score", SettingKind::list, "PREFIX=N", "score of relays; the longest prefix wins"},
-        [](auto& s) -> auto& { return s.m_scores; }),
-    settingRow<HostSettings>(
+        s_checkFlag),
+    settingRow<&HostSettings::m_trusted>(
+        {"trusted-mta", SettingKind::list, "PREFIX", "a relay that is skipped along the trail"}),
+    settingRow<&HostSettings::m_antiSpam>({"trusted-antispam-mta", SettingKind::list, "PREFIX",
+                                           "a relay that filters already: ends the trail"}),
+    settingRow<&HostSettings::m_internal>(
+        {"internal", SettingKind::list, "PREFIX", "our own relays; their hops are skipped"}),
+    settingRow<&HostSettings::m_scores>(
+        {"score", SettingKind::list, "PREFIX=N", "score of relays; the longest prefix wins"}),
+    settingRow<&HostSettings::m_dynamicPatterns>(
         {"dynamic-patterns", SettingKind::path, "FILE",
-         "dynamic host names, instead of the built-in list"},
-        [](auto& s) -> auto& { return s.m_dynamicPatterns; }),
-    settingRow<HostSettings>(
-        {"dns", SettingKind::text, "system|off|HOST[@PORT]", "who answers look-ups"},
-        [](auto& s) -> auto& { return s.m_dns; }, [](std::string const& t) { s_checkDns(t); }),
-    settingRow<HostSettings>(
-        {"dns-data", SettingKind::path, "FILE",
-         "zone-file lines that answer; nothing else is asked"},
-        [](auto& s) -> auto& { return s.m_dnsData; }),
-    settingRow<HostSettings>(
+         "dynamic host names, instead of the built-in list"}),
+    settingRow<&HostSettings::m_dns>(
+        {"dns", SettingKind::text, "system|off|HOST[@PORT]", "who answers look-ups"}, s_checkDns),
+    settingRow<&HostSettings::m_dnsData>({"dns-data", SettingKind::path, "FILE",
+                                          "zone-file lines that answer; nothing else is asked"}),
+    settingRow<&HostSettings::m_jobs>(
         {"jobs", SettingKind::integer, "N", "scanning threads (0: one for each core)"},
-        [](auto& s) -> auto& { return s.m_jobs; },
-        [](std::string const& t) { readInteger(t, 0, maxJobs); }),
+        s_checkJobs),
 });
 
 } // namespace

@@ -35,25 +35,18 @@ void s_checkSocket(std::string const& text) {
 }
 
 constexpr auto rows = std::to_array<SettingRow<FilterSettings>>({
-    settingRow<FilterSettings>(
-        {"socket", SettingKind::text, "SOCKET", "where the server asks"},
-        [](auto& f) -> auto& { return f.m_socket; },
-        [](std::string const& text) { s_checkSocket(text); }),
-    settingRow<FilterSettings>(
-        {"pid-file", SettingKind::path, "FILE", "file for the process id"},
-        [](auto& f) -> auto& { return f.m_pidFile; }),
-    settingRow<FilterSettings>(
-        {"share", SettingKind::number, "X", "share of the mail (0.5)"},
-        [](auto& f) -> auto& { return f.m_share; }),
-    settingRow<FilterSettings>(
-        {"timeout", SettingKind::integer, "N", "in seconds (10)"},
-        [](auto& f) -> auto& { return f.m_timeout; }),
-    settingRow<FilterSettings>(
-        {"reject", SettingKind::integer, "0|1", "refuse spam (0)"},
-        [](auto& f) -> auto& { return f.m_rejects; }),
-    settingRow<FilterSettings>(
-        {"exempt", SettingKind::list, "PREFIX", "clients not looked at"},
-        [](auto& f) -> auto& { return f.m_exempt; }),
+    settingRow<&FilterSettings::m_socket>(
+        {"socket", SettingKind::text, "SOCKET", "where the server asks"}, s_checkSocket),
+    settingRow<&FilterSettings::m_pidFile>(
+        {"pid-file", SettingKind::path, "FILE", "file for the process id"}),
+    settingRow<&FilterSettings::m_share>(
+        {"share", SettingKind::number, "X", "share of the mail (0.5)"}),
+    settingRow<&FilterSettings::m_timeout>(
+        {"timeout", SettingKind::integer, "N", "in seconds (10)"}),
+    settingRow<&FilterSettings::m_rejects>(
+        {"reject", SettingKind::integer, "0|1", "refuse spam (0)"}),
+    settingRow<&FilterSettings::m_exempt>(
+        {"exempt", SettingKind::list, "PREFIX", "clients not looked at"}),
 });
 
 class OwnSection : public testing::Test {

@@ -188,7 +188,10 @@ TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
         {{"-"}, "source,\n", 65, "-:1: column 2: unknown column ''"},
         {{"chain_brken=yes"}, "", 65, "did you mean \"chain_broken\"?"},
         {{"chain_broken=yes", "--env-from", "a@b.example"}, "", 64, "leave out --env-from"},
-        {{"-", "--message-status", "x"}, message, 64, "--message-status: \"x\" is not a whole number"},
+        {{"-", "--message-status", "x"},
+         message,
+         64,
+         "--message-status: \"x\" is not a whole number"},
         {{"-", "--dns", "nowhere"}, message, 64, "\"nowhere\" is not a resolver"},
         {{"-", "--dns-data", "no.zone"}, message, 78, "no.zone: cannot be read"},
     };
