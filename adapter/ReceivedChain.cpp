@@ -2,7 +2,7 @@
 //
 // Second stage of a scan: the hops, newest first, are classified as public, private or without
 // address; the public ones of the first run are analysed into three slots (HopAnalysis.cpp); and
-// the chain is checked for breaks behind the first public hop.
+// the chain is checked for breaks after the first public hop.
 #include "adapter/DeepHeaderAdapter.h"
 #include "adapter/ScanRecorder.h"
 
@@ -46,7 +46,7 @@ class ChainWalk {
     enum class Run : std::uint8_t { none, privateHops, publicHops };
     enum class Stage : std::uint8_t { beforeFirst, atFirst, behindFirst };
 
-    // Behind the first public hop every relay should have received from the one that handed on.
+    // After the first public hop every relay should have received from the one that handed on.
     void checkChain(MsgReceived& hop) {
         if (m_stage == Stage::beforeFirst) {
             return;
@@ -58,7 +58,7 @@ class ChainWalk {
         m_stage = Stage::behindFirst;
     }
 
-    // Neither ends nor extends a run, but slots are no longer filled behind it.
+    // Neither ends nor extends a run, but slots are no longer filled after it.
     void visitWithoutAddress() {
         record(HopRole::noAddress);
         ++m_noAddressHops;

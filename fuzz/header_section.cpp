@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Splits arbitrary bytes into header fields. The split has to agree with the length of the header
-// section, and to lose or invent no byte order: what stands behind the section changes nothing.
+// section, and to lose or invent no byte order: what stands after the section changes nothing.
 #include "Check.h"
 #include "platform/HeaderReader.h"
 
@@ -47,6 +47,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     auto const headers = HeaderReader::read(message);
     s_checkHeaders(headers, length);
     check(s_isSame(headers, HeaderReader::read(message.substr(0, length))),
-          "what stands behind the empty line changes nothing");
+          "what stands after the empty line changes nothing");
     return 0;
 }

@@ -21,7 +21,7 @@ namespace Quorvane {
 
 class QV_API HeaderReader {
   public:
-    // The header fields of `message` up to its first empty line or its end. Bytes behind the empty
+    // The header fields of `message` up to its first empty line or its end. Bytes after the empty
     // line are not looked at. One pass; each name and value is copied once.
     static HeaderContainer read(std::string_view message);
 

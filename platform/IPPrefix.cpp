@@ -34,7 +34,7 @@ std::optional<int> s_parseLength(std::string const& digits, int most) {
     return std::stoi(digits);
 }
 
-// `bytes` with every bit behind `length` set to `bit`.
+// `bytes` with every bit after `length` set to `bit`.
 Bytes s_filled(Bytes bytes, int length, bool bit) {
     for (int i = length; i < internal::addressBits; ++i) {
         auto& byte = bytes.at(static_cast<std::size_t>(i) / 8);
@@ -50,7 +50,7 @@ int s_lengthOf(std::string const& text, std::size_t slash, int most) {
     }
     auto const length = s_parseLength(text.substr(slash + 1), most);
     if (!length) {
-        s_fail(text, "the length behind \"/\" must be a number from 0 to " + std::to_string(most));
+        s_fail(text, "the length after \"/\" must be a number from 0 to " + std::to_string(most));
     }
     return *length;
 }
@@ -71,7 +71,7 @@ IPPrefix IPPrefix::parse(std::string const& text) {
     prefix.m_first = s_filled(address.bytes(), prefix.m_length, false);
     prefix.m_last = s_filled(address.bytes(), prefix.m_length, true);
     if (prefix.m_first != address.bytes()) {
-        s_fail(text, "bits are set behind the length; the range is " + prefix.asString());
+        s_fail(text, "bits are set after the length; the range is " + prefix.asString());
     }
     return prefix;
 }

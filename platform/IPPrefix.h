@@ -20,7 +20,7 @@ class QV_API IPPrefix {
     // Parses "192.0.2.0/24", "2001:db8::/32", "IPv6:2001:db8::1" or a single address (its whole
     // length). A length counts in the bits of the notation: "::ffff:192.0.2.0/120" is
     // "192.0.2.0/24". Throws an Exception of category 3 that names the text and what is wrong with
-    // it: no address, a length out of range, or bits set behind the length.
+    // it: no address, a length out of range, or bits set after the length.
     static IPPrefix parse(std::string const& text);
 
     // The lowest and the highest address of the range.

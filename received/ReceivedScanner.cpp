@@ -14,7 +14,7 @@ constexpr auto npos = std::string::npos;
 
 // Length of " by ", the marker in front of the receiving host's name.
 constexpr std::string::size_type byMarkerLength = 4;
-// Length of "helo" and of the one separator ("=", " ", ":") behind it.
+// Length of "helo" and of the one separator ("=", " ", ":") after it.
 constexpr std::string::size_type heloMarkLength = 5;
 
 constexpr std::array<char const*, 4> authenticationMarks{"authenticated bits", "authenticated as",
@@ -272,7 +272,7 @@ void ReceivedScanner::finish() {
     m_fields.m_isParsed = true;
 }
 
-// The date of an ordinary header stands behind the receiving host and is cut off by now; only a
+// The date of an ordinary header stands after the receiving host and is cut off by now; only a
 // header without one keeps it.
 void ReceivedScanner::takeReceiveTime() {
     auto const semicolon = m_text.rfind(';');

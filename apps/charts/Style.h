@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// charts.css: what a page with charts puts behind its theme.
+// charts.css: what a page with charts puts after its theme.
 #pragma once
 
 #include <string_view>

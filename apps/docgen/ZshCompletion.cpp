@@ -64,7 +64,7 @@ std::string s_argument(OptionRow const& argument, std::size_t place) {
     return "'" + start + s_escaped(argument.m_help) + ":" + s_action(argument.m_valueName) + "'";
 }
 
-// The entries of _arguments, each on a line of its own behind `indent`.
+// The entries of _arguments, each on a line of its own after `indent`.
 std::string s_entries(CommandRow const& command, std::string const& indent) {
     std::string text;
     for (auto const& option : command.m_options) {

@@ -84,7 +84,7 @@ std::string reportText(Rules::Evaluation const& evaluation, EvaluatedRules const
     std::ostringstream text;
     text << "Thresholds: spam " << rules.m_settings.spamThreshold << ", ham "
          << rules.m_settings.hamThreshold
-         << ". Rates are of judgeable messages; behind each its 95 % interval (Wilson), in "
+         << ". Rates are of judgeable messages; after each its 95 % interval (Wilson), in "
             "percent.\n\n";
     for (auto const& corpus : evaluation.m_corpora) {
         s_addCorpus(text, corpus);

@@ -25,7 +25,7 @@ namespace Quorvane::Page {
 struct Document {
     std::string m_title; // plain text, escaped when written
     std::string m_body;  // HTML; foreign text in it went through Escape.h
-    // Of files of ours, linked in by qv_embed_text (cmake/QvBuild.cmake): CSS that comes behind the
+    // Of files of ours, linked in by qv_embed_text (cmake/QvBuild.cmake): CSS that comes after the
     // theme, and a script that runs at the end of the body. Empty for none.
     std::string m_style;
     std::string m_script;

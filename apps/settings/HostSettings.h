@@ -40,7 +40,7 @@ struct HostSettings {
     std::string m_dns = "system";
     // File of zone lines; empty: none. Given, nothing else is asked.
     std::string m_dnsData;
-    // The same as lines, for programs that make them; they come behind those of the file.
+    // The same as lines, for programs that make them; they come after those of the file.
     std::vector<std::string> m_zoneLines;
     // Scanning threads; 0: one for each core.
     unsigned int m_jobs = 0;

@@ -43,7 +43,7 @@ constexpr auto table = std::to_array<SettingRow<HostSettings>>({
          "ham from this probability of ham on, 0..1 (0.95)", true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::minSupport>(
         {"min-support", SettingKind::number, "X",
-         "percentage of training mail behind a rule (0.15)", true}),
+         "percentage of training mail that a rule rests on (0.15)", true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::maxEliteLevel>(
         {"max-elite-level", SettingKind::integer, "N",
          "leave elite rules of a higher level out (1)", true}),

@@ -15,7 +15,7 @@
 
 namespace Quorvane::Workshop {
 
-// Something that is not as it should be, in words that fit behind "expected" and "came".
+// Something that is not as it should be, in words that fit after "expected" and "came".
 struct CaseDifference {
     std::string m_what; // "verdict", "node", "reasons", "confidence"
     std::string m_expected;

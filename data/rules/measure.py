@@ -163,7 +163,7 @@ def fill(page, tables):
         mark = f"<!-- table {name} -->\n"
         pattern = re.escape(mark) + r".*?(?=<!-- end -->)"
         if not re.search(pattern, text, re.DOTALL):
-            raise training.TrainingError(f'{page}: no "{mark.strip()}" with an end behind it')
+            raise training.TrainingError(f'{page}: no "{mark.strip()}" with an end after it')
         body = mark + "\n".join(rows) + "\n"
         text = re.sub(pattern, lambda _, body=body: body, text, flags=re.DOTALL)
     page.write_text(text, encoding="utf-8")

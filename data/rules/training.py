@@ -68,7 +68,7 @@ def learn_tree(qvrules, mail, output, excluded, *options):
 
 
 def learn(qvrules, mail, output):
-    """Writes the elite rules with a tree learned from `mail` behind them."""
+    """Writes the elite rules with a tree learned from `mail` after them."""
     learn_tree(qvrules, mail, output, EXCLUDED, "--with", str(ELITE))
 
 

@@ -55,7 +55,7 @@ class AtScan {
         }
     }
 
-    // Skips what the byte at hand opens. Nothing closes what is opened behind an open one, and to
+    // Skips what the byte at hand opens. Nothing closes what is opened after an open one, and to
     // look for it again would take long in hostile text.
     bool skip(std::size_t (*after)(std::string_view, std::size_t), bool& isOpen) {
         auto const end = isOpen ? npos : after(m_text, m_position + 1);
@@ -96,7 +96,7 @@ class AtScan {
     char m_before = '\0'; // the last byte that is no blank and in no comment
     bool m_isAfterGap = false;
     bool m_isInLiteral = false;
-    // Of the whole text: where one stands open, it is a byte like others, as those behind it are.
+    // Of the whole text: where one stands open, it is a byte like others, as those after it are.
     bool m_isQuoteOpen = false;
     bool m_isCommentOpen = false;
 };

@@ -35,8 +35,8 @@ std::size_t s_limit(std::string_view header) {
     return considered.size();
 }
 
-// Where nothing is cut in two: behind a comma, because a cut inside of a comment would cost the
-// whole list; without one, behind another end of an address.
+// Where nothing is cut in two: after a comma, because a cut inside of a comment would cost the
+// whole list; without one, after another end of an address.
 std::size_t s_cut(std::string_view header) {
     auto const comma = header.rfind(',');
     return comma != std::string_view::npos ? comma + 1 : header.find_last_of(" \t\r\n;>") + 1;

@@ -13,7 +13,7 @@
 namespace Quorvane::internal {
 
 // Only the first address counts, and it stands near the beginning: with the longest path of RFC
-// 5321 (256 bytes) behind the longest line of RFC 5322 (998 bytes) there is room to spare. GMime
+// 5321 (256 bytes) after the longest line of RFC 5322 (998 bytes) there is room to spare. GMime
 // needs stack in proportion to the nesting of groups, so that a long run of "a:" would end the
 // process, and time in proportion to the square of the number of commas.
 inline constexpr std::size_t consideredBytes = 2048;
@@ -29,7 +29,7 @@ struct AddressText {
     std::string original(std::string_view part) const;
 };
 
-// Cuts an overlong header behind an address, and hides what GMime would decode. It turns the
+// Cuts an overlong header after an address, and hides what GMime would decode. It turns the
 // A-labels of a domain ("xn--...") into Unicode, while the rules compare domains as they stand in
 // the message; and it decodes the display name, which nobody here reads, with whatever character
 // set the sender names. Empty for text that holds no usable address: one with a NUL byte, one

@@ -73,7 +73,7 @@ bool s_isNumber(std::string_view text) {
     return text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// Index of the record type: behind the name and, in either order, a time to live and the class.
+// Index of the record type: after the name and, in either order, a time to live and the class.
 std::size_t s_typeIndex(std::vector<std::string_view> const& fields) {
     std::size_t index = 1;
     while (index < fields.size() && index < 3 &&
@@ -149,7 +149,7 @@ void checkServer(std::string const& server) {
                  "\": no IP address; write it like 192.0.2.1, 192.0.2.1@5353 or 2001:db8::1");
     }
     if (at != std::string::npos && !s_isPort(server.substr(at + 1))) {
-        s_refuse("DNS server \"" + server + "\": behind \"@\" goes a port from 1 to 65535");
+        s_refuse("DNS server \"" + server + "\": after \"@\" goes a port from 1 to 65535");
     }
 }
 

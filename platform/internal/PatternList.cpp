@@ -35,7 +35,7 @@ void s_addLine(PatternList& list, std::string_view line, unsigned int number) {
         expression = s_trimmed(expression.substr(1));
     }
     if (expression.empty()) {
-        throw Exception("a \"!\" without an expression behind it: write the names that are not "
+        throw Exception("a \"!\" without an expression after it: write the names that are not "
                         "dynamic there, or delete the line",
                         badConfiguration, list.m_sourceName.c_str(), number);
     }

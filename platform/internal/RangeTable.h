@@ -115,7 +115,7 @@ class FlatRanges {
         }
     }
 
-    // What is left of the innermost open range. Behind the highest key nothing is left of any
+    // What is left of the innermost open range. After the highest key nothing is left of any
     // range, and m_next, which has wrapped to 0, means nothing.
     void close(std::vector<Nested>& open) {
         auto const& range = open.back();

@@ -85,7 +85,7 @@ class EliteChecker {
         } else if (!m_elite.m_tail.empty()) {
             add(Severity::warning, "elite-tail",
                 std::to_string(m_elite.m_tail.size()) +
-                    " bytes behind the last announced rule are not read",
+                    " bytes after the last announced rule are not read",
                 "compile the rules again from their text");
         }
     }

@@ -123,7 +123,7 @@ class PathChecker {
                 break;
             case Shut::contradiction:
                 m_findings.add(Severity::warning, "never-contradiction", number,
-                               s_test(node) + " never holds behind the tests above it",
+                               s_test(node) + " never holds after the tests above it",
                                "remove the node");
                 break;
             case Shut::siblings:

@@ -118,7 +118,7 @@ class DriftFinder {
             fields(File::elite, std::nullopt, fieldsOf(*ours.m_header), fieldsOf(*theirs.m_header));
             rules(ours, theirs);
         }
-        bytes(File::elite, "what stands behind the rules", ours.m_tail, theirs.m_tail);
+        bytes(File::elite, "what stands after the rules", ours.m_tail, theirs.m_tail);
     }
 
     void rules(EliteFile const& ours, EliteFile const& theirs) {

@@ -4,7 +4,7 @@
 //
 // Everything that the files hold is compared, by what it says and not by its place among the bytes:
 // each finding names a node, an elite rule or a field. A rule that was put in or taken out in the
-// middle does not make all rules behind it differ.
+// middle does not make all rules after it differ.
 #pragma once
 
 #include "rules/check/Finding.h"

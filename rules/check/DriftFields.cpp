@@ -15,7 +15,7 @@ std::string s_hex(std::array<std::uint8_t, size> const& bytes) {
     return hexText({reinterpret_cast<char const*>(bytes.data()), size});
 }
 
-// All slots, also those behind childCount: "3 4 and 8 empty slots" would not say which.
+// All slots, also those after childCount: "3 4 and 8 empty slots" would not say which.
 std::string s_slots(DTNode const& node) {
     std::string text;
     for (std::size_t slot = 0; slot < node.children.size(); ++slot) {

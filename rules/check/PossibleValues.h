@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a message can still look like behind a number of tests: the values that the engine can write
+// What a message can still look like after a number of tests: the values that the engine can write
 // into an attribute and that the tests leave over. A value; small when copied, since paths are.
 #pragma once
 

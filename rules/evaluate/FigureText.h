@@ -9,7 +9,7 @@
 
 namespace Quorvane::Rules {
 
-// With so many digits behind the point.
+// With so many digits after the point.
 std::string fixedText(double value, int digits);
 
 // "84.90 %"; below a tenth of a percent a third digit; nothing and all without digits.

@@ -195,13 +195,13 @@ inline constexpr std::array<AttributeFacts, attributeCount> attributeTable{{
     {32, "deep_same_address", Detail::yesNoUnknown, AttributeWriter::attributes, 0,
      "the deep hop has the address of the first hop"},
     {33, "chain_broken", Detail::yesNo, AttributeWriter::receivedChain, 0,
-     "behind the first hop a relay claims to have received from another than the next one"},
+     "after the first hop a relay claims to have received from another than the next one"},
     {34, "reserved_34", Detail::always0, AttributeWriter::nobody, 0, "always 0"},
     {35, "reserved_35", Detail::always0, AttributeWriter::nobody, 0, "always 0"},
     {36, "status_indicated", Detail::yesNo, AttributeWriter::headerFields, 0,
      "the host gave the message status 3"},
     {37, "hop_behind_first", Detail::yesNo, AttributeWriter::receivedChain, 0,
-     "the trail goes on behind the first hop"},
+     "the trail goes on after the first hop"},
 }};
 
 namespace Detail {

@@ -7,7 +7,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// A rule written by hand has no training counts behind it; it counts as always supported.
+// A rule written by hand has no training counts; it counts as always supported.
 constexpr double decidingSupport = 100.0;
 
 class EliteBuilder {

@@ -8,7 +8,7 @@
 
 namespace Quorvane::Rules {
 
-// Each is called behind the keyword that begins the statement, which is `keyword`.
+// Each is called after the keyword that begins the statement, which is `keyword`.
 EliteHeaderSyntax parseEliteHeader(TokenReader& in, Token const& keyword);
 EliteRuleSyntax parseEliteRule(TokenReader& in, Token const& keyword);
 

@@ -11,7 +11,7 @@ namespace Quorvane::Rules {
 namespace {
 
 constexpr std::string_view hexDigits = "0123456789abcdef";
-// The letter behind the backslash and the byte it stands for.
+// The letter after the backslash and the byte it stands for.
 constexpr std::string_view escapeLetters = "nrt\\\"";
 constexpr std::string_view escapedBytes = "\n\r\t\\\"";
 
@@ -42,7 +42,7 @@ std::string s_escaped(char c) {
     return s_isPlain(c) ? std::string(1, c) : "\\x" + hexText({&c, 1});
 }
 
-// Takes one escape from behind its backslash.
+// Takes one escape from after its backslash.
 bool s_takeEscape(std::string_view& text, Bytes& bytes) {
     auto const letter = text.substr(0, 1);
     if (letter == "x") {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The grammar of rule texts (docs/writing-rules.md explains it to people). Each production is one
-// function of the parser. A statement ends with its line; only a condition list goes on behind a
+// function of the parser. A statement ends with its line; only a condition list goes on after a
 // line that ends in "and".
 //
 //   rules         := { version | readme | elite | elite-rule | elite-tail | tree | loose-node

@@ -13,8 +13,8 @@ namespace {
 using namespace SentenceWords;
 
 // A deep hop that there is not.
-constexpr std::string_view noDeepHop = "no public relay stood right behind the first one";
-constexpr std::string_view aDeepHop = "a public relay stood right behind the first one";
+constexpr std::string_view noDeepHop = "no public relay stood right after the first one";
+constexpr std::string_view aDeepHop = "a public relay stood right after the first one";
 
 struct Row {
     Attribute::Index m_attribute;
@@ -83,15 +83,15 @@ constexpr Row rows[] = {
      "domain{recipientDomain}"},
     {Attribute::deepSameAddress, sameAddress, "", ""},
     {Attribute::chainBroken, yesNo,
-     "the trail behind the first relay is broken: an older hop was recorded by another relay than "
+     "the trail after the first relay is broken: an older hop was recorded by another relay than "
      "the newer one names",
-     "the trail behind the first relay is not broken"},
+     "the trail after the first relay is not broken"},
     {Attribute::reserved34, reserved, "", ""},
     {Attribute::reserved35, reserved, "", ""},
     {Attribute::statusIndicated, yesNo, "the host gave the message status 3",
      "the host did not give the message status 3"},
-    {Attribute::hopBehindFirst, yesNo, "there was a hop behind the first relay{firstAddress}",
-     "there was no hop behind the first relay{firstAddress}"},
+    {Attribute::hopBehindFirst, yesNo, "there was a hop after the first relay{firstAddress}",
+     "there was no hop after the first relay{firstAddress}"},
 };
 static_assert(std::size(rows) == attributeCount);
 

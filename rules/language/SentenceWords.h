@@ -118,8 +118,8 @@ inline constexpr Words sameAddress[] = {
     {Code::no,
      "the deepest relay{deepAddress} has another address than the first one{firstAddress}",
      "no deeper relay has another address than the first one{firstAddress}"},
-    {Code::unknown, "no public relay stood right behind the first one",
-     "a public relay{deepAddress} stood right behind the first one"},
+    {Code::unknown, "no public relay stood right after the first one",
+     "a public relay{deepAddress} stood right after the first one"},
 };
 
 inline constexpr Words reserved[] = {{0, "$N is 0", "$N is not 0"}};

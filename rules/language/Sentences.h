@@ -3,7 +3,7 @@
 // What a value of an attribute, or a test on one, says in plain words: one table of sentences, of
 // which the explanations in the terminal, in JSON and on the page draw.
 //
-// A sentence has neither capital letter nor full stop. Behind the words that stand for something of
+// A sentence has neither capital letter nor full stop. After the words that stand for something of
 // the message it holds the name of it in braces: "the host name the first relay
 // announced{firstHelo} looks dynamically assigned". Filling a sentence replaces {NAME}, in one pass
 // from left to right:

@@ -57,7 +57,7 @@ class TokenReader {
 
   private:
     double bits();
-    // Where the missing thing should stand: behind the last token when the line has ended.
+    // Where the missing thing should stand: after the last token when the line has ended.
     Position here() const;
     std::string found() const;
 

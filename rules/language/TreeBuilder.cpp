@@ -104,7 +104,7 @@ class TreeBuilder {
         for (auto const& [number, position] : m_written) {
             if (number > expected) {
                 error(position, "node " + std::to_string(number) +
-                                    " stands behind a gap: there is no "
+                                    " stands after a gap: there is no "
                                     "node " +
                                     std::to_string(expected) +
                                     "; number the nodes without gaps or leave the numbers out");

@@ -73,7 +73,7 @@ void s_factsAndBlock(TokenReader& in, NodeSyntax& node, int depth) {
 // condition ":" node-facts [ block ]
 void s_nodeBody(TokenReader& in, NodeSyntax& node, int depth) {
     node.m_condition = parseCondition(in);
-    in.expect(":", "\":\" behind the condition is expected");
+    in.expect(":", "\":\" after the condition is expected");
     s_factsAndBlock(in, node, depth);
 }
 

@@ -16,7 +16,7 @@ constexpr int indentWidth = 4;
 // stack.
 constexpr int maxDepth = maxTreeNodes;
 
-// Whether the children can be said with a block: their number is possible, and the slots behind
+// Whether the children can be said with a block: their number is possible, and the slots after
 // them are empty.
 bool s_hasOrdinaryChildren(DTNode const& node) {
     if (node.childCount < 0 || node.childCount > maxChildren) {

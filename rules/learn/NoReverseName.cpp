@@ -19,7 +19,7 @@ bool s_isBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
-// The end of the header field that begins at `begin`: behind the line end of its last line.
+// The end of the header field that begins at `begin`: after the line end of its last line.
 std::size_t s_fieldEnd(std::string_view text, std::size_t begin) {
     auto end = begin;
     do {

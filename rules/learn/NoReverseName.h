@@ -20,7 +20,7 @@ namespace Quorvane::Rules {
 // Says whether an address belongs to the site itself: private addresses and trusted relays.
 using IsOwnRelay = std::function<bool(std::string const& address)>;
 
-// A Received value so rewritten; unchanged when it is already in that form. Everything behind the
+// A Received value so rewritten; unchanged when it is already in that form. Everything after the
 // client (other comments, the by-part, the date, the folding there) stays. Empty when the value
 // names no client in a shape that we know.
 std::optional<std::string> withoutReverseName(std::string_view receivedValue);

@@ -40,7 +40,7 @@ class LinkFinder {
         return summedImpurity(m_kind, m_tree.m_nodes[node].m_counts);
     }
 
-    // Children stand behind their parents: one pass from the end sums every branch.
+    // Children stand after their parents: one pass from the end sums every branch.
     void sumBranches() {
         for (auto node = m_tree.m_nodes.size(); node-- > 0;) {
             if (isLeaf(node)) {

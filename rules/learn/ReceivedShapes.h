@@ -22,7 +22,7 @@ struct ReceivedClient {
     std::string_view m_shape; // the name of the shape, for tests and messages
 };
 
-// `value` is what stands behind "Received:" and its blanks, folding included. Empty when no shape
+// `value` is what stands after "Received:" and its blanks, folding included. Empty when no shape
 // fits.
 std::optional<ReceivedClient> receivedClient(std::string_view value);
 

@@ -27,7 +27,7 @@ struct EliteFile {
     // Every rule that the loader reads in full, those that it then drops too. `conditionCount` is
     // kept as it stands in the file: it is negative, or the number of conditions.
     std::vector<EliteNodes> m_rules;
-    // What stands behind the last rule read: a cut record, a record that ends the load, or bytes
+    // What stands after the last rule read: a cut record, a record that ends the load, or bytes
     // that no loader looks at.
     Bytes m_tail;
 };

@@ -164,7 +164,7 @@ TEST_F(LookupTest, WithoutAPublicHopNothingIsAskedFor) {
     message.m_from = address("a@late.test");
     auto props = fields(message);
     EXPECT_FALSE(engine().parseFields(props));
-    // A question that comes behind whatever was asked.
+    // A question that comes after whatever was asked.
     Resolver::instance().submit(RecordType::A, "last.test", RecordClass::IN);
     EXPECT_EQ(server.names(), std::set<std::string>{"last.test."});
 }

@@ -112,7 +112,7 @@ TEST(MessageReader, ASingleMessageIsNotReadBeyondItsHeaders) {
     EXPECT_FALSE(reader.next(section));
 }
 
-// What stands behind a record that cannot be read on does not take the record with it.
+// What stands after a record that cannot be read on does not take the record with it.
 TEST(MessageReader, ARecordOfAnMboxIsNotReadBeyondItsHeadersEither) {
     auto const text = "From x\nA: b\n\n" + std::string(1000, 'x') + "\n\nFrom x\nC: d\n\n";
     MessageReader reader(std::make_unique<PieceSource>(text, 14), false);

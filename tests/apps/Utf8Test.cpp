@@ -30,7 +30,7 @@ Utf8Case const utf8Cases[] = {
     {"a surrogate", "\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xC2\x80"},
     {"beyond U+10FFFF", "\xF4\x90\x80\x80", "\xC3\xB4\xC2\x90\xC2\x80\xC2\x80"},
     {"bytes that no encoding has", "\xFE\xFF", "\xC3\xBE\xC3\xBF"},
-    {"good behind bad", "\xFF\xC3\xA9", "\xC3\xBF\xC3\xA9"},
+    {"good after bad", "\xFF\xC3\xA9", "\xC3\xBF\xC3\xA9"},
 };
 
 TEST(Utf8, KeepsWhatIsValidAndShowsOtherBytesByNumber) {

@@ -29,7 +29,7 @@ std::vector<std::string> s_words(std::string const& line) {
     return words;
 }
 
-// What a shell offers when Tab is pressed behind `line`.
+// What a shell offers when Tab is pressed after `line`.
 Names s_bash(std::string const& line) {
     auto arguments = s_words(line);
     auto const script = documentPath("bash-completion/completions/" + arguments.at(0));

@@ -15,7 +15,7 @@ struct ShapeCase {
     char const* m_rewritten; // up to the by-part
 };
 
-// What stands behind the client in every row: it must survive byte for byte.
+// What stands after the client in every row: it must survive byte for byte.
 constexpr char tail[] = " by mx.example.net\n\twith ESMTP id 1;\n\tMon, 1 Jan 2024 10:00:00 +0000";
 
 constexpr ShapeCase shapeCases[] = {

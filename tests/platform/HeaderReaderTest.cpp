@@ -232,7 +232,7 @@ RC_GTEST_PROP(HeaderReader, whatIsWrittenReadsBackTheSame, ()) {
     auto fields = *s_anyFields();
     auto const lineBreak = *rc::gen::element<std::string>("\n", "\r\n");
     auto const separator = *rc::gen::element<std::string>(":", ": ", " : ", "\t:\t");
-    // A field without a name, behind a blank, would go on with the one before.
+    // A field without a name, after a blank, would go on with the one before.
     for (auto& [name, value] : fields) {
         name = name.empty() ? "n" : name;
     }

@@ -65,9 +65,9 @@ Invalid const s_invalid[] = {
     {"192.0.2.0/2\xb2", "must be a number from 0 to 32"},
     {"2001:db8::/129", "must be a number from 0 to 128"},
     {"2001:db8::/999", "must be a number from 0 to 128"},
-    {"192.0.2.1/24", "bits are set behind the length; the range is 192.0.2.0/24"},
-    {"2001:db8::1/32", "bits are set behind the length; the range is 2001:db8::/32"},
-    {"::ffff:192.0.2.0/24", "bits are set behind the length; the range is ::/24"},
+    {"192.0.2.1/24", "bits are set after the length; the range is 192.0.2.0/24"},
+    {"2001:db8::1/32", "bits are set after the length; the range is 2001:db8::/32"},
+    {"::ffff:192.0.2.0/24", "bits are set after the length; the range is ::/24"},
 };
 
 std::string s_complaint(std::string const& text) {

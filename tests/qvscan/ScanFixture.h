@@ -26,7 +26,7 @@ class ScanTest : public testing::Test {
   protected:
     // The rules: at the tree's root, a first hop with a dynamic reverse name leads to node 3 (0.99
     // spam), one without to node 4 (0.02), any other to node 5 (0.5). Elite rule 'a' adds 0.01 when
-    // the trail goes on behind the first hop; elite rule 901 (level 2) decides on status_indicated.
+    // the trail goes on after the first hop; elite rule 901 (level 2) decides on status_indicated.
     ScanTest();
 
     // With --root, DNS off and --format json; these may be overridden by `arguments`.

@@ -131,7 +131,7 @@ TEST_F(TextExplain, TellsTheRulesThatFiredAndThePath) {
     auto const text =
         explain({}, hop("a.example", "dsl-1-2-3.dyn.b.example", "198.51.100.9") + spam());
     EXPECT_NE(text.find("    rule a adjusts by +0.01: hop_behind_first is yes\n"
-                        "      there was a hop behind the first relay, 198.51.100.9\n"),
+                        "      there was a hop after the first relay, 198.51.100.9\n"),
               std::string::npos)
         << text;
     EXPECT_NE(text.find("  Path through the tree:\n"

@@ -11,7 +11,7 @@
 namespace Quorvane::Testing {
 namespace {
 
-// The findings about verdicts, each with its problem behind a colon.
+// The findings about verdicts, each with its problem after a colon.
 std::string s_found(RuleSet const& set, DeepHeaderSettings const& settings) {
     std::set<std::string> const ids{"no-spam", "no-ham", "tree-gate"};
     std::string text;
@@ -53,7 +53,7 @@ TEST(CheckVerdictsTest, CountsWhatAdjustingRulesCanAdd) {
     std::string const tree = "tree { 15 == yes: confidence 0.01 support 40\n"
                              "15 == no: confidence 0.9 support 60 }\n";
     EXPECT_EQ(s_found("elite first also-tree\nadjust 0.1 code 'a' when 5 == 1\n" + tree), "");
-    // It cannot fire where the node decides, or fires behind what ends the run.
+    // It cannot fire where the node decides, or fires after what ends the run.
     EXPECT_NE(s_found("elite first also-tree\nadjust 0.1 code 'a' when 15 == yes\n" + tree), "");
     EXPECT_NE(s_found("elite first also-tree\ndecide 0.5 code 1 always\n"
                       "adjust 0.1 code 'a' when 5 == 1\n" +
@@ -90,7 +90,7 @@ TEST(CheckVerdictsTest, FindsATreeThatIsNotAsked) {
     EXPECT_EQ(found.substr(0, found.find(':')), "tree-gate");
     // Without a rule the elite file keeps nothing out.
     EXPECT_EQ(s_found(std::string("elite first\n") + goodTree), "");
-    // Nor does a rule that stands behind those that the header announces.
+    // Nor does a rule that stands after those that the header announces.
     EXPECT_EQ(
         s_found(std::string("elite first count 0\ndecide 0.95 code 1 when 5 == 1\n") + goodTree),
         "");

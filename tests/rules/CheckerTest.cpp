@@ -44,7 +44,7 @@ std::string s_found(RuleSet const& set, DeepHeaderSettings const& settings = pro
 
 struct CheckCase {
     char const* m_name;
-    // Behind "version 1".
+    // After "version 1".
     char const* m_text;
     char const* m_found;
 };
@@ -144,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 struct EliteCase {
     char const* m_name;
-    // Behind a good tree and "elite first".
+    // After a good tree and "elite first".
     char const* m_text;
     char const* m_found;
 };

@@ -164,7 +164,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "3:1 this \"}\" closes nothing; look for a \"}\" too many above\n"},
         ErrorCase{"tree\ntree", "2:1 \"tree\" is given twice; keep one\n"},
         ErrorCase{"tree {\n 5 == 1 confidence 0 support 1\n}",
-                  "2:9 \":\" behind the condition is expected; found \"confidence\"\n"},
+                  "2:9 \":\" after the condition is expected; found \"confidence\"\n"},
         ErrorCase{
             "tree {\n 5 == 1: confidence 0\n}",
             "2:2 this node has no support; add \"support\" and the percentage of messages that "
@@ -204,7 +204,7 @@ INSTANTIATE_TEST_SUITE_P(
             "order\n"},
         ErrorCase{
             "tree\nnode 4 5 == 1: confidence 0 support 1",
-            "2:1 node 4 stands behind a gap: there is no node 3; number the nodes without gaps "
+            "2:1 node 4 stands after a gap: there is no node 3; number the nodes without gaps "
             "or leave the numbers out\n"},
         ErrorCase{"tree {\n" + s_repeat("5 == 1: confidence 0 support 1 {\n", 497) +
                       s_repeat("}", 498),
@@ -227,8 +227,8 @@ TEST(CompilerErrorsTest, OneRunReportsManyErrorsAndSkipsNoBlock) {
                        "decide x\n"),
               "1:9 the version number is expected; found \"x\"\n"
               "3:3 unknown attribute \"nonsense\"; \"qvrules attributes\" lists the names\n"
-              "4:12 \":\" behind the condition is expected; found \"confidence\"\n"
-              "6:10 \":\" behind the condition is expected; found \"{\"\n"
+              "4:12 \":\" after the condition is expected; found \"confidence\"\n"
+              "6:10 \":\" after the condition is expected; found \"{\"\n"
               "7:10 deep_helo_dynamic has no value \"maybe\"; it takes no, yes, literal, "
               "not-analysed, n/a\n"
               "10:8 a confidence from 0 to 1 is expected, as in 0.97; found \"x\"\n");

@@ -40,7 +40,7 @@ TEST(ReloadTest, EveryScanSeesOneWholeRuleSet) {
 
     SteadyScans scans(threadCount, s_isOneSet);
     for (int number = 1; number <= setCount; ++number) {
-        s_write(rules, number); // nobody reads the files but the init behind it
+        s_write(rules, number); // nobody reads the files but the init after it
         scanner.init();
         auto const reached = scans.scanned();
         while (scans.scanned() == reached) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// SilentDnsServer: takes questions on a loopback port and never answers, like a server behind
+// SilentDnsServer: takes questions on a loopback port and never answers, like a server after
 // a broken firewall. It remembers what it was asked.
 #pragma once
 

@@ -54,11 +54,11 @@ TEST_F(ExplainCommand, TellsTheWalkOfAMessage) {
     EXPECT_EQ(told["explain"]["story"],
               Json::array({"the reverse name of the first relay, 192-0-2-7.dyn.example.net, looks "
                            "dynamically assigned",
-                           "there was no hop behind the first relay, 192.0.2.7"}));
+                           "there was no hop after the first relay, 192.0.2.7"}));
     EXPECT_EQ(told["explain"]["tree"]["nodes"][0]["test"], Json());
     EXPECT_EQ(told["explain"]["tree"]["nodes"][2],
               Json::parse(R"({"node":4,"test":"hop_behind_first is no",
-                  "words":"there was no hop behind the first relay, 192.0.2.7",
+                  "words":"there was no hop after the first relay, 192.0.2.7",
                   "confidence":0.96,"support":40.0,"counts":{"all":8,"spam":8,"ham":0}})"));
     EXPECT_EQ(told["explain"]["tree"]["end"], "leaf");
     EXPECT_EQ(told["explain"]["rules"][1]["outcome"], "noMatch");
@@ -134,7 +134,7 @@ TEST_F(ExplainCommand, SaysOfAScannedTableWhatItSaysOfTheMessages) {
         ASSERT_EQ(told.size(), 2U) << table.m_errors;
         EXPECT_EQ(told[0]["source"], file);
         EXPECT_EQ(told[0]["node"], 4);
-        EXPECT_EQ(told[0]["explain"]["story"][1], "there was no hop behind the first relay");
+        EXPECT_EQ(told[0]["explain"]["story"][1], "there was no hop after the first relay");
         EXPECT_EQ(told[1]["verdict"], "none");
         EXPECT_EQ(told[1]["explain"]["because"],
                   "nothing to judge: a message without public hop has no attributes");

@@ -193,7 +193,7 @@ TEST_F(LearnCommand, SaysWhatIsWrongWithTheInput) {
     }
 }
 
-// What would only come out behind hours of scanning is looked at first: here before the mail, which
+// What would only come out after hours of scanning is looked at first: here before the mail, which
 // is not there.
 TEST_F(LearnCommand, LooksAtEverythingElseBeforeTheMail) {
     auto const tree =

@@ -15,7 +15,7 @@ const luminance = ([r, g, b]) => [r, g, b].map((c) => c / 255)
   .map((c) => c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
   .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
 const numbers = (colour) => colour.match(/[\\d.]+/g).map(Number);
-const behind = (element) => {
+const after = (element) => {
   for (let at = element; at; at = at.parentElement) {
     const colour = numbers(getComputedStyle(at).backgroundColor);
     if (colour.length < 4 || colour[3] > 0) return colour;
@@ -28,7 +28,7 @@ for (const element of document.querySelectorAll("body *")) {
   if (!text.trim() || element.closest("title, desc, script, .on-fill")) continue;
   const style = getComputedStyle(element);
   const ink = luminance(numbers(element.closest("svg") ? style.fill : style.color));
-  const paper = luminance(behind(element));
+  const paper = luminance(after(element));
   const contrast = (Math.max(ink, paper) + 0.05) / (Math.min(ink, paper) + 0.05);
   if (contrast < least[0]) least = [contrast, text];
 }
