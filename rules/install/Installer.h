@@ -5,7 +5,7 @@
 // A host reads the version in README, and when it is greater than its own it loads qv2.dt and then
 // qv.dt. No host must load files of two sets. So an installation
 //   1. writes and syncs the new files beside the old ones, and keeps the old set in "previous/";
-//   2. closes the gate: README gets version 0, which no host takes up, so that no load begins;
+//   2. closes the gate: README gets version 0, which no host loads, so that no load begins;
 //   3. waits until the loads that had begun are over (`settle`);
 //   4. renames the new files over the old ones, README with the grown version last.
 // Running hosts scan on with what they have all the time. A host that starts between 2 and 4 finds
