@@ -94,7 +94,8 @@ TEST_F(ExplainCommand, TellsTheEliteRulesAndWhichWasChosen) {
 
 TEST_F(ExplainCommand, ShowsOneOfTwoEqualRulesAsChosen) {
     auto const equal = m_folder.write("equal.qvr", "version 1\nelite last\n"
-                                                   "decide 0.97 code 901\ndecide 0.97 code 901\n"
+                                                   "decide 0.97 code 901 always\n"
+                                                   "decide 0.97 code 901 always\n"
                                                    "tree {\n}\n");
     auto const text = runProgram(QV_RULES_PROGRAM, {"explain", equal, "chain_broken=yes"}).m_output;
     EXPECT_THAT(text, HasSubstr("rule 901 says 0.97 spam (replaced by rule 901): always\n"));
