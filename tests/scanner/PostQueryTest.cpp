@@ -57,8 +57,8 @@ TEST_F(PostQueryTest, AFailedScanIsLoggedAndReadsAsNoVerdict) {
 }
 
 TEST_F(PostQueryTest, NoLineOfASenderKeepsAMessageFromBeingJudged) {
-    Message message(received("a.example", "unknown", "192.0.2.7", "c.example") +
-                    "Received: standby \r\n\t\r\n");
+    Message message("Received: standby \r\n\t\r\n" +
+                    received("a.example", "unknown", "192.0.2.7", "c.example"));
     message.m_settings.spamThreshold = 0.9;
     auto query = message.query();
     EXPECT_TRUE(m_scanner.postQuery(query).isSpam());
