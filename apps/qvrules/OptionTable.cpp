@@ -79,8 +79,8 @@ constexpr ArgumentRow showArguments[] = {
     {"-o,--output", "FILE", "File to write (default: to stdout)"},
     {"--on", "PATH", "Mail to measure on how much comes to each node", false, true},
     {"--vectors", "FILE", "The same of a CSV of vectors; - for standard input", false, true},
-    {"--message", "FILE", "Message that the page offers to explain", false, true},
-    {"--serve", "[PORT]", "Serve the page to the browser of this machine; it then reads messages"},
+    {"--message", "FILE", "Message to judge now and to explain in the page", false, true},
+    {"--serve", "[PORT]", "Serve the page to the browser of this machine; it then judges messages"},
 };
 
 constexpr ArgumentRow explainArguments[] = {
@@ -150,8 +150,9 @@ constexpr auto table = std::to_array<CommandRow>({
      true},
     {"show", "Draw rules", showArguments,
      "The elite rules and the tree, each node with its test, the probability of spam\n"
-     "that it gives and how much of the training mail came to it. The page searches,\n"
-     "and shows the way of a message or a vector that is dropped into it.\n\n"
+     "that it gives and how much of the training mail came to it. The page searches\n"
+     "and explains the messages of --message; served, it also judges messages and\n"
+     "vectors that are dropped into it.\n\n"
      "Examples: qvrules show my.qvr\n"
      "          qvrules show my.qvr --format svg -o my.svg --on mail/today\n"
      "          qvrules show my.qvr --format html -o my.html --message odd.eml\n"

@@ -4,6 +4,7 @@
 #include "apps/show/HttpServer.h"
 #include "rules/model/RuleError.h"
 
+#include <algorithm>
 #include <thread>
 #include <utility>
 
@@ -33,6 +34,13 @@ void s_refuse(httplib::Response& response, int status, std::string const& why) {
 void s_refuseLength(httplib::Response& response) {
     s_refuse(response, Status::tooLarge,
              "a message has at most " + std::to_string(maxPostedMessage >> 20) + " MiB here");
+}
+
+// All but the body, which comes later.
+PageQuestion s_question(httplib::Request const& request) {
+    auto const query = std::min(request.target.find('?'), request.target.size() - 1) + 1;
+    return {
+        request.target.substr(query), request.get_header_value("Content-Type") == vectorType, {}};
 }
 
 } // namespace
@@ -70,9 +78,10 @@ struct PageServer::Server {
         m_http.Get("/favicon.ico", [](Request const& /*request*/, Response& response) {
             response.status = Status::noContent;
         });
-        m_http.Post(explainPath,
-                    [this](Request const& /*request*/, Response& response,
-                           httplib::ContentReader const& body) { readAndExplain(body, response); });
+        m_http.Post(explainPath, [this](Request const& request, Response& response,
+                                        httplib::ContentReader const& body) {
+            readAndExplain(s_question(request), body, response);
+        });
     }
 
     bool isAllowed(httplib::Request const& request, httplib::Response& response) const {
@@ -107,8 +116,8 @@ struct PageServer::Server {
     // The type is one that a foreign page cannot send without asking first. What is packed could
     // unpack to any size.
     static bool isMessage(httplib::Request const& request, httplib::Response& response) {
-        if (request.get_header_value("Content-Type") != "message/rfc822" ||
-            request.has_header("Content-Encoding")) {
+        auto const type = request.get_header_value("Content-Type");
+        if ((type != messageType && type != vectorType) || request.has_header("Content-Encoding")) {
             s_refuse(response, Status::unsupportedType,
                      "post a message with Content-Type: message/rfc822, not encoded");
             return false;
@@ -121,8 +130,9 @@ struct PageServer::Server {
     }
 
     // The library limits only bodies that tell their length.
-    void readAndExplain(httplib::ContentReader const& body, httplib::Response& response) const {
-        std::string message;
+    void readAndExplain(PageQuestion question, httplib::ContentReader const& body,
+                        httplib::Response& response) const {
+        auto& message = question.m_text;
         bool isTooLong = false;
         bool const isWhole = body([&](char const* bytes, std::size_t count) {
             isTooLong = count > maxPostedMessage - message.size();
@@ -134,13 +144,13 @@ struct PageServer::Server {
         } else if (!isWhole) {
             s_refuse(response, Status::badRequest, "the message broke off; post it again");
         } else {
-            explain(message, response);
+            explain(question, response);
         }
     }
 
-    void explain(std::string const& message, httplib::Response& response) const {
+    void explain(PageQuestion const& question, httplib::Response& response) const {
         try {
-            response.set_content(m_explain(message), "application/json");
+            response.set_content(m_explain(question), "application/json");
         } catch (std::exception const& error) {
             s_refuse(response, Status::unprocessable, error.what());
         }
