@@ -122,6 +122,14 @@ class InAFile(showpage.ShowPageTest):
         self.browser.find("#answer a[href='#elite-1']").click()
         self.assertTrue(self.browser.run("return location.hash === '#elite-1'"))
 
+    def test_a_rule_that_was_chosen_need_not_decide(self):
+        self.open(SPAM, options=["--spam-threshold", "0.98"])
+        answer = self.answer()
+        self.assertEqual((answer["verdict"], answer["fired"], answer["chosen"]),
+                         ("No verdict", ["9001"], []))
+        self.assertIn("of the tree.", answer["text"])
+        self.assertNotEqual(answer["decides"], [])
+
     def test_says_which_names_dns_left_open(self):
         self.open(SPAM, options=["--dns", "127.0.0.1@1", "--dns-data", self.write("none.zone", "")])
         self.assertNotIn("DNS could not say", self.answer()["text"])
