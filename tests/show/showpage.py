@@ -115,6 +115,12 @@ class ShowPageTest(browser.BrowserTest):
             list.dispatchEvent(new Event('change'));""", str(place))
         return self.answer()
 
+    def titles(self):
+        """The messages of the list, by the last part of their names."""
+        return self.browser.run("""
+            return Array.from(document.querySelectorAll('#message option'),
+                              (one) => one.textContent.replace(/.*[/]/, ''));""")
+
     def answer(self):
         """What the page says of the message at hand."""
         return self.browser.run("""
