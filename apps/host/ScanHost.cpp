@@ -9,6 +9,12 @@ ScanHost::ScanHost(HostSettings settings, DeepHeaderEngine engine,
                    std::shared_ptr<ReputationTable const> scores)
     : m_settings(std::move(settings)), m_engine(std::move(engine)), m_scores(std::move(scores)) {}
 
+ScanHost ScanHost::judgingWith(DeepHeaderSettings const& judging) const {
+    auto host = *this;
+    host.m_settings.m_judging = judging;
+    return host;
+}
+
 RefMessageProperties ScanHost::messageProperties(MessageFacts const& facts) const {
     RefMessageProperties properties(true);
     properties->clientScore(facts.m_clientScore);

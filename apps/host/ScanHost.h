@@ -38,6 +38,9 @@ class ScanHost {
 
     HostSettings const& settings() const { return m_settings; }
 
+    // The same host with other thresholds. It shares engine and table.
+    ScanHost judgingWith(DeepHeaderSettings const& judging) const;
+
   private:
     RefMessageProperties messageProperties(MessageFacts const& facts) const;
 

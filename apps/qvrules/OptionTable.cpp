@@ -117,11 +117,12 @@ CommandRow const showCommand{
      outputRow,
      {"on", "PATH", "mail to measure on how much comes to each node", Takes::several},
      {"vectors", "FILE", "the same of a CSV of vectors; - for standard input", Takes::several},
-     {"message", "FILE", "message that the page offers to explain", Takes::several},
-     {"serve", "[PORT]", "serve the page to the browser of this machine; it then reads messages"}},
+     {"message", "FILE", "message to judge now and to explain in the page", Takes::several},
+     {"serve", "[PORT]", "serve the page to the browser of this machine; it then judges messages"}},
     "The elite rules and the tree, each node with its test, the probability of spam\n"
-    "that it gives and how much of the training mail came to it. The page searches,\n"
-    "and shows the way of a message or a vector that is dropped into it.\n\n"
+    "that it gives and how much of the training mail came to it. The page searches\n"
+    "and explains the messages of --message; served, it also judges messages and\n"
+    "vectors that are dropped into it.\n\n"
     "Examples: qvrules show my.qvr\n"
     "          qvrules show my.qvr --format svg -o my.svg --on mail/today\n"
     "          qvrules show my.qvr --format html -o my.html --message odd.eml\n"

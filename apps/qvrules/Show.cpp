@@ -99,11 +99,27 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
     return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output == "-"));
 }
 
+Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& settings,
+                          Show::MessageExplainer const& explainer, Interrupt& interrupt) {
+    Show::PageExtras extras;
+    if (arguments.m_serve) {
+        extras.m_served = settings;
+    }
+    Show::readMessages(arguments.m_messages, interrupt, [&](Show::PageMessage message) {
+        // A page in a file cannot ask later.
+        if (!arguments.m_serve) {
+            message.m_record = explainer.explain(message.m_source, message.m_headers);
+        }
+        extras.m_messages.push_back(std::move(message));
+    });
+    return extras;
+}
+
 void s_serve(std::string const& page, Show::MessageExplainer const& explainer, int port,
              Interrupt& interrupt) {
     Show::PageServer server(
         page,
-        [&explainer](std::string const& message) { return explainer.explain("message", message); },
+        [&explainer](Show::PageQuestion const& question) { return explainer.answer(question); },
         port);
     std::cout << "The page is at " << server.address() << " until Ctrl-C." << std::endl;
     server.run(interrupt);
@@ -130,9 +146,7 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
         auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
         Show::MessageExplainer const explainer(settings, engine, arguments.m_facts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
-        Show::PageExtras const extras{settings.m_judging,
-                                      explainer.explainFiles(arguments.m_messages, interrupt),
-                                      arguments.m_serve.has_value()};
+        auto const extras = s_extras(arguments, settings, explainer, interrupt);
         if (arguments.m_serve) {
             s_serve(Show::htmlDrawing(drawing, extras), explainer, port, interrupt);
         } else {
@@ -171,8 +185,7 @@ int show(CommandLine const& line) {
         s_showRunning(arguments, port, set);
     } else {
         auto const rules = Show::shownRules(arguments.m_rules, set);
-        writeOutput(arguments.m_output,
-                    s_drawn(arguments, {rules}, {arguments.m_settings.m_judging, {}, false}));
+        writeOutput(arguments.m_output, s_drawn(arguments, {rules}, {}));
     }
     return ExitStatus::ok;
 }

@@ -12,12 +12,10 @@ std::string_view svgStyle();
 std::string_view pageStyle();
 
 // In the order in which they lean on one another.
-std::string_view engineScript();
-std::string_view wordsScript();
-std::string_view readerScript();
 std::string_view treeScript();
 std::string_view searchScript();
 std::string_view answerScript();
+std::string_view messagesScript();
 std::string_view trialScript();
 std::string_view mainScript();
 

@@ -4,7 +4,9 @@
 #include "apps/commandline/ExitStatus.h"
 #include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
+#include "apps/show/AskedSettings.h"
 #include "apps/story/JsonRecord.h"
+#include "apps/workshop/VectorText.h"
 #include "platform/HeaderReader.h"
 #include "rules/model/RuleError.h"
 
@@ -17,20 +19,35 @@ MessageExplainer::MessageExplainer(HostSettings const& settings, DeepHeaderEngin
     : m_host(setUpHost(settings, std::move(engine))), m_facts(std::move(facts)) {}
 
 std::string MessageExplainer::explain(std::string const& source, std::string_view message) const {
+    return explain(*m_host, source, message);
+}
+
+std::string MessageExplainer::answer(PageQuestion const& question) const {
+    auto const settings = askedSettings(m_host->settings(), question.m_query);
+    auto const host = m_host->judgingWith(settings.m_judging);
+    if (!question.m_isVector) {
+        return explain(host, "message", question.m_text);
+    }
+    auto const record =
+        host.judge(Workshop::parseVector(question.m_text), RecordDepth::alternatives);
+    return jsonExplanation("vector", record, settings.m_judging);
+}
+
+std::string MessageExplainer::explain(ScanHost const& host, std::string const& source,
+                                      std::string_view message) const {
     auto const headers = HeaderReader::read(message);
     if (headers.headers().empty()) {
         throw Rules::RuleError(Rules::RuleError::Kind::badData,
                                source + ": no message: it has no header field");
     }
-    auto const record = m_host->scan(headers, m_facts, RecordDepth::alternatives);
-    return jsonExplanation(source, record, m_host->settings().m_judging);
+    auto const record = host.scan(headers, m_facts, RecordDepth::alternatives);
+    return jsonExplanation(source, record, host.settings().m_judging);
 }
 
-std::vector<std::string> MessageExplainer::explainFiles(std::vector<std::string> const& paths,
-                                                        Interrupt& interrupt) const {
-    std::vector<std::string> records;
+void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,
+                  std::function<void(PageMessage message)> const& take) {
     if (paths.empty()) {
-        return records; // none would mean standard input
+        return; // none would mean standard input
     }
     Inputs inputs(paths, interrupt);
     InputItem item;
@@ -41,9 +58,8 @@ std::vector<std::string> MessageExplainer::explainFiles(std::vector<std::string>
                                        : Rules::RuleError::Kind::badData,
                                    item.m_source + ": " + item.m_problem);
         }
-        records.push_back(explain(item.m_source, item.m_headers));
+        take({item.m_source, item.m_headers, {}});
     }
-    return records;
 }
 
 } // namespace Quorvane::Show

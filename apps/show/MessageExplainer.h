@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// MessageExplainer: whole messages to records with the working record of the scan, for a page that
-// cannot read messages itself. One object a process, since it sets up the scanning host; explain
-// may be called from many threads.
+// MessageExplainer: messages and attribute vectors to JSON records with the whole explanation, for
+// a page that cannot judge by itself. One object a process, since it sets up the scanning host;
+// explain and answer may be called from many threads.
 #pragma once
 
 #include "apps/host/ScanHost.h"
 #include "apps/input/Interrupt.h"
+#include "apps/show/Page.h"
+#include "apps/show/PageServer.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,17 +23,25 @@ class MessageExplainer {
     // `facts`: what is known of every message. A SettingsError.
     MessageExplainer(HostSettings const& settings, DeepHeaderEngine engine, MessageFacts facts);
 
-    // The JSON record of one message, as `qvscan --format json --explain` writes it. A RuleError
-    // when there is no header field in it.
+    // The record of one message, as `qvscan --format json --explain` writes it. A RuleError when
+    // there is no header field in it.
     std::string explain(std::string const& source, std::string_view message) const;
 
-    // The records of all messages of the paths, in order. A RuleError for what cannot be read.
-    std::vector<std::string> explainFiles(std::vector<std::string> const& paths,
-                                          Interrupt& interrupt) const;
+    // The record of what a page asks about, judged with the settings that it asks for. A
+    // SettingsError for these, a RuleError for what is neither message nor vector.
+    std::string answer(PageQuestion const& question) const;
 
   private:
+    std::string explain(ScanHost const& host, std::string const& source,
+                        std::string_view message) const;
+
     std::shared_ptr<ScanHost const> m_host;
     MessageFacts m_facts;
 };
+
+// Hands over all messages of the paths, in order, without records. A RuleError for what cannot be
+// read; Interrupted.
+void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,
+                  std::function<void(PageMessage message)> const& take);
 
 } // namespace Quorvane::Show

@@ -1,31 +1,40 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The page of a rule set: one HTML document with the tree, the elite rules, a search, and a place
-// to try messages. Pure functions.
+// The page of a rule set: one HTML document with the tree, the elite rules, a search, and messages
+// with their explanations. The page judges nothing: in a file it shows what was judged when it was
+// written, served it asks the program that serves it. Pure functions.
 #pragma once
 
+#include "apps/settings/HostSettings.h"
 #include "apps/show/Drawings.h"
-#include "platform/DeepHeaderSettings.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Quorvane::Show {
 
+// A message to choose in a page.
+struct PageMessage {
+    std::string m_source;
+    std::string m_headers; // the header section, for a page that asks
+    std::string m_record;  // for one that does not: the JSON record with the whole explanation
+};
+
 struct PageExtras {
-    // What messages are judged with at first; the reader of the page may change them.
-    DeepHeaderSettings m_settings;
-    // Messages to choose from: JSON records with the working record in them, as qvscan writes them.
-    std::vector<std::string> m_records;
-    // The page may ask where it came from about whole messages.
-    bool m_isServed = false;
+    std::vector<PageMessage> m_messages;
+    // The page is served, and these are what the program judges with at first; the reader of the
+    // page may change some.
+    std::optional<HostSettings> m_served;
 };
 
 std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras);
 
-// The parts of it. The tree and the table are HTML; the data, for the scripts, is JSON.
+// The parts of it. The tree and the table are HTML, and so is the place for messages; the data, for
+// the scripts, is JSON.
 std::string pageTree(Drawing const& drawing);
 std::string pageEliteTable(Drawing const& drawing);
-std::string pageData(ShownRules const& rules, PageExtras const& extras);
+std::string pageMessages(PageExtras const& extras);
+std::string pageData(PageExtras const& extras);
 
 } // namespace Quorvane::Show

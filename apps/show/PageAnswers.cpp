@@ -31,7 +31,9 @@ Answer s_answer(status status, char const* type, std::string text) {
 // to any size.
 std::optional<Answer> s_refusedMessage(PageRequest const& request) {
     auto const& head = request.get();
-    if (head[field::content_type] != "message/rfc822" || head.count(field::content_encoding) != 0) {
+    bool const isKnown =
+        head[field::content_type] == messageType || head[field::content_type] == vectorType;
+    if (!isKnown || head.count(field::content_encoding) != 0) {
         return textAnswer(status::unsupported_media_type,
                           "post a message with Content-Type: message/rfc822, not encoded");
     }
@@ -40,6 +42,13 @@ std::optional<Answer> s_refusedMessage(PageRequest const& request) {
         return textAnswer(status::length_required, "post a message with its Content-Length");
     }
     return length && *length > maxPostedMessage ? std::optional(tooLongAnswer()) : std::nullopt;
+}
+
+PageQuestion s_question(PageRequest::value_type const& request) {
+    std::string const target(request.target());
+    auto const query = target.find('?');
+    return {query == std::string::npos ? "" : target.substr(query + 1),
+            request[field::content_type] == vectorType, request.body()};
 }
 
 } // namespace
@@ -95,9 +104,9 @@ Answer PageAnswers::toGet(std::string const& path) const {
     return textAnswer(status::not_found, "the page is at /");
 }
 
-Answer PageAnswers::explanation(std::string const& message) const {
+Answer PageAnswers::explanation(PageRequest const& request) const {
     try {
-        return s_answer(status::ok, "application/json", m_explain(message));
+        return s_answer(status::ok, "application/json", m_explain(s_question(request.get())));
     } catch (std::exception const& error) {
         return textAnswer(status::unprocessable_entity, error.what());
     }

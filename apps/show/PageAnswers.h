@@ -28,10 +28,11 @@ class PageAnswers {
   public:
     PageAnswers(std::string page, PageServer::Explain explain, int port);
 
-    // The answer to a request of which the head has been read; empty when its body is a message
-    // that is to be read and explained.
+    // The answer to a request of which the head has been read; empty when its body is to be read
+    // and explained.
     std::optional<Answer> toHead(PageRequest const& request) const;
-    Answer explanation(std::string const& message) const;
+    // To a whole request.
+    Answer explanation(PageRequest const& request) const;
 
   private:
     Answer toGet(std::string const& path) const;

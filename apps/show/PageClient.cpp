@@ -93,7 +93,7 @@ void PageClient::onBody(Error error) {
 // Explaining asks name servers and takes its time: not in the thread that serves everybody.
 void PageClient::explain() {
     boost::asio::post(m_explaining, [self = shared_from_this()]() mutable {
-        auto explanation = self->m_answers.explanation(self->m_request.get().body());
+        auto explanation = self->m_answers.explanation(self->m_request);
         auto const executor = self->m_stream.get_executor();
         boost::asio::post(executor,
                           [self = std::move(self), answer = std::move(explanation)]() mutable {

@@ -34,50 +34,18 @@ std::string s_facts(Drawing const& drawing) {
     return "<dl class=\"facts\">" + html + "</dl>\n";
 }
 
-std::string s_setting(char const* name, char const* label, char const* attributes) {
-    return std::string("<label>") + label + " <input type=\"number\" name=\"" + name + "\" " +
-           attributes + "></label>";
-}
-
-std::string s_settings() {
-    return "<details id=\"settings\"><summary>Settings of the host</summary>"
-           "<div class=\"controls\">" +
-           s_setting("spamThreshold", "spam threshold", "step=\"0.01\" min=\"0\"") +
-           s_setting("hamThreshold", "ham threshold", "step=\"0.01\" min=\"0\"") +
-           s_setting("minSupport", "minimum support", "step=\"0.05\" min=\"0\"") +
-           s_setting("maxEliteLevel", "highest elite level", "step=\"1\"") +
-           s_setting("walkToLeaf", "walk to leaf", "step=\"1\" min=\"0\" max=\"1\"") +
-           "</div></details>\n";
-}
-
-std::string s_trial(PageExtras const& extras) {
-    std::string const what =
-        extras.m_isServed
-            ? "A message, or a vector: drop a file anywhere on this page, or paste here."
-            : "A message that <code>qvscan --format json --explain</code> told about, a row of "
-              "<code>qvscan --format csv</code> with its first line, or values such as "
-              "<code>first_helo_dynamic=yes</code>: drop a file anywhere on this page, or paste "
-              "here.";
-    return "<section class=\"trial scripted-only no-print\">\n<h2 id=\"try\">Try a message</h2>\n"
-           "<div class=\"panel\"><label for=\"pasted\">" +
-           what +
-           "</label>\n<textarea id=\"pasted\" spellcheck=\"false\" autocomplete=\"off\" "
-           "placeholder=\"first_reverse_dynamic=yes, first_helo_dynamic=yes\"></textarea>\n"
-           "<div class=\"controls\"><button id=\"try-it\" class=\"main\" "
-           "type=\"button\">Judge</button>"
-           "<label class=\"file-button\">Choose a file <input id=\"file\" type=\"file\" "
-           "class=\"hidden-text\"></label><button id=\"forget\" type=\"button\">Clear</button>"
-           "<label id=\"messages\" hidden>Message <select "
-           "id=\"message\"></select></label></div>\n" +
-           s_settings() +
-           "<div id=\"answer\" role=\"status\" aria-live=\"polite\"></div></div>\n</section>\n";
-}
-
-std::string s_jumps(ShownRules const& rules) {
+std::string s_jumps(std::string const& messages) {
     return std::string("<nav class=\"jumps no-print\" aria-label=\"Parts of the page\">") +
-           (rules.m_loadProblem ? ""
-                                : "<a class=\"scripted-only\" href=\"#try\">Try a message</a>") +
+           (messages.empty() ? "" : "<a class=\"scripted-only\" href=\"#try\">Messages</a>") +
            "<a href=\"#rules\">Elite rules</a><a href=\"#nodes\">The tree</a></nav>\n";
+}
+
+// A page in a file has nobody to ask.
+std::string s_whereToJudge(ShownRules const& rules, PageExtras const& extras) {
+    return rules.m_loadProblem || extras.m_served
+               ? ""
+               : "<p class=\"muted no-print\"><code>qvrules show RULES --serve</code> judges "
+                 "messages in the browser.</p>\n";
 }
 
 std::string s_problem(ShownRules const& rules) {
@@ -127,8 +95,8 @@ std::string s_controls() {
 
 std::string s_script() {
     std::string script;
-    for (auto const part : {engineScript(), wordsScript(), readerScript(), treeScript(),
-                            searchScript(), answerScript(), trialScript(), mainScript()}) {
+    for (auto const part : {treeScript(), searchScript(), answerScript(), messagesScript(),
+                            trialScript(), mainScript()}) {
         script += part;
     }
     return script;
@@ -138,22 +106,23 @@ std::string s_script() {
 
 std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
     auto const& rules = drawing.m_rules;
+    auto const messages = pageMessages(extras);
     Page::Document document;
     document.m_title = "Rules: " + rules.m_name;
     document.m_style = std::string(shadesStyle()) + std::string(pageStyle());
     document.m_script = s_script();
-    document.m_asksOrigin = extras.m_isServed;
+    document.m_asksOrigin = extras.m_served.has_value();
     document.m_body = "<header class=\"top\">\n<h1>Rules</h1>\n<p class=\"muted\">" +
                       Page::isolated(rules.m_name) + "</p>\n" + s_facts(drawing) +
-                      s_problem(rules) + s_jumps(rules) + "</header>\n<main>\n" +
-                      (rules.m_loadProblem ? "" : s_trial(extras)) +
+                      s_problem(rules) + s_jumps(messages) + s_whereToJudge(rules, extras) +
+                      "</header>\n<main>\n" + messages +
                       "<section>\n<h2 id=\"rules\">Elite rules</h2>\n" + pageEliteTable(drawing) +
                       "</section>\n<section>\n<h2 id=\"nodes\">The tree</h2>\n" +
                       s_legend(drawing) + s_controls() + pageTree(drawing) + s_unreached(rules) +
                       "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
                       "page loads nothing and sends nothing" +
-                      (extras.m_isServed ? " but messages to the program that serves it" : "") +
-                      ".</footer>\n" + Page::dataElement("data", pageData(rules, extras));
+                      (extras.m_served ? " but messages to the program that serves it" : "") +
+                      ".</footer>\n" + Page::dataElement("data", pageData(extras));
     return Page::html(document);
 }
 

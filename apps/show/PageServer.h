@@ -3,8 +3,9 @@
 // PageServer: a page for the browser of this machine, and one address that explains messages.
 //
 //   GET /            the page
-//   POST /explain    Content-Type message/rfc822, the body a whole message; answers its JSON
-//                    record, or 4xx and a line of text for people
+//   POST /explain    the body a whole message (Content-Type message/rfc822) or an attribute vector
+//                    (vectorType); answers the JSON record of it, or 4xx and a line of text for
+//                    people. The address may name settings to judge with: /explain?min-support=1
 //
 // It listens on 127.0.0.1 only. A browser is a way in for every web site that its user visits, so
 // requests that name another host (rebound DNS names) or come from another page (Origin) are
@@ -26,10 +27,22 @@ namespace Quorvane::Show {
 // Far above any header section; the body of the message comes along.
 inline constexpr std::size_t maxPostedMessage = std::size_t{64} << 20;
 
+// Types of what is posted. No foreign page can send them without asking first, as it could
+// text/plain (fetch.spec.whatwg.org, "CORS-safelisted request-header").
+inline constexpr char messageType[] = "message/rfc822";
+inline constexpr char vectorType[] = "text/x-attribute-vector";
+
+// What a page asks about.
+struct PageQuestion {
+    std::string m_query; // of the address, what follows "?"
+    bool m_isVector = false;
+    std::string m_text;
+};
+
 class PageServer {
   public:
     // Called from many threads. A std::exception's text goes to the reader of the page.
-    using Explain = std::function<std::string(std::string const& message)>;
+    using Explain = std::function<std::string(PageQuestion const& question)>;
 
     // `port` 0: any that is free. A RuleError when the port is taken; another std::exception when
     // the process has no descriptor left.

@@ -210,7 +210,6 @@ ShownRules shownRules(std::string const& name, Rules::RuleSet const& set) {
     auto const table = Rules::loadedTable(set);
     auto const count = std::min<std::size_t>(
         set.m_nodes.size() + (set.m_treeTail.empty() ? 0U : 1U), table.size());
-    shown.m_table.assign(table.begin(), table.begin() + static_cast<std::ptrdiff_t>(count));
     shown.m_nodes = TreeReader(table, count).read();
     s_setShares(shown.m_nodes);
     shown.m_unreached = s_unreached(shown.m_nodes, count);

@@ -75,8 +75,6 @@ struct ShownRules {
     std::optional<std::int32_t> m_version;
     // Why no host would load them; empty when hosts do.
     std::optional<std::string> m_loadProblem;
-    // The table as an engine holds it, up to the last record of the file.
-    std::vector<DTNode> m_table;
     // In reading order, the root first; never empty.
     std::vector<ShownNode> m_nodes;
     // Nodes of the file that the walk never comes to.

@@ -55,7 +55,7 @@ struct Sentence {
     std::string m_isNot; // the attribute has another value
 };
 
-// In the order of the attributes; of each the row without value comes last. For export as data.
+// In the order of the attributes; of each the row without value comes last.
 std::vector<Sentence> const& sentenceTable();
 
 // "`attribute` is `value`", not filled. Of what is no attribute it shows the number.

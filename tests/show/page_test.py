@@ -28,6 +28,9 @@ class Structure(html.parser.HTMLParser):
                 self.addresses.append(attrs[name])
 
 
+SPAM = showpage.EXAMPLES / "spam-bot-dynamic-name.eml"
+
+
 class Page(showpage.ShowPageTest):
     def open(self, *arguments, size=browser.DESKTOP, scheme="light", **how):
         self.browser.open(self.page(*arguments, **how), size, scheme)
@@ -52,8 +55,8 @@ class Page(showpage.ShowPageTest):
     def test_fits_every_screen(self):
         for size, name in ((browser.DESKTOP, "desktop"), (browser.PHONE, "phone")):
             for scheme in ("light", "dark"):
-                self.open(size=size, scheme=scheme)
-                self.judge("first_reverse_dynamic=yes, hop_behind_first=no")
+                self.open("--message", SPAM, "--dns", "off", size=size, scheme=scheme)
+                self.browser.find("#explanation summary").click()
                 self.assert_fits()
                 self.picture(f"show-{name}-{scheme}", whole=True)
 
@@ -135,7 +138,8 @@ class Page(showpage.ShowPageTest):
         self.assertEqual(len(self.browser.find_all("#tree [tabindex='0']")), 1)
 
     def test_searches_words_attributes_and_numbers(self):
-        self.open()
+        self.open("--message", SPAM, "--max-elite-level", "-1")
+        self.choose("")
         for text, nodes, rules in (("first_forged", [2, 13, 14, 15, 16, 17], ["o"]),
                                    ("BEHIND the first", [2, 6, 7, 8], ["9001"]),
                                    ("14", [2, 13, 14], []), ("9002", [], ["9002"]),
@@ -148,8 +152,8 @@ class Page(showpage.ShowPageTest):
                 "return Array.from(document.querySelectorAll('#elite tbody tr'))"
                 ".filter((row) => !row.hidden).map((row) => row.dataset.code)"), rules, text)
         self.browser.find("#search").send_keys("no such words")
-        self.judge("first_reverse_dynamic=yes, hop_behind_first=0")
-        self.assertEqual(self.shown_nodes(), [2, 6, 8, 10, 12])
+        self.choose(0)
+        self.assertEqual(self.shown_nodes(), [2, 6, 8, 10, 11])
         self.browser.find("#search").send_keys(Keys.ESCAPE)
         self.assertEqual(self.browser.find("#found").text, "")
         self.assertGreater(len(self.shown_nodes()), 3)
@@ -186,9 +190,6 @@ class Page(showpage.ShowPageTest):
         text = self.browser.find("#tree").text
         self.assertIn("back to node 2: the walk can go in circles", text)
         self.assertIn("child 700 is outside the table: the walk gives up here", text)
-        self.assertIn("The walk goes in circles", self.judge("chain_broken=yes")["text"])
-        answer = self.judge("chain_broken=no")
-        self.assertEqual((answer["verdict"], answer["path"]), ("No verdict", [2, 4]))
 
     def test_rules_that_no_host_loads_are_shown_and_judge_nothing(self):
         # Node 3 tests attribute 40.
@@ -198,7 +199,8 @@ class Page(showpage.ShowPageTest):
         showpage.rules("show", self.folder / "bad", "--format", "html", "-o", path)
         self.browser.open(path)
         self.assertIn("No host would load these rules", self.browser.find("header").text)
-        self.assertEqual(self.browser.find_all("#pasted"), [])
+        self.assertEqual(self.browser.find_all("#try"), [])
+        self.assertNotIn("--serve", self.browser.find("header").text)
 
 
 def contrast(*colours):

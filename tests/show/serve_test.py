@@ -1,6 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
 """`qvrules show --serve`: the page in a browser, and what the server refuses."""
-import http.client
 import json
 import os
 import re
@@ -15,58 +14,8 @@ import unittest
 import showpage
 
 MESSAGE = showpage.EXAMPLES / "spam-bot-dynamic-name.eml"
+VECTOR = {"Content_Type": "text/x-attribute-vector"}
 MIB = b"x" * (1 << 20)
-
-
-class Server:
-    """The program, serving the starter rules on a port of its choice."""
-
-    def __init__(self, *arguments):
-        self.process = subprocess.Popen(
-            [os.environ["QV_RULES"], "show", str(showpage.STARTER), "--dns-data",
-             str(showpage.EXAMPLES / "dns.zone"), *arguments, "--serve"],
-            stdout=subprocess.PIPE, text=True)
-        line = self.process.stdout.readline()
-        self.port = int(re.search(r"http://127\.0\.0\.1:(\d+)/", line).group(1))
-        self.origin = f"http://127.0.0.1:{self.port}"
-
-    def ask(self, method, path, body=None, host=None, **headers):
-        """Status and text of an answer. Header names have "_" for "-"."""
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=60)
-        connection.putrequest(method, path, skip_host=True, skip_accept_encoding=True)
-        connection.putheader("Host", host or f"127.0.0.1:{self.port}")
-        for name, value in headers.items():
-            connection.putheader(name.replace("_", "-"), value)
-        if body is not None and "Content_Length" not in headers:
-            connection.putheader("Content-Length", str(len(body)))
-        connection.endheaders(body)
-        answer = connection.getresponse()
-        text = answer.read().decode()
-        connection.close()
-        return answer.status, text
-
-    def post(self, body, **headers):
-        headers = {"Content_Type": "message/rfc822", **headers}
-        return self.ask("POST", "/explain", body, **headers)
-
-    def connect(self, start=b""):
-        """A connection on which `start` has been sent."""
-        connection = socket.create_connection(("127.0.0.1", self.port), timeout=60)
-        connection.sendall(start)
-        return connection
-
-    def post_start(self, *headers):
-        """The head of a posted message, as far as `headers` go."""
-        lines = ["POST /explain HTTP/1.1", f"Host: 127.0.0.1:{self.port}",
-                 "Content-Type: message/rfc822", *headers, "", ""]
-        return "\r\n".join(lines).encode()
-
-    def end(self):
-        """Ctrl-C; the exit status."""
-        self.process.send_signal(signal.SIGINT)
-        status = self.process.wait(60)
-        self.process.stdout.close()
-        return status
 
 
 def whole_answer(connection):
@@ -106,7 +55,7 @@ class Dawdlers:
 class Protocol(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.server = Server()
+        cls.server = showpage.Server()
 
     @classmethod
     def tearDownClass(cls):
@@ -136,6 +85,39 @@ class Protocol(unittest.TestCase):
         for origin in ("http://evil.example", "null", f"https://127.0.0.1:{self.server.port}",
                        "http://127.0.0.1:1"):
             self.assertEqual(self.server.post(b"From: x\n\n", Origin=origin)[0], 403, origin)
+
+    def test_explains_a_vector_as_qvrules_does(self):
+        for text in ("first_reverse_dynamic=yes", "hop_behind_first=yes", "deep_helo_dynamic=yes",
+                     "hop_behind_first=yes,deep_helo_dynamic=not-analysed", " chain_broken = 1 "):
+            status, told = self.server.post(text.encode(), **VECTOR)
+            wanted = showpage.rules("explain", showpage.STARTER, text, "--format", "json")
+            self.assertEqual((status, told), (200, wanted), text)
+
+    def test_judges_with_the_settings_that_it_is_asked_for(self):
+        text = "first_reverse_dynamic=yes,first_helo_is_domain=no"
+        for options in (["--spam-threshold=0.97"], ["--spam-threshold=inf", "--ham-threshold=-inf"],
+                        ["--walk-to-leaf=0", "--min-support=+3"], ["--max-elite-level=-1"]):
+            query = "&".join(option[2:].replace("+", "%2B") for option in options)
+            status, told = self.server.post(text.encode(), query=query, **VECTOR)
+            wanted = showpage.rules("explain", showpage.STARTER, text, "--format", "json", *options)
+            self.assertEqual((status, told), (200, wanted), options)
+        self.assertEqual(json.loads(self.server.post(MESSAGE.read_bytes())[1])["verdict"], "spam")
+        status, told = self.server.post(MESSAGE.read_bytes(), query="spam-threshold=0.98")
+        self.assertEqual((status, json.loads(told)["verdict"]), (200, "none"))
+
+    def test_says_what_is_wrong_with_settings_and_vectors(self):
+        for query, text in (("spam-threshold=0.9x", 'spam-threshold: "0.9x" is not a number'),
+                            ("walk-to-leaf=2", 'walk-to-leaf: "2" is no whole number from 0 to 1'),
+                            ("dns-data=/etc/passwd", 'a page cannot set "dns-data"')):
+            self.assertEqual(self.server.post(MESSAGE.read_bytes(), query=query),
+                             (422, text + "\n"))
+        for vector, text in ((b"first_helo=yes", 'no attribute is called "first_helo"'),
+                             (b"first_forged=maybe", "first_forged has no value"),
+                             (b"first_forged=1,first_forged=0", "given twice"),
+                             (MESSAGE.read_bytes(), "is no NAME=VALUE")):
+            status, told = self.server.post(vector, **VECTOR)
+            self.assertEqual(status, 422)
+            self.assertIn(text, told)
 
     def test_refuses_what_is_no_message(self):
         self.assertEqual(self.server.post(b"From: x\n\n", Content_Type="text/plain")[0], 415)
@@ -217,7 +199,7 @@ class Protocol(unittest.TestCase):
             self.assertEqual(self.server.ask("GET", "/")[0], 200)
 
     def test_ends_while_others_dawdle(self):
-        server = Server()
+        server = showpage.Server()
         with Dawdlers(server, silent=8, slow=60):
             self.assertEqual(server.end(), 0)
 
@@ -276,7 +258,7 @@ class WhatIsKnownOfMessages(unittest.TestCase):
         assert cls.record["explain"]["attributes"] != bare["explain"]["attributes"]
 
     def test_served(self):
-        server = Server(*self.OPTIONS)
+        server = showpage.Server(*self.OPTIONS)
         try:
             told = json.loads(server.post(MESSAGE.read_bytes())[1])
         finally:
@@ -312,56 +294,6 @@ class WhatIsKnownOfMessages(unittest.TestCase):
             cases.write("\n".join(lines) + "\n")
             cases.flush()
             showpage.rules("test", cases.name)
-
-
-class ServedPage(showpage.ShowPageTest):
-    @classmethod
-    def setUpClass(cls):
-        cls.server = Server("--message", str(showpage.EXAMPLES / "gmail-like.eml"))
-        cls.origins = (cls.server.origin,)
-        super().setUpClass()
-
-    @classmethod
-    def tearDownClass(cls):
-        super().tearDownClass()
-        assert cls.server.end() == 0
-
-    def test_explains_a_message_that_is_dropped_in(self):
-        self.browser.open(self.server.origin + "/")
-        self.browser.run("""
-            const transfer = new DataTransfer();
-            transfer.items.add(new File([arguments[0]], 'odd & <b>.eml'));
-            document.body.dispatchEvent(
-                new DragEvent('drop', {dataTransfer: transfer, bubbles: true, cancelable: true}));
-        """, MESSAGE.read_text(encoding="utf-8"))
-        self.wait_for(lambda: self.answer()["verdict"] == "Spam")
-        answer = self.answer()
-        self.assertIn("announced, dsl-203-0-113-17.pool.provider.example, looks dynamically",
-                      answer["text"])
-        self.assertIn("odd & <b>.eml", answer["text"])
-        self.assertEqual(answer["fired"], ["9001"])
-
-    def test_explains_a_message_that_is_pasted(self):
-        self.browser.open(self.server.origin + "/")
-        self.judge(MESSAGE.read_text(encoding="utf-8"))
-        self.wait_for(lambda: self.answer()["verdict"] == "Spam")
-
-    def test_offers_the_messages_of_the_command_line(self):
-        self.browser.open(self.server.origin + "/")
-        titles = [option.text for option in self.browser.find_all("#message option")]
-        self.assertEqual([title.rsplit("/", 1)[-1] for title in titles],
-                         ["none", "gmail-like.eml"])
-
-    def test_says_when_the_server_is_gone(self):
-        gone = Server()
-        self.browser.origins = (*self.origins, gone.origin)
-        self.browser.open(gone.origin + "/")
-        gone.end()
-        self.judge("Received: x\n\n")
-        self.wait_for(lambda: self.answer()["complaints"])
-        self.assertIn("no longer runs", self.answer()["text"])
-        # The browser complains, too.
-        self.assertIn("/explain", " ".join(self.browser.problems()))
 
 
 if __name__ == "__main__":

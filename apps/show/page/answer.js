@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The answer to one message, told: the verdict, the reasons in plain words, the path in the tree and
-// the elite rules that fired. Text of messages enters the page as text only.
+// The explanation of one message as its record has it: the verdict and why, its hops, its
+// attributes, the rules that fired, the path in the tree and what another verdict would need. The
+// page adds nothing to it. Text of messages enters the page as text only.
 const QvAnswer = (() => {
   "use strict";
 
-  let place = null;
   let eliteRows = new Map();
+  const part = (name) => document.getElementById(name);
 
-  function start(element, rows) {
-    place = element;
+  function start(rows) {
     // By place in the engine's list; rules that engines drop have none.
     eliteRows = new Map(rows.filter((row) => row.dataset.place !== undefined)
       .map((row) => [Number(row.dataset.place), row]));
@@ -18,46 +18,59 @@ const QvAnswer = (() => {
   // An element with properties and children; a string child is text.
   function make(tag, properties, ...children) {
     const element = Object.assign(document.createElement(tag), properties);
-    element.append(...children.filter((child) => child !== null));
+    element.append(...children);
     return element;
   }
 
-  const nodeItem = (number) => document.getElementById(`node-${number}`);
+  // "0.97 spam reaches ..." as a sentence.
+  const sentence = (text) => `${text.charAt(0).toUpperCase()}${text.slice(1)}.`;
+  const nodeItem = (number) => part(`node-${number}`);
+  const code = (text) => make("code", {textContent: text});
+
+  // Outcomes of elite rules that matched and came to something.
+  const isFired = ({outcome}) =>
+    ["adjusted", "passedOver", "replaced", "chosen"].includes(outcome);
 
   // --- marks in tree and table ---
 
   function clearMarks() {
-    for (const marked of document.querySelectorAll(".on-path, .decides, .fired")) {
-      marked.classList.remove("on-path", "decides", "fired");
+    for (const marked of document.querySelectorAll(".on-path, .decides, .fired, .failed")) {
+      marked.classList.remove("on-path", "decides", "fired", "failed");
       marked.removeAttribute("aria-current");
+    }
+    for (const outcome of document.querySelectorAll("#elite .outcome")) {
+      outcome.remove();
     }
   }
 
-  function markTree(answer) {
-    const path = (answer.walk?.path ?? []).map(nodeItem).filter((item) => item !== null);
+  function markTree({node, explain: {tree}}) {
+    const path = tree.path.map(nodeItem).filter((item) => item !== null);
     for (const item of path) {
       item.classList.add("on-path");
     }
-    if (answer.by === "tree") {
-      const item = nodeItem(answer.node);
-      item?.classList.add("decides");
-      item?.setAttribute("aria-current", "true");
+    if (tree.use === "walked" && node !== 0) {
+      nodeItem(node)?.classList.add("decides");
+      nodeItem(node)?.setAttribute("aria-current", "true");
     }
     if (path.length > 0) {
       QvTree.reveal(path, true);
     }
   }
 
-  function markElite(answer) {
-    for (const fired of answer.hits.fired) {
-      eliteRows.get(fired)?.classList.add("fired");
-    }
-    if (answer.by === "elite") {
-      eliteRows.get(answer.hits.chosen)?.classList.add("decides");
+  function markElite({explain: {rules, tree}}) {
+    for (const [place, rule] of rules.entries()) {
+      const row = eliteRows.get(place);
+      row.classList.toggle("fired", isFired(rule));
+      row.classList.toggle("decides", tree.use === "eliteDecided" && rule.outcome === "chosen");
+      row.querySelector(".effect").append(
+        make("span", {className: "outcome", textContent: rule.text}));
+      if (rule.failedTest !== null) {
+        row.querySelectorAll(".when li")[rule.failedTest].classList.add("failed");
+      }
     }
   }
 
-  // --- the story ---
+  // --- parts of the explanation ---
 
   function linkTo(number) {
     const link = make("a", {href: `#node-${number}`, textContent: `node ${number}`});
@@ -71,108 +84,131 @@ const QvAnswer = (() => {
     return link;
   }
 
-  function decider(answer) {
-    switch (answer.by) {
-      case "tree":
-        return make("p", {}, "Decided by ", linkTo(answer.node), " of the tree.");
-      case "elite": {
-        const link = make("a", {href: `#elite-${answer.hits.chosen}`,
-          textContent: `elite rule ${answer.node}`});
-        return make("p", {}, "Decided by ", link, ".");
-      }
-      default:
-        return null;
-    }
+  const linkToRule = (rule, place) =>
+    make("a", {href: `#elite-${place}`, textContent: `rule ${rule.code}`});
+
+  // Nothing without content.
+  function section(title, ...content) {
+    return content.length === 0 ? [] : [make("h4", {textContent: title}), ...content];
   }
 
-  // One line for each fact that a rule or a node on the way asked for and found. Several attributes
-  // say that there is no deep hop.
-  function facts(rules, message, answer) {
-    const said = new Set();
-    const lines = [];
-    const add = (attribute, from) => {
-      const words = QvWords.valueSentence(attribute, message.attributes[attribute], message.names);
-      if (!said.has(words)) {
-        said.add(words);
-        lines.push(make("li", {},
-          make("span", {className: "fact", textContent: `${QvWords.capital(words)}.`}),
-          " ", make("span", {className: "muted from"}, ...from)));
-      }
+  const listOf = (tag, items) => items.length === 0 ? [] : [make(tag, {}, ...items)];
+  const wordsOf = (words) => listOf("ul", words.map((text) => make("li", {textContent: text})));
+
+  // Rows of [class, ...cells]; where there is no room for columns, a cell stands after its name.
+  function table(label, names, rows) {
+    if (rows.length === 0) {
+      return [];
+    }
+    const cell = (content, i) => {
+      const one = make("td", {}, content);
+      one.dataset.name = names[i];
+      return one;
     };
-    if (answer.by === "elite") {
-      for (const {attribute} of rules.elite[answer.hits.chosen]?.conditions ?? []) {
-        add(attribute, []);
-      }
-    }
-    for (const number of (answer.walk?.path ?? []).slice(1)) {
-      add(QvEngine.nodeAt(rules, number).attribute, [linkTo(number)]);
-    }
-    return lines.length === 0 ? null
-      : make("div", {}, make("h4", {textContent: "What led there"}), make("ol", {}, ...lines));
+    const box = make("div", {className: "scroll", tabIndex: 0, ariaLabel: label},
+      make("table", {},
+        make("thead", {}, make("tr", {}, ...names.map((name) => make("th", {textContent: name})))),
+        make("tbody", {}, ...rows.map(([className, ...cells]) =>
+          make("tr", {className}, ...cells.map(cell))))));
+    box.setAttribute("role", "region");
+    return [box];
   }
 
-  function adjustments(rules, message, answer) {
-    const fired = answer.hits.fired.filter((one) => rules.elite[one].type === QvEngine.adjusting);
-    if (fired.length === 0) {
-      return null;
+  function decider({node, explain: {rules, tree}}) {
+    if (node === 0) {
+      return [];
     }
-    const lines = fired.map((one) => {
-      const {code, weight, conditions} = rules.elite[one];
-      const because = conditions.map(({attribute}) =>
-        QvWords.valueSentence(attribute, message.attributes[attribute], message.names));
-      const amount = QvWords.number(Math.abs(weight));
-      const does = !Number.isFinite(weight) ? "adds an unknown amount"
-        : weight < 0 ? `takes away ${amount}` : `adds ${amount}`;
-      const link = make("a", {href: `#elite-${one}`, textContent: `rule ${codeText(code)}`});
-      return make("li", {}, link, ` ${does}`,
-        because.length === 0 ? "." : `: ${because.join("; ")}.`);
-    });
-    return make("div", {}, make("h4", {textContent: "What moved the confidence"}),
-      make("ul", {}, ...lines));
+    const place = rules.findIndex(({outcome}) => outcome === "chosen");
+    return [tree.use === "walked" ? make("p", {}, "Decided by ", linkTo(node), " of the tree.")
+      : make("p", {}, "Decided by elite ", linkToRule(rules[place], place), ".")];
   }
 
-  // An answer carries the low byte of an adjusting rule's code.
-  function codeText(code) {
-    const byte = code & 0xff;
-    return byte > 0x20 && byte < 0x7f ? `'${String.fromCharCode(byte)}'` : `byte ${byte}`;
+  function trail({trail: hops}) {
+    const judged = ["firstPublic", "analysed"];
+    let number = 0;
+    const rows = hops.map((hop) => [
+      judged.includes(hop.role) ? "judged" : "", hop.current ? "now" : String(number += 1),
+      hop.vouched ? "our side" : "the sender?", hop.address ?? "-", hop.from || "-",
+      hop.reverseName || "-", hop.by || "-", hop.text,
+    ]);
+    return section("Trail, newest hop first", ...table("Trail", ["#", "recorded by", "address",
+      "announced", "reverse name", "receiver", "taken for"], rows), ...(rows.length === 0 ? []
+      : [make("p", {className: "muted",
+        textContent: "A sender could have invented what our side did not record."})]));
   }
+
+  // Only those that left something open: an answer shows in the attributes.
+  function lookups({lookups: all}) {
+    const texts = {failed: "the look-up failed", late: "no answer before the deadline"};
+    return section("DNS could not say (counts as not existing)", ...listOf("ul",
+      all.filter(({result}) => Object.hasOwn(texts, result)).map(({name, result}) =>
+        make("li", {}, make("bdi", {textContent: name}), `: ${texts[result]}`))));
+  }
+
+  function attributes({facts}) {
+    const rows = facts.map(({attribute, value, words}) => ["", code(attribute), value, words]);
+    return rows.length === 0 ? [] : [make("details", {},
+      make("summary", {textContent: `Attributes that are not at their default (${rows.length})`}),
+      ...table("Attributes", ["attribute", "value", "in words"], rows))];
+  }
+
+  function firedRules({rules}) {
+    const fired = [...rules.entries()].filter(([, rule]) => isFired(rule));
+    return section("Elite rules that fired", ...listOf("ul", fired.map(([place, rule]) => {
+      const effect = eliteRows.get(place).querySelector(".effect").firstChild.textContent;
+      return make("li", {}, linkToRule(rule, place), ` (${effect}): ${rule.text}`,
+        ...wordsOf(rule.tests.map(({words}) => words)));
+    })));
+  }
+
+  function path({tree}) {
+    const rows = tree.nodes.map(({node, test, words}) => [
+      "", nodeItem(node)?.querySelector(".badge").cloneNode(true) ?? "", linkTo(node),
+      words ?? "All mail", code(test ?? "-"),
+    ]);
+    return section("Path through the tree", ...table("Path",
+      ["spam", "node", "in words", "test"], rows),
+    ...(rows.length === 0 ? [] : [make("p", {className: "muted", textContent:
+      `The walk ends here: ${tree.text}.`})]));
+  }
+
+  function needed({needed: ways}) {
+    return section("Needed for another verdict", ...listOf("ul", ways.map((way) =>
+      make("li", {}, make("b", {textContent: way.verdict}), `: ${way.change}`,
+        ...wordsOf(way.words)))));
+  }
+
+  // --- the whole ---
 
   const titles = {spam: "Spam", ham: "Ham", none: "No verdict"};
 
-  function show(rules, message, settings) {
+  function show(source, record) {
+    const {verdict, explain} = record;
     clearMarks();
-    if (message.problem !== "") {
-      place.replaceChildren(head(message, "none"), make("p", {textContent: message.problem}));
-      return;
-    }
-    const answer = QvEngine.judge(rules, message.attributes, settings);
-    markTree(answer);
-    markElite(answer);
-    const end = answer.walk === null ? null
-      : make("p", {className: "muted", textContent: QvWords.ending(answer.walk)});
-    place.replaceChildren(...[
-      head(message, answer.verdict),
-      make("p", {className: "why", textContent: QvWords.reason(answer, settings)}),
-      decider(answer), facts(rules, message, answer), end, adjustments(rules, message, answer),
-    ].filter((part) => part !== null));
+    part("verdict").replaceChildren(
+      make("h3", {className: `verdict ${verdict}`},
+        make("span", {className: "word", textContent: titles[verdict]}), " ",
+        make("bdi", {className: "source", textContent: source})),
+      make("p", {className: "why", textContent: sentence(explain.because)}));
+    part("explanation").replaceChildren(...decider(record),
+      ...section("What led there", ...listOf("ol", explain.story.map((words) =>
+        make("li", {className: "fact", textContent: sentence(words)})))),
+      ...trail(explain), ...lookups(explain), ...attributes(explain), ...firedRules(explain),
+      ...path(explain), ...needed(explain));
+    markTree(record);
+    markElite(record);
   }
 
-  function head(message, verdict) {
-    return make("h3", {className: `verdict ${verdict}`},
-      make("span", {className: "word", textContent: titles[verdict]}), " ",
-      make("bdi", {className: "source", textContent: message.title}));
-  }
-
-  // Instead of an answer: what a person did wrong, in lines of their own.
-  function complain(...lines) {
-    clearMarks();
-    place.replaceChildren(...lines.map((line) =>
-      make("p", {className: "complaint", textContent: line})));
+  // Instead of an answer: what a person did wrong.
+  function complain(text) {
+    clear();
+    part("verdict").replaceChildren(make("p", {className: "complaint", textContent: text}));
   }
 
   function clear() {
     clearMarks();
-    place.replaceChildren();
+    part("verdict").replaceChildren();
+    part("explanation").replaceChildren();
   }
 
   return {start, show, complain, clear};

@@ -9,7 +9,6 @@
   const eliteRows = Array.from(document.querySelectorAll("#elite tbody tr"));
 
   document.documentElement.classList.add("scripted");
-  QvWords.use(data);
   QvTree.start(part("tree"));
   QvSearch.start(part("search"), part("found"), eliteRows);
   part("open-all").addEventListener("click", () => QvTree.openTo(Infinity));
@@ -20,8 +19,11 @@
       QvTree.goTo(document.querySelector(link.getAttribute("href")));
     });
   }
-  if (data.canJudge) {
-    QvAnswer.start(part("answer"), eliteRows);
-    QvTrial.start(data);
+  if (part("answer")) {
+    QvAnswer.start(eliteRows);
+    QvMessages.start(data.messages);
+  }
+  if (part("pasted")) {
+    QvTrial.start(data.maxMessage);
   }
 })();
