@@ -17,13 +17,13 @@ constexpr int engineFailed = 50332198;
 constexpr int engineFailedOtherwise = 50332199;
 constexpr int initFailed = 50332201;
 
-// Throws nothing, whatever a host's logger throws: a message that cannot be logged is lost, and a
-// scan or a reload goes on. Without a reason there is no more to say than the id does.
+// Throws nothing, whatever a host's logger throws: a message that cannot be logged is lost, and the
+// scan or the load goes on. Without a reason the text is blank.
 void s_log(int messageId, Exception const* reason) {
     try {
         std::string const text = reason == nullptr ? " " : reason->asString();
         Logger::instance(false)->log(messageId, 0, "%s", text.c_str());
-    } catch (...) { // nobody is left to hear of it
+    } catch (...) { // there is nowhere left to report it
     }
 }
 

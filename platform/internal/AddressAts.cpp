@@ -55,8 +55,8 @@ class AtScan {
         }
     }
 
-    // Skips what the byte at hand opens. Nothing closes what is opened after an open one, and to
-    // look for it again would take long in hostile text.
+    // Skips what the byte at hand opens. After one that is never closed no other is looked for:
+    // hostile text would make that take long.
     bool skip(std::size_t (*after)(std::string_view, std::size_t), bool& isOpen) {
         auto const end = isOpen ? npos : after(m_text, m_position + 1);
         isOpen = end == npos;
@@ -68,7 +68,7 @@ class AtScan {
         return afterSpan(text, position, '"');
     }
 
-    // The colons of an IPv6 literal part nothing.
+    // The colons of an IPv6 literal separate nothing.
     bool isDelimiter(char c) const {
         return s_delimiters.find(c) != npos || (c == ':' && !m_isInLiteral);
     }
@@ -96,7 +96,7 @@ class AtScan {
     char m_before = '\0'; // the last byte that is no blank and in no comment
     bool m_isAfterGap = false;
     bool m_isInLiteral = false;
-    // Of the whole text: where one stands open, it is a byte like others, as those after it are.
+    // Of the whole text: a mark that nothing closes is a byte like others, as are those after it.
     bool m_isQuoteOpen = false;
     bool m_isCommentOpen = false;
 };
