@@ -234,7 +234,7 @@ void s_onManyThreads(std::function<void()> const& work) {
 
 // Nothing but counting, so that threads that count in two steps are sure to lose some.
 TEST(RefcountedThreadsTest, NoCountIsLostAmongThreads) {
-    constexpr int rounds = 500000;
+    constexpr int rounds = 3000000;
     RefImpl impl;
     s_onManyThreads([&] {
         for (int i = 0; i < rounds; ++i) {
