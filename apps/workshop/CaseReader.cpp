@@ -68,6 +68,7 @@ class CaseReader {
 
     std::string unknownKey(std::string_view name) const {
         std::vector<std::string_view> names;
+        names.reserve(s_keys.size());
         for (auto const& key : s_keys) {
             names.push_back(key.m_name);
         }
