@@ -34,7 +34,7 @@ TEST(AskedSettingsTest, WhatIsNotNamedStaysAsTheHostHasIt) {
 TEST(AskedSettingsTest, ReadsWhatFormsWrite) {
     EXPECT_EQ(askedSettings({}, "max-elite-level=%2B3").m_judging.maxEliteLevel, 3);
     EXPECT_EQ(askedSettings({}, "min%2Dsupport=%31%2e5").m_judging.minSupport, 1.5);
-    EXPECT_THAT(s_problem("min-support=1+2"), HasSubstr("\"1 2\" is no number"));
+    EXPECT_THAT(s_problem("min-support=1+2"), HasSubstr("\"1 2\" is not a number"));
     for (auto const* odd : {"%", "%4", "%zz", "%4x", "% 4"}) {
         EXPECT_THAT(s_problem(std::string("min-support=") + odd),
                     HasSubstr('"' + std::string(odd) + '"'));
@@ -52,9 +52,9 @@ TEST(AskedSettingsTest, RefusesOtherSettingsAndWrongValues) {
              Case{"score-threshold=1", "cannot set \"score-threshold\""},
              Case{"x", "cannot set \"x\""},
              Case{"=1", "cannot set \"\""},
-             Case{"spam-threshold", "spam-threshold: \"\" is no number"},
-             Case{"spam-threshold=nan", "spam-threshold: \"nan\" is no number"},
-             Case{"spam-threshold=1&walk-to-leaf=2", "walk-to-leaf: \"2\" is no whole number"},
+             Case{"spam-threshold", "spam-threshold: \"\" is not a number"},
+             Case{"spam-threshold=nan", "spam-threshold: \"nan\" is not a number"},
+             Case{"spam-threshold=1&walk-to-leaf=2", "walk-to-leaf: \"2\" is not a whole number"},
          }) {
         EXPECT_THAT(s_problem(query), HasSubstr(problem)) << query;
     }
