@@ -106,7 +106,8 @@ TEST_F(AdapterTest, AMessageWithoutPublicHopGetsADefaultAnswerWhateverTheRules) 
 }
 
 TEST_F(AdapterTest, ASpamTrailGetsItsVerdictThroughAllStages) {
-    m_rules.writeTree(treeOf({leaf(7, 0, 0.5), leaf(7, 1, 0.97)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloMatchesReverse, 0, 0.5),
+                              leaf(Attribute::firstHeloMatchesReverse, 1, 0.97)}));
     Message message(received("mail.b.example", "b.example", "192.0.2.7", "c.example"));
     message.m_settings.spamThreshold = 0.9;
     auto query = message.query();
@@ -128,7 +129,7 @@ TEST_F(AdapterTest, AKeptWorkingRecordIsThatOfTheScan) {
 }
 
 TEST_F(AdapterTest, ScansOfOneQueryGiveTheSameAnswer) {
-    m_rules.writeTree(treeOf({leaf(7, 0, 0.97)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloMatchesReverse, 0, 0.97)}));
     Message message(s_spamTrail());
     message.m_settings.spamThreshold = 0.9;
     auto query = message.query();

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 TEST(AttributeTableTest, NamesAreDistinctAndFoundAgain) {
@@ -46,4 +46,4 @@ TEST(AttributeTableTest, TheForgedFlagTakesWhateverTheHostGives) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Engine.h"
+#include "rules/format/AttributeTable.h"
 
 namespace Quorvane::Testing {
 namespace {
@@ -27,7 +28,7 @@ TEST_F(AttributesTest, TheMessageIdDomainHasADotOrNot) {
     for (auto const& row : rows) {
         MsgProperties props;
         props.messageIdDomain = row.m_domain;
-        EXPECT_EQ(of(props).attributes[15], row.m_hasDot) << row.m_domain;
+        EXPECT_EQ(of(props).attributes[Attribute::messageIdHasDot], row.m_hasDot) << row.m_domain;
     }
 }
 
@@ -54,8 +55,10 @@ TEST_F(AttributesTest, TheAuthorsDomainIsRelatedToSenderAndMessageId) {
         props.envelopeFrom = address(row.m_envelope);
         props.messageIdDomain = row.m_messageId;
         auto const attributes = of(props).attributes;
-        EXPECT_EQ(attributes[18], row.m_authorEnvelope) << row.m_author << " / " << row.m_envelope;
-        EXPECT_EQ(attributes[19], row.m_authorMessageId) << row.m_author;
+        EXPECT_EQ(attributes[Attribute::fromMatchesEnvelope], row.m_authorEnvelope)
+            << row.m_author << " / " << row.m_envelope;
+        EXPECT_EQ(attributes[Attribute::fromMatchesMessageId], row.m_authorMessageId)
+            << row.m_author;
     }
 }
 
@@ -75,7 +78,8 @@ TEST_F(AttributesTest, TheAnnouncedNameIsLookedUpOnlyWhenItIsAName) {
         MsgProperties props;
         props.receivers[0].helo = row.m_helo;
         props.receivers[0].heloIsIP = row.m_heloIsIP;
-        EXPECT_EQ(of(props).attributes[3], row.m_resolves) << row.m_helo << ' ' << row.m_heloIsIP;
+        EXPECT_EQ(of(props).attributes[Attribute::firstHeloResolves], row.m_resolves)
+            << row.m_helo << ' ' << row.m_heloIsIP;
     }
 }
 
@@ -85,7 +89,7 @@ TEST_F(AttributesTest, TheEnvelopeSendersDomainIsLookedUp) {
          {std::pair("a@v6.mail.example", 1), {"a@gone.example", 0}, {"", 0}}) {
         MsgProperties props;
         props.envelopeFrom = address(sender);
-        EXPECT_EQ(of(props).attributes[29], resolves) << sender;
+        EXPECT_EQ(of(props).attributes[Attribute::envelopeDomainResolves], resolves) << sender;
     }
 }
 
@@ -94,21 +98,21 @@ TEST_F(AttributesTest, TheAnnouncedNameOfTheRecipientsDomainIsTold) {
     props.receivers[0].helo = "mx.example.com";
     props.recipient = address("b@example.com");
     props.envelopeFrom = address("a@example.net");
-    EXPECT_EQ(of(props).attributes[31], 1);
+    EXPECT_EQ(of(props).attributes[Attribute::heloIsRecipientNotEnvelope], 1);
     props.envelopeFrom = address("a@example.com");
-    EXPECT_EQ(of(props).attributes[31], 0);
+    EXPECT_EQ(of(props).attributes[Attribute::heloIsRecipientNotEnvelope], 0);
     props.recipient = address("b@example.org");
-    EXPECT_EQ(of(props).attributes[31], 0);
+    EXPECT_EQ(of(props).attributes[Attribute::heloIsRecipientNotEnvelope], 0);
 }
 
 TEST_F(AttributesTest, TheDeepHopsAddressIsComparedWithTheFirst) {
     MsgProperties props;
-    EXPECT_EQ(of(props).attributes[32], 2);
+    EXPECT_EQ(of(props).attributes[Attribute::deepSameAddress], 2);
     props.receivers[0].ip = "192.0.2.1";
     props.receivers[1].ip = "192.0.2.1";
-    EXPECT_EQ(of(props).attributes[32], 1);
+    EXPECT_EQ(of(props).attributes[Attribute::deepSameAddress], 1);
     props.receivers[1].ip = "192.0.2.10";
-    EXPECT_EQ(of(props).attributes[32], 0);
+    EXPECT_EQ(of(props).attributes[Attribute::deepSameAddress], 0);
 }
 
 // Which code of which hop stands where in the vector.

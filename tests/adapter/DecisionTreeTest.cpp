@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Engine.h"
+#include "rules/format/AttributeTable.h"
 
 #include <limits>
 
@@ -33,11 +34,11 @@ class DecisionTreeTest : public EngineTest {
         return engine->travelDT(settings, start, m_props);
     }
 
-    MsgProperties m_props; // attribute 5 stays 0
+    MsgProperties m_props; // firstHeloDynamic stays 0
 };
 
 std::vector<DTNode> s_leaves(std::size_t count) {
-    return std::vector<DTNode>(count, leaf(5, 0, 0.5));
+    return std::vector<DTNode>(count, leaf(Attribute::firstHeloDynamic, 0, 0.5));
 }
 
 // --- loading ------------------------------------------------------------------------------------
@@ -92,7 +93,7 @@ TEST_F(DecisionTreeTest, RecordsFromIndex3OnAreChecked) {
 }
 
 TEST_F(DecisionTreeTest, ATrailingIncompleteRecordFillsItsSlotAsFarAsItGoes) {
-    auto nodes = treeOf({leaf(5, 0, 0.5)});
+    auto nodes = treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5)});
     auto whole = treeBytes(nodes);
     auto const engine = load(whole.substr(0, whole.size() - 8)); // without the support
     ASSERT_NE(engine, nullptr);
@@ -113,29 +114,32 @@ TEST_F(DecisionTreeTest, AnIncompleteRecordIsNotChecked) {
 // --- walking ------------------------------------------------------------------------------------
 
 TEST_F(DecisionTreeTest, GoesDownToTheLeafThatAdmitsTheMessage) {
-    auto nodes = treeOf({leaf(5, 1, 0.1), node(5, 0, 0.2)});
+    auto nodes = treeOf(
+        {leaf(Attribute::firstHeloDynamic, 1, 0.1), node(Attribute::firstHeloDynamic, 0, 0.2)});
     nodes[4].childCount = 1;
     nodes[4].children[0] = 5;
-    nodes.push_back(leaf(6, 0, 0.9));
+    nodes.push_back(leaf(Attribute::deepHeloDynamic, 0, 0.9));
     EXPECT_EQ(walk(nodes), 5);
-    m_props.attributes[5] = 1;
+    m_props.attributes[Attribute::firstHeloDynamic] = 1;
     EXPECT_EQ(walk(nodes), 3);
-    m_props.attributes[5] = 2;
+    m_props.attributes[Attribute::firstHeloDynamic] = 2;
     EXPECT_EQ(walk(nodes), -1);
 }
 
 TEST_F(DecisionTreeTest, TheChildInTheLowerSlotWins) {
-    EXPECT_EQ(walk(treeOf({leaf(5, 0, 0.1), leaf(5, 0, 0.9)})), 3);
+    EXPECT_EQ(walk(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.1),
+                           leaf(Attribute::firstHeloDynamic, 0, 0.9)})),
+              3);
 }
 
 TEST_F(DecisionTreeTest, AnyTestButZeroAsksForADifferentValue) {
     for (std::int32_t const test : {1, -1, -7}) {
-        auto differs = leaf(5, 1, 0.1);
+        auto differs = leaf(Attribute::firstHeloDynamic, 1, 0.1);
         differs.test = test;
         EXPECT_EQ(walk(treeOf({differs})), 3) << test;
-        m_props.attributes[5] = 1;
+        m_props.attributes[Attribute::firstHeloDynamic] = 1;
         EXPECT_EQ(walk(treeOf({differs})), -1) << test;
-        m_props.attributes[5] = 0;
+        m_props.attributes[Attribute::firstHeloDynamic] = 0;
     }
 }
 
@@ -144,16 +148,16 @@ TEST_F(DecisionTreeTest, ATestOf5IsATestForADifferentValue) {
     auto nodes = treeOf({});
     nodes[treeRoot].childCount = 1;
     nodes[treeRoot].children[0] = 1;
-    nodes[1] = leaf(5, 1, 0.5);
+    nodes[1] = leaf(Attribute::firstHeloDynamic, 1, 0.5);
     nodes[1].test = 5;
     EXPECT_EQ(walk(nodes), 1);
 }
 
 TEST_F(DecisionTreeTest, AChildOfTooLittleSupportLeavesTheWalkAtItsParent) {
-    auto nodes = treeOf({node(5, 0, 0.2, 10.0)});
+    auto nodes = treeOf({node(Attribute::firstHeloDynamic, 0, 0.2, 10.0)});
     nodes[3].childCount = 1;
     nodes[3].children[0] = 4;
-    nodes.push_back(leaf(6, 0, 0.9, 0.1));
+    nodes.push_back(leaf(Attribute::deepHeloDynamic, 0, 0.9, 0.1));
     EXPECT_EQ(walk(nodes), 3);
     DeepHeaderSettings settings;
     settings.minSupport = 0.1;
@@ -163,14 +167,16 @@ TEST_F(DecisionTreeTest, AChildOfTooLittleSupportLeavesTheWalkAtItsParent) {
 }
 
 TEST_F(DecisionTreeTest, NaNSupportIsTooLittle) {
-    EXPECT_EQ(walk(treeOf({leaf(5, 0, 0.5, std::numeric_limits<double>::quiet_NaN())})), 2);
+    EXPECT_EQ(walk(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5,
+                                std::numeric_limits<double>::quiet_NaN())})),
+              2);
 }
 
 TEST_F(DecisionTreeTest, WithoutWalkingToTheLeafAConfidentInteriorNodeDecides) {
-    auto nodes = treeOf({node(5, 0, 0.9, 10.0)});
+    auto nodes = treeOf({node(Attribute::firstHeloDynamic, 0, 0.9, 10.0)});
     nodes[3].childCount = 1;
     nodes[3].children[0] = 4;
-    nodes.push_back(leaf(6, 0, 0.1, 10.0));
+    nodes.push_back(leaf(Attribute::deepHeloDynamic, 0, 0.1, 10.0));
     DeepHeaderSettings settings;
     settings.spamThreshold = 0.9;
     EXPECT_EQ(walk(nodes, settings), 4);
@@ -181,7 +187,7 @@ TEST_F(DecisionTreeTest, WithoutWalkingToTheLeafAConfidentInteriorNodeDecides) {
 }
 
 TEST_F(DecisionTreeTest, AConfidentRootDecidesAtOnce) {
-    auto nodes = treeOf({leaf(5, 0, 0.1)});
+    auto nodes = treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.1)});
     nodes[treeRoot].confidence = 0.99;
     nodes[treeRoot].support = 100.0;
     DeepHeaderSettings settings;
@@ -199,28 +205,30 @@ TEST_F(DecisionTreeTest, AConfidentRootDecidesAtOnce) {
 
 TEST_F(DecisionTreeTest, ChildrenOutsideTheTableEndTheWalk) {
     for (std::int32_t const child : {-1, 0, 500, 2147483647, -2147483647 - 1}) {
-        auto nodes = treeOf({leaf(5, 1, 0.5), leaf(5, 0, 0.5)});
+        auto nodes = treeOf(
+            {leaf(Attribute::firstHeloDynamic, 1, 0.5), leaf(Attribute::firstHeloDynamic, 0, 0.5)});
         nodes[treeRoot].children[0] = child;
         EXPECT_EQ(walk(nodes), -1) << child;
     }
 }
 
 TEST_F(DecisionTreeTest, AChildBehindTheOneThatAdmitsIsNotLookedAt) {
-    auto nodes = treeOf({leaf(5, 0, 0.5), leaf(5, 0, 0.5)});
+    auto nodes = treeOf(
+        {leaf(Attribute::firstHeloDynamic, 0, 0.5), leaf(Attribute::firstHeloDynamic, 0, 0.5)});
     nodes[treeRoot].children[1] = -1;
     EXPECT_EQ(walk(nodes), 3);
 }
 
 TEST_F(DecisionTreeTest, ChildCountsOutsideTheRecordEndTheWalk) {
     for (std::int32_t const count : {0, -1, 11, 2147483647}) {
-        auto nodes = treeOf({leaf(5, 0, 0.5)});
+        auto nodes = treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5)});
         nodes[treeRoot].childCount = count;
         EXPECT_EQ(walk(nodes), -1) << count;
     }
 }
 
 TEST_F(DecisionTreeTest, AttributesOutsideTheVectorEndTheWalk) {
-    auto nodes = treeOf({leaf(5, 0, 0.5)});
+    auto nodes = treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5)});
     nodes[3].attribute = -1;
     EXPECT_EQ(walk(nodes), -1);
     nodes = treeOf({});
@@ -231,7 +239,7 @@ TEST_F(DecisionTreeTest, AttributesOutsideTheVectorEndTheWalk) {
 }
 
 TEST_F(DecisionTreeTest, TheSlotOfAMissingRecordIsAnInteriorNodeWithoutChildren) {
-    auto nodes = treeOf({leaf(5, 0, 0.5)});
+    auto nodes = treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5)});
     nodes[treeRoot].children[0] = 400;
     EXPECT_EQ(walk(nodes), 2) << "its support of 0 keeps the walk at the root";
     DeepHeaderSettings settings;
@@ -240,17 +248,17 @@ TEST_F(DecisionTreeTest, TheSlotOfAMissingRecordIsAnInteriorNodeWithoutChildren)
 }
 
 TEST_F(DecisionTreeTest, AWalkInCirclesEnds) {
-    auto nodes = treeOf({node(5, 0, 0.5)});
+    auto nodes = treeOf({node(Attribute::firstHeloDynamic, 0, 0.5)});
     nodes[3].childCount = 1;
     nodes[3].children[0] = 3;
     EXPECT_EQ(walk(nodes), -1);
 }
 
 TEST_F(DecisionTreeTest, Node0NeverDecides) {
-    auto nodes = treeOf({leaf(5, 0, 0.5, 0.0)});
-    nodes[0] = leaf(5, 0, 0.5);
+    auto nodes = treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5, 0.0)});
+    nodes[0] = leaf(Attribute::firstHeloDynamic, 0, 0.5);
     EXPECT_EQ(walk(nodes, {}, 0), -1);
-    nodes[0] = node(5, 0, 0.99);
+    nodes[0] = node(Attribute::firstHeloDynamic, 0, 0.99);
     nodes[0].childCount = 1;
     nodes[0].children[0] = 3;
     DeepHeaderSettings settings;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Engine.h"
+#include "rules/format/AttributeTable.h"
 
 #include <limits>
 
@@ -37,13 +38,13 @@ class EliteNodesTest : public EngineTest {
         return codes;
     }
 
-    MsgProperties m_props; // attribute 5 stays 0
+    MsgProperties m_props; // firstHeloDynamic stays 0
 };
 
 using Codes = std::vector<int>;
 
-constexpr EliteCondition holds{5, 0, 0};
-constexpr EliteCondition fails{5, 0, 1};
+constexpr EliteCondition holds{Attribute::firstHeloDynamic, Comparison::equals, 0};
+constexpr EliteCondition fails{Attribute::firstHeloDynamic, Comparison::equals, 1};
 
 // --- loading ------------------------------------------------------------------------------------
 
@@ -100,7 +101,7 @@ TEST_F(EliteNodesTest, ADroppedNodeLeavesTheFileInStep) {
     auto flagged = deciding(1, 0.5, 1.0, {holds, holds});
     flagged.flag = 2;
     auto const badAttribute = deciding(2, 0.5, 1.0, {{38, 0, 0}, holds});
-    auto const badTest = deciding(3, 0.5, 1.0, {{5, 2, 0}, holds});
+    auto const badTest = deciding(3, 0.5, 1.0, {{Attribute::firstHeloDynamic, 2, 0}, holds});
     EXPECT_EQ(
         codes(*load(eliteHeader(4, 1), {flagged, badAttribute, badTest, deciding(4, 0.5, 1.0)})),
         (Codes{4}));
@@ -149,13 +150,19 @@ TEST_F(EliteNodesTest, ANodeMatchesWhenAllItsConditionsHold) {
         bool m_matches;
     } const rows[] = {
         {"no conditions", {}, true},
-        {"equal", {{5, 0, 0}}, true},
-        {"not equal", {{5, 0, 1}}, false},
-        {"differs", {{5, 1, 1}}, true},
-        {"does not differ", {{5, 1, 0}}, false},
-        {"all hold", {{5, 0, 0}, {16, 0, 2}}, true},
-        {"one fails", {{5, 0, 0}, {16, 0, 1}}, false},
-        {"a test of -1 never holds", {{5, -1, 0}}, false},
+        {"equal", {{Attribute::firstHeloDynamic, Comparison::equals, 0}}, true},
+        {"not equal", {{Attribute::firstHeloDynamic, Comparison::equals, 1}}, false},
+        {"differs", {{Attribute::firstHeloDynamic, Comparison::differs, 1}}, true},
+        {"does not differ", {{Attribute::firstHeloDynamic, Comparison::differs, 0}}, false},
+        {"all hold",
+         {{Attribute::firstHeloDynamic, Comparison::equals, 0},
+          {Attribute::messageIdMatchesReverse, Comparison::equals, 2}},
+         true},
+        {"one fails",
+         {{Attribute::firstHeloDynamic, Comparison::equals, 0},
+          {Attribute::messageIdMatchesReverse, Comparison::equals, 1}},
+         false},
+        {"a test of -1 never holds", {{Attribute::firstHeloDynamic, -1, 0}}, false},
         {"a negative attribute never holds", {{-1, 0, 0}}, false},
         {"a negative attribute never differs either", {{-1, 1, 0}}, false},
     };

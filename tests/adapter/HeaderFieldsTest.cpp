@@ -3,6 +3,7 @@
 
 #include "Engine.h"
 #include "received/ReceivedAccess.h"
+#include "rules/format/AttributeTable.h"
 
 namespace Quorvane::Testing {
 namespace {
@@ -381,7 +382,7 @@ TEST_F(HeaderFieldsTest, OnlyStatus3IsIndicated) {
     for (std::int32_t const status : {0, 1, 2, 3, 4, -3}) {
         Message message;
         message.m_properties->status(status);
-        EXPECT_EQ(fields(message).attributes[36], status == 3 ? 1 : 0);
+        EXPECT_EQ(fields(message).attributes[Attribute::statusIndicated], status == 3 ? 1 : 0);
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Engine.h"
 #include "platform/DynamicIdentifier.h"
+#include "rules/format/AttributeTable.h"
 
 namespace Quorvane::Testing {
 namespace {
@@ -115,9 +116,9 @@ TEST_F(HopAnalysisTest, WithoutAuthorNothingIsToldOfTheAuthor) {
     EXPECT_EQ(slot.fromDomainMatchesHelo, 2);
     EXPECT_EQ(slot.fromDomainMatchesReverse, 2);
     EXPECT_EQ(slot.fromDomainMatchesBoth, 8);
-    EXPECT_EQ(props.attributes[25], 2);
-    EXPECT_EQ(props.attributes[22], 2);
-    EXPECT_EQ(props.attributes[27], 2);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesHelo], 2);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesReverse], 2);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesBoth], 2);
 }
 
 struct AuthorCase {
@@ -139,9 +140,9 @@ TEST_F(HopAnalysisTest, TheAuthorsDomainIsRelatedToBothNames) {
         EXPECT_EQ(slot.fromDomainMatchesHelo, row.m_helo);
         EXPECT_EQ(slot.fromDomainMatchesReverse, row.m_reverse);
         EXPECT_EQ(slot.fromDomainMatchesBoth, row.m_both);
-        EXPECT_EQ(props.attributes[25], row.m_helo);
-        EXPECT_EQ(props.attributes[22], row.m_reverse);
-        EXPECT_EQ(props.attributes[27], row.m_both == 8 ? 2 : row.m_both);
+        EXPECT_EQ(props.attributes[Attribute::fromMatchesHelo], row.m_helo);
+        EXPECT_EQ(props.attributes[Attribute::fromMatchesReverse], row.m_reverse);
+        EXPECT_EQ(props.attributes[Attribute::fromMatchesBoth], row.m_both == 8 ? 2 : row.m_both);
     }
 }
 
@@ -149,16 +150,16 @@ TEST_F(HopAnalysisTest, ResultsOverTheHopsStayAtYes) {
     MsgProperties props;
     props.headerFrom = address("a@example.com");
     analyse(foreignHop, props);
-    EXPECT_EQ(props.attributes[25], 0);
-    EXPECT_EQ(props.attributes[27], 0);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesHelo], 0);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesBoth], 0);
     analyse(plainHop, props);
-    EXPECT_EQ(props.attributes[25], 1);
-    EXPECT_EQ(props.attributes[22], 1);
-    EXPECT_EQ(props.attributes[27], 1);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesHelo], 1);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesReverse], 1);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesBoth], 1);
     analyse(foreignHop, props);
-    EXPECT_EQ(props.attributes[25], 1);
-    EXPECT_EQ(props.attributes[22], 1);
-    EXPECT_EQ(props.attributes[27], 1);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesHelo], 1);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesReverse], 1);
+    EXPECT_EQ(props.attributes[Attribute::fromMatchesBoth], 1);
 }
 
 TEST_F(HopAnalysisTest, TheEnvelopeSenderMustBeRelatedToBothNames) {
@@ -203,8 +204,10 @@ TEST_F(HopAnalysisTest, TheMessageIdIsRelatedToTheAnnouncedAndThenTheReverseName
         MsgProperties props;
         props.messageIdDomain = row.m_domain;
         analyse(row.m_hop, props);
-        EXPECT_EQ(props.attributes[16], row.m_reverse) << row.m_hop << " / " << row.m_domain;
-        EXPECT_EQ(props.attributes[17], row.m_helo) << row.m_hop << " / " << row.m_domain;
+        EXPECT_EQ(props.attributes[Attribute::messageIdMatchesReverse], row.m_reverse)
+            << row.m_hop << " / " << row.m_domain;
+        EXPECT_EQ(props.attributes[Attribute::messageIdMatchesHelo], row.m_helo)
+            << row.m_hop << " / " << row.m_domain;
     }
 }
 
@@ -213,8 +216,8 @@ TEST_F(HopAnalysisTest, AMessageIdOnceMatchedStaysMatched) {
     props.messageIdDomain = "example.com";
     analyse(plainHop, props);
     analyse(foreignHop, props);
-    EXPECT_EQ(props.attributes[16], 1);
-    EXPECT_EQ(props.attributes[17], 1);
+    EXPECT_EQ(props.attributes[Attribute::messageIdMatchesReverse], 1);
+    EXPECT_EQ(props.attributes[Attribute::messageIdMatchesHelo], 1);
 }
 
 TEST_F(HopAnalysisTest, ALaterHopsReverseNameCountsOnceAnEarlierAnnouncedNameMatched) {
@@ -222,22 +225,22 @@ TEST_F(HopAnalysisTest, ALaterHopsReverseNameCountsOnceAnEarlierAnnouncedNameMat
     props.messageIdDomain = "example.com";
     analyse(noReverseHop, props);
     analyse("from mail.other.example (mail.example.com [192.0.2.1]) by c", props);
-    EXPECT_EQ(props.attributes[16], 1);
+    EXPECT_EQ(props.attributes[Attribute::messageIdMatchesReverse], 1);
 }
 
 TEST_F(HopAnalysisTest, CountersCountTheAnalysedHops) {
     MsgProperties props;
     analyse(plainHop, props);
-    EXPECT_EQ(props.attributes[9], 0);
-    EXPECT_EQ(props.attributes[12], 0);
-    EXPECT_EQ(props.attributes[13], 0);
-    EXPECT_EQ(props.attributes[2], 0);
+    EXPECT_EQ(props.attributes[Attribute::hopsHeloMismatchesReverse], 0);
+    EXPECT_EQ(props.attributes[Attribute::hopsReverseDynamic], 0);
+    EXPECT_EQ(props.attributes[Attribute::hopsReverseNoDomain], 0);
+    EXPECT_EQ(props.attributes[Attribute::hopsHeloNoDomain], 0);
     analyse("from friend (x.dyn.example [192.0.2.1]) by c", props);
     analyse("from friend (unknown [192.0.2.1]) by c", props);
-    EXPECT_EQ(props.attributes[9], 2);
-    EXPECT_EQ(props.attributes[12], 1);
-    EXPECT_EQ(props.attributes[13], 1);
-    EXPECT_EQ(props.attributes[2], 2);
+    EXPECT_EQ(props.attributes[Attribute::hopsHeloMismatchesReverse], 2);
+    EXPECT_EQ(props.attributes[Attribute::hopsReverseDynamic], 1);
+    EXPECT_EQ(props.attributes[Attribute::hopsReverseNoDomain], 1);
+    EXPECT_EQ(props.attributes[Attribute::hopsHeloNoDomain], 2);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 // answer and what it keeps to itself.
 #include "Engine.h"
 #include "received/ReceivedAccess.h"
+#include "rules/format/AttributeTable.h"
 #include "support/DnsServer.h"
 #include "support/LateDnsServer.h"
 #include "support/SilentDnsServer.h"
@@ -80,8 +81,8 @@ TEST_F(LookupTest, NamesAreForgedOrResolveAsTheServerSays) {
         auto const name = std::string(row.m_name);
         auto const props = judge(name, name, "a@" + name);
         SCOPED_TRACE(name);
-        EXPECT_EQ(props.attributes[14], row.m_isForged);
-        EXPECT_EQ(props.attributes[3], row.m_resolves);
+        EXPECT_EQ(props.attributes[Attribute::firstForged], row.m_isForged);
+        EXPECT_EQ(props.attributes[Attribute::firstHeloResolves], row.m_resolves);
     }
 }
 
@@ -91,16 +92,18 @@ TEST_F(LookupTest, TheSendersDomainResolvesAsTheServerSays) {
         if (name.back() == '.') {
             continue; // no address ends in a dot
         }
-        EXPECT_EQ(judge("x", "unknown", "a@" + name).attributes[29], row.m_resolves) << name;
+        EXPECT_EQ(judge("x", "unknown", "a@" + name).attributes[Attribute::envelopeDomainResolves],
+                  row.m_resolves)
+            << name;
     }
 }
 
 TEST_F(LookupTest, AFailedLookUpIsCountedAndSaysNothingAgainstTheMessage) {
     auto const before = Resolver::instance().counters();
     auto const props = judge("a.broken.test", "b.refused.test", "a@c.broken.test");
-    EXPECT_EQ(props.attributes[14], 0);
-    EXPECT_EQ(props.attributes[3], 0);
-    EXPECT_EQ(props.attributes[29], 0);
+    EXPECT_EQ(props.attributes[Attribute::firstForged], 0);
+    EXPECT_EQ(props.attributes[Attribute::firstHeloResolves], 0);
+    EXPECT_EQ(props.attributes[Attribute::envelopeDomainResolves], 0);
     EXPECT_GT(Resolver::instance().counters().m_failed, before.m_failed);
 }
 
@@ -115,9 +118,9 @@ TEST_F(LookupTest, ASilentServerCostsItsDeadlineAndIsCounted) {
     ask(silent.address(), std::chrono::milliseconds(50));
     auto const before = Resolver::instance().counters();
     auto const props = judge("a.here.test", "b.here.test", "a@c.here.test");
-    EXPECT_EQ(props.attributes[14], 0);
-    EXPECT_EQ(props.attributes[3], 0);
-    EXPECT_EQ(props.attributes[29], 0);
+    EXPECT_EQ(props.attributes[Attribute::firstForged], 0);
+    EXPECT_EQ(props.attributes[Attribute::firstHeloResolves], 0);
+    EXPECT_EQ(props.attributes[Attribute::envelopeDomainResolves], 0);
     EXPECT_GT(Resolver::instance().counters().m_late, before.m_late);
 }
 
@@ -151,9 +154,11 @@ TEST_F(LookupTest, TheNamesOfAScanAreAskedForSideBySide) {
         EXPECT_EQ(unanswered(), before);
         EXPECT_EQ(server.names(), row.m_names);
         // Every name has the address 192.0.2.7.
-        EXPECT_EQ(props.attributes[14], row.m_names.count("client.late.test."));
-        EXPECT_EQ(props.attributes[3], props.receivers[0].heloIsIP == 2 ? 2 : 1);
-        EXPECT_EQ(props.attributes[29], row.m_names.count("late.test."));
+        EXPECT_EQ(props.attributes[Attribute::firstForged], row.m_names.count("client.late.test."));
+        EXPECT_EQ(props.attributes[Attribute::firstHeloResolves],
+                  props.receivers[0].heloIsIP == 2 ? 2 : 1);
+        EXPECT_EQ(props.attributes[Attribute::envelopeDomainResolves],
+                  row.m_names.count("late.test."));
     }
 }
 
@@ -192,8 +197,8 @@ TEST_F(LookupTest, ACopyOfARecordAsksForItself) {
     assigned = original;
     for (auto* props : {&copy, &original, &assigned}) {
         engine().getAttributes(*props);
-        EXPECT_EQ(props->attributes[3], 1);
-        EXPECT_EQ(props->attributes[29], 1);
+        EXPECT_EQ(props->attributes[Attribute::firstHeloResolves], 1);
+        EXPECT_EQ(props->attributes[Attribute::envelopeDomainResolves], 1);
     }
 }
 
@@ -201,17 +206,19 @@ TEST_F(LookupTest, OneNameInBothPlacesIsOneName) {
     LateDnsServer const server(std::chrono::milliseconds(5));
     ask(server.address());
     auto const props = judgeNameless("same.test", "a@same.test");
-    EXPECT_EQ(props.attributes[3], 1);
-    EXPECT_EQ(props.attributes[29], 1);
+    EXPECT_EQ(props.attributes[Attribute::firstHeloResolves], 1);
+    EXPECT_EQ(props.attributes[Attribute::envelopeDomainResolves], 1);
     EXPECT_EQ(server.names(), std::set<std::string>{"same.test."});
 }
 
 TEST_F(LookupTest, AnEmptyNameIsNotAskedForWhileTheOtherIs) {
     LateDnsServer const server(std::chrono::milliseconds(0));
     ask(server.address());
-    EXPECT_EQ(judgeNameless("relay.late.test", "").attributes[29], 0);
+    EXPECT_EQ(judgeNameless("relay.late.test", "").attributes[Attribute::envelopeDomainResolves],
+              0);
     EXPECT_EQ(server.names(), std::set<std::string>{"relay.late.test."});
-    EXPECT_EQ(judgeNameless("[192.0.2.7]", "a@late.test").attributes[3], 2);
+    EXPECT_EQ(judgeNameless("[192.0.2.7]", "a@late.test").attributes[Attribute::firstHeloResolves],
+              2);
     EXPECT_EQ(server.names(), (std::set<std::string>{"relay.late.test.", "late.test."}));
 }
 
@@ -219,9 +226,9 @@ TEST_F(LookupTest, AnAddressLiteralIsNotLookedUp) {
     SilentDnsServer silent;
     ask(silent.address(), std::chrono::milliseconds(50));
     auto const props = attributes(Message("Received: from [192.0.2.7] ([192.0.2.7]) by c\n"));
-    EXPECT_EQ(props.attributes[3], 2);
-    EXPECT_EQ(props.attributes[14], 0);
-    EXPECT_EQ(props.attributes[29], 0);
+    EXPECT_EQ(props.attributes[Attribute::firstHeloResolves], 2);
+    EXPECT_EQ(props.attributes[Attribute::firstForged], 0);
+    EXPECT_EQ(props.attributes[Attribute::envelopeDomainResolves], 0);
     EXPECT_TRUE(silent.takeQuestions().empty());
 }
 
@@ -232,7 +239,7 @@ TEST_F(LookupTest, TheHostsOwnForgedFlagNeedsNoLookUp) {
     flagged.m_currentReceived =
         Header("Received", "from relay.late.test (client.late.test [192.0.2.7]) by mx.test");
     flagged.m_currentIsForged = 0;
-    EXPECT_EQ(attributes(flagged).attributes[3], 1);
+    EXPECT_EQ(attributes(flagged).attributes[Attribute::firstHeloResolves], 1);
     EXPECT_EQ(server.names(), std::set<std::string>{"relay.late.test."});
 }
 
@@ -242,10 +249,11 @@ TEST_F(LookupTest, TheHostsOwnForgedFlagIsTakenAsItIs) {
         Header("Received", "from x (elsewhere.here.test [192.0.2.7]) by mx.test");
     for (int const forged : {0, 1, 5}) {
         message.m_currentIsForged = forged;
-        EXPECT_EQ(attributes(message).attributes[14], forged);
+        EXPECT_EQ(attributes(message).attributes[Attribute::firstForged], forged);
     }
     message.m_currentIsForged = -1;
-    EXPECT_EQ(attributes(message).attributes[14], 1) << "-1 lets the engine ask";
+    EXPECT_EQ(attributes(message).attributes[Attribute::firstForged], 1)
+        << "-1 lets the engine ask";
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 struct RelationCase {
@@ -53,4 +53,4 @@ TEST(ThreeWayMismatchTest, NeedsTheFirstRelationAndTheLackOfTheSecond) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Engine.h"
 #include "received/MsgReceivedImpl.h"
+#include "rules/format/AttributeTable.h"
 
 namespace Quorvane::Testing {
 namespace {
@@ -68,8 +69,8 @@ TEST_F(ReceivedChainTest, TheFirstRunOfPublicHopsFillsTheSlots) {
         EXPECT_EQ(props.publicRun, row.m_publicRun);
         EXPECT_EQ(props.maxPrivateRun, row.m_maxPrivateRun);
         EXPECT_EQ(props.noAddressHops, row.m_noAddressHops);
-        EXPECT_EQ(props.attributes[37], row.m_hopBehindFirst);
-        EXPECT_EQ(props.attributes[33], 0);
+        EXPECT_EQ(props.attributes[Attribute::hopBehindFirst], row.m_hopBehindFirst);
+        EXPECT_EQ(props.attributes[Attribute::chainBroken], 0);
     }
 }
 
@@ -85,13 +86,13 @@ TEST_F(ReceivedChainTest, OnlyTheFirstPublicHopIsAskedWhetherItIsForged) {
 TEST_F(ReceivedChainTest, ARelayThatReceivedFromAnotherThanTheNextBreaksTheChain) {
     auto const headers = received("a.example", "a.example", p1, "mx.example") +
                          received("b.example", "b.example", p2, "other.example");
-    EXPECT_EQ(chain(Message(headers)).attributes[33], 1);
+    EXPECT_EQ(chain(Message(headers)).attributes[Attribute::chainBroken], 1);
 }
 
 TEST_F(ReceivedChainTest, ABreakInFrontOfTheFirstPublicHopDoesNotCount) {
     auto const headers = received("a.example", "a.example", "10.0.0.1", "mx.example") +
                          received("b.example", "b.example", p1, "other.example");
-    EXPECT_EQ(chain(Message(headers)).attributes[33], 0);
+    EXPECT_EQ(chain(Message(headers)).attributes[Attribute::chainBroken], 0);
 }
 
 TEST_F(ReceivedChainTest, AnUnreadableReceivingHostBreaksTheChain) {
@@ -99,7 +100,7 @@ TEST_F(ReceivedChainTest, AnUnreadableReceivingHostBreaksTheChain) {
     // its receiving host is gone by now.
     auto const headers = received("a.example", "a.example", p1, "mx.example") +
                          "Received: from b c (d [192.0.2.2]) by a.example\n";
-    EXPECT_EQ(chain(Message(headers)).attributes[33], 1);
+    EXPECT_EQ(chain(Message(headers)).attributes[Attribute::chainBroken], 1);
 }
 
 // A hop whose fields were not read from text, which would have been lower-cased.
@@ -122,7 +123,8 @@ TEST_F(ReceivedChainTest, NamesInTheChainAreComparedWithTheirLetterCase) {
         props.receivedList.push_back(HandMadeHop("a.example", p1, "mx.example"));
         props.receivedList.push_back(HandMadeHop("b.example", p2, by));
         EXPECT_TRUE(engine().parseFields(props));
-        EXPECT_EQ(props.attributes[33], std::string(by) == "a.example" ? 0 : 1) << by;
+        EXPECT_EQ(props.attributes[Attribute::chainBroken], std::string(by) == "a.example" ? 0 : 1)
+            << by;
     }
 }
 

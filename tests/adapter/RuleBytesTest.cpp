@@ -2,6 +2,7 @@
 //
 // Rule files written byte by byte mean to the engine what docs/rule-files.md says.
 #include "Engine.h"
+#include "rules/format/AttributeTable.h"
 #include "support/HandWrittenRules.h"
 
 namespace Quorvane::Testing {
@@ -32,10 +33,10 @@ TEST_F(RuleBytesTest, ATreeNodeDecidesAsItsBytesSay) {
     auto query = message.query();
     DeepHeaderAnswerImpl answer;
     MsgProperties props;
-    props.attributes[17] = 19; // what the node's test rules out
+    props.attributes[Attribute::messageIdMatchesHelo] = 19; // what the node's test rules out
     engine().getResults(answer, query, props);
     EXPECT_EQ(answer.m_node, 0);
-    props.attributes[17] = 20;
+    props.attributes[Attribute::messageIdMatchesHelo] = 20;
     engine().getResults(answer, query, props);
     EXPECT_EQ(answer.m_node, 3);
     EXPECT_EQ(answer.m_nodeValue1, 49);

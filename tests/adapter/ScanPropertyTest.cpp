@@ -4,6 +4,7 @@
 // past the reader of header sections, and then throws nothing but an engine failure.
 #include "Engine.h"
 #include "include2/DeepHeaderException.h"
+#include "rules/format/AttributeTable.h"
 
 #include <rapidcheck/gtest.h>
 
@@ -74,7 +75,8 @@ void s_useBothThresholds(Message& message) {
 }
 
 RC_GTEST_FIXTURE_PROP(EngineTest, NoHeaderSectionThatTheReaderReadsMakesAScanFail, ()) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.99), leaf(5, 1, 0.01)}));
+    m_rules.writeTree(treeOf(
+        {leaf(Attribute::firstHeloDynamic, 0, 0.99), leaf(Attribute::firstHeloDynamic, 1, 0.01)}));
     Message message(s_anySection());
     s_useBothThresholds(message);
     RC_ASSERT(s_scan(engine(), message));
@@ -82,7 +84,8 @@ RC_GTEST_FIXTURE_PROP(EngineTest, NoHeaderSectionThatTheReaderReadsMakesAScanFai
 
 RC_GTEST_FIXTURE_PROP(EngineTest, NoValueThatAHostGivesMakesAScanThrowAnythingButAnEngineFailure,
                       ()) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.99), leaf(5, 1, 0.01)}));
+    m_rules.writeTree(treeOf(
+        {leaf(Attribute::firstHeloDynamic, 0, 0.99), leaf(Attribute::firstHeloDynamic, 1, 0.01)}));
     Message message;
     message.m_headers.append(Header("Received", s_anyText()));
     message.m_headers.append(Header("From", s_anyText()));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Engine.h"
+#include "rules/format/AttributeTable.h"
 
 #include <limits>
 
@@ -44,13 +45,13 @@ class VerdictTest : public EngineTest {
 // --- the tree -----------------------------------------------------------------------------------
 
 TEST_F(VerdictTest, TheDefaultThresholdsNeverWalkTheTree) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.99)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.99)}));
     judge();
     expectUntouched();
 }
 
 TEST_F(VerdictTest, TheTreeIsWalkedBelowASpamThresholdOf95) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.5)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5)}));
     settings().spamThreshold = 94.9;
     EXPECT_EQ(judge().m_node, 3);
 }
@@ -72,7 +73,7 @@ TreeCase const treeCases[] = {
 
 TEST_F(VerdictTest, ATreeNodeIsSpamOrHamOrNeither) {
     for (auto const& row : treeCases) {
-        m_rules.writeTree(treeOf({leaf(5, 0, row.m_confidence, 1.5)}));
+        m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, row.m_confidence, 1.5)}));
         useThresholds(row.m_spamThreshold, row.m_hamThreshold);
         DeepHeaderAdapter engine;
         DeepHeaderAnswerImpl answer;
@@ -89,7 +90,7 @@ TEST_F(VerdictTest, ATreeNodeIsSpamOrHamOrNeither) {
 }
 
 TEST_F(VerdictTest, ATreeVerdictCarriesTheNodesCountsAndLeafMark) {
-    auto nodes = treeOf({leaf(5, 0, 0.5)});
+    auto nodes = treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5)});
     nodes[3].value1 = 2147483647;
     nodes[3].value2 = -1;
     nodes[3].value3 = 7;
@@ -104,21 +105,21 @@ TEST_F(VerdictTest, ATreeVerdictCarriesTheNodesCountsAndLeafMark) {
 }
 
 TEST_F(VerdictTest, NoBranchMeansNoDecision) {
-    m_rules.writeTree(treeOf({leaf(5, 1, 0.99)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 1, 0.99)}));
     useThresholds(0.95, 0.95);
     judge();
     expectUntouched();
 }
 
 TEST_F(VerdictTest, AWalkThatEndsAtTheRootDecidesNothing) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.99, 0.01)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.99, 0.01)}));
     useThresholds(0.95, 0.95);
     judge();
     expectUntouched();
 }
 
 TEST_F(VerdictTest, BothAddressesStandInTheAnswerWithACommaBetweenThem) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.99)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.99)}));
     useThresholds(0.95, 0.95);
     m_props.receivers[1].ip = "192.0.2.8";
     EXPECT_EQ(judge().m_ips, "192.0.2.7,192.0.2.8");
@@ -135,7 +136,7 @@ class EliteVerdictTest : public VerdictTest {
 };
 
 TEST_F(EliteVerdictTest, ADecidingRuleWithAdjustmentsReachesTheThreshold) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.1)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.1)}));
     elite(1, {adjusting('a', 0.2), adjusting('b', 0.2), deciding(77, 0.6, 1.0)});
     useThresholds(0.9, 0.85);
     auto const& answer = judge();
@@ -150,7 +151,7 @@ TEST_F(EliteVerdictTest, ADecidingRuleWithAdjustmentsReachesTheThreshold) {
 }
 
 TEST_F(EliteVerdictTest, WithoutAdjustmentsTheTreeIsAskedOnlyWhenTheFileSaysSo) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.1)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.1)}));
     useThresholds(0.9, 0.85);
     elite(0, {deciding(77, 0.6, 1.0)});
     judge();
@@ -164,7 +165,7 @@ TEST_F(EliteVerdictTest, WithoutAdjustmentsTheTreeIsAskedOnlyWhenTheFileSaysSo) 
 }
 
 TEST_F(EliteVerdictTest, AdjustmentsApplyToTheTreesVerdictTowardsSpamOnly) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.5)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.5)}));
     elite(1, {adjusting('u', 0.4)});
     useThresholds(0.9, 0.85);
     auto const& up = judge();
@@ -175,7 +176,7 @@ TEST_F(EliteVerdictTest, AdjustmentsApplyToTheTreesVerdictTowardsSpamOnly) {
 }
 
 TEST_F(EliteVerdictTest, AHamVerdictLooksAtTheNodesConfidenceAlone) {
-    m_rules.writeTree(treeOf({leaf(5, 0, 0.3)}));
+    m_rules.writeTree(treeOf({leaf(Attribute::firstHeloDynamic, 0, 0.3)}));
     elite(1, {adjusting('d', -0.4)});
     useThresholds(0.9, 0.85);
     auto const& answer = judge();

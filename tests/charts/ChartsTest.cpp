@@ -11,7 +11,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace Quorvane::Charts {
+namespace Quorvane::Testing {
+
+using namespace Charts;
+
 namespace {
 
 using Rules::LabelCounts;
@@ -119,4 +122,4 @@ TEST(DeciderBar, IsAsLongAsItsMessages) {
 }
 
 } // namespace
-} // namespace Quorvane::Charts
+} // namespace Quorvane::Testing

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Charts {
+namespace Quorvane::Testing {
+
+using namespace Charts;
+
 namespace {
 
 TEST(Drawing, NamesItselfToScreenReaders) {
@@ -55,4 +58,4 @@ TEST(Drawing, CoordinatesAreShortAndKnowNoLocale) {
 }
 
 } // namespace
-} // namespace Quorvane::Charts
+} // namespace Quorvane::Testing

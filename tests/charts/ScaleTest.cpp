@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Charts {
+namespace Quorvane::Testing {
+
+using namespace Charts;
+
 namespace {
 
 TEST(Scale, LinearSpreadsSharesEvenly) {
@@ -42,4 +45,4 @@ TEST(Scale, LabelsAreRound) {
 }
 
 } // namespace
-} // namespace Quorvane::Charts
+} // namespace Quorvane::Testing

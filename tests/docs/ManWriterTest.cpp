@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 
-namespace Quorvane::Docs {
+namespace Quorvane::Testing {
+
+using namespace Docs;
 
 namespace {
 
@@ -80,4 +82,4 @@ TEST(ManWriter, RefusesProseThatAsksForWhatThereIsNot) {
     EXPECT_THROW(s_page(s_program(), unknown), std::runtime_error);
 }
 
-} // namespace Quorvane::Docs
+} // namespace Quorvane::Testing

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 TEST(Deciders, AddUpWhatTheyReachedAndWhereTheyErred) {
@@ -48,4 +51,4 @@ TEST(Deciders, DoNotCountMessagesThatNothingDecided) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -2,14 +2,18 @@
 #include "rules/evaluate/Difference.h"
 
 #include "JudgedVectors.h"
+#include "rules/format/AttributeTable.h"
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 JudgedVector s_old(AttributeVector const& vector) {
-    switch (vector[5]) {
+    switch (vector[Attribute::firstHeloDynamic]) {
     case 0:
         return judgedBy({false, 10}, Verdict::ham, 0.02);
     case 1:
@@ -23,7 +27,7 @@ JudgedVector s_old(AttributeVector const& vector) {
 
 // 0 becomes spam, 1 spam by an adjustment alone, 2 a little surer, anything else is decided now.
 JudgedVector s_new(AttributeVector const& vector) {
-    switch (vector[5]) {
+    switch (vector[Attribute::firstHeloDynamic]) {
     case 0:
         return judgedBy({false, 20}, Verdict::spam, 0.97);
     case 1:
@@ -167,4 +171,4 @@ TEST(Difference, TheSameRulesChangeNothing) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -2,24 +2,30 @@
 #include "rules/evaluate/Evaluation.h"
 
 #include "JudgedVectors.h"
+#include "rules/format/AttributeTable.h"
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 // Attribute 5: 1 is called spam, 0 ham, anything else gets a node but no verdict; 9 nothing at all.
 JudgedVector s_judge(AttributeVector const& vector) {
     JudgedVector judged;
-    if (vector[5] == 9) {
+    if (vector[Attribute::firstHeloDynamic] == 9) {
         return judged;
     }
-    judged.m_decider = {false, 10 + vector[5]};
-    judged.m_confidence = vector[5] == 1 ? 0.97 : vector[5] == 0 ? 0.02 : 0.5;
+    judged.m_decider = {false, 10 + vector[Attribute::firstHeloDynamic]};
+    judged.m_confidence = vector[Attribute::firstHeloDynamic] == 1   ? 0.97
+                          : vector[Attribute::firstHeloDynamic] == 0 ? 0.02
+                                                                     : 0.5;
     judged.m_score = judged.m_confidence;
-    judged.m_verdict = vector[5] == 1   ? Verdict::spam
-                       : vector[5] == 0 ? Verdict::ham
-                                        : Verdict::none;
+    judged.m_verdict = vector[Attribute::firstHeloDynamic] == 1   ? Verdict::spam
+                       : vector[Attribute::firstHeloDynamic] == 0 ? Verdict::ham
+                                                                  : Verdict::none;
     return judged;
 }
 
@@ -99,4 +105,4 @@ TEST(Evaluation, OfNothingIsEmpty) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

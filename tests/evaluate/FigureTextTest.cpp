@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 TEST(FigureText, PercentagesOfRareThingsHaveAThirdDigit) {
@@ -21,4 +24,4 @@ TEST(FigureText, RatesCarryTheirInterval) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -4,13 +4,16 @@
 #pragma once
 
 #include "rules/evaluate/Deciders.h"
+#include "rules/format/AttributeTable.h"
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
 
 // Attribute 5 has the value, all others are 0.
 inline AttributeVector vectorOf(std::int32_t value) {
     AttributeVector vector{};
-    vector[5] = value;
+    vector[Attribute::firstHeloDynamic] = value;
     return vector;
 }
 
@@ -24,4 +27,4 @@ inline JudgedVector judgedBy(Decider decider, Verdict verdict, double confidence
     return judged;
 }
 
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

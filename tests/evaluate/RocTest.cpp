@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 TEST(Roc, CountsFromTheHighestScoreDown) {
@@ -70,4 +73,4 @@ TEST(Roc, OfNothingIsEmpty) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 struct WilsonCase {
@@ -37,4 +40,4 @@ TEST(Wilson, KnowsNothingWithoutMessages) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

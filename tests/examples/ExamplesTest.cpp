@@ -74,7 +74,7 @@ std::string s_picture(ProgramResult const& result, std::string const& name) {
 
 class Example : public testing::TestWithParam<std::string> {};
 
-TEST_P(Example, hasTheWorkingRecordThatWasApproved) {
+TEST_P(Example, HasTheWorkingRecordThatWasApproved) {
     auto const file = (examples / (GetParam() + ".eml")).string();
     auto const result = s_scan({"--explain", file});
     ASSERT_TRUE(result.m_status == 0 || result.m_status == 1) << result.m_errors;
@@ -92,7 +92,7 @@ ProgramResult s_scanHere(std::vector<std::string> arguments,
     return runProgram(QV_SCAN_PROGRAM, arguments);
 }
 
-TEST_P(Example, isExplainedInTheWordsThatWereApproved) {
+TEST_P(Example, IsExplainedInTheWordsThatWereApproved) {
     auto const result = s_scanHere({"--format", "text", "--explain"}, {GetParam()});
     expectGolden(golden / (GetParam() + ".txt"), result.m_output);
 }
@@ -106,11 +106,11 @@ std::string s_testName(testing::TestParamInfo<std::string> const& info) {
 INSTANTIATE_TEST_SUITE_P(Examples, Example, testing::ValuesIn(s_names(examples, ".eml")),
                          s_testName);
 
-TEST(Examples, coverTheShapesOfManyMailServers) {
+TEST(Examples, CoverTheShapesOfManyMailServers) {
     EXPECT_GE(s_names(examples, ".eml").size(), 24u);
 }
 
-TEST(Examples, leaveNoGoldenFileBehindWhenTheyGo) {
+TEST(Examples, LeaveNoGoldenFileBehindWhenTheyGo) {
     auto const expected = s_names(examples, ".eml");
     for (std::string const extension : {".json", ".txt"}) {
         for (auto const& name : s_names(golden, extension)) {
@@ -125,7 +125,7 @@ TEST(Examples, leaveNoGoldenFileBehindWhenTheyGo) {
 }
 
 // Many at once, in one process and on several threads, give what each gives alone.
-TEST(Examples, areJudgedTogetherAsAlone) {
+TEST(Examples, AreJudgedTogetherAsAlone) {
     if (isApproving()) {
         GTEST_SKIP() << "compares only";
     }
@@ -145,13 +145,13 @@ TEST(Examples, areJudgedTogetherAsAlone) {
     EXPECT_FALSE(std::getline(lines, line)) << line;
 }
 
-TEST(Examples, haveTheVectorsThatWereApproved) {
+TEST(Examples, HaveTheVectorsThatWereApproved) {
     auto const result = s_scanHere({"--format", "csv"}, s_names(examples, ".eml"));
     expectGolden(golden / "vectors.csv", result.m_output);
 }
 
 // README shows what a newcomer sees; `./dev scan` runs the same command in the same folder.
-TEST(Examples, readAsInTheReadme) {
+TEST(Examples, ReadAsInTheReadme) {
     auto const result = s_scanHere({"--format", "text"}, s_names(examples, ".eml"));
     auto const readme = (examples.parent_path() / "README.md").string();
     auto text = readFile(readme);

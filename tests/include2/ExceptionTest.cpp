@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <type_traits>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 TEST(ExceptionTest, KeepsTextCategoryFileAndLine) {
@@ -97,4 +97,4 @@ TEST(ExceptionTest, IsToldApartFromStandardExceptionsByType) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

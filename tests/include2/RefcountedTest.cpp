@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 // Counts its own destructions; once with a virtual counted base, once with a plain one.
@@ -304,4 +304,4 @@ RC_GTEST_PROP(RefcountedPropertyTest, CountAlwaysEqualsTheHandlesThatShare, ()) 
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -11,7 +11,10 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using Testing::counted;
@@ -157,4 +160,4 @@ TEST(CartGrower, RefusesWhatCannotBeLearned) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using Testing::counted;
@@ -97,4 +100,4 @@ TEST(PruningRules, TakeTheLeastRiskOrTheSmallestTreeWithinOneStandardError) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

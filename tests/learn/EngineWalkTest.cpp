@@ -10,7 +10,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using Testing::counted;
@@ -75,4 +78,4 @@ TEST_F(EngineWalk, DecidesNothingWhenNothingWasLearned) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

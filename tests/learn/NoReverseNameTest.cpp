@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 struct ShapeCase {
@@ -142,4 +145,4 @@ TEST(NoReverseNames, GiveNoCopyWhenTheBordersHeaderIsNotUnderstood) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

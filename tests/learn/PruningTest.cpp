@@ -7,7 +7,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using Testing::counted;
@@ -105,4 +108,4 @@ TEST(Pruning, KeepsParentsAndChildrenTogether) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

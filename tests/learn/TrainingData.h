@@ -3,6 +3,7 @@
 // Builders for training mail made of numbers.
 #pragma once
 
+#include "rules/format/AttributeTable.h"
 #include "rules/vectors/VectorTable.h"
 
 #include <cstdint>
@@ -40,8 +41,10 @@ inline std::vector<Rules::CountedVector> plantedMail(unsigned seed, std::size_t 
         for (auto const attribute : {5U, 7U, 9U, 10U, 12U, 19U, 33U}) {
             row.m_vector.at(attribute) = static_cast<std::int32_t>(draw(4));
         }
-        bool const isSpam = (row.m_vector[5] == 1 && row.m_vector[7] != 2) ||
-                            (row.m_vector[9] == 3 && row.m_vector[10] == 0);
+        bool const isSpam = (row.m_vector[Attribute::firstHeloDynamic] == 1 &&
+                             row.m_vector[Attribute::firstHeloMatchesReverse] != 2) ||
+                            (row.m_vector[Attribute::hopsHeloMismatchesReverse] == 3 &&
+                             row.m_vector[Attribute::firstReverseDynamic] == 0);
         auto const much = 1 + draw(97);
         auto const little = draw(7);
         row.m_counts.m_spam = isSpam ? much : little;

@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using Testing::counted;
@@ -130,4 +133,4 @@ TEST(TreeRecords, RefuseATreeTooLargeForTheFile) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

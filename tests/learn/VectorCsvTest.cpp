@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/vectors/VectorCsv.h"
 
+#include "rules/format/AttributeTable.h"
 #include "rules/vectors/CsvRecords.h"
 #include "rules/vectors/LearnError.h"
 #include "rules/vectors/VectorCsvWriter.h"
@@ -10,7 +11,10 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -66,7 +70,7 @@ TEST(VectorCsv, ReadsVectorsLabelsAndCounts) {
     auto const table = s_read(s_header(",label,count") + s_row("a.eml", "1", ",spam,7") +
                               s_row("b.eml", "-2", ",ham,1"));
     ASSERT_EQ(table.rows().size(), 2U);
-    EXPECT_EQ(table.rows()[0].m_vector[37], -2);
+    EXPECT_EQ(table.rows()[0].m_vector[Attribute::hopBehindFirst], -2);
     EXPECT_EQ(table.rows()[0].m_byCorpus[0], (LabelCounts{0, 1}));
     EXPECT_EQ(table.rows()[1].m_byCorpus[0], (LabelCounts{7, 0}));
     EXPECT_EQ(table.corpora(), (std::vector<std::string>{"site"}));
@@ -206,4 +210,4 @@ TEST(VectorCsv, ShardsAggregateToTheTableOfTheWhole) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using Testing::vectorOf;
@@ -86,4 +89,4 @@ TEST(VectorTable, ForgetsAdditionsOfNothing) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

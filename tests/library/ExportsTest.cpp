@@ -126,11 +126,11 @@ void s_expectOnly(std::string const& version, Classes const& classes, Functions 
     }
 }
 
-TEST(Exports, nothingBesideTheSixClassesAndFiveFunctions) {
+TEST(Exports, NothingBesideTheSixClassesAndFiveFunctions) {
     s_expectOnly(hostVersion, exportedClasses, exportedFunctions);
 }
 
-TEST(Exports, theRecordHasAVersionOfItsOwn) {
+TEST(Exports, TheRecordHasAVersionOfItsOwn) {
     s_expectOnly(recordVersion, recordClasses, recordFunctions);
     std::vector<std::string_view> const members{
         "Quorvane::DeepHeaderEngine::inForce", "Quorvane::DeepHeaderEngine::fromStreams",
@@ -138,26 +138,26 @@ TEST(Exports, theRecordHasAVersionOfItsOwn) {
     s_expectAll(members, "(", recordVersion);
 }
 
-TEST(Exports, everySymbolHasAVersion) {
+TEST(Exports, EverySymbolHasAVersion) {
     auto const versioned =
         s_definedSymbols(hostVersion).size() + s_definedSymbols(recordVersion).size();
     EXPECT_EQ(s_definedSymbols("[A-Z0-9_]*").size(), versioned);
 }
 
-TEST(Exports, everyClass) {
+TEST(Exports, EveryClass) {
     s_expectAll(exportedClasses, "::");
 }
 
-TEST(Exports, everyFreeFunction) {
+TEST(Exports, EveryFreeFunction) {
     s_expectAll(exportedFunctions, "(");
 }
 
-TEST(Exports, everyOperationThatHostsUse) {
+TEST(Exports, EveryOperationThatHostsUse) {
     std::vector<std::string_view> const members(promisedMembers.begin(), promisedMembers.end());
     s_expectAll(members, "(");
 }
 
-TEST(Exports, typeInformationForHostsThatDeriveOrCatch) {
+TEST(Exports, TypeInformationForHostsThatDeriveOrCatch) {
     auto const symbols = s_definedSymbols(hostVersion);
     for (auto const owner : exportedClasses) {
         for (auto const* kind : {"vtable for ", "typeinfo for "}) {

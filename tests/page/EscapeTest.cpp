@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-namespace Quorvane::Page {
+namespace Quorvane::Testing {
+
+using namespace Page;
+
 namespace {
 
 TEST(PageEscape, TextCannotBecomeMarkup) {
@@ -41,4 +44,4 @@ TEST(PageEscape, DataCannotEndItsElement) {
 }
 
 } // namespace
-} // namespace Quorvane::Page
+} // namespace Quorvane::Testing

@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 
-namespace Quorvane::Page {
+namespace Quorvane::Testing {
+
+using namespace Page;
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -70,4 +73,4 @@ TEST(Page, RefusesFilesThatWouldEndTheirElementOrHashOtherwise) {
 }
 
 } // namespace
-} // namespace Quorvane::Page
+} // namespace Quorvane::Testing

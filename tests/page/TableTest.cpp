@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Page {
+namespace Quorvane::Testing {
+
+using namespace Page;
+
 namespace {
 
 TEST(PageTable, ScrollsInABoxThatTheKeyboardReaches) {
@@ -18,4 +21,4 @@ TEST(PageTable, ScrollsInABoxThatTheKeyboardReaches) {
 }
 
 } // namespace
-} // namespace Quorvane::Page
+} // namespace Quorvane::Testing

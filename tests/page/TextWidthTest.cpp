@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Page {
+namespace Quorvane::Testing {
+
+using namespace Page;
+
 namespace {
 
 TEST(TextWidth, CountsCharactersNotBytes) {
@@ -36,4 +39,4 @@ TEST(TextWidth, ShortensBetweenCharacters) {
 }
 
 } // namespace
-} // namespace Quorvane::Page
+} // namespace Quorvane::Testing

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace Quorvane::Dns {
+namespace Quorvane::Testing {
+
+using namespace Dns;
+
 namespace {
 
 using std::string_literals::operator""s;
@@ -72,4 +75,4 @@ TEST(AskableNameTest, AnAddressWithOrWithoutBracketsIsNotAsked) {
 }
 
 } // namespace
-} // namespace Quorvane::Dns
+} // namespace Quorvane::Testing

@@ -60,7 +60,7 @@ class Folder {
     std::string m_path;
 };
 
-TEST(DynamicIdentifierTest, expressionsMatchAnywhereInTheName) {
+TEST(DynamicIdentifierTest, ExpressionsMatchAnywhereInTheName) {
     struct Row {
         char const* m_patterns;
         char const* m_name;
@@ -86,7 +86,7 @@ TEST(DynamicIdentifierTest, expressionsMatchAnywhereInTheName) {
     }
 }
 
-TEST(DynamicIdentifierTest, commentsBlanksAndEmptyLinesAreSkipped) {
+TEST(DynamicIdentifierTest, CommentsBlanksAndEmptyLinesAreSkipped) {
     for (auto const* const patterns :
          {"# pool\npool", "pool # what pools are called", "\n\n  pool \t\n", "\r\npool\r\n#x\r\n",
           "pool#", "#\n#\npool", "\tpool"}) {
@@ -96,7 +96,7 @@ TEST(DynamicIdentifierTest, commentsBlanksAndEmptyLinesAreSkipped) {
     EXPECT_FALSE(s_match("# pool", "a.pool.example"));
 }
 
-TEST(DynamicIdentifierTest, aCounterPatternTakesTheAnswerBack) {
+TEST(DynamicIdentifierTest, ACounterPatternTakesTheAnswerBack) {
     auto const names = DynamicIdentifier::compile("!mail\npool\n ! ^static # kept\n", "patterns");
     EXPECT_TRUE(names->match("a.pool.example"));
     EXPECT_FALSE(names->match("mail.pool.example"));
@@ -105,7 +105,7 @@ TEST(DynamicIdentifierTest, aCounterPatternTakesTheAnswerBack) {
     EXPECT_FALSE(names->match("mail.example.org"));
 }
 
-TEST(DynamicIdentifierTest, anEmptyListMatchesNothing) {
+TEST(DynamicIdentifierTest, AnEmptyListMatchesNothing) {
     for (auto const* const patterns : {"", "\n", "# nothing here", "!mail", "\n \r\n"}) {
         for (auto const* const name : {"", ".", "a.pool.example", "192-0-2-1.dyn.example"}) {
             EXPECT_FALSE(s_match(patterns, name)) << patterns << " on " << name;
@@ -113,21 +113,21 @@ TEST(DynamicIdentifierTest, anEmptyListMatchesNothing) {
     }
 }
 
-TEST(DynamicIdentifierTest, letterCaseOfTheNameMakesNoDifference) {
+TEST(DynamicIdentifierTest, LetterCaseOfTheNameMakesNoDifference) {
     EXPECT_TRUE(s_match("pool", "A.POOL.Example"));
     EXPECT_TRUE(s_match("pool", "a.pooL.example"));
     EXPECT_FALSE(s_match("pool\n!mail", "MAIL.pool.example"));
     EXPECT_FALSE(s_match("POOL", "A.POOL.EXAMPLE")); // the lower-cased name holds no capitals
 }
 
-TEST(DynamicIdentifierTest, oneTrailingDotMakesNoDifference) {
+TEST(DynamicIdentifierTest, OneTrailingDotMakesNoDifference) {
     EXPECT_TRUE(s_match("example$", "a.pool.example."));
     EXPECT_TRUE(s_match("example$", "A.POOL.EXAMPLE."));
     EXPECT_FALSE(s_match("example$", "a.pool.example.."));
     EXPECT_FALSE(s_match(".", "."));
 }
 
-TEST(DynamicIdentifierTest, everyByteIsACharacter) {
+TEST(DynamicIdentifierTest, EveryByteIsACharacter) {
     struct Row {
         char const* m_pattern;
         std::string m_name;
@@ -152,7 +152,7 @@ TEST(DynamicIdentifierTest, everyByteIsACharacter) {
     }
 }
 
-TEST(DynamicIdentifierTest, aBadExpressionIsNamedWithFileLineAndReason) {
+TEST(DynamicIdentifierTest, ABadExpressionIsNamedWithFileLineAndReason) {
     struct Row {
         char const* m_patterns;
         char const* m_place;
@@ -175,13 +175,13 @@ TEST(DynamicIdentifierTest, aBadExpressionIsNamedWithFileLineAndReason) {
     }
 }
 
-TEST(DynamicIdentifierTest, theTextOfABadExpressionStaysOnOneLine) {
+TEST(DynamicIdentifierTest, TheTextOfABadExpressionStaysOnOneLine) {
     auto const error = s_compileError("pool\n(\x1b[2J\x07\n");
     EXPECT_THAT(error, HasSubstr("(\\x1b[2J\\x07"));
     EXPECT_EQ(std::string::npos, error.find_first_of("\n\x1b\x07"));
 }
 
-TEST(DynamicIdentifierTest, anExpressionThatCompilesTooLargeIsRefused) {
+TEST(DynamicIdentifierTest, AnExpressionThatCompilesTooLargeIsRefused) {
     std::string large;
     for (int i = 0; i < 200; ++i) {
         large += "[a-z]{1000}";
@@ -191,7 +191,7 @@ TEST(DynamicIdentifierTest, anExpressionThatCompilesTooLargeIsRefused) {
     EXPECT_THAT(error, HasSubstr("too large"));
 }
 
-TEST(DynamicIdentifierTest, aListThatCompilesTooLargeIsRefused) {
+TEST(DynamicIdentifierTest, AListThatCompilesTooLargeIsRefused) {
     std::string patterns;
     for (int i = 0; i < 2100; ++i) {
         patterns += "[a-z]{1000}\n";
@@ -199,7 +199,7 @@ TEST(DynamicIdentifierTest, aListThatCompilesTooLargeIsRefused) {
     EXPECT_THAT(s_compileError(patterns), HasSubstr("too much memory"));
 }
 
-TEST(DynamicIdentifierTest, tooManyExpressionsAreRefused) {
+TEST(DynamicIdentifierTest, TooManyExpressionsAreRefused) {
     std::string patterns;
     for (int i = 0; i < 10'000; ++i) {
         patterns += i % 2 == 0 ? "a\n" : "!b\n";
@@ -209,7 +209,7 @@ TEST(DynamicIdentifierTest, tooManyExpressionsAreRefused) {
                 testing::AllOf(HasSubstr("more than 10000"), HasSubstr("names.txt:10003")));
 }
 
-TEST(DynamicIdentifierTest, anOverlongListIsRefused) {
+TEST(DynamicIdentifierTest, AnOverlongListIsRefused) {
     std::string const longest(std::size_t{1} << 20U, '#');
     EXPECT_FALSE(s_match(longest, "a.pool.example"));
     EXPECT_THAT(s_compileError(longest + '#'), HasSubstr("at most 1048576 bytes"));
@@ -220,7 +220,7 @@ TEST(DynamicIdentifierTest, anOverlongListIsRefused) {
     EXPECT_THAT(s_error([] { DynamicIdentifier::load("/dev/zero"); }), HasSubstr("at most"));
 }
 
-TEST(DynamicIdentifierTest, aFileIsReadByteForByte) {
+TEST(DynamicIdentifierTest, AFileIsReadByteForByte) {
     Folder const folder;
     auto const names = DynamicIdentifier::load(folder.write("dsl\r\npool\xe4\n!mail"));
     EXPECT_TRUE(names->match("a.dsl.example"));
@@ -229,7 +229,7 @@ TEST(DynamicIdentifierTest, aFileIsReadByteForByte) {
     EXPECT_FALSE(DynamicIdentifier::load(folder.write(""))->match("a.dsl.example"));
 }
 
-TEST(DynamicIdentifierTest, aFileThatCannotBeReadIsNamedWithTheReason) {
+TEST(DynamicIdentifierTest, AFileThatCannotBeReadIsNamedWithTheReason) {
     Folder const folder;
     auto const missing = folder.path() + "/missing";
     EXPECT_THAT(s_error([&] { DynamicIdentifier::load(missing); }),
@@ -242,7 +242,7 @@ TEST(DynamicIdentifierTest, aFileThatCannotBeReadIsNamedWithTheReason) {
 
 // 600 expressions of a thousand states each are more than one automaton may hold; the answers must
 // be right nevertheless.
-TEST(DynamicIdentifierTest, aListTooLargeForOneAutomatonStillGivesRightAnswers) {
+TEST(DynamicIdentifierTest, AListTooLargeForOneAutomatonStillGivesRightAnswers) {
     std::string patterns;
     for (int i = 0; i < 600; ++i) {
         patterns += "q" + std::to_string(i) + "[a-f]{900}z\n";
@@ -254,7 +254,7 @@ TEST(DynamicIdentifierTest, aListTooLargeForOneAutomatonStillGivesRightAnswers) 
     EXPECT_FALSE(names->match("mail.example.org"));
 }
 
-TEST(DynamicIdentifierTest, aCounterListTooLargeForOneAutomatonStillTakesAnswersBack) {
+TEST(DynamicIdentifierTest, ACounterListTooLargeForOneAutomatonStillTakesAnswersBack) {
     std::string patterns = "pool\n";
     for (int i = 0; i < 600; ++i) {
         patterns += "!q" + std::to_string(i) + "[a-f]{900}z\n";
@@ -265,7 +265,7 @@ TEST(DynamicIdentifierTest, aCounterListTooLargeForOneAutomatonStillTakesAnswers
 }
 
 // Without bounds on its memory, an automaton for this expression would hold 2^20 states and more.
-TEST(DynamicIdentifierTest, namesThatMakeTheAutomatonGrowGetRightAnswers) {
+TEST(DynamicIdentifierTest, NamesThatMakeTheAutomatonGrowGetRightAnswers) {
     auto const names = DynamicIdentifier::compile("a[ab]{20}c", "patterns");
     std::string name;
     unsigned int bits = 12345;
@@ -277,7 +277,7 @@ TEST(DynamicIdentifierTest, namesThatMakeTheAutomatonGrowGetRightAnswers) {
     EXPECT_TRUE(names->match(name + "abbbbbbbbbbbbbbbbbbbbc"));
 }
 
-TEST(DynamicIdentifierTest, aNameOfManyMegabytesIsAnswered) {
+TEST(DynamicIdentifierTest, ANameOfManyMegabytesIsAnswered) {
     std::string const name(8U << 20U, '1');
     EXPECT_FALSE(DynamicIdentifier::builtIn()->match(name + ".example.org"));
     EXPECT_TRUE(DynamicIdentifier::builtIn()->match(name + ".192-0-2-17.example.org"));
@@ -290,14 +290,14 @@ class DynamicIdentifierSingletonTest : public testing::Test {
     }
 };
 
-TEST_F(DynamicIdentifierSingletonTest, theBuiltInListIsInForceAtFirst) {
+TEST_F(DynamicIdentifierSingletonTest, TheBuiltInListIsInForceAtFirst) {
     auto const names = DynamicIdentifierSingleton::instance(false);
     ASSERT_NE(nullptr, names);
     EXPECT_TRUE(names->match("192-0-2-17.dsl.example.net"));
     EXPECT_FALSE(names->match("mail.example.net"));
 }
 
-TEST_F(DynamicIdentifierSingletonTest, anInstalledListIsSeenByEveryThread) {
+TEST_F(DynamicIdentifierSingletonTest, AnInstalledListIsSeenByEveryThread) {
     DynamicIdentifierSingleton::instance(false);
     DynamicIdentifierSingleton::install(DynamicIdentifier::compile("purple", "patterns"));
     EXPECT_TRUE(DynamicIdentifierSingleton::instance(false)->match("purple.example.org"));
@@ -309,7 +309,7 @@ TEST_F(DynamicIdentifierSingletonTest, anInstalledListIsSeenByEveryThread) {
     EXPECT_TRUE(seen);
 }
 
-TEST_F(DynamicIdentifierSingletonTest, aScanKeepsTheListItBeganWith) {
+TEST_F(DynamicIdentifierSingletonTest, AScanKeepsTheListItBeganWith) {
     DynamicIdentifierSingleton::install(DynamicIdentifier::compile("purple", "patterns"));
     auto const old = DynamicIdentifierSingleton::instance(false);
     DynamicIdentifierSingleton::install(DynamicIdentifier::compile("green", "patterns"));
@@ -317,13 +317,13 @@ TEST_F(DynamicIdentifierSingletonTest, aScanKeepsTheListItBeganWith) {
     EXPECT_FALSE(DynamicIdentifierSingleton::instance(false)->match("purple.example.org"));
 }
 
-TEST_F(DynamicIdentifierSingletonTest, anEmptyIdentifierIsRefusedAndTheOldOneStays) {
+TEST_F(DynamicIdentifierSingletonTest, AnEmptyIdentifierIsRefusedAndTheOldOneStays) {
     EXPECT_THAT(s_error([] { DynamicIdentifierSingleton::install({}); }), HasSubstr("empty"));
     EXPECT_NE(nullptr, DynamicIdentifierSingleton::instance(false));
 }
 
 // Each list knows one of two names, so that an answer shows which list gave it.
-TEST_F(DynamicIdentifierSingletonTest, threadsMatchWhileTheListIsReplaced) {
+TEST_F(DynamicIdentifierSingletonTest, ThreadsMatchWhileTheListIsReplaced) {
     auto const purple = DynamicIdentifier::compile("purple\n!never", "patterns");
     auto const green = DynamicIdentifier::compile("green\n!never", "patterns");
     DynamicIdentifierSingleton::install(green);

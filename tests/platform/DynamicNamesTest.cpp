@@ -58,7 +58,7 @@ class DynamicNamesTest : public testing::Test {
     boost::shared_ptr<DynamicIdentifier> const m_names = DynamicIdentifier::builtIn();
 };
 
-TEST_F(DynamicNamesTest, theTableIsWhole) {
+TEST_F(DynamicNamesTest, TheTableIsWhole) {
     std::size_t dynamic = 0;
     for (auto const& row : m_rows) {
         EXPECT_TRUE(row.isDynamic() || row.m_expectation == "named") << row.where();
@@ -70,27 +70,27 @@ TEST_F(DynamicNamesTest, theTableIsWhole) {
     EXPECT_LT(80U, m_rows.size() - dynamic);
 }
 
-TEST_F(DynamicNamesTest, namesOfDynamicMachinesAreToldFromOthers) {
+TEST_F(DynamicNamesTest, NamesOfDynamicMachinesAreToldFromOthers) {
     for (auto const& row : m_rows) {
         EXPECT_EQ(row.isDynamic(), match(row.m_name)) << row.where();
     }
 }
 
-TEST_F(DynamicNamesTest, theBuiltInListIsTheOneInTheFile) {
+TEST_F(DynamicNamesTest, TheBuiltInListIsTheOneInTheFile) {
     auto const names = DynamicIdentifier::load(QV_DYNAMIC_PATTERNS);
     for (auto const& row : m_rows) {
         EXPECT_EQ(match(row.m_name), names->match(row.m_name)) << row.where();
     }
 }
 
-TEST_F(DynamicNamesTest, letterCaseAndATrailingDotMakeNoDifference) {
+TEST_F(DynamicNamesTest, LetterCaseAndATrailingDotMakeNoDifference) {
     for (auto const& row : m_rows) {
         EXPECT_EQ(row.isDynamic(), match(s_upper(row.m_name))) << row.where();
         EXPECT_EQ(row.isDynamic(), match(row.m_name + '.')) << row.where();
     }
 }
 
-TEST_F(DynamicNamesTest, everyAddressWrittenIntoANameIsSeen) {
+TEST_F(DynamicNamesTest, EveryAddressWrittenIntoANameIsSeen) {
     for (auto const* const join : {"-", ".", "_", "x"}) {
         for (int octet = 0; octet < 256; ++octet) {
             std::ostringstream name;
@@ -102,7 +102,7 @@ TEST_F(DynamicNamesTest, everyAddressWrittenIntoANameIsSeen) {
     }
 }
 
-TEST_F(DynamicNamesTest, everyHexadecimalAddressWithADigitIsSeen) {
+TEST_F(DynamicNamesTest, EveryHexadecimalAddressWithADigitIsSeen) {
     for (std::size_t digit = 0; digit < 8; ++digit) {
         std::string hex(8, 'c');
         EXPECT_FALSE(match(hex + ".isp.example.net"));

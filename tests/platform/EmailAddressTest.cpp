@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -195,11 +195,11 @@ rc::Gen<std::string> s_nearlyAnAddress() {
 
 } // namespace
 
-TEST(EmailAddress, defaultConstructedIsNull) {
+TEST(EmailAddress, DefaultConstructedIsNull) {
     s_expect({"", nullptr, nullptr, ""}, EmailAddress());
 }
 
-TEST(EmailAddress, readsTheFirstAddressOfWellFormedText) {
+TEST(EmailAddress, ReadsTheFirstAddressOfWellFormedText) {
     for (auto const& row : s_wellFormed) {
         SCOPED_TRACE(row);
         s_expect(row, EmailAddress::rfc5322Parse(row.m_text, true));
@@ -207,7 +207,7 @@ TEST(EmailAddress, readsTheFirstAddressOfWellFormedText) {
     }
 }
 
-TEST(EmailAddress, textWithoutAnAddressIsNull) {
+TEST(EmailAddress, TextWithoutAnAddressIsNull) {
     for (auto const& row : s_noAddress) {
         SCOPED_TRACE(row);
         s_expect(row, EmailAddress::rfc5322Parse(row.m_text, true));
@@ -215,7 +215,7 @@ TEST(EmailAddress, textWithoutAnAddressIsNull) {
     }
 }
 
-TEST(EmailAddress, lenientAcceptsTheCommonDeviations) {
+TEST(EmailAddress, LenientAcceptsTheCommonDeviations) {
     for (auto const& row : s_deviations) {
         SCOPED_TRACE(row);
         s_expect(row, EmailAddress::rfc5322Parse(row.m_text, true));
@@ -223,7 +223,7 @@ TEST(EmailAddress, lenientAcceptsTheCommonDeviations) {
     }
 }
 
-TEST(EmailAddress, strictlyABracketOutOfPlaceEndsTheListThatCounts) {
+TEST(EmailAddress, StrictlyABracketOutOfPlaceEndsTheListThatCounts) {
     for (auto const* const text :
          {"a@b.example>", "a@b.example<", "Name <a@b.example", "a@b.example <c@d.example>",
           "<a@b.example,c@d.example>", "<a@b.example;>", "<a@b.example:25>", "<<a@b.example>>",
@@ -235,7 +235,7 @@ TEST(EmailAddress, strictlyABracketOutOfPlaceEndsTheListThatCounts) {
     }
 }
 
-TEST(EmailAddress, strictlyBracketsInPlaceAreFine) {
+TEST(EmailAddress, StrictlyBracketsInPlaceAreFine) {
     for (auto const* const text :
          {"\"<:,;[(\\\"\" <a@host.example>", "(<\\)[,>) a@host.example",
           "<@r.example, @s.example : a@host.example>", "a@host.example (]>)",
@@ -246,37 +246,37 @@ TEST(EmailAddress, strictlyBracketsInPlaceAreFine) {
     EXPECT_EQ("[192.0.2.1]", EmailAddress::rfc5322Parse("a@ (x) [192.0.2.1]", false).domain());
 }
 
-TEST(EmailAddress, theFirstAddressOfALongListCounts) {
+TEST(EmailAddress, TheFirstAddressOfALongListCounts) {
     auto const list = s_repeated("\"Doe, J.\" <someone@host.example> (Doe),\r\n ", 100000);
     EXPECT_EQ("host.example", s_parse(list).domain());
     EXPECT_EQ("first.example", s_parse("a@first.example, " + list).domain());
 }
 
-TEST(EmailAddress, anAddressBehindTheConsideredLengthIsNotSeen) {
+TEST(EmailAddress, AnAddressBehindTheConsideredLengthIsNotSeen) {
     EXPECT_EQ("host.example", s_parse(std::string(1500, ' ') + "a@host.example").domain());
     EXPECT_TRUE(s_parse(std::string(3000, ' ') + "a@host.example").isNull());
 }
 
-TEST(EmailAddress, separatorsBeyondTheConsideredNumberEndTheListThatCounts) {
+TEST(EmailAddress, SeparatorsBeyondTheConsideredNumberEndTheListThatCounts) {
     EXPECT_EQ("host.example", s_parse(s_repeated("x, ", 45) + "a@host.example").domain());
     EXPECT_TRUE(s_parse(s_repeated("x, ", 51) + "a@host.example, b@c.example").isNull());
     auto const eightColons = std::string("\"a:b:c:d:e\" <u@[IPv6:2001:db8:0:1:2:3:4:5]>");
     EXPECT_EQ("[IPv6:2001:db8:0:1:2:3:4:5]", s_parse(eightColons).domain());
 }
 
-TEST(EmailAddress, anAddressIsNeverCutInTwo) {
+TEST(EmailAddress, AnAddressIsNeverCutInTwo) {
     for (std::size_t blanks = 2020; blanks < 2050; ++blanks) {
         auto const address = s_parse(std::string(blanks, ' ') + "a@host.example.org, b@c.example");
         EXPECT_TRUE(address.isNull() || address.domain() == "host.example.org") << blanks;
     }
 }
 
-TEST(EmailAddress, oneEndlessWordIsNull) {
+TEST(EmailAddress, OneEndlessWordIsNull) {
     EXPECT_TRUE(s_parse("a@" + std::string(100000, 'h')).isNull());
 }
 
 // Each of these once took a parser down: by depth of recursion or by quadratic time.
-TEST(EmailAddress, hostileTextIsHarmless) {
+TEST(EmailAddress, HostileTextIsHarmless) {
     for (auto const* const start : {"", "<", "\"", "(", "a@", "a <", "a:", "=?utf-8?q?"}) {
         for (auto const* const piece :
              {"(", "a:", "a:;", "<", "@", "a,", "a ", "\"", "\\", "a@[", "=?utf-8?q?x?= ", ".",
@@ -289,7 +289,7 @@ TEST(EmailAddress, hostileTextIsHarmless) {
 }
 
 // A host's scanning threads may have small stacks.
-TEST(EmailAddress, hostileTextNeedsLittleStack) {
+TEST(EmailAddress, HostileTextNeedsLittleStack) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, 256 * std::size_t{1024}));
@@ -304,7 +304,7 @@ TEST(EmailAddress, hostileTextNeedsLittleStack) {
     pthread_attr_destroy(&attributes);
 }
 
-TEST(EmailAddress, manyThreadsMayParseAtOnce) {
+TEST(EmailAddress, ManyThreadsMayParseAtOnce) {
     auto const parseAll = [] {
         for (int round = 0; round < 20; ++round) {
             for (auto const& row : s_wellFormed) {
@@ -322,7 +322,7 @@ TEST(EmailAddress, manyThreadsMayParseAtOnce) {
 }
 
 // In a process of its own, where nothing was parsed before.
-TEST(EmailAddressDeathTest, parsingLeavesAloneWhatTheHostDoesAboutBrokenPipes) {
+TEST(EmailAddressDeathTest, ParsingLeavesAloneWhatTheHostDoesAboutBrokenPipes) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     auto const parseAndBreak = [] {
         std::signal(SIGPIPE, SIG_DFL);
@@ -334,7 +334,7 @@ TEST(EmailAddressDeathTest, parsingLeavesAloneWhatTheHostDoesAboutBrokenPipes) {
 }
 
 // Blanks and comments may part the labels of a domain, and a literal loses its blanks.
-RC_GTEST_PROP(EmailAddress, everyLabelOfTheDomainStandsInTheText, ()) {
+RC_GTEST_PROP(EmailAddress, EveryLabelOfTheDomainStandsInTheText, ()) {
     auto const text = *s_nearlyAnAddress();
     auto const address = s_parse(text);
     RC_ASSERT(address.isNull() == address.domain().empty());
@@ -347,7 +347,7 @@ RC_GTEST_PROP(EmailAddress, everyLabelOfTheDomainStandsInTheText, ()) {
 }
 
 // Without quotes, comments and routes an address stands in its text as it is read, but for blanks.
-RC_GTEST_PROP(EmailAddress, noSecondAtFollowsWhatIsRead, ()) {
+RC_GTEST_PROP(EmailAddress, NoSecondAtFollowsWhatIsRead, ()) {
     auto text = *rc::gen::element<std::string>("", "a@b", "a@b ", "<a@b.c", "d <a@[f]", "d, a@b.");
     auto const pieces = rc::gen::container<std::vector<std::string>>(rc::gen::element<std::string>(
         "a", "b.c", "d", "@", "@", "@e", "<", ">", ",", ";", ":", " ", ".", "\\", ")", "[f]", "]"));
@@ -370,7 +370,7 @@ RC_GTEST_PROP(EmailAddress, noSecondAtFollowsWhatIsRead, ()) {
     RC_ASSERT(isAlone);
 }
 
-RC_GTEST_PROP(EmailAddress, anAtomAddressReadsBackInEveryDress, ()) {
+RC_GTEST_PROP(EmailAddress, AnAtomAddressReadsBackInEveryDress, ()) {
     auto const atom = rc::gen::nonEmpty(rc::gen::container<std::string>(
         rc::gen::elementOf(std::string("abcXYZ0189!#$%&'*+-/=^_`{|}~"))));
     auto const local = *atom;
@@ -387,4 +387,4 @@ RC_GTEST_PROP(EmailAddress, anAtomAddressReadsBackInEveryDress, ()) {
     }
 }
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

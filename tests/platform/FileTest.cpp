@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 class FileTest : public testing::Test {
@@ -69,4 +69,4 @@ TEST_F(FileTest, StreamsReadLikeTheStandardOnes) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -184,20 +184,20 @@ rc::Gen<std::string> s_anyMessage() {
 
 } // namespace
 
-TEST(HeaderReader, splitsASectionIntoItsFields) {
+TEST(HeaderReader, SplitsASectionIntoItsFields) {
     for (auto const& row : s_cases) {
         SCOPED_TRACE(row.m_origin);
         EXPECT_EQ(row.m_fields, s_read(row.m_message));
     }
 }
 
-TEST(HeaderReader, doesNotLookBehindTheEmptyLine) {
+TEST(HeaderReader, DoesNotLookBehindTheEmptyLine) {
     auto const section = "A: 1\r\n\r\n"s;
     EXPECT_EQ(s_read(section), s_read(section + "B: 2\r\n"));
     EXPECT_EQ(section.size(), s_sectionLength(section + "B: 2\r\n"));
 }
 
-TEST(HeaderReader, sectionLengthCountsTheEmptyLine) {
+TEST(HeaderReader, SectionLengthCountsTheEmptyLine) {
     std::pair<std::string, std::size_t> const rows[] = {
         {"", 0},           {"\n", 1},          {"\r\n", 2},          {"\r\nx", 2},
         {"A: 1", 4},       {"A: 1\n", 5},      {"A: 1\n\n", 6},      {"A: 1\n\nbody\n\n", 6},
@@ -211,7 +211,7 @@ TEST(HeaderReader, sectionLengthCountsTheEmptyLine) {
 }
 
 // With quadratic work this would take hours.
-TEST(HeaderReader, longSectionsCostLinearWork) {
+TEST(HeaderReader, LongSectionsCostLinearWork) {
     struct Row {
         char const* m_piece;
         std::size_t m_length;
@@ -228,7 +228,7 @@ TEST(HeaderReader, longSectionsCostLinearWork) {
     }
 }
 
-RC_GTEST_PROP(HeaderReader, whatIsWrittenReadsBackTheSame, ()) {
+RC_GTEST_PROP(HeaderReader, WhatIsWrittenReadsBackTheSame, ()) {
     auto fields = *s_anyFields();
     auto const lineBreak = *rc::gen::element<std::string>("\n", "\r\n");
     auto const separator = *rc::gen::element<std::string>(":", ": ", " : ", "\t:\t");
@@ -240,20 +240,20 @@ RC_GTEST_PROP(HeaderReader, whatIsWrittenReadsBackTheSame, ()) {
     RC_ASSERT(s_read(s_written(fields, separator, lineBreak) + lineBreak + "X: 1\n") == fields);
 }
 
-RC_GTEST_PROP(HeaderReader, readingWhatWasReadChangesNothing, ()) {
+RC_GTEST_PROP(HeaderReader, ReadingWhatWasReadChangesNothing, ()) {
     auto fields = s_read(*s_anyMessage());
     // So that no field that begins with "From " comes first.
     fields.insert(fields.begin(), {"First", ""});
     RC_ASSERT(s_read(s_written(fields, ":", "\r\n")) == fields);
 }
 
-RC_GTEST_PROP(HeaderReader, noValueEndsInBlanksOrLineBreaks, ()) {
+RC_GTEST_PROP(HeaderReader, NoValueEndsInBlanksOrLineBreaks, ()) {
     for (auto const& [name, value] : s_read(*s_anyMessage())) {
         RC_ASSERT(value.find_last_not_of(" \t\r\n") + 1 == value.size());
     }
 }
 
-RC_GTEST_PROP(HeaderReader, everyValueIsASliceOfTheMessageInOrder, ()) {
+RC_GTEST_PROP(HeaderReader, EveryValueIsASliceOfTheMessageInOrder, ()) {
     auto const message = *s_anyMessage();
     auto const section = message.substr(0, s_sectionLength(message));
     std::size_t position = 0;
@@ -266,9 +266,9 @@ RC_GTEST_PROP(HeaderReader, everyValueIsASliceOfTheMessageInOrder, ()) {
     }
 }
 
-RC_GTEST_PROP(HeaderReader, theSectionAloneReadsAsTheWholeMessage, ()) {
+RC_GTEST_PROP(HeaderReader, TheSectionAloneReadsAsTheWholeMessage, ()) {
     auto const message = *s_anyMessage();
     RC_ASSERT(s_read(message.substr(0, s_sectionLength(message))) == s_read(message));
 }
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -6,7 +6,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 void s_expectCategory1(std::function<void()> const& call) {
@@ -94,4 +94,4 @@ TEST(MessagePropertiesTest, CopiesShareTheRecord) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

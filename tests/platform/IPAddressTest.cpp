@@ -10,7 +10,7 @@
 #include <ostream>
 #include <string>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -163,7 +163,7 @@ rc::Gen<std::string> s_nearlyAnAddress() {
 
 } // namespace
 
-TEST(IPAddress, defaultConstructedIsNull) {
+TEST(IPAddress, DefaultConstructedIsNull) {
     IPAddress const address;
     EXPECT_TRUE(address.isNull());
     EXPECT_FALSE(address.isV6());
@@ -172,12 +172,12 @@ TEST(IPAddress, defaultConstructedIsNull) {
     EXPECT_FALSE(IPAddress::isPrivateAddress(address));
 }
 
-TEST(IPAddress, nullIsNotTheUnspecifiedAddress) {
+TEST(IPAddress, NullIsNotTheUnspecifiedAddress) {
     EXPECT_NE(IPAddress(), IPAddress("::"));
     EXPECT_EQ(IPAddress(), IPAddress("no address"));
 }
 
-TEST(IPAddress, readsValidTextAndPrintsItCanonically) {
+TEST(IPAddress, ReadsValidTextAndPrintsItCanonically) {
     for (auto const& row : s_valid) {
         SCOPED_TRACE(row);
         IPAddress const address(row.m_text);
@@ -189,7 +189,7 @@ TEST(IPAddress, readsValidTextAndPrintsItCanonically) {
     }
 }
 
-TEST(IPAddress, invalidTextIsNull) {
+TEST(IPAddress, InvalidTextIsNull) {
     for (auto const& text : s_invalid) {
         SCOPED_TRACE(::testing::PrintToString(text));
         EXPECT_FALSE(IPAddress::isValidIPAddress(text));
@@ -197,17 +197,17 @@ TEST(IPAddress, invalidTextIsNull) {
     }
 }
 
-TEST(IPAddress, overlongTextIsNull) {
+TEST(IPAddress, OverlongTextIsNull) {
     EXPECT_FALSE(IPAddress::isValidIPAddress(std::string(1000000, '0')));
     EXPECT_FALSE(IPAddress::isValidIPAddress("IPv6:" + std::string(1000000, ':')));
 }
 
-TEST(IPAddress, mappedAddressEqualsTheIPv4Address) {
+TEST(IPAddress, MappedAddressEqualsTheIPv4Address) {
     EXPECT_EQ(IPAddress("192.0.2.1"), IPAddress("::ffff:192.0.2.1"));
     EXPECT_NE(IPAddress("192.0.2.1"), IPAddress("::192.0.2.1"));
 }
 
-TEST(IPAddress, privateRangesEndWhereTheRegistriesSay) {
+TEST(IPAddress, PrivateRangesEndWhereTheRegistriesSay) {
     for (auto const& row : s_privateCases) {
         SCOPED_TRACE(std::string(row.m_origin) + ": " + row.m_text);
         IPAddress const address{std::string(row.m_text)};
@@ -216,14 +216,14 @@ TEST(IPAddress, privateRangesEndWhereTheRegistriesSay) {
     }
 }
 
-RC_GTEST_PROP(IPAddress, textOfAnyBytesReadsBackAsTheSameBytes, (IPAddress::Bytes bytes)) {
+RC_GTEST_PROP(IPAddress, TextOfAnyBytesReadsBackAsTheSameBytes, (IPAddress::Bytes bytes)) {
     auto const address = IPAddress::fromBytes(bytes);
     RC_ASSERT(IPAddress(address.asString(true)) == address);
     RC_ASSERT(IPAddress(address.asString(false)) == address);
     RC_ASSERT(address.isV6() == (IPAddress("IPv6:" + address.asString(true)) == address));
 }
 
-RC_GTEST_PROP(IPAddress, textOfAnyIPv4AddressIsADottedQuad, (std::uint32_t number)) {
+RC_GTEST_PROP(IPAddress, TextOfAnyIPv4AddressIsADottedQuad, (std::uint32_t number)) {
     IPAddress::Bytes bytes{};
     bytes[10] = bytes[11] = 0xff;
     std::string quad;
@@ -235,7 +235,7 @@ RC_GTEST_PROP(IPAddress, textOfAnyIPv4AddressIsADottedQuad, (std::uint32_t numbe
     RC_ASSERT(IPAddress(quad).asString(true) == quad);
 }
 
-RC_GTEST_PROP(IPAddress, acceptsUntaggedTextExactlyWhenTheLibraryDoes, ()) {
+RC_GTEST_PROP(IPAddress, AcceptsUntaggedTextExactlyWhenTheLibraryDoes, ()) {
     auto const text = *s_nearlyAnAddress();
     auto const v4 = s_fromLibrary(AF_INET, text);
     auto const expected = v4.isNull() ? s_fromLibrary(AF_INET6, text) : v4;
@@ -243,4 +243,4 @@ RC_GTEST_PROP(IPAddress, acceptsUntaggedTextExactlyWhenTheLibraryDoes, ()) {
     RC_ASSERT(IPAddress("ipV6:" + text) == s_fromLibrary(AF_INET6, text));
 }
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -10,7 +10,7 @@
 
 #include <string>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -82,7 +82,7 @@ std::string s_complaint(std::string const& text) {
 
 } // namespace
 
-TEST(IPPrefix, readsCidrNotationAndSingleAddresses) {
+TEST(IPPrefix, ReadsCidrNotationAndSingleAddresses) {
     for (auto const& row : s_valid) {
         SCOPED_TRACE(row.m_text);
         auto const prefix = IPPrefix::parse(row.m_text);
@@ -93,24 +93,24 @@ TEST(IPPrefix, readsCidrNotationAndSingleAddresses) {
     }
 }
 
-TEST(IPPrefix, saysWhatIsWrongWithAText) {
+TEST(IPPrefix, SaysWhatIsWrongWithAText) {
     for (auto const& row : s_invalid) {
         SCOPED_TRACE(row.m_text);
         EXPECT_THAT(s_complaint(row.m_text), HasSubstr(row.m_complaint));
     }
 }
 
-TEST(IPPrefix, complaintAboutAnOverlongTextStaysShort) {
+TEST(IPPrefix, ComplaintAboutAnOverlongTextStaysShort) {
     EXPECT_LT(s_complaint(std::string(100000, '1')).size(), 300U);
 }
 
-TEST(IPPrefix, defaultConstructedHoldsTheUnspecifiedAddressAlone) {
+TEST(IPPrefix, DefaultConstructedHoldsTheUnspecifiedAddressAlone) {
     EXPECT_EQ("::/128", IPPrefix().asString());
     EXPECT_TRUE(IPPrefix().contains(IPAddress("::")));
     EXPECT_FALSE(IPPrefix().contains(IPAddress("::1")));
 }
 
-TEST(IPPrefix, holdsTheAddressesOfItsRange) {
+TEST(IPPrefix, HoldsTheAddressesOfItsRange) {
     auto const prefix = IPPrefix::parse("192.0.2.64/26");
     EXPECT_FALSE(prefix.contains(IPAddress("192.0.2.63")));
     EXPECT_TRUE(prefix.contains(IPAddress("192.0.2.64")));
@@ -119,12 +119,12 @@ TEST(IPPrefix, holdsTheAddressesOfItsRange) {
     EXPECT_TRUE(prefix.contains(IPAddress("::ffff:192.0.2.100")));
 }
 
-TEST(IPPrefix, holdsNoNullAddress) {
+TEST(IPPrefix, HoldsNoNullAddress) {
     EXPECT_FALSE(IPPrefix::parse("::/0").contains(IPAddress()));
     EXPECT_FALSE(IPPrefix::parse("0.0.0.0/0").contains(IPAddress()));
 }
 
-TEST(IPPrefix, familiesAreApart) {
+TEST(IPPrefix, FamiliesAreApart) {
     auto const allV6 = IPPrefix::parse("::/0");
     auto const allV4 = IPPrefix::parse("0.0.0.0/0");
     EXPECT_TRUE(allV6.isV6());
@@ -135,8 +135,8 @@ TEST(IPPrefix, familiesAreApart) {
     EXPECT_FALSE(allV4.contains(IPAddress("2001:db8::1")));
 }
 
-RC_GTEST_PROP(IPPrefix, canonicalTextReadsBackAsTheSameRange, ()) {
-    auto const prefix = *test::anyPrefix();
+RC_GTEST_PROP(IPPrefix, CanonicalTextReadsBackAsTheSameRange, ()) {
+    auto const prefix = *anyPrefix();
     auto const again = IPPrefix::parse(prefix.asString());
     RC_ASSERT(again.asString() == prefix.asString());
     RC_ASSERT(again.first() == prefix.first());
@@ -144,11 +144,11 @@ RC_GTEST_PROP(IPPrefix, canonicalTextReadsBackAsTheSameRange, ()) {
     RC_ASSERT(again.length() == prefix.length());
 }
 
-RC_GTEST_PROP(IPPrefix, holdsWhatLiesBetweenFirstAndLast, ()) {
-    auto const prefix = *test::anyPrefix();
-    auto const address = *test::anyAddress();
+RC_GTEST_PROP(IPPrefix, HoldsWhatLiesBetweenFirstAndLast, ()) {
+    auto const prefix = *anyPrefix();
+    auto const address = *anyAddress();
     auto const between = prefix.first() <= address.bytes() && address.bytes() <= prefix.last();
     RC_ASSERT(prefix.contains(address) == (between && prefix.isV6() == address.isV6()));
 }
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -15,7 +15,7 @@ using testing::HasSubstr;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -45,7 +45,7 @@ long s_lines(std::string const& text) {
     return std::count(text.begin(), text.end(), '\n');
 }
 
-TEST_F(LoggerTest, everyKnownMessageHasItsLevelAndWords) {
+TEST_F(LoggerTest, EveryKnownMessageHasItsLevelAndWords) {
     struct Row {
         int m_id;
         char const* m_words;
@@ -61,48 +61,48 @@ TEST_F(LoggerTest, everyKnownMessageHasItsLevelAndWords) {
     }
 }
 
-TEST_F(LoggerTest, anUnknownMessageIsAWarningWithItsNumber) {
+TEST_F(LoggerTest, AnUnknownMessageIsAWarningWithItsNumber) {
     EXPECT_THAT(s_printed(4711, "detail"), EndsWith(" warning: message 4711: detail\n"));
     EXPECT_EQ(nullptr, findLogMessage(50332197));
     EXPECT_EQ(LogLevel::warning, logLevel(50332197));
 }
 
-TEST_F(LoggerTest, aBlankDetailIsLeftOut) {
+TEST_F(LoggerTest, ABlankDetailIsLeftOut) {
     EXPECT_EQ("message 7", logLine(7, " "));
     EXPECT_EQ("message 7", logLine(7, ""));
     EXPECT_EQ("message 7:  x", logLine(7, " x"));
 }
 
-TEST_F(LoggerTest, argumentsAreFormattedAndPercentSignsInThemStay) {
+TEST_F(LoggerTest, ArgumentsAreFormattedAndPercentSignsInThemStay) {
     CaptureStderr();
     Logger::instance(false)->log(7, 0, "%d of %s", 3, "100%s%n {} {0}");
     EXPECT_THAT(GetCapturedStderr(), EndsWith(": 3 of 100%s%n {} {0}\n"));
 }
 
-TEST_F(LoggerTest, hostileTextStaysOnOneLine) {
+TEST_F(LoggerTest, HostileTextStaysOnOneLine) {
     auto const printed = s_printed(50332196, "a\r\nerror: forged\x1b[2J\x7f\x9b\xc2\x85 z");
     EXPECT_EQ(1, s_lines(printed));
     EXPECT_THAT(printed, EndsWith("a\\x0d\\x0aerror: forged\\x1b[2J\\x7f\\x9b\\xc2\\x85 z\n"));
 }
 
-TEST_F(LoggerTest, aNulByteIsShown) {
+TEST_F(LoggerTest, ANulByteIsShown) {
     EXPECT_EQ("message 7: a\\x00b", logLine(7, std::string_view("a\0b", 3)));
 }
 
-TEST_F(LoggerTest, aLongTextIsCutAndMarked) {
+TEST_F(LoggerTest, ALongTextIsCutAndMarked) {
     auto const line = logLine(7, std::string(10 * maxLogLine, 'x'));
     EXPECT_EQ(maxLogLine, line.size());
     EXPECT_THAT(line, EndsWith("xxx..."));
     EXPECT_THAT(s_printed(7, std::string(1'000'000, 'x')), EndsWith(line + '\n'));
 }
 
-TEST_F(LoggerTest, aTextThatJustFitsIsNotCut) {
+TEST_F(LoggerTest, ATextThatJustFitsIsNotCut) {
     auto const room = maxLogLine - std::string("message 7: ").size();
     EXPECT_EQ("message 7: " + std::string(room, 'x'), logLine(7, std::string(room, 'x')));
     EXPECT_THAT(logLine(7, std::string(room + 1, 'x')), EndsWith("xx..."));
 }
 
-TEST_F(LoggerTest, aCutNeverSplitsAnEscape) {
+TEST_F(LoggerTest, ACutNeverSplitsAnEscape) {
     for (std::size_t shift = 0; shift < 4; ++shift) {
         auto const line = logLine(7, std::string(shift, 'x') + std::string(maxLogLine, '\n'));
         EXPECT_LE(line.size(), maxLogLine);
@@ -110,7 +110,7 @@ TEST_F(LoggerTest, aCutNeverSplitsAnEscape) {
     }
 }
 
-TEST_F(LoggerTest, anInstalledLoggerGetsTheMessagesUntilTheDefaultIsBack) {
+TEST_F(LoggerTest, AnInstalledLoggerGetsTheMessagesUntilTheDefaultIsBack) {
     auto const mine = std::make_shared<CountingLogger>();
     Logger::install(mine);
     EXPECT_EQ("", s_printed(50332195, " "));
@@ -122,7 +122,7 @@ TEST_F(LoggerTest, anInstalledLoggerGetsTheMessagesUntilTheDefaultIsBack) {
     EXPECT_EQ(1, mine.use_count());
 }
 
-TEST_F(LoggerTest, threadsLogWhileTheLoggerIsReplaced) {
+TEST_F(LoggerTest, ThreadsLogWhileTheLoggerIsReplaced) {
     auto const mine = std::make_shared<CountingLogger>();
     Logger::install(mine);
     std::vector<std::thread> threads;
@@ -145,4 +145,4 @@ TEST_F(LoggerTest, threadsLogWhileTheLoggerIsReplaced) {
 
 } // namespace
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

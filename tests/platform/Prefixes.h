@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <string>
 
-namespace Quorvane::test {
+namespace Quorvane::Testing {
 
 inline rc::Gen<IPAddress> anyAddress() {
     return rc::gen::exec([] {
@@ -45,7 +45,7 @@ inline rc::Gen<IPPrefix> anyPrefix() {
     });
 }
 
-} // namespace Quorvane::test
+} // namespace Quorvane::Testing
 
 namespace rc {
 

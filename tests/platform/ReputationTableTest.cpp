@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -56,19 +56,19 @@ IPAddress s_v4(std::uint32_t number) {
 
 } // namespace
 
-TEST(ReputationTable, emptyTableKnowsNobody) {
+TEST(ReputationTable, EmptyTableKnowsNobody) {
     ReputationTable const table({});
     EXPECT_EQ(std::nullopt, s_score(table, "192.0.2.1"));
     EXPECT_EQ(std::nullopt, s_score(table, "2001:db8::1"));
     EXPECT_EQ(0U, table.size());
 }
 
-TEST(ReputationTable, knowsNoNullAddress) {
+TEST(ReputationTable, KnowsNoNullAddress) {
     auto const table = s_table({{"0.0.0.0/0", 1}, {"::/0", 2}});
     EXPECT_EQ(std::nullopt, table.score(IPAddress()));
 }
 
-TEST(ReputationTable, theLongestPrefixWinsWhateverTheOrder) {
+TEST(ReputationTable, TheLongestPrefixWinsWhateverTheOrder) {
     std::vector<std::pair<char const*, std::int32_t>> const rows[] = {
         {{"192.0.2.0/24", 1}, {"192.0.2.64/26", 2}, {"192.0.2.65", 3}},
         {{"192.0.2.65", 3}, {"192.0.2.64/26", 2}, {"192.0.2.0/24", 1}},
@@ -88,13 +88,13 @@ TEST(ReputationTable, theLongestPrefixWinsWhateverTheOrder) {
     }
 }
 
-TEST(ReputationTable, ofTheSamePrefixTheLaterEntryCounts) {
+TEST(ReputationTable, OfTheSamePrefixTheLaterEntryCounts) {
     auto const table = s_table({{"192.0.2.0/24", 1}, {"192.0.2.0/24", 9}, {"192.0.0.0/16", 5}});
     EXPECT_EQ(9, s_score(table, "192.0.2.1"));
     EXPECT_EQ(5, s_score(table, "192.0.3.1"));
 }
 
-TEST(ReputationTable, bothEndsOfTheAddressSpaceAreCovered) {
+TEST(ReputationTable, BothEndsOfTheAddressSpaceAreCovered) {
     auto const table = s_table({{"0.0.0.0/0", 1},
                                 {"255.255.255.255", 2},
                                 {"0.0.0.0", 3},
@@ -110,7 +110,7 @@ TEST(ReputationTable, bothEndsOfTheAddressSpaceAreCovered) {
     EXPECT_EQ(6, s_score(table, "ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff"));
 }
 
-TEST(ReputationTable, nestedRangesThatEndTogetherLeaveNothingBehind) {
+TEST(ReputationTable, NestedRangesThatEndTogetherLeaveNothingBehind) {
     auto const table = s_table({{"128.0.0.0/1", 1}, {"192.0.0.0/2", 2}, {"224.0.0.0/3", 3}});
     EXPECT_EQ(std::nullopt, s_score(table, "0.0.0.0"));
     EXPECT_EQ(1, s_score(table, "128.0.0.0"));
@@ -119,25 +119,25 @@ TEST(ReputationTable, nestedRangesThatEndTogetherLeaveNothingBehind) {
     EXPECT_EQ(3U, table.size());
 }
 
-TEST(ReputationTable, familiesAreApart) {
+TEST(ReputationTable, FamiliesAreApart) {
     auto const table = s_table({{"::/0", 1}});
     EXPECT_EQ(std::nullopt, s_score(table, "192.0.2.1"));
     EXPECT_EQ(1, s_score(table, "2001:db8::1"));
 }
 
-TEST(ReputationTable, scoresOutsideTheUsualRangeAreKept) {
+TEST(ReputationTable, ScoresOutsideTheUsualRangeAreKept) {
     constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
     EXPECT_EQ(lowest, s_score(s_table({{"192.0.2.1", lowest}}), "192.0.2.1"));
     EXPECT_EQ(0, s_score(s_table({{"192.0.2.1", 0}}), "192.0.2.1"));
 }
 
-TEST(ReputationTable, neighboursWithTheSameScoreBecomeOneInterval) {
+TEST(ReputationTable, NeighboursWithTheSameScoreBecomeOneInterval) {
     EXPECT_EQ(1U, s_table({{"192.0.2.0/25", 4}, {"192.0.2.128/25", 4}}).size());
     EXPECT_EQ(2U, s_table({{"192.0.2.0/25", 4}, {"192.0.2.128/25", 5}}).size());
     EXPECT_EQ(1U, s_table({{"192.0.2.0/24", 4}, {"192.0.2.7", 4}}).size());
 }
 
-TEST(ReputationTable, canBeMoved) {
+TEST(ReputationTable, CanBeMoved) {
     auto table = s_table({{"192.0.2.1", 1}});
     auto other = s_table({{"192.0.2.1", 2}});
     table = std::move(other);
@@ -145,7 +145,7 @@ TEST(ReputationTable, canBeMoved) {
 }
 
 // As large as the lists that sites really load; the answers are known by construction.
-TEST(ReputationTable, holdsAMillionPrefixes) {
+TEST(ReputationTable, HoldsAMillionPrefixes) {
     constexpr std::uint32_t count = 1000000;
     constexpr std::uint32_t stride = 4096;
     Entries entries;
@@ -162,11 +162,11 @@ TEST(ReputationTable, holdsAMillionPrefixes) {
     }
 }
 
-RC_GTEST_PROP(ReputationTable, answersAsTheNaiveSearchDoes, ()) {
+RC_GTEST_PROP(ReputationTable, AnswersAsTheNaiveSearchDoes, ()) {
     auto const entries = *rc::gen::container<Entries>(
-        rc::gen::pair(test::anyPrefix(), rc::gen::inRange<std::int32_t>(0, 4)));
+        rc::gen::pair(anyPrefix(), rc::gen::inRange<std::int32_t>(0, 4)));
     ReputationTable const table(entries);
-    for (auto const& address : *rc::gen::container<std::vector<IPAddress>>(test::anyAddress())) {
+    for (auto const& address : *rc::gen::container<std::vector<IPAddress>>(anyAddress())) {
         RC_ASSERT(table.score(address) == s_naiveScore(entries, address));
     }
     for (auto const& entry : entries) {
@@ -177,4 +177,4 @@ RC_GTEST_PROP(ReputationTable, answersAsTheNaiveSearchDoes, ()) {
     }
 }
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -34,7 +34,7 @@ class AtExit {
 
 } // namespace
 
-TEST(Snapshot, readsTheValueInForce) {
+TEST(Snapshot, ReadsTheValueInForce) {
     Slot slot(s_number(1));
     EXPECT_EQ(1, *slot.read());
     EXPECT_EQ(1, *slot.read());
@@ -42,7 +42,7 @@ TEST(Snapshot, readsTheValueInForce) {
     EXPECT_EQ(2, *slot.read());
 }
 
-TEST(Snapshot, whoHoldsASupersededValueKeepsIt) {
+TEST(Snapshot, WhoHoldsASupersededValueKeepsIt) {
     Slot slot(s_number(1));
     auto const held = slot.read();
     slot.publish(s_number(2));
@@ -50,7 +50,7 @@ TEST(Snapshot, whoHoldsASupersededValueKeepsIt) {
     EXPECT_EQ(1, *held);
 }
 
-TEST(Snapshot, readingDoesNotTouchTheCountThatThreadsShare) {
+TEST(Snapshot, ReadingDoesNotTouchTheCountThatThreadsShare) {
     auto const value = s_number(1);
     Slot slot(value);
     auto const first = slot.read();
@@ -60,7 +60,7 @@ TEST(Snapshot, readingDoesNotTouchTheCountThatThreadsShare) {
     EXPECT_EQ(value.get(), more.back().get());
 }
 
-TEST(Snapshot, eachThreadCountsForItself) {
+TEST(Snapshot, EachThreadCountsForItself) {
     Slot slot(s_number(1));
     auto const mine = slot.read();
     std::shared_ptr<int const> theirs;
@@ -69,7 +69,7 @@ TEST(Snapshot, eachThreadCountsForItself) {
     EXPECT_TRUE(mine.owner_before(theirs) || theirs.owner_before(mine));
 }
 
-TEST(Snapshot, aThreadLetsASupersededValueGoWhenItNextReads) {
+TEST(Snapshot, AThreadLetsASupersededValueGoWhenItNextReads) {
     auto value = s_number(1);
     std::weak_ptr<int const> const observer = value;
     Slot slot(std::move(value));
@@ -80,7 +80,7 @@ TEST(Snapshot, aThreadLetsASupersededValueGoWhenItNextReads) {
     EXPECT_TRUE(observer.expired());
 }
 
-TEST(Snapshot, aThreadThatEndsLetsItsValueGo) {
+TEST(Snapshot, AThreadThatEndsLetsItsValueGo) {
     auto value = s_number(1);
     std::weak_ptr<int const> const observer = value;
     Slot slot(std::move(value));
@@ -92,7 +92,7 @@ TEST(Snapshot, aThreadThatEndsLetsItsValueGo) {
     EXPECT_TRUE(observer.expired());
 }
 
-TEST(Snapshot, canBeReadWhileTheLastObjectsOfAThreadAreDestroyed) {
+TEST(Snapshot, CanBeReadWhileTheLastObjectsOfAThreadAreDestroyed) {
     Slot slot(s_number(1));
     int seen = 0;
     std::thread([&] {
@@ -105,7 +105,7 @@ TEST(Snapshot, canBeReadWhileTheLastObjectsOfAThreadAreDestroyed) {
     EXPECT_EQ(7, seen);
 }
 
-TEST(Snapshot, slotsOfTheSameTypeDoNotMix) {
+TEST(Snapshot, SlotsOfTheSameTypeDoNotMix) {
     Slot one(s_number(1));
     Slot two(s_number(2));
     for (int i = 0; i < 3; ++i) {
@@ -114,14 +114,14 @@ TEST(Snapshot, slotsOfTheSameTypeDoNotMix) {
     }
 }
 
-TEST(Snapshot, aSlotAtTheAddressOfADeadOneIsAnother) {
+TEST(Snapshot, ASlotAtTheAddressOfADeadOneIsAnother) {
     for (int i = 0; i < 10; ++i) {
         auto const slot = std::make_unique<Slot>(s_number(i));
         EXPECT_EQ(i, *slot->read());
     }
 }
 
-TEST(Snapshot, aDyingValueMayReadTheSlot) {
+TEST(Snapshot, ADyingValueMayReadTheSlot) {
     struct Reader {
         Snapshot<Reader> const* m_slot;
         bool* m_sawAnother;
@@ -144,7 +144,7 @@ TEST(Snapshot, aDyingValueMayReadTheSlot) {
     EXPECT_TRUE(sawAnother);
 }
 
-TEST(Snapshot, aFormOfItsOwnIsMadeOnceForEachThreadAndValue) {
+TEST(Snapshot, AFormOfItsOwnIsMadeOnceForEachThreadAndValue) {
     static std::atomic<int> made{0};
     made = 0;
     Snapshot<int, long> slot(s_number(5), [](std::shared_ptr<int const> const& value) {
@@ -161,7 +161,7 @@ TEST(Snapshot, aFormOfItsOwnIsMadeOnceForEachThreadAndValue) {
     EXPECT_EQ(3, made);
 }
 
-TEST(Snapshot, afterAFailureToMakeAFormTheNextReadTriesAgain) {
+TEST(Snapshot, AfterAFailureToMakeAFormTheNextReadTriesAgain) {
     Snapshot<int, long> slot(s_number(1), [](std::shared_ptr<int const> const& value) {
         if (*value == 2) {
             throw std::runtime_error("no form");
@@ -176,7 +176,7 @@ TEST(Snapshot, afterAFailureToMakeAFormTheNextReadTriesAgain) {
     EXPECT_EQ(3, slot.read());
 }
 
-TEST(Snapshot, threadsNeverSeeAnOlderValueAfterANewerOne) {
+TEST(Snapshot, ThreadsNeverSeeAnOlderValueAfterANewerOne) {
     constexpr int last = 2000;
     Slot slot(s_number(0));
     auto const watch = [&] {
@@ -198,4 +198,4 @@ TEST(Snapshot, threadsNeverSeeAnOlderValueAfterANewerOne) {
     }
 }
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -4,7 +4,7 @@
 #include <clocale>
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 std::string s_lowered(std::string text) {
@@ -85,4 +85,4 @@ TEST(StringsTest, OtherWhiteSpaceAndNulStay) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 
 namespace {
 
@@ -35,13 +35,13 @@ class TrustedMTASetInForce : public ::testing::Test {
 
 } // namespace
 
-TEST(TrustedMTASet, trustsNobodyByDefault) {
+TEST(TrustedMTASet, TrustsNobodyByDefault) {
     TrustedMTASet const set;
     EXPECT_FALSE(set.isTrustedMTA(IPAddress("127.0.0.1")));
     EXPECT_FALSE(set.isTrustedAntiSpamMTA(IPAddress("127.0.0.1")));
 }
 
-TEST(TrustedMTASet, trustsTheRelaysOfItsPrefixes) {
+TEST(TrustedMTASet, TrustsTheRelaysOfItsPrefixes) {
     TrustedMTASet const set(s_prefixes({"192.0.2.0/24", "2001:db8::/32", "198.51.100.7"}),
                             s_prefixes({"203.0.113.9"}));
     EXPECT_TRUE(set.isTrustedMTA(IPAddress("192.0.2.255")));
@@ -53,21 +53,21 @@ TEST(TrustedMTASet, trustsTheRelaysOfItsPrefixes) {
     EXPECT_FALSE(set.isTrustedMTA(IPAddress("2001:db9::")));
 }
 
-TEST(TrustedMTASet, anAntiSpamRelayIsNotByItselfATrustedRelay) {
+TEST(TrustedMTASet, AnAntiSpamRelayIsNotByItselfATrustedRelay) {
     TrustedMTASet const set(s_prefixes({"192.0.2.0/24"}), s_prefixes({"203.0.113.9"}));
     EXPECT_TRUE(set.isTrustedAntiSpamMTA(IPAddress("203.0.113.9")));
     EXPECT_FALSE(set.isTrustedMTA(IPAddress("203.0.113.9")));
     EXPECT_FALSE(set.isTrustedAntiSpamMTA(IPAddress("192.0.2.1")));
 }
 
-TEST(TrustedMTASet, trustsNoNullAddress) {
+TEST(TrustedMTASet, TrustsNoNullAddress) {
     auto const everybody = s_prefixes({"0.0.0.0/0", "::/0"});
     TrustedMTASet const set(everybody, everybody);
     EXPECT_FALSE(set.isTrustedMTA(IPAddress()));
     EXPECT_FALSE(set.isTrustedAntiSpamMTA(IPAddress()));
 }
 
-TEST(TrustedMTASet, referenceTakesOverTheInitialCount) {
+TEST(TrustedMTASet, ReferenceTakesOverTheInitialCount) {
     auto* const set = new TrustedMTASet;
     TrustedMTASetRef const reference(set);
     EXPECT_EQ(1, set->references());
@@ -76,17 +76,17 @@ TEST(TrustedMTASet, referenceTakesOverTheInitialCount) {
     EXPECT_EQ(2, set->references());
 }
 
-TEST(TrustedMTASet, defaultReferenceIsEmpty) {
+TEST(TrustedMTASet, DefaultReferenceIsEmpty) {
     EXPECT_TRUE(TrustedMTASetRef().isEmpty());
 }
 
-TEST_F(TrustedMTASetInForce, isTheEmptySetUntilOneIsInstalled) {
+TEST_F(TrustedMTASetInForce, IsTheEmptySetUntilOneIsInstalled) {
     auto const reference = TrustedMTASetRef::instance(false);
     ASSERT_FALSE(reference.isEmpty());
     EXPECT_FALSE(reference->isTrustedMTA(IPAddress("192.0.2.1")));
 }
 
-TEST_F(TrustedMTASetInForce, installReplacesIt) {
+TEST_F(TrustedMTASetInForce, InstallReplacesIt) {
     TrustedMTASetRef::install(s_prefixes({"192.0.2.1"}), s_prefixes({"192.0.2.2"}));
     auto const reference = TrustedMTASetRef::instance(false);
     EXPECT_TRUE(reference->isTrustedMTA(IPAddress("192.0.2.1")));
@@ -96,7 +96,7 @@ TEST_F(TrustedMTASetInForce, installReplacesIt) {
     EXPECT_TRUE(TrustedMTASetRef::instance(true)->isTrustedMTA(IPAddress("192.0.2.3")));
 }
 
-TEST_F(TrustedMTASetInForce, whoHoldsASupersededSetKeepsIt) {
+TEST_F(TrustedMTASetInForce, WhoHoldsASupersededSetKeepsIt) {
     TrustedMTASetRef::install(s_prefixes({"192.0.2.1"}), {});
     auto const reference = TrustedMTASetRef::instance(false);
     TrustedMTASetRef::install({}, {});
@@ -104,7 +104,7 @@ TEST_F(TrustedMTASetInForce, whoHoldsASupersededSetKeepsIt) {
     EXPECT_TRUE(reference->isTrustedMTA(IPAddress("192.0.2.1")));
 }
 
-TEST_F(TrustedMTASetInForce, eachThreadCountsOnALineOfItsOwn) {
+TEST_F(TrustedMTASetInForce, EachThreadCountsOnALineOfItsOwn) {
     auto const address = [] {
         auto const reference = TrustedMTASetRef::instance(false);
         return reinterpret_cast<std::uintptr_t>(reference.operator->());
@@ -117,7 +117,7 @@ TEST_F(TrustedMTASetInForce, eachThreadCountsOnALineOfItsOwn) {
     EXPECT_NE(mine, theirs);
 }
 
-TEST_F(TrustedMTASetInForce, aReferenceOutlivesTheThreadThatTookIt) {
+TEST_F(TrustedMTASetInForce, AReferenceOutlivesTheThreadThatTookIt) {
     TrustedMTASetRef::install(s_prefixes({"192.0.2.1"}), {});
     std::optional<TrustedMTASetRef> reference;
     std::thread([&] { reference = TrustedMTASetRef::instance(false); }).join();
@@ -125,7 +125,7 @@ TEST_F(TrustedMTASetInForce, aReferenceOutlivesTheThreadThatTookIt) {
     EXPECT_EQ(1, (*reference)->references());
 }
 
-TEST_F(TrustedMTASetInForce, canBeReplacedWhileManyThreadsUseIt) {
+TEST_F(TrustedMTASetInForce, CanBeReplacedWhileManyThreadsUseIt) {
     auto const even = s_prefixes({"192.0.2.2", "192.0.2.4"});
     auto const odd = s_prefixes({"192.0.2.1", "192.0.2.3"});
     std::atomic<bool> done{false};
@@ -154,10 +154,10 @@ TEST_F(TrustedMTASetInForce, canBeReplacedWhileManyThreadsUseIt) {
     }
 }
 
-RC_GTEST_PROP(TrustedMTASet, trustsExactlyWhatAPrefixHolds, ()) {
-    auto const trusted = *rc::gen::container<std::vector<IPPrefix>>(test::anyPrefix());
-    auto const antiSpam = *rc::gen::container<std::vector<IPPrefix>>(test::anyPrefix());
-    auto const address = *test::anyAddress();
+RC_GTEST_PROP(TrustedMTASet, TrustsExactlyWhatAPrefixHolds, ()) {
+    auto const trusted = *rc::gen::container<std::vector<IPPrefix>>(anyPrefix());
+    auto const antiSpam = *rc::gen::container<std::vector<IPPrefix>>(anyPrefix());
+    auto const address = *anyAddress();
     auto const holds = [&](IPPrefix const& prefix) { return prefix.contains(address); };
     TrustedMTASet const set(trusted, antiSpam);
     RC_ASSERT(set.isTrustedMTA(address) == std::any_of(trusted.begin(), trusted.end(), holds));
@@ -165,4 +165,4 @@ RC_GTEST_PROP(TrustedMTASet, trustsExactlyWhatAPrefixHolds, ()) {
               std::any_of(antiSpam.begin(), antiSpam.end(), holds));
 }
 
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 TEST(DefaultRulesTest, TheyHaveNothingToFind) {
@@ -20,8 +23,8 @@ TEST(DefaultRulesTest, TheyHaveNothingToFind) {
 
 // The elite rules are written in a file of their own; whoever changes it makes the whole anew.
 TEST(DefaultRulesTest, TheyBeginWithTheEliteRulesAsWritten) {
-    auto const elite = readFile(QV_ELITE_TEXT);
-    EXPECT_EQ(readFile(QV_DEFAULT_TEXT).substr(0, elite.size()), elite);
+    auto const elite = Rules::readFile(QV_ELITE_TEXT);
+    EXPECT_EQ(Rules::readFile(QV_DEFAULT_TEXT).substr(0, elite.size()), elite);
 }
 
 // A verdict must not hang on a slow name server.
@@ -65,4 +68,4 @@ TEST(DefaultRulesTest, TheTreeIsConsultedAndCanJudgeBothWays) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

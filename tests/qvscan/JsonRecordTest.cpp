@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The JSON record: its keys, their order and meaning, which other programs rely on.
 #include "qvscan/ScanFixture.h"
+#include "rules/format/AttributeTable.h"
 
 namespace Quorvane::Testing {
 
@@ -88,7 +89,7 @@ TEST_F(JsonRecord, TellsATreeVerdict) {
     EXPECT_EQ(tree["end"], "leaf");
     EXPECT_EQ(tree["nodes"][1]["test"], "first_reverse_dynamic is yes");
     EXPECT_EQ(record["explain"]["because"], "0.99 spam reaches the spam threshold 0.95");
-    EXPECT_EQ(record["explain"]["attributes"][10], 1);
+    EXPECT_EQ(record["explain"]["attributes"][Attribute::firstReverseDynamic], 1);
     EXPECT_EQ(record["explain"]["story"],
               Json::array({"the reverse name of the first relay, dsl-192-0-2-7.dyn.example.net, "
                            "looks dynamically assigned"}));
@@ -151,7 +152,7 @@ TEST_F(JsonRecord, ShowsTheRecordOfAScanThatEndedEarly) {
     EXPECT_EQ(explain["hops"].size(), 1U);
     EXPECT_EQ(explain["hopCount"], 1);
     EXPECT_EQ(explain["receivers"][0]["hasIP"], 3);
-    EXPECT_EQ(explain["attributes"][16], 2);
+    EXPECT_EQ(explain["attributes"][Attribute::messageIdMatchesReverse], 2);
     EXPECT_EQ(explain["elite"]["confidence"], 0.0);
     EXPECT_EQ(explain["tree"]["result"], -1);
     EXPECT_EQ(explain["story"], Json::array());

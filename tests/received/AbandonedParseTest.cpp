@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 TEST(AbandonedParseTest, ReceivingHostIsKnownOnlyAfterTheFirstParse) {
@@ -70,4 +70,4 @@ TEST(AbandonedParseTest, ALookAtAHandleWithoutRecordGivesNothing) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 class ForgedNameTest : public testing::Test {
@@ -93,4 +93,4 @@ TEST_F(ForgedNameTest, ReverseNameComesFromDnsOrIsEmpty) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

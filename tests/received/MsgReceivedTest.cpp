@@ -7,7 +7,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 constexpr char postfix[] =
@@ -221,4 +221,4 @@ TEST(MsgReceivedTest, AssignsThroughTheBaseClass) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -8,7 +8,7 @@
 #include <ostream>
 #include <rapidcheck/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 struct ReceivedCase {
@@ -318,4 +318,4 @@ RC_GTEST_PROP(ReceivedPropertyTest, LaterCallsLeaveTheTextAsTheFirstLeftItOrShor
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 TEST(AnswerTest, DefaultAnswerIsNoVerdict) {
@@ -71,4 +71,4 @@ TEST(AnswerTest, ConfidenceIsNarrowedToTheNearestFloat) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -5,7 +5,7 @@
 #include <climits>
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 DeepHeaderQuery s_query(int forged = 0, DeepHeaderSettings const& settings = {}) {
@@ -95,4 +95,4 @@ TEST(QueryTest, CopyOutlivesTheOriginal) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

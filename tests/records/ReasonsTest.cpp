@@ -6,7 +6,7 @@
 #include <limits>
 #include <locale>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 struct ReasonsCase {
@@ -88,4 +88,4 @@ INSTANTIATE_TEST_SUITE_P(Table, ReasonsTest, testing::ValuesIn(reasonsCases),
                          [](auto const& row) { return std::string(row.param.m_name); });
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

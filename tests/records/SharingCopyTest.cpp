@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 template<typename T>
@@ -63,4 +63,4 @@ TEST(SharingAssignmentTest, ReleasesTheOldReferenceBeforeItTakesTheNew) {
 }
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

@@ -4,13 +4,16 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 // After a change of the table: qvrules attributes > docs/attributes.md
 TEST(AttributePageTest, ThePageInTheDocumentationIsTheOneMadeFromTheTable) {
-    EXPECT_EQ(readFile(QV_DOCS "/attributes.md"), attributePage());
+    EXPECT_EQ(Rules::readFile(QV_DOCS "/attributes.md"), attributePage());
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 EliteFile s_elite(std::int32_t announced, std::vector<std::int32_t> const& conditionCounts) {
@@ -79,4 +82,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](auto const& row) { return row.param.m_name; });
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -11,7 +11,10 @@
 #include <gtest/gtest.h>
 #include <set>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 // What the rules can judge has tests of its own.
@@ -356,4 +359,4 @@ RC_GTEST_PROP(CheckerPropertyTest, NoMessageEntersANodeThatIsSaidToBeOutOfReach,
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 // "LINE:COLUMN TEXT" of each error, one a line.
@@ -250,4 +253,4 @@ TEST(CompilerErrorsTest, TheLineIsShownWithAMarkBelowThePlace) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 RuleSet s_compile(std::string const& text) {
@@ -130,4 +133,4 @@ TEST(CompilerTest, PlacesOfNodesRulesAndConditionsAreKept) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

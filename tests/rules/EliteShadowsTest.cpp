@@ -2,6 +2,7 @@
 #include "adapter/DeepHeaderAdapter.h"
 #include "rules/check/Checker.h"
 #include "rules/check/EliteRun.h"
+#include "rules/format/AttributeTable.h"
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
 #include "SmallVectors.h"
@@ -137,7 +138,9 @@ TEST(EliteShadowsTest, LongListsAreLookedThroughInBoundedTime) {
     rule.support = 1.0;
     // Each excludes another value of the counters, so that each pair has to be looked at.
     for (std::int32_t i = 0; i < maxEliteNodes; ++i) {
-        rule.conditions = {{2, 0, i % 50}, {9, 0, i % 49}, {12, 0, i % 47}};
+        rule.conditions = {{Attribute::hopsHeloNoDomain, Comparison::equals, i % 50},
+                           {Attribute::hopsHeloMismatchesReverse, Comparison::equals, i % 49},
+                           {Attribute::hopsReverseDynamic, Comparison::equals, i % 47}};
         rule.conditionCount = 3;
         set.m_elite->m_rules.push_back(rule);
     }

@@ -6,7 +6,9 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
 
 // The kind of the RuleError that `work` ends with; fails when it ends without one.
 inline RuleError::Kind kindOf(std::function<void()> const& work) {
@@ -19,4 +21,4 @@ inline RuleError::Kind kindOf(std::function<void()> const& work) {
     return RuleError::Kind::badData;
 }
 
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

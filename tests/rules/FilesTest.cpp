@@ -10,7 +10,10 @@
 #include <sys/stat.h>
 #include <thread>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -35,7 +38,7 @@ TEST(FilesTest, AReaderFindsTheOldFileOrTheWholeNewOne) {
     });
     int torn = 0;
     while (!isDone) {
-        auto const content = readFile(path);
+        auto const content = Rules::readFile(path);
         torn += content == one || content == other ? 0 : 1;
     }
     writer.join();
@@ -57,7 +60,7 @@ TEST(FilesTest, AFailedReplacementLeavesTheOldFileAndNothingBeside) {
     replaceFile(folder.path() / "file" / "inside", "kept");
     EXPECT_EQ(kindOf([&] { replaceFile(folder.path() / "file", "x"); }),
               RuleError::Kind::cannotWrite);
-    EXPECT_EQ(readFile(folder.path() / "file" / "inside"), "kept");
+    EXPECT_EQ(Rules::readFile(folder.path() / "file" / "inside"), "kept");
     EXPECT_EQ(s_fileCount(folder.path()), 1U);
 }
 
@@ -65,8 +68,8 @@ TEST(FilesTest, WhatCannotBeOpenedIsSaidByName) {
     Testing::TemporaryFolder const folder;
     auto const path = folder.path() / "none";
     EXPECT_EQ(readFileIfThere(path), std::nullopt);
-    EXPECT_EQ(kindOf([&] { readFile(path); }), RuleError::Kind::noInput);
-    EXPECT_EQ(kindOf([&] { readFile(folder.path()); }), RuleError::Kind::noInput);
+    EXPECT_EQ(kindOf([&] { Rules::readFile(path); }), RuleError::Kind::noInput);
+    EXPECT_EQ(kindOf([&] { Rules::readFile(folder.path()); }), RuleError::Kind::noInput);
     EXPECT_EQ(kindOf([&] {
                   makeFolder(path / "a");
                   makeFolder("/dev/null/a");
@@ -79,7 +82,7 @@ TEST(FilesTest, AFileThatNoRuleSetCanFillIsNotReadToItsEnd) {
     auto const path = folder.path() / "large";
     replaceFile(path, "");
     fs::resize_file(path, maxRuleFileSize + 1); // sparse
-    EXPECT_EQ(kindOf([&] { readFile(path); }), RuleError::Kind::badData);
+    EXPECT_EQ(kindOf([&] { Rules::readFile(path); }), RuleError::Kind::badData);
 }
 
 TEST(RuleFolderTest, AFolderIsWrittenAsItWasRead) {
@@ -104,7 +107,7 @@ TEST(RuleFolderTest, FilesThatTheSetDoesNotHaveAreRemoved) {
     }
     writeFolder(folder.path(), RuleSet());
     EXPECT_EQ(s_fileCount(folder.path()), 1U);
-    EXPECT_EQ(readFile(folder.path() / treeFileName), "");
+    EXPECT_EQ(Rules::readFile(folder.path() / treeFileName), "");
 }
 
 TEST(RuleFolderTest, AFolderWithoutATreeIsNone) {
@@ -113,4 +116,4 @@ TEST(RuleFolderTest, AFolderWithoutATreeIsNone) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

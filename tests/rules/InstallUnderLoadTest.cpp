@@ -2,6 +2,7 @@
 //
 // Sets are installed and rolled back while an engine scans and reloads: every scan, and every load
 // of a host that starts just then, sees one whole set.
+#include "rules/format/AttributeTable.h"
 #include "rules/install/Installer.h"
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
@@ -30,7 +31,7 @@ constexpr int installations = 6;
 // Set `number` says its number in the tree's confidence and in the adjustment of its elite rule.
 Rules::RuleSet s_set(int number) {
     Rules::RuleSet set;
-    set.m_nodes = treeOf({leaf(37, 0, markOf(number), 10.0)});
+    set.m_nodes = treeOf({leaf(Attribute::hopBehindFirst, 0, markOf(number), 10.0)});
     set.m_elite = Rules::EliteFile{eliteHeader(1, 1, 1), {adjusting('r', markOf(number))}, {}};
     return set;
 }

@@ -15,7 +15,10 @@
 #include <thread>
 #include <unistd.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -213,4 +216,4 @@ TEST_F(InstallerTest, ASignalToEndWaitsUntilTheSetIsInForce) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

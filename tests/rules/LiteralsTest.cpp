@@ -6,7 +6,10 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 std::uint64_t s_bits(double number) {
@@ -86,4 +89,4 @@ TEST(LiteralsTest, BrokenHexAndEscapesAreRefused) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 struct ReadmeCase {
@@ -39,4 +42,4 @@ TEST(ReadmeTextTest, HoldsTheVersionAndNothingThatLooksLikeAnotherOne) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

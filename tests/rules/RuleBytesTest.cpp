@@ -4,7 +4,10 @@
 #include "rules/model/Binary.h"
 #include "support/HandWrittenRules.h"
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 using Testing::expectHandWritten;
@@ -31,4 +34,4 @@ TEST(RuleBytesTest, AnEliteFileIsReadFieldByFieldAndWrittenBack) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

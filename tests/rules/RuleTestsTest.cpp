@@ -19,7 +19,7 @@ AttributeVector s_vector(std::int32_t forged) {
     return vector;
 }
 
-TEST(RuleTests, knowTheAttributesOfTheTable) {
+TEST(RuleTests, KnowTheAttributesOfTheTable) {
     EXPECT_TRUE(isAttribute(0));
     EXPECT_TRUE(isAttribute(Attribute::hopBehindFirst));
     for (std::int32_t const other : {-1, 38, lowest}) {
@@ -28,7 +28,7 @@ TEST(RuleTests, knowTheAttributesOfTheTable) {
 }
 
 // The tree takes any test but 0 for "differs"; in an elite rule it never holds.
-TEST(RuleTests, holdInTheTreeAndInEliteRules) {
+TEST(RuleTests, HoldInTheTreeAndInEliteRules) {
     struct Row {
         std::int32_t m_test;
         std::int32_t m_value;
@@ -49,14 +49,14 @@ TEST(RuleTests, holdInTheTreeAndInEliteRules) {
     }
 }
 
-TEST(RuleTests, neverHoldForAttributesThatDoNotExist) {
+TEST(RuleTests, NeverHoldForAttributesThatDoNotExist) {
     for (std::int32_t const attribute : {-1, 38, lowest}) {
         EXPECT_FALSE(holds({attribute, Comparison::equals, 0}, {})) << attribute;
         EXPECT_FALSE(holds({attribute, Comparison::differs, 1}, {})) << attribute;
     }
 }
 
-TEST(RuleTests, areLoadedByTheirUpperBoundsAlone) {
+TEST(RuleTests, AreLoadedByTheirUpperBoundsAlone) {
     EXPECT_TRUE(isLoadedCondition({37, 1, 0}));
     EXPECT_TRUE(isLoadedCondition({lowest, lowest, 0}));
     EXPECT_FALSE(isLoadedCondition({38, 0, 0}));
@@ -75,7 +75,7 @@ TEST(RuleTests, areLoadedByTheirUpperBoundsAlone) {
     EXPECT_FALSE(isLoadedNode(node));
 }
 
-TEST(RuleTests, leadToNodesOfTheTableOnly) {
+TEST(RuleTests, LeadToNodesOfTheTableOnly) {
     EXPECT_TRUE(isChildIndex(1));
     EXPECT_TRUE(isChildIndex(499));
     for (std::int32_t const other : {0, -1, 500, lowest}) {
@@ -88,7 +88,7 @@ TEST(RuleTests, leadToNodesOfTheTableOnly) {
     EXPECT_TRUE(canDecide(3));
 }
 
-TEST(RuleTests, comparisonsWithWhatIsNotANumberNeverHold) {
+TEST(RuleTests, ComparisonsWithWhatIsNotANumberNeverHold) {
     EXPECT_TRUE(isSupported(0.15, 0.15));
     EXPECT_FALSE(isSupported(nan, 0.15));
     EXPECT_FALSE(isSupported(1.0, nan));
@@ -102,7 +102,7 @@ TEST(RuleTests, comparisonsWithWhatIsNotANumberNeverHold) {
     EXPECT_TRUE(replaces(SelectMode::last, nan, nan));
 }
 
-TEST(RuleTests, replaceOneAnotherByTheSelectMode) {
+TEST(RuleTests, ReplaceOneAnotherByTheSelectMode) {
     EXPECT_TRUE(replaces(SelectMode::highest, 0.9, 0.8));
     EXPECT_FALSE(replaces(SelectMode::highest, 0.9, 0.9));
     EXPECT_TRUE(replaces(SelectMode::lowest, 0.8, 0.9));
@@ -111,7 +111,7 @@ TEST(RuleTests, replaceOneAnotherByTheSelectMode) {
     EXPECT_FALSE(replaces(7, 0.9, 0.8));
 }
 
-TEST(RuleTests, fireByTypeAndSupport) {
+TEST(RuleTests, FireByTypeAndSupport) {
     EliteRecord rule{};
     rule.type = EliteType::adjusting;
     rule.support = nan;
@@ -124,7 +124,7 @@ TEST(RuleTests, fireByTypeAndSupport) {
     EXPECT_FALSE(canFire(rule, 0.15));
 }
 
-TEST(RuleTests, letTheTreeBeAskedWithoutEliteRulesOrWithTheirLeave) {
+TEST(RuleTests, LetTheTreeBeAskedWithoutEliteRulesOrWithTheirLeave) {
     EliteFileHeader header{};
     for (std::int32_t const alsoTree : {0, 2, -1}) {
         header.alsoWalkTree = alsoTree;

@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 struct TextCase {
@@ -94,4 +97,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](auto const& row) { return row.param.m_name; });
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

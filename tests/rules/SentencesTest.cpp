@@ -5,7 +5,10 @@
 #include <gmock/gmock.h>
 #include <set>
 
-namespace Quorvane::Rules {
+namespace Quorvane::Testing {
+
+using namespace Rules;
+
 namespace {
 
 std::set<std::string_view> const knownNames{
@@ -149,4 +152,4 @@ TEST(SentencesTest, BracesInANameOfTheMessageAreNotFilled) {
 }
 
 } // namespace
-} // namespace Quorvane::Rules
+} // namespace Quorvane::Testing

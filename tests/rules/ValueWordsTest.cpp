@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane {
+namespace Quorvane::Testing {
 namespace {
 
 struct WordCase {
@@ -36,4 +36,4 @@ INSTANTIATE_TEST_SUITE_P(Values, ValueWordsTest,
                                          WordCase{static_cast<std::size_t>(-1), 1, "1"}));
 
 } // namespace
-} // namespace Quorvane
+} // namespace Quorvane::Testing

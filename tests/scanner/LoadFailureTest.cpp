@@ -5,6 +5,7 @@
 #include "FileHook.h"
 #include "include2/Exception.h"
 #include "LogCapture.h"
+#include "rules/format/AttributeTable.h"
 #include "support/RuleFolder.h"
 #include "support/SteadyScans.h"
 
@@ -18,9 +19,9 @@ namespace {
 class LoadFailureTest : public testing::Test {
   protected:
     LoadFailureTest() {
-        m_rules.writeTree(treeOf({leaf(37, 0, markOf(1))}));
+        m_rules.writeTree(treeOf({leaf(Attribute::hopBehindFirst, 0, markOf(1))}));
         m_scanner.init();
-        m_rules.writeTree(treeOf({leaf(37, 0, markOf(2))}));
+        m_rules.writeTree(treeOf({leaf(Attribute::hopBehindFirst, 0, markOf(2))}));
         m_rules.writeReadme("CF_DT_VERSION=5\n");
         m_log.take();
     }

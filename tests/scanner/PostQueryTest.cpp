@@ -2,6 +2,7 @@
 #include "DeepHeaderScanner.h"
 #include "include2/DeepHeaderException.h"
 #include "LogCapture.h"
+#include "rules/format/AttributeTable.h"
 #include "support/Message.h"
 #include "support/RuleFolder.h"
 
@@ -13,7 +14,7 @@ namespace {
 class PostQueryTest : public testing::Test {
   protected:
     PostQueryTest() {
-        m_rules.writeTree(treeOf({leaf(37, 0, 0.97)}));
+        m_rules.writeTree(treeOf({leaf(Attribute::hopBehindFirst, 0, 0.97)}));
         m_scanner.init();
         m_log.take();
     }

@@ -2,6 +2,7 @@
 //
 // Scans on many threads while the rules are reloaded: every scan sees one whole rule set.
 #include "LogCapture.h"
+#include "rules/format/AttributeTable.h"
 #include "support/RuleFolder.h"
 #include "support/SteadyScans.h"
 
@@ -20,7 +21,7 @@ constexpr int threadCount = 4;
 // elite rule in the adjustment.
 void s_write(RuleFolder const& rules, int number) {
     rules.writeElite(eliteHeader(1, 1, 1), {adjusting('r', markOf(number))});
-    rules.writeTree(treeOf({leaf(37, 0, markOf(number), 10.0 + number)}));
+    rules.writeTree(treeOf({leaf(Attribute::hopBehindFirst, 0, markOf(number), 10.0 + number)}));
 }
 
 bool s_isOneSet(DeepHeaderAnswer const& answer) {

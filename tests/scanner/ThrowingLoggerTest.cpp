@@ -5,6 +5,7 @@
 #include "FileHook.h"
 #include "include2/Exception.h"
 #include "platform/Logger.h"
+#include "rules/format/AttributeTable.h"
 #include "support/Message.h"
 #include "support/RuleFolder.h"
 
@@ -75,7 +76,7 @@ void s_expectNoVerdict(Message const& message) {
 class ThrowingLoggerTest : public testing::Test {
   protected:
     ThrowingLoggerTest() {
-        m_rules.writeTree(treeOf({leaf(37, 0, 0.97)}));
+        m_rules.writeTree(treeOf({leaf(Attribute::hopBehindFirst, 0, 0.97)}));
         s_init();
     }
 

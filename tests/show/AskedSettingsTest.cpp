@@ -4,7 +4,10 @@
 
 #include <gmock/gmock.h>
 
-namespace Quorvane::Show {
+namespace Quorvane::Testing {
+
+using namespace Show;
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -61,4 +64,4 @@ TEST(AskedSettingsTest, RefusesOtherSettingsAndWrongValues) {
 }
 
 } // namespace
-} // namespace Quorvane::Show
+} // namespace Quorvane::Testing

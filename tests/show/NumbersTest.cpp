@@ -6,7 +6,10 @@
 #include <gmock/gmock.h>
 #include <limits>
 
-namespace Quorvane::Show {
+namespace Quorvane::Testing {
+
+using namespace Show;
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -70,4 +73,4 @@ TEST(TextStyleTest, FillsUpToAWidth) {
 }
 
 } // namespace
-} // namespace Quorvane::Show
+} // namespace Quorvane::Testing

@@ -11,7 +11,10 @@
 #include <re2/re2.h>
 #include <set>
 
-namespace Quorvane::Show {
+namespace Quorvane::Testing {
+
+using namespace Show;
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -179,4 +182,4 @@ TEST(DrawingTest, CountsBelowZeroAreNone) {
 }
 
 } // namespace
-} // namespace Quorvane::Show
+} // namespace Quorvane::Testing

@@ -11,7 +11,10 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-namespace Quorvane::Workshop {
+namespace Quorvane::Testing {
+
+using namespace Workshop;
+
 namespace {
 
 Rules::Verdict s_verdict(DeepHeaderAnswer const& answer) {
@@ -101,4 +104,4 @@ TEST(VectorJudge, RefusesRulesThatNoHostCouldLoad) {
 }
 
 } // namespace
-} // namespace Quorvane::Workshop
+} // namespace Quorvane::Testing

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Quorvane::Workshop {
+namespace Quorvane::Testing {
+
+using namespace Workshop;
+
 namespace {
 
 std::string s_error(std::string_view text) {
@@ -104,4 +107,4 @@ INSTANTIATE_TEST_SUITE_P(
         BadVector{"chain_broken=yes,chain_broken=yes", "chain_broken is given twice; keep one"}));
 
 } // namespace
-} // namespace Quorvane::Workshop
+} // namespace Quorvane::Testing
