@@ -107,7 +107,7 @@ class Protocol(unittest.TestCase):
 
     def test_says_what_is_wrong_with_settings_and_vectors(self):
         for query, text in (("spam-threshold=0.9x", 'spam-threshold: "0.9x" is not a number'),
-                            ("walk-to-leaf=2", 'walk-to-leaf: "2" is no whole number from 0 to 1'),
+                            ("walk-to-leaf=2", 'walk-to-leaf: "2" is not a whole number from 0 to 1'),
                             ("dns-data=/etc/passwd", 'a page cannot set "dns-data"')):
             self.assertEqual(self.server.post(MESSAGE.read_bytes(), query=query),
                              (422, text + "\n"))
