@@ -71,8 +71,8 @@ toml::table parseToml(std::string const& path, std::string const& text) {
         throw SettingsError(tomlPlace(path, error.source().begin) +
                             std::string(error.description()));
     } catch (TomlStumbled const&) {
-        throw SettingsError(tomlPlace(path, s_stumblingPlace(text)) + "this is no TOML; \"[\" is " +
-                            "followed by the name of a table");
+        throw SettingsError(tomlPlace(path, s_stumblingPlace(text)) +
+                            "this is not TOML; \"[\" is " + "followed by the name of a table");
     }
 }
 

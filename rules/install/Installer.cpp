@@ -139,7 +139,7 @@ Installation installRules(fs::path const& folder, RuleSet set, std::chrono::mill
 
 Installation rollBack(fs::path const& folder, std::chrono::milliseconds settle) {
     if (!fs::is_directory(folder)) {
-        throw RuleError(RuleError::Kind::noInput, folder.string() + ": is no folder");
+        throw RuleError(RuleError::Kind::noInput, folder.string() + ": is not a folder");
     }
     FolderLock const lock(folder);
     auto const present = s_lookAt(folder);

@@ -170,7 +170,7 @@ class VectorReader {
         auto const* const end = field.data() + field.size();
         auto const result = std::from_chars(field.data(), end, number);
         if (result.ec != std::errc() || result.ptr != end) {
-            fail(index, "'" + field + "' is no whole number in range");
+            fail(index, "'" + field + "' is not a whole number in range");
         }
     }
 

@@ -80,7 +80,7 @@ TEST_F(ExitStatus, BadSettingsAre78) {
          ":2:1: unknown key \"spam_threshold\"; did you mean \"spam-threshold\"?"},
         {"umbrella = 1\n", ":1:1: unknown key \"umbrella\"; qvscan --show-config lists"},
         {"jobs = \n", ":1:"},
-        {"jobs = 2\n[\n", ":2:2: this is no TOML"},
+        {"jobs = 2\n[\n", ":2:2: this is not TOML"},
         {"trusted-mta = [\"192.0.2.1\", \"nope\"]\n", ":1:29: trusted-mta: "},
         {"walk-to-leaf = 7\n", ":1:16: walk-to-leaf: \"7\" is not a whole number from 0 to 1"},
     };

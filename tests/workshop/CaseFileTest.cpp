@@ -160,8 +160,8 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
         {"[[case]]\n\"\\u001b[2J\" = 1\n", "2:1: a case has no key \"\\x1B[2J\""},
         {"[[case]]\nname = \"x\"\nname = \"y\"\n", "3:"},
         {"[[case]\n", "1:"},
-        {"# x\n [=]\n", "2:3: this is no TOML; \"[\" is followed by the name of a table"},
-        {"[[\n", "1:3: this is no TOML"},
+        {"# x\n [=]\n", "2:3: this is not TOML; \"[\" is followed by the name of a table"},
+        {"[[\n", "1:3: this is not TOML"},
         {"\xFF", "1:"},
     };
     for (auto const& row : cases) {
