@@ -14,8 +14,6 @@ namespace {
 
 using MsgProperties = DeepHeaderAdapter::MsgProperties;
 
-static_assert(HopAnalysis().heloIsDomain == Code::notAnalysed);
-
 void s_takeVerdict(RecordedVerdict& verdict, DeepHeaderAnswerImpl const& answer) {
     verdict.node = answer.m_node;
     verdict.confidence = answer.m_confidenceDegree;
