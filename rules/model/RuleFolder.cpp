@@ -14,9 +14,9 @@ void s_checkIsNoFile(std::filesystem::path const& folder) {
     std::error_code error;
     if (std::filesystem::exists(folder, error) && !std::filesystem::is_directory(folder, error)) {
         throw RuleError(RuleError::Kind::noInput,
-                        folder.string() + ": is not a folder; give the folder that holds the rule " +
-                            "files " + treeFileName + ", " + eliteFileName + " and " +
-                            versionFileName);
+                        folder.string() +
+                            ": is not a folder; give the folder that holds the rule " + "files " +
+                            treeFileName + ", " + eliteFileName + " and " + versionFileName);
     }
 }
 
