@@ -5,10 +5,12 @@ find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(Boost 1.74 REQUIRED)
 find_package(spdlog REQUIRED)
+find_package(prometheus-cpp CONFIG REQUIRED)
 find_package(nlohmann_json REQUIRED)
 pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)
 pkg_check_modules(GMIME REQUIRED IMPORTED_TARGET gmime-3.0)
 pkg_check_modules(LIBARCHIVE REQUIRED IMPORTED_TARGET libarchive)
+pkg_check_modules(SYSTEMD REQUIRED IMPORTED_TARGET libsystemd)
 pkg_check_modules(RE2 REQUIRED IMPORTED_TARGET re2)
 
 # tomlplusplus ships no imported target in every release; its header is all there is.
@@ -20,6 +22,13 @@ find_library(UNBOUND_LIBRARY unbound REQUIRED)
 add_library(qv_unbound INTERFACE)
 target_include_directories(qv_unbound SYSTEM INTERFACE "${UNBOUND_INCLUDE_DIR}")
 target_link_libraries(qv_unbound INTERFACE "${UNBOUND_LIBRARY}")
+
+# libmilter brings neither a CMake package nor a pkg-config file.
+find_path(LIBMILTER_INCLUDE_DIR libmilter/mfapi.h REQUIRED)
+find_library(LIBMILTER_LIBRARY milter REQUIRED)
+add_library(qv_libmilter INTERFACE)
+target_include_directories(qv_libmilter SYSTEM INTERFACE "${LIBMILTER_INCLUDE_DIR}")
+target_link_libraries(qv_libmilter INTERFACE "${LIBMILTER_LIBRARY}")
 
 if(QV_BUILD_TESTS)
     find_package(GTest REQUIRED)

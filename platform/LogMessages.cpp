@@ -14,6 +14,15 @@ constexpr LogMessage messages[] = {
     {50332198, LogLevel::error, "the rules cannot be loaded, so no new engine was installed"},
     {50332199, LogLevel::error, "an engine cannot be built, so no new engine was installed"},
     {50332201, LogLevel::error, "the engine cannot be installed"},
+    {LogId::started, LogLevel::information, "started"},
+    {LogId::stopping, LogLevel::information, "stopping"},
+    {LogId::reloaded, LogLevel::information, "settings and rules were reloaded"},
+    {LogId::reloadRefused, LogLevel::error, "nothing was reloaded"},
+    {LogId::rulesLoaded, LogLevel::information, "newer rules were loaded"},
+    {LogId::rulesRefused, LogLevel::error, "newer rules cannot be loaded, the old ones stay"},
+    {LogId::noRules, LogLevel::error, "no message is judged until there are rules"},
+    {LogId::messageJudged, LogLevel::information, "message"},
+    {LogId::messageFailed, LogLevel::error, "a message could not be handled"},
 };
 
 constexpr std::string_view cutMark = "...";

@@ -14,7 +14,7 @@
 
 namespace Quorvane {
 
-enum class LogLevel { warning, error };
+enum class LogLevel { information, warning, error };
 
 // Never renumber the ids: filters on log servers know them.
 struct LogMessage {
@@ -22,6 +22,19 @@ struct LogMessage {
     LogLevel m_level;
     char const* m_words;
 };
+
+// The daemon's own messages.
+namespace LogId {
+inline constexpr int started = 50332301;
+inline constexpr int stopping = 50332302;
+inline constexpr int reloaded = 50332303;
+inline constexpr int reloadRefused = 50332304;
+inline constexpr int rulesLoaded = 50332305;
+inline constexpr int rulesRefused = 50332306;
+inline constexpr int noRules = 50332307;
+inline constexpr int messageJudged = 50332308;
+inline constexpr int messageFailed = 50332309;
+} // namespace LogId
 
 // Bytes of a log line at most. Exceptions quote header text, which a sender may make megabytes
 // long, and syslog daemons cut lines not far above this.

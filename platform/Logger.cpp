@@ -4,7 +4,7 @@
 // spdlog, whose headers are slow to compile.
 #include "platform/Logger.h"
 
-#include "platform/LogMessages.h"
+#include "platform/LineLogger.h"
 
 #include <array>
 #include <cstdarg>
@@ -19,34 +19,19 @@ namespace Quorvane {
 
 namespace {
 
-class StderrLogger : public Logger {
+class StderrLogger : public LineLogger {
   public:
     StderrLogger() : m_sink("quorvane", std::make_shared<spdlog::sinks::stderr_sink_mt>()) {
         m_sink.set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %n[%P] %l: %v");
     }
 
-    void log(int messageId, int reserved, char const* format, ...) override
-        __attribute__((format(printf, 4, 5)));
-
   private:
-    static spdlog::level::level_enum level(int messageId) {
-        return logLevel(messageId) == LogLevel::error ? spdlog::level::err : spdlog::level::warn;
+    void write(LogLevel level, std::string const& line) override {
+        m_sink.log(level == LogLevel::error ? spdlog::level::err : spdlog::level::warn, line);
     }
 
     spdlog::logger m_sink;
 };
-
-void StderrLogger::log(int messageId, int /*reserved*/, char const* format, ...) {
-    // One byte more than a line can show, so that logLine sees that something is missing.
-    std::array<char, maxLogLine + 2> detail{};
-    va_list arguments;
-    va_start(arguments, format);
-    int const length = std::vsnprintf(detail.data(), detail.size(), format, arguments);
-    va_end(arguments);
-    // A negative length: a format or a wide string that cannot be converted.
-    std::string_view const text = length < 0 ? format : detail.data();
-    m_sink.log(level(messageId), logLine(messageId, text));
-}
 
 class Slot {
   public:
@@ -79,6 +64,20 @@ Slot& s_slot() {
 } // namespace
 
 Logger::~Logger() = default;
+
+LineLogger::~LineLogger() = default;
+
+void LineLogger::log(int messageId, int /*reserved*/, char const* format, ...) {
+    // One byte more than a line can show, so that logLine sees that something is missing.
+    std::array<char, maxLogLine + 2> detail{};
+    va_list arguments;
+    va_start(arguments, format);
+    int const length = std::vsnprintf(detail.data(), detail.size(), format, arguments);
+    va_end(arguments);
+    // A negative length: a format or a wide string that cannot be converted.
+    std::string_view const text = length < 0 ? format : detail.data();
+    write(logLevel(messageId), logLine(messageId, text));
+}
 
 std::shared_ptr<Logger> Logger::instance(bool /*reload*/) {
     return s_slot().get();

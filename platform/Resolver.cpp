@@ -132,4 +132,8 @@ Resolver::Counters Resolver::counters() const {
             m_slot->m_tally->m_late.load(std::memory_order_relaxed)};
 }
 
+void Resolver::observe(LookupObserver observer) {
+    m_slot->m_tally->m_observer.store(observer, std::memory_order_relaxed);
+}
+
 } // namespace Quorvane

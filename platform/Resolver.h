@@ -80,6 +80,10 @@ struct ResolverSettings {
     std::chrono::milliseconds m_deadline{2000};
 };
 
+// Is told of each look-up that was waited for: how it ended, and how long it took from its start.
+// Called on many threads at once; throws nothing.
+using LookupObserver = void (*)(LookupResult result, std::chrono::nanoseconds time);
+
 // A look-up under way. Waiting for it gives the answer; dropping it cancels it.
 class QV_API PendingLookup {
   public:
@@ -145,6 +149,9 @@ class QV_API Resolver {
         std::uint64_t m_late = 0;
     };
     Counters counters() const;
+
+    // One observer for the process; null: none. It stays while settings change.
+    void observe(LookupObserver observer);
 
     Resolver(Resolver const&) = delete;
     Resolver& operator=(Resolver const&) = delete;

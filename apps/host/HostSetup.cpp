@@ -9,6 +9,8 @@
 #include "platform/TrustedMTASet.h"
 
 #include <cerrno>
+#include <chrono>
+#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <utility>
@@ -48,6 +50,10 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
     if (!settings.m_dnsData.empty()) {
         resolver.m_zoneData = s_lines(settings.m_dnsData);
     }
+    // Lists are asked first, then the scan's own names: two times that everything is asked at once.
+    auto const share = settings.m_dnsLists.empty() ? 1.0 : 0.5;
+    resolver.m_deadline =
+        std::chrono::milliseconds(std::lround(settings.m_dnsTimeout * share * 1000));
     resolver.m_zoneData.insert(resolver.m_zoneData.end(), settings.m_zoneLines.begin(),
                                settings.m_zoneLines.end());
     return resolver;
@@ -101,16 +107,11 @@ class PreparedPlatform {
     PreparedResolver m_resolver;
 };
 
-std::shared_ptr<ReputationTable const> s_scores(HostSettings const& settings) {
-    return settings.m_scores.empty() ? nullptr
-                                     : std::make_shared<ReputationTable const>(settings.m_scores);
-}
-
 } // namespace
 
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine) {
     PreparedPlatform platform(settings);
-    auto host = std::make_shared<ScanHost const>(settings, std::move(engine), s_scores(settings));
+    auto host = std::make_shared<ScanHost const>(settings, std::move(engine));
     platform.publish();
     return host;
 }
@@ -118,14 +119,25 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHead
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
                                           std::shared_ptr<Logger> logger) {
     PreparedPlatform platform(settings);
-    auto scores = s_scores(settings);
     useRoot(settings.m_root);
-    auto host = std::make_shared<ScanHost const>(settings, loadRules(), std::move(scores));
+    auto rules = loadRules();
+    auto host =
+        std::make_shared<ScanHost const>(settings, std::move(rules.m_engine), rules.m_version);
     if (logger != nullptr) {
         Logger::install(std::move(logger));
     }
     platform.publish();
     return host;
+}
+
+std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> host) {
+    auto const installed = installedVersion();
+    if (!installed || *installed <= host->ruleVersion().value_or(0)) {
+        return host;
+    }
+    auto rules = loadRules();
+    return std::make_shared<ScanHost const>(
+        host->judgingWith(std::move(rules.m_engine), rules.m_version));
 }
 
 } // namespace Quorvane

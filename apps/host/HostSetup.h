@@ -24,6 +24,10 @@ namespace Quorvane {
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
                                           std::shared_ptr<Logger> logger = nullptr);
 
+// The same host, or one with the rules of a newer version if such are installed by now. A
+// NoRulesError when they cannot be loaded.
+std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> host);
+
 // A host with an engine of the program's own; the root folder does not matter.
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine);
 

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/host/RuleLoader.h"
 
-#include "apps/settings/SettingsTable.h"
 #include "DeepHeaderScanner.h"
 #include "include2/Exception.h"
 #include "platform/File.h"
 #include "platform/Logger.h"
 #include "rules/format/RuleFiles.h"
 #include "rules/model/Binary.h"
+#include "rules/model/Files.h"
+#include "rules/model/Readme.h"
 #include "rules/model/RuleError.h"
 
 #include <array>
@@ -112,15 +113,22 @@ void useRoot(std::string const& folder) {
     }
 }
 
-DeepHeaderEngine loadRules() {
+std::optional<std::int32_t> installedVersion() {
+    auto const readme =
+        Rules::readFileIfThere(File::root() + ruleDirectory + '/' + versionFileName);
+    return readme ? Rules::readmeVersion(*readme) : std::nullopt;
+}
+
+LoadedRules loadRules() {
     LoggerDuringLoad const logger;
+    auto const version = installedVersion();
     auto engine = s_loadAfterInstallation(logger);
     if (engine.isEmpty() || !logger.text().empty()) {
-        throw SettingsError("no usable rules in " + File::root() + ruleDirectory + ": " +
-                            s_whyNotLoaded(logger.text()) +
-                            "; --root says below which folder to look");
+        throw NoRulesError("no usable rules in " + File::root() + ruleDirectory + ": " +
+                           s_whyNotLoaded(logger.text()) +
+                           "; --root says below which folder to look");
     }
-    return engine;
+    return {engine, version};
 }
 
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules) {

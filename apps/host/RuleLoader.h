@@ -3,9 +3,12 @@
 // The rules of a host: those that lie below the process's root folder, and those in memory.
 #pragma once
 
+#include "apps/settings/SettingValue.h"
 #include "DeepHeaderEngine.h"
 #include "rules/model/RuleSet.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace Quorvane {
@@ -14,9 +17,23 @@ namespace Quorvane {
 // SettingsError when it is another folder, as loaded rules and paths would no longer fit together.
 void useRoot(std::string const& folder);
 
-// Loads the rules if they are newer than those in force. A SettingsError that says why when they
+struct LoadedRules {
+    DeepHeaderEngine m_engine;
+    std::optional<std::int32_t> m_version; // empty: README names none
+};
+
+// There are no rules that could be put in force; the settings may be in perfect order.
+class NoRulesError : public SettingsError {
+  public:
+    using SettingsError::SettingsError;
+};
+
+// The version that README names; empty when it names none.
+std::optional<std::int32_t> installedVersion();
+
+// Loads the rules if they are newer than those in force. A NoRulesError that says why when they
 // cannot be loaded; those in force then stay.
-DeepHeaderEngine loadRules();
+LoadedRules loadRules();
 
 // An engine with these rules. A RuleError when no host could load them.
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules);

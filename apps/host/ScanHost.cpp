@@ -6,8 +6,9 @@
 namespace Quorvane {
 
 ScanHost::ScanHost(HostSettings settings, DeepHeaderEngine engine,
-                   std::shared_ptr<ReputationTable const> scores)
-    : m_settings(std::move(settings)), m_engine(std::move(engine)), m_scores(std::move(scores)) {}
+                   std::optional<std::int32_t> version)
+    : m_settings(std::move(settings)), m_engine(std::move(engine)), m_version(version),
+      m_scores(std::make_shared<RelayScores const>(m_settings.m_scores, m_settings.m_dnsLists)) {}
 
 ScanHost ScanHost::judgingWith(DeepHeaderSettings const& judging) const {
     auto host = *this;
@@ -15,11 +16,19 @@ ScanHost ScanHost::judgingWith(DeepHeaderSettings const& judging) const {
     return host;
 }
 
-RefMessageProperties ScanHost::messageProperties(MessageFacts const& facts) const {
+ScanHost ScanHost::judgingWith(DeepHeaderEngine engine, std::optional<std::int32_t> version) const {
+    auto host = *this;
+    host.m_version = version;
+    host.m_engine = std::move(engine);
+    return host;
+}
+
+RefMessageProperties ScanHost::messageProperties(HeaderContainer const& headers,
+                                                 MessageFacts const& facts) const {
     RefMessageProperties properties(true);
     properties->clientScore(facts.m_clientScore);
     properties->status(facts.m_messageStatus);
-    properties->receivedHeaderAnalysis().reputation(m_scores);
+    m_scores->describe(headers, facts.m_client, *properties.operator->());
     return properties;
 }
 
@@ -39,7 +48,7 @@ ScanRecord ScanHost::scan(HeaderContainer const& headers, MessageFacts const& fa
         facts.m_currentReceived ? Header("Received", *facts.m_currentReceived) : Header();
     DeepHeaderQuery query(headers, current, m_settings.m_judging, facts.m_currentIsForged,
                           facts.m_envelopeFrom, facts.m_headerFrom, facts.m_recipient,
-                          messageProperties(facts));
+                          messageProperties(headers, facts));
     return m_engine.scan(query, depth);
 }
 

@@ -8,11 +8,11 @@
 // and hands each message one of them (HostSetup.h makes them).
 #pragma once
 
+#include "apps/host/RelayScores.h"
 #include "apps/settings/HostSettings.h"
 #include "apps/settings/MessageFacts.h"
 #include "DeepHeaderEngine.h"
 #include "platform/HeaderContainer.h"
-#include "platform/ReputationTable.h"
 
 #include <array>
 #include <cstdint>
@@ -23,9 +23,10 @@ namespace Quorvane {
 
 class ScanHost {
   public:
-    // REQUIRES: `engine` is not empty. `scores` may be null: no relay has a reputation.
+    // REQUIRES: `engine` is not empty.
+    // `version`: of the rules; empty: they have none.
     ScanHost(HostSettings settings, DeepHeaderEngine engine,
-             std::shared_ptr<ReputationTable const> scores);
+             std::optional<std::int32_t> version = std::nullopt);
 
     // `headers`: the header section as HeaderReader split it.
     ScanRecord scan(HeaderContainer const& headers, MessageFacts const& facts,
@@ -37,16 +38,20 @@ class ScanHost {
                      RecordDepth depth) const;
 
     HostSettings const& settings() const { return m_settings; }
+    std::optional<std::int32_t> ruleVersion() const { return m_version; }
 
-    // The same host with other thresholds. It shares engine and table.
+    // The same host with other thresholds, or other rules. It shares the rest.
     ScanHost judgingWith(DeepHeaderSettings const& judging) const;
+    ScanHost judgingWith(DeepHeaderEngine engine, std::optional<std::int32_t> version) const;
 
   private:
-    RefMessageProperties messageProperties(MessageFacts const& facts) const;
+    RefMessageProperties messageProperties(HeaderContainer const& headers,
+                                           MessageFacts const& facts) const;
 
     HostSettings m_settings;
     DeepHeaderEngine m_engine;
-    std::shared_ptr<ReputationTable const> m_scores;
+    std::optional<std::int32_t> m_version;
+    std::shared_ptr<RelayScores const> m_scores;
 };
 
 } // namespace Quorvane

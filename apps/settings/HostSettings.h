@@ -5,6 +5,7 @@
 // and the command line.
 #pragma once
 
+#include "apps/settings/DnsList.h"
 #include "platform/DeepHeaderSettings.h"
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
@@ -34,10 +35,14 @@ struct HostSettings {
     // Relays of the site itself: the newest hops that came from them are skipped.
     std::vector<IPPrefix> m_internal;
     std::vector<ReputationTable::Entry> m_scores;
+    // Asked about relays that m_scores says nothing about.
+    std::vector<DnsList> m_dnsLists;
     // File of patterns; empty: the built-in list.
     std::string m_dynamicPatterns;
     // "system", "off" or a server.
     std::string m_dns = "system";
+    // Seconds that the look-ups of one message may take in all.
+    double m_dnsTimeout = 2.0;
     // File of zone lines; empty: none. Given, nothing else is asked.
     std::string m_dnsData;
     // The same as lines, for programs that make them; they come after those of the file.

@@ -17,6 +17,12 @@ void s_checkFlag(std::string const& text) {
     readInteger(text, 0, 1);
 }
 
+void s_checkTimeout(std::string const& text) {
+    if (auto const seconds = readNumber(text); seconds < 0.01 || seconds > 600) {
+        throw SettingsError("\"" + text + "\" is not a time; write seconds, from 0.01 to 600");
+    }
+}
+
 void s_checkDns(std::string const& text) {
     auto const at = text.find('@');
     if (text == "system" || text == "off") {
@@ -62,11 +68,18 @@ constexpr auto table = std::to_array<SettingRow<HostSettings>>({
         {"internal", SettingKind::list, "PREFIX", "our own relays; their hops are skipped"}),
     settingRow<&HostSettings::m_scores>(
         {"score", SettingKind::list, "PREFIX=N", "score of relays; the longest prefix wins"}),
+    settingRow<&HostSettings::m_dnsLists>(
+        {"dns-list", SettingKind::list, "LIST",
+         "DNS list of relays without a score: \"ZONE ANSWER=N ...\"; the lowest score wins"}),
     settingRow<&HostSettings::m_dynamicPatterns>(
         {"dynamic-patterns", SettingKind::path, "FILE",
          "dynamic host names, instead of the built-in list"}),
     settingRow<&HostSettings::m_dns>(
         {"dns", SettingKind::text, "system|off|HOST[@PORT]", "who answers look-ups"}, s_checkDns),
+    settingRow<&HostSettings::m_dnsTimeout>(
+        {"dns-timeout", SettingKind::number, "SECONDS",
+         "for all look-ups of a message; late answers do not count (2)"},
+        s_checkTimeout),
     settingRow<&HostSettings::m_dnsData>({"dns-data", SettingKind::path, "FILE",
                                           "zone-file lines that answer; nothing else is asked"}),
     settingRow<&HostSettings::m_jobs>(

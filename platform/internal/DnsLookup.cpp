@@ -19,7 +19,7 @@ std::vector<RecordType> s_typesToAsk(RecordType type) {
 
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally)
     : m_context(engine.m_context), m_tally(std::move(tally)),
-      m_deadline(std::chrono::steady_clock::now() + engine.m_deadline) {}
+      m_start(std::chrono::steady_clock::now()), m_deadline(m_start + engine.m_deadline) {}
 
 // Delegates, so that the destructor calls off what was asked when memory runs out half-way.
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally, RecordType type,
@@ -115,6 +115,9 @@ void Lookup::count(LookupResult result) {
         m_tally->m_late.fetch_add(1, std::memory_order_relaxed);
     } else if (result == LookupResult::failed) {
         m_tally->m_failed.fetch_add(1, std::memory_order_relaxed);
+    }
+    if (auto const observer = m_tally->m_observer.load(std::memory_order_relaxed)) {
+        observer(result, std::chrono::steady_clock::now() - m_start);
     }
 }
 

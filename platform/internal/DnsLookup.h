@@ -31,6 +31,7 @@ struct Engine {
 struct Tally {
     std::atomic<std::uint64_t> m_failed{0};
     std::atomic<std::uint64_t> m_late{0};
+    std::atomic<LookupObserver> m_observer{nullptr};
 };
 
 class Lookup {
@@ -66,6 +67,7 @@ class Lookup {
 
     std::shared_ptr<UnboundContext const> m_context;
     std::shared_ptr<Tally> m_tally;
+    AnswerBox::TimePoint m_start;
     AnswerBox::TimePoint m_deadline;
     std::shared_ptr<AnswerBox> m_box;
     std::array<Question, AnswerBox::slots> m_questions;

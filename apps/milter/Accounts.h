@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Users and groups of the machine. Errors are SettingsErrors.
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+
+namespace Quorvane::Milter {
+
+gid_t groupId(std::string const& name);
+
+// Makes the process run as this user, with its groups and nothing of the old one's. An empty name
+// changes nothing.
+void becomeUser(std::string const& name);
+
+} // namespace Quorvane::Milter

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/milter/Judgement.h"
+
+#include "apps/text/NumberText.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Quorvane::Milter {
+
+namespace {
+
+bool s_couldNotAsk(RecordedLookup const& lookup) {
+    return lookup.result == LookupResult::failed || lookup.result == LookupResult::late;
+}
+
+FailureAction s_actionOn(Failure failure, MilterSettings const& settings) {
+    switch (failure) {
+    case Failure::noRules:
+        return settings.m_onNoRules;
+    case Failure::scanFailed:
+        return settings.m_onScanFailure;
+    case Failure::dnsFailed:
+        return settings.m_onDnsFailure;
+    case Failure::oddMessage:
+        return settings.m_onOddMessage;
+    case Failure::overload:
+        break;
+    }
+    return settings.m_onOverload;
+}
+
+} // namespace
+
+Judgement judgementOf(ScanRecord record, MilterSettings const& settings) {
+    Judgement judgement;
+    if (record.failure) {
+        judgement.m_failure = Failure::scanFailed;
+    } else if (settings.m_trustFailedLookups == 0 &&
+               std::any_of(record.lookups.begin(), record.lookups.end(), s_couldNotAsk)) {
+        judgement.m_failure = Failure::dnsFailed;
+    } else if (record.verdict.isSpam) {
+        judgement.m_verdict = Verdict::spam;
+    } else if (record.verdict.isHam) {
+        judgement.m_verdict = Verdict::ham;
+    }
+    judgement.m_record = std::move(record);
+    return judgement;
+}
+
+Judgement failureOf(Failure failure) {
+    Judgement judgement;
+    judgement.m_failure = failure;
+    return judgement;
+}
+
+Action actionOn(Judgement const& judgement, MilterSettings const& settings) {
+    if (judgement.m_failure) {
+        auto const action = s_actionOn(*judgement.m_failure, settings);
+        return {action == FailureAction::reject ? VerdictAction::reject : VerdictAction::header,
+                action == FailureAction::tempfail};
+    }
+    switch (judgement.m_verdict) {
+    case Verdict::spam:
+        return {settings.m_onSpam, false};
+    case Verdict::ham:
+        return {settings.m_onHam, false};
+    case Verdict::none:
+        break;
+    }
+    return {settings.m_onNone, false};
+}
+
+char const* verdictWord(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::spam:
+        return "spam";
+    case Verdict::ham:
+        return "ham";
+    case Verdict::none:
+        break;
+    }
+    return "none";
+}
+
+char const* failureWord(Failure failure) {
+    switch (failure) {
+    case Failure::noRules:
+        return "no-rules";
+    case Failure::scanFailed:
+        return "scan-failure";
+    case Failure::dnsFailed:
+        return "dns-failure";
+    case Failure::oddMessage:
+        return "odd-message";
+    case Failure::overload:
+        break;
+    }
+    return "overload";
+}
+
+char const* actionWord(Action const& action) {
+    if (action.m_isTemporary) {
+        return "tempfail";
+    }
+    switch (action.m_action) {
+    case VerdictAction::header:
+        return "header";
+    case VerdictAction::accept:
+        return "accept";
+    case VerdictAction::reject:
+        return "reject";
+    case VerdictAction::quarantine:
+        return "quarantine";
+    case VerdictAction::discard:
+        break;
+    }
+    return "discard";
+}
+
+std::string resultText(Judgement const& judgement) {
+    std::string text = verdictWord(judgement.m_verdict);
+    if (judgement.m_failure) {
+        return text + "; error=" + failureWord(*judgement.m_failure);
+    }
+    auto const& verdict = judgement.m_record->verdict;
+    text += "; node=" + std::to_string(verdict.node);
+    if (verdict.node != 0) {
+        text += "; confidence=" + numberText(verdict.confidence) +
+                "; support=" + numberText(verdict.support);
+    }
+    return verdict.ips.empty() ? text : text + "; ips=" + verdict.ips;
+}
+
+} // namespace Quorvane::Milter

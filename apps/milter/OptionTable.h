@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The command line of qvmilter.
+#pragma once
+
+#include "apps/commandline/OptionTable.h"
+
+namespace Quorvane::Milter {
+
+ProgramTable const& milterTable();
+
+} // namespace Quorvane::Milter
