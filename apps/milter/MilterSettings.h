@@ -7,7 +7,6 @@
 
 #include "platform/IPPrefix.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -52,11 +51,11 @@ struct MilterSettings {
     std::vector<IPPrefix> m_exempt;
     int m_addReasons = 0;
 
-    std::size_t m_maxHeaders = 1000;
-    std::size_t m_maxHeaderBytes = 1U << 20U; // of all headers of a message
-    std::size_t m_maxHops = 100;
-    std::size_t m_maxScans = 256; // at once
-    std::size_t m_ruleCheckSeconds = 60;
+    std::uint32_t m_maxHeaders = 1000;
+    std::uint32_t m_maxHeaderBytes = 1U << 20U; // of all headers of a message
+    std::uint32_t m_maxHops = 100;
+    std::uint32_t m_maxScans = 256; // at once
+    std::uint32_t m_ruleCheckSeconds = 60;
 };
 
 } // namespace Quorvane::Milter
