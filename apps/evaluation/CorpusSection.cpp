@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/ReliabilityChart.h"
-#include "apps/charts/VerdictChart.h"
-#include "apps/evaluation/HtmlParts.h"
-#include "apps/evaluation/Sections.h"
+#include "apps/charts/Charts.h"
+#include "apps/evaluation/Parts.h"
 #include "apps/page/Escape.h"
 #include "apps/page/Table.h"
 #include "apps/text/NumberText.h"
@@ -33,9 +31,7 @@ std::string s_verdictTable(Rules::CorpusFigures const& figures) {
     auto const& spam = figures.m_spamVerdicts;
     auto const& ham = figures.m_hamVerdicts;
     auto const add = [&table](std::string const& name, Rules::Rate const& rate) {
-        auto cells = rateCells(rate);
-        cells.insert(cells.begin(), name);
-        table.row(cells);
+        table.row(withRate({name}, rate));
     };
     add("Spam called spam", figures.caught());
     add("Spam, no verdict", {spam.m_none, spam.total()});
@@ -62,22 +58,20 @@ std::string s_verdictBlock(Rules::CorpusFigures const& figures, std::string cons
 }
 
 std::string s_reliabilityTable(Rules::CorpusFigures const& figures) {
-    Page::Table table("Confidence and spam really there", {{"Confidence"},
-                                                           {"Mean", true},
-                                                           {"Spam", true},
-                                                           {"of", true},
-                                                           {"Share", true},
-                                                           {"95 % interval", true}});
+    Page::Table table("Confidence and actual share of spam", {{"Confidence"},
+                                                              {"Mean", true},
+                                                              {"Spam", true},
+                                                              {"of", true},
+                                                              {"Share", true},
+                                                              {"95 % interval", true}});
     for (std::size_t i = 0; i < figures.m_reliability.size(); ++i) {
         auto const& bin = figures.m_reliability.at(i);
         if (bin.m_counts.total() == 0) {
             continue;
         }
-        auto const begin = static_cast<double>(i) / static_cast<double>(Rules::reliabilityBins);
-        auto cells = rateCells(bin.spamRate());
-        cells.insert(cells.begin(), Rules::fixedText(bin.meanConfidence(), 3));
-        cells.insert(cells.begin(), "from " + Rules::fixedText(begin, 1));
-        table.row(cells);
+        table.row(withRate({"from " + Rules::fixedText(Rules::binStart(i), 1),
+                            Rules::fixedText(bin.meanConfidence(), 3)},
+                           bin.spamRate()));
     }
     return table.html();
 }
@@ -89,13 +83,14 @@ std::string s_reliabilityBlock(Rules::CorpusFigures const& figures, std::string 
         decided += bin.m_counts;
     }
     if (decided.total() == 0) {
-        return title + noFigure("No diagram.", "No rule gave a confidence to any message.");
+        return title +
+               figure("No diagram.", {}, emptyNote("No rule gave a confidence to any message."));
     }
     return title +
            sideBySide(
                figure("Reliability.",
-                      "On the dashed line a confidence says how much spam there is; above it there "
-                      "is more. Below: messages for each tenth, spam upon ham.",
+                      "On the dashed line a confidence equals the share of spam; above it there is "
+                      "more spam. Below: messages for each tenth, spam above ham.",
                       Charts::reliabilityChart(
                           {id + "-reliability", "Reliability diagram",
                            "Share of spam for each tenth of the confidence of " +

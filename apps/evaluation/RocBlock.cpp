@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/RocChart.h"
-#include "apps/evaluation/HtmlParts.h"
-#include "apps/evaluation/Sections.h"
+#include "apps/charts/Charts.h"
+#include "apps/evaluation/Parts.h"
 #include "apps/page/Table.h"
 #include "apps/text/NumberText.h"
 #include "rules/evaluate/FigureText.h"
@@ -18,16 +17,16 @@ std::string s_threshold(double threshold) {
 }
 
 Charts::RocMarks s_marks(Rules::CorpusFigures const& figures, EvaluatedRules const& rules) {
-    return {{std::begin(toldFalsePositives), std::end(toldFalsePositives)},
+    return {{std::begin(shownFalsePositives), std::end(shownFalsePositives)},
             figures.falsePositives(),
             figures.caught(),
             "threshold " + numberText(rules.m_settings.spamThreshold)};
 }
 
-// What the drawings show, as a sentence for those who do not see them.
+// What the drawings show, for screen readers.
 std::string s_description(Rules::CorpusFigures const& figures) {
     std::string text = "Area under the curve " + Rules::fixedText(figures.m_roc.area(), 4) + ".";
-    for (auto const share : toldFalsePositives) {
+    for (auto const share : shownFalsePositives) {
         auto const called = figures.m_roc.atFalsePositives(share).m_called;
         text += " With at most " + Rules::fixedText(100.0 * share, 1) +
                 " % of the ham called spam, " +
@@ -46,7 +45,7 @@ std::string s_figures(Rules::CorpusFigures const& figures, std::string const& id
     };
     return sideBySide(
         figure("Where it matters: below 1 %.",
-               "Caught with at most so much ham called spam; shaded: less than one message.",
+               "Caught with at most that much ham called spam; shaded: less than one message.",
                chart("-roc-log", "ROC curve, logarithmic", Charts::Scale::Kind::logarithmic)),
         figure("The whole curve.",
                "The area under it, " + Rules::fixedText(figures.m_roc.area(), 4) +
@@ -62,17 +61,17 @@ std::string s_caughtTable(Rules::CorpusFigures const& figures) {
                        {"Share", true},
                        {"95 % interval", true},
                        {"Threshold", true}});
-    for (auto const share : toldFalsePositives) {
+    for (auto const share : shownFalsePositives) {
         auto const point = figures.m_roc.atFalsePositives(share);
-        auto cells = rateCells({point.m_called.m_spam, figures.judged().m_spam});
-        cells.insert(cells.begin(), Rules::fixedText(100.0 * share, 1) + " %");
+        auto cells = withRate({Rules::fixedText(100.0 * share, 1) + " %"},
+                              {point.m_called.m_spam, figures.judged().m_spam});
         cells.push_back(s_threshold(point.m_threshold));
         table.row(cells);
     }
     return table.html();
 }
 
-// Thresholds between which nothing of this corpus lies are left out.
+// Without thresholds that change nothing in this corpus.
 std::string s_pointTable(Rules::CorpusFigures const& figures) {
     Page::Table table("Every threshold of the curve", {{"Threshold", true},
                                                        {"Spam called spam", true},
@@ -103,8 +102,9 @@ std::string rocBlock(Rules::CorpusFigures const& figures, std::string const& id,
     std::string const title = "<h3>Spam caught for ham called spam</h3>\n";
     auto const total = figures.judged();
     if (total.m_spam == 0 || total.m_ham == 0) {
-        return title + noFigure("No curve.", "A ROC curve needs both spam and ham; here are " +
-                                                 labelsText(total) + ".");
+        return title + figure("No curve.", {},
+                              emptyNote("A ROC curve needs both spam and ham; here are " +
+                                        labelsText(total) + "."));
     }
     return title + s_figures(figures, id, rules) + s_caughtTable(figures) + s_pointTable(figures);
 }
