@@ -72,10 +72,6 @@ std::string comparisonSection(Rules::Evaluation const& evaluation);
 std::string corpusSection(Rules::CorpusFigures const& figures, std::string const& id,
                           EvaluatedRules const& rules);
 
-// How much spam is caught for how much ham called spam: curves and tables within a corpus.
-std::string rocBlock(Rules::CorpusFigures const& figures, std::string const& id,
-                     EvaluatedRules const& rules);
-
 // The rules that decide most, and those that are most often wrong.
 std::string deciderSection(Rules::Evaluation const& evaluation, EvaluatedRules const& rules);
 

@@ -86,6 +86,7 @@ std::string s_controls() {
 std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
     auto const& rules = drawing.m_rules;
     auto const messages = pageMessages(extras);
+    auto const unreached = unreachedText(rules);
     Page::Document document;
     document.m_title = "Rules: " + rules.m_name;
     document.m_style = std::string(shadesStyle()) + std::string(pageStyle());
@@ -97,7 +98,7 @@ std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
         s_jumps(messages) + s_whereToJudge(rules, extras) + "</header>\n<main>\n" + messages +
         "<section>\n<h2 id=\"rules\">Elite rules</h2>\n" + pageEliteTable(drawing) +
         "</section>\n<section>\n<h2 id=\"nodes\">The tree</h2>\n" + s_legend(drawing) +
-        s_controls() + pageTree(drawing) + "<p>" + unreachedText(rules) + "</p>\n" +
+        s_controls() + pageTree(drawing) + (unreached.empty() ? "" : "<p>" + unreached + "</p>\n") +
         "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
         "page loads nothing and sends nothing" +
         (extras.m_served ? " but messages to the program that serves it" : "") + ".</footer>\n" +
