@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/evaluation/DifferenceReport.h"
+#include "apps/evaluation/Report.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -39,8 +39,8 @@ int diff(CommandLine const& line) {
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
     auto const difference = Rules::compare(gathered, s_judge(judgeBefore), s_judge(judgeAfter));
-    Reports::ComparedSets const sets{
-        {line.text("OLD"), before.m_set}, {line.text("NEW"), after.m_set}, settings};
+    Reports::ComparedSets const sets{{line.text("OLD"), before.m_set, settings},
+                                     {line.text("NEW"), after.m_set, settings}};
     writeOutput(output, s_report(line.text("format"))(difference, sets));
     return difference.m_groups.empty() ? ExitStatus::ok : ExitStatus::findings;
 }

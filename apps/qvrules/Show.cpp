@@ -7,7 +7,7 @@
 #include "apps/show/MessageExplainer.h"
 #include "apps/show/Page.h"
 #include "apps/show/PageServer.h"
-#include "apps/show/TrafficMeter.h"
+#include "apps/show/Traffic.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
@@ -66,12 +66,12 @@ Rules::VectorTable s_mail(ShowArguments const& arguments, TrainingMailCounts& co
 
 Show::Traffic s_traffic(DeepHeaderEngine const& engine, DeepHeaderSettings const& settings,
                         Rules::VectorTable const& table, TrainingMailCounts const& counts) {
-    Show::TrafficMeter meter(engine, settings);
+    Show::Traffic traffic;
     for (auto const& row : table.all()) {
-        meter.add(row.m_vector, row.m_counts.total());
+        traffic.add(engine, settings, row.m_vector, row.m_counts.total());
     }
-    meter.addNotJudgeable(counts.m_notJudgeable);
-    return meter.traffic();
+    traffic.m_notJudgeable = counts.m_notJudgeable;
+    return traffic;
 }
 
 // Empty: any port that is free.

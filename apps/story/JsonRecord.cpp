@@ -76,7 +76,8 @@ Json s_lookups(ScanRecord const& record) {
     for (auto const& lookup : record.lookups) {
         lookups.push_back({{"question", questionName(lookup.question)},
                            {"name", toUtf8(lookup.name)},
-                           {"result", lookupName(lookup.result)}});
+                           {"result", lookupName(lookup.result)},
+                           {"text", lookupText(lookup.result)}});
     }
     return lookups;
 }
@@ -169,7 +170,8 @@ Json s_rule(DescribedRule const& described, ScanRecord const& record) {
             {"weight", rule.weight},
             {"support", rule.support},
             {"level", rule.level},
-            {"tests", tests}};
+            {"tests", tests},
+            {"fired", rule.hasFired()}};
 }
 
 Json s_rules(ScanRecord const& record, RuleStory const& story) {

@@ -42,6 +42,11 @@ struct ReliabilityBin {
 };
 inline constexpr std::size_t reliabilityBins = 10;
 
+// The lowest confidence of a bin, counted from 0.
+inline double binStart(std::size_t bin) {
+    return static_cast<double>(bin) / static_cast<double>(reliabilityBins);
+}
+
 struct CorpusFigures {
     std::string m_name;
     LabelCounts m_unjudged;

@@ -127,7 +127,7 @@ class Protocol(unittest.TestCase):
 
     def test_limits_what_it_reads(self):
         status, text = self.server.post(None, Content_Length=str(1 << 40))
-        self.assertEqual((status, text), (413, "a message has at most 64 MiB here\n"))
+        self.assertEqual((status, text), (413, "a message may have at most 64 MiB\n"))
 
     def status_while_it_sends(self, start, pieces):
         """The status of a request whose body does not end."""
@@ -178,7 +178,7 @@ class Protocol(unittest.TestCase):
             client.shutdown(socket.SHUT_WR)
             answer = whole_answer(client)
         self.assertIn(b" 400 ", answer.splitlines()[0])
-        self.assertIn(b"the message broke off", answer)
+        self.assertIn(b"the message is incomplete", answer)
 
     def test_answers_while_others_dawdle(self):
         with Dawdlers(self.server, silent=60, slow=60):

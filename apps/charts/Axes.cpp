@@ -1,5 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/Frame.h"
+#include "apps/charts/Axes.h"
+
+#include "apps/text/NumberText.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace Quorvane::Charts {
 
@@ -19,7 +24,42 @@ Anchor s_anchor(Scale const& scale, double tick) {
                : Anchor::middle;
 }
 
+// A line with caps, whose halves reach as far as `half`.
+void s_drawWhisker(Drawing& drawing, Point from, Point to, Point half) {
+    drawing.line(from, to, "whisker");
+    for (auto const& [x, y] : {from, to}) {
+        drawing.line({x - half.m_x, y - half.m_y}, {x + half.m_x, y + half.m_y}, "whisker");
+    }
+}
+
 } // namespace
+
+double Scale::at(double share) const {
+    double part = std::clamp(share, 0.0, 1.0);
+    if (m_kind == Kind::logarithmic) {
+        part = 1.0 - std::log10(std::max(part, leastShown)) / std::log10(leastShown);
+    }
+    return m_from + part * (m_to - m_from);
+}
+
+std::vector<double> Scale::ticks() const {
+    if (m_kind == Kind::logarithmic) {
+        return {0.0001, 0.001, 0.01, 0.1, 1.0};
+    }
+    return {0.0, 0.2, 0.4, 0.6, 0.8, 1.0};
+}
+
+std::string Scale::label(double tick) const {
+    if (m_kind == Kind::confidence) {
+        return numberText(tick);
+    }
+    bool const isLeast = m_kind == Kind::logarithmic && tick == leastShown;
+    return (isLeast ? "\xE2\x89\xA4 " : "") + tickText(tick);
+}
+
+std::string tickText(double share) {
+    return numberText(100.0 * share) + " %";
+}
 
 Box Frame::box() const {
     return {m_x.from(), m_y.to(), m_x.to() - m_x.from(), m_y.from() - m_y.to()};
@@ -46,16 +86,15 @@ void Frame::draw(Drawing& drawing) const {
     drawing.text({plot.right(), plot.bottom() + 34.0}, Anchor::end, m_xName, "axis-name");
 }
 
-void horizontalWhisker(Drawing& drawing, double fromX, double toX, double y) {
-    drawing.line({fromX, y}, {toX, y}, "whisker");
-    drawing.line({fromX, y - cap}, {fromX, y + cap}, "whisker");
-    drawing.line({toX, y - cap}, {toX, y + cap}, "whisker");
+void Frame::drawInterval(Drawing& drawing, double x, Rules::Rate const& rate) const {
+    auto const interval = Rules::wilsonInterval(rate);
+    s_drawWhisker(drawing, {x, m_y.at(interval.m_low)}, {x, m_y.at(interval.m_high)}, {cap, 0.0});
 }
 
-void verticalWhisker(Drawing& drawing, double x, double fromY, double toY) {
-    drawing.line({x, fromY}, {x, toY}, "whisker");
-    drawing.line({x - cap, fromY}, {x + cap, fromY}, "whisker");
-    drawing.line({x - cap, toY}, {x + cap, toY}, "whisker");
+void drawInterval(Drawing& drawing, Scale const& scale, Rules::Rate const& rate, double y) {
+    auto const interval = Rules::wilsonInterval(rate);
+    s_drawWhisker(drawing, {scale.at(interval.m_low), y}, {scale.at(interval.m_high), y},
+                  {0.0, cap});
 }
 
 } // namespace Quorvane::Charts

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/VerdictChart.h"
-
-#include "apps/charts/Frame.h"
-#include "apps/charts/Scale.h"
+#include "apps/charts/Charts.h"
 #include "apps/page/TextWidth.h"
 #include "apps/text/NumberText.h"
 #include "rules/evaluate/FigureText.h"
@@ -81,6 +78,17 @@ std::string verdictChart(Caption const& caption, std::vector<NamedVerdicts> cons
         top += rowHeight;
     }
     return drawing.svg(caption);
+}
+
+std::string deciderBar(Rules::LabelCounts const& counts, std::uint64_t most) {
+    constexpr double width = 320.0;
+    constexpr double height = 8.0;
+    auto const spam = width * Rules::Rate{counts.m_spam, most}.value();
+    auto const ham = width * Rules::Rate{counts.m_ham, most}.value();
+    Drawing drawing(width, height);
+    drawing.rectangle({0.0, 0.0, spam, height}, "fill-spam");
+    drawing.rectangle({spam, 0.0, ham, height}, "fill-ham");
+    return drawing.decoration("bar");
 }
 
 } // namespace Quorvane::Charts
