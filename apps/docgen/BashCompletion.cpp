@@ -2,7 +2,8 @@
 #include "apps/commandline/ValueNames.h"
 #include "apps/docgen/Completion.h"
 
-#include <algorithm>
+#include <boost/algorithm/string/join.hpp>
+#include <boost/algorithm/string/replace.hpp>
 
 namespace Quorvane::Docs {
 
@@ -32,23 +33,12 @@ _@() {
 )";
 
 std::string s_named(std::string_view text, std::string_view name) {
-    std::string out;
-    for (char const c : text) {
-        out += c == '@' ? name : std::string_view(&c, 1);
-    }
-    return out;
-}
-
-std::string s_joined(std::vector<std::string> const& words) {
-    std::string text;
-    for (auto const& word : words) {
-        text += (text.empty() ? "" : " ") + word;
-    }
-    return text;
+    return boost::algorithm::replace_all_copy(std::string(text), "@", name);
 }
 
 std::string s_offer(std::vector<std::string> const& words) {
-    return "mapfile -t COMPREPLY < <(compgen -W '" + s_joined(words) + "' -- \"$current\")";
+    return "mapfile -t COMPREPLY < <(compgen -W '" + boost::algorithm::join(words, " ") +
+           "' -- \"$current\")";
 }
 
 // Readline completes paths itself: it knows how to quote them.

@@ -5,8 +5,8 @@
 //   qv_docgen bash|zsh PROGRAM OUTPUT
 #include "apps/docgen/Completion.h"
 #include "apps/docgen/ManPage.h"
-#include "apps/qvrules/OptionTable.h"
-#include "apps/qvscan/OptionTable.h"
+#include "apps/qvrules/Commands.h"
+#include "apps/qvscan/Options.h"
 #include "apps/settings/SettingsTable.h"
 
 #include <fstream>

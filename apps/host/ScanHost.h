@@ -9,7 +9,6 @@
 #pragma once
 
 #include "apps/settings/HostSettings.h"
-#include "apps/settings/MessageFacts.h"
 #include "DeepHeaderEngine.h"
 #include "platform/HeaderContainer.h"
 #include "platform/ReputationTable.h"

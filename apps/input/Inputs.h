@@ -29,6 +29,8 @@ class Inputs {
   public:
     // No path means standard input. `interrupt` outlives the object.
     Inputs(std::vector<std::string> paths, Interrupt& interrupt);
+    // One input that is open already.
+    Inputs(std::string path, std::unique_ptr<ByteSource> source, Interrupt& interrupt);
 
     // False at the end. Throws Interrupted.
     bool next(InputItem& item);

@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
+#include "apps/text/Utf8.h"
+#include "rules/check/Checker.h"
 #include "rules/language/LoadRules.h"
+#include "rules/language/RuleText.h"
 #include "rules/model/RuleError.h"
 #include "rules/model/RuleFolder.h"
+
+#include <iostream>
 
 namespace Quorvane::RulesApp {
 
@@ -16,6 +22,19 @@ int compile(CommandLine const& line) {
     }
     auto const rules = Rules::loadRules(source);
     Rules::writeFolder(line.text("output"), rules.m_set);
+    return ExitStatus::ok;
+}
+
+int decompile(CommandLine const& line) {
+    auto const folder = line.text("DIR");
+    auto const set = Rules::readFolder(folder);
+    writeOutput(line.text("output", "-"), Rules::ruleText(set));
+    if (auto const problem = Rules::loadProblem(set)) {
+        std::cerr << toPrintable(folder)
+                  << ": engines refuse these rules, and compile refuses the text "
+                  << "until it is corrected: " << *problem << '\n';
+        return ExitStatus::findings;
+    }
     return ExitStatus::ok;
 }
 

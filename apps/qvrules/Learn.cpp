@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Learn.h"
-
 #include "apps/commandline/Progress.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
+#include "apps/settings/SettingValue.h"
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
 #include "rules/learn/LearnedText.h"
+#include "rules/learn/Learner.h"
 #include "rules/learn/TreeRecords.h"
 #include "rules/model/Files.h"
 #include "rules/vectors/LearnError.h"
@@ -19,6 +19,80 @@
 namespace Quorvane::RulesApp {
 
 namespace {
+
+// Old mail cannot be looked up any more: the names are gone, which would be learned.
+void s_turnLookupsOff(CommandLine const& line, HostSettings& host) {
+    if (line.text("dns", "off") != "off" || line.has("dns-data")) {
+        throw UsageError("names are looked up with --lookups only; add it to --dns and --dns-data");
+    }
+    host.m_dns = "off";
+}
+
+// Leaves the default where nothing is given.
+template<typename Number>
+void s_readNumber(CommandLine const& line, std::string const& name, Number& number) {
+    try {
+        if (line.has(name)) {
+            readSetting(line.text(name), number);
+        }
+    } catch (SettingsError const& error) {
+        throw UsageError("--" + name + ": " + error.what());
+    }
+}
+
+Rules::LearnSettings s_settings(CommandLine const& line) {
+    Rules::LearnSettings settings;
+    settings.m_impurity =
+        line.text("impurity") == "gini" ? Rules::ImpurityKind::gini : Rules::ImpurityKind::entropy;
+    s_readNumber(line, "min-node-support", settings.m_minSupport);
+    s_readNumber(line, "min-gain", settings.m_minGain);
+    s_readNumber(line, "max-nodes", settings.m_maxNodes);
+    if (line.has("lookups")) {
+        settings.m_attributes.fill(true);
+    }
+    try {
+        for (auto const& name : line.texts("exclude")) {
+            Rules::selectAttribute(settings.m_attributes, name, false);
+        }
+        Rules::checkSettings(settings);
+    } catch (Rules::LearnError const& error) {
+        throw UsageError(error.what()); // here it is the command line that is wrong
+    }
+    return settings;
+}
+
+Rules::PruningPlan s_pruning(CommandLine const& line) {
+    auto const text = line.text("prune", "minimum");
+    if (text == "minimum") {
+        return Rules::PruningRule::minimum;
+    }
+    if (text == "one-se") {
+        return Rules::PruningRule::oneStandard;
+    }
+    if (text == "none") {
+        return 0.0;
+    }
+    double alpha = -1.0;
+    try {
+        readSetting(text, alpha);
+    } catch (SettingsError const&) {
+        // It is refused below.
+    }
+    if (!(alpha >= 0.0)) {
+        throw UsageError("--prune takes minimum, one-se, none or a number from 0 on, not '" + text +
+                         "'");
+    }
+    return alpha;
+}
+
+TrainingMail s_trainingMail(CommandLine const& line) {
+    TrainingMail mail{mailInputs(line), line.has("augment") ? Copies::together : Copies::none,
+                      hostSettings(line)};
+    if (!line.has("lookups")) {
+        s_turnLookupsOff(line, mail.m_host);
+    }
+    return mail;
+}
 
 void s_writeTable(std::string const& path, Rules::VectorTable const& table) {
     std::ostringstream text;
@@ -86,18 +160,18 @@ Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings
 } // namespace
 
 int learn(CommandLine const& line) {
-    auto const mail = trainingMail(line);
+    auto const mail = s_trainingMail(line);
     auto const output = line.text("output");
     auto const tablePath = line.text("table");
-    if (mail.m_paths.isEmpty()) {
+    if (mail.m_inputs.empty()) {
         throw UsageError("give training mail (--ham, --spam) or vectors (--vectors)");
     }
     if (output.empty() && tablePath.empty()) {
         throw UsageError("give -o SRC for rules or --table FILE for the vectors");
     }
     // Before hours of scanning: is all else right?
-    auto const settings = learnSettings(line);
-    auto const plan = pruningPlan(line);
+    auto const settings = s_settings(line);
+    auto const plan = s_pruning(line);
     auto const before = s_textBefore(line.text("with"));
     requireWritable(output);
     requireWritable(tablePath);

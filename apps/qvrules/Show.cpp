@@ -58,8 +58,8 @@ std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
 
 Rules::VectorTable s_mail(ShowArguments const& arguments, TrainingMailCounts& counts) {
     TrainingMail mail;
-    mail.m_paths.m_unsorted = s_asCorpus(arguments.m_on);
-    mail.m_paths.m_unsortedVectors = s_asCorpus(arguments.m_vectors);
+    mail.m_inputs.push_back({s_asCorpus(arguments.m_on)});
+    mail.m_inputs.push_back({s_asCorpus(arguments.m_vectors), true});
     mail.m_host = arguments.m_settings;
     return gatherMessages(mail, counts).m_unsorted;
 }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/OptionTable.h"
-#include "apps/settings/SettingOptions.h"
+#include "apps/settings/SettingSources.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/model/RuleError.h"

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/ScanRun.h"
 
-#include "apps/commandline/ExitStatus.h"
-#include "apps/qvscan/CsvRecord.h"
+#include "apps/commandline/ProgramError.h"
 #include "apps/story/JsonRecord.h"
-#include "apps/story/TextExplain.h"
-#include "apps/story/TextRecord.h"
+#include "apps/story/ScanText.h"
 #include "apps/text/Utf8.h"
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
+#include "rules/vectors/VectorCsvWriter.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -51,7 +50,10 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
         return m_options.m_explain ? jsonExplanation(item.m_source, record, settings)
                                    : jsonRecord(item.m_source, record);
     case OutputFormat::csv:
-        return csvRecord(item.m_source, record);
+        return Rules::csvField(item.m_source) +
+               (record.isJudged() ? Rules::csvValues(record.attributes)
+                                  : std::string(attributeCount, ',')) +
+               "\n";
     case OutputFormat::text:
         break;
     }
@@ -65,7 +67,8 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     }
     auto const headers = HeaderReader::read(item.m_headers);
     if (headers.headers().empty()) {
-        return s_problem(item.m_source, "no message: it has no header field", ExitStatus::badData);
+        return s_problem(item.m_source, "not a message: it has no header field",
+                         ExitStatus::badData);
     }
     auto const depth = m_options.m_explain ? RecordDepth::alternatives : RecordDepth::result;
     auto const record = m_host->scan(headers, m_options.m_facts, depth);
@@ -154,7 +157,7 @@ void ScanRun::submitAll(OrderedPool& pool) {
 
 int ScanRun::run() {
     if (m_format == OutputFormat::csv) {
-        m_output.write(csvHeader());
+        m_output.write(Rules::csvHeader() + "\n");
     }
     sayThatItWaits();
     startProgress();

@@ -72,7 +72,7 @@ toml::table parseToml(std::string const& path, std::string const& text) {
                             std::string(error.description()));
     } catch (TomlStumbled const&) {
         throw SettingsError(tomlPlace(path, s_stumblingPlace(text)) +
-                            "this is not TOML; \"[\" is " + "followed by the name of a table");
+                            "this is not TOML; \"[\" is followed by the name of a table");
     }
 }
 
@@ -96,18 +96,11 @@ std::optional<std::string> tomlScalar(SettingKind kind, toml::node const& node) 
 }
 
 std::string tomlExpected(SettingKind kind) {
-    switch (kind) {
-    case SettingKind::number:
-        return "a number";
-    case SettingKind::integer:
-        return "a whole number";
-    case SettingKind::list:
-        return "a list of texts, as in [\"192.0.2.0/24\"]";
-    case SettingKind::text:
-    case SettingKind::path:
-        break;
-    }
-    return "a text in quotes";
+    // In the order of SettingKind.
+    constexpr char const* expected[] = {"a text in quotes", "a text in quotes", "a number",
+                                        "a whole number",
+                                        "a list of texts, as in [\"192.0.2.0/24\"]"};
+    return expected[static_cast<std::size_t>(kind)];
 }
 
 void setFromToml(SettingsSection& section, std::string_view name, toml::node const& node,

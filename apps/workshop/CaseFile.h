@@ -5,7 +5,6 @@
 #pragma once
 
 #include "apps/settings/HostSettings.h"
-#include "apps/settings/MessageFacts.h"
 #include "rules/vectors/VectorTable.h"
 
 #include <cstdint>

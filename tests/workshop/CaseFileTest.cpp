@@ -154,7 +154,7 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
          "5:12: this tells about a message, and the case has a vector; leave it out"},
         {"[[case]]\nvector = 3\n",
          "2:10: a vector is a table, as in vector.first_helo_dynamic = \"yes\""},
-        {"[[case]]\nmessage = \"no field\"\n", "2:11: no message: it has no header field"},
+        {"[[case]]\nmessage = \"no field\"\n", "2:11: not a message: it has no header field"},
         {"[[case]]\nverdict = \"span\"\n", "2:11: \"span\" is no verdict; write spam, ham or "
                                            "none; did you mean \"spam\"?"},
         {"[[case]]\n\"\\u001b[2J\" = 1\n", "2:1: a case has no key \"\\x1B[2J\""},

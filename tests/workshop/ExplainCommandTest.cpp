@@ -184,7 +184,7 @@ TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
     } const cases[] = {
         {{"no.eml"}, "", 66, "no.eml: cannot be opened: No such file"},
         {{m_folder.path().string()}, "", 66, "cannot be opened: Is a directory"},
-        {{"-"}, "", 65, "-: no message: it has no header field"},
+        {{"-"}, "", 65, "-: not a message: it has no header field"},
         {{"-"}, "source,x\n", 65, "-:1: column 2: unknown column 'x'"},
         {{"-"}, "source,\n", 65, "-:1: column 2: unknown column ''"},
         {{"chain_brken=yes"}, "", 65, "did you mean \"chain_broken\"?"},
