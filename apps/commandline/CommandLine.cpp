@@ -101,7 +101,7 @@ class Reader {
         } while (row.is(Takes::several) && isValue(false));
     }
 
-    // Whether the next word is a value. One that is needed may look like an option, as -1 does.
+    // Whether the next word is a value. A required value may look like an option, such as -1.
     bool isValue(bool isNeeded) const {
         if (m_at == m_words.size()) {
             return false;
@@ -163,7 +163,7 @@ void CommandLine::add(OptionRow const& row, std::string const& text) {
     auto const literals = literalsOf(row.m_valueName);
     auto const isWord = !literals.empty() && literals == alternativesOf(row.m_valueName);
     bool const isRead = row.isFlag() || row.isValueOptional() || row.is(Takes::anyText);
-    // An unset variable of a script: nowhere does it mean the folder that hosts read.
+    // Probably an unset variable of a script; it must not mean the folder that hosts read.
     if (!isRead && text.empty()) {
         throw UsageError(s_label(*m_command, row) + ": the value is empty");
     }

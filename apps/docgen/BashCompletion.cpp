@@ -9,7 +9,7 @@ namespace Quorvane::Docs {
 
 namespace {
 
-// Where the cursor stands: `current` is the word to complete, `key` the option whose value it may
+// The place of the cursor: `current` is the word to complete, `key` the option whose value it may
 // be, `command` the command so far. Bash splits "--format=json" into three words.
 constexpr std::string_view head = R"(# shellcheck shell=bash
 # Completion of @ for bash. Generated from the program's option table.
@@ -61,7 +61,7 @@ std::string s_case(std::string const& pattern, std::string const& action) {
     return "    " + pattern + ")\n        " + action + "\n        return\n        ;;\n";
 }
 
-// Commands stand in front of the keys only where there are any.
+// The command is part of the key only if the program has commands.
 std::string s_prefix(ProgramTable const& program, CommandRow const& command) {
     return program.m_commands.empty() ? "*" : std::string(command.m_name);
 }

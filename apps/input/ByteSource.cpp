@@ -107,7 +107,7 @@ std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size) {
 
 std::unique_ptr<ByteSource> openInput(std::string const& path, Interrupt& interrupt) {
     bool const isStandardInput = path == "-";
-    // A named pipe without a writer must not hold the program where no signal reaches it.
+    // A named pipe without a writer must not block the program where it ignores signals.
     int const descriptor =
         isStandardInput ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) {

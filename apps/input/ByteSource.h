@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ByteSource: the bytes of a file or pipe in pieces, unpacked on the way when it is gzip, xz or
+// ByteSource: the bytes of a file or pipe in pieces, unpacked if it is gzip, xz or
 // zstd (recognised by its first bytes, not by its name). One object, one thread.
 #pragma once
 
@@ -27,7 +27,7 @@ class ByteSource {
     // Fills up to `size` bytes; 0 at the end. Throws an InputError, or Interrupted.
     virtual std::size_t read(char* buffer, std::size_t size) = 0;
 
-    // Bytes taken from the file so far, packed ones as they stand on disk.
+    // Bytes taken from the file so far, before unpacking.
     virtual std::uint64_t position() const = 0;
 };
 
@@ -39,7 +39,7 @@ std::unique_ptr<ByteSource> openInput(std::string const& path, Interrupt& interr
 // damage shows in read.
 std::unique_ptr<ByteSource> unpack(std::unique_ptr<ByteSource> packed);
 
-// The first bytes, `size` of them unless the end comes before. `source` gives them again.
+// The first bytes, `size` of them unless the end comes before. `source` returns them again.
 std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size);
 
 } // namespace Quorvane

@@ -18,7 +18,7 @@ std::vector<std::string> s_orStandardInput(std::vector<std::string> paths) {
     return paths;
 }
 
-// 0 for what is no file.
+// 0 for what is not a file.
 std::uint64_t s_size(std::string const& path) {
     std::error_code error;
     auto const size = std::filesystem::file_size(path, error);

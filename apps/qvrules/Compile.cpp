@@ -18,7 +18,7 @@ int compile(CommandLine const& line) {
     if (std::filesystem::is_directory(source, error)) {
         throw Rules::RuleError(Rules::RuleError::Kind::noInput,
                                source + ": is a folder; compile takes a rule text, "
-                                        "\"qvrules decompile\" makes one of a folder\n");
+                                        "which \"qvrules decompile\" makes from a folder\n");
     }
     auto const rules = Rules::loadRules(source);
     Rules::writeFolder(line.text("output"), rules.m_set);

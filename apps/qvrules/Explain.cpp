@@ -53,8 +53,8 @@ int explain(CommandLine const& line) {
         Workshop::ExplainInput input(asked, interrupt);
         if (input.isVectors() && hasFacts(line)) {
             throw UsageError(asked +
-                             " holds vectors, and what is known of a message changes none: leave "
-                             "out --env-from and the like");
+                             " holds vectors, for which nothing else is known of a message: "
+                             "leave out --env-from and the like");
         }
         s_explain(line, input);
     } catch (Interrupted const&) {

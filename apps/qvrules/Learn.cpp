@@ -20,15 +20,15 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
-// Old mail cannot be looked up any more: the names are gone, which would be learned.
+// Names in old mail may no longer exist, which the tree would learn.
 void s_turnLookupsOff(CommandLine const& line, HostSettings& host) {
     if (line.text("dns", "off") != "off" || line.has("dns-data")) {
-        throw UsageError("names are looked up with --lookups only; add it to --dns and --dns-data");
+        throw UsageError("--dns and --dns-data need --lookups");
     }
     host.m_dns = "off";
 }
 
-// Leaves the default where nothing is given.
+// Keeps the default if nothing is given.
 template<typename Number>
 void s_readNumber(CommandLine const& line, std::string const& name, Number& number) {
     try {
@@ -56,7 +56,7 @@ Rules::LearnSettings s_settings(CommandLine const& line) {
         }
         Rules::checkSettings(settings);
     } catch (Rules::LearnError const& error) {
-        throw UsageError(error.what()); // here it is the command line that is wrong
+        throw UsageError(error.what()); // here the command line is wrong
     }
     return settings;
 }
@@ -106,7 +106,7 @@ std::string s_treeText(Rules::LearnedTree const& learned) {
     return Rules::ruleText(set);
 }
 
-// What stands before the learned tree; empty without --with.
+// The text before the learned tree; empty without --with.
 std::string s_textBefore(std::string const& path) {
     if (path.empty()) {
         return {};
@@ -117,8 +117,9 @@ std::string s_textBefore(std::string const& path) {
         throw Rules::LearnError(Rules::showErrors(path, text, compiled.m_errors));
     }
     if (!compiled.m_set.m_nodes.empty()) {
-        throw Rules::LearnError(path + ": it has a tree already, and --with puts rules before the "
-                                       "tree that is learned; take its tree out");
+        throw Rules::LearnError(path +
+                                ": it already has a tree; --with takes rules without one, to "
+                                "put them before the learned tree");
     }
     return text + (text.empty() || text.back() == '\n' ? "\n" : "\n\n");
 }
@@ -141,8 +142,8 @@ void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& count
     }
     std::cerr << ")\n";
     if (learned.m_tree.leafCount() == 1) {
-        std::cerr << "qvrules: no attribute tells this spam from this ham: the rules judge "
-                     "nothing; learn from more mail or allow smaller support\n";
+        std::cerr << "qvrules: no attribute separates this spam from this ham, so the rules "
+                     "judge nothing; use more mail or a smaller --min-node-support\n";
     }
 }
 
@@ -169,7 +170,7 @@ int learn(CommandLine const& line) {
     if (output.empty() && tablePath.empty()) {
         throw UsageError("give -o SRC for rules or --table FILE for the vectors");
     }
-    // Before hours of scanning: is all else right?
+    // Check everything else before hours of scanning.
     auto const settings = s_settings(line);
     auto const plan = s_pruning(line);
     auto const before = s_textBefore(line.text("with"));

@@ -95,7 +95,7 @@ class TrainingMailReader {
              std::string const& corpus) {
         auto& table = tableOf(inputs);
         auto& samples = inputs.m_isSorted ? m_found.m_sortedSamples : m_found.m_unsortedSamples;
-        auto const label = *inputs.m_label; // messages have one
+        auto const label = inputs.m_label.value_or(Rules::MailLabel::ham);
         ++m_counts.m_messages;
         if (mail.m_vector) {
             table.add(*mail.m_vector, label, corpus);
@@ -142,7 +142,7 @@ class TrainingMailReader {
         }
     }
 
-    // A folder opens like a file and then fails to read.
+    // A folder can be opened like a file; reading it fails.
     void readTable(std::istream& stream, std::string const& name,
                    Rules::VectorCsvDefaults const& defaults, Rules::VectorTableBuilder& table) {
         if (!m_progress) {
@@ -189,7 +189,7 @@ Rules::ComparedMail gatherMessages(TrainingMail const& mail, TrainingMailCounts&
     auto gathered = gatherMail(mail, counts);
     if (gathered.m_sorted.corpora().empty() && gathered.m_unsorted.corpora().empty()) {
         throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                               "no messages in what was given: nothing to measure");
+                               "the inputs hold no messages: nothing to measure");
     }
     return gathered;
 }

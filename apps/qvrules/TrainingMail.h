@@ -16,7 +16,7 @@
 
 namespace Quorvane::RulesApp {
 
-// What becomes of copies as a gateway that records no reverse DNS would have recorded the mail.
+// Copies of the mail as a gateway without reverse DNS would have recorded it.
 enum class Copies {
     none,
     together, // they belong to the corpus of the mail
@@ -47,11 +47,11 @@ struct TrainingMailCounts {
     std::uint64_t m_copies = 0;       // rewritten messages that were added
 };
 
-// All of it, with the sources of some messages of each kind. A RuleError for an input that cannot
-// be read, a SettingsError for settings that cannot be put in force.
+// All mail, with the sources of some messages of each kind. A RuleError for an input that cannot be
+// read, a SettingsError for settings that cannot be put in force.
 Rules::ComparedMail gatherMail(TrainingMail const& mail, TrainingMailCounts& counts);
 
-// The same for commands that measure: a RuleError when there is no message in it at all.
+// The same for commands that measure: a RuleError when there are no messages at all.
 Rules::ComparedMail gatherMessages(TrainingMail const& mail, TrainingMailCounts& counts);
 
 } // namespace Quorvane::RulesApp

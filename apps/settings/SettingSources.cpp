@@ -13,7 +13,7 @@ namespace Quorvane {
 
 namespace {
 
-// The tables of single programs. A new one is added here, so that the other programs skip it.
+// The tables of single programs. A new one must be added here, so that other programs skip it.
 constexpr std::string_view programTables[] = {
     "milter", // qvmilter
 };

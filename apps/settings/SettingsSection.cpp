@@ -30,7 +30,7 @@ std::string s_quoted(std::string const& text) {
     return out + "\"";
 }
 
-// A TOML float has a point or an exponent; 1 would be an integer, which is as good.
+// 1 is an integer in TOML, not a float; either is accepted for a number.
 std::string s_value(SettingKind kind, SettingTexts texts) {
     if (kind == SettingKind::number || kind == SettingKind::integer) {
         return texts.front();
@@ -96,7 +96,7 @@ std::string SettingsSection::asToml() const {
     for (auto const& facts : m_facts) {
         auto const shown = texts(facts.m_name);
         auto line = std::string(facts.m_name) + " = " + s_value(facts.m_kind, shown);
-        // A path that is not set has no value to write down.
+        // A path that is not set has no value.
         if (facts.m_kind == SettingKind::path && shown.front().empty()) {
             line.insert(0, "# ");
         }

@@ -46,7 +46,7 @@ Json s_hops(ScanRecord const& record) {
     return hops;
 }
 
-// All hops and what was made of them.
+// All hops and their roles.
 Json s_trail(ScanRecord const& record) {
     auto trail = Json::array();
     for (auto const& hop : record.trail) {
@@ -175,8 +175,8 @@ Json s_needed(std::vector<Requirement> const& list) {
     return needed;
 }
 
-// Words, where the values have some, and what they say of those that differ from the start. Null
-// when the scan did not come to the rules.
+// Each value as a word if it has one, otherwise as a number. Null when the scan did not reach the
+// rules.
 Json s_values(ScanRecord const& record) {
     if (!record.isJudged()) {
         return {};

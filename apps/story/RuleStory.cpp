@@ -85,16 +85,16 @@ class RuleDescriber {
         m_story.m_path.push_back(std::move(added));
     }
 
-    // Several attributes say that there is no deep hop.
+    // Several attributes have the same sentence when there is no deep hop.
     void addSentence(DescribedTest const& test) {
-        if (m_said.insert(test.m_words).second) {
+        if (m_known.insert(test.m_words).second) {
             m_story.m_sentences.push_back(test.m_words);
         }
     }
 
     ScanRecord const& m_record;
     Rules::SentenceNames m_names;
-    std::set<std::string> m_said;
+    std::set<std::string> m_known;
     RuleStory m_story;
 };
 

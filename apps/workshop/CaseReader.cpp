@@ -225,7 +225,7 @@ std::span<CaseReader::Key const> CaseReader::keys() {
 
 } // namespace
 
-// Where rules and look-ups come from is the test's own business.
+// The test itself decides where rules and look-ups come from.
 bool isCaseSetting(std::string_view name) {
     return name != "root" && name != "jobs" && name != "dns" &&
            SettingsStore().find(name) != nullptr;

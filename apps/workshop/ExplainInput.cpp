@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view standardInput = "-";
 constexpr std::string_view tableStart = "source,";
 
-// The bytes of a source for what reads streams.
+// The bytes of a source as a stream.
 class SourceBuffer : public std::streambuf {
   public:
     explicit SourceBuffer(ByteSource& source) : m_source(source) {}

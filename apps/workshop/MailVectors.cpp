@@ -21,7 +21,7 @@ bool s_contains(std::vector<IPPrefix> const& prefixes, IPAddress const& address)
                        [&](IPPrefix const& prefix) { return prefix.contains(address); });
 }
 
-// Private addresses, and whatever relays the settings name as the site's.
+// Private addresses, and relays that the settings name as the site's.
 Rules::IsOwnRelay s_ownRelays(HostSettings const& settings) {
     return [trusted = settings.m_trusted, antiSpam = settings.m_antiSpam,
             internal = settings.m_internal](std::string const& text) {
@@ -52,7 +52,7 @@ HeaderContainer messageHeaders(InputItem const& item) {
     return headers;
 }
 
-// The engine will not start without a tree; one without records decides nothing.
+// The engine does not start without a tree; an empty tree decides nothing.
 MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
     : m_wantsRewritten(wantsRewritten), m_host(setUpHost(settings, engineOf(Rules::RuleSet{}))),
       m_isOwnRelay(s_ownRelays(settings)) {}

@@ -2,8 +2,8 @@
 //
 // MailVectors: turns messages into attribute vectors, with all cores, in the order of input.
 //
-// One object a process, since it sets up the scanning host. Reading and scanning overlap; the sink
-// is called on one thread at a time.
+// One object per process, since it sets up the scanning host. Reading and scanning overlap; the
+// sink is called on one thread at a time.
 #pragma once
 
 #include "apps/host/ScanHost.h"
@@ -43,7 +43,7 @@ struct ScanInterrupted {
 
 class MailVectors {
   public:
-    // The rules of `settings` are not looked at. Throws a SettingsError.
+    // The rules of `settings` are not used. Throws a SettingsError.
     MailVectors(HostSettings const& settings, bool wantsRewritten);
 
     using Sink = std::function<void(MailVector const&)>;

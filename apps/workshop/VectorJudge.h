@@ -3,7 +3,7 @@
 // VectorJudge: an engine with one rule set, asked about attribute vectors instead of messages.
 //
 // Owns its engine; several with different rules can exist at once. Call it from any thread. A
-// RuleError when no host could load the rules.
+// RuleError when no host can load the rules.
 #pragma once
 
 #include "DeepHeaderEngine.h"

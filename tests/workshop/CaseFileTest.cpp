@@ -106,8 +106,8 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
         {"rules = 3\n", "1:9: rules is the path of a rule text or folder, in quotes"},
         {"settings = 3\n", "1:12: settings is a table: write [settings]"},
         {"[settings]\ndsn = []\n",
-         "2:1: no setting of rule tests is called \"dsn\"; did you mean \"dns\"?"},
-        {"[settings]\nroot = \"/\"\n", "2:1: no setting of rule tests is called \"root\""},
+         "2:1: rule tests have no setting \"dsn\"; did you mean \"dns\"?"},
+        {"[settings]\nroot = \"/\"\n", "2:1: rule tests have no setting \"root\""},
         {"[settings]\ndns = \"off\"\n", "2:7: dns is a list of zone-file lines, as in "
                                         "[\"mail.example. A 192.0.2.1\"]"},
         {"[settings]\nspam-threshold = \"x\"\n", "2:18: spam-threshold needs a number"},
@@ -123,7 +123,7 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
          "1:1: the case has nothing to judge; give it a vector, a message or a file"},
         {"[[case]]\nname = \"x\"\nvector.chain_broken = 1\n",
          "1:1: the case expects nothing; give it a verdict: spam, ham or none"},
-        {s_case("") + s_case(""), "5:1: the case in line 1 has the same name; give each its own"},
+        {s_case("") + s_case(""), "5:1: the case in line 1 has the same name; names must differ"},
         {s_case("message = \"A: b\"\n"), "4:1: a case has one of vector, message and file"},
         {s_case("vector.message_id_has_dot = \"perhaps\"\n"),
          "5:29: message_id_has_dot has no value \"perhaps\"; it takes no, yes"},
@@ -151,11 +151,11 @@ TEST_F(CaseFileTest, SaysWhereAndWhatIsWrong) {
         {s_case("client-score = \"7\"\n"), "5:16: client-score needs a whole number"},
         {s_case("client-score = -7\n"), "5:16: client-score: \"-7\" is not a whole number"},
         {s_case("env-from = \"a@b.example\"\n"),
-         "5:12: this tells about a message, and the case has a vector; leave it out"},
+         "5:12: this describes a message, but the case has a vector; leave it out"},
         {"[[case]]\nvector = 3\n",
          "2:10: a vector is a table, as in vector.first_helo_dynamic = \"yes\""},
         {"[[case]]\nmessage = \"no field\"\n", "2:11: not a message: it has no header field"},
-        {"[[case]]\nverdict = \"span\"\n", "2:11: \"span\" is no verdict; write spam, ham or "
+        {"[[case]]\nverdict = \"span\"\n", "2:11: \"span\" is not a verdict; write spam, ham or "
                                            "none; did you mean \"spam\"?"},
         {"[[case]]\n\"\\u001b[2J\" = 1\n", "2:1: a case has no key \"\\x1B[2J\""},
         {"[[case]]\nname = \"x\"\nname = \"y\"\n", "3:"},
