@@ -52,9 +52,8 @@ int explain(CommandLine const& line) {
     try {
         Workshop::ExplainInput input(asked, interrupt);
         if (input.isVectors() && hasFacts(line)) {
-            throw UsageError(asked +
-                             " holds vectors, for which nothing else is known of a message: "
-                             "leave out --env-from and the like");
+            throw UsageError(asked + ": facts about a message do not apply to vectors; leave out "
+                                     "--env-from and the like");
         }
         s_explain(line, input);
     } catch (Interrupted const&) {

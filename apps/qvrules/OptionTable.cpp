@@ -170,8 +170,7 @@ CommandRow const diffCommand{
     "confidences change elsewhere. The exit status is 1 if a verdict changes.\n\n"
     "Example: qvrules diff now.qvr my.qvr --on mail/today --ham kept/ham --dns off"};
 
-CommandRow const attributesCommand{
-    "attributes", "List the attributes that rules can test, as Markdown", {}, {}};
+CommandRow const attributesCommand{"attributes", "List the attributes that rules can test", {}, {}};
 
 // The rules to measure are an argument of the command, not a setting of the host.
 std::vector<SettingFacts> s_settings(bool (*isTaken)(SettingFacts const&)) {

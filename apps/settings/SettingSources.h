@@ -15,10 +15,9 @@
 
 namespace Quorvane {
 
-inline constexpr OptionRow configRow{"config", "FILE",
-                                     "settings file (TOML); options take precedence over it"};
+inline constexpr OptionRow configRow{"config", "FILE", "settings file (TOML); options override it"};
 inline constexpr OptionRow showConfigRow{"show-config", "",
-                                         "print the settings in force and where each comes from"};
+                                         "print the settings in force and their sources"};
 
 // Adds a row for each setting, under the heading `group`.
 void addRows(std::vector<OptionRow>& rows, std::span<SettingFacts const> facts,

@@ -36,14 +36,14 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
     settingRow<&HostSettings::m_root>(
         {"root", SettingKind::path, "DIR", "read the rules from DIR/var/spool/etc/antispam (/)"}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::spamThreshold>(
-        {"spam-threshold", SettingKind::number, "X",
-         "call it spam from this probability of spam, 0..1 (0.95)", true}),
+        {"spam-threshold", SettingKind::number, "X", "minimum probability for spam, 0..1 (0.95)",
+         true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::hamThreshold>(
-        {"ham-threshold", SettingKind::number, "X",
-         "call it ham from this probability of ham, 0..1 (0.95)", true}),
+        {"ham-threshold", SettingKind::number, "X", "minimum probability for ham, 0..1 (0.95)",
+         true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::minSupport>(
         {"min-support", SettingKind::number, "X",
-         "use rules backed by this percentage of training mail (0.15)", true}),
+         "minimum percentage of training mail for a rule (0.15)", true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::maxEliteLevel>(
         {"max-elite-level", SettingKind::integer, "N", "ignore elite rules of a higher level (1)",
          true}),
@@ -52,7 +52,7 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
          "reputation score at which a relay ends the walk, 0..9 (6)"}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::walkToLeaf>(
         {"walk-to-leaf", SettingKind::integer, "0|1",
-         "0: stop at the first node that is sure enough of spam (1)", true},
+         "0: stop at the first node sure enough of spam (1)", true},
         s_checkFlag),
     settingRow<&HostSettings::m_trusted>(
         {"trusted-mta", SettingKind::list, "PREFIX", "trusted relay: skipped along the trail"}),

@@ -140,7 +140,7 @@ TEST(Help, ShowsArgumentsAndOptionsInLinesThatFit) {
               "  SRC                        what to make\n"
               "  MORE                       more of it\n"
               "\nOptions:\n"
-              "  -h, --help                 show this\n"
+              "  -h, --help                 show this help\n"
               "  -o, --output DIR           where to\n"
               "  --format text|json         a help that is so long that it does not fit the\n"
               "                             line of a terminal\n"
@@ -158,7 +158,7 @@ TEST(Help, ListsTheCommandsOfAProgram) {
                                           "  make                       Makes things\n"
                                           "  mark                       Marks things\n"
                                           "\nOptions:\n"
-                                          "  -h, --help                 show this\n"
+                                          "  -h, --help                 show this help\n"
                                           "  --version                  show the version\n"
                                           "\nThe end.\n");
 }
