@@ -10,10 +10,6 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
-Rules::Judge s_judge(Workshop::VectorJudge const& judge) {
-    return [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); };
-}
-
 using Report = std::string(Rules::Difference const&, Reports::ComparedSets const&);
 
 Report* s_report(std::string_view format) {
@@ -25,8 +21,8 @@ Report* s_report(std::string_view format) {
 } // namespace
 
 int diff(CommandLine const& line) {
-    TrainingMail const mail{mailPaths(line), Copies::none, hostSettings(line)};
-    if (mail.m_paths.isEmpty()) {
+    TrainingMail const mail{mailInputs(line), Copies::none, hostSettings(line)};
+    if (mail.m_inputs.empty()) {
         throw UsageError("give mail (--on, --ham, --spam) or vectors (--vectors, --on-vectors)");
     }
     auto const output = line.text("output", "-");
@@ -38,7 +34,7 @@ int diff(CommandLine const& line) {
     Workshop::VectorJudge const judgeAfter(after.m_set, settings);
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
-    auto const difference = Rules::compare(gathered, s_judge(judgeBefore), s_judge(judgeAfter));
+    auto const difference = Rules::compare(gathered, judgeBefore, judgeAfter);
     Reports::ComparedSets const sets{{line.text("OLD"), before.m_set, settings},
                                      {line.text("NEW"), after.m_set, settings}};
     writeOutput(output, s_report(line.text("format"))(difference, sets));

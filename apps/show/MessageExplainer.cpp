@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/MessageExplainer.h"
 
-#include "apps/commandline/ExitStatus.h"
 #include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
 #include "apps/settings/SettingsTable.h"
 #include "apps/story/JsonRecord.h"
+#include "apps/workshop/MailVectors.h"
 #include "apps/workshop/VectorText.h"
-#include "platform/HeaderReader.h"
-#include "rules/model/RuleError.h"
 
 #include <algorithm>
 #include <glib.h>
@@ -77,11 +75,7 @@ std::string MessageExplainer::answer(PageQuestion const& question) const {
 
 std::string MessageExplainer::explain(ScanHost const& host, std::string const& source,
                                       std::string_view message) const {
-    auto const headers = HeaderReader::read(message);
-    if (headers.headers().empty()) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                               source + ": no message: it has no header field");
-    }
+    auto const headers = Workshop::messageHeaders({source, std::string(message), {}, 0});
     auto const record = host.scan(headers, m_facts, RecordDepth::alternatives);
     return jsonExplanation(source, record, host.settings().m_judging);
 }
@@ -94,12 +88,7 @@ void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,
     Inputs inputs(paths, interrupt);
     InputItem item;
     while (inputs.next(item)) {
-        if (!item.m_problem.empty()) {
-            throw Rules::RuleError(item.m_exitStatus == ExitStatus::noInput
-                                       ? Rules::RuleError::Kind::noInput
-                                       : Rules::RuleError::Kind::badData,
-                                   item.m_source + ": " + item.m_problem);
-        }
+        Workshop::requireReadable(item);
         take({item.m_source, item.m_headers, {}});
     }
 }

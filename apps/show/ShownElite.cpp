@@ -15,7 +15,7 @@ std::string s_code(EliteNodes const& rule) {
         return std::to_string(rule.code);
     }
     // An answer carries the low byte only.
-    auto const letter = reasonByte(rule);
+    auto const letter = reasonByte(rule.code);
     return isVisibleReason(letter) ? std::string("'") + static_cast<char>(letter) + '\''
                                    : "byte " + std::to_string(int{letter});
 }

@@ -120,7 +120,7 @@ class EliteChecker {
     }
 
     void adjusting(EliteNodes const& rule) {
-        if (!isVisibleReason(reasonByte(rule))) {
+        if (!isVisibleReason(reasonByte(rule.code))) {
             add(Severity::warning, "elite-code",
                 "code " + std::to_string(rule.code) + " cannot be shown in an answer",
                 "give the rule a letter or a digit");

@@ -150,9 +150,9 @@ constexpr bool canFire(EliteRecord const& rule, double minSupport) {
            (rule.type == EliteType::deciding && isSupported(rule.support, minSupport));
 }
 
-// The character that an adjusting rule leaves in the answer.
-constexpr unsigned char reasonByte(EliteRecord const& rule) {
-    return static_cast<unsigned char>(static_cast<std::uint32_t>(rule.code) & 0xFFU);
+// The character that an adjusting rule with this code leaves in the answer.
+constexpr unsigned char reasonByte(std::int32_t code) {
+    return static_cast<unsigned char>(static_cast<std::uint32_t>(code) & 0xFFU);
 }
 
 constexpr bool isVisibleReason(unsigned char reason) {

@@ -8,8 +8,15 @@
 #include "rules/vectors/VectorTable.h"
 
 #include <ostream>
+#include <string>
 
 namespace Quorvane::Rules {
+
+// The parts of every line, without its line break: "source" and the names of the attributes; a
+// field (RFC 4180); the attributes of a vector, each after a comma.
+std::string csvHeader();
+std::string csvField(std::string const& text);
+std::string csvValues(AttributeVector const& vector);
 
 // Rows in sorted order, so equal tables are equal text.
 void writeVectorCsv(std::ostream& output, VectorTable const& table);

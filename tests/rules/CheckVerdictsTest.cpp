@@ -166,7 +166,7 @@ RC_GTEST_PROP(CheckVerdictsProperty, NoEngineGivesAVerdictThatIsSaidToBeOutOfRea
     RC_LOG() << Rules::ruleText(set) << found << '\n';
     Workshop::VectorJudge const judge(set, settings);
     for (auto const& vector : smallVectors()) {
-        auto const verdict = judge.judge(vector).m_verdict;
+        auto const verdict = judge(vector).m_verdict;
         if (verdict == Rules::Verdict::spam) {
             RC_ASSERT(found.find("called spam") == std::string::npos);
         } else if (verdict == Rules::Verdict::ham) {

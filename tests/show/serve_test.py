@@ -114,7 +114,7 @@ class Protocol(unittest.TestCase):
         for vector, text in ((b"first_helo=yes", 'no attribute is called "first_helo"'),
                              (b"first_forged=maybe", "first_forged has no value"),
                              (b"first_forged=1,first_forged=0", "given twice"),
-                             (MESSAGE.read_bytes(), "is no NAME=VALUE")):
+                             (MESSAGE.read_bytes(), "is not NAME=VALUE")):
             status, told = self.server.post(vector, **VECTOR)
             self.assertEqual(status, 422)
             self.assertIn(text, told)

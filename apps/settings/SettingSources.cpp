@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/settings/SettingsFile.h"
+#include "apps/settings/SettingSources.h"
 
 #include "apps/settings/TomlSettings.h"
 #include "rules/language/Nearest.h"
@@ -13,7 +13,7 @@ namespace Quorvane {
 
 namespace {
 
-// The tables of single programs. A new one is added here, so that the other programs skip it.
+// The tables of single programs. A new one must be added here, so that other programs skip it.
 constexpr std::string_view programTables[] = {
     "milter", // qvmilter
 };
@@ -104,6 +104,38 @@ class FileReader {
 void loadSettingsFile(std::string const& path, std::string_view program,
                       std::span<SettingsSection* const> sections) {
     FileReader(path, program, sections).read();
+}
+
+void addRows(std::vector<OptionRow>& rows, std::span<SettingFacts const> facts,
+             std::string_view group) {
+    for (auto const& one : facts) {
+        bool const isList = one.m_kind == SettingKind::list;
+        auto const traits = Takes::anyText | (isList ? Takes::repeatable : 0U);
+        rows.push_back({one.m_name, one.m_valueName, one.m_help, traits, '\0', group});
+    }
+}
+
+void takeOptions(CommandLine const& line, SettingsSection& section) {
+    for (auto const& facts : section.facts()) {
+        if (!line.has(facts.m_name)) {
+            continue;
+        }
+        try {
+            section.set(facts.m_name, line.texts(facts.m_name), "command line");
+        } catch (SettingsError const& error) {
+            throw UsageError(std::string("--") + error.what());
+        }
+    }
+}
+
+void readSettings(CommandLine const& line, std::string_view program,
+                  std::span<SettingsSection* const> sections) {
+    if (line.has(configRow.m_name)) {
+        loadSettingsFile(line.text(configRow.m_name), program, sections);
+    }
+    for (auto* const section : sections) {
+        takeOptions(line, *section);
+    }
 }
 
 } // namespace Quorvane

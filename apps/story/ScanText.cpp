@@ -1,17 +1,42 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/story/TextExplain.h"
+#include "apps/story/ScanText.h"
 
-#include "apps/story/LookupText.h"
 #include "apps/story/RuleStory.h"
-#include "apps/story/TrailText.h"
+#include "apps/story/StepText.h"
 #include "apps/story/VerdictStory.h"
+#include "apps/text/NumberText.h"
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace Quorvane {
 
 namespace {
+
+// Columns fit what is usual; longer text pushes the rest of its line.
+constexpr std::size_t verdictWidth = 4;
+constexpr std::size_t confidenceWidth = 8;
+constexpr std::size_t nodeWidth = 5;
+constexpr std::size_t addressWidth = 31; // two IPv4 addresses
+
+std::string s_padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+std::string_view s_colour(std::string_view verdict) {
+    if (verdict == "spam") {
+        return "\x1B[31m";
+    }
+    return verdict == "ham" ? "\x1B[32m" : "\x1B[2m";
+}
+
+std::string s_verdict(RecordedVerdict const& answer, bool colour) {
+    std::string const verdict = verdictName(answer);
+    auto const padded = s_padded(verdict, verdictWidth);
+    return colour ? std::string(s_colour(verdict)) + padded + "\x1B[0m" : padded;
+}
 
 using Row = std::vector<std::string>;
 
@@ -104,12 +129,13 @@ std::string s_elite(RuleStory const& story, ScanRecord const& record) {
     return s_titled("Elite rules that fired:", lines);
 }
 
-std::string s_path(RuleStory const& story) {
+std::string s_path(RuleStory const& story, WalkEnd end) {
     std::string lines;
     for (auto const& node : story.m_path) {
         lines += s_line(nodeLine(node)) + (node.m_test ? s_words(node.m_test->m_words) : "");
     }
-    return s_titled("Path through the tree:", lines.empty() ? "" : lines + s_line(story.m_end));
+    return s_titled("Path through the tree:",
+                    lines.empty() ? "" : lines + s_line(walkEndText(end)));
 }
 
 std::string s_requirements(std::vector<Requirement> const& list) {
@@ -133,12 +159,27 @@ std::string s_inWords(RuleStory const& story) {
 
 } // namespace
 
+std::string textRecord(std::string const& source, ScanRecord const& record, bool colour) {
+    auto const& answer = record.verdict;
+    bool const isDecided = answer.node != 0;
+    auto const confidence = isDecided ? numberText(answer.confidence) : "-";
+    auto const node = isDecided ? std::to_string(answer.node) : "-";
+    auto line = s_verdict(answer, colour) + "  " + s_padded(confidence, confidenceWidth) + "  " +
+                s_padded(node, nodeWidth) + "  " + s_padded(s_cell(answer.ips), addressWidth) +
+                "  " + toPrintable(source);
+    if (record.failure) {
+        line += "  (" + toPrintable(*record.failure) + ")";
+    }
+    return line + "\n";
+}
+
 std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& settings) {
     auto const story = describeRules(record);
     auto text = "  Because: " + toPrintable(reasonText(record, settings)) + ".\n" +
                 s_inWords(story) + s_trail(record);
     if (record.isJudged()) {
-        text += s_lookups(record) + s_attributes(record) + s_elite(story, record) + s_path(story);
+        text += s_lookups(record) + s_attributes(record) + s_elite(story, record) +
+                s_path(story, record.tree.end);
     }
     return text + s_requirements(requirements(record, settings)) + "\n";
 }
