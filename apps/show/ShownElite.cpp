@@ -51,7 +51,7 @@ ShownElite s_shown(EliteNodes const& rule) {
     shown.m_code = s_code(rule);
     shown.m_effect = s_effect(rule);
     for (auto const& [attribute, test, value] : rule.conditions) {
-        shown.m_conditions.push_back(Rules::conditionText(attribute, test, value));
+        shown.m_conditions.push_back(Rules::conditionText({attribute, test, value}));
         shown.m_tests.push_back(testText({attribute, test, value}));
         shown.m_sentences.push_back(
             Rules::fillSentence(Rules::testSentence(attribute, test, value), {}));

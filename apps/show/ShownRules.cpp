@@ -97,8 +97,7 @@ class TreeReader {
         if (number == treeRoot) {
             shown.m_condition = shown.m_test = shown.m_sentence = "all mail";
         } else {
-            shown.m_condition =
-                Rules::conditionText(record.attribute, record.test, record.testValue);
+            shown.m_condition = Rules::conditionText(testOf(record));
             shown.m_test = testText({record.attribute, record.test, record.testValue});
             shown.m_sentence = Rules::fillSentence(
                 Rules::testSentence(record.attribute, record.test, record.testValue), {});
