@@ -55,13 +55,14 @@ std::string attributePage() {
     for (auto const& word : valueWords) {
         page += s_wordRow(word);
     }
-    page += "\n`not-analysed` means that there was no such hop, `n/a` that the question does not arise "
-            "(as whether a\n"
-            "missing name is dynamic), and `unknown` that a part of the comparison is missing. "
-            "`literal` is what 2\n"
-            "means in the attributes that list it: the announced name is an address.\n\n"
-            "| number | name | values | at start | written by | meaning |\n"
-            "| --- | --- | --- | --- | --- | --- |\n";
+    page +=
+        "\n`not-analysed` means that there was no such hop, `n/a` that the question does not arise "
+        "(as whether a\n"
+        "missing name is dynamic), and `unknown` that a part of the comparison is missing. "
+        "`literal` is what 2\n"
+        "means in the attributes that list it: the announced name is an address.\n\n"
+        "| number | name | values | at start | written by | meaning |\n"
+        "| --- | --- | --- | --- | --- | --- |\n";
     for (auto const& facts : attributeTable) {
         page += s_row(facts);
     }

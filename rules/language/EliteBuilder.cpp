@@ -26,8 +26,8 @@ void s_setConditionCount(EliteRuleSyntax const& syntax, EliteRecord& rule,
     auto const& places = syntax.m_conditionPlaces;
     if (places.size() > maxEliteConditions) {
         errors.push_back({places[maxEliteConditions],
-                          "a rule has at most 100 conditions; every "
-                          "engine would cut off a file with more here"});
+                          "a rule has at most 100 conditions; a file with more "
+                          "would be cut off here by every engine"});
     }
     auto const count = static_cast<std::int32_t>(places.size());
     if (!syntax.m_given.contains("conditions")) {

@@ -133,8 +133,9 @@ INSTANTIATE_TEST_SUITE_P(
             "2:9 unexpected character \",\"\n"
             "2:10 unexpected \"5\" in an elite rule; it takes code, support, level, flag, when, "
             "always, reserved, conditions\n"},
-        ErrorCase{"elite first\ndecide bits(7) code 1 always",
-                  "2:13 bits(0x...) with up to 16 hexadecimal digits is expected; \"7\" is not one\n"},
+        ErrorCase{
+            "elite first\ndecide bits(7) code 1 always",
+            "2:13 bits(0x...) with up to 16 hexadecimal digits is expected; \"7\" is not one\n"},
         ErrorCase{"elite first\ndecide 1 code 'dd' always",
                   "2:15 one printable character between single quotes is expected, as in 'd'\n"},
         ErrorCase{"elite first\ndecide 1 code always",
@@ -205,10 +206,9 @@ INSTANTIATE_TEST_SUITE_P(
             "tree\nnode 2 5 == 1: confidence 0 support 1",
             "2:1 there is a node 2 already, in line 1; leave numbers out and they are given in "
             "order\n"},
-        ErrorCase{
-            "tree\nnode 4 5 == 1: confidence 0 support 1",
-            "2:1 node 4 comes after a gap: there is no node 3; number the nodes without gaps "
-            "or leave the numbers out\n"},
+        ErrorCase{"tree\nnode 4 5 == 1: confidence 0 support 1",
+                  "2:1 node 4 comes after a gap: there is no node 3; number the nodes without gaps "
+                  "or leave the numbers out\n"},
         ErrorCase{"tree {\n" + s_repeat("5 == 1: confidence 0 support 1 {\n", 497) +
                       s_repeat("}", 498),
                   "498:1 the tree has too many nodes; with records 0 and 1 an engine takes 499\n"},
