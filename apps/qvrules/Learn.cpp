@@ -6,12 +6,11 @@
 #include "apps/settings/SettingValue.h"
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
-#include "rules/learn/LearnedText.h"
 #include "rules/learn/Learner.h"
 #include "rules/learn/TreeRecords.h"
 #include "rules/model/Files.h"
 #include "rules/vectors/LearnError.h"
-#include "rules/vectors/VectorCsvWriter.h"
+#include "rules/vectors/VectorCsv.h"
 
 #include <iostream>
 #include <sstream>

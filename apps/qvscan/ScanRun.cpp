@@ -7,7 +7,7 @@
 #include "apps/text/Utf8.h"
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
-#include "rules/vectors/VectorCsvWriter.h"
+#include "rules/vectors/VectorCsv.h"
 
 #include <cstdlib>
 #include <cstring>

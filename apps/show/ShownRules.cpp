@@ -193,7 +193,7 @@ std::size_t ShownRules::depth() const {
 }
 
 ShownTest shownTest(AttributeTest const& test) {
-    return {Rules::conditionText(test.attribute, test.test, test.value), testText(test),
+    return {Rules::conditionText({test.attribute, test.test, test.value}), testText(test),
             Rules::fillSentence(Rules::testSentence(test.attribute, test.test, test.value), {})};
 }
 

@@ -25,7 +25,7 @@ std::size_t s_parentOf(std::vector<DTNode> const& nodes, std::int32_t number) {
 
 // A rule is not about one message: the sentences have no names.
 DeciderTest s_test(std::int32_t attribute, std::int32_t test, std::int32_t value) {
-    return {Rules::conditionText(attribute, test, value),
+    return {Rules::conditionText({attribute, test, value}),
             Rules::fillSentence(Rules::testSentence(attribute, test, value), {})};
 }
 

@@ -98,7 +98,7 @@ TEST(VectorJudge, ScoreIsTheHighestThresholdThatStillCallsSpam) {
 
 TEST(VectorJudge, RefusesRulesThatNoHostCouldLoad) {
     Rules::RuleSet rules;
-    rules.m_nodes.assign(4, Rules::emptyNode());
+    rules.m_nodes.assign(4, DTNode{});
     rules.m_nodes[3].attribute = 99;
     EXPECT_THROW(VectorJudge(rules, {}), Rules::RuleError);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The compiler's half for qv.dt: numbers the nodes of the syntax tree and lays out the records.
+// The compiler's halves: each fills the part of `compiled` for one of the two rule files.
 #pragma once
 
 #include "rules/language/Compiler.h"
@@ -8,7 +8,8 @@
 
 namespace Quorvane::Rules {
 
-// Fills the tree part of `compiled`. Numbers are written into the syntax on the way.
+void buildElite(RulesSyntax const& rules, CompiledRules& compiled);
+// Gives every node its number, in the syntax too.
 void buildTree(RulesSyntax& rules, CompiledRules& compiled);
 
 } // namespace Quorvane::Rules
