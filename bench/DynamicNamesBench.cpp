@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What it costs to tell a dynamic host name, against lower-casing the name and searching it for six
-// words.
+// What it costs to recognise a dynamic host name, compared with lower-casing the name and searching
+// it for six words.
 #include "Measure.h"
 #include "platform/DynamicIdentifier.h"
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the platform's readers and tables cost, each against the plainest thing that could stand in
-// its place: splitting a header section against copying it, a mailbox address against a search for
+// What the platform's readers and tables cost, each compared with the plainest code that could
+// replace it: splitting a header section against copying it, a mailbox address against a search for
 // its "@", a reputation look-up against an ordered map, the trusted relays in force against asking
-// a set at hand.
+// a local set.
 #include "Measure.h"
 #include "platform/EmailAddress.h"
 #include "platform/HeaderReader.h"
@@ -161,7 +161,7 @@ void s_addTrusted() {
                                        IPPrefix::parse("2001:db8::/32")};
     static TrustedMTASet const atHand(own, {});
     TrustedMTASetRef::install(own, {});
-    add("is a relay trusted/floor: set at hand", askedCount, [] {
+    add("is a relay trusted/floor: local set", askedCount, [] {
         for (auto const& address : asked) {
             keep(atHand.isTrustedMTA(address));
         }

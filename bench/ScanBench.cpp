@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a scan costs, against the least that any reader of Received headers has to do: copy each,
-// lower-case it, and search it for six words.
+// What a scan costs, compared with the least that any reader of Received headers has to do: copy
+// each, lower-case it, and search it for six words.
 #include "DeepHeaderEngine.h"
 #include "DeepHeaderScanner.h"
 #include "Measure.h"
