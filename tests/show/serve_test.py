@@ -123,7 +123,7 @@ class Protocol(unittest.TestCase):
         self.assertEqual(self.server.post(b"From: x\n\n", Content_Type="text/plain")[0], 415)
         self.assertEqual(self.server.post(b"x", Content_Encoding="gzip")[0], 415)
         status, text = self.server.post(b"no header here")
-        self.assertEqual((status, text), (422, "message: no message: it has no header field\n"))
+        self.assertEqual((status, text), (422, "message: not a message: it has no header field\n"))
 
     def test_limits_what_it_reads(self):
         status, text = self.server.post(None, Content_Length=str(1 << 40))
