@@ -119,7 +119,7 @@ class ScanBench {
                 block += hop;
             }
             auto const headers = HeaderReader::read(block);
-            add("one hop of " + std::to_string(hops), hops, [=, this] {
+            add("one hop/of " + std::to_string(hops), hops, [=, this] {
                 auto query = s_query(headers, m_address, m_properties);
                 keep(DeepHeaderScanner().postQuery(query).getNode());
             });
