@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "adapter/Alternatives.h"
-
+#include "adapter/RecordedScan.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <cstddef>
@@ -14,7 +13,7 @@ namespace {
 // Attribute index and the value that it would need.
 using Changes = std::map<std::size_t, std::int32_t>;
 
-// More changes than this are another message.
+// With more changes it would be another message.
 constexpr std::size_t maxChanges = 3;
 
 // One wish: that `attribute` equals `value`, or that it differs.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Third stage of a scan: completes the attribute vector from the hop slots and the addresses, with
-// at most two DNS look-ups, which the stage before has begun.
+// at most two DNS look-ups, which the previous stage has started.
 #include "adapter/DeepHeaderAdapter.h"
 #include "adapter/NameRelation.h"
 #include "adapter/ScanRecorder.h"
@@ -11,6 +11,12 @@ namespace Quorvane {
 namespace {
 
 using SingleReceiver = DeepHeaderAdapter::SingleReceiver;
+
+PendingLookup s_startLookup(std::string const& name) {
+    return name.empty() ? PendingLookup()
+                        : Resolver::instance().start(RecordType::mailName, name, RecordClass::IN);
+}
+
 std::int32_t s_relation(std::string const& a, std::string const& b) {
     return a.empty() || b.empty() ? Code::unknown : s_domainMatch(a, b);
 }
@@ -53,6 +59,18 @@ void s_copyDeepHop(AttributeVector& attributes, SingleReceiver const& hop) {
 
 } // namespace
 
+void NameLookups::start(std::string const& announced, std::string const& sender) {
+    m_announced = s_startLookup(announced);
+    m_sender = s_startLookup(sender);
+    m_arePending = true;
+}
+
+NameLookups::Answers NameLookups::finish() {
+    Answers const answers{m_announced.wait().result(), m_sender.wait().result()};
+    *this = NameLookups();
+    return answers;
+}
+
 // A literal needs no look-up, and where nothing was analysed there is nothing to look up.
 void DeepHeaderAdapter::startLookups(MsgProperties& props) {
     std::string const nothing;
@@ -69,7 +87,7 @@ void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
     auto const& deep = props.receivers[1];
     auto& attributes = props.attributes;
 
-    if (!props.lookups.areUnderWay()) {
+    if (!props.lookups.arePending()) {
         startLookups(props);
     }
     auto const answers = props.lookups.finish();

@@ -14,10 +14,10 @@ namespace Quorvane {
 namespace {
 
 constexpr int noDecision = -1;
-// A walk along a tree takes at most as many steps as there are nodes; a longer one goes in circles.
+// A walk along a tree takes at most as many steps as there are nodes; a longer one runs in circles.
 constexpr int maxSteps = treeTableSize;
 
-// Where a walk goes on, or why it ends.
+// Where a walk continues, or why it ends.
 struct Step {
     int m_child = noDecision;
     WalkEnd m_end = WalkEnd::noBranch;
@@ -68,7 +68,7 @@ int DeepHeaderAdapter::loadDTRules(std::istream& file) {
         file.read(reinterpret_cast<char*>(&node), sizeof node);
         if (!file) {
             // The end of the file ends the table. A folder opens like a file and then fails to
-            // read: that is no empty table.
+            // read: that is not an empty table.
             bool const isUnreadable = file.bad() && i == 0 && file.gcount() == 0;
             return isUnreadable ? 1 : 0;
         }

@@ -33,7 +33,7 @@ class ScanRecorder;
 
 class QV_API DeepHeaderAdapter : public virtual RefImpl {
   public:
-    // The analysis of one hop. Value codes as in AttributeTable.h; 3 says "never analysed".
+    // The analysis of one hop. Value codes as in AttributeTable.h; 3 means "never analysed".
     struct SingleReceiver : HopAnalysis {};
 
     // The result of one run over the elite rules.
@@ -59,12 +59,12 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
         AttributeVector attributes;
         std::string scoredHopIP;
         std::int32_t scoredHopScore = 0;
-        NameLookups lookups; // under way from the first public hop on, until the vector needs them
+        NameLookups lookups; // from the first public hop until the vector needs them
         EliteHits elite;
         Decision decision = Decision::notReached;
         TreeUse treeUse = TreeUse::notReached;
-        std::int32_t treeResult = -1;     // the node that the walk came to; -1: none
-        ScanRecorder* recorder = nullptr; // who wants to know of each step; null: nobody
+        std::int32_t treeResult = -1;     // the node that the walk reached; -1: none
+        ScanRecorder* recorder = nullptr; // records each step; null: not wanted
     };
 
     // Loads the rules; a DeepHeaderException when the tree cannot be loaded. Elite rules that
@@ -87,8 +87,8 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
     void getResults(DeepHeaderAnswerImpl& answer, DeepHeaderQuery& query, MsgProperties& props);
 
     // Parts of the stages.
-    // Begins to ask for the names that getAttributes has to know of: those of the first slot and of
-    // the envelope sender.
+    // Starts the look-ups that getAttributes needs: the announced name of the first slot and the
+    // domain of the envelope sender.
     static void startLookups(MsgProperties& props);
     int parseSingleReceiver(MsgReceived& hop, SingleReceiver& slot, MsgProperties& props);
     int checkElite(EliteHits& hits, MsgProperties& props, DeepHeaderSettings const& settings);

@@ -43,7 +43,7 @@ RuleOutcome s_fire(EliteNodes const& node, EliteHits& hits, DeepHeaderSettings c
                    std::int32_t selectMode) {
     if (node.type == EliteType::adjusting) {
         hits.adjust += node.weight;
-        hits.reasons += static_cast<char>(reasonByte(node));
+        hits.reasons += static_cast<char>(reasonByte(node.code));
         return RuleOutcome::adjusted;
     }
     if (!canFire(node, settings.minSupport)) {

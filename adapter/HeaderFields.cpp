@@ -17,7 +17,7 @@ namespace {
 
 constexpr auto npos = std::string::npos;
 
-// Scores are 0..9; what lies above is no score.
+// Scores are 0..9; a higher number is not a score.
 constexpr std::uint32_t highestScore = 9;
 
 using MsgProperties = DeepHeaderAdapter::MsgProperties;
@@ -86,7 +86,7 @@ class TrailWalk {
         : m_props(props), m_query(query), m_message(message),
           m_trustedRef(TrustedMTASetRef::instance(false)), m_trusted(*m_trustedRef.operator->()) {}
 
-    // The hop that the host is about to add for the connection at hand. Its score is the host's
+    // The hop that the host is about to add for the current connection. Its score is the host's
     // own, and it is judged even when it is private or authenticated: the host asked about it.
     void takeCurrent(std::string const& value) {
         MsgReceived hop(value);
@@ -99,7 +99,7 @@ class TrailWalk {
         end(hop, address, role);
     }
 
-    // A hop that the message itself tells of.
+    // A hop that is recorded in the message itself.
     void take(std::string const& value) {
         MsgReceived const hop(value);
         begin(hop, false);
@@ -112,8 +112,8 @@ class TrailWalk {
 
   private:
     // The site's own newest relays are skipped: the walk begins where the message entered. The
-    // first hop of another origin ends that, also one without address: what is older than that
-    // nobody vouches for.
+    // first hop of another origin ends that, also one without address: nobody vouches for
+    // anything older.
     bool isInternal(IPAddress const& address) {
         m_isInside = m_isInside && m_trusted.isInternalMTA(address);
         return m_isInside;
@@ -195,7 +195,7 @@ class TrailWalk {
     MessageProperties& m_message;
     TrustedMTASetRef m_trustedRef;
     TrustedMTASet const& m_trusted;
-    std::uint32_t m_score = 0; // of the hop at hand
+    std::uint32_t m_score = 0; // of the current hop
     bool m_isInside = true;    // all hops so far came from relays of the site
     bool m_isEnded = false;
 };

@@ -28,7 +28,7 @@ void s_eraseFirst(std::string& text, char c) {
     }
 }
 
-// Results over all hops stay at "yes" once they were yes; a "no" only replaces "cannot be told".
+// Results over all hops stay at "yes" once they were yes; a "no" only replaces "unknown".
 void s_mergeResult(std::int32_t& whole, std::int32_t ofHop) {
     if (ofHop == Code::yes) {
         whole = Code::yes;
@@ -69,9 +69,9 @@ void s_mergeAuthorResults(SingleReceiver& slot, MsgProperties& props) {
     }
     slot.fromDomainMatchesBoth = Code::notApplicable;
     if (isHeloKnown && isReverseKnown) {
-        bool const doBoth =
+        bool const bothMatch =
             slot.fromDomainMatchesHelo == Code::yes && slot.fromDomainMatchesReverse == Code::yes;
-        slot.fromDomainMatchesBoth = doBoth ? Code::yes : Code::no;
+        slot.fromDomainMatchesBoth = bothMatch ? Code::yes : Code::no;
         s_mergeResult(props.attributes[Attribute::fromMatchesBoth], slot.fromDomainMatchesBoth);
     }
 }
@@ -80,9 +80,9 @@ void s_relateToEnvelopeSender(SingleReceiver& slot, MsgProperties const& props) 
     slot.envFromDomainMatches = Code::notApplicable;
     auto const& domain = props.envelopeFrom.domain();
     if (slot.heloIsDomain != Code::no && slot.reverseDynamic != Code::unknown && !domain.empty()) {
-        bool const doBoth =
+        bool const bothMatch =
             s_domainMatch(slot.helo, domain) == 1 && s_domainMatch(slot.reverseName, domain) == 1;
-        slot.envFromDomainMatches = doBoth ? Code::yes : Code::no;
+        slot.envFromDomainMatches = bothMatch ? Code::yes : Code::no;
     }
 }
 
@@ -114,7 +114,7 @@ void s_count(SingleReceiver const& slot, MsgProperties& props) {
 
 } // namespace
 
-// A name with fewer than three labels is some organisation's own.
+// A name with fewer than three labels belongs to an organisation.
 int DeepHeaderAdapter::isDynamicHostname(std::string& name) {
     if (std::count(name.begin(), name.end(), '.') < 2) {
         return 0;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// NameLookups: whether the two names of a scan resolve, asked side by side and apart from who needs
-// the answers. Part of a scan's record; one thread. Dropping it calls off what is under way.
+// NameLookups: whether the two names of a scan resolve, asked side by side before
+// the answers are needed. Part of a scan's record; one thread. Destroying it cancels what is
+// pending.
 #pragma once
 
 #include "platform/Resolver.h"
@@ -21,21 +22,21 @@ class NameLookups {
     NameLookups(NameLookups&&) noexcept = default;
     NameLookups& operator=(NameLookups&&) noexcept = default;
     ~NameLookups() = default;
-    // Answers go to whom asked: a copy has nothing under way.
+    // Answers go to the object that asked: a copy has nothing pending.
     NameLookups(NameLookups const& /*other*/) : NameLookups() {}
     NameLookups& operator=(NameLookups const& other) { return *this = NameLookups(other); }
 
-    bool areUnderWay() const { return m_areUnderWay; }
+    bool arePending() const { return m_arePending; }
 
     // Asks for the name that a host announced and for the sender's domain. An empty name is not
     // asked for and does not resolve. Does not block.
     void start(std::string const& announced, std::string const& sender);
 
-    // Waits for the answers. Nothing is under way afterwards.
+    // Waits for the answers. Nothing is pending afterwards.
     Answers finish();
 
   private:
-    bool m_areUnderWay = false;
+    bool m_arePending = false;
     PendingLookup m_announced;
     PendingLookup m_sender;
 };

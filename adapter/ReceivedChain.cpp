@@ -37,16 +37,16 @@ class ChainWalk {
         m_props.maxPrivateRun = std::max(m_maxPrivateRun, m_privateRun);
         m_props.publicRun = m_publicRun;
         m_props.noAddressHops = m_noAddressHops;
-        m_props.attributes[Attribute::hopBehindFirst] = m_stage == Stage::behindFirst ? 1 : 0;
+        m_props.attributes[Attribute::hopBehindFirst] = m_stage == Stage::afterFirst ? 1 : 0;
         m_props.attributes[Attribute::chainBroken] = m_isChainBroken ? 1 : 0;
         return m_stage != Stage::beforeFirst;
     }
 
   private:
     enum class Run : std::uint8_t { none, privateHops, publicHops };
-    enum class Stage : std::uint8_t { beforeFirst, atFirst, behindFirst };
+    enum class Stage : std::uint8_t { beforeFirst, atFirst, afterFirst };
 
-    // After the first public hop every relay should have received from the one that handed on.
+    // After the first public hop every relay should have received from the next one.
     void checkChain(MsgReceived& hop) {
         if (m_stage == Stage::beforeFirst) {
             return;
@@ -55,7 +55,7 @@ class ChainWalk {
             m_isChainBroken = true;
         }
         m_previousFrom = hop.from();
-        m_stage = Stage::behindFirst;
+        m_stage = Stage::afterFirst;
     }
 
     // Neither ends nor extends a run, but slots are no longer filled after it.
@@ -97,8 +97,8 @@ class ChainWalk {
 
     void visitFirstPublic(MsgReceived& hop) {
         m_adapter.parseSingleReceiver(hop, m_props.receivers[0], m_props);
-        // isForged may wait for DNS. What the vector needs to know of DNS is known by now, and
-        // asked for meanwhile: a scan then takes as long as its slowest look-up.
+        // isForged may wait for DNS. The names that the vector needs looked up are known by
+        // now and asked for meanwhile: a scan then takes as long as its slowest look-up.
         DeepHeaderAdapter::startLookups(m_props);
         m_props.receivers[0].isForged = hop.isForged();
         if (m_props.recorder != nullptr) {

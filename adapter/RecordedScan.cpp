@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "adapter/RecordedScan.h"
 
-#include "adapter/Alternatives.h"
 #include "adapter/ScanRecorder.h"
 #include "scanner/records/RecordAccess.h"
 
@@ -40,7 +39,7 @@ void s_takeMessage(ScanRecord& record, MsgProperties&& props) {
     record.noAddressHops = props.noAddressHops;
 }
 
-// What is known once the stages have run, however far they came.
+// What is known once the stages have run, however far they got.
 void s_takeResult(ScanRecord& record, DeepHeaderAdapter& engine, MsgProperties& props,
                   DeepHeaderSettings const& settings, RecordDepth depth) {
     record.attributes = props.attributes;

@@ -2,7 +2,7 @@
 #include "adapter/ScanRecorder.h"
 
 #include "adapter/HeaderFields.h"
-#include "received/ReceivedAccess.h"
+#include "received/MsgReceivedImpl.h"
 
 #include <exception>
 
@@ -71,7 +71,7 @@ void ScanRecorder::classifyTaken(HopRole role) {
     m_record.trail[m_nextTaken++].role = role;
 }
 
-// Read for whoever looks at the trail; the scan did without it.
+// Read for displays of the trail only; the scan did not need it.
 void ScanRecorder::addNotLookedAt(std::string const& value, bool isCurrent) {
     MsgReceived const hop(value);
     addHop(hop, isCurrent).role = HopRole::notLookedAt;
@@ -82,7 +82,7 @@ void ScanRecorder::addNotLookedAt(std::string const& value, bool isCurrent) {
     }
 }
 
-// What handed the message to the site's side tells the rest of the trail, and may lie.
+// The host that passed the message to the site's side wrote the rest of the trail, and may lie.
 void ScanRecorder::vouch() {
     bool isOurSide = true;
     for (auto& hop : m_record.trail) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ScanRecorder: takes down what the stages of a scan do, while they do it. A stage that finds none
-// in the working record (MsgProperties::recorder) has nobody to report to and does nothing for it.
+// ScanRecorder: records what the stages of a scan do, while they do it. A stage that finds none in
+// the working record (MsgProperties::recorder) records nothing.
 // One object a scan, one thread; what it fills outlives it.
 #pragma once
 
@@ -43,7 +43,7 @@ class ScanRecorder {
     void endWalk(WalkEnd end) { m_record.tree.end = end; }
 
     // After the last stage, or the one that failed: the fields of the hops, and the hops of `query`
-    // that no stage came to.
+    // that no stage reached.
     void finishTrail(DeepHeaderQuery const& query);
 
   private:

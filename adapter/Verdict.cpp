@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Last stage of a scan: a matching deciding elite rule decides; otherwise, where settings and elite
-// file allow it, the tree does.
+// Last stage of a scan: a matching deciding elite rule decides; otherwise, if the settings and the
+// elite file allow it, the tree does.
 #include "adapter/DeepHeaderAdapter.h"
 #include "rules/format/RuleTests.h"
 #include "scanner/records/DeepHeaderAnswerImpl.h"
@@ -60,7 +60,7 @@ void s_classify(DeepHeaderAnswerImpl& answer, DTNode const& node, EliteHits cons
     }
 }
 
-bool s_doesDecide(EliteHits const& hits, DeepHeaderSettings const& settings) {
+bool s_decides(EliteHits const& hits, DeepHeaderSettings const& settings) {
     return isSupported(hits.support, settings.minSupport) &&
            hits.confidence + hits.adjust >= settings.spamThreshold;
 }
@@ -73,7 +73,7 @@ bool DeepHeaderAdapter::consultsTree(DeepHeaderSettings const& settings) const {
 
 TreeUse DeepHeaderAdapter::treeUse(EliteHits const& hits,
                                    DeepHeaderSettings const& settings) const {
-    if (s_doesDecide(hits, settings)) {
+    if (s_decides(hits, settings)) {
         return TreeUse::eliteDecided;
     }
     if (consultsTree(settings)) {

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What it costs to tell a dynamic host name, against lower-casing the name and searching it for six
-// words.
+// What it costs to recognise a dynamic host name, compared with lower-casing the name and searching
+// it for six words.
+#include "Measure.h"
 #include "platform/DynamicIdentifier.h"
-#include "SideBySide.h"
-#include "TwoThreads.h"
 
 #include <cctype>
 #include <sstream>
@@ -71,62 +70,43 @@ void s_floor(std::string const& name) {
     }
 }
 
-class DynamicNamesBench {
-  public:
-    void match() const {
-        SideBySide table("Telling one dynamic host name", "name", nameCount);
-        table.add("floor: copy, lower-case, six searches", [this] { each(s_floor); });
-        table.add("built-in list", [this] {
-            each([this](std::string const& name) { keep(m_builtIn->match(name)); });
-        });
-        table.add("list in force, fetched for each name", [this] { each(s_matchInForce); });
-        table.add("list of 384 expressions",
-                  [this] { each([this](std::string const& name) { keep(m_long->match(name)); }); });
-        table.run();
-    }
-
-    void compile() const {
-        SideBySide table("Compiling a list and matching one name", "list", 1.0);
-        table.add("built-in list", [] { keep(DynamicIdentifier::builtIn()->match("a.b.c")); });
-        table.add("list of 384 expressions", [] {
-            keep(DynamicIdentifier::compile(s_longList(), "long list")->match("a.b.c"));
-        });
-        table.run();
-    }
-
-    void threads() const {
-        printTwoThreadGain([this] {
-            for (int pass = 0; pass < 100; ++pass) {
-                each(s_matchInForce);
-            }
-        });
-    }
-
-  private:
-    static void s_matchInForce(std::string const& name) {
-        keep(DynamicIdentifierSingleton::instance(false)->match(name));
-    }
-
-    template<typename Work>
-    void each(Work const& work) const {
-        for (auto const& name : m_names) {
+template<typename Work>
+benchmark::internal::Benchmark* s_add(std::string const& title, Work const& work) {
+    static auto const names = s_names();
+    auto const each = [work] {
+        for (auto const& name : names) {
             work(name);
         }
-    }
+    };
+    return add(title, nameCount, each);
+}
 
-    std::vector<std::string> m_names = s_names();
-    boost::shared_ptr<DynamicIdentifier> m_builtIn = DynamicIdentifier::builtIn();
-    boost::shared_ptr<DynamicIdentifier> m_long =
-        DynamicIdentifier::compile(s_longList(), "long list");
-};
+void s_matchInForce(std::string const& name) {
+    keep(DynamicIdentifierSingleton::instance(false)->match(name));
+}
+
+void s_addMatches() {
+    auto const builtIn = DynamicIdentifier::builtIn();
+    auto const longList = DynamicIdentifier::compile(s_longList(), "long list");
+    s_add("one name/floor: copy, lower-case, six searches", s_floor);
+    s_add("one name/built-in list", [=](auto const& name) { keep(builtIn->match(name)); });
+    s_add("one name/list in force, fetched for each name", s_matchInForce)
+        ->ThreadRange(1, 2)
+        ->UseRealTime();
+    s_add("one name/list of 384 expressions",
+          [=](auto const& name) { keep(longList->match(name)); });
+}
+
+void s_addCompilation() {
+    add("compiling a list of 384 expressions and matching one name", 1,
+        [] { keep(DynamicIdentifier::compile(s_longList(), "long list")->match("a.b.c")); });
+}
 
 } // namespace
 } // namespace Quorvane::Bench
 
-int main() {
-    Quorvane::Bench::DynamicNamesBench const bench;
-    bench.match();
-    bench.compile();
-    bench.threads();
-    return 0;
+int main(int argc, char** argv) {
+    Quorvane::Bench::s_addMatches();
+    Quorvane::Bench::s_addCompilation();
+    return Quorvane::Bench::run(argc, argv);
 }

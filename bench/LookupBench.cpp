@@ -3,10 +3,10 @@
 // What the look-ups of a scan cost when the name server answers after 20 ms. No name is asked for
 // twice, so no answer comes from memory.
 #include "DeepHeaderScanner.h"
+#include "Measure.h"
 #include "platform/HeaderReader.h"
 #include "platform/Host.h"
 #include "platform/Resolver.h"
-#include "SideBySide.h"
 #include "support/LateDnsServer.h"
 #include "support/RuleFolder.h"
 
@@ -26,18 +26,17 @@ class LookupBench {
         DeepHeaderScanner().init();
     }
 
-    void run() {
-        SideBySide table("Look-ups of one scan, each answered after 20 ms", "scan", 1.0);
-        table.add("the slowest of them: the addresses of one name",
-                  [this] { keep(Host(freshName("client"), true).isNull()); });
-        table.add("whether one name resolves", [this] { lookUp("relay"); });
-        table.add("all three, one after the other", [this] {
+    void addAll() {
+        add("floor: the addresses of one name", 1, [this] {
+            keep(Host(freshName("client"), true).isNull());
+        })->UseRealTime();
+        add("whether one name resolves", 1, [this] { lookUp("relay"); })->UseRealTime();
+        add("all three look-ups of a scan, one after the other", 1, [this] {
             keep(Host(freshName("client"), true).isNull());
             lookUp("relay");
             lookUp("sender");
-        });
-        table.add("a scan that asks for all three", [this] { scan(); });
-        table.run();
+        })->UseRealTime();
+        add("a scan that makes all three", 1, [this] { scan(); })->UseRealTime();
     }
 
   private:
@@ -71,7 +70,8 @@ class LookupBench {
 } // namespace
 } // namespace Quorvane::Bench
 
-int main() {
-    Quorvane::Bench::LookupBench().run();
-    return 0;
+int main(int argc, char** argv) {
+    Quorvane::Bench::LookupBench bench;
+    bench.addAll();
+    return Quorvane::Bench::run(argc, argv);
 }

@@ -1,23 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a scan costs, against the least that any reader of Received headers has to do: copy each,
-// lower-case it, and search it for six words.
+// What a scan costs, compared with the least that any reader of Received headers has to do: copy
+// each, lower-case it, and search it for six words.
 #include "DeepHeaderEngine.h"
 #include "DeepHeaderScanner.h"
+#include "Measure.h"
 #include "MsgReceived.h"
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
-#include "SideBySide.h"
 #include "support/RuleFolder.h"
 #include "Trails.h"
-#include "TwoThreads.h"
 
 #include <cctype>
 
 namespace Quorvane::Bench {
 namespace {
 
-constexpr std::size_t messageCount = 2000;
+constexpr int messageCount = 2000;
 
 void s_floor(std::string const& value) {
     std::string text = value;
@@ -70,84 +69,76 @@ class ScanBench {
         m_address = EmailAddress::rfc5322Parse("someone@sender1.example", true);
     }
 
-    void parse() const {
-        SideBySide table("Reading one Received header", "header",
-                         static_cast<double>(m_trails.m_received.size()));
-        table.add("floor: copy, lower-case, six searches", [this] { floor(); });
-        table.add("MsgReceived: construct, read all fields", [this] {
+    void addParsing() const {
+        auto const count = static_cast<double>(m_trails.m_received.size());
+        add("one Received header/floor: copy, lower-case, six searches", count,
+            [this] { floor(); });
+        add("one Received header/MsgReceived: construct, read all fields", count, [this] {
             for (auto const& value : m_trails.m_received) {
                 s_readAllFields(value);
             }
         });
-        table.run();
     }
 
-    void scan() const {
-        SideBySide table("Judging one message, without look-ups", "message", messageCount);
-        table.add("floor of its Received headers", [this] { floor(); });
-        table.add("headers in memory, addresses given", [this] { judgeAll(); });
-        table.add("splitting the header section", [this] {
+    void addScans() const {
+        add("one message/floor of its Received headers", messageCount, [this] { floor(); });
+        add("one message/headers in memory, addresses given", messageCount, [this] { judgeAll(); });
+        add("one message/splitting the header section", messageCount, [this] {
             for (auto const& block : m_trails.m_blocks) {
                 keep(HeaderReader::read(block).headers().size());
             }
         });
-        table.add("raw header section, From, To, Return-Path parsed", [this] {
-            for (auto const& block : m_trails.m_blocks) {
-                auto query = s_query(HeaderReader::read(block), {}, m_properties);
-                keep(DeepHeaderScanner().postQuery(query).getNode());
-            }
-        });
-        table.run();
+        add("one message/raw header section, From, To, Return-Path parsed", messageCount,
+            [this] { judgeBlocks({}); });
+        add("one message/raw header section, addresses given", messageCount,
+            [this] { judgeBlocks(EmailAddress::rfc5322Parse("someone@sender1.example", true)); })
+            ->ThreadRange(1, 2)
+            ->UseRealTime();
     }
 
     // What the record of a scan costs those who ask for it; the first row asks for none.
-    void record() const {
-        SideBySide table("Recording a scan", "message", messageCount);
-        table.add("no record: postQuery", [this] { judgeAll(); });
-        table.add("result", [this] { recordAll(RecordDepth::result); });
-        table.add("steps", [this] { recordAll(RecordDepth::steps); });
-        table.add("alternatives", [this] { recordAll(RecordDepth::alternatives); });
-        table.run();
+    void addRecords() const {
+        add("record of a scan/none: postQuery", messageCount, [this] { judgeAll(); });
+        std::pair<char const*, RecordDepth> const depths[] = {
+            {"result", RecordDepth::result},
+            {"steps", RecordDepth::steps},
+            {"alternatives", RecordDepth::alternatives},
+        };
+        for (auto const& [name, depth] : depths) {
+            add(std::string("record of a scan/") + name, messageCount,
+                [this, depth = depth] { recordAll(depth); });
+        }
     }
 
-    // Ten times the hops should cost ten times as much.
-    void growth() const {
-        SideBySide table("Growth with the number of hops", "hop", 10000.0);
+    // A hop should cost the same, however many there are.
+    void addGrowth() const {
         std::string const hop = "Received: " + m_trails.m_received.front() + '\n';
-        for (std::size_t const hops : {100U, 1000U, 10000U}) {
+        for (int const hops : {100, 1000, 10000}) {
             std::string block;
-            for (std::size_t i = 0; i < hops; ++i) {
+            for (int i = 0; i < hops; ++i) {
                 block += hop;
             }
             auto const headers = HeaderReader::read(block);
-            auto const repeats = 10000 / hops;
-            table.add(std::to_string(hops) + " hops, 10,000 in all", [=, this] {
-                for (std::size_t i = 0; i < repeats; ++i) {
-                    auto query = s_query(headers, m_address, m_properties);
-                    keep(DeepHeaderScanner().postQuery(query).getNode());
-                }
+            add("one hop/of " + std::to_string(hops), hops, [=, this] {
+                auto query = s_query(headers, m_address, m_properties);
+                keep(DeepHeaderScanner().postQuery(query).getNode());
             });
         }
-        table.run();
-    }
-
-    void threads() const {
-        printTwoThreadGain([this] {
-            RefMessageProperties const properties(true);
-            auto const address = EmailAddress::rfc5322Parse("someone@sender1.example", true);
-            for (int pass = 0; pass < 5; ++pass) {
-                for (auto const& block : m_trails.m_blocks) {
-                    auto query = s_query(HeaderReader::read(block), address, properties);
-                    keep(DeepHeaderScanner().postQuery(query).getNode());
-                }
-            }
-        });
     }
 
   private:
     void floor() const {
         for (auto const& value : m_trails.m_received) {
             s_floor(value);
+        }
+    }
+
+    // Properties of its own for each call: threads would else share their count.
+    void judgeBlocks(EmailAddress const& address) const {
+        RefMessageProperties const properties(true);
+        for (auto const& block : m_trails.m_blocks) {
+            auto query = s_query(HeaderReader::read(block), address, properties);
+            keep(DeepHeaderScanner().postQuery(query).getNode());
         }
     }
 
@@ -176,12 +167,11 @@ class ScanBench {
 } // namespace
 } // namespace Quorvane::Bench
 
-int main() {
+int main(int argc, char** argv) {
     Quorvane::Bench::ScanBench const bench;
-    bench.parse();
-    bench.scan();
-    bench.record();
-    bench.growth();
-    bench.threads();
-    return 0;
+    bench.addParsing();
+    bench.addScans();
+    bench.addRecords();
+    bench.addGrowth();
+    return Quorvane::Bench::run(argc, argv);
 }

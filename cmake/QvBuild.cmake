@@ -86,20 +86,25 @@ function(qv_browser_test name script)
         ENVIRONMENT "PYTHONPATH=${PROJECT_SOURCE_DIR}/tests/browser;${TEST_ENVIRONMENT}")
 endfunction()
 
-# qv_embed_text(TARGET FILE file HEADER header FUNCTION function)
-# Links the bytes of a text file into TARGET: the function, which the header declares below namespace
-# Quorvane, returns them as a std::string_view.
+# qv_embed_text(TARGET FILE file... HEADER header FUNCTION function)
+# Links the bytes of text files, one after the other, into TARGET: the function, which the header
+# declares below namespace Quorvane, returns them as a std::string_view.
 function(qv_embed_text target)
-    cmake_parse_arguments(TEXT "" "FILE;HEADER;FUNCTION" "" ${ARGN})
-    get_filename_component(input "${TEXT_FILE}" ABSOLUTE)
+    cmake_parse_arguments(TEXT "" "HEADER;FUNCTION" "FILE" ${ARGN})
+    set(inputs "")
+    foreach(file IN LISTS TEXT_FILE)
+        get_filename_component(input "${file}" ABSOLUTE)
+        list(APPEND inputs "${input}")
+    endforeach()
+    list(JOIN inputs "|" joined)
     string(MAKE_C_IDENTIFIER "${TEXT_FUNCTION}" name)
     set(output "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
     set(script "${PROJECT_SOURCE_DIR}/cmake/QvEmbedText.cmake")
     add_custom_command(
         OUTPUT "${output}"
-        COMMAND "${CMAKE_COMMAND}" -D "INPUT=${input}" -D "OUTPUT=${output}"
+        COMMAND "${CMAKE_COMMAND}" -D "INPUTS=${joined}" -D "OUTPUT=${output}"
                 -D "HEADER=${TEXT_HEADER}" -D "FUNCTION=${TEXT_FUNCTION}" -P "${script}"
-        DEPENDS "${input}" "${script}"
+        DEPENDS ${inputs} "${script}"
         VERBATIM)
     target_sources(${target} PRIVATE "${output}")
 endfunction()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# The libraries that we stand on; README names the reason for each.
+# The libraries that we depend on; README gives the reason for each.
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)

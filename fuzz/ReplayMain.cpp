@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Stands in for libFuzzer's main: feeds the files named on the command line, and those of the
+// Replaces libFuzzer's main: feeds the files named on the command line, and those of the
 // folders named there, to the fuzz target, once each.
 #include <cstddef>
 #include <cstdint>
@@ -17,15 +17,11 @@ extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int* argc, char*** arg
 
 namespace {
 
-std::vector<std::uint8_t> s_read(std::filesystem::path const& file) {
-    std::ifstream in(file, std::ios::binary);
-    in.exceptions(std::ios::badbit | std::ios::failbit);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 // The block has the exact size of the input: a sanitizer sees a read one byte too far.
 void s_replay(std::filesystem::path const& file) {
-    auto bytes = s_read(file);
+    std::ifstream in(file, std::ios::binary);
+    in.exceptions(std::ios::badbit | std::ios::failbit);
+    std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(in), {});
     bytes.shrink_to_fit();
     LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Splits arbitrary bytes into header fields. The split has to agree with the length of the header
-// section, and to lose or invent no byte order: what stands after the section changes nothing.
+// section, and must not change with what
+// comes after the section.
 #include "Check.h"
 #include "platform/HeaderReader.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// DeepHeaderEngine: an engine as a program sees it that wants more than an answer: the record of a
-// scan, a judgement of bare attributes, rules that are in memory. Hosts that only want verdicts use
+// DeepHeaderEngine: the engine for programs that need more than an answer: the record of a scan,
+// a judgement of bare attributes, rules that are in memory. Hosts that only want verdicts use
 // DeepHeaderScanner.
 //
 // A counted handle: copies share the engine, which never changes once it is made. Any number of
@@ -41,7 +41,7 @@ class QV_API DeepHeaderEngine {
     // throws nothing: `failure` of the record says why. REQUIRES: not empty, here and below.
     ScanRecord scan(DeepHeaderQuery& query, RecordDepth depth) const;
 
-    // What the rules say of a message of which nothing is known but these attributes.
+    // What the rules say of a message of which only these attributes are known.
     ScanRecord judge(std::array<std::int32_t, 38> const& attributes,
                      DeepHeaderSettings const& settings, RecordDepth depth) const;
 

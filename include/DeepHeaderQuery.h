@@ -23,10 +23,10 @@ class QV_API DeepHeaderQuery {
     // `headers`: all header fields of the message, newest first.
     // `currentReceived`: the Received header that the host is about to add for the connection it
     // judges; a null Header when there is none.
-    // `currentIsForged`: what the host thinks of that header's names: 0 honest, 1 forged, -1 let
-    // the engine ask DNS. `from`, `headerFrom`, `recipient`: envelope sender, author, recipient.
-    // When all three are null they are taken from the headers. `messageProperties`: not an empty
-    // handle.
+    // `currentIsForged`: what the host found out about that header's names: 0 honest, 1 forged, -1
+    // let the engine ask DNS. `from`, `headerFrom`, `recipient`: envelope sender, author,
+    // recipient. When all three are null they are taken from the headers. `messageProperties`: not
+    // an empty handle.
     DeepHeaderQuery(HeaderContainer const& headers, Header const& currentReceived,
                     DeepHeaderSettings const& settings, int currentIsForged,
                     EmailAddress const& from, EmailAddress const& headerFrom,

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // DeepHeaderScanner: the entry to the library. A host calls init once at start and again whenever
-// the rules may have grown, then postQuery for each message.
+// a newer version of the rules may be installed, then postQuery for each message.
 //
 // The objects hold nothing: any number of them use the one process-wide engine. All operations may
 // be called from many threads at once. A scan keeps the engine it began with, also when init
 // installs another one meanwhile. No Exception escapes: failures go to the Logger, and the caller
-// gets an answer that is no verdict. Whatever the Logger itself throws is dropped.
+// gets an answer without a verdict. Whatever the Logger itself throws is dropped.
 #pragma once
 
 #include "DeepHeaderAnswer.h"

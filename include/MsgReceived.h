@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // MsgReceived: one Received header field (RFC 5321 section 4.4) seen as a structured record: who
-// sent, who received, when, and what is to be thought of it.
+// sent, who received, when, and how trustworthy that is.
 //
 // A handle over a counted record: copy construction shares the record, assignment from a header
 // makes a new one. Parsing is lazy: the first accessor call parses, lower-cases the value text and

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ScanRecord: what one scan did and found, for whoever shows, counts or tests it. The engine fills
-// it while it judges (DeepHeaderEngine.h); a program reads it and need not work out anything a
+// ScanRecord: what one scan did and found, for programs that show, count or test it. The engine
+// fills it while it judges (DeepHeaderEngine.h), so that a program need not compute anything a
 // second time.
 //
 // Plain data: copy, move and keep it as long as you like; nothing in it points into the engine or
@@ -43,7 +43,7 @@ enum class HopRole : std::uint8_t {
     trustedPartner,  // a trusted relay that filters already: the walk ends before it
     ipv6End,         // an IPv6 relay: the walk ends before it
     scoredEnd,       // a relay of good reputation: the walk ends before it
-    listed,          // taken, but the scan failed before it was looked into
+    listed,          // taken, but the scan failed before it was analysed
     privateAddress,  // taken: a private address
     noAddress,       // taken: no address
     firstPublic,     // taken and judged: the first public hop
@@ -56,7 +56,7 @@ struct RecordedHop {
     HopRole role = HopRole::unreadable;
     // The hop that the host is about to add.
     bool isCurrent = false;
-    // A relay on the site's side wrote it down. A sender could have invented any other.
+    // A relay on the site's side recorded it. A sender could have invented any other.
     bool isVouched = false;
     // Of Role scoredEnd.
     std::uint32_t score = 0;
@@ -75,7 +75,7 @@ struct RecordedHop {
     bool isTaken() const { return role >= HopRole::listed && role <= HopRole::publicNotJudged; }
 };
 
-// The names of one judged hop, classified and compared. 3 says that a field was never analysed.
+// The names of one judged hop, classified and compared. 3 means that a field was never analysed.
 struct HopAnalysis {
     std::string helo;        // announced name, lower-cased, without its brackets
     std::string ip;          // address text; empty when the hop has none
@@ -154,7 +154,7 @@ struct EliteResult {
     std::string reasons;     // one character for each adjusting rule that fired
 };
 
-// A node of the tree that the walk stood on.
+// A node of the tree that the walk visited.
 struct RecordedNode {
     std::int32_t number = 0;
     AttributeTest test; // admitted the message; without meaning on the root
@@ -186,7 +186,7 @@ struct RecordedWalk {
     TreeUse use = TreeUse::notReached;
     std::vector<RecordedNode> path; // the root first
     WalkEnd end = WalkEnd::notWalked;
-    std::int32_t result = -1; // the node that the walk came to; -1: none
+    std::int32_t result = -1; // the node that the walk reached; -1: none
 };
 
 // --- the verdict --------------------------------------------------------------------------------
@@ -259,7 +259,7 @@ struct ScanRecord {
     // From depth `alternatives` on: at most one for spam and one for ham.
     std::vector<Alternative> alternatives;
 
-    // The scan came to the rules: the attributes are complete.
+    // The scan reached the rules: the attributes are complete.
     bool isJudged() const { return verdict.decision != Decision::notReached; }
 };
 

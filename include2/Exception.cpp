@@ -1,26 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "include2/Exception.h"
 
+#include <array>
+#include <cstdio>
+
 namespace Quorvane {
 
 namespace {
 
-bool s_isControl(unsigned char byte) {
-    return byte < 0x20 || byte == 0x7f;
-}
-
-void s_appendEscaped(std::string& line, unsigned char byte) {
-    static constexpr char digits[] = "0123456789abcdef";
-    line += "\\x";
-    line += digits[byte >> 4U];
-    line += digits[byte & 0x0fU];
-}
-
 void s_appendOnOneLine(std::string& line, std::string const& text) {
     for (char const c : text) {
         auto const byte = static_cast<unsigned char>(c);
-        if (s_isControl(byte)) {
-            s_appendEscaped(line, byte);
+        if (byte < 0x20 || byte == 0x7f) {
+            std::array<char, sizeof "\\xNN"> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned>(byte));
+            line += escape.data();
         } else {
             line += c;
         }

@@ -5,11 +5,11 @@
 // It carries a text (the "string parameter"), a coarse category (the "int parameter"), the name of
 // the source unit that threw and a line in it, and optionally the exception that caused it.
 // Categories: 1 a missing implementation or handle, 2 a header of the wrong type, 3 bad
-// configuration handed to the platform library, 4 a reference-counting or engine failure.
+// configuration of the platform library, 4 a reference-counting or engine failure.
 //
-// It is deliberately unrelated to std::exception: the engine tells its own failures from everything
-// else by type. Copies share the recorded cause, which never changes once recorded. Distinct
-// objects may be used on distinct threads; one object is not synchronised.
+// It is deliberately unrelated to std::exception: the engine tells its own failures from all
+// others by their type. Copies share the recorded cause, which never changes once recorded.
+// Distinct objects may be used on distinct threads; one object is not synchronised.
 #pragma once
 
 #include "include2/Export.h"

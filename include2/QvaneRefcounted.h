@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The reference-counting scheme behind every shared object: three levels, of which only the lowest
+// The reference counting of every shared object: three levels, of which only the lowest
 // is shared.
 //
 //   RefImpl        base of every shareable implementation object; carries the count
@@ -28,7 +28,7 @@ inline constexpr char refCountedFile[] = "include2/QvaneRefcounted";
 inline constexpr unsigned int refArrowLine = 359;
 inline constexpr unsigned int refArrowConstLine = 368;
 
-// Starts with a count of 1: the creator's reference, which the creator hands to the first wrapper.
+// Starts with a count of 1: the creator's reference, which the creator passes to the first wrapper.
 class QV_API RefImpl {
   public:
     RefImpl() = default;
@@ -52,7 +52,7 @@ class RefCounted {
     // Holds a new default-constructed T and takes over its initial reference.
     RefCounted() : m_impl(new T) {}
 
-    // Without `addReference` the caller hands over the reference it holds, and `impl` may be null.
+    // Without `addReference` the caller passes on the reference it holds, and `impl` may be null.
     // With it the count grows by one; a null `impl` then throws an Exception of category 4.
     RefCounted(T* impl, bool addReference) : m_impl(impl) {
         if (!addReference) {

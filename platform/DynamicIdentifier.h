@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Tells host names of dynamically addressed machines (dial-up, cable, DSL pools) from names of
-// machines that somebody named. A list of regular expressions (RE2 syntax) decides: a name is
+// Tells whether a host name belongs to a dynamically addressed machine (dial-up, cable, DSL pools)
+// or to one that somebody named. A list of regular expressions (RE2 syntax) decides: a name is
 // dynamic when a pattern matches anywhere in it and no counter-pattern does.
 //
 // A DynamicIdentifier never changes: share it read-only between threads. The process-wide one can
@@ -20,8 +20,8 @@ class QV_API DynamicIdentifier {
   public:
     // One regular expression a line, matched anywhere in the lower-cased name, byte by byte. "#"
     // starts a comment; blanks around an expression and empty lines are skipped; a leading "!"
-    // makes a counter-pattern. `sourceName` stands in errors: an Exception of category 3 with file,
-    // line and what is wrong.
+    // makes a counter-pattern. `sourceName` is shown in errors: an Exception of category 3 with
+    // file, line and what is wrong.
     static boost::shared_ptr<DynamicIdentifier> compile(std::string const& patterns,
                                                         std::string const& sourceName);
     // The same from a file.

@@ -20,8 +20,8 @@ struct Unref {
 
 using List = std::unique_ptr<InternetAddressList, Unref>;
 
-// GMime starts a library for encrypted mail, which lets the process ignore SIGPIPE from then on.
-// How a process ends when nobody reads its output is the host's to say.
+// GMime starts a library for encrypted mail, which makes the process ignore SIGPIPE from then on.
+// What SIGPIPE does is for the host to decide.
 void s_startGMime() {
     struct sigaction before {};
     sigaction(SIGPIPE, nullptr, &before);

@@ -17,7 +17,7 @@
 namespace Quorvane::File {
 
 // Sets the root folder. Call it at start, before other threads use the file layer. Throws an
-// Exception of category 3 when `folder` is no existing directory.
+// Exception of category 3 when `folder` is not an existing directory.
 QV_API void setRoot(std::string const& folder);
 // The root folder without a trailing slash: "" stands for "/".
 QV_API std::string const& root();

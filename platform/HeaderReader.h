@@ -2,13 +2,13 @@
 //
 // Splits a raw header section (RFC 5322 section 2.2) into header fields.
 //
-// A value keeps its folding byte for byte, line breaks included: what parses Received headers looks
-// for them. Dropped are blanks and tabs between name and colon, blanks and tabs after the colon,
-// and all blanks, tabs, CR and LF at the end of the value: they mean nothing in mail, but a
+// A value keeps its folding byte for byte, line breaks included: the parser of Received headers
+// looks for them. Dropped are blanks and tabs between name and colon, blanks and tabs after the
+// colon, and all blanks, tabs, CR and LF at the end of the value: they mean nothing in mail, but a
 // Received value that ends in "by " cannot be parsed, and a sender could keep a message from being
 // judged. A value that begins on the next line begins with that line break. A line without a colon
-// that continues nothing is skipped, and so is a leading mbox "From " line, both with the lines
-// that go on with them. NUL is an ordinary byte, and so is a CR that no LF follows.
+// that continues nothing is skipped, and so is a leading mbox "From " line, both with their
+// continuation lines. NUL is an ordinary byte, and so is a CR that no LF follows.
 #pragma once
 
 #include "include2/Export.h"

@@ -36,7 +36,7 @@ class QV_API Host {
     // True when the name has no address, or none could be asked for.
     bool isNull() const { return m_addresses.empty(); }
     std::list<IPAddress> const& addressList() const { return m_addresses; }
-    // How the look-ups ended; of two without an address the one that tells less counts.
+    // How the look-ups ended; of two without an address the less certain one counts.
     LookupResult result() const { return m_result; }
 
   private:

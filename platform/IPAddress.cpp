@@ -52,37 +52,20 @@ bool s_isTagged(std::string const& text) {
            stringCompareNoCase(text.substr(0, s_tagLength), s_tag, 0) == 0;
 }
 
-std::optional<Bytes> s_parseV6(char const* text) {
-    Bytes bytes{};
-    if (inet_pton(AF_INET6, text, bytes.data()) != 1) {
-        return std::nullopt;
-    }
-    return bytes;
-}
-
-std::optional<Bytes> s_parseV4(char const* text) {
-    Bytes bytes{};
-    bytes[s_mappedBytes - 2] = 0xff;
-    bytes[s_mappedBytes - 1] = 0xff;
-    if (inet_pton(AF_INET, text, bytes.data() + s_mappedBytes) != 1) {
-        return std::nullopt;
-    }
-    return bytes;
-}
-
-// inet_pton sees C strings: a NUL byte would hide what follows it. The bound on the length keeps a
-// hostile text from being walked.
+// inet_pton sees C strings: a NUL byte would hide what follows it. The bound on the length limits
+// the work that a hostile text can cause.
 std::optional<Bytes> s_parse(std::string const& text) {
     bool const tagged = s_isTagged(text);
     auto const start = tagged ? s_tagLength : 0;
     if (text.size() - start > s_longestText || text.find('\0') != std::string::npos) {
         return std::nullopt;
     }
-    if (tagged) {
-        return s_parseV6(text.c_str() + start);
+    Bytes bytes = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
+    if ((!tagged && inet_pton(AF_INET, text.c_str(), bytes.data() + s_mappedBytes) == 1) ||
+        inet_pton(AF_INET6, text.c_str() + start, bytes.data()) == 1) {
+        return bytes;
     }
-    auto const bytes = s_parseV4(text.c_str());
-    return bytes ? bytes : s_parseV6(text.c_str());
+    return std::nullopt;
 }
 
 std::string s_fullGroups(Bytes const& bytes) {

@@ -4,16 +4,13 @@
 #include "include2/Exception.h"
 #include "platform/internal/AddressBits.h"
 
-#include <algorithm>
+#include <charconv>
 #include <cstddef>
-#include <optional>
 #include <string>
 
 namespace Quorvane {
 
 namespace {
-
-using Bytes = IPAddress::Bytes;
 
 // No prefix is longer; what is shown of a longer text.
 constexpr std::size_t s_shownLength = 80;
@@ -23,36 +20,20 @@ constexpr std::size_t s_shownLength = 80;
     throw Exception("address prefix \"" + shown + "\": " + what, 3, nullptr, 0);
 }
 
-// Decimal digits without leading zeros, which some readers take for octal.
-std::optional<int> s_parseLength(std::string const& digits, int most) {
-    bool const wellFormed = !digits.empty() && digits.size() <= 3 &&
-                            digits.find_first_not_of("0123456789") == std::string::npos &&
-                            (digits.size() == 1 || digits.front() != '0');
-    if (!wellFormed || std::stoi(digits) > most) {
-        return std::nullopt;
-    }
-    return std::stoi(digits);
-}
-
-// `bytes` with every bit after `length` set to `bit`.
-Bytes s_filled(Bytes bytes, int length, bool bit) {
-    for (int i = length; i < internal::addressBits; ++i) {
-        auto& byte = bytes.at(static_cast<std::size_t>(i) / 8);
-        auto const mask = static_cast<std::uint8_t>(0x80U >> (static_cast<unsigned>(i) % 8));
-        byte = static_cast<std::uint8_t>(bit ? byte | mask : byte & ~mask);
-    }
-    return bytes;
-}
-
 int s_lengthOf(std::string const& text, std::size_t slash, int most) {
     if (slash == std::string::npos) {
         return most;
     }
-    auto const length = s_parseLength(text.substr(slash + 1), most);
-    if (!length) {
+    char const* const begin = text.data() + slash + 1;
+    char const* const end = text.data() + text.size();
+    int length = -1;
+    bool const isNumber = std::from_chars(begin, end, length).ptr == end;
+    // Some readers take a number with a leading zero for octal.
+    bool const isOctal = end - begin > 1 && *begin == '0';
+    if (!isNumber || isOctal || length < 0 || *begin == '-' || length > most) {
         s_fail(text, "the length after \"/\" must be a number from 0 to " + std::to_string(most));
     }
-    return *length;
+    return length;
 }
 
 } // namespace
@@ -68,8 +49,10 @@ IPPrefix IPPrefix::parse(std::string const& text) {
     IPPrefix prefix;
     prefix.m_length = dotted ? internal::mappedBits + s_lengthOf(text, slash, 32)
                              : s_lengthOf(text, slash, internal::addressBits);
-    prefix.m_first = s_filled(address.bytes(), prefix.m_length, false);
-    prefix.m_last = s_filled(address.bytes(), prefix.m_length, true);
+    auto const number = internal::toNumber(address.bytes());
+    auto const rest = internal::bitsAfter(prefix.m_length);
+    prefix.m_first = internal::toBytes(number & ~rest);
+    prefix.m_last = internal::toBytes(number | rest);
     if (prefix.m_first != address.bytes()) {
         s_fail(text, "bits are set after the length; the range is " + prefix.asString());
     }

@@ -32,14 +32,10 @@ std::string s_words(int id) {
     return message != nullptr ? message->m_words : "message " + std::to_string(id);
 }
 
-bool s_isPrintable(unsigned char byte) {
-    return byte >= 0x20 && byte < 0x7f;
-}
-
 std::string s_printable(char c) {
     static constexpr char digits[] = "0123456789abcdef";
     auto const byte = static_cast<unsigned char>(c);
-    if (s_isPrintable(byte)) {
+    if (byte >= 0x20 && byte < 0x7f) {
         return {c};
     }
     return {'\\', 'x', digits[byte >> 4U], digits[byte & 0x0fU]};

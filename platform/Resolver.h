@@ -3,8 +3,8 @@
 // Resolver: blocking, cached DNS look-ups with a deadline, for many threads at once.
 //
 // Configuration is checked when it is made, never during a scan: a look-up that fails, is refused
-// or comes late gives an empty answer and is counted. Settings are published as a whole; look-ups
-// under way finish with the ones they began with. libunbound does not survive fork(): configure
+// or comes late gives an empty answer and is counted. Settings are published as a whole; pending
+// look-ups finish with the ones they began with. libunbound does not survive fork(): configure
 // after becoming a daemon.
 #pragma once
 
@@ -80,11 +80,11 @@ struct ResolverSettings {
     std::chrono::milliseconds m_deadline{2000};
 };
 
-// Is told of each look-up that was waited for: how it ended, and how long it took from its start.
-// Called on many threads at once; throws nothing.
+// Called for each look-up that was waited for: how it ended, and how long it took from its start.
+// Runs on many threads at once; throws nothing.
 using LookupObserver = void (*)(LookupResult result, std::chrono::nanoseconds time);
 
-// A look-up under way. Waiting for it gives the answer; dropping it cancels it.
+// A pending look-up. Waiting for it gives the answer; dropping it cancels it.
 class QV_API PendingLookup {
   public:
     // No look-up: wait gives an empty answer at once.
@@ -128,11 +128,11 @@ class QV_API Resolver {
     // look-ups count as failed until a call.
     void configure(ResolverSettings const& settings);
 
-    // Blocking look-up. One trailing dot is ignored. An address literal given as a name, an empty
-    // name and a name that is no domain name do not resolve, and nothing is asked for them: names
-    // hold no blanks or control bytes, at least 1 and at most 63 bytes between dots and at most 253
-    // in all. Bytes are asked as they stand: names in other scripts should come in their ASCII form
-    // ("xn--").
+    // Blocking look-up. One trailing dot is ignored. An address literal, an empty name and a name
+    // that is not a domain name do not resolve, and nothing is asked for them: names hold no blanks
+    // or control bytes, at least 1 and at most 63 bytes between dots and at most 253 in all. Bytes
+    // are asked as they are: names in other scripts should be in their ASCII
+    // form ("xn--").
     ResolverMessage submit(RecordType type, std::string const& name, RecordClass recordClass);
     // The same without waiting, so that look-ups can run side by side.
     PendingLookup start(RecordType type, std::string const& name, RecordClass recordClass);
@@ -142,8 +142,8 @@ class QV_API Resolver {
     HostName getHostname(IPAddress const& address);
 
     // Look-ups since start that failed (SERVFAIL, refused, no server) and that came late. With
-    // them a host tells "does not resolve" from "could not ask". Each look-up that was waited for
-    // counts at most once; a Host is two look-ups.
+    // them a host can tell "does not resolve" from "could not ask". Each look-up that was waited
+    // for counts at most once; a Host is two look-ups.
     struct Counters {
         std::uint64_t m_failed = 0;
         std::uint64_t m_late = 0;

@@ -6,7 +6,7 @@
 // Each thread keeps a form of its own of the value, `Local`, and reads it without a lock and
 // without a write that another core sees: it compares a generation number and copies its Local. A
 // counted pointer handed out to all threads would make every core wait for the one line that holds
-// the count. A thread lets a superseded value go when it next reads, or when it ends.
+// the count. A thread releases a superseded value when it next reads, or when it ends.
 //
 //     Snapshot<Settings>& s_slot() {
 //         static auto* const slot = new Snapshot<Settings>(std::make_shared<Settings const>());
@@ -81,7 +81,7 @@ class Snapshot {
     };
     using Cache = std::unique_ptr<Entry const>;
 
-    // Unique among all slots of this type, so that a number tells slot and value at once.
+    // Unique among all slots of this type, so that a number identifies both slot and value.
     static std::uint64_t s_nextGeneration() {
         static std::atomic<std::uint64_t> last{0};
         return last.fetch_add(1, std::memory_order_relaxed) + 1;

@@ -27,7 +27,7 @@ class QV_API TypeAndValueImpl : public virtual RefImpl {
     void value(std::string const& value) { m_value = value; }
 
   protected:
-    // A lazily parsed header reads and rewrites its own text behind const accessors.
+    // A lazily parsed header reads and rewrites its own text in const accessors.
     std::string& mutableValue() const { return m_value; }
 
   private:

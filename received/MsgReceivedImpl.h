@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// MsgReceivedImpl: the counted record behind MsgReceived. Its const accessors parse on demand and
+// MsgReceivedImpl: the counted record of MsgReceived. Its const accessors parse on demand and
 // so write: one record, one thread at a time.
 #pragma once
 
+#include "MsgReceived.h"
 #include "platform/Header.h"
 #include "platform/IPAddress.h"
-#include "received/ReceivedFields.h"
+#include "received/ReceivedScanner.h"
 
 #include <string>
 #include <typeinfo>
@@ -24,7 +25,7 @@ class MsgReceivedImpl final : public HeaderImpl {
     }
 
     explicit MsgReceivedImpl(std::string const& value);
-    // A record of fields that were found otherwise, without text. It parses only when `fields` say
+    // A record of fields from another source, without text. It parses only when `fields` say
     // that they are not parsed.
     explicit MsgReceivedImpl(ReceivedFields fields);
     // Inline, so that every module that includes this has the type's identity.
@@ -38,8 +39,8 @@ class MsgReceivedImpl final : public HeaderImpl {
     bool authenticated() const { return parsed().m_authenticated; }
     std::string const& receiveTime() const { return parsed().m_receiveTime; }
 
-    // Uses the fields as they are, parsed or not: whoever asks first, before any other accessor,
-    // gets 0, and 0 is kept.
+    // Uses the fields as they are, parsed or not: a call before any other accessor gives 0, and
+    // 0 is kept.
     int isForged() const;
     void isForged(int forged) { m_fields.m_forged = forged; }
 
@@ -51,6 +52,18 @@ class MsgReceivedImpl final : public HeaderImpl {
     ReceivedFields const& parsed() const;
 
     mutable ReceivedFields m_fields;
+};
+
+// Looks at a Received record and leaves it as it is. The accessors of MsgReceived may parse;
+// whoever displays a finished scan must not.
+class ReceivedAccess {
+  public:
+    // The fields as they stand, valid as long as a handle to the record lives. Null on a handle
+    // without a record of its kind.
+    static ReceivedFields const* fields(MsgReceived const& hop) {
+        auto const* const record = MsgReceivedImpl::of(hop.impl());
+        return record == nullptr ? nullptr : &record->fields();
+    }
 };
 
 } // namespace Quorvane

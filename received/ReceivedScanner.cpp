@@ -244,8 +244,8 @@ ReceivedScanner::State ReceivedScanner::scanHeloName() {
     return State::done;
 }
 
-// Host names hold no blanks. One that does says that this is no shape we know: the field is left
-// empty, the parse given up, and the record is parsed again at the next accessor call.
+// Host names hold no blanks. A blank means that the header has an unknown shape: the field is
+// left empty, the parse is abandoned, and the next accessor call parses the record again.
 bool ReceivedScanner::takeName(std::string& field, Position start, Position length) {
     field = m_text.substr(start, length);
     s_trim(field);

@@ -5,6 +5,8 @@
 #include "apps/page/TextWidth.h"
 #include "rules/evaluate/FigureText.h"
 
+#include <array>
+
 namespace Quorvane::Charts {
 
 namespace {
@@ -17,24 +19,24 @@ std::string s_number(std::string_view name, double value) {
     return s_attribute(name, coordinate(value));
 }
 
+std::string s_points(std::vector<Point> const& points) {
+    std::string list;
+    for (auto const& point : points) {
+        list += (list.empty() ? "" : " ") + coordinate(point.m_x) + ',' + coordinate(point.m_y);
+    }
+    return s_attribute("points", list);
+}
+
+std::string s_title(std::string_view tooltip) {
+    return tooltip.empty() ? "" : "<title>" + Page::text(tooltip) + "</title>";
+}
+
 // As charts.css has it.
 double s_size(std::string_view classes) {
     if (classes == "tick") {
         return 11.0;
     }
     return classes == "count" ? 10.0 : Page::drawnTextSize;
-}
-
-std::string_view s_word(Anchor anchor) {
-    switch (anchor) {
-    case Anchor::start:
-        return "start";
-    case Anchor::middle:
-        return "middle";
-    case Anchor::end:
-        break;
-    }
-    return "end";
 }
 
 } // namespace
@@ -48,51 +50,55 @@ std::string coordinate(double value) {
 }
 
 void Drawing::line(Point from, Point to, std::string_view classes) {
-    m_content += "<line" + s_attribute("class", classes) + s_number("x1", from.m_x) +
-                 s_number("y1", from.m_y) + s_number("x2", to.m_x) + s_number("y2", to.m_y) +
-                 "/>\n";
+    add("line", classes,
+        s_number("x1", from.m_x) + s_number("y1", from.m_y) + s_number("x2", to.m_x) +
+            s_number("y2", to.m_y));
 }
 
 void Drawing::curve(std::vector<Point> const& points, std::string_view classes) {
-    polygon("polyline", points, classes);
+    add("polyline", classes, s_points(points));
 }
 
 void Drawing::area(std::vector<Point> const& points, std::string_view classes) {
-    polygon("polygon", points, classes);
+    add("polygon", classes, s_points(points));
 }
 
 void Drawing::rectangle(Box const& box, std::string_view classes, std::string_view tooltip) {
-    m_content += "<rect" + s_attribute("class", classes) + s_number("x", box.m_left) +
-                 s_number("y", box.m_top) + s_number("width", box.m_width) +
-                 s_number("height", box.m_height);
-    close("rect", tooltip);
+    add("rect", classes,
+        s_number("x", box.m_left) + s_number("y", box.m_top) + s_number("width", box.m_width) +
+            s_number("height", box.m_height),
+        s_title(tooltip));
 }
 
 void Drawing::dot(Point centre, double radius, std::string_view classes, std::string_view tooltip) {
-    m_content += "<circle" + s_attribute("class", classes) + s_number("cx", centre.m_x) +
-                 s_number("cy", centre.m_y) + s_number("r", radius);
-    close("circle", tooltip);
+    add("circle", classes,
+        s_number("cx", centre.m_x) + s_number("cy", centre.m_y) + s_number("r", radius),
+        s_title(tooltip));
 }
 
 void Drawing::text(Point base, Anchor anchor, std::string_view content, std::string_view classes,
                    double room) {
-    label(s_number("x", base.m_x) + s_number("y", base.m_y) +
-              s_attribute("text-anchor", s_word(anchor)) +
-              Page::fittingAttributes(content, room, s_size(classes)),
-          content, classes);
+    constexpr std::array anchors{"start", "middle", "end"};
+    add("text", classes,
+        s_number("x", base.m_x) + s_number("y", base.m_y) +
+            s_attribute("text-anchor", anchors.at(static_cast<std::size_t>(anchor))) +
+            Page::fittingAttributes(content, room, s_size(classes)),
+        Page::text(content));
 }
 
 void Drawing::upwardText(Point base, std::string_view content, std::string_view classes,
                          double room) {
-    label(s_attribute("transform", "translate(" + coordinate(base.m_x) + ' ' +
-                                       coordinate(base.m_y) + ") rotate(-90)") +
-              Page::fittingAttributes(content, room, s_size(classes)),
-          content, classes);
+    add("text", classes,
+        s_attribute("transform", "translate(" + coordinate(base.m_x) + ' ' + coordinate(base.m_y) +
+                                     ") rotate(-90)") +
+            Page::fittingAttributes(content, room, s_size(classes)),
+        Page::text(content));
 }
 
-void Drawing::label(std::string const& place, std::string_view content, std::string_view classes) {
-    m_content +=
-        "<text" + s_attribute("class", classes) + place + '>' + Page::text(content) + "</text>\n";
+void Drawing::add(std::string const& tag, std::string_view classes, std::string const& attributes,
+                  std::string const& content) {
+    m_content += '<' + tag + s_attribute("class", classes) + attributes +
+                 (content.empty() ? "/>\n" : '>' + content + "</" + tag + ">\n");
 }
 
 std::string Drawing::svg(Caption const& caption) const {
@@ -112,22 +118,6 @@ std::string Drawing::decoration(std::string_view classes) const {
 
 std::string Drawing::viewBox() const {
     return s_attribute("viewBox", "0 0 " + coordinate(m_width) + ' ' + coordinate(m_height));
-}
-
-void Drawing::polygon(std::string_view tag, std::vector<Point> const& points,
-                      std::string_view classes) {
-    std::string list;
-    for (auto const& point : points) {
-        list += (list.empty() ? "" : " ") + coordinate(point.m_x) + ',' + coordinate(point.m_y);
-    }
-    m_content += '<' + std::string(tag) + s_attribute("class", classes) +
-                 s_attribute("points", list) + "/>\n";
-}
-
-void Drawing::close(std::string_view tag, std::string_view tooltip) {
-    m_content += tooltip.empty()
-                     ? "/>\n"
-                     : "><title>" + Page::text(tooltip) + "</title></" + std::string(tag) + ">\n";
 }
 
 } // namespace Quorvane::Charts

@@ -29,15 +29,15 @@ struct Box {
 
 enum class Anchor { start, middle, end };
 
-// What screen readers tell of a drawing, and the id that both texts are known by on the page:
-// letters, digits and hyphens, once on a page.
+// What screen readers say of a drawing. The id of the two texts is unique on the page: letters,
+// digits and hyphens.
 struct Caption {
     std::string m_id;
     std::string m_title;
     std::string m_description;
 };
 
-// Of text that nothing stands beside.
+// For text that stands alone.
 inline constexpr double anyRoom = std::numeric_limits<double>::infinity();
 
 class Drawing {
@@ -53,26 +53,25 @@ class Drawing {
     // It is kept within `room` pixels, whatever the reader's font is.
     void text(Point base, Anchor anchor, std::string_view content, std::string_view classes,
               double room = anyRoom);
-    // Read from below to above; `base` is the lower end.
+    // Runs upwards from `base`.
     void upwardText(Point base, std::string_view content, std::string_view classes,
                     double room = anyRoom);
 
-    // The whole element; as a decoration it tells screen readers nothing.
+    // The whole element; a decoration is hidden from screen readers.
     std::string svg(Caption const& caption) const;
     std::string decoration(std::string_view classes) const;
 
   private:
     std::string viewBox() const;
-    void polygon(std::string_view tag, std::vector<Point> const& points, std::string_view classes);
-    void label(std::string const& place, std::string_view content, std::string_view classes);
-    void close(std::string_view tag, std::string_view tooltip);
+    void add(std::string const& tag, std::string_view classes, std::string const& attributes,
+             std::string const& content = {});
 
     double m_width;
     double m_height;
     std::string m_content;
 };
 
-// A coordinate as text: a tenth of a pixel is enough, and no locale has a say.
+// A coordinate as text: with a tenth of a pixel at most, in any locale.
 std::string coordinate(double value);
 
 } // namespace Quorvane::Charts

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/RateChart.h"
-
-#include "apps/charts/Frame.h"
+#include "apps/charts/Charts.h"
 #include "apps/page/TextWidth.h"
 #include "rules/evaluate/FigureText.h"
 
@@ -34,13 +32,12 @@ void s_drawAxis(Drawing& drawing, Scale const& scale, double height) {
 
 void s_drawRate(Drawing& drawing, Scale const& scale, Rules::Rate const& rate, double y,
                 std::string const& colour) {
-    auto const interval = Rules::wilsonInterval(rate);
     auto const x = scale.at(rate.value());
     if (scale.kind() == Scale::Kind::linear) {
         drawing.rectangle({scale.from(), y - barHeight / 2.0, x - scale.from(), barHeight},
                           "soft-" + colour);
     }
-    horizontalWhisker(drawing, scale.at(interval.m_low), scale.at(interval.m_high), y);
+    drawInterval(drawing, scale, rate, y);
     drawing.dot({x, y}, 4.5, "mark-" + colour, Rules::rateText(rate));
 }
 

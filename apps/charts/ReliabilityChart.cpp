@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/ReliabilityChart.h"
-
-#include "apps/charts/Frame.h"
+#include "apps/charts/Charts.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
@@ -33,25 +31,20 @@ std::string s_short(std::uint64_t count) {
     return Rules::fixedText(value, unit.empty() || value >= ten ? 0 : 1) + unit;
 }
 
-double s_begin(std::size_t bin) {
-    return static_cast<double>(bin) / static_cast<double>(Rules::reliabilityBins);
-}
-
 void s_drawBin(Drawing& drawing, Frame const& frame, Rules::ReliabilityBin const& bin) {
     auto const rate = bin.spamRate();
-    auto const interval = Rules::wilsonInterval(rate);
     auto const at = frame.at(bin.meanConfidence(), rate.value());
-    verticalWhisker(drawing, at.m_x, frame.m_y.at(interval.m_low), frame.m_y.at(interval.m_high));
+    frame.drawInterval(drawing, at.m_x, rate);
     drawing.dot(at, 4.5, "mark-accent",
                 "mean confidence " + Rules::fixedText(bin.meanConfidence(), 3) + ", spam " +
                     Rules::rateText(rate));
 }
 
-// The messages of one tenth, spam upon ham, and their number above.
+// The messages of one tenth, spam above ham, and their number on top.
 void s_drawCount(Drawing& drawing, Frame const& frame, std::size_t index,
                  Rules::LabelCounts const& counts, std::uint64_t most) {
-    auto const left = frame.m_x.at(s_begin(index)) + 1.0;
-    auto const width = frame.m_x.at(s_begin(index + 1)) - left - 1.0;
+    auto const left = frame.m_x.at(Rules::binStart(index)) + 1.0;
+    auto const width = frame.m_x.at(Rules::binStart(index + 1)) - left - 1.0;
     auto const scaled = [&](std::uint64_t messages) {
         return (barsBottom - barsTop) * Rules::Rate{messages, most}.value();
     };
@@ -69,7 +62,7 @@ std::string reliabilityChart(Caption const& caption, Rules::CorpusFigures const&
     Frame const frame{{Scale::Kind::confidence, plotLeft, chartWidth - 2.0},
                       {Scale::Kind::linear, plotBottom, plotTop},
                       "confidence",
-                      "spam really there"};
+                      "actual share of spam"};
     Drawing drawing(chartWidth, height);
     frame.draw(drawing);
     drawing.line(frame.at(0.0, 0.0), frame.at(1.0, 1.0), "guide");
@@ -85,7 +78,7 @@ std::string reliabilityChart(Caption const& caption, Rules::CorpusFigures const&
         }
     }
     drawing.line({plotLeft, barsBottom}, {chartWidth - 2.0, barsBottom}, "axis");
-    drawing.text({0.0, barsBottom}, Anchor::start, "mails", "tick");
+    drawing.text({0.0, barsBottom}, Anchor::start, "mail", "tick");
     return drawing.svg(caption);
 }
 

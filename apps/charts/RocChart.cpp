@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/RocChart.h"
-
-#include "apps/charts/Frame.h"
+#include "apps/charts/Charts.h"
 #include "apps/page/TextWidth.h"
 #include "rules/evaluate/FigureText.h"
 
@@ -29,14 +27,14 @@ class RocDrawing {
                                   "spam caught"} {}
 
     std::string draw(Caption const& caption, RocMarks const& marks) {
-        bool const isStaircase = m_frame.m_x.kind() == Scale::Kind::logarithmic;
-        if (isStaircase) {
+        if (m_frame.m_x.kind() == Scale::Kind::logarithmic) {
             shadeUnseen();
-        }
-        m_frame.draw(m_drawing);
-        isStaircase ? drawStaircase() : drawLines();
-        if (isStaircase) {
+            m_frame.draw(m_drawing);
+            drawStaircase();
             drawMarks(marks.m_falsePositives);
+        } else {
+            m_frame.draw(m_drawing);
+            drawLines();
         }
         drawThresholds(marks);
         return m_drawing.svg(caption);
@@ -96,7 +94,7 @@ class RocDrawing {
             Rules::Rate const caught{called.m_spam, m_curve.total().m_spam};
             auto const at = m_frame.at(share, caught.value());
             m_drawing.line({at.m_x, plotBottom}, {at.m_x, plotTop}, "guide");
-            drawInterval(at.m_x, caught);
+            m_frame.drawInterval(m_drawing, at.m_x, caught);
             m_drawing.dot(at, 4.0, "mark-accent", Rules::rateText(caught));
             drawMarkLabel(at.m_x, caught,
                           tickText(share) + ": " + Rules::fixedText(100.0 * caught.value(), 1) +
@@ -115,22 +113,14 @@ class RocDrawing {
 
     void drawThresholds(RocMarks const& marks) {
         auto const at = m_frame.at(marks.m_hamCalledSpam.value(), marks.m_spamCalledSpam.value());
-        auto const interval = Rules::wilsonInterval(marks.m_hamCalledSpam);
-        drawInterval(at.m_x, marks.m_spamCalledSpam);
-        horizontalWhisker(m_drawing, m_frame.m_x.at(interval.m_low),
-                          m_frame.m_x.at(interval.m_high), at.m_y);
+        m_frame.drawInterval(m_drawing, at.m_x, marks.m_spamCalledSpam);
+        drawInterval(m_drawing, m_frame.m_x, marks.m_hamCalledSpam, at.m_y);
         m_drawing.dot(at, 5.5, "mark-ring", marks.m_name);
-        // Told above the plot: beside the ring marks, curve and their labels would be in the way.
+        // Named above the plot: beside the ring there are marks, the curve and their labels.
         auto const base = plotTop - 12.0;
         auto const length = Page::textWidth(marks.m_name);
         m_drawing.text({chartWidth - 2.0, base}, Anchor::end, marks.m_name, "name", length);
         m_drawing.dot({chartWidth - 12.0 - length, base - 4.0}, 5.5, "mark-ring");
-    }
-
-    void drawInterval(double x, Rules::Rate const& rate) {
-        auto const interval = Rules::wilsonInterval(rate);
-        verticalWhisker(m_drawing, x, m_frame.m_y.at(interval.m_low),
-                        m_frame.m_y.at(interval.m_high));
     }
 
     Rules::RocCurve const& m_curve;

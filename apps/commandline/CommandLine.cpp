@@ -27,10 +27,17 @@ std::string s_label(CommandRow const& command, OptionRow const& row) {
     return isArgument ? std::string(row.m_name) : row.dashed();
 }
 
-std::string s_didYouMean(std::string const& word, Texts const& known) {
-    auto const nearest = std::string(
-        Rules::nearestWord(word, std::vector<std::string_view>(known.begin(), known.end())));
-    return nearest.empty() ? "" : "; did you mean " + nearest + "?";
+// "unknown option --frce; did you mean --force?": `word` is what was written, `start` stands before
+// the names of the rows.
+template<typename Row>
+std::string s_unknown(std::string const& what, std::string const& word, std::string const& start,
+                      std::vector<Row> const& rows) {
+    Texts known;
+    for (auto const& row : rows) {
+        known.push_back(start + std::string(row.m_name));
+    }
+    auto const nearest = std::string(Rules::nearestWord(word, {known.begin(), known.end()}));
+    return "unknown " + what + (nearest.empty() ? "" : "; did you mean " + nearest + "?");
 }
 
 class Reader {
@@ -66,8 +73,8 @@ class Reader {
         auto const end = isLong ? std::min(word.find('='), word.size()) : 2;
         auto const* const row = find(word.substr(0, end));
         if (row == nullptr) {
-            throw UsageError("unknown option " + word.substr(0, end) +
-                             s_didYouMean(word.substr(0, end), knownOptions()));
+            auto const name = word.substr(0, end);
+            throw UsageError(s_unknown("option " + name, name, "--", m_command.m_options));
         }
         bool const hasValue = end < word.size();
         if (row->isFlag() && hasValue) {
@@ -94,7 +101,7 @@ class Reader {
         } while (row.is(Takes::several) && isValue(false));
     }
 
-    // Whether the next word is a value. One that is needed may look like an option, as -1 does.
+    // Whether the next word is a value. A required value may look like an option, such as -1.
     bool isValue(bool isNeeded) const {
         if (m_at == m_words.size()) {
             return false;
@@ -132,14 +139,6 @@ class Reader {
         return found == rows.end() ? nullptr : &*found;
     }
 
-    Texts knownOptions() const {
-        Texts known;
-        for (auto const& row : m_command.m_options) {
-            known.push_back(row.dashed());
-        }
-        return known;
-    }
-
     CommandRow const& m_command;
     Texts m_words;
     std::size_t m_at = 0;
@@ -164,9 +163,9 @@ void CommandLine::add(OptionRow const& row, std::string const& text) {
     auto const literals = literalsOf(row.m_valueName);
     auto const isWord = !literals.empty() && literals == alternativesOf(row.m_valueName);
     bool const isRead = row.isFlag() || row.isValueOptional() || row.is(Takes::anyText);
-    // An unset variable of a script: nowhere does it mean the folder that hosts read.
+    // Probably an unset variable of a script; it must not mean the folder that hosts read.
     if (!isRead && text.empty()) {
-        throw UsageError(s_label(*m_command, row) + ": an empty text says nothing");
+        throw UsageError(s_label(*m_command, row) + ": the value is empty");
     }
     if (!isRead && isWord && std::find(literals.begin(), literals.end(), text) == literals.end()) {
         throw UsageError(s_label(*m_command, row) + ": \"" + text + "\" is not one of " +
@@ -190,11 +189,7 @@ CommandLine parseCommandLine(ProgramTable const& program, std::vector<std::strin
     auto const found = std::find_if(commands.begin(), commands.end(),
                                     [&words](auto const& row) { return row.m_name == words[0]; });
     if (found == commands.end()) {
-        Texts known;
-        for (auto const& row : commands) {
-            known.emplace_back(row.m_name);
-        }
-        throw UsageError("unknown command \"" + words[0] + '"' + s_didYouMean(words[0], known));
+        throw UsageError(s_unknown("command \"" + words[0] + '"', words[0], "", commands));
     }
     return Reader(*found, {words.begin() + 1, words.end()}).read();
 }

@@ -5,8 +5,8 @@
 //
 //   --name VALUE, --name=VALUE, -n VALUE, -nVALUE; after "--" every word is an argument.
 //
-// "--name=" gives an empty value: a script that hands over an empty text must not lose its next
-// word to it.
+// "--name=" gives an empty value: when a script passes an empty text, the next word is not taken
+// for the value.
 #pragma once
 
 #include "apps/commandline/OptionTable.h"
@@ -31,7 +31,7 @@ class CommandLine {
     std::string text(std::string_view name, std::string const& otherwise = {}) const;
     Texts texts(std::string_view name) const;
 
-    // Takes one more value; a row that is not repeatable forgets the one before. Throws a
+    // Adds one more value; if the row is not repeatable, it replaces the one before. Throws a
     // UsageError for a value that the row does not take.
     void add(OptionRow const& row, std::string const& text);
 
@@ -40,8 +40,8 @@ class CommandLine {
     std::map<std::string, Texts, std::less<>> m_given; // a flag has an empty text
 };
 
-// `words` without the program's name. Throws a UsageError. Nothing need be complete when help or
-// version is asked for.
+// `words` without the program's name. Throws a UsageError. With --help or --version, required words
+// may be missing.
 CommandLine parseCommandLine(ProgramTable const& program, std::vector<std::string> const& words);
 
 } // namespace Quorvane

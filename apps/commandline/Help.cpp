@@ -43,7 +43,7 @@ std::string s_optionRow(OptionRow const& row) {
     return s_row(start + (row.is(Takes::several) ? " ..." : ""), row.m_help);
 }
 
-// In the order of the rows; those of one group stand together.
+// In the order of the rows; those of one group are adjacent.
 std::string s_options(std::vector<OptionRow> const& rows) {
     std::string text;
     std::string_view group = "none yet";

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The command line of a program as a table. The parser, the help, the manual page and the
-// completions of the shells draw on it, so that they cannot drift apart. Plain values; texts are
-// literals.
+// The command line of a program as a table. The parser, the help, the manual page and the shell
+// completions all use it, so that they always agree. Plain values; texts are literals.
 #pragma once
 
 #include <string>
@@ -11,19 +10,19 @@
 
 namespace Quorvane {
 
-// What an option or argument takes, added up.
+// What an option or argument takes: a sum of these.
 namespace Takes {
 inline constexpr unsigned required = 1;
 // Each time it is given counts; otherwise the last does.
 inline constexpr unsigned repeatable = 2;
 // All words up to the next option, as a shell's wildcards give them. Repeatable, too.
 inline constexpr unsigned several = 4 | repeatable;
-// Any text, the empty one too: whoever reads it checks it.
+// Any text, even an empty one: the reader checks it.
 inline constexpr unsigned anyText = 8;
 } // namespace Takes
 
 struct OptionRow {
-    std::string_view m_name; // without "--"; of an argument, which is known by its place, as shown
+    std::string_view m_name; // without "--"; of an argument, its name in the help
     // As ValueNames.h has it; empty for a flag; in brackets when it may be left out.
     std::string_view m_valueName;
     std::string_view m_help;
@@ -50,7 +49,7 @@ struct CommandRow {
     std::string_view m_summary;
     std::vector<OptionRow> m_arguments = {};
     std::vector<OptionRow> m_options = {};
-    // The end of the help: what else to know, and an example.
+    // The end of the help: notes and examples.
     std::string_view m_footer = {};
 };
 
@@ -60,8 +59,8 @@ struct ProgramTable {
     std::vector<CommandRow> m_commands = {}; // empty: the program does one thing
 };
 
-// Rows that every program has; help is taken after every command too.
-inline constexpr OptionRow helpRow{"help", "", "show this", 0, 'h'};
+// Rows of every program; help is also an option of every command.
+inline constexpr OptionRow helpRow{"help", "", "show this help", 0, 'h'};
 inline constexpr OptionRow versionRow{"version", "", "show the version"};
 
 } // namespace Quorvane

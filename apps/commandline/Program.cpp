@@ -30,7 +30,7 @@ int s_fail(ProgramTable const& program, std::string const& text, int status) {
     return status;
 }
 
-// The command line that says how it is done.
+// The command line that shows the options.
 std::string s_helpCommand(ProgramTable const& program, Words const& words) {
     auto const& commands = program.m_commands;
     bool const hasCommand =

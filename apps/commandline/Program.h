@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Program: what main() of every program does with its table.
+// Program: the main() of every program, given its table.
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
@@ -9,7 +9,7 @@
 namespace Quorvane {
 
 // Reads the command line, answers --help and --version, and otherwise calls `run`, whose result is
-// the exit status. What `run` throws becomes a message on standard error and an exit status.
+// the exit status. An exception of `run` becomes a message on standard error and an exit status.
 int runProgram(ProgramTable const& program, int argc, char const* const* argv,
                int (*run)(CommandLine const& line));
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Progress: one line on standard error while work is long: what is done, rate, share, time left. On
-// a terminal the line is drawn over itself; elsewhere each is a line of its own. It draws on a
-// thread of its own; safe to call from many threads.
+// Progress: a status line on standard error during long work: what is done, rate, share, time left.
+// On a terminal the line is updated in place; elsewhere each update is a new line. Draws on its own
+// thread; safe to call from many threads.
 #pragma once
 
 #include <atomic>
@@ -26,27 +26,26 @@ struct WorkState {
     std::optional<std::uint64_t> m_bytesTotal;
 };
 
-// "12,345 messages  4,115/s  41 %  4 s left"; without share and time when the total is not known.
+// "12,345 messages  4,115/s  41 %  4 s left"; without share and time if the total is unknown.
 std::string progressLine(WorkState const& state);
 
 class Progress {
   public:
     using Total = std::function<std::optional<std::uint64_t>()>;
 
-    // Draws nothing for the first two seconds. `total` are the bytes that there are to read, as far
-    // as that is known.
+    // Draws nothing for the first two seconds. `total`: the number of bytes to read, if known.
     explicit Progress(
         std::string program, Total total = [] { return std::nullopt; });
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
     ~Progress();
 
-    // So many messages, or whatever began, are done.
+    // The number of messages, or of other units, that are done.
     void update(std::uint64_t done) { m_done = static_cast<std::int64_t>(done); }
-    // Other work begins: what is counted now, or what is done where nothing is.
+    // Other work begins: its unit, or its name if nothing is counted.
     void begin(std::string const& what);
     void readTo(std::uint64_t bytes) { m_bytes = bytes; }
-    // Takes the line away, so that something else can be written.
+    // Removes the line, so that something else can be written.
     void clear();
 
   private:

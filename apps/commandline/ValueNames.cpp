@@ -2,15 +2,14 @@
 #include "apps/commandline/ValueNames.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/split.hpp>
 
 namespace Quorvane {
 
 std::vector<std::string> alternativesOf(std::string_view valueName) {
     std::vector<std::string> alternatives;
-    while (!valueName.empty()) {
-        auto const bar = std::min(valueName.find('|'), valueName.size());
-        alternatives.emplace_back(valueName.substr(0, bar));
-        valueName.remove_prefix(std::min(bar + 1, valueName.size()));
+    if (!valueName.empty()) {
+        boost::algorithm::split(alternatives, valueName, [](char c) { return c == '|'; });
     }
     return alternatives;
 }

@@ -2,13 +2,14 @@
 #include "apps/commandline/ValueNames.h"
 #include "apps/docgen/Completion.h"
 
-#include <algorithm>
+#include <boost/algorithm/string/join.hpp>
+#include <boost/algorithm/string/replace.hpp>
 
 namespace Quorvane::Docs {
 
 namespace {
 
-// Where the cursor stands: `current` is the word to complete, `key` the option whose value it may
+// The place of the cursor: `current` is the word to complete, `key` the option whose value it may
 // be, `command` the command so far. Bash splits "--format=json" into three words.
 constexpr std::string_view head = R"(# shellcheck shell=bash
 # Completion of @ for bash. Generated from the program's option table.
@@ -32,23 +33,12 @@ _@() {
 )";
 
 std::string s_named(std::string_view text, std::string_view name) {
-    std::string out;
-    for (char const c : text) {
-        out += c == '@' ? name : std::string_view(&c, 1);
-    }
-    return out;
-}
-
-std::string s_joined(std::vector<std::string> const& words) {
-    std::string text;
-    for (auto const& word : words) {
-        text += (text.empty() ? "" : " ") + word;
-    }
-    return text;
+    return boost::algorithm::replace_all_copy(std::string(text), "@", name);
 }
 
 std::string s_offer(std::vector<std::string> const& words) {
-    return "mapfile -t COMPREPLY < <(compgen -W '" + s_joined(words) + "' -- \"$current\")";
+    return "mapfile -t COMPREPLY < <(compgen -W '" + boost::algorithm::join(words, " ") +
+           "' -- \"$current\")";
 }
 
 // Readline completes paths itself: it knows how to quote them.
@@ -71,7 +61,7 @@ std::string s_case(std::string const& pattern, std::string const& action) {
     return "    " + pattern + ")\n        " + action + "\n        return\n        ;;\n";
 }
 
-// Commands stand in front of the keys only where there are any.
+// The command is part of the key only if the program has commands.
 std::string s_prefix(ProgramTable const& program, CommandRow const& command) {
     return program.m_commands.empty() ? "*" : std::string(command.m_name);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Completion: the scripts that bash and zsh complete a program's command line with. They stand
-// alone and need no package beside the shell. Pure functions.
+// Completion: scripts for bash and zsh that complete a program's command line. They need nothing
+// but the shell. Pure functions.
 #pragma once
 
 #include "apps/commandline/OptionTable.h"

@@ -17,7 +17,7 @@ class Page {
         : m_program(std::move(program)), m_settings(settings), m_version(version) {
         listSections(m_program.m_own);
         for (auto& command : m_program.m_commands) {
-            // The page names it once, for the program.
+            // The page lists it once, for the program.
             std::erase_if(command.m_options,
                           [](OptionRow const& row) { return row.m_name == helpRow.m_name; });
             listSections(command);

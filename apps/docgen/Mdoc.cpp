@@ -3,6 +3,8 @@
 
 #include "apps/commandline/ValueNames.h"
 
+#include <boost/algorithm/string/replace.hpp>
+
 namespace Quorvane::Docs {
 
 namespace {
@@ -25,39 +27,17 @@ std::string s_long(OptionRow const& option) {
     return "Fl " + mdocText(option.dashed().substr(1));
 }
 
-std::string s_kind(SettingKind kind) {
-    switch (kind) {
-    case SettingKind::text:
-        return "text";
-    case SettingKind::path:
-        return "path";
-    case SettingKind::number:
-        return "number";
-    case SettingKind::integer:
-        return "whole number";
-    case SettingKind::list:
-        break;
-    }
-    return "list of texts";
-}
+// In the order of SettingKind.
+constexpr char const* kinds[] = {"text", "path", "number", "whole number", "list of texts"};
 
 } // namespace
 
 std::string mdocText(std::string_view text) {
-    std::string out;
-    if (text.starts_with('.') || text.starts_with('\'')) {
-        out = "\\&";
-    }
-    for (char const c : text) {
-        if (c == '\\') {
-            out += "\\e";
-        } else if (c == '-') {
-            out += "\\-";
-        } else {
-            out += c;
-        }
-    }
-    return out;
+    bool const isMacro = text.starts_with('.') || text.starts_with('\'');
+    std::string out(text);
+    boost::algorithm::replace_all(out, "\\", "\\e");
+    boost::algorithm::replace_all(out, "-", "\\-");
+    return isMacro ? "\\&" + out : out;
 }
 
 std::string mdocSentence(std::string_view phrase) {
@@ -86,7 +66,7 @@ std::string mdocSynopsis(ProgramTable const& program, CommandRow const& command)
     bool hasSettings = false;
     for (auto const& option : command.m_options) {
         if (!option.m_group.empty()) {
-            hasSettings = true; // the page tells of them in one place for all commands
+            hasSettings = true; // the page lists them once, for all commands
             continue;
         }
         auto const name = option.m_letter == '\0' ? s_long(option) : s_letter(option);
@@ -104,8 +84,8 @@ std::string mdocSynopsis(ProgramTable const& program, CommandRow const& command)
 std::string mdocSettings(std::span<SettingFacts const> settings) {
     std::string text = ".Bl -tag -width Ds\n";
     for (auto const& key : settings) {
-        text += ".It Cm " + mdocText(key.m_name) + " = Ar " + s_kind(key.m_kind) + "\n" +
-                mdocSentence(key.m_help);
+        text += ".It Cm " + mdocText(key.m_name) + " = Ar " +
+                kinds[static_cast<std::size_t>(key.m_kind)] + "\n" + mdocSentence(key.m_help);
         if (alternativesOf(key.m_valueName).size() > 1) {
             text += "One of\n." + s_value(key.m_valueName).substr(1) + " .\n";
         }

@@ -12,7 +12,7 @@
 
 namespace Quorvane::Docs {
 
-// Text that no macro or escape of roff can be read into.
+// Text with the macros and escapes of roff disabled.
 std::string mdocText(std::string_view text);
 // A line with a phrase of a table as a sentence: tables hold phrases, manual pages sentences.
 std::string mdocSentence(std::string_view phrase);

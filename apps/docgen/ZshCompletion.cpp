@@ -2,6 +2,8 @@
 #include "apps/commandline/ValueNames.h"
 #include "apps/docgen/Completion.h"
 
+#include <boost/algorithm/string/join.hpp>
+
 namespace Quorvane::Docs {
 
 namespace {
@@ -23,13 +25,9 @@ std::string s_escaped(std::string_view text) {
 }
 
 std::string s_action(std::string_view valueName) {
-    std::string words;
     switch (kindOf(valueName)) {
     case ValueKind::words:
-        for (auto const& literal : literalsOf(valueName)) {
-            words += (words.empty() ? "" : " ") + literal;
-        }
-        return "(" + words + ")";
+        return "(" + boost::algorithm::join(literalsOf(valueName), " ") + ")";
     case ValueKind::file:
         return "_files";
     case ValueKind::folder:

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// qv_docgen: writes what a program's option table says in other places too. Runs while building:
+// qv_docgen: writes manual pages and completions from a program's option table. Runs while
+// building:
 //   qv_docgen man PROGRAM PROSE OUTPUT
 //   qv_docgen bash|zsh PROGRAM OUTPUT
 #include "apps/docgen/Completion.h"
 #include "apps/docgen/ManPage.h"
-#include "apps/qvrules/OptionTable.h"
-#include "apps/qvscan/OptionTable.h"
+#include "apps/qvrules/Commands.h"
+#include "apps/qvscan/Options.h"
 #include "apps/settings/SettingsTable.h"
 
 #include <fstream>

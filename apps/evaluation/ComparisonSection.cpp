@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/RateChart.h"
-#include "apps/evaluation/HtmlParts.h"
-#include "apps/evaluation/Sections.h"
+#include "apps/charts/Charts.h"
+#include "apps/evaluation/Parts.h"
 #include "apps/page/Escape.h"
 #include "apps/page/Table.h"
 #include "apps/text/NumberText.h"
@@ -97,11 +96,10 @@ std::string comparisonSection(Rules::Evaluation const& evaluation) {
     for (auto const& what : comparisons) {
         figures += s_figure(what, evaluation);
     }
-    return "<section aria-labelledby=\"comparison\">\n"
-           "<h2 id=\"comparison\">The corpora side by side</h2>\n"
-           "<p>Confidences do not carry over from one site to another, so each corpus stands for "
-           "itself. Whiskers are 95&nbsp;% intervals (Wilson).</p>\n" +
-           table.html() + "<div class=\"figures\">\n" + figures + "</div>\n</section>\n";
+    return section("comparison", "The corpora side by side",
+                   "<p>Confidences of one site do not hold for another, so each corpus stands for "
+                   "itself. Whiskers are 95&nbsp;% intervals (Wilson).</p>\n" +
+                       table.html() + "<div class=\"figures\">\n" + figures + "</div>\n");
 }
 
 } // namespace Quorvane::Reports

@@ -1,19 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/Style.h"
-#include "apps/charts/VerdictChart.h"
-#include "apps/evaluation/Assets.h"
-#include "apps/evaluation/DifferenceSections.h"
-#include "apps/evaluation/HtmlParts.h"
+#include "apps/charts/Charts.h"
+#include "apps/evaluation/Parts.h"
 #include "apps/page/Escape.h"
 #include "apps/page/Page.h"
 #include "apps/page/Table.h"
 #include "apps/text/NumberText.h"
+
+#include <algorithm>
 
 namespace Quorvane::Reports {
 
 namespace {
 
 using Rules::MailKind;
+
+constexpr char arrow[] = "\xE2\x86\x92";
 
 std::string s_header(Rules::Difference const& difference, ComparedSets const& sets) {
     auto const changed = difference.changed();
@@ -23,8 +24,8 @@ std::string s_header(Rules::Difference const& difference, ComparedSets const& se
            Page::isolated(sets.m_before.m_name) + " to " + Page::isolated(sets.m_after.m_name) +
            "</h1>\n<p>Judged: " + kindsText(difference.m_messages) +
            ". Not judgeable: " + kindsText(difference.m_unjudged) + ". Thresholds of both: spam " +
-           numberText(sets.m_settings.spamThreshold) + ", ham " +
-           numberText(sets.m_settings.hamThreshold) + ".</p>\n<dl class=\"tiles\">\n" +
+           numberText(sets.m_before.m_settings.spamThreshold) + ", ham " +
+           numberText(sets.m_before.m_settings.hamThreshold) + ".</p>\n<dl class=\"tiles\">\n" +
            rateTile("Verdict changes", {changed.total(), difference.m_messages.total()}) +
            tile("For the better", groupedText(difference.better()), "verdicts towards the label") +
            tile("For the worse", groupedText(difference.worse()), "verdicts away from it") +
@@ -50,18 +51,15 @@ std::string s_verdictSection(Rules::Difference const& difference) {
         table.row({name, groupedText(counts.m_spam), groupedText(counts.m_none),
                    groupedText(counts.m_ham)});
     }
-    std::string html = "<section aria-labelledby=\"verdicts\">\n"
-                       "<h2 id=\"verdicts\">Verdicts before and after</h2>\n";
-    if (rows.empty()) {
-        return html + "<p class=\"empty\">No message can be judged.</p>\n</section>\n";
-    }
-    return html +
-           sideBySide(figure("Verdicts.", "No verdict is neither right nor wrong.",
-                             Charts::verdictChart({"verdict-chart", "Verdicts before and after",
-                                                   "The table beside it holds the figures."},
-                                                  rows)),
-                      table.html()) +
-           "</section>\n";
+    auto const content =
+        rows.empty()
+            ? emptyNote("No message can be judged.")
+            : sideBySide(figure("Verdicts.", "No verdict is neither right nor wrong.",
+                                Charts::verdictChart({"verdict-chart", "Verdicts before and after",
+                                                      "The table beside it holds the figures."},
+                                                     rows)),
+                         table.html());
+    return section("verdicts", "Verdicts before and after", content);
 }
 
 struct Way {
@@ -73,7 +71,7 @@ struct Way {
 std::string s_wayTable(Rules::Difference const& difference) {
     std::map<std::string, Way> ways;
     for (auto const& group : difference.m_groups) {
-        auto& way = ways[changeText(group)];
+        auto& way = ways[changeText(group, arrow)];
         way.m_counts += group.m_counts;
         for (auto const kind : Rules::mailKinds) {
             auto const gain = improvement(kind, group.m_before.m_verdict, group.m_after.m_verdict);
@@ -111,8 +109,8 @@ std::string s_sumSection(Rules::Difference const& difference) {
     if (difference.m_groups.empty()) {
         return {};
     }
-    return "<section aria-labelledby=\"ways\">\n<h2 id=\"ways\">Where, and which way</h2>\n" +
-           sideBySide(s_corpusTable(difference.m_corpora), s_wayTable(difference)) + "</section>\n";
+    return section("ways", "Where, and which way",
+                   sideBySide(s_corpusTable(difference.m_corpora), s_wayTable(difference)));
 }
 
 std::string s_confidenceSection(Rules::ConfidenceChanges const& changes) {
@@ -121,10 +119,41 @@ std::string s_confidenceSection(Rules::ConfidenceChanges const& changes) {
     table.row({"now lower", groupedText(changes.m_down)});
     table.row({"now given by a rule, before by none", groupedText(changes.m_nowDecided)});
     table.row({"no longer given by a rule", groupedText(changes.m_noLongerDecided)});
-    return "<section aria-labelledby=\"confidence\">\n"
-           "<h2 id=\"confidence\">Same verdict, other confidence</h2>\n<p>On average by " +
-           numberText(changes.mean()) + ", at most by " + (changes.m_largest > 0.0 ? "+" : "") +
-           numberText(changes.m_largest) + ".</p>\n" + table.html() + "</section>\n";
+    return section("confidence", "Same verdict, other confidence",
+                   "<p>On average by " + numberText(changes.mean()) + ", at most by " +
+                       signedText(changes.m_largest) + ".</p>\n" + table.html());
+}
+
+std::string s_ruling(std::string const& when, Rules::JudgedVector const& judged,
+                     Rules::RuleSet const& set) {
+    return "<p class=\"decider\">" + when + ": " + Page::text(rulingText(judged)) + "</p>\n" +
+           (judged.m_decider.m_number == 0 ? "" : deciderTests(set, judged.m_decider));
+}
+
+std::string s_item(Rules::ChangeGroup const& group, ComparedSets const& sets) {
+    std::vector<std::string> samples;
+    for (auto const& sample : group.m_samples) {
+        samples.push_back(std::string(Rules::mailKindName(sample.m_kind)) + " <code>" +
+                          Page::isolated(sample.m_source) + "</code>");
+    }
+    return "<p class=\"decider\"><strong>" + changeText(group, arrow) + "</strong> " +
+           kindsText(group.m_counts) + "</p>\n" +
+           sideBySide(s_ruling("Before", group.m_before, sets.m_before.m_set),
+                      s_ruling("After", group.m_after, sets.m_after.m_set)) +
+           sampleList("For example:", samples);
+}
+
+// Each kind of change with the rules before and after it, most messages first.
+std::string s_groupSection(Rules::Difference const& difference, ComparedSets const& sets) {
+    auto const& groups = difference.m_groups;
+    std::vector<std::string> items;
+    for (std::size_t i = 0; i < std::min(groups.size(), pageChanges); ++i) {
+        items.push_back(s_item(groups[i], sets));
+    }
+    return section("changes", "What changes, and by which rules",
+                   items.empty()
+                       ? emptyNote("No verdict changes.")
+                       : ruleList(items, groups.size() - items.size(), " kinds of change"));
 }
 
 } // namespace
@@ -134,7 +163,7 @@ std::string differenceHtml(Rules::Difference const& difference, ComparedSets con
     document.m_title = "From " + sets.m_before.m_name + " to " + sets.m_after.m_name;
     document.m_style = std::string(Charts::style()) + std::string(pageStyle());
     document.m_body = s_header(difference, sets) + "<main>\n" + s_verdictSection(difference) +
-                      s_sumSection(difference) + groupSection(difference, sets) +
+                      s_sumSection(difference) + s_groupSection(difference, sets) +
                       s_confidenceSection(difference.m_confidence) +
                       "</main>\n<footer class=\"end\"></footer>\n";
     return Page::html(document);

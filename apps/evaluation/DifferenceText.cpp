@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/evaluation/DifferenceSections.h"
+#include "apps/evaluation/Parts.h"
 #include "apps/text/NumberText.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/DeciderText.h"
@@ -19,15 +19,10 @@ std::string s_messages(std::uint64_t count) {
     return groupedText(count) + (count == 1 ? " message" : " messages");
 }
 
-std::string s_change(Rules::ChangeGroup const& group) {
-    return std::string(Rules::verdictName(group.m_before.m_verdict)) + " -> " +
-           Rules::verdictName(group.m_after.m_verdict);
-}
-
 void s_addHead(std::ostream& text, Rules::Difference const& difference, ComparedSets const& sets) {
     text << toPrintable(sets.m_before.m_name) << " -> " << toPrintable(sets.m_after.m_name)
-         << ": thresholds spam " << numberText(sets.m_settings.spamThreshold) << ", ham "
-         << numberText(sets.m_settings.hamThreshold) << '\n'
+         << ": thresholds spam " << numberText(sets.m_before.m_settings.spamThreshold) << ", ham "
+         << numberText(sets.m_before.m_settings.hamThreshold) << '\n'
          << s_messages(difference.m_messages.total()) << ": " << kindsText(difference.m_messages);
     if (difference.m_unjudged.total() != 0) {
         text << "; " << groupedText(difference.m_unjudged.total())
@@ -69,7 +64,7 @@ void s_addSum(std::ostream& text, Rules::Difference const& difference) {
          << groupedText(changed.of(MailKind::unsorted)) << " unsorted\n";
     std::map<std::string, KindCounts> byChange;
     for (auto const& group : difference.m_groups) {
-        byChange[s_change(group)] += group.m_counts;
+        byChange[changeText(group, "->")] += group.m_counts;
     }
     for (auto const& [change, counts] : byChange) {
         text << "  " << std::setw(16) << change << kindsText(counts) << '\n';
@@ -77,7 +72,7 @@ void s_addSum(std::ostream& text, Rules::Difference const& difference) {
     text << '\n';
 }
 
-// Corpora side by side; one alone has been told already.
+// Corpora side by side; the figures of a single one stand above already.
 void s_addCorpora(std::ostream& text, std::vector<Rules::CorpusChanges> const& corpora) {
     if (corpora.size() < 2) {
         return;
@@ -90,21 +85,9 @@ void s_addCorpora(std::ostream& text, std::vector<Rules::CorpusChanges> const& c
     text << '\n';
 }
 
-// "node 12, 0.5 spam, adjusted by +0.1", and the tests that led there.
 void s_addRuling(std::ostream& text, char const* when, Rules::JudgedVector const& judged,
                  Rules::RuleSet const& set) {
-    text << "  " << when;
-    if (judged.m_decider.m_number == 0) {
-        text << "no rule decided\n";
-        return;
-    }
-    text << Workshop::deciderName(judged.m_decider) << ", " << numberText(judged.m_confidence)
-         << " spam";
-    if (judged.m_adjust != 0.0) {
-        text << ", adjusted by " << (judged.m_adjust > 0.0 ? "+" : "")
-             << numberText(judged.m_adjust);
-    }
-    text << '\n';
+    text << "  " << when << rulingText(judged) << '\n';
     for (auto const& test : Workshop::deciderTests(set, judged.m_decider)) {
         text << "            " << test.m_text << ": " << test.m_words << '\n';
     }
@@ -119,7 +102,7 @@ void s_addGroups(std::ostream& text, Rules::Difference const& difference,
                  << " more kinds of change; --format json lists all\n\n";
             return;
         }
-        text << s_change(group) << ": " << kindsText(group.m_counts) << '\n';
+        text << changeText(group, "->") << ": " << kindsText(group.m_counts) << '\n';
         s_addRuling(text, "before: ", group.m_before, sets.m_before.m_set);
         s_addRuling(text, "after:  ", group.m_after, sets.m_after.m_set);
         for (auto const& sample : group.m_samples) {
@@ -135,7 +118,7 @@ void s_addConfidence(std::ostream& text, Rules::ConfidenceChanges const& changes
          << groupedText(changes.m_down) << " down";
     if (changes.m_up + changes.m_down != 0) {
         text << ", by " << numberText(changes.mean()) << " on average, at most by "
-             << (changes.m_largest > 0.0 ? "+" : "") << numberText(changes.m_largest);
+             << signedText(changes.m_largest);
     }
     text << '\n';
     if (changes.m_nowDecided + changes.m_noLongerDecided != 0) {

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// An evaluation as a report: text for people at a terminal, JSON for programs, and one HTML page
-// with drawings. All three tell the same. Pure functions.
+// Evaluations, and comparisons of two rule sets, as reports: text for people at a terminal, JSON
+// for programs, and one HTML page. All three show the same figures. Pure functions.
 #pragma once
 
 #include "platform/DeepHeaderSettings.h"
-#include "rules/evaluate/Evaluation.h"
+#include "rules/evaluate/Difference.h"
 #include "rules/model/RuleSet.h"
 
 #include <cstddef>
@@ -20,8 +20,8 @@ struct EvaluatedRules {
     DeepHeaderSettings const& m_settings;
 };
 
-// The false positive rates at which the caught spam is told.
-inline constexpr double toldFalsePositives[] = {0.001, 0.005, 0.01};
+// The false positive rates for which the report shows how much spam is caught.
+inline constexpr double shownFalsePositives[] = {0.001, 0.005, 0.01};
 
 // Deciders of each list that are shown to people.
 inline constexpr std::size_t shownDeciders = 10;
@@ -29,5 +29,19 @@ inline constexpr std::size_t shownDeciders = 10;
 std::string reportText(Rules::Evaluation const& evaluation, EvaluatedRules const& rules);
 std::string reportJson(Rules::Evaluation const& evaluation, EvaluatedRules const& rules);
 std::string reportHtml(Rules::Evaluation const& evaluation, EvaluatedRules const& rules);
+
+// Groups of changes that are shown at a terminal, and on a page.
+inline constexpr std::size_t shownChanges = 10;
+inline constexpr std::size_t pageChanges = 50;
+
+// Both judge with the same settings.
+struct ComparedSets {
+    EvaluatedRules m_before;
+    EvaluatedRules m_after;
+};
+
+std::string differenceText(Rules::Difference const& difference, ComparedSets const& sets);
+std::string differenceJson(Rules::Difference const& difference, ComparedSets const& sets);
+std::string differenceHtml(Rules::Difference const& difference, ComparedSets const& sets);
 
 } // namespace Quorvane::Reports

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/Style.h"
-#include "apps/evaluation/Assets.h"
-#include "apps/evaluation/HtmlParts.h"
-#include "apps/evaluation/Sections.h"
+#include "apps/charts/Charts.h"
+#include "apps/evaluation/Parts.h"
 #include "apps/page/Escape.h"
 #include "apps/page/Page.h"
 #include "apps/text/NumberText.h"

@@ -23,7 +23,7 @@ void s_addRoc(std::ostream& text, Rules::CorpusFigures const& figures) {
         return;
     }
     s_line(text, "area under the ROC curve", Rules::fixedText(figures.m_roc.area(), 4));
-    for (auto const share : toldFalsePositives) {
+    for (auto const share : shownFalsePositives) {
         auto const point = figures.m_roc.atFalsePositives(share);
         auto const threshold = std::isfinite(point.m_threshold)
                                    ? ", threshold " + Rules::fixedText(point.m_threshold, 4)
@@ -34,13 +34,12 @@ void s_addRoc(std::ostream& text, Rules::CorpusFigures const& figures) {
 }
 
 void s_addReliability(std::ostream& text, Rules::CorpusFigures const& figures) {
-    text << "  confidence: mean, and spam really there\n";
+    text << "  confidence: mean, and actual share of spam\n";
     for (std::size_t bin = 0; bin < Rules::reliabilityBins; ++bin) {
         auto const& one = figures.m_reliability.at(bin);
         if (one.m_counts.total() != 0) {
-            auto const low = static_cast<double>(bin) / static_cast<double>(Rules::reliabilityBins);
             s_line(text,
-                   "  from " + Rules::fixedText(low, 1) + ": " +
+                   "  from " + Rules::fixedText(Rules::binStart(bin), 1) + ": " +
                        Rules::fixedText(one.meanConfidence(), 3),
                    Rules::rateText(one.spamRate()));
         }
@@ -93,7 +92,7 @@ std::string reportText(Rules::Evaluation const& evaluation, EvaluatedRules const
         s_addCorpus(text, evaluation.m_together);
     }
     s_addDeciders(text, "What decides most", evaluation.m_deciders.byUse(), rules.m_set);
-    s_addDeciders(text, "What errs most", evaluation.m_deciders.byErrors(), rules.m_set);
+    s_addDeciders(text, "What is wrong most often", evaluation.m_deciders.byErrors(), rules.m_set);
     return text.str();
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Shows one corpus at a time. Without it all stand below one another.
+// Shows one corpus at a time. Without it the page shows them one below the other.
 "use strict";
 
 (() => {

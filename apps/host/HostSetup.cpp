@@ -19,7 +19,7 @@ namespace Quorvane {
 
 namespace {
 
-// Lines as they stand, comments and empty ones too: errors name them by number.
+// All lines, comments and empty ones too: errors refer to their numbers.
 std::vector<std::string> s_lines(std::string const& path) {
     std::ifstream file(path);
     std::vector<std::string> lines;
@@ -69,7 +69,7 @@ PreparedResolver s_resolver(HostSettings const& settings) {
     }
 }
 
-// "file:line: text" where the error knows its place.
+// "file:line: text" if the error has a place.
 std::string s_located(Exception const& error) {
     auto const& file = error.fileName();
     auto const line = error.lineNumber() == 0 ? "" : ':' + std::to_string(error.lineNumber());
@@ -87,7 +87,7 @@ boost::shared_ptr<Telvanis::DynamicIdentifier> s_patterns(HostSettings const& se
     }
 }
 
-// What the process keeps for all scans, built and not yet in force.
+// The tables of the process for all scans, built but not yet in force.
 class PreparedPlatform {
   public:
     explicit PreparedPlatform(HostSettings const& settings)

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Settings put in force. Everything that they name (patterns, zone data, resolver, relays, scores,
+// Puts settings in force. Everything that they name (patterns, zone data, resolver, relays, scores,
 // rules) is read and built first; then all of it is published together. When anything is wrong,
-// nothing changes, and the SettingsError says what: file, line and column where there are some, and
-// what to do.
+// nothing changes, and the SettingsError says what: file, line and column where known, and what
+// to do.
 //
-// The platform's tables are the process's: one host is in force at a time. Scans under way when
-// another one is set up finish; each message is judged by one host's settings, rules and scores.
-// Call these from one thread at a time, while any number of others scan.
+// The platform's tables belong to the process: one host is in force at a time. Scans that are
+// running when another one is set up finish; each message is judged by one host's settings, rules
+// and scores. Call these from one thread at a time, while any number of others scan.
 #pragma once
 
 #include "apps/host/ScanHost.h"

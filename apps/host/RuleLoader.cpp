@@ -25,8 +25,8 @@ namespace Quorvane {
 
 namespace {
 
-// In force while rules are loaded: keeps what the library says about that, for an error of our own,
-// and hands on what other threads report.
+// Installed while rules are loaded: keeps the messages of the library for our own error, and passes
+// on those of other threads.
 class LoadLogger : public Logger {
   public:
     explicit LoadLogger(std::shared_ptr<Logger> next) : m_next(std::move(next)) {}
@@ -56,27 +56,9 @@ void LoadLogger::log(int messageId, int reserved, char const* format, ...) {
     }
 }
 
-// Puts the logger of the program back, whatever ends the load.
-class LoggerDuringLoad {
-  public:
-    LoggerDuringLoad()
-        : m_before(Logger::instance(false)), m_logger(std::make_shared<LoadLogger>(m_before)) {
-        Logger::install(m_logger);
-    }
-    LoggerDuringLoad(LoggerDuringLoad const&) = delete;
-    LoggerDuringLoad& operator=(LoggerDuringLoad const&) = delete;
-    ~LoggerDuringLoad() { Logger::install(m_before); }
-
-    std::string const& text() const { return m_logger->text(); }
-
-  private:
-    std::shared_ptr<Logger> m_before;
-    std::shared_ptr<LoadLogger> m_logger;
-};
-
 // While rules are installed their version is 0, so that nobody loads half of two sets. That takes a
 // quarter of a second; a host that starts just then looks again before it gives up.
-DeepHeaderEngine s_loadAfterInstallation(LoggerDuringLoad const& logger) {
+DeepHeaderEngine s_loadAfterInstallation(LoadLogger const& logger) {
     auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
     for (;;) {
         DeepHeaderScanner().init();
@@ -120,12 +102,16 @@ std::optional<std::int32_t> installedVersion() {
 }
 
 LoadedRules loadRules() {
-    LoggerDuringLoad const logger;
     auto const version = installedVersion();
-    auto engine = s_loadAfterInstallation(logger);
-    if (engine.isEmpty() || !logger.text().empty()) {
+    std::shared_ptr<Logger> before = Logger::instance(false);
+    auto const logger = std::make_shared<LoadLogger>(before);
+    Logger::install(logger);
+    // However the load ends.
+    std::shared_ptr<void> const restore(nullptr, [&](void*) { Logger::install(before); });
+    auto engine = s_loadAfterInstallation(*logger);
+    if (engine.isEmpty() || !logger->text().empty()) {
         throw NoRulesError("no usable rules in " + File::root() + ruleDirectory + ": " +
-                           s_whyNotLoaded(logger.text()) +
+                           s_whyNotLoaded(logger->text()) +
                            "; --root says below which folder to look");
     }
     return {engine, version};
@@ -138,7 +124,7 @@ DeepHeaderEngine engineOf(Rules::RuleSet const& rules) {
         return DeepHeaderEngine::fromStreams(tree, rules.m_elite ? &elite : nullptr);
     } catch (Exception const& error) {
         throw Rules::RuleError(Rules::RuleError::Kind::badRules,
-                               "no host could load these rules: " + error.asString());
+                               "no host can load these rules: " + error.asString());
     }
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The rules of a host: those that lie below the process's root folder, and those in memory.
+// The rules of a host: those below the process's root folder, and those in memory.
 #pragma once
 
 #include "apps/settings/SettingValue.h"
@@ -13,8 +13,8 @@
 
 namespace Quorvane {
 
-// Names the folder below which rules are looked up, at the first call; at later ones a
-// SettingsError when it is another folder, as loaded rules and paths would no longer fit together.
+// The first call sets the folder below which rules are read. A later call with another folder is a
+// SettingsError, as loaded rules and paths would no longer match.
 void useRoot(std::string const& folder);
 
 struct LoadedRules {
@@ -35,7 +35,7 @@ std::optional<std::int32_t> installedVersion();
 // cannot be loaded; those in force then stay.
 LoadedRules loadRules();
 
-// An engine with these rules. A RuleError when no host could load them.
+// An engine with these rules. A RuleError when no host can load them.
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules);
 
 } // namespace Quorvane

@@ -4,13 +4,12 @@
 // judges one header section after another.
 //
 // A value that never changes: copies share the engine and the table. scan and judge may be called
-// from many threads at once. A program that reloads keeps the host in force behind a shared pointer
-// and hands each message one of them (HostSetup.h makes them).
+// from many threads at once. A program that reloads keeps the current host in a shared pointer,
+// which each message copies (HostSetup.h makes hosts).
 #pragma once
 
 #include "apps/host/RelayScores.h"
 #include "apps/settings/HostSettings.h"
-#include "apps/settings/MessageFacts.h"
 #include "DeepHeaderEngine.h"
 #include "platform/HeaderContainer.h"
 
@@ -32,8 +31,8 @@ class ScanHost {
     ScanRecord scan(HeaderContainer const& headers, MessageFacts const& facts,
                     RecordDepth depth) const;
 
-    // What the rules say of a message of which nothing is known but these attributes; empty: that
-    // there was nothing to judge in it.
+    // The verdict for a message of which only these attributes are known; empty: the message had
+    // nothing to judge.
     ScanRecord judge(std::optional<std::array<std::int32_t, 38>> const& attributes,
                      RecordDepth depth) const;
 

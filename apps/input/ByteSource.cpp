@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/ByteSource.h"
 
-#include "apps/input/UnpackedSource.h"
-
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -26,7 +25,7 @@ class DescriptorSource : public ByteSource {
         }
     }
 
-    // A terminal whose end was typed can be read again; whoever typed it means the end.
+    // A terminal can be read again after Ctrl-D; whoever typed it means the end.
     std::size_t read(char* buffer, std::size_t size) override {
         while (!m_isAtEnd) {
             m_interrupt.waitForInput(m_descriptor);
@@ -53,7 +52,7 @@ class DescriptorSource : public ByteSource {
     std::uint64_t m_position = 0;
 };
 
-// Gives back first what was read to look at it.
+// Returns first what was read ahead.
 class ReplayedSource : public ByteSource {
   public:
     ReplayedSource(std::string start, std::unique_ptr<ByteSource> rest)
@@ -84,26 +83,8 @@ constexpr std::string_view s_magics[] = {{"\x1F\x8B", 2},
 constexpr std::size_t longestMagic = 6;
 
 bool s_isPacked(std::string_view start) {
-    for (auto const magic : s_magics) {
-        if (start.starts_with(magic)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-std::string s_readStart(ByteSource& source, std::size_t size) {
-    std::string start(size, '\0');
-    std::size_t length = 0;
-    while (length < start.size()) {
-        auto const count = source.read(start.data() + length, start.size() - length);
-        if (count == 0) {
-            break;
-        }
-        length += count;
-    }
-    start.resize(length);
-    return start;
+    return std::any_of(std::begin(s_magics), std::end(s_magics),
+                       [&](std::string_view magic) { return start.starts_with(magic); });
 }
 
 std::unique_ptr<ByteSource> s_unpacked(std::unique_ptr<ByteSource> source) {
@@ -114,22 +95,25 @@ std::unique_ptr<ByteSource> s_unpacked(std::unique_ptr<ByteSource> source) {
 } // namespace
 
 std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size) {
-    auto start = s_readStart(*source, size);
+    std::string start(size, '\0');
+    std::size_t length = 0;
+    for (std::size_t count = 1; length < size && count != 0; length += count) {
+        count = source->read(start.data() + length, size - length);
+    }
+    start.resize(length);
     source = std::make_unique<ReplayedSource>(start, std::move(source));
     return start;
 }
 
-std::unique_ptr<ByteSource> openFile(std::string const& path, Interrupt& interrupt) {
-    // A named pipe without a writer must not hold the program where no signal reaches it.
-    int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+std::unique_ptr<ByteSource> openInput(std::string const& path, Interrupt& interrupt) {
+    bool const isStandardInput = path == "-";
+    // A named pipe without a writer must not block the program where it ignores signals.
+    int const descriptor =
+        isStandardInput ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) {
         throw InputError(std::strerror(errno));
     }
-    return s_unpacked(std::make_unique<DescriptorSource>(descriptor, true, interrupt));
-}
-
-std::unique_ptr<ByteSource> openStandardInput(Interrupt& interrupt) {
-    return s_unpacked(std::make_unique<DescriptorSource>(STDIN_FILENO, false, interrupt));
+    return s_unpacked(std::make_unique<DescriptorSource>(descriptor, !isStandardInput, interrupt));
 }
 
 } // namespace Quorvane

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ByteSource: the bytes of a file or pipe in pieces, unpacked on the way when it is gzip, xz or
-// zstd (told by its first bytes, not by its name). One object, one thread.
+// ByteSource: the bytes of a file or pipe in pieces, unpacked if it is gzip, xz or
+// zstd (recognised by its first bytes, not by its name). One object, one thread.
 #pragma once
 
 #include "apps/input/Interrupt.h"
@@ -27,16 +27,19 @@ class ByteSource {
     // Fills up to `size` bytes; 0 at the end. Throws an InputError, or Interrupted.
     virtual std::size_t read(char* buffer, std::size_t size) = 0;
 
-    // Bytes taken from the file so far, packed ones as they stand on disk.
+    // Bytes taken from the file so far, before unpacking.
     virtual std::uint64_t position() const = 0;
 };
 
-// Throws an InputError when `path` cannot be opened. `interrupt` outlives the source.
-std::unique_ptr<ByteSource> openFile(std::string const& path, Interrupt& interrupt);
-// Standard input; left open at the end.
-std::unique_ptr<ByteSource> openStandardInput(Interrupt& interrupt);
+// A file, or for "-" standard input, which is left open at the end. Throws an InputError when it
+// cannot be opened. `interrupt` outlives the source.
+std::unique_ptr<ByteSource> openInput(std::string const& path, Interrupt& interrupt);
 
-// The first bytes, `size` of them unless the end comes before. `source` gives them again.
+// Unpacks gzip, xz and zstd. Throws an InputError when the start of `packed` is damaged; later
+// damage shows in read.
+std::unique_ptr<ByteSource> unpack(std::unique_ptr<ByteSource> packed);
+
+// The first bytes, `size` of them unless the end comes before. `source` returns them again.
 std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size);
 
 } // namespace Quorvane

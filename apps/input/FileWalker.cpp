@@ -68,13 +68,11 @@ bool FileWalker::next(Entry& entry) {
         m_pending.pop_back();
         entry = {pending.m_path.string(), {}};
         std::error_code error;
-        if (entry.m_path == "-" && pending.m_isNamed) {
+        bool const isStandardInput = entry.m_path == "-" && pending.m_isNamed;
+        if (isStandardInput || !fs::is_directory(pending.m_path, error)) {
             return true;
         }
-        if (!fs::is_directory(pending.m_path, error)) {
-            return true;
-        }
-        openFolder(pending.m_path, entry);
+        entry.m_error = openFolder(pending.m_path);
         if (!entry.m_error.empty()) {
             return true;
         }
@@ -82,16 +80,17 @@ bool FileWalker::next(Entry& entry) {
     return false;
 }
 
-void FileWalker::openFolder(fs::path const& folder, Entry& entry) {
+// The error; empty: none.
+std::string FileWalker::openFolder(fs::path const& folder) {
     std::error_code error;
     auto const paths = s_list(folder, error);
     if (error) {
-        entry.m_error = error.message();
-        return;
+        return error.message();
     }
     for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
         m_pending.push_back({*path, false});
     }
+    return {};
 }
 
 } // namespace Quorvane

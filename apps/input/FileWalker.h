@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// FileWalker: the files that the PATHs of a command line stand for, in order: a file as it is; of a
+// FileWalker: the files that the PATHs of a command line name, in order: a file as it is; of a
 // Maildir the messages in new and cur, of which one may be missing when tmp is there; of another
-// folder all files below it, by name. Left out are hidden files, a Maildir's tmp folder, and the
-// index files that IMAP servers keep beside messages. Only the listings of the folders on the way
-// down are in memory. One object, one thread.
+// folder all files below it, by name. Hidden files, a Maildir's tmp folder, and the index files
+// that IMAP servers keep beside messages are left out. Only the listings of the folders on the
+// current path are in memory. One object, one thread.
 #pragma once
 
 #include <filesystem>
@@ -15,12 +15,12 @@ namespace Quorvane {
 
 class FileWalker {
   public:
-    // "-" stands for standard input and is handed through.
+    // "-" means standard input and is returned as it is.
     explicit FileWalker(std::vector<std::string> paths);
 
     struct Entry {
         std::string m_path;
-        // Set when the path or folder cannot be opened: why.
+        // Not empty: why the path or folder cannot be opened.
         std::string m_error;
     };
 
@@ -33,7 +33,7 @@ class FileWalker {
         bool m_isNamed = false; // on the command line: taken whatever it is
     };
 
-    void openFolder(std::filesystem::path const& folder, Entry& entry);
+    std::string openFolder(std::filesystem::path const& folder);
 
     // The next one is the last.
     std::vector<Pending> m_pending;

@@ -4,20 +4,17 @@
 #include "apps/input/FileWalker.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace Quorvane {
 
 namespace {
 
-// False for what is no file.
+// False for what is not a file.
 bool s_addSize(std::string const& path, std::uint64_t& bytes) {
     struct stat facts {};
-    bool const isFound =
-        path == "-" ? ::fstat(STDIN_FILENO, &facts) == 0 : ::stat(path.c_str(), &facts) == 0;
-    // What cannot be opened costs no time.
-    if (!isFound) {
+    // What cannot be opened takes no time.
+    if (::stat(path == "-" ? "/dev/stdin" : path.c_str(), &facts) != 0) {
         return true;
     }
     bytes += static_cast<std::uint64_t>(facts.st_size);
@@ -27,18 +24,14 @@ bool s_addSize(std::string const& path, std::uint64_t& bytes) {
 } // namespace
 
 InputSize::InputSize(std::vector<std::string> paths)
-    : m_thread([this, held = std::move(paths)] { count(held); }) {}
+    : m_thread(
+          [this, held = std::move(paths)](std::stop_token const& stop) { count(stop, held); }) {}
 
-InputSize::~InputSize() {
-    m_isWanted = false;
-    m_thread.join();
-}
-
-void InputSize::count(std::vector<std::string> const& paths) {
+void InputSize::count(std::stop_token const& stop, std::vector<std::string> const& paths) {
     FileWalker files(paths);
     std::uint64_t bytes = 0;
     for (FileWalker::Entry entry; files.next(entry);) {
-        if (!m_isWanted || (entry.m_error.empty() && !s_addSize(entry.m_path, bytes))) {
+        if (stop.stop_requested() || (entry.m_error.empty() && !s_addSize(entry.m_path, bytes))) {
             return;
         }
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/Inputs.h"
 
-#include "apps/commandline/ExitStatus.h"
+#include "apps/commandline/ProgramError.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -18,14 +18,7 @@ std::vector<std::string> s_orStandardInput(std::vector<std::string> paths) {
     return paths;
 }
 
-std::unique_ptr<MessageReader> s_open(std::string const& path, Interrupt& interrupt) {
-    bool const isStandardInput = path == "-";
-    return std::make_unique<MessageReader>(isStandardInput ? openStandardInput(interrupt)
-                                                           : openFile(path, interrupt),
-                                           isStandardInput);
-}
-
-// 0 for what is no file.
+// 0 for what is not a file.
 std::uint64_t s_size(std::string const& path) {
     std::error_code error;
     auto const size = std::filesystem::file_size(path, error);
@@ -42,6 +35,10 @@ void s_setProblem(InputItem& item, int exitStatus, std::string text) {
 
 Inputs::Inputs(std::vector<std::string> paths, Interrupt& interrupt)
     : m_interrupt(interrupt), m_files(s_orStandardInput(std::move(paths))) {}
+
+Inputs::Inputs(std::string path, std::unique_ptr<ByteSource> source, Interrupt& interrupt)
+    : m_interrupt(interrupt), m_files({}), m_path(std::move(path)),
+      m_reader(std::make_unique<MessageReader>(std::move(source), m_path == "-")) {}
 
 bool Inputs::next(InputItem& item) {
     for (;;) {
@@ -67,7 +64,7 @@ bool Inputs::openNext(InputItem& item) {
         return true;
     }
     try {
-        m_reader = s_open(m_path, m_interrupt);
+        m_reader = std::make_unique<MessageReader>(openInput(m_path, m_interrupt), m_path == "-");
     } catch (InputError const& error) {
         s_setProblem(item, ExitStatus::noInput, std::string("cannot be opened: ") + error.what());
     }
@@ -93,7 +90,7 @@ bool Inputs::readNext(InputItem& item) {
     }
     if (section.m_isTooLong) {
         s_setProblem(item, ExitStatus::badData,
-                     "no message: its header section is longer than " +
+                     "not a message: its header section is longer than " +
                          std::to_string(maxHeaderSection >> 20) + " MiB");
     } else {
         item.m_headers = std::move(section.m_text);

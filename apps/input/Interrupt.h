@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Interrupt: turns SIGINT and SIGTERM into a state that is asked for, so that a program ends in
-// good order: it stops reading, finishes what it has begun and writes it down. A second signal ends
-// the program at once.
+// Interrupt: turns SIGINT and SIGTERM into a state that can be queried, so that a program ends
+// cleanly: it stops reading, and finishes and writes what it has begun. A second signal ends the
+// program at once.
 //
 // Construct it before any other thread: threads inherit the blocked signals. Safe to ask from many
 // threads.
@@ -13,7 +13,7 @@
 
 namespace Quorvane {
 
-// Thrown by a read that the signal came into.
+// Thrown by a read that a signal interrupts.
 class Interrupted : public std::exception {
   public:
     char const* what() const noexcept override { return "interrupted"; }

@@ -8,8 +8,7 @@ namespace Quorvane {
 namespace {
 
 constexpr std::size_t bufferSize = 65536;
-// Enough of a line's start to tell "From " and an empty line in one piece, quotes before it
-// included.
+// Enough to see "From ", with quotes before it, or an empty line in one piece.
 constexpr std::size_t lineStartSize = 80;
 
 } // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// LinePieces: cuts the bytes of a source into lines, long lines into several pieces, so that memory
-// stays at one buffer whatever the input holds. One object, one thread.
+// LinePieces: cuts the bytes of a source into lines, long lines into several pieces, so that one
+// buffer is enough for any input. One object, one thread.
 #pragma once
 
 #include "apps/input/ByteSource.h"
@@ -17,7 +17,7 @@ struct LinePiece {
     std::string_view m_text;
     bool m_startsLine = false;
 
-    // A whole line that is nothing but its line break (LF or CR LF).
+    // A whole line that consists of its line break only (LF or CR LF).
     bool isEmptyLine() const { return m_startsLine && (m_text == "\n" || m_text == "\r\n"); }
     bool startsWith(std::string_view text) const {
         return m_startsLine && m_text.substr(0, text.size()) == text;
@@ -33,7 +33,7 @@ class LinePieces {
     bool next(LinePiece& piece);
     // The first bytes of what is left, `size` of them unless the end comes before.
     std::string_view peek(std::size_t size);
-    // Reads what is left and forgets it.
+    // Reads and discards what is left.
     void drain();
 
   private:

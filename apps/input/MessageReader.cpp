@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view separator = "From ";
 
-// ">From " and ">>From " stand for what has one ">" less.
+// ">From " and ">>From " mean the same text with one ">" less.
 bool s_isQuotedSeparator(LinePiece const& piece) {
     auto const quotes = piece.m_text.find_first_not_of('>');
     return piece.startsWith(">") && quotes != std::string_view::npos &&
@@ -48,8 +48,8 @@ bool MessageReader::single(HeaderSection& section) {
     return true;
 }
 
-// The body before is skipped only now: the message that it belongs to is not to wait for it, nor to
-// be lost when it cannot be read.
+// The previous body is skipped only now: its message must not wait for it, nor be lost when it
+// cannot be read.
 bool MessageReader::nextOfMbox(HeaderSection& section) {
     if (!m_isAtEnd) {
         skipBody();
@@ -86,7 +86,7 @@ void MessageReader::skipLine(LinePiece piece) {
     }
 }
 
-// Reads up to and with the next separator line. What comes before counts as following an empty
+// Reads up to and including the next separator line. What comes before counts as following an empty
 // line: the end of a header section, or the start of the input.
 void MessageReader::skipBody() {
     bool followsEmptyLine = true;

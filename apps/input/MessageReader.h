@@ -2,8 +2,8 @@
 //
 // MessageReader: the header sections of one input, a single message or an mbox (RFC 4155: it begins
 // with "From "). An mbox is split at the lines that begin with "From " and follow an empty line; in
-// header sections the ">" that mboxrd writers put before such lines is taken away again. Of a body
-// nothing is kept, and of a single message none is read. One object, one thread.
+// header sections the ">" that mboxrd writers put before such lines is removed. Bodies are not
+// kept; that of a single message is not even read. One object, one thread.
 #pragma once
 
 #include "apps/input/LinePieces.h"
@@ -14,13 +14,13 @@
 
 namespace Quorvane {
 
-// No mail server accepts a header section of this size; more would only eat memory.
+// No mail server accepts a header section of this size; more would only use memory.
 inline constexpr std::size_t maxHeaderSection = std::size_t{64} << 20;
 
 struct HeaderSection {
     // Position in an mbox, from 1; 0 for a single message.
     std::size_t m_number = 0;
-    // Up to and with the empty line that ends it, without the separator line.
+    // Up to and including the empty line that ends it, without the separator line.
     std::string m_text;
     // Longer than maxHeaderSection; the text is then cut.
     bool m_isTooLong = false;
@@ -28,7 +28,7 @@ struct HeaderSection {
 
 class MessageReader {
   public:
-    // `drain`: read a single message to its end, so that what writes into a pipe can finish.
+    // `drain`: read a single message to its end, so that the writer of a pipe can finish.
     MessageReader(std::unique_ptr<ByteSource> source, bool drain);
 
     // False at the end. Throws an InputError.

@@ -8,7 +8,7 @@ namespace Quorvane {
 
 namespace {
 
-// Enough messages at once that the lock does not show; few enough that nobody waits long.
+// Large enough that locking costs little, small enough that results do not wait long.
 constexpr std::size_t batchItems = 32;
 constexpr std::size_t batchesPerThread = 4;
 // Header sections that wait; one alone may be larger.
@@ -102,7 +102,7 @@ void OrderedPool::run() {
     }
 }
 
-// What is thrown for a message comes out in its turn.
+// An exception for a message is delivered in its turn.
 void OrderedPool::workOn(Batch& batch) {
     for (auto const& item : batch.m_items) {
         try {
@@ -114,7 +114,7 @@ void OrderedPool::workOn(Batch& batch) {
     }
 }
 
-// Hands on what is done at the front, unless another thread is at it already.
+// Delivers what is done at the front, unless another thread is doing so.
 void OrderedPool::deliver(std::unique_lock<std::mutex>& lock) {
     if (m_isDelivering) {
         return;

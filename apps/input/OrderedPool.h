@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// OrderedPool: works on messages with several threads and hands the results on in the order of the
-// messages. What waits is bounded, in number and in bytes: who submits is held back.
+// OrderedPool: processes messages on several threads and delivers the results in the order of the
+// messages. The queue is bounded, in number and in bytes: submit waits.
 //
 // One thread submits. `work` is called on many threads at once; what it returns is called on one
-// thread at a time, in order. What they throw ends the pool and comes out of finish.
+// thread at a time, in order. An exception of either ends the pool; finish rethrows it.
 #pragma once
 
 #include "apps/input/Inputs.h"
@@ -23,19 +23,19 @@ namespace Quorvane {
 
 class OrderedPool {
   public:
-    // Hands a result on. False: nothing more is wanted.
+    // Delivers a result. False: no more results are wanted.
     using Hand = std::function<bool()>;
     using Work = std::function<Hand(InputItem const&)>;
 
-    // 0 threads: one for each core.
+    // 0 threads: one per core.
     OrderedPool(unsigned int threads, Work work);
     OrderedPool(OrderedPool const&) = delete;
     OrderedPool& operator=(OrderedPool const&) = delete;
     ~OrderedPool();
 
-    // False when nothing more is wanted, or something was thrown.
+    // False when no more results are wanted, or after an exception.
     bool submit(InputItem item);
-    // Waits for what was submitted; rethrows what was thrown.
+    // Waits for what was submitted; rethrows an exception.
     void finish();
 
   private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/input/UnpackedSource.h"
+#include "apps/input/ByteSource.h"
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -11,7 +11,7 @@ namespace Quorvane {
 
 namespace {
 
-// Of data that was cut off libarchive tells nothing, or what its decoder made of that.
+// For data that is cut off libarchive gives no text, or what its decoder says.
 std::string s_problem(archive* archive) {
     auto const* const text = archive_error_string(archive);
     std::string const problem = text == nullptr ? "" : text;

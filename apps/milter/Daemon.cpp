@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/milter/Daemon.h"
 
-#include "apps/commandline/ExitStatus.h"
+#include "apps/commandline/ProgramError.h"
 #include "apps/host/HostSetup.h"
 #include "apps/milter/Accounts.h"
 #include "apps/milter/Background.h"

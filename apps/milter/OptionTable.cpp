@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/milter/OptionTable.h"
 
-#include "apps/settings/SettingOptions.h"
+#include "apps/settings/SettingSources.h"
 
 namespace Quorvane::Milter {
 

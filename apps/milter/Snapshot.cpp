@@ -3,7 +3,7 @@
 
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
-#include "apps/settings/SettingOptions.h"
+#include "apps/settings/SettingSources.h"
 
 #include <utility>
 

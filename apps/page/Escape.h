@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Foreign text on its way into a page. Names of files and corpora, and whatever comes from a
-// message, may hold any bytes; nothing of it may become markup. Pure functions.
+// Foreign text in a page. Names of files and corpora, and everything from a message, may hold any
+// bytes; nothing of it may become markup. Pure functions.
 #pragma once
 
 #include <string>
@@ -13,8 +13,8 @@ namespace Quorvane::Page {
 // Bytes that are not UTF-8 are shown as Latin-1, control characters (line ends too) as \xNN.
 std::string text(std::string_view bytes);
 
-// The same in an element of its own, so that text written from right to left, and characters that
-// say so of what follows, turn nothing round them: for names within a sentence or a table cell.
+// The same in an element of its own, so that text from right to left, and characters that change
+// the direction, do not affect the text around it: for names within a sentence or a table cell.
 std::string isolated(std::string_view bytes);
 
 // A script element that holds data and is never run; scripts read it with

@@ -2,7 +2,6 @@
 #include "apps/page/Page.h"
 
 #include "apps/page/Escape.h"
-#include "apps/page/Theme.h"
 
 #include <array>
 #include <glib.h>
@@ -20,7 +19,8 @@ std::string s_element(std::string const& tag, std::string const& content) {
     using namespace std::string_view_literals;
     if (content.find("</" + tag) != std::string::npos ||
         content.find_first_of("\r\0"sv) != std::string::npos) {
-        throw std::invalid_argument("the " + tag + " of a page cannot stand in its element");
+        throw std::invalid_argument("the " + tag +
+                                    " of a page would end its element or change in it");
     }
     return '<' + tag + '>' + content + "</" + tag + ">\n";
 }

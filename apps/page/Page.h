@@ -6,8 +6,8 @@
 // Its content security policy lets the browser apply the one style and run the one script that
 // stand in it, known by their hashes, and nothing else: no attribute style="", no onclick="", no
 // image, font or connection. Colours of drawings are classes (or presentation attributes such as
-// fill=""), positions are attributes. A page must tell all it has to tell without its script, too;
-// scripts are for convenience.
+// fill=""), positions are attributes. A page must show everything without its script, too; scripts
+// are for convenience.
 //
 //     Page::Document document;
 //     document.m_title = "Tree of " + path; // any bytes
@@ -29,10 +29,13 @@ struct Document {
     // theme, and a script that runs at the end of the body. Empty for none.
     std::string m_style;
     std::string m_script;
-    // The script may ask the address that the page was loaded from. Only for pages that a program
-    // serves: a page from a disk has nobody to ask.
+    // The script may send requests to where the page was loaded from. Only for pages that a program
+    // serves.
     bool m_asksOrigin = false;
 };
+
+// The theme of all pages: theme.css, whose head lists the variables and classes that pages use.
+std::string_view theme();
 
 // The whole document. std::invalid_argument when style or script hold the end tag of their
 // element, or a carriage return or NUL, which a browser would change before it hashes: that is a

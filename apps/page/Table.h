@@ -16,7 +16,7 @@ struct Column {
 
 class Table {
   public:
-    // `label`: plain text that tells screen readers what the table holds.
+    // `label`: plain text for screen readers, what the table holds.
     Table(std::string const& label, std::vector<Column> const& columns);
 
     // HTML for each column; the first cell names the row.

@@ -15,15 +15,14 @@ constexpr double ordinaryGlyph = 0.55;
 constexpr double capitalGlyph = 0.68;
 constexpr double wideGlyph = 0.86;
 constexpr char ellipsis[] = "\xE2\x80\xA6";
-// The widest fonts that people read, with letters of equal width or for poor sight, upon the common
-// ones.
+// How much wider than common fonts the widest ones are: monospaced, or for readers with poor sight.
 constexpr double wideFont = 1.6;
 
 bool s_isOneOf(char c, std::string_view set) {
     return set.find(c) != std::string_view::npos;
 }
 
-// A byte that goes on with a character of UTF-8.
+// A byte of UTF-8 after the first of its character.
 bool s_isContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
 }

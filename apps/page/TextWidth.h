@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How wide text in a drawing becomes, about: only the browser that lays it out knows, and the fonts
-// of its machine differ. Text that could get too wide is therefore given a width, which browsers
-// keep to whatever the font is. Sizes and widths are pixels. Pure functions.
+// An estimate of how wide text in a drawing becomes: only the browser knows, since fonts differ.
+// Text that could become too wide is therefore given a width, which browsers apply with any font.
+// Sizes and widths are pixels. Pure functions.
 #pragma once
 
 #include <string>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
 
-#include "apps/settings/FactsTable.h"
-#include "apps/settings/SettingOptions.h"
+#include "apps/commandline/Program.h"
+#include "apps/settings/SettingSources.h"
+#include "rules/language/AttributePage.h"
 
 #include <algorithm>
 
@@ -23,6 +24,11 @@ MessageFacts messageFacts(CommandLine const& line) {
     FactsStore facts;
     takeOptions(line, facts);
     return facts.values();
+}
+
+int listAttributes(CommandLine const& /*line*/) {
+    printOutput(Rules::attributePage());
+    return ExitStatus::ok;
 }
 
 bool hasFacts(CommandLine const& line) {

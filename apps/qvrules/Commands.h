@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The commands of qvrules, one source file each, and the words of OptionTable.h that each takes. A
-// command prints to standard output and returns the exit status; what it cannot do it throws as a
-// RuleError or a ProgramError, which become a message and a status.
+// The commands of qvrules, and the table of what each takes. A command prints to standard output
+// and returns the exit status. When it fails it throws a RuleError or a ProgramError, which become
+// a message and a status.
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
 #include "apps/commandline/ProgramError.h"
-#include "apps/settings/MessageFacts.h"
 #include "apps/settings/SettingsTable.h"
 
 namespace Quorvane::RulesApp {
+
+ProgramTable const& rulesTable();
 
 int compile(CommandLine const& line);
 int decompile(CommandLine const& line);
@@ -25,8 +26,8 @@ int test(CommandLine const& line);
 int diff(CommandLine const& line);
 int listAttributes(CommandLine const& line);
 
-// What several of them take. Each throws a UsageError, and a SettingsError for a settings file that
-// is no good.
+// Options of several commands. Each throws a UsageError, and a SettingsError for a bad settings
+// file.
 SettingsStore settingsStore(CommandLine const& line);
 HostSettings hostSettings(CommandLine const& line);
 MessageFacts messageFacts(CommandLine const& line);

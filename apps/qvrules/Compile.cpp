@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
+#include "apps/text/Utf8.h"
+#include "rules/check/Checker.h"
 #include "rules/language/LoadRules.h"
+#include "rules/language/RuleText.h"
 #include "rules/model/RuleError.h"
 #include "rules/model/RuleFolder.h"
+
+#include <iostream>
 
 namespace Quorvane::RulesApp {
 
@@ -12,10 +18,23 @@ int compile(CommandLine const& line) {
     if (std::filesystem::is_directory(source, error)) {
         throw Rules::RuleError(Rules::RuleError::Kind::noInput,
                                source + ": is a folder; compile takes a rule text, "
-                                        "\"qvrules decompile\" makes one of a folder\n");
+                                        "which \"qvrules decompile\" makes from a folder\n");
     }
     auto const rules = Rules::loadRules(source);
     Rules::writeFolder(line.text("output"), rules.m_set);
+    return ExitStatus::ok;
+}
+
+int decompile(CommandLine const& line) {
+    auto const folder = line.text("DIR");
+    auto const set = Rules::readFolder(folder);
+    writeOutput(line.text("output", "-"), Rules::ruleText(set));
+    if (auto const problem = Rules::loadProblem(set)) {
+        std::cerr << toPrintable(folder)
+                  << ": engines refuse these rules, and compile refuses the text "
+                  << "until it is corrected: " << *problem << '\n';
+        return ExitStatus::findings;
+    }
     return ExitStatus::ok;
 }
 

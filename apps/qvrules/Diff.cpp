@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/evaluation/DifferenceReport.h"
+#include "apps/evaluation/Report.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -9,10 +9,6 @@
 namespace Quorvane::RulesApp {
 
 namespace {
-
-Rules::Judge s_judge(Workshop::VectorJudge const& judge) {
-    return [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); };
-}
 
 using Report = std::string(Rules::Difference const&, Reports::ComparedSets const&);
 
@@ -25,8 +21,8 @@ Report* s_report(std::string_view format) {
 } // namespace
 
 int diff(CommandLine const& line) {
-    TrainingMail const mail{mailPaths(line), Copies::none, hostSettings(line)};
-    if (mail.m_paths.isEmpty()) {
+    TrainingMail const mail{mailInputs(line), Copies::none, hostSettings(line)};
+    if (mail.m_inputs.empty()) {
         throw UsageError("give mail (--on, --ham, --spam) or vectors (--vectors, --on-vectors)");
     }
     auto const output = line.text("output", "-");
@@ -38,9 +34,9 @@ int diff(CommandLine const& line) {
     Workshop::VectorJudge const judgeAfter(after.m_set, settings);
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
-    auto const difference = Rules::compare(gathered, s_judge(judgeBefore), s_judge(judgeAfter));
-    Reports::ComparedSets const sets{
-        {line.text("OLD"), before.m_set}, {line.text("NEW"), after.m_set}, settings};
+    auto const difference = Rules::compare(gathered, judgeBefore, judgeAfter);
+    Reports::ComparedSets const sets{{line.text("OLD"), before.m_set, settings},
+                                     {line.text("NEW"), after.m_set, settings}};
     writeOutput(output, s_report(line.text("format"))(difference, sets));
     return difference.m_groups.empty() ? ExitStatus::ok : ExitStatus::findings;
 }

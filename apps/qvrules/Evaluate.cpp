@@ -21,9 +21,9 @@ Report* s_report(std::string_view format) {
 } // namespace
 
 int evaluate(CommandLine const& line) {
-    TrainingMail const mail{mailPaths(line), line.has("augment") ? Copies::apart : Copies::none,
+    TrainingMail const mail{mailInputs(line), line.has("augment") ? Copies::apart : Copies::none,
                             hostSettings(line)};
-    if (mail.m_paths.isEmpty()) {
+    if (mail.m_inputs.empty()) {
         throw UsageError("give mail (--ham, --spam) or vectors (--vectors)");
     }
     auto const output = line.text("output", "-");
@@ -32,10 +32,7 @@ int evaluate(CommandLine const& line) {
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
-    auto const evaluation = Rules::evaluate(
-        gathered.m_sorted,
-        [&judge](Rules::AttributeVector const& vector) { return judge.judge(vector); },
-        gathered.m_sortedSamples);
+    auto const evaluation = Rules::evaluate(gathered.m_sorted, judge, gathered.m_sortedSamples);
     Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, mail.m_host.m_judging};
     writeOutput(output, s_report(line.text("format"))(evaluation, shown));
     return ExitStatus::ok;

@@ -4,11 +4,9 @@
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/story/JsonRecord.h"
-#include "apps/story/TextExplain.h"
-#include "apps/story/TextRecord.h"
+#include "apps/story/ScanText.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
-#include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
 
 namespace Quorvane::RulesApp {
@@ -23,9 +21,8 @@ class Explainer {
 
     void explain(Workshop::AskedItem const& item) const {
         auto const depth = RecordDepth::alternatives;
-        print(item.m_source, item.m_headers
-                                 ? m_host->scan(HeaderReader::read(*item.m_headers), m_facts, depth)
-                                 : m_host->judge(item.m_vector, depth));
+        print(item.m_source, item.m_headers ? m_host->scan(*item.m_headers, m_facts, depth)
+                                            : m_host->judge(item.m_vector, depth));
     }
 
   private:
@@ -55,9 +52,8 @@ int explain(CommandLine const& line) {
     try {
         Workshop::ExplainInput input(asked, interrupt);
         if (input.isVectors() && hasFacts(line)) {
-            throw UsageError(asked +
-                             " holds vectors, and what is known of a message changes none: leave "
-                             "out --env-from and the like");
+            throw UsageError(asked + ": facts about a message do not apply to vectors; leave out "
+                                     "--env-from and the like");
         }
         s_explain(line, input);
     } catch (Interrupted const&) {

@@ -14,32 +14,15 @@ using Rules::Findings;
 using Rules::LoadedRules;
 using Rules::Position;
 using Severity = Finding::Severity;
+using Json = nlohmann::ordered_json;
+
+// In the order of Finding::Severity.
+constexpr char const* severities[] = {"error", "warning", "difference"};
+// In the order of Finding::File; empty for what is about all files together.
+constexpr char const* fileNames[] = {versionFileName, treeFileName, eliteFileName, ""};
 
 char const* s_severity(Finding const& finding) {
-    switch (finding.m_severity) {
-    case Severity::error:
-        return "error";
-    case Severity::warning:
-        return "warning";
-    case Severity::difference:
-        break;
-    }
-    return "difference";
-}
-
-// Empty for what is about all files together.
-char const* s_fileName(Finding::File file) {
-    switch (file) {
-    case Finding::File::readme:
-        return versionFileName;
-    case Finding::File::tree:
-        return treeFileName;
-    case Finding::File::elite:
-        return eliteFileName;
-    case Finding::File::all:
-        break;
-    }
-    return "";
+    return severities[static_cast<std::size_t>(finding.m_severity)];
 }
 
 template<typename T>
@@ -87,7 +70,7 @@ std::string s_where(Finding const& finding) {
 }
 
 std::string s_fileOf(std::string const& path, LoadedRules const& rules, Finding const& finding) {
-    std::string const name = s_fileName(finding.m_file);
+    std::string const name = fileNames[static_cast<std::size_t>(finding.m_file)];
     return rules.m_isText || name.empty() ? path : (std::filesystem::path(path) / name).string();
 }
 
@@ -113,32 +96,26 @@ std::string s_amount(std::ptrdiff_t count, std::string const& what) {
     return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
-nlohmann::ordered_json s_numberOrNull(std::size_t number) {
-    return number == 0 ? nlohmann::ordered_json() : nlohmann::ordered_json(number);
+template<typename Number>
+Json s_jsonIf(bool isKnown, Number const& number) {
+    return isKnown ? Json(number) : Json();
 }
 
-nlohmann::ordered_json s_json(std::string const& path, LoadedRules const& rules,
-                              Finding const& finding) {
+Json s_json(std::string const& path, LoadedRules const& rules, Finding const& finding) {
     auto const position = s_position(rules, finding);
     auto const isNode = finding.m_file == Finding::File::tree;
-    nlohmann::ordered_json json;
-    json["severity"] = s_severity(finding);
-    json["id"] = finding.m_id;
-    json["file"] = s_fileOf(path, rules, finding);
-    json["line"] = s_numberOrNull(position.m_line);
-    json["column"] = s_numberOrNull(position.m_column);
-    json["node"] = nullptr;
-    json["rule"] = nullptr;
-    json["condition"] = nullptr;
-    if (finding.m_number) {
-        json[isNode ? "node" : "rule"] = *finding.m_number;
-    }
-    if (finding.m_condition) {
-        json["condition"] = *finding.m_condition;
-    }
-    json["problem"] = finding.m_problem;
-    json["advice"] = finding.m_advice;
-    return json;
+    auto const number = finding.m_number.value_or(0);
+    return {
+        {"severity", s_severity(finding)},
+        {"id", finding.m_id},
+        {"file", s_fileOf(path, rules, finding)},
+        {"line", s_jsonIf(position.m_line != 0, position.m_line)},
+        {"column", s_jsonIf(position.m_column != 0, position.m_column)},
+        {"node", s_jsonIf(finding.m_number && isNode, number)},
+        {"rule", s_jsonIf(finding.m_number && !isNode, number)},
+        {"condition", s_jsonIf(finding.m_condition.has_value(), finding.m_condition.value_or(0))},
+        {"problem", finding.m_problem},
+        {"advice", finding.m_advice}};
 }
 
 } // namespace
@@ -165,20 +142,19 @@ std::string findingsAsText(CheckedRules const& checked, Findings const& findings
 
 std::string findingsAsJson(CheckedRules const& checked, Findings const& findings) {
     auto const& path = checked.m_path;
-    nlohmann::ordered_json json;
-    json["path"] = path;
-    json["errors"] = s_count(findings, Severity::error);
-    json["warnings"] = s_count(findings, Severity::warning);
+    Json json = {{"path", path},
+                 {"errors", s_count(findings, Severity::error)},
+                 {"warnings", s_count(findings, Severity::warning)}};
     if (!checked.m_against.empty()) {
         json["against"] = checked.m_against;
         json["differences"] = s_count(findings, Severity::difference);
     }
-    json["findings"] = nlohmann::ordered_json::array();
+    json["findings"] = Json::array();
     for (auto const& finding : findings) {
         json["findings"].push_back(s_json(path, checked.m_rules, finding));
     }
     // A path is bytes and need not be UTF-8.
-    return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
 } // namespace Quorvane::RulesApp

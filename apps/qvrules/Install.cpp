@@ -17,7 +17,7 @@ namespace {
 using Rules::Finding;
 using Rules::Findings;
 
-// Below the root, as with an installer's DESTDIR.
+// Below the root, like DESTDIR of an installer.
 std::filesystem::path s_folder(std::string const& root) {
     return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
 }
@@ -37,7 +37,7 @@ bool s_isError(Finding const& finding) {
 void s_refuseUnloadable(std::string const& source, Rules::RuleSet const& set) {
     if (auto const problem = Rules::loadProblem(set)) {
         throw Rules::RuleError(Rules::RuleError::Kind::badRules,
-                               source + ": " + *problem + "; \"qvrules check\" says more");
+                               source + ": " + *problem + "; \"qvrules check\" shows more");
     }
 }
 
@@ -48,7 +48,7 @@ int install(CommandLine const& line) {
     auto const source = line.text("PATH");
     bool const isRollback = line.has("rollback");
     if (isRollback != source.empty()) {
-        throw UsageError("install takes a PATH or --rollback, one of the two");
+        throw UsageError("install takes either a PATH or --rollback");
     }
     if (isRollback) {
         s_report(folder, Rules::rollBack(folder));
@@ -61,7 +61,7 @@ int install(CommandLine const& line) {
         std::cerr << toPrintableLines(findingsAsText({source, rules, ""}, findings));
     }
     if (!line.has("force") && std::any_of(findings.begin(), findings.end(), s_isError)) {
-        std::cerr << "nothing was installed; fix the errors, or add --force\n";
+        std::cerr << "nothing was installed; correct the errors, or add --force\n";
         return ExitStatus::findings;
     }
     s_report(folder, Rules::installRules(folder, rules.m_set));

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Learn.h"
-
 #include "apps/commandline/Progress.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
+#include "apps/settings/SettingValue.h"
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
-#include "rules/learn/LearnedText.h"
+#include "rules/learn/Learner.h"
 #include "rules/learn/TreeRecords.h"
 #include "rules/model/Files.h"
 #include "rules/vectors/LearnError.h"
-#include "rules/vectors/VectorCsvWriter.h"
+#include "rules/vectors/VectorCsv.h"
 
 #include <iostream>
 #include <sstream>
@@ -19,6 +18,80 @@
 namespace Quorvane::RulesApp {
 
 namespace {
+
+// Names in old mail may no longer exist, which the tree would learn.
+void s_turnLookupsOff(CommandLine const& line, HostSettings& host) {
+    if (line.text("dns", "off") != "off" || line.has("dns-data")) {
+        throw UsageError("--dns and --dns-data need --lookups");
+    }
+    host.m_dns = "off";
+}
+
+// Keeps the default if nothing is given.
+template<typename Number>
+void s_readNumber(CommandLine const& line, std::string const& name, Number& number) {
+    try {
+        if (line.has(name)) {
+            readSetting(line.text(name), number);
+        }
+    } catch (SettingsError const& error) {
+        throw UsageError("--" + name + ": " + error.what());
+    }
+}
+
+Rules::LearnSettings s_settings(CommandLine const& line) {
+    Rules::LearnSettings settings;
+    settings.m_impurity =
+        line.text("impurity") == "gini" ? Rules::ImpurityKind::gini : Rules::ImpurityKind::entropy;
+    s_readNumber(line, "min-node-support", settings.m_minSupport);
+    s_readNumber(line, "min-gain", settings.m_minGain);
+    s_readNumber(line, "max-nodes", settings.m_maxNodes);
+    if (line.has("lookups")) {
+        settings.m_attributes.fill(true);
+    }
+    try {
+        for (auto const& name : line.texts("exclude")) {
+            Rules::selectAttribute(settings.m_attributes, name, false);
+        }
+        Rules::checkSettings(settings);
+    } catch (Rules::LearnError const& error) {
+        throw UsageError(error.what()); // here the command line is wrong
+    }
+    return settings;
+}
+
+Rules::PruningPlan s_pruning(CommandLine const& line) {
+    auto const text = line.text("prune", "minimum");
+    if (text == "minimum") {
+        return Rules::PruningRule::minimum;
+    }
+    if (text == "one-se") {
+        return Rules::PruningRule::oneStandard;
+    }
+    if (text == "none") {
+        return 0.0;
+    }
+    double alpha = -1.0;
+    try {
+        readSetting(text, alpha);
+    } catch (SettingsError const&) {
+        // It is refused below.
+    }
+    if (!(alpha >= 0.0)) {
+        throw UsageError("--prune takes minimum, one-se, none or a number from 0 on, not '" + text +
+                         "'");
+    }
+    return alpha;
+}
+
+TrainingMail s_trainingMail(CommandLine const& line) {
+    TrainingMail mail{mailInputs(line), line.has("augment") ? Copies::together : Copies::none,
+                      hostSettings(line)};
+    if (!line.has("lookups")) {
+        s_turnLookupsOff(line, mail.m_host);
+    }
+    return mail;
+}
 
 void s_writeTable(std::string const& path, Rules::VectorTable const& table) {
     std::ostringstream text;
@@ -32,7 +105,7 @@ std::string s_treeText(Rules::LearnedTree const& learned) {
     return Rules::ruleText(set);
 }
 
-// What stands before the learned tree; empty without --with.
+// The text before the learned tree; empty without --with.
 std::string s_textBefore(std::string const& path) {
     if (path.empty()) {
         return {};
@@ -43,8 +116,9 @@ std::string s_textBefore(std::string const& path) {
         throw Rules::LearnError(Rules::showErrors(path, text, compiled.m_errors));
     }
     if (!compiled.m_set.m_nodes.empty()) {
-        throw Rules::LearnError(path + ": it has a tree already, and --with puts rules before the "
-                                       "tree that is learned; take its tree out");
+        throw Rules::LearnError(path +
+                                ": it already has a tree; --with takes rules without one, to "
+                                "put them before the learned tree");
     }
     return text + (text.empty() || text.back() == '\n' ? "\n" : "\n\n");
 }
@@ -67,8 +141,8 @@ void s_report(Rules::LearnedTree const& learned, TrainingMailCounts const& count
     }
     std::cerr << ")\n";
     if (learned.m_tree.leafCount() == 1) {
-        std::cerr << "qvrules: no attribute tells this spam from this ham: the rules judge "
-                     "nothing; learn from more mail or allow smaller support\n";
+        std::cerr << "qvrules: no attribute separates this spam from this ham, so the rules "
+                     "judge nothing; use more mail or a smaller --min-node-support\n";
     }
 }
 
@@ -86,18 +160,18 @@ Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings
 } // namespace
 
 int learn(CommandLine const& line) {
-    auto const mail = trainingMail(line);
+    auto const mail = s_trainingMail(line);
     auto const output = line.text("output");
     auto const tablePath = line.text("table");
-    if (mail.m_paths.isEmpty()) {
+    if (mail.m_inputs.empty()) {
         throw UsageError("give training mail (--ham, --spam) or vectors (--vectors)");
     }
     if (output.empty() && tablePath.empty()) {
         throw UsageError("give -o SRC for rules or --table FILE for the vectors");
     }
-    // Before hours of scanning: is all else right?
-    auto const settings = learnSettings(line);
-    auto const plan = pruningPlan(line);
+    // Check everything else before hours of scanning.
+    auto const settings = s_settings(line);
+    auto const plan = s_pruning(line);
     auto const before = s_textBefore(line.text("with"));
     requireWritable(output);
     requireWritable(tablePath);

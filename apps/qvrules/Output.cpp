@@ -15,8 +15,7 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
-// A link, pipe or device is written into: root would otherwise put a file in the place of
-// /dev/stdout.
+// A link, pipe or device is written into: otherwise root would replace /dev/stdout by a file.
 bool s_isReplaced(std::string const& path) {
     std::error_code error;
     auto const status = std::filesystem::symlink_status(path, error);

@@ -7,7 +7,7 @@
 #include "apps/show/MessageExplainer.h"
 #include "apps/show/Page.h"
 #include "apps/show/PageServer.h"
-#include "apps/show/TrafficMeter.h"
+#include "apps/show/Traffic.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
@@ -28,7 +28,7 @@ struct ShowArguments {
     std::vector<std::string> m_vectors;
     // Messages that the page offers.
     std::vector<std::string> m_messages;
-    // Given: serve the page. Empty: on any port that is free.
+    // If given, serve the page; empty: on any free port.
     std::optional<std::string> m_serve;
     HostSettings m_settings;
     MessageFacts m_facts; // of those messages
@@ -46,7 +46,7 @@ ShowArguments s_arguments(CommandLine const& line) {
             messageFacts(line)};
 }
 
-// Any corpus will do: nothing tells them apart here.
+// Any corpus name will do: it is not used here.
 std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
     std::vector<std::string> named;
     named.reserve(paths.size());
@@ -58,23 +58,25 @@ std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
 
 Rules::VectorTable s_mail(ShowArguments const& arguments, TrainingMailCounts& counts) {
     TrainingMail mail;
-    mail.m_paths.m_unsorted = s_asCorpus(arguments.m_on);
-    mail.m_paths.m_unsortedVectors = s_asCorpus(arguments.m_vectors);
+    if (!arguments.m_on.empty()) {
+        mail.m_inputs.push_back({s_asCorpus(arguments.m_on)});
+    }
+    mail.m_inputs.push_back({s_asCorpus(arguments.m_vectors), true});
     mail.m_host = arguments.m_settings;
     return gatherMessages(mail, counts).m_unsorted;
 }
 
 Show::Traffic s_traffic(DeepHeaderEngine const& engine, DeepHeaderSettings const& settings,
                         Rules::VectorTable const& table, TrainingMailCounts const& counts) {
-    Show::TrafficMeter meter(engine, settings);
+    Show::Traffic traffic;
     for (auto const& row : table.all()) {
-        meter.add(row.m_vector, row.m_counts.total());
+        traffic.add(engine, settings, row.m_vector, row.m_counts.total());
     }
-    meter.addNotJudgeable(counts.m_notJudgeable);
-    return meter.traffic();
+    traffic.m_notJudgeable = counts.m_notJudgeable;
+    return traffic;
 }
 
-// Empty: any port that is free.
+// Empty: any free port.
 int s_port(std::string const& text) {
     constexpr int highest = 65535;
     try {
@@ -129,7 +131,7 @@ bool s_takesMessages(ShowArguments const& arguments) {
     return !arguments.m_messages.empty() || arguments.m_serve;
 }
 
-// Whether the rules have to run, and not only to be drawn.
+// Whether the rules are not only drawn, but run.
 bool s_needsEngine(ShowArguments const& arguments) {
     return !arguments.m_on.empty() || !arguments.m_vectors.empty() || s_takesMessages(arguments);
 }
@@ -157,7 +159,7 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     }
 }
 
-// Throws a UsageError for what does not go together.
+// Throws a UsageError for options that exclude each other.
 void s_check(ShowArguments const& arguments, bool areFactsGiven) {
     if (!arguments.m_messages.empty() && arguments.m_format != "html" && !arguments.m_serve) {
         throw UsageError("--message is for a page: add --format html or --serve");

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/Test.h"
-
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
+#include "apps/text/Utf8.h"
+#include "apps/workshop/CaseRunner.h"
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 namespace Quorvane::RulesApp {
 
@@ -14,6 +16,12 @@ namespace {
 
 namespace fs = std::filesystem;
 using Files = std::vector<Workshop::CaseFile>;
+
+struct TestedCase {
+    std::string m_path;
+    Workshop::RuleCase const* m_case;
+    Workshop::CaseResult m_result;
+};
 
 // By name, so that reports compare.
 std::vector<std::string> s_filesIn(std::string const& folder) {
@@ -60,6 +68,80 @@ void s_load(Files const& files, Workshop::CaseRunner& runner) {
     }
 }
 
+using Json = nlohmann::ordered_json;
+
+std::size_t s_failures(std::vector<TestedCase> const& cases) {
+    return static_cast<std::size_t>(
+        std::count_if(cases.begin(), cases.end(),
+                      [](TestedCase const& tested) { return !tested.m_result.hasPassed(); }));
+}
+
+std::string s_failureLine(TestedCase const& tested) {
+    auto const& result = tested.m_result;
+    std::string expected;
+    std::string came;
+    for (auto const& difference : result.m_differences) {
+        auto const start = (expected.empty() ? "" : ", ") + difference.m_what + " ";
+        expected += start + difference.m_expected;
+        came += start + difference.m_came;
+    }
+    auto const sentences = boost::algorithm::join(result.m_sentences, "; ");
+    auto const why = result.m_because + (sentences.empty() ? "" : ": " + sentences);
+    return toPrintable(tested.m_path + ":" + std::to_string(tested.m_case->m_line) + ": " +
+                       tested.m_case->m_name + ": expected " + expected + "; came " + came + " (" +
+                       why + ")") +
+           "\n";
+}
+
+std::string s_summary(std::size_t cases, std::size_t failures) {
+    auto const count = std::to_string(cases) + (cases == 1 ? " case: " : " cases: ");
+    return failures == 0 ? count + "all passed\n"
+                         : count + std::to_string(cases - failures) + " passed, " +
+                               std::to_string(failures) + " failed\n";
+}
+
+Json s_result(TestedCase const& tested) {
+    auto const& result = tested.m_result;
+    auto differences = Json::array();
+    for (auto const& difference : result.m_differences) {
+        differences.push_back({{"what", difference.m_what},
+                               {"expected", toUtf8(difference.m_expected)},
+                               {"came", toUtf8(difference.m_came)}});
+    }
+    return {{"file", toUtf8(tested.m_path)},
+            {"line", tested.m_case->m_line},
+            {"name", toUtf8(tested.m_case->m_name)},
+            {"passed", result.hasPassed()},
+            {"differences", differences},
+            {"verdict", result.m_verdict},
+            {"node", result.m_node},
+            {"confidence", result.m_confidence},
+            {"reasons", toUtf8(result.m_reasons)},
+            {"because", toUtf8(result.m_because)},
+            {"sentences", toUtf8(result.m_sentences)}};
+}
+
+std::string s_text(std::vector<TestedCase> const& cases) {
+    std::string text;
+    for (auto const& tested : cases) {
+        text += tested.m_result.hasPassed() ? "" : s_failureLine(tested);
+    }
+    return text + s_summary(cases.size(), s_failures(cases));
+}
+
+std::string s_json(std::vector<TestedCase> const& cases) {
+    auto const failures = s_failures(cases);
+    auto results = Json::array();
+    for (auto const& tested : cases) {
+        results.push_back(s_result(tested));
+    }
+    Json const report = {{"cases", cases.size()},
+                         {"passed", cases.size() - failures},
+                         {"failed", failures},
+                         {"results", results}};
+    return report.dump(2, ' ', true) + "\n";
+}
+
 } // namespace
 
 int test(CommandLine const& line) {
@@ -72,11 +154,8 @@ int test(CommandLine const& line) {
             cases.push_back({file.m_path, &one, runner.run(one, file.m_path, file.m_rules)});
         }
     }
-    writeOutput("-", line.text("format") == "json" ? testJson(cases) : testText(cases));
-    bool const hasPassed = std::all_of(cases.begin(), cases.end(), [](TestedCase const& tested) {
-        return tested.m_result.hasPassed();
-    });
-    return hasPassed ? ExitStatus::ok : ExitStatus::findings;
+    writeOutput("-", line.text("format") == "json" ? s_json(cases) : s_text(cases));
+    return s_failures(cases) == 0 ? ExitStatus::ok : ExitStatus::findings;
 }
 
 } // namespace Quorvane::RulesApp

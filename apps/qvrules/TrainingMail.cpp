@@ -2,13 +2,13 @@
 #include "apps/qvrules/TrainingMail.h"
 
 #include "apps/commandline/Progress.h"
-#include "apps/qvrules/CorpusPath.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/model/RuleError.h"
 #include "rules/vectors/VectorCsv.h"
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -18,11 +18,48 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
-// What is made of the messages of one list of inputs.
-struct Heap {
-    Rules::VectorTableBuilder& m_table;
-    Rules::SampleSources& m_samples;
-    Rules::MailLabel m_label;
+struct CorpusPath {
+    std::string m_corpus;
+    std::string m_path;
+};
+
+std::string s_folderOf(std::string const& path) {
+    if (path == "-") {
+        return "stdin";
+    }
+    auto whole = std::filesystem::absolute(path).lexically_normal();
+    if (!whole.has_filename()) {
+        whole = whole.parent_path(); // it ended in a slash
+    }
+    return whole.parent_path().filename().string();
+}
+
+// The name of the corpus is what stands before the first '=', when there is no '/' in it. Otherwise
+// it is the folder that the path lies in: ham and spam of one site are usually side by side.
+CorpusPath s_corpusPath(std::string const& text) {
+    auto const equals = text.find('=');
+    if (equals != std::string::npos && equals > 0 && text.find('/') > equals) {
+        return {text.substr(0, equals), text.substr(equals + 1)};
+    }
+    return {s_folderOf(text), text};
+}
+
+struct MailOption {
+    char const* m_name;
+    bool m_areVectors;
+    bool m_isSorted;
+    std::optional<Rules::MailLabel> m_label;
+};
+
+// Messages first: the scanner that reads them keeps signals to itself.
+constexpr MailOption mailOptions[] = {
+    {"ham", false, true, Rules::MailLabel::ham},
+    {"spam", false, true, Rules::MailLabel::spam},
+    {"on", false, false, Rules::MailLabel::ham},
+    {"vectors", true, true, std::nullopt},
+    {"ham-vectors", true, true, Rules::MailLabel::ham},
+    {"spam-vectors", true, true, Rules::MailLabel::spam},
+    {"on-vectors", true, false, Rules::MailLabel::ham},
 };
 
 class TrainingMailReader {
@@ -31,54 +68,47 @@ class TrainingMailReader {
         : m_mail(mail), m_counts(counts) {}
 
     Rules::ComparedMail read() {
-        readMessages(m_mail.m_paths.m_ham,
-                     {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::ham});
-        readMessages(m_mail.m_paths.m_spam,
-                     {m_sorted, m_found.m_sortedSamples, Rules::MailLabel::spam});
-        readMessages(m_mail.m_paths.m_unsorted,
-                     {m_unsorted, m_found.m_unsortedSamples, Rules::MailLabel::ham});
-        m_scanner.reset(); // signals are its own as long as it lives
-        readTables(m_mail.m_paths.m_vectors, std::nullopt, m_sorted);
-        readTables(m_mail.m_paths.m_hamVectors, Rules::MailLabel::ham, m_sorted);
-        readTables(m_mail.m_paths.m_spamVectors, Rules::MailLabel::spam, m_sorted);
-        readTables(m_mail.m_paths.m_unsortedVectors, Rules::MailLabel::ham, m_unsorted);
+        for (auto const& inputs : m_mail.m_inputs) {
+            inputs.m_areVectors ? readTables(inputs) : readMessages(inputs);
+        }
         m_found.m_sorted = m_sorted.finish();
         m_found.m_unsorted = m_unsorted.finish();
         return std::move(m_found);
     }
 
   private:
-    void readMessages(std::vector<std::string> const& paths, Heap heap) {
-        if (paths.empty()) {
-            return;
-        }
+    void readMessages(MailInputs const& inputs) {
         if (!m_scanner) {
             m_scanner = std::make_unique<Workshop::MailVectors>(m_mail.m_host,
                                                                 m_mail.m_copies != Copies::none);
             m_progress.emplace("qvrules"); // its thread leaves signals to the scanner
         }
-        for (auto const& text : paths) {
-            auto const input = readCorpusPath(text);
+        for (auto const& text : inputs.m_paths) {
+            auto const input = s_corpusPath(text);
             m_scanner->scan({input.m_path}, [&](Workshop::MailVector const& mail) {
-                add(mail, heap, input.m_corpus);
+                add(mail, inputs, input.m_corpus);
             });
         }
     }
 
-    void add(Workshop::MailVector const& mail, Heap const& heap, std::string const& corpus) {
+    void add(Workshop::MailVector const& mail, MailInputs const& inputs,
+             std::string const& corpus) {
+        auto& table = tableOf(inputs);
+        auto& samples = inputs.m_isSorted ? m_found.m_sortedSamples : m_found.m_unsortedSamples;
+        auto const label = inputs.m_label.value_or(Rules::MailLabel::ham);
         ++m_counts.m_messages;
         if (mail.m_vector) {
-            heap.m_table.add(*mail.m_vector, heap.m_label, corpus);
-            keepSample(heap.m_samples[{*mail.m_vector, heap.m_label}], mail.m_source);
+            table.add(*mail.m_vector, label, corpus);
+            keepSample(samples[{*mail.m_vector, label}], mail.m_source);
         } else {
             ++m_counts.m_notJudgeable;
-            heap.m_table.addUnjudged(heap.m_label, corpus);
+            table.addUnjudged(label, corpus);
         }
         if (mail.m_withoutReverseName) {
             ++m_counts.m_copies;
             bool const apart = m_mail.m_copies == Copies::apart;
-            heap.m_table.add(*mail.m_withoutReverseName, heap.m_label,
-                             apart ? corpus + ", no reverse names" : corpus);
+            table.add(*mail.m_withoutReverseName, label,
+                      apart ? corpus + ", no reverse names" : corpus);
         }
         m_progress->update(m_counts.m_messages);
     }
@@ -89,12 +119,17 @@ class TrainingMailReader {
         }
     }
 
-    void readTables(std::vector<std::string> const& paths, std::optional<Rules::MailLabel> label,
-                    Rules::VectorTableBuilder& table) {
-        for (auto const& text : paths) {
-            auto const input = readCorpusPath(text);
+    Rules::VectorTableBuilder& tableOf(MailInputs const& inputs) {
+        return inputs.m_isSorted ? m_sorted : m_unsorted;
+    }
+
+    void readTables(MailInputs const& inputs) {
+        m_scanner.reset(); // signals are its own as long as it lives
+        for (auto const& text : inputs.m_paths) {
+            auto const input = s_corpusPath(text);
             if (input.m_path == "-") {
-                readTable(std::cin, "standard input", {label, input.m_corpus}, table);
+                readTable(std::cin, "standard input", {inputs.m_label, input.m_corpus},
+                          tableOf(inputs));
                 continue;
             }
             std::ifstream file(input.m_path, std::ios::binary);
@@ -103,11 +138,11 @@ class TrainingMailReader {
                                        input.m_path +
                                            ": cannot be opened: " + std::strerror(errno));
             }
-            readTable(file, input.m_path, {label, input.m_corpus}, table);
+            readTable(file, input.m_path, {inputs.m_label, input.m_corpus}, tableOf(inputs));
         }
     }
 
-    // A folder opens like a file and then fails to read.
+    // A folder can be opened like a file; reading it fails.
     void readTable(std::istream& stream, std::string const& name,
                    Rules::VectorCsvDefaults const& defaults, Rules::VectorTableBuilder& table) {
         if (!m_progress) {
@@ -135,15 +170,15 @@ class TrainingMailReader {
 
 } // namespace
 
-bool MailPaths::isEmpty() const {
-    return m_ham.empty() && m_spam.empty() && m_vectors.empty() && m_hamVectors.empty() &&
-           m_spamVectors.empty() && m_unsorted.empty() && m_unsortedVectors.empty();
-}
-
-MailPaths mailPaths(CommandLine const& line) {
-    return {line.texts("ham"),         line.texts("spam"),         line.texts("vectors"),
-            line.texts("ham-vectors"), line.texts("spam-vectors"), line.texts("on"),
-            line.texts("on-vectors")};
+std::vector<MailInputs> mailInputs(CommandLine const& line) {
+    std::vector<MailInputs> inputs;
+    for (auto const& option : mailOptions) {
+        if (line.has(option.m_name)) {
+            inputs.push_back({line.texts(option.m_name), option.m_areVectors, option.m_isSorted,
+                              option.m_label});
+        }
+    }
+    return inputs;
 }
 
 Rules::ComparedMail gatherMail(TrainingMail const& mail, TrainingMailCounts& counts) {
@@ -154,7 +189,7 @@ Rules::ComparedMail gatherMessages(TrainingMail const& mail, TrainingMailCounts&
     auto gathered = gatherMail(mail, counts);
     if (gathered.m_sorted.corpora().empty() && gathered.m_unsorted.corpora().empty()) {
         throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                               "no messages in what was given: nothing to measure");
+                               "the inputs hold no messages: nothing to measure");
     }
     return gathered;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Gathers the mail that a command names into tables: messages, scanned, and tables of vectors from
-// elsewhere.
+// Gathers the mail that a command line names into tables: messages, which are scanned, and tables
+// of vectors.
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
@@ -10,37 +10,33 @@
 #include "rules/vectors/VectorTable.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Quorvane::RulesApp {
 
-// What becomes of copies as a gateway that records no reverse DNS would have recorded the mail.
+// Copies of the mail as a gateway without reverse DNS would have recorded it.
 enum class Copies {
     none,
     together, // they belong to the corpus of the mail
     apart,    // they are a corpus of their own
 };
 
-// What a command line names, each [CORPUS=]PATH.
-struct MailPaths {
-    std::vector<std::string> m_ham;
-    std::vector<std::string> m_spam;
-    std::vector<std::string> m_vectors;     // rows say their label
-    std::vector<std::string> m_hamVectors;  // rows are all ham
-    std::vector<std::string> m_spamVectors; // rows are all spam
-    // Mail that nobody has sorted.
-    std::vector<std::string> m_unsorted;
-    std::vector<std::string> m_unsortedVectors;
-
-    bool isEmpty() const;
+// What one option names.
+struct MailInputs {
+    std::vector<std::string> m_paths; // each [CORPUS=]PATH
+    bool m_areVectors = false;        // tables of vectors, not messages
+    bool m_isSorted = false;
+    // Empty: the rows of the tables have labels. Without meaning for unsorted mail.
+    std::optional<Rules::MailLabel> m_label = Rules::MailLabel::ham;
 };
 
 // The options of learn, evaluate and diff.
-MailPaths mailPaths(CommandLine const& line);
+std::vector<MailInputs> mailInputs(CommandLine const& line);
 
 struct TrainingMail {
-    MailPaths m_paths;
+    std::vector<MailInputs> m_inputs;
     Copies m_copies = Copies::none;
     HostSettings m_host;
 };
@@ -51,11 +47,11 @@ struct TrainingMailCounts {
     std::uint64_t m_copies = 0;       // rewritten messages that were added
 };
 
-// All of it, with the sources of some messages of each kind. A RuleError for an input that cannot
-// be read, a SettingsError for settings that cannot be put in force.
+// All mail, with the sources of some messages of each kind. A RuleError for an input that cannot be
+// read, a SettingsError for settings that cannot be put in force.
 Rules::ComparedMail gatherMail(TrainingMail const& mail, TrainingMailCounts& counts);
 
-// The same for commands that measure: a RuleError when there is no message in it at all.
+// The same for commands that measure: a RuleError when there are no messages at all.
 Rules::ComparedMail gatherMessages(TrainingMail const& mail, TrainingMailCounts& counts);
 
 } // namespace Quorvane::RulesApp

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/OptionTable.h"
-#include "apps/settings/SettingOptions.h"
+#include "apps/settings/SettingSources.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/model/RuleError.h"
@@ -35,7 +34,7 @@ constexpr Command commands[] = {
     {"attributes", listAttributes},
 };
 
-// What the program does without a command: the settings of those that look at mail.
+// Without a command the program can show the settings of the commands that scan mail.
 int s_showConfig(CommandLine const& line) {
     if (!line.has(showConfigRow.m_name)) {
         throw UsageError("a command is missing");
@@ -44,19 +43,9 @@ int s_showConfig(CommandLine const& line) {
     return ExitStatus::ok;
 }
 
-int s_status(Rules::RuleError::Kind kind) {
-    switch (kind) {
-    case Rules::RuleError::Kind::badData:
-        return ExitStatus::badData;
-    case Rules::RuleError::Kind::noInput:
-        return ExitStatus::noInput;
-    case Rules::RuleError::Kind::cannotWrite:
-        return ExitStatus::cannotWrite;
-    case Rules::RuleError::Kind::badRules:
-        break;
-    }
-    return ExitStatus::config;
-}
+// In the order of RuleError::Kind.
+constexpr int statuses[] = {ExitStatus::badData, ExitStatus::noInput, ExitStatus::cannotWrite,
+                            ExitStatus::config};
 
 int s_run(CommandLine const& line) {
     auto const* const command =
@@ -65,10 +54,10 @@ int s_run(CommandLine const& line) {
     try {
         return command == std::end(commands) ? s_showConfig(line) : command->m_run(line);
     } catch (Rules::RuleError const& error) {
-        // It names a file and a place in it first, as compilers do.
+        // It begins with a file and a place in it, as the errors of compilers do.
         std::string const text = error.what();
         std::cerr << toPrintableLines(text) << (text.ends_with('\n') ? "" : "\n");
-        return s_status(error.kind());
+        return statuses[static_cast<std::size_t>(error.kind())];
     } catch (Workshop::ScanInterrupted const& interrupted) {
         return ExitStatus::interrupted + interrupted.m_signal;
     }
@@ -79,7 +68,7 @@ int s_run(CommandLine const& line) {
 } // namespace Quorvane::RulesApp
 
 int main(int argc, char** argv) {
-    // A reader that has seen enough ends us without a word, whatever we were started with.
+    // A reader that closes the pipe ends the program silently, whatever handling we inherit.
     std::signal(SIGPIPE, SIG_DFL);
     return Quorvane::runProgram(Quorvane::RulesApp::rulesTable(), argc, argv,
                                 Quorvane::RulesApp::s_run);

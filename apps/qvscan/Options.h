@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a command line of qvscan asks for. Read once at start, then only looked at.
+// The command line of qvscan: its options, and what it asks for. Read once at start.
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
-#include "apps/settings/MessageFacts.h"
 #include "apps/settings/SettingsTable.h"
 
 #include <optional>
@@ -26,7 +25,9 @@ struct ScanOptions {
     std::vector<std::string> m_paths;
 };
 
-// Throws a UsageError, and a SettingsError for a settings file that is no good.
+ProgramTable const& scanTable();
+
+// Throws a UsageError, and a SettingsError for a bad settings file.
 ScanOptions scanOptions(CommandLine const& line);
 
 } // namespace Quorvane

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/ScanRun.h"
 
-#include "apps/commandline/ExitStatus.h"
-#include "apps/qvscan/CsvRecord.h"
+#include "apps/commandline/ProgramError.h"
 #include "apps/story/JsonRecord.h"
-#include "apps/story/TextExplain.h"
-#include "apps/story/TextRecord.h"
+#include "apps/story/ScanText.h"
 #include "apps/text/Utf8.h"
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
+#include "rules/vectors/VectorCsv.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -24,7 +23,7 @@ OutputFormat s_format(ScanOptions const& options) {
     return options.m_format.value_or(isTerminal ? OutputFormat::text : OutputFormat::json);
 }
 
-// no-color.org: any value but the empty one asks for plain text.
+// no-color.org: any value but the empty one requests plain text.
 bool s_wantsColour() {
     auto const* const noColour = std::getenv("NO_COLOR");
     return (noColour == nullptr || *noColour == '\0') && ::isatty(STDOUT_FILENO) == 1;
@@ -51,7 +50,10 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
         return m_options.m_explain ? jsonExplanation(item.m_source, record, settings)
                                    : jsonRecord(item.m_source, record);
     case OutputFormat::csv:
-        return csvRecord(item.m_source, record);
+        return Rules::csvField(item.m_source) +
+               (record.isJudged() ? Rules::csvValues(record.attributes)
+                                  : std::string(attributeCount, ',')) +
+               "\n";
     case OutputFormat::text:
         break;
     }
@@ -65,7 +67,8 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     }
     auto const headers = HeaderReader::read(item.m_headers);
     if (headers.headers().empty()) {
-        return s_problem(item.m_source, "no message: it has no header field", ExitStatus::badData);
+        return s_problem(item.m_source, "not a message: it has no header field",
+                         ExitStatus::badData);
     }
     auto const depth = m_options.m_explain ? RecordDepth::alternatives : RecordDepth::result;
     auto const record = m_host->scan(headers, m_options.m_facts, depth);
@@ -118,16 +121,16 @@ void ScanRun::startProgress() {
     }
 }
 
-// A program that sits there without a word seems to hang.
-void ScanRun::sayThatItWaits() {
+// A program that waits silently seems to hang.
+void ScanRun::reportWaiting() {
     if (m_options.m_paths.empty() && ::isatty(STDIN_FILENO) == 1) {
         m_errors.write("qvscan: waiting for a message on standard input; Ctrl-D ends it, and "
                        "qvscan --help shows the options\n");
     }
 }
 
-// A name that could not be asked counts as one that does not exist, so a judgement may hang on it.
-void ScanRun::sumUpLookups() {
+// A failed look-up counts as a name that does not exist, which can change a verdict.
+void ScanRun::reportLookups() {
     auto const counters = Resolver::instance().counters();
     if (showsProgress() && counters.m_failed + counters.m_late > 0) {
         m_errors.write("qvscan: DNS: " + std::to_string(counters.m_failed) +
@@ -154,9 +157,9 @@ void ScanRun::submitAll(OrderedPool& pool) {
 
 int ScanRun::run() {
     if (m_format == OutputFormat::csv) {
-        m_output.write(csvHeader());
+        m_output.write(Rules::csvHeader() + "\n");
     }
-    sayThatItWaits();
+    reportWaiting();
     startProgress();
     OrderedPool pool(m_host->settings().m_jobs, [this](InputItem const& item) {
         return [this, result = judge(item)] { return take(result); };
@@ -164,7 +167,7 @@ int ScanRun::run() {
     submitAll(pool);
     pool.finish();
     m_progress.reset();
-    sumUpLookups();
+    reportLookups();
     if (m_output.error() != 0) {
         m_errors.write(std::string("qvscan: cannot write: ") + std::strerror(m_output.error()) +
                        "\n");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ScanRun: judges all messages of a command line and writes what was found, in the order of input.
-// One object a process; run is called once.
+// ScanRun: judges all messages of a command line and writes the results in the order of the input.
+// One object per process; run is called once.
 #pragma once
 
 #include "apps/commandline/Progress.h"
@@ -19,7 +19,7 @@
 
 namespace Quorvane {
 
-// What is to be written for one message, and what it means for the exit status.
+// The output for one message, and its effect on the exit status.
 struct ScanResult {
     std::string m_output;
     std::string m_errors;
@@ -42,8 +42,8 @@ class ScanRun {
     bool take(ScanResult const& result);
     bool showsProgress() const;
     void startProgress();
-    void sayThatItWaits();
-    void sumUpLookups();
+    void reportWaiting();
+    void reportLookups();
     void note(int problem);
     int exitStatus() const;
 

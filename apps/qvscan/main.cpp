@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
-#include "apps/qvscan/OptionTable.h"
 #include "apps/qvscan/ScanRun.h"
 
 #include <csignal>

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// HostSettings: what a site tells every program that scans: where the rules are, the thresholds,
-// its relays, its resolver. A plain record; SettingsTable.h names each field for the settings file
+// HostSettings: what a site sets for every program that scans: where the rules are, the thresholds,
+// its relays, its resolver. Plain records; SettingsTable.h names each field for the settings file
 // and the command line.
 #pragma once
 
 #include "apps/settings/DnsList.h"
 #include "platform/DeepHeaderSettings.h"
+#include "platform/EmailAddress.h"
+#include "platform/IPAddress.h"
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,12 +47,26 @@ struct HostSettings {
     std::string m_dns = "system";
     // Seconds that the look-ups of one message may take in all.
     double m_dnsTimeout = 2.0;
-    // File of zone lines; empty: none. Given, nothing else is asked.
+    // File of zone lines; empty: none. When it is given, nothing else is asked.
     std::string m_dnsData;
-    // The same as lines, for programs that make them; they come after those of the file.
+    // More zone lines, from the program itself; they follow those of the file.
     std::vector<std::string> m_zoneLines;
     // Scanning threads; 0: one for each core.
     unsigned int m_jobs = 0;
+};
+
+// What a host knows about a message besides its text.
+struct MessageFacts {
+    // Value of the Received header that the host is about to add.
+    std::optional<std::string> m_currentReceived;
+    std::int32_t m_currentIsForged = 0;
+    // Of the client; not null: its score is looked up, and m_clientScore does not count.
+    IPAddress m_client;
+    std::uint32_t m_clientScore = 0;
+    std::int32_t m_messageStatus = 0;
+    EmailAddress m_envelopeFrom;
+    EmailAddress m_headerFrom;
+    EmailAddress m_recipient;
 };
 
 } // namespace Quorvane

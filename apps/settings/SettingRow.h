@@ -2,8 +2,8 @@
 //
 // SettingRow: one setting of a program: its name in the settings file and, after "--", on the
 // command line, and the field of a record that holds its value. The settings file, the command
-// line, --show-config, the help, the manual page and the completion all draw on such rows. The
-// record is the program's own:
+// line, --show-config, the help, the manual page and the completion all use these rows. The
+// record belongs to the program:
 //
 //   settingRow<&Site::m_relay>({"relay", SettingKind::text, "HOST", "next relay"})
 //
@@ -25,27 +25,26 @@ enum class SettingKind {
     list, // of texts; repeatable on the command line
 };
 
-// What there is to say about a setting, whatever record it belongs to.
+// The facts of a setting that do not depend on its record.
 struct SettingFacts {
     std::string_view m_name;
     SettingKind m_kind;
     std::string_view m_valueName; // as ValueNames.h has it
     std::string_view m_help;
-    // It says how rules judge, whatever the mail and the relays are.
+    // It controls how rules judge, not what is known of mail and relays.
     bool m_isOfRules = false;
 };
 
 template<typename Record>
 struct SettingRow {
     SettingFacts m_facts;
-    // Throws a SettingsError for a text that the field could hold and the setting does not take;
-    // null: it takes all.
+    // Throws a SettingsError for a text that fits the field but not the setting; null: all fit.
     void (*m_check)(std::string const& text);
-    // Takes one value; of a list one more element. Throws a SettingsError.
+    // Sets the value; adds one element to a list. Throws a SettingsError.
     void (*m_assign)(Record& record, std::string const& text);
-    // The value or the elements as assign would take them.
+    // The value or the elements, in the form that m_assign reads.
     SettingTexts (*m_show)(Record const& record);
-    // Puts the default back; a list is empty then.
+    // Restores the default; a list becomes empty.
     void (*m_reset)(Record& record);
 };
 
@@ -61,7 +60,7 @@ auto& fieldOf(auto& record) {
     }
 }
 
-// The field is a member of the record, or an inner one of that member.
+// The field is a member of the record, or a member of that member.
 template<auto Member, auto... Inner>
 constexpr auto settingRow(SettingFacts const& facts,
                           void (*check)(std::string const& text) = nullptr) {

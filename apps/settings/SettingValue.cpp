@@ -13,7 +13,7 @@ namespace {
 
 template<typename Number>
 bool s_parses(std::string const& text, Number& value) {
-    // std::from_chars knows no plus sign.
+    // std::from_chars does not accept a plus sign.
     bool const hasPlus = text.starts_with('+') && !text.starts_with("+-");
     auto const* const begin = text.data() + (hasPlus ? 1 : 0);
     auto const* const end = text.data() + text.size();

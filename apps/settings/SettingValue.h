@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The values of settings as text: read whole or not at all, and shown so that they read back as the
-// same. Pure functions.
+// The values of settings as text. A text is read as a whole or refused; what is shown reads back as
+// the same value. Pure functions.
 #pragma once
 
 #include "apps/commandline/ProgramError.h"
@@ -17,24 +17,24 @@
 
 namespace Quorvane {
 
-// A value that a setting does not take, or a settings file that is wrong.
+// A value that is wrong for its setting, or an error in a settings file.
 class SettingsError : public ProgramError {
   public:
     explicit SettingsError(std::string const& text) : ProgramError(ExitStatus::config, text) {}
 };
 
-// Both throw a SettingsError that shows the text and what would be right.
+// Both throw a SettingsError that shows the text and what is expected.
 double readNumber(std::string const& text);
 long long readInteger(std::string const& text, long long low, long long high);
 
-// Each reads a text into a field of a record, or throws a SettingsError. A list takes one more
-// element; a text without an address makes the address null, as an empty envelope sender is.
+// Each reads a text into a field of a record, or throws a SettingsError. A list gets one more
+// element; a text without an address makes the address null, like an empty envelope sender.
 void readSetting(std::string const& text, double& field);
 void readSetting(std::string const& text, EmailAddress& field);
 void readSetting(std::string const& text, IPPrefix& field);
 void readSetting(std::string const& text, ReputationTable::Entry& field); // "192.0.2.0/24=7"
 
-// A text, which may be optional.
+// A text or an optional text.
 template<typename Field>
 requires std::assignable_from<Field&, std::string const&>
 void readSetting(std::string const& text, Field& field) {
@@ -54,7 +54,7 @@ void readSetting(std::string const& text, std::vector<Element>& list) {
     list.push_back(element);
 }
 
-// The same back.
+// The reverse.
 using SettingTexts = std::vector<std::string>;
 SettingTexts settingTexts(std::string const& value);
 SettingTexts settingTexts(std::optional<std::string> const& value);

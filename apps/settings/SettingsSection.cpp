@@ -2,6 +2,7 @@
 #include "apps/settings/SettingsSection.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <stdexcept>
 #include <utility>
 
@@ -29,27 +30,14 @@ std::string s_quoted(std::string const& text) {
     return out + "\"";
 }
 
-std::string s_list(std::vector<std::string> const& texts) {
-    std::string out = "[";
-    for (auto const& text : texts) {
-        out += (out.size() > 1 ? ", " : "") + s_quoted(text);
-    }
-    return out + "]";
-}
-
-// A TOML float has a point or an exponent; 1 would be an integer, which is as good.
-std::string s_value(SettingKind kind, SettingTexts const& texts) {
-    switch (kind) {
-    case SettingKind::list:
-        return s_list(texts);
-    case SettingKind::number:
-    case SettingKind::integer:
+// 1 is an integer in TOML, not a float; either is accepted for a number.
+std::string s_value(SettingKind kind, SettingTexts texts) {
+    if (kind == SettingKind::number || kind == SettingKind::integer) {
         return texts.front();
-    case SettingKind::text:
-    case SettingKind::path:
-        break;
     }
-    return s_quoted(texts.front());
+    std::transform(texts.begin(), texts.end(), texts.begin(), s_quoted);
+    auto const list = boost::algorithm::join(texts, ", ");
+    return kind == SettingKind::list ? "[" + list + "]" : list;
 }
 
 } // namespace
@@ -108,7 +96,7 @@ std::string SettingsSection::asToml() const {
     for (auto const& facts : m_facts) {
         auto const shown = texts(facts.m_name);
         auto line = std::string(facts.m_name) + " = " + s_value(facts.m_kind, shown);
-        // A path that is not set has no value to write down.
+        // A path that is not set has no value.
         if (facts.m_kind == SettingKind::path && shown.front().empty()) {
             line.insert(0, "# ");
         }

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // SettingsSection: the settings of one table of the settings file, the values in force and where
-// each came from. Values are put on in layers, later ones win: defaults, settings file, command
-// line. A list is replaced as a whole. Used at start, on one thread.
+// each came from. Later sources replace earlier ones: defaults, settings file, command line. A list
+// is replaced as a whole. Used at start, on one thread.
 //
-// A program has the section that all share (SettingsTable.h), whose keys stand at the top of the
-// file, and may have one of its own below [its-name], of rows and a record of its own.
+// A program has the section that all share (SettingsTable.h), whose keys are at the top of the
+// file. It may have a table [its-name] there, with its own rows and record.
 #pragma once
 
 #include "apps/settings/SettingRow.h"
@@ -22,16 +22,16 @@ class SettingsSection {
   public:
     virtual ~SettingsSection() = default;
 
-    // Of the table; empty: the top of the file.
+    // The name of the table; empty: the top of the file.
     std::string_view title() const { return m_title; }
     std::vector<SettingFacts> const& facts() const { return m_facts; }
     // Null when there is none.
     SettingFacts const* find(std::string_view name) const;
 
-    // Replaces a value. `name` is one of the section. Throws a SettingsError ("name: what is
-    // wrong"); the setting may then be half set.
+    // Replaces a value. `name` is in the section. Throws a SettingsError ("name: what is wrong");
+    // a list may then have some of its elements.
     void set(std::string_view name, SettingTexts const& texts, std::string const& origin);
-    // The two steps of it: the default, or the empty list, and one text.
+    // Its two steps: restore the default or the empty list, then add one text.
     void reset(std::string_view name, std::string const& origin);
     void add(std::string_view name, std::string const& text);
 
@@ -39,7 +39,7 @@ class SettingsSection {
     // "default", "command line", or file and line.
     std::string origin(std::string_view name) const;
 
-    // The section as a settings file that gives just these, each with its origin in a comment.
+    // The section as a settings file, each value with its origin in a comment.
     std::string asToml() const;
 
   protected:
@@ -49,7 +49,7 @@ class SettingsSection {
 
   private:
     std::size_t rowOf(std::string_view name) const;
-    // By the index of the row.
+    // These take the index of the row.
     virtual void assignRow(std::size_t row, std::string const& text) = 0;
     virtual SettingTexts showRow(std::size_t row) const = 0;
     virtual void resetRow(std::size_t row) = 0;

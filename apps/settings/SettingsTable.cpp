@@ -10,7 +10,7 @@ namespace Quorvane {
 namespace {
 
 void s_checkJobs(std::string const& text) {
-    readInteger(text, 0, 1024); // more threads are a slip of the keyboard
+    readInteger(text, 0, 1024); // more is a typing error
 }
 
 void s_checkFlag(std::string const& text) {
@@ -38,59 +38,82 @@ void s_checkDns(std::string const& text) {
     }
 }
 
-constexpr auto table = std::to_array<SettingRow<HostSettings>>({
+constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
     settingRow<&HostSettings::m_root>(
-        {"root", SettingKind::path, "DIR", "look rules up in DIR/var/spool/etc/antispam (/)"}),
+        {"root", SettingKind::path, "DIR", "read the rules from DIR/var/spool/etc/antispam (/)"}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::spamThreshold>(
-        {"spam-threshold", SettingKind::number, "X", "spam from this probability on, 0..1 (0.95)",
+        {"spam-threshold", SettingKind::number, "X", "minimum probability for spam, 0..1 (0.95)",
          true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::hamThreshold>(
-        {"ham-threshold", SettingKind::number, "X",
-         "ham from this probability of ham on, 0..1 (0.95)", true}),
+        {"ham-threshold", SettingKind::number, "X", "minimum probability for ham, 0..1 (0.95)",
+         true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::minSupport>(
         {"min-support", SettingKind::number, "X",
-         "percentage of training mail that a rule rests on (0.15)", true}),
+         "minimum percentage of training mail for a rule (0.15)", true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::maxEliteLevel>(
-        {"max-elite-level", SettingKind::integer, "N",
-         "leave elite rules of a higher level out (1)", true}),
+        {"max-elite-level", SettingKind::integer, "N", "ignore elite rules of a higher level (1)",
+         true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::scoreThreshold>(
         {"score-threshold", SettingKind::integer, "N",
-         "score from which a relay ends the walk, 0..9 (6)"}),
+         "reputation score at which a relay ends the walk, 0..9 (6)"}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::walkToLeaf>(
         {"walk-to-leaf", SettingKind::integer, "0|1",
          "0: stop at the first node sure enough of spam (1)", true},
         s_checkFlag),
     settingRow<&HostSettings::m_trusted>(
-        {"trusted-mta", SettingKind::list, "PREFIX", "a relay that is skipped along the trail"}),
+        {"trusted-mta", SettingKind::list, "PREFIX", "trusted relay: skipped along the trail"}),
     settingRow<&HostSettings::m_antiSpam>({"trusted-antispam-mta", SettingKind::list, "PREFIX",
-                                           "a relay that filters already: ends the trail"}),
+                                           "relay that already filters mail: ends the walk"}),
     settingRow<&HostSettings::m_internal>(
-        {"internal", SettingKind::list, "PREFIX", "our own relays; their hops are skipped"}),
-    settingRow<&HostSettings::m_scores>(
-        {"score", SettingKind::list, "PREFIX=N", "score of relays; the longest prefix wins"}),
+        {"internal", SettingKind::list, "PREFIX", "the site's own relays; their hops are skipped"}),
+    settingRow<&HostSettings::m_scores>({"score", SettingKind::list, "PREFIX=N",
+                                         "reputation score of relays; the longest prefix wins"}),
     settingRow<&HostSettings::m_dnsLists>(
         {"dns-list", SettingKind::list, "LIST",
-         "DNS list of relays without a score: \"ZONE ANSWER=N ...\"; the lowest score wins"}),
+         "DNS list, for relays without a score: \"ZONE ANSWER=N ...\"; the lowest score wins"}),
     settingRow<&HostSettings::m_dynamicPatterns>(
         {"dynamic-patterns", SettingKind::path, "FILE",
-         "dynamic host names, instead of the built-in list"}),
+         "patterns of dynamic host names, instead of the built-in list"}),
     settingRow<&HostSettings::m_dns>(
-        {"dns", SettingKind::text, "system|off|HOST[@PORT]", "who answers look-ups"}, s_checkDns),
+        {"dns", SettingKind::text, "system|off|HOST[@PORT]", "which resolver answers look-ups"},
+        s_checkDns),
     settingRow<&HostSettings::m_dnsTimeout>(
         {"dns-timeout", SettingKind::number, "SECONDS",
          "for all look-ups of a message; late answers do not count (2)"},
         s_checkTimeout),
-    settingRow<&HostSettings::m_dnsData>({"dns-data", SettingKind::path, "FILE",
-                                          "zone-file lines that answer; nothing else is asked"}),
+    settingRow<&HostSettings::m_dnsData>(
+        {"dns-data", SettingKind::path, "FILE",
+         "zone file that answers all look-ups; no server is asked"}),
     settingRow<&HostSettings::m_jobs>(
-        {"jobs", SettingKind::integer, "N", "scanning threads (0: one for each core)"},
-        s_checkJobs),
+        {"jobs", SettingKind::integer, "N", "scanning threads (0: one per core)"}, s_checkJobs),
+});
+
+constexpr auto facts = std::to_array<SettingRow<MessageFacts>>({
+    settingRow<&MessageFacts::m_envelopeFrom>(
+        {"env-from", SettingKind::text, "A", "envelope sender"}),
+    settingRow<&MessageFacts::m_headerFrom>({"header-from", SettingKind::text, "A", "author"}),
+    settingRow<&MessageFacts::m_recipient>({"recipient", SettingKind::text, "A", "recipient"}),
+    settingRow<&MessageFacts::m_currentReceived>(
+        {"current-received", SettingKind::text, "TEXT",
+         "Received header that the server is about to add"}),
+    settingRow<&MessageFacts::m_currentIsForged>(
+        {"current-forged", SettingKind::integer, "N",
+         "is the reverse name in it forged? 0, 1, or -1: ask DNS (0)"}),
+    settingRow<&MessageFacts::m_clientScore>(
+        {"client-score", SettingKind::integer, "N", "reputation score of the client (0)"}),
+    settingRow<&MessageFacts::m_messageStatus>(
+        {"message-status", SettingKind::integer, "N",
+         "status of the message; rules can only test whether it is 3 (0)"}),
 });
 
 } // namespace
 
 std::span<SettingRow<HostSettings> const> settingRows() {
-    return table;
+    return settings;
+}
+
+std::span<SettingRow<MessageFacts> const> factRows() {
+    return facts;
 }
 
 } // namespace Quorvane

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The settings that all programs share: those of a host that scans.
+// The settings that all programs share, those of a host that scans; and what a host can know about
+// a message besides its text, as rows of the same kind: options of the command line and keys of
+// rule tests, but not part of a settings file.
 #pragma once
 
 #include "apps/settings/HostSettings.h"
@@ -12,9 +14,16 @@ namespace Quorvane {
 
 std::span<SettingRow<HostSettings> const> settingRows();
 
+std::span<SettingRow<MessageFacts> const> factRows();
+
 class SettingsStore : public Settings<HostSettings> {
   public:
     SettingsStore() : Settings("", settingRows()) {}
+};
+
+class FactsStore : public Settings<MessageFacts> {
+  public:
+    FactsStore() : Settings("", factRows()) {}
 };
 
 } // namespace Quorvane

@@ -12,25 +12,25 @@ namespace Quorvane {
 
 namespace {
 
-bool s_stumbles(std::string_view text) {
+bool s_failsAssertion(std::string_view text) {
     try {
         static_cast<void>(toml::parse(text));
     } catch (toml::parse_error const&) {
         return false;
-    } catch (TomlStumbled const&) {
+    } catch (TomlAssertion const&) {
         return true;
     }
     return false;
 }
 
-// The last character of the shortest start of the text over which the parser stumbles. It reads
-// from left to right, so it stumbles over every longer start too.
-toml::source_position s_stumblingPlace(std::string_view text) {
+// The last character of the shortest prefix that fails an assertion of the parser. It reads from
+// left to right, so every longer prefix fails too.
+toml::source_position s_assertionPlace(std::string_view text) {
     std::size_t without = 0;
     std::size_t with = text.size();
     while (with - without > 1) {
         auto const middle = without + (with - without) / 2;
-        (s_stumbles(text.substr(0, middle)) ? with : without) = middle;
+        (s_failsAssertion(text.substr(0, middle)) ? with : without) = middle;
     }
     auto const before = text.substr(0, without);
     auto const line = std::count(before.begin(), before.end(), '\n');
@@ -39,7 +39,7 @@ toml::source_position s_stumblingPlace(std::string_view text) {
             static_cast<toml::source_index>(without - start + 1)};
 }
 
-// Adds one value of a setting; an error points at it.
+// Adds one value of a setting; an error shows its place.
 void s_add(SettingsSection& section, SettingFacts const& facts, toml::node const& node,
            std::string const& path) {
     auto const at = node.source().begin;
@@ -70,9 +70,9 @@ toml::table parseToml(std::string const& path, std::string const& text) {
     } catch (toml::parse_error const& error) {
         throw SettingsError(tomlPlace(path, error.source().begin) +
                             std::string(error.description()));
-    } catch (TomlStumbled const&) {
-        throw SettingsError(tomlPlace(path, s_stumblingPlace(text)) +
-                            "this is not TOML; \"[\" is " + "followed by the name of a table");
+    } catch (TomlAssertion const&) {
+        throw SettingsError(tomlPlace(path, s_assertionPlace(text)) +
+                            "this is not TOML; \"[\" is followed by the name of a table");
     }
 }
 
@@ -96,18 +96,11 @@ std::optional<std::string> tomlScalar(SettingKind kind, toml::node const& node) 
 }
 
 std::string tomlExpected(SettingKind kind) {
-    switch (kind) {
-    case SettingKind::number:
-        return "a number";
-    case SettingKind::integer:
-        return "a whole number";
-    case SettingKind::list:
-        return "a list of texts, as in [\"192.0.2.0/24\"]";
-    case SettingKind::text:
-    case SettingKind::path:
-        break;
-    }
-    return "a text in quotes";
+    // In the order of SettingKind.
+    constexpr char const* expected[] = {"a text in quotes", "a text in quotes", "a number",
+                                        "a whole number",
+                                        "a list of texts, as in [\"192.0.2.0/24\"]"};
+    return expected[static_cast<std::size_t>(kind)];
 }
 
 void setFromToml(SettingsSection& section, std::string_view name, toml::node const& node,

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/show/Drawings.h"
 #include "apps/show/NodeText.h"
-#include "apps/show/Shades.h"
 #include "apps/text/Utf8.h"
 #include "rules/evaluate/FigureText.h"
 
-#include <algorithm>
 #include <array>
 
 namespace Quorvane::Show {
@@ -14,8 +11,6 @@ namespace {
 
 constexpr std::array<char const*, shadeCount> fills{"#9ecae9", "#c3def2", "#e0edf6", "#eeeeee",
                                                     "#fbe6d4", "#f9cba6", "#f5a668"};
-// More rules than this make no readable note.
-constexpr std::size_t shownElite = 60;
 
 // A quoted string of the language. A backslash begins an escape there, "&" a character entity.
 std::string s_quoted(std::string const& text) {
@@ -63,23 +58,16 @@ class DotWriter {
     }
 
   private:
-    // The elite rules stand above the tree, as they come before it.
+    // The elite rules stand above the tree, since they are tested before it.
     std::vector<std::string> headLines() const {
-        std::vector<std::string> lines{m_drawing.m_rules.m_name};
-        auto const& rules = m_drawing.m_rules.m_elite;
-        auto const count = std::min(rules.size(), shownElite);
-        for (std::size_t i = 0; i < count; ++i) {
-            lines.push_back("elite rule " + eliteLine(rules[i]));
-        }
-        if (count < rules.size()) {
-            lines.push_back("and " + std::to_string(rules.size() - count) + " more elite rules");
-        }
+        auto lines = eliteLines(m_drawing.m_rules);
+        lines.insert(lines.begin(), m_drawing.m_rules.m_name);
         return lines;
     }
 
     void node(ShownNode const& node) {
-        auto lines = std::vector<std::string>{std::to_string(node.m_number) + ": " + node.m_test,
-                                              nodeLine(m_drawing, node)};
+        auto lines = std::vector<std::string>{
+            std::to_string(node.m_number) + ": " + node.m_test.m_test, nodeLine(m_drawing, node)};
         if (node.isCounted()) {
             lines.push_back(countsLine(node));
         }
@@ -87,7 +75,7 @@ class DotWriter {
             lines.push_back("! " + node.m_problem);
         }
         m_text += "    " + s_id(node.m_number) + " [label=" + s_label(lines, "\\n") +
-                  ", tooltip=" + s_quoted(node.m_sentence) + ", fillcolor=\"" +
+                  ", tooltip=" + s_quoted(node.m_test.m_sentence) + ", fillcolor=\"" +
                   fills.at(shadeOf(node.m_record.confidence)) + '"' +
                   (node.m_problem.empty() ? "" : ", color=\"#b04600\", penwidth=2") + "];\n";
         for (std::size_t slot = 0; slot < node.m_branches.size(); ++slot) {
@@ -110,7 +98,7 @@ class DotWriter {
         case ShownBranch::Kind::end: {
             auto const id = "end" + std::to_string(node.m_number) + "_" + std::to_string(slot);
             m_text += "    " + id + " [shape=plaintext, style=\"\", fontcolor=\"#b04600\", label=" +
-                      s_quoted("! " + branch.m_problem) + "];\n" + from + id +
+                      s_quoted("! " + branch.m_text) + "];\n" + from + id +
                       " [style=dashed, color=\"#b04600\"];\n";
             break;
         }

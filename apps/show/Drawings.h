@@ -8,6 +8,7 @@
 #include "apps/show/Traffic.h"
 
 #include <string>
+#include <string_view>
 
 namespace Quorvane::Show {
 
@@ -22,6 +23,12 @@ std::string textDrawing(Drawing const& drawing, TextStyle const& style);
 // The halves of it.
 std::string eliteTable(Drawing const& drawing, TextStyle const& style);
 std::string textTree(Drawing const& drawing, TextStyle const& style);
+
+// Styles and scripts of the drawings, files of page/.
+std::string_view shadesStyle();
+std::string_view svgStyle();
+std::string_view pageStyle();
+std::string_view pageScript();
 
 // For Graphviz.
 std::string dotDrawing(Drawing const& drawing);

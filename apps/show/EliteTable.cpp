@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/show/Drawings.h"
-
 #include "apps/show/NodeText.h"
-#include "apps/show/Numbers.h"
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
@@ -19,28 +16,14 @@ constexpr char below[] = "      ";
 // Of the last column; with less it stands below the others.
 constexpr std::size_t minConditionWidth = 30;
 
-std::string s_effect(ShownElite const& rule) {
-    return rule.m_place ? rule.m_effect : "dropped by engines";
-}
-
 Row s_headings(bool isMeasured) {
-    Row row{"rule", "does", "support", "level"};
-    if (isMeasured) {
-        row.insert(row.end(), {"fired", "decided"});
-    }
-    row.emplace_back("when");
-    return row;
+    return isMeasured ? Row{"rule", "does", "support", "level", "fired", "decided", "when"}
+                      : Row{"rule", "does", "support", "level", "when"};
 }
 
 Row s_row(ShownElite const& rule, Traffic const* traffic) {
-    bool const isDeciding = rule.m_rule.type == EliteType::deciding;
-    Row row{rule.m_code, s_effect(rule), isDeciding ? supportText(rule.m_rule.support) : "",
-            std::to_string(rule.m_rule.level)};
-    if (traffic != nullptr) {
-        auto const use = rule.m_place ? traffic->elite(*rule.m_place) : Traffic::Use{};
-        row.push_back(percentText(traffic->share(use.m_reached)));
-        row.push_back(isDeciding ? percentText(traffic->share(use.m_decided)) : "");
-    }
+    auto row = eliteFigures(rule, traffic);
+    row.insert(row.begin(), {rule.m_code, rule.m_effect});
     row.push_back(eliteConditions(rule));
     return row;
 }
@@ -102,15 +85,11 @@ std::string eliteTable(Drawing const& drawing, TextStyle const& style) {
     }
     std::string text = "Elite rules. ";
     text += rules.m_eliteHeader ? selectModeText(*rules.m_eliteHeader) : "";
-    std::string table;
-    for (auto const& line : wrapped(text, style.m_width)) {
-        table += line + '\n';
-    }
     std::vector<Row> rows{s_headings(drawing.m_traffic != nullptr)};
     for (auto const& rule : rules.m_elite) {
         rows.push_back(s_row(rule, drawing.m_traffic));
     }
-    return table + '\n' + s_table(rows, style);
+    return wrappedText(text, style) + '\n' + s_table(rows, style);
 }
 
 } // namespace Quorvane::Show

@@ -1,18 +1,58 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/MessageExplainer.h"
 
-#include "apps/commandline/ExitStatus.h"
 #include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
-#include "apps/show/AskedSettings.h"
+#include "apps/settings/SettingsTable.h"
 #include "apps/story/JsonRecord.h"
+#include "apps/workshop/MailVectors.h"
 #include "apps/workshop/VectorText.h"
-#include "platform/HeaderReader.h"
-#include "rules/model/RuleError.h"
 
+#include <algorithm>
+#include <glib.h>
 #include <utility>
 
 namespace Quorvane::Show {
+
+namespace {
+
+void s_set(HostSettings& settings, std::string const& name, std::string const& value) {
+    auto const rows = settingRows();
+    auto const row = std::find_if(rows.begin(), rows.end(), [&name](auto const& each) {
+        return each.m_facts.m_name == name && each.m_facts.m_isOfRules;
+    });
+    if (row == rows.end()) {
+        throw SettingsError("a page cannot set \"" + name + "\"");
+    }
+    try {
+        if (row->m_check != nullptr) {
+            row->m_check(value);
+        }
+        row->m_assign(settings, value);
+    } catch (SettingsError const& error) {
+        throw SettingsError(name + ": " + error.what());
+    }
+}
+
+} // namespace
+
+HostSettings askedSettings(HostSettings host, std::string_view query) {
+    GUriParamsIter pairs;
+    g_uri_params_iter_init(&pairs, query.data(), static_cast<gssize>(query.size()), "&",
+                           G_URI_PARAMS_WWW_FORM);
+    while (true) {
+        g_autofree char* name = nullptr;
+        g_autofree char* value = nullptr;
+        g_autoptr(GError) error = nullptr;
+        if (!g_uri_params_iter_next(&pairs, &name, &value, &error)) {
+            if (error != nullptr) {
+                throw SettingsError(std::string("settings of a page: ") + error->message);
+            }
+            return host;
+        }
+        s_set(host, name, value);
+    }
+}
 
 MessageExplainer::MessageExplainer(HostSettings const& settings, DeepHeaderEngine engine,
                                    MessageFacts facts)
@@ -35,11 +75,7 @@ std::string MessageExplainer::answer(PageQuestion const& question) const {
 
 std::string MessageExplainer::explain(ScanHost const& host, std::string const& source,
                                       std::string_view message) const {
-    auto const headers = HeaderReader::read(message);
-    if (headers.headers().empty()) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                               source + ": no message: it has no header field");
-    }
+    auto const headers = Workshop::messageHeaders({source, std::string(message), {}, 0});
     auto const record = host.scan(headers, m_facts, RecordDepth::alternatives);
     return jsonExplanation(source, record, host.settings().m_judging);
 }
@@ -52,12 +88,7 @@ void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,
     Inputs inputs(paths, interrupt);
     InputItem item;
     while (inputs.next(item)) {
-        if (!item.m_problem.empty()) {
-            throw Rules::RuleError(item.m_exitStatus == ExitStatus::noInput
-                                       ? Rules::RuleError::Kind::noInput
-                                       : Rules::RuleError::Kind::badData,
-                                   item.m_source + ": " + item.m_problem);
-        }
+        Workshop::requireReadable(item);
         take({item.m_source, item.m_headers, {}});
     }
 }

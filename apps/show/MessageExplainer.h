@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// MessageExplainer: messages and attribute vectors to JSON records with the whole explanation, for
-// a page that cannot judge by itself. One object a process, since it sets up the scanning host;
-// explain and answer may be called from many threads.
+// MessageExplainer: turns messages and attribute vectors into JSON records with the whole
+// explanation, for a page that cannot judge by itself. One object for each process, since it sets
+// up the scanning host; explain and answer may be called from many threads.
 #pragma once
 
 #include "apps/host/ScanHost.h"
@@ -17,6 +17,11 @@
 #include <vector>
 
 namespace Quorvane::Show {
+
+// `host`, judging with the settings that the address of a request names after "?":
+// "spam-threshold=0.9&walk-to-leaf=0". Only settings that say how rules judge can be named. A
+// SettingsError for others, for values that they do not take and for malformed text.
+HostSettings askedSettings(HostSettings host, std::string_view query);
 
 class MessageExplainer {
   public:
@@ -39,7 +44,7 @@ class MessageExplainer {
     MessageFacts m_facts;
 };
 
-// Hands over all messages of the paths, in order, without records. A RuleError for what cannot be
+// Passes on all messages of the paths, in order, without records. A RuleError for what cannot be
 // read; Interrupted.
 void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,
                   std::function<void(PageMessage message)> const& take);

@@ -2,7 +2,7 @@
 //
 // The page of a rule set: one HTML document with the tree, the elite rules, a search, and messages
 // with their explanations. The page judges nothing: in a file it shows what was judged when it was
-// written, served it asks the program that serves it. Pure functions.
+// written; a served page asks the program that serves it. Pure functions.
 #pragma once
 
 #include "apps/settings/HostSettings.h"
@@ -17,14 +17,14 @@ namespace Quorvane::Show {
 // A message to choose in a page.
 struct PageMessage {
     std::string m_source;
-    std::string m_headers; // the header section, for a page that asks
-    std::string m_record;  // for one that does not: the JSON record with the whole explanation
+    std::string m_headers; // the header section, for a served page
+    std::string m_record;  // for a page in a file: the JSON record with the whole explanation
 };
 
 struct PageExtras {
     std::vector<PageMessage> m_messages;
-    // The page is served, and these are what the program judges with at first; the reader of the
-    // page may change some.
+    // Given for a served page: what the program judges with at first. The reader of the page may
+    // change some.
     std::optional<HostSettings> m_served;
 };
 

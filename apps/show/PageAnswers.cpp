@@ -14,7 +14,7 @@ using Http::verb;
 
 constexpr char explainPath[] = "/explain";
 
-// Browsers neither keep it nor show it inside of other pages.
+// Browsers neither cache it nor show it inside other pages.
 Answer s_answer(status status, char const* type, std::string text) {
     Answer answer(status, 11, std::move(text));
     answer.set(field::cache_control, "no-store");
@@ -27,8 +27,8 @@ Answer s_answer(status status, char const* type, std::string text) {
     return answer;
 }
 
-// The type is one that a foreign page cannot send without asking first. What is packed could unpack
-// to any size.
+// The type is one that a foreign page cannot send without asking first. A compressed body could
+// have any size.
 std::optional<Answer> s_refusedMessage(PageRequest const& request) {
     auto const& head = request.get();
     bool const isKnown =
@@ -59,7 +59,7 @@ Answer textAnswer(status status, std::string const& line) {
 
 Answer tooLongAnswer() {
     auto const most = std::to_string(maxPostedMessage >> 20);
-    return textAnswer(status::payload_too_large, "a message has at most " + most + " MiB here");
+    return textAnswer(status::payload_too_large, "a message may have at most " + most + " MiB");
 }
 
 PageAnswers::PageAnswers(std::string page, PageServer::Explain explain, int port)
@@ -72,7 +72,7 @@ std::optional<Answer> PageAnswers::toHead(PageRequest const& request) const {
         return textAnswer(status::forbidden, "this server is " + (ownHost + m_port));
     }
     if (head.count(field::origin) != 0 && head[field::origin] != "http://" + host) {
-        return textAnswer(status::forbidden, "other pages may not ask here");
+        return textAnswer(status::forbidden, "requests of other pages are refused");
     }
     std::string const target(head.target());
     auto const path = target.substr(0, target.find('?'));
@@ -88,7 +88,7 @@ std::optional<Answer> PageAnswers::toHead(PageRequest const& request) const {
         }
         return answer;
     }
-    auto answer = textAnswer(status::method_not_allowed, "this server knows GET, HEAD and POST");
+    auto answer = textAnswer(status::method_not_allowed, "this server takes GET, HEAD and POST");
     answer.set(field::allow, "GET, HEAD, POST");
     return answer;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// PageAnswers: what a PageServer answers to whom. Safe to use from many threads.
+// PageAnswers: which answers a PageServer gives, and to whom. Safe to use from many threads.
 #pragma once
 
 #include "apps/show/PageServer.h"

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/page/Escape.h"
 #include "apps/page/Page.h"
-#include "apps/show/Assets.h"
-#include "apps/show/Numbers.h"
+#include "apps/show/NodeText.h"
 #include "apps/show/Page.h"
-#include "apps/show/Shades.h"
 #include "apps/text/NumberText.h"
 
 namespace Quorvane::Show {
@@ -63,25 +61,15 @@ std::string s_legend(Drawing const& drawing) {
     std::string const mail = drawing.m_traffic != nullptr
                                  ? "training mail (grey) and of the measured mail (blue)"
                                  : "training mail";
-    return "<p class=\"muted\">The first child whose test holds is entered, the deepest node on "
-           "the "
-           "way decides. Colours show the probability of spam that a node gives, bars how much of "
-           "the " +
+    return "<p class=\"muted\">The walk enters the first child whose test holds; the deepest node "
+           "that it reaches decides. Colours show the probability of spam that a node gives, bars "
+           "how much of the " +
            mail +
-           " comes to it.</p>\n<p class=\"legend\">sure of ham <span class=\"shades\" "
+           " reaches it. In tests: <code>not-analysed</code> means that there was no such hop, "
+           "<code>n/a</code> that the question does not arise, <code>unknown</code> that a part of "
+           "the comparison is missing.</p>\n<p class=\"legend\">sure of ham <span class=\"shades\" "
            "aria-hidden=\"true\">" +
            shades + "</span> sure of spam</p>\n";
-}
-
-std::string s_unreached(ShownRules const& rules) {
-    if (rules.m_unreached.empty()) {
-        return {};
-    }
-    std::string html = "<p>Nodes that no message can come to:";
-    for (auto const number : rules.m_unreached) {
-        html += ' ' + std::to_string(number);
-    }
-    return html + "</p>\n";
 }
 
 std::string s_controls() {
@@ -93,36 +81,28 @@ std::string s_controls() {
            "<span id=\"found\" role=\"status\"></span></div>\n";
 }
 
-std::string s_script() {
-    std::string script;
-    for (auto const part : {treeScript(), searchScript(), answerScript(), messagesScript(),
-                            trialScript(), mainScript()}) {
-        script += part;
-    }
-    return script;
-}
-
 } // namespace
 
 std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
     auto const& rules = drawing.m_rules;
     auto const messages = pageMessages(extras);
+    auto const unreached = unreachedText(rules);
     Page::Document document;
     document.m_title = "Rules: " + rules.m_name;
     document.m_style = std::string(shadesStyle()) + std::string(pageStyle());
-    document.m_script = s_script();
+    document.m_script = pageScript();
     document.m_asksOrigin = extras.m_served.has_value();
-    document.m_body = "<header class=\"top\">\n<h1>Rules</h1>\n<p class=\"muted\">" +
-                      Page::isolated(rules.m_name) + "</p>\n" + s_facts(drawing) +
-                      s_problem(rules) + s_jumps(messages) + s_whereToJudge(rules, extras) +
-                      "</header>\n<main>\n" + messages +
-                      "<section>\n<h2 id=\"rules\">Elite rules</h2>\n" + pageEliteTable(drawing) +
-                      "</section>\n<section>\n<h2 id=\"nodes\">The tree</h2>\n" +
-                      s_legend(drawing) + s_controls() + pageTree(drawing) + s_unreached(rules) +
-                      "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
-                      "page loads nothing and sends nothing" +
-                      (extras.m_served ? " but messages to the program that serves it" : "") +
-                      ".</footer>\n" + Page::dataElement("data", pageData(extras));
+    document.m_body =
+        "<header class=\"top\">\n<h1>Rules</h1>\n<p class=\"muted\">" +
+        Page::isolated(rules.m_name) + "</p>\n" + s_facts(drawing) + s_problem(rules) +
+        s_jumps(messages) + s_whereToJudge(rules, extras) + "</header>\n<main>\n" + messages +
+        "<section>\n<h2 id=\"rules\">Elite rules</h2>\n" + pageEliteTable(drawing) +
+        "</section>\n<section>\n<h2 id=\"nodes\">The tree</h2>\n" + s_legend(drawing) +
+        s_controls() + pageTree(drawing) + (unreached.empty() ? "" : "<p>" + unreached + "</p>\n") +
+        "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
+        "page loads nothing and sends nothing" +
+        (extras.m_served ? " but messages to the program that serves it" : "") + ".</footer>\n" +
+        Page::dataElement("data", pageData(extras));
     return Page::html(document);
 }
 

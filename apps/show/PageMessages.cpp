@@ -6,6 +6,8 @@
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
+#include <glib.h>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 namespace Quorvane::Show {
@@ -35,7 +37,7 @@ std::string s_label(std::string_view name) {
     return label;
 }
 
-// Whatever stands in the fields goes to the program, which says what is wrong with it.
+// The program checks the values of the fields.
 std::string s_settings(HostSettings const& settings) {
     std::string fields;
     for (auto const& row : settingRows()) {
@@ -52,27 +54,18 @@ std::string s_settings(HostSettings const& settings) {
            fields + "</div></details>\n";
 }
 
-// Each byte as the character of its number: JSON has no bytes, and the page asks about them as they
-// are.
-std::string s_bytes(std::string const& bytes) {
-    std::string text;
-    for (char const c : bytes) {
-        auto const byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            text += c;
-        } else {
-            text += static_cast<char>(0xC0U | (byte >> 6U));
-            text += static_cast<char>(0x80U | (byte & 0x3FU));
-        }
-    }
-    return text;
+// JSON has no bytes, and the page sends them unchanged.
+std::string s_base64(std::string const& bytes) {
+    std::unique_ptr<char, decltype(&g_free)> const text(
+        g_base64_encode(reinterpret_cast<guchar const*>(bytes.data()), bytes.size()), &g_free);
+    return text.get();
 }
 
 Json s_message(PageMessage const& message) {
     if (!message.m_record.empty()) {
         return Json::parse(message.m_record);
     }
-    return {{"source", toUtf8(message.m_source)}, {"headers", s_bytes(message.m_headers)}};
+    return {{"source", toUtf8(message.m_source)}, {"headers", s_base64(message.m_headers)}};
 }
 
 } // namespace

@@ -7,12 +7,12 @@
 //                    (vectorType); answers the JSON record of it, or 4xx and a line of text for
 //                    people. The address may name settings to judge with: /explain?min-support=1
 //
-// It listens on 127.0.0.1 only. A browser is a way in for every web site that its user visits, so
+// It listens on 127.0.0.1 only. Every web site that a user visits can reach it by the browser, so
 // requests that name another host (rebound DNS names) or come from another page (Origin) are
-// refused. Bodies are limited while they come in, and so is the time that a client may take
-// (PageClient.h): clients that stall keep others from an answer for seconds at most, and only in
-// crowds, and nobody keeps the server from its end. One object, one thread; the server runs threads
-// of its own.
+// refused. The size of a body is limited while it arrives, and so is the time that a client may
+// take: clients that stall delay others by seconds at most, and only when there are many, and no
+// client can prevent the server from ending. One object, one thread; the server runs threads of its
+// own.
 #pragma once
 
 #include "apps/input/Interrupt.h"
@@ -24,11 +24,11 @@
 
 namespace Quorvane::Show {
 
-// Far above any header section; the body of the message comes along.
+// Far above any header section; the body of the message is sent, too.
 inline constexpr std::size_t maxPostedMessage = std::size_t{64} << 20;
 
-// Types of what is posted. No foreign page can send them without asking first, as it could
-// text/plain (fetch.spec.whatwg.org, "CORS-safelisted request-header").
+// Types of what is posted. Unlike text/plain, no foreign page can send them without asking first
+// (fetch.spec.whatwg.org, "CORS-safelisted request-header").
 inline constexpr char messageType[] = "message/rfc822";
 inline constexpr char vectorType[] = "text/x-attribute-vector";
 

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/page/Escape.h"
 #include "apps/show/NodeText.h"
-#include "apps/show/Numbers.h"
 #include "apps/show/Page.h"
-#include "apps/show/Shades.h"
 #include "apps/text/NumberText.h"
 #include "rules/evaluate/FigureText.h"
 
@@ -73,15 +71,14 @@ class TreePageWriter {
             this->node(branch.m_index, position);
             return;
         }
-        auto const link = "<a class=\"to-node\" href=\"#node-" + std::to_string(branch.m_child) +
-                          "\">node " + std::to_string(branch.m_child) + "</a>";
-        auto const text = branch.m_kind == ShownBranch::Kind::end ? Page::text(branch.m_problem)
-                          : branch.m_kind == ShownBranch::Kind::circle
-                              ? "back to " + link + ": the walk can go in circles"
-                              : link + ", which stands elsewhere in the tree";
-        bool const isHarmless = branch.m_kind == ShownBranch::Kind::elsewhere;
+        auto text = Page::text(branch.m_text);
+        if (branch.m_kind != ShownBranch::Kind::end) {
+            text = "<a class=\"to-node\" href=\"#node-" + std::to_string(branch.m_child) + "\">" +
+                   text + "</a>";
+        }
         item(node.m_depth + 1, position, "",
-             s_span("badge", "") + s_span("what", s_span(isHarmless ? "words" : "trouble", text)));
+             s_span("badge", "") +
+                 s_span("what", s_span(branch.isProblem() ? "trouble" : "words", text)));
     }
 
     void item(std::size_t depth, Position position, std::string const& attributes,
@@ -103,10 +100,10 @@ class TreePageWriter {
     }
 
     static std::string what(ShownNode const& node) {
-        auto html = s_span("words", Page::text(s_capital(node.m_sentence))) +
+        auto html = s_span("words", Page::text(s_capital(node.m_test.m_sentence))) +
                     s_span("label", "node " + std::to_string(node.m_number));
         if (!node.isRoot()) {
-            html += "<code>" + Page::text(node.m_condition) + "</code>";
+            html += "<code>" + Page::text(node.m_test.m_condition) + "</code>";
         }
         if (node.m_depth > indentedLevels) {
             html += s_span("label", " level " + std::to_string(node.m_depth + 1));

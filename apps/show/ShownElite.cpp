@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/show/ShownElite.h"
-
-#include "apps/show/Numbers.h"
-#include "apps/story/RuleStory.h"
+#include "apps/show/NodeText.h"
 #include "apps/text/NumberText.h"
 #include "rules/check/EliteRun.h"
 #include "rules/format/RuleTests.h"
-#include "rules/language/RuleText.h"
-#include "rules/language/Sentences.h"
 
 #include <cmath>
 
@@ -20,7 +15,7 @@ std::string s_code(EliteNodes const& rule) {
         return std::to_string(rule.code);
     }
     // An answer carries the low byte only.
-    auto const letter = reasonByte(rule);
+    auto const letter = reasonByte(rule.code);
     return isVisibleReason(letter) ? std::string("'") + static_cast<char>(letter) + '\''
                                    : "byte " + std::to_string(int{letter});
 }
@@ -29,8 +24,7 @@ std::string s_adjustment(double weight) {
     if (!std::isfinite(weight)) {
         return "adds an unknown amount " + noShareText(weight);
     }
-    return std::signbit(weight) ? "takes away " + numberText(-weight)
-                                : "adds " + numberText(weight);
+    return std::signbit(weight) ? "subtracts " + numberText(-weight) : "adds " + numberText(weight);
 }
 
 std::string s_effect(EliteNodes const& rule) {
@@ -46,15 +40,9 @@ std::string s_effect(EliteNodes const& rule) {
 }
 
 ShownElite s_shown(EliteNodes const& rule) {
-    ShownElite shown;
-    shown.m_rule = rule;
-    shown.m_code = s_code(rule);
-    shown.m_effect = s_effect(rule);
+    ShownElite shown{rule, {}, s_code(rule), "dropped by engines", {}};
     for (auto const& [attribute, test, value] : rule.conditions) {
-        shown.m_conditions.push_back(Rules::conditionText(attribute, test, value));
-        shown.m_tests.push_back(testText({attribute, test, value}));
-        shown.m_sentences.push_back(
-            Rules::fillSentence(Rules::testSentence(attribute, test, value), {}));
+        shown.m_tests.push_back(shownTest({attribute, test, value}));
     }
     return shown;
 }
@@ -69,7 +57,9 @@ std::vector<ShownElite> shownElite(Rules::EliteFile const& file) {
     }
     auto const kept = Rules::keptRules(file);
     for (std::size_t place = 0; place < kept.size(); ++place) {
-        rules[kept[place]].m_place = place;
+        auto& rule = rules[kept[place]];
+        rule.m_place = place;
+        rule.m_effect = s_effect(rule.m_rule);
     }
     return rules;
 }
@@ -78,8 +68,8 @@ std::string selectModeText(EliteFileHeader const& header) {
     auto const which = [&]() -> std::string {
         switch (header.selectMode) {
         case SelectMode::first:
-            return "The first deciding rule that matches is used, and nothing behind it is "
-                   "looked at";
+            return "The first deciding rule that matches is used, and rules after it are not "
+                   "tested";
         case SelectMode::last:
             return "Of the deciding rules that match the last is used";
         case SelectMode::highest:

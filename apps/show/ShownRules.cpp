@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/ShownRules.h"
 
-#include "apps/show/ShownElite.h"
 #include "apps/story/RuleStory.h"
 #include "rules/check/Checker.h"
 #include "rules/check/Checks.h"
@@ -16,8 +15,8 @@ namespace Quorvane::Show {
 
 namespace {
 
-// Puts the nodes into reading order. Follows the walk of the engine: what it gives up at ends the
-// list of branches, and what lies behind is never looked at.
+// Puts the nodes into reading order. Follows the walk of the engine: where it gives up, the list of
+// branches ends.
 class TreeReader {
   public:
     TreeReader(Rules::NodeTable const& table, std::size_t count) : m_table(table), m_count(count) {}
@@ -68,17 +67,20 @@ class TreeReader {
         if (known == State::unseen) {
             return {ShownBranch::Kind::node, child, add(child, depth + 1), {}};
         }
-        return {known == State::above ? ShownBranch::Kind::circle : ShownBranch::Kind::elsewhere,
-                child,
-                m_index.at(static_cast<std::size_t>(child)),
-                {}};
+        auto const index = m_index.at(static_cast<std::size_t>(child));
+        auto const name = "node " + std::to_string(child);
+        return known == State::above
+                   ? ShownBranch{ShownBranch::Kind::circle, child, index,
+                                 "back to " + name + ": the walk can go in circles"}
+                   : ShownBranch{ShownBranch::Kind::elsewhere, child, index,
+                                 name + ", drawn elsewhere in the tree"};
     }
 
     // Why the walk cannot look at a child.
     std::string problemOf(std::int32_t child) const {
         auto const name = "child " + std::to_string(child);
         if (!isChildIndex(child)) {
-            return (child == 0 ? "node 0 is no child" : name + " is outside the table") +
+            return (child == 0 ? "node 0 cannot be a child" : name + " is outside the table") +
                    ": the walk gives up here";
         }
         if (!isAttribute(at(child).attribute)) {
@@ -94,15 +96,9 @@ class TreeReader {
         shown.m_record = at(number);
         shown.m_depth = depth;
         auto const& record = shown.m_record;
-        if (number == treeRoot) {
-            shown.m_condition = shown.m_test = shown.m_sentence = "all mail";
-        } else {
-            shown.m_condition =
-                Rules::conditionText(record.attribute, record.test, record.testValue);
-            shown.m_test = testText({record.attribute, record.test, record.testValue});
-            shown.m_sentence = Rules::fillSentence(
-                Rules::testSentence(record.attribute, record.test, record.testValue), {});
-        }
+        shown.m_test = number == treeRoot
+                           ? ShownTest{"all mail", "all mail", "all mail"}
+                           : shownTest({record.attribute, record.test, record.testValue});
         shown.m_problem = endOf(number);
         return shown;
     }
@@ -118,7 +114,7 @@ class TreeReader {
             return number == treeRoot ? "the root decides nothing: no verdict" : "";
         }
         if (record.childCount < 1) {
-            return "no leaf and no children: no verdict";
+            return "not a leaf, but no children: no verdict";
         }
         if (hasTooManyChildren(record)) {
             return std::to_string(record.childCount) + " children, more than " +
@@ -196,10 +192,9 @@ std::size_t ShownRules::depth() const {
     return deepest;
 }
 
-std::optional<std::size_t> ShownRules::indexOf(std::int32_t number) const {
-    auto const found = std::find_if(m_nodes.begin(), m_nodes.end(),
-                                    [number](auto const& node) { return node.m_number == number; });
-    return found == m_nodes.end() ? std::optional<std::size_t>() : found - m_nodes.begin();
+ShownTest shownTest(AttributeTest const& test) {
+    return {Rules::conditionText({test.attribute, test.test, test.value}), testText(test),
+            Rules::fillSentence(Rules::testSentence(test.attribute, test.test, test.value), {})};
 }
 
 ShownRules shownRules(std::string const& name, Rules::RuleSet const& set) {

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ShownRules: a rule set as every drawing of it wants it: the tree in reading order, each node
-// once, with its test in words and where the walk goes on or gives up, and the elite rules.
+// ShownRules: a rule set as all drawings need it: the tree in reading order, each node once, with
+// its test in words and where the walk continues or gives up, and the elite rules.
 //
-// A plain value. It is made of any rule set, also of one that no engine would load: a tree may go
-// round in circles, share nodes and name nodes that do not exist.
+// A plain value. It is made of any rule set, also of one that no engine would load: a tree may
+// contain circles, share nodes and name nodes that do not exist.
 #pragma once
 
 #include "rules/format/AttributeTable.h"
 #include "rules/model/RuleSet.h"
+#include "ScanRecord.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,32 +19,38 @@
 
 namespace Quorvane::Show {
 
-// Where the walk goes from a node, one for each child slot that it can come to look at.
+// A test in the words of the rule language, as "NAME is VALUE", and as a sentence.
+struct ShownTest {
+    std::string m_condition;
+    std::string m_test;
+    std::string m_sentence;
+};
+
+// Where the walk goes from a node, one for each child slot that it can look at.
 struct ShownBranch {
     enum class Kind : std::uint8_t {
         node,      // a node that is drawn below this one
         elsewhere, // a node that is drawn below another parent
         circle,    // back to a node that this one lies below
-        end,       // the walk gives up when it comes to this slot
+        end,       // the walk gives up when it reaches this slot
     };
     Kind m_kind = Kind::node;
     std::int32_t m_child = 0;
     // In m_nodes of the node; of Kind::end meaningless.
     std::size_t m_index = 0;
-    // Of Kind::end: why, for people.
-    std::string m_problem;
+    // Except for Kind::node: where it leads, or why the walk ends, for people.
+    std::string m_text;
+
+    bool isProblem() const { return m_kind == Kind::circle || m_kind == Kind::end; }
 };
 
 struct ShownNode {
     std::int32_t m_number = 0;
     DTNode m_record{};
     std::size_t m_depth = 0; // the root's is 0
-    // What admits a message: in the words of the rule language, as "NAME is VALUE" and as a
-    // sentence. Of the root: that everything comes here.
-    std::string m_condition;
-    std::string m_test;
-    std::string m_sentence;
-    // Part of the training mail that came here, 0..1; empty when the file does not tell.
+    // What admits a message; for the root "all mail".
+    ShownTest m_test;
+    // Part of the training mail that came here, 0..1; empty when the file does not say.
     std::optional<double> m_share;
     // Why a message that stays here gets no verdict, for people; empty for ordinary nodes.
     std::string m_problem;
@@ -61,12 +68,10 @@ struct ShownElite {
     std::optional<std::size_t> m_place;
     // "'m'" or "9001".
     std::string m_code;
-    // "adds 0.02", "takes away 0.1", "97 % spam", "never fires: type 7".
+    // "adds 0.02", "subtracts 0.1", "97 % spam", "never fires: type 7", "dropped by engines".
     std::string m_effect;
     // One for each condition; none: it always matches.
-    std::vector<std::string> m_conditions;
-    std::vector<std::string> m_tests;
-    std::vector<std::string> m_sentences;
+    std::vector<ShownTest> m_tests;
 };
 
 struct ShownRules {
@@ -77,7 +82,7 @@ struct ShownRules {
     std::optional<std::string> m_loadProblem;
     // In reading order, the root first; never empty.
     std::vector<ShownNode> m_nodes;
-    // Nodes of the file that the walk never comes to.
+    // Nodes of the file that the walk never reaches.
     std::vector<std::int32_t> m_unreached;
     // Empty when there is no elite file, or one without a whole header.
     std::optional<EliteFileHeader> m_eliteHeader;
@@ -85,11 +90,13 @@ struct ShownRules {
 
     std::size_t leafCount() const;
     std::size_t depth() const;
-    // Of m_nodes; empty for a number that is not drawn.
-    std::optional<std::size_t> indexOf(std::int32_t number) const;
 };
 
 ShownRules shownRules(std::string const& name, Rules::RuleSet const& set);
+
+// The parts of it.
+ShownTest shownTest(AttributeTest const& test);
+std::vector<ShownElite> shownElite(Rules::EliteFile const& file);
 
 // "The first deciding rule that matches is used; then the tree is asked.", for people.
 std::string selectModeText(EliteFileHeader const& header);

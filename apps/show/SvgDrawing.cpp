@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/page/Escape.h"
 #include "apps/page/TextWidth.h"
-#include "apps/show/Assets.h"
-#include "apps/show/Drawings.h"
 #include "apps/show/NodeText.h"
-#include "apps/show/Shades.h"
-#include "apps/show/SvgLayout.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
@@ -24,8 +20,6 @@ constexpr double lineHeight = 18.0;
 constexpr double titleHeight = 30.0;
 constexpr double thinnest = 1.0;
 constexpr double thickest = 22.0;
-// More rules than this are no table any more.
-constexpr std::size_t shownElite = 60;
 constexpr double boxMargin = 8.0;
 constexpr double lesserSize = 11.0;
 constexpr double titleSize = 20.0;
@@ -58,7 +52,7 @@ struct Label {
     std::string m_number = {}; // before the text, in bold
 };
 
-// Stays within its room in every font. What is much too long is cut, and told whole to the mouse.
+// Stays within its room in every font. A much longer text is cut; its tooltip has all of it.
 std::string s_drawn(Label const& label) {
     auto const before = label.m_number.empty() ? std::string() : label.m_number + ' ';
     auto const text = before + label.m_text;
@@ -71,12 +65,16 @@ std::string s_drawn(Label const& label) {
            s_text(shown.substr(before.size())) + "</text>\n";
 }
 
+// From left to right: a column for each level, a row for each end of the tree, a node in the middle
+// of its children.
 class SvgWriter {
   public:
     explicit SvgWriter(Drawing const& drawing)
-        : m_drawing(drawing), m_rules(drawing.m_rules), m_layout(svgLayout(drawing.m_rules)),
-          m_width(std::max(headWidth, 2 * margin - (columnWidth - boxWidth) +
-                                          static_cast<double>(m_layout.m_columns) * columnWidth)) {}
+        : m_drawing(drawing), m_rules(drawing.m_rules), m_places(m_rules.m_nodes.size()) {
+        place(0);
+        m_width = std::max(headWidth, 2 * margin - (columnWidth - boxWidth) +
+                                          static_cast<double>(m_columns) * columnWidth);
+    }
 
     std::string write() {
         head();
@@ -87,7 +85,7 @@ class SvgWriter {
         for (std::size_t index = 0; index < nodes.size(); ++index) {
             box(index);
         }
-        auto const height = m_top + static_cast<double>(m_layout.m_rows) * rowHeight + margin;
+        auto const height = m_top + m_rows * rowHeight + margin;
         auto const size = s_number(m_width) + "\" height=\"" + s_number(height) +
                           "\" viewBox=\"0 0 " + s_number(m_width) + ' ' + s_number(height);
         return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -99,6 +97,26 @@ class SvgWriter {
     }
 
   private:
+    // Rows of a node and of its branches.
+    struct Place {
+        double m_row = 0.0;
+        std::vector<double> m_branchRows;
+    };
+
+    // The row of the node. The depth is bounded by the table.
+    double place(std::size_t index) { // NOLINT(misc-no-recursion)
+        auto const& node = m_rules.m_nodes[index];
+        std::vector<double> rows;
+        for (auto const& branch : node.m_branches) {
+            bool const isBelow = branch.m_kind == ShownBranch::Kind::node;
+            rows.push_back(isBelow ? place(branch.m_index) : m_rows++);
+        }
+        m_columns = std::max(m_columns, node.m_depth + (rows.empty() ? 1 : 2));
+        auto const row = rows.empty() ? m_rows++ : (rows.front() + rows.back()) / 2;
+        m_places[index] = {row, std::move(rows)};
+        return row;
+    }
+
     void head() {
         auto y = margin + 14;
         m_text += s_drawn({margin, y, "title", m_rules.m_name, roomFrom(margin), titleSize});
@@ -111,16 +129,8 @@ class SvgWriter {
         }
         legend(y);
         y += titleHeight;
-        auto const count = std::min(m_rules.m_elite.size(), shownElite);
-        for (std::size_t i = 0; i < count; ++i) {
-            elite(m_rules.m_elite[i], y);
-            y += lineHeight;
-        }
-        if (count < m_rules.m_elite.size()) {
-            m_text += s_drawn(
-                {margin, y, "lesser",
-                 "and " + std::to_string(m_rules.m_elite.size() - count) + " more elite rules",
-                 roomFrom(margin), lesserSize});
+        for (auto const& line : eliteLines(m_rules)) {
+            m_text += s_drawn({margin, y, "", line, roomFrom(margin)});
             y += lineHeight;
         }
         m_top = y + margin / 2;
@@ -140,14 +150,8 @@ class SvgWriter {
         constexpr double end = start + side * shadeCount + 8;
         m_text += s_drawn({end, y, "lesser",
                            std::string("sure of spam; the thicker a line, the more of ") +
-                               measured + " comes this way",
+                               measured + " goes this way",
                            roomFrom(end), lesserSize});
-    }
-
-    void elite(ShownElite const& rule, double y) {
-        auto const line = eliteLine(rule);
-        m_text += s_drawn(
-            {margin, y, rule.m_place ? "" : "warn", "elite rule " + line, roomFrom(margin)});
     }
 
     double roomFrom(double left) const { return m_width - left - margin; }
@@ -159,53 +163,42 @@ class SvgWriter {
 
     void edges(std::size_t index) {
         auto const& node = m_rules.m_nodes[index];
-        auto const& place = m_layout.m_places[index];
         for (std::size_t slot = 0; slot < node.m_branches.size(); ++slot) {
             auto const& branch = node.m_branches[slot];
+            auto const row = m_places[index].m_branchRows[slot];
             bool const isNode = branch.m_kind == ShownBranch::Kind::node;
             auto const share = isNode ? shareOf(m_drawing, m_rules.m_nodes[branch.m_index]) : 0.0;
-            edge(place, place.m_slotRows[slot], isNode, share);
+            edge(x(node.m_depth) + boxWidth, y(m_places[index].m_row), y(row),
+                 isNode ? "edge" : "stray", thinnest + (isNode ? share * thickest : 0.5));
             if (!isNode) {
-                stub(place, place.m_slotRows[slot], branch);
+                auto const left = x(node.m_depth + 1) + 6;
+                m_text += s_drawn({left, y(row) + 4, branch.isProblem() ? "warn" : "",
+                                   branch.m_text, roomFrom(left)});
             }
         }
     }
 
-    void edge(SvgLayout::Place const& place, double row, bool isNode, double share) {
-        auto const from = x(place.m_column) + boxWidth;
-        auto const to = x(place.m_column + 1);
-        auto const middle = (from + to) / 2;
-        m_text += std::string("<path class=\"") + (isNode ? "edge" : "stray") + "\" d=\"M" +
-                  s_number(from) + ' ' + s_number(y(place.m_row)) + " C" + s_number(middle) + ' ' +
-                  s_number(y(place.m_row)) + ' ' + s_number(middle) + ' ' + s_number(y(row)) + ' ' +
-                  s_number(to) + ' ' + s_number(y(row)) + "\" stroke-width=\"" +
-                  s_number(thinnest + (isNode ? share * thickest : 0.5)) + "\"/>\n";
-    }
-
-    // The end of a branch that is no node below this one.
-    void stub(SvgLayout::Place const& place, double row, ShownBranch const& branch) {
-        auto const number = std::to_string(branch.m_child);
-        auto const text = branch.m_kind == ShownBranch::Kind::end ? branch.m_problem
-                          : branch.m_kind == ShownBranch::Kind::circle
-                              ? "back to node " + number + ": the walk can go in circles"
-                              : "node " + number + ", which stands elsewhere";
-        bool const isHarmless = branch.m_kind == ShownBranch::Kind::elsewhere;
-        auto const left = x(place.m_column + 1) + 6;
-        m_text += s_drawn({left, y(row) + 4, isHarmless ? "" : "warn", text, roomFrom(left)});
+    void edge(double left, double fromY, double toY, std::string const& kind, double width) {
+        auto const right = left + columnWidth - boxWidth;
+        auto const middle = s_number((left + right) / 2) + ' ';
+        m_text += "<path class=\"" + kind + "\" d=\"M" + s_number(left) + ' ' + s_number(fromY) +
+                  " C" + middle + s_number(fromY) + ' ' + middle + s_number(toY) + ' ' +
+                  s_number(right) + ' ' + s_number(toY) + "\" stroke-width=\"" + s_number(width) +
+                  "\"/>\n";
     }
 
     void box(std::size_t index) {
         auto const& node = m_rules.m_nodes[index];
-        auto const left = x(m_layout.m_places[index].m_column);
-        auto const top = y(m_layout.m_places[index].m_row) - boxHeight / 2;
+        auto const left = x(node.m_depth);
+        auto const top = y(m_places[index].m_row) - boxHeight / 2;
         m_text += std::string("<g class=\"box") + (node.m_problem.empty() ? "" : " problem") +
                   "\"><title>" + s_text(hoverText(node)) + "</title><rect class=\"s" +
                   std::to_string(shadeOf(node.m_record.confidence)) + "\" x=\"" + s_number(left) +
                   "\" y=\"" + s_number(top) + "\" width=\"" + s_number(boxWidth) + "\" height=\"" +
                   s_number(boxHeight) + "\" rx=\"5\"/>\n";
         constexpr double room = boxWidth - 2 * boxMargin;
-        m_text += s_drawn({left + boxMargin, top + 16, "", node.m_test, room, Page::drawnTextSize,
-                           std::to_string(node.m_number)});
+        m_text += s_drawn({left + boxMargin, top + 16, "", node.m_test.m_test, room,
+                           Page::drawnTextSize, std::to_string(node.m_number)});
         m_text +=
             s_drawn({left + boxMargin, top + 31, "lesser",
                      node.m_problem.empty() ? nodeLine(m_drawing, node) : "! " + node.m_problem,
@@ -214,8 +207,8 @@ class SvgWriter {
     }
 
     std::string hoverText(ShownNode const& node) const {
-        auto text = "node " + std::to_string(node.m_number) + ": " + node.m_sentence + "; " +
-                    node.m_condition + "; " + nodeLine(m_drawing, node);
+        auto text = "node " + std::to_string(node.m_number) + ": " + node.m_test.m_sentence + "; " +
+                    node.m_test.m_condition + "; " + nodeLine(m_drawing, node);
         auto const counts = countsLine(node);
         text += counts.empty() ? "" : "; " + counts;
         return text + (node.m_problem.empty() ? "" : "; " + node.m_problem);
@@ -223,9 +216,11 @@ class SvgWriter {
 
     Drawing const& m_drawing;
     ShownRules const& m_rules;
-    SvgLayout m_layout;
+    std::vector<Place> m_places; // in the order of the nodes
+    std::size_t m_columns = 0;
+    double m_rows = 0.0;
     double m_top = 0.0;
-    double m_width;
+    double m_width = 0.0;
     std::string m_text;
 };
 

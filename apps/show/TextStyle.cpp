@@ -72,6 +72,14 @@ std::vector<std::string> wrapped(std::string_view text, std::size_t width) {
     return lines;
 }
 
+std::string wrappedText(std::string_view text, TextStyle const& style) {
+    std::string lines;
+    for (auto const& line : wrapped(text, style.m_width)) {
+        lines += line + '\n';
+    }
+    return lines;
+}
+
 std::string coloured(TextStyle const& style, std::string_view parameters, std::string const& text) {
     if (!style.m_hasColour || text.empty()) {
         return text;

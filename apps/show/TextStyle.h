@@ -19,17 +19,19 @@ struct TextStyle {
 };
 
 // Of standard output: its width, colours unless NO_COLOR is set, and the character set of the
-// locale. What is no terminal is 100 columns wide and gets no colours. `isStandardOutput`: false
-// when a file is written instead.
+// locale. Anything that is not a terminal is 100 columns wide and gets no colours.
+// `isStandardOutput`: false when a file is written instead.
 TextStyle terminalStyle(bool isStandardOutput);
 
-// `text`, with blanks behind or before it up to `width` columns.
+// `text`, with blanks after or before it up to `width` columns.
 std::string padded(std::string text, std::size_t width);
 std::string rightAligned(std::string const& text, std::size_t width);
 
 // Lines of at most `width` columns, broken at blanks; a longer word is broken where it must.
 // Bytes count, so other text than ASCII makes shorter lines. At least one line.
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
+// The same as one text; each line ends in a line feed.
+std::string wrappedText(std::string_view text, TextStyle const& style);
 
 // `text` in a colour of SGR parameters ("1", "38;5;208"), if there are colours.
 std::string coloured(TextStyle const& style, std::string_view parameters, std::string const& text);

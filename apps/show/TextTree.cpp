@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/show/Drawings.h"
-
-#include "apps/show/TextFigures.h"
+#include "apps/show/NodeText.h"
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace Quorvane::Show {
 
@@ -13,9 +12,7 @@ namespace {
 constexpr std::size_t guideWidth = 3;
 // Of the words of a test: with less the figures move below them.
 constexpr std::size_t minTestWidth = 36;
-constexpr double sureOfSpam = 0.95;
-constexpr double sureOfHam = 0.05;
-// Told apart with any colour vision.
+// They can be told apart with any colour vision.
 constexpr char orange[] = "38;5;208";
 constexpr char blue[] = "38;5;39";
 constexpr char dim[] = "2";
@@ -25,18 +22,63 @@ struct Guides {
     char const* m_through;
     char const* m_branch;
     char const* m_last;
-    char const* m_cut; // for those that there is no room for
+    char const* m_cut; // instead of those for which there is no room
     char const* m_to;
     char const* m_back;
 };
 constexpr Guides boxes{"│  ", "├─ ", "└─ ", "⋯  ", "→ ", "↺ "};
 constexpr Guides ascii{"|  ", "|- ", "`- ", ".. ", "-> ", "-> "};
 
+// A column beside the tree.
+struct Figure {
+    std::string m_heading;
+    // Of one node; empty where there is nothing to say.
+    std::function<std::string(ShownNode const&)> m_text;
+    // The first to go where there is no room for all.
+    bool m_isLesser = false;
+};
+
+Figure s_count(char const* heading, std::int32_t DTNode::*count, bool isLesser) {
+    return {heading,
+            [count](ShownNode const& node) {
+                return node.isCounted() ? countText(node.m_record.*count) : "";
+            },
+            isLesser};
+}
+
+Figure s_measured(char const* heading, Traffic const& traffic,
+                  std::uint64_t Traffic::Use::*messages) {
+    return {heading, [&traffic, messages](ShownNode const& node) {
+                return percentText(traffic.share(traffic.node(node.m_number).*messages));
+            }};
+}
+
+// Probability of spam first; counts where the file has any; measured shares where there are any.
+std::vector<Figure> s_figures(Drawing const& drawing) {
+    std::vector<Figure> figures{
+        {"spam", [](ShownNode const& node) { return percentText(node.m_record.confidence); }},
+        {"support", [](ShownNode const& node) {
+             auto const support = node.m_record.support;
+             return node.isRoot() && support == 0.0 ? "" : supportText(support);
+         }}};
+    auto const& nodes = drawing.m_rules.m_nodes;
+    if (std::any_of(nodes.begin(), nodes.end(), std::mem_fn(&ShownNode::isCounted))) {
+        figures.push_back(s_count("messages", &DTNode::value1, false));
+        figures.push_back(s_count("spam", &DTNode::value2, true));
+        figures.push_back(s_count("ham", &DTNode::value3, true));
+    }
+    if (drawing.m_traffic != nullptr) {
+        figures.push_back(s_measured("measured", *drawing.m_traffic, &Traffic::Use::m_reached));
+        figures.push_back(s_measured("decided", *drawing.m_traffic, &Traffic::Use::m_decided));
+    }
+    return figures;
+}
+
 class TreeWriter {
   public:
     TreeWriter(Drawing const& drawing, TextStyle const& style)
         : m_drawing(drawing), m_style(style), m_guides(style.m_isUtf8 ? boxes : ascii),
-          m_figures(textFigures(drawing)) {
+          m_figures(s_figures(drawing)) {
         measureFigures();
         if (isTooWide()) {
             std::erase_if(m_figures, [](auto const& figure) { return figure.m_isLesser; });
@@ -62,7 +104,7 @@ class TreeWriter {
         for (auto const& figure : m_figures) {
             auto width = columns(figure.m_heading);
             for (auto const& node : m_drawing.m_rules.m_nodes) {
-                width = std::max(width, columns(figure.m_text(node, m_drawing.m_traffic)));
+                width = std::max(width, columns(figure.m_text(node)));
             }
             m_widths.push_back(width);
             m_figuresWidth += width + 2;
@@ -75,7 +117,7 @@ class TreeWriter {
     std::size_t neededWidth() const {
         std::size_t width = minTestWidth;
         for (auto const& node : m_drawing.m_rules.m_nodes) {
-            auto const words = std::to_string(node.m_number).size() + 2 + node.m_test.size();
+            auto const words = std::to_string(node.m_number).size() + 2 + node.m_test.m_test.size();
             width = std::max(width, node.m_depth * guideWidth + words);
         }
         return width;
@@ -94,7 +136,7 @@ class TreeWriter {
         auto const& shown = m_drawing.m_rules.m_nodes[index];
         auto const number = std::to_string(shown.m_number) + "  ";
         auto const below = std::string(shown.m_branches.empty() ? "" : m_guides.m_through);
-        auto const lines = wrapped(shown.m_test, testWidth(number.size()));
+        auto const lines = wrapped(shown.m_test.m_test, testWidth(number.size()));
         for (std::size_t i = 0; i < lines.size(); ++i) {
             line(i == 0 ? guides(mark) : guides(after(mark)) + padded(below, number.size()),
                  i == 0 ? number : "", lines[i], i == 0 ? &shown : nullptr);
@@ -123,24 +165,16 @@ class TreeWriter {
     }
 
     void branch(ShownBranch const& branch, std::string const& mark) { // NOLINT(misc-no-recursion)
-        auto const number = std::to_string(branch.m_child);
-        auto const at = guides(mark);
-        auto const under = guides(after(mark));
-        switch (branch.m_kind) {
-        case ShownBranch::Kind::node:
+        using Kind = ShownBranch::Kind;
+        if (branch.m_kind == Kind::node) {
             node(branch.m_index, mark);
-            break;
-        case ShownBranch::Kind::elsewhere:
-            plain(at, under, m_guides.m_to + number + "  (stands elsewhere in the tree)", "");
-            break;
-        case ShownBranch::Kind::circle:
-            plain(at, under, m_guides.m_back + number + "  back up: the walk can go in circles",
-                  orange);
-            break;
-        case ShownBranch::Kind::end:
-            plain(at, under, "! " + branch.m_problem, orange);
-            break;
+            return;
         }
+        auto const* const sign = branch.m_kind == Kind::elsewhere ? m_guides.m_to
+                                 : branch.m_kind == Kind::circle  ? m_guides.m_back
+                                                                  : "! ";
+        plain(guides(mark), guides(after(mark)), sign + branch.m_text,
+              branch.isProblem() ? orange : "");
     }
 
     // What stands below a mark, on the lines of the same node and of those under it.
@@ -174,7 +208,7 @@ class TreeWriter {
         if (node != nullptr && !m_isNarrow) {
             m_text.append(m_left - std::min(m_left, columns(guides + number + words)), ' ');
             for (std::size_t i = 0; i < m_figures.size(); ++i) {
-                auto const text = m_figures[i].m_text(*node, m_drawing.m_traffic);
+                auto const text = m_figures[i].m_text(*node);
                 m_text +=
                     coloured(m_style, colourOf(*node, i), "  " + rightAligned(text, m_widths[i]));
             }
@@ -183,7 +217,7 @@ class TreeWriter {
         m_text += '\n';
     }
 
-    // A line of its own, broken where it is too long: the rest has other guides.
+    // A line of its own, wrapped where it is too long: the rest has other guides.
     void plain(std::string const& guides, std::string const& guidesUnder, std::string const& words,
                char const* colour) {
         auto const taken = columns(guides);
@@ -199,7 +233,7 @@ class TreeWriter {
     std::string figuresInOneLine(ShownNode const& node) const {
         std::string text;
         for (auto const& figure : m_figures) {
-            auto const value = figure.m_text(node, m_drawing.m_traffic);
+            auto const value = figure.m_text(node);
             if (!value.empty()) {
                 text += (text.empty() ? "" : ", ") + figure.m_heading + ' ' + value;
             }
@@ -212,14 +246,14 @@ class TreeWriter {
         if (figure != 0) {
             return dim;
         }
-        double const confidence = node.m_record.confidence;
-        return confidence >= sureOfSpam ? orange : confidence <= sureOfHam ? blue : "0";
+        auto const shade = shadeOf(node.m_record.confidence);
+        return shade == shadeCount - 1 ? orange : shade == 0 ? blue : "0";
     }
 
     Drawing const& m_drawing;
     TextStyle const& m_style;
     Guides const& m_guides;
-    std::vector<TextFigure> m_figures;
+    std::vector<Figure> m_figures;
     std::vector<std::size_t> m_widths;
     std::size_t m_figuresWidth = 0;
     std::size_t m_left = 0; // columns for guides, number and words

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Traffic: how much of some mail comes to each node and each elite rule. A plain value;
-// TrafficMeter (TrafficMeter.h) measures it on the engine.
+// Traffic: how much of some mail reaches each node and each elite rule. A plain value.
 #pragma once
 
+#include "DeepHeaderEngine.h"
 #include "rules/format/RuleFiles.h"
+#include "rules/vectors/VectorTable.h"
 
 #include <array>
 #include <cstddef>
@@ -21,7 +22,7 @@ struct Traffic {
         std::uint64_t m_decided = 0;
     };
 
-    // Messages that came to the rules, and those that did not: they have no public hop.
+    // Messages that reached the rules, and those that did not: they have no public hop.
     std::uint64_t m_messages = 0;
     std::uint64_t m_notJudgeable = 0;
     // Messages that no rule decided.
@@ -39,6 +40,10 @@ struct Traffic {
     double share(std::uint64_t count) const {
         return m_messages == 0 ? 0.0 : static_cast<double>(count) / static_cast<double>(m_messages);
     }
+
+    // Lets the engine judge `count` messages with this vector.
+    void add(DeepHeaderEngine const& engine, DeepHeaderSettings const& settings,
+             Rules::AttributeVector const& vector, std::uint64_t count);
 };
 
 } // namespace Quorvane::Show

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/JsonRecord.h"
 
-#include "apps/story/LookupText.h"
 #include "apps/story/RuleStory.h"
-#include "apps/story/TrailText.h"
+#include "apps/story/StepText.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/Utf8.h"
 #include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
 
-#include <array>
-#include <cstddef>
 #include <nlohmann/json.hpp>
 
 namespace Quorvane {
@@ -18,14 +15,6 @@ namespace Quorvane {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// In the order of TreeUse and WalkEnd.
-constexpr auto treeUses =
-    std::to_array<char const*>({"notReached", "eliteDecided", "leftOut", "switchedOff", "walked"});
-constexpr auto walkEnds = std::to_array<char const*>(
-    {"notWalked", "leaf", "sureEnough", "rareChild", "noBranch", "badNode", "tooLong"});
-static_assert(treeUses.size() == static_cast<std::size_t>(TreeUse::walked) + 1);
-static_assert(walkEnds.size() == static_cast<std::size_t>(WalkEnd::tooLong) + 1);
 
 Json s_domain(EmailAddress const& address) {
     return address.isNull() ? Json() : Json(toUtf8(address.domain()));
@@ -57,7 +46,7 @@ Json s_hops(ScanRecord const& record) {
     return hops;
 }
 
-// All hops and what was made of them.
+// All hops and their roles.
 Json s_trail(ScanRecord const& record) {
     auto trail = Json::array();
     for (auto const& hop : record.trail) {
@@ -76,7 +65,8 @@ Json s_lookups(ScanRecord const& record) {
     for (auto const& lookup : record.lookups) {
         lookups.push_back({{"question", questionName(lookup.question)},
                            {"name", toUtf8(lookup.name)},
-                           {"result", lookupName(lookup.result)}});
+                           {"result", lookupName(lookup.result)},
+                           {"text", lookupText(lookup.result)}});
     }
     return lookups;
 }
@@ -142,25 +132,21 @@ Json s_tree(ScanRecord const& record, RuleStory const& story) {
     }
     return {{"path", path},
             {"result", record.tree.result},
-            {"use", treeUses.at(static_cast<std::size_t>(record.tree.use))},
-            {"end", walkEnds.at(static_cast<std::size_t>(record.tree.end))},
-            {"text", story.m_end},
+            {"use", treeUseName(record.tree.use)},
+            {"end", walkEndName(record.tree.end)},
+            {"text", walkEndText(record.tree.end)},
             {"nodes", s_nodes(story)}};
-}
-
-// The low byte of the code, as it stands in the answer.
-Json s_letter(RecordedRule const& rule) {
-    return toUtf8(std::string(1, static_cast<char>(rule.code & 0xFF)));
 }
 
 Json s_rule(DescribedRule const& described, ScanRecord const& record) {
     auto const& rule = *described.m_rule;
     bool const adjusts = rule.type == EliteType::adjusting;
+    auto const letter = static_cast<char>(reasonByte(rule.code));
     auto tests = Json::array();
     for (auto const& test : described.m_tests) {
         tests.push_back(s_test(test));
     }
-    return {{"code", adjusts ? s_letter(rule) : Json(rule.code)},
+    return {{"code", adjusts ? Json(toUtf8(std::string(1, letter))) : Json(rule.code)},
             {"type", adjusts ? "adjust" : "decide"},
             {"outcome", outcomeName(rule.outcome)},
             {"text", outcomeText(rule, record)},
@@ -169,7 +155,8 @@ Json s_rule(DescribedRule const& described, ScanRecord const& record) {
             {"weight", rule.weight},
             {"support", rule.support},
             {"level", rule.level},
-            {"tests", tests}};
+            {"tests", tests},
+            {"fired", rule.hasFired()}};
 }
 
 Json s_rules(ScanRecord const& record, RuleStory const& story) {
@@ -190,8 +177,8 @@ Json s_needed(std::vector<Requirement> const& list) {
     return needed;
 }
 
-// Words, where the values have some, and what they say of those that differ from the start. Null
-// when the scan did not come to the rules.
+// Each value as a word if it has one, otherwise as a number. Null when the scan did not reach the
+// rules.
 Json s_values(ScanRecord const& record) {
     if (!record.isJudged()) {
         return {};

@@ -2,7 +2,7 @@
 //
 // The JSON record of one judged message, on one line (docs/json-record.md). Programs rely on its
 // keys and their order. Text is ASCII: every other character is escaped; bytes that are not UTF-8
-// appear as U+0080 to U+00FF. Numbers that JSON does not know (NaN, infinities) become null. Pure
+// appear as U+0080 to U+00FF. Numbers that JSON cannot express (NaN, infinities) become null. Pure
 // functions.
 #pragma once
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/RuleStory.h"
 
+#include "apps/story/StepText.h"
 #include "apps/text/NumberText.h"
 #include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
 
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <set>
@@ -14,37 +14,6 @@
 namespace Quorvane {
 
 namespace {
-
-struct Words {
-    char const* m_name;
-    char const* m_text;
-};
-
-// In the order of RuleOutcome.
-constexpr auto outcomes = std::to_array<Words>({
-    {"notReached", "not reached: another rule ended the run"},
-    {"level", "left out: its level is above the settings' maximum"},
-    {"noMatch", "does not match"},
-    {"unknownType", "never fires: it neither adjusts nor decides"},
-    {"support", "left out: seen too rarely in training"},
-    {"adjusted", "adjusts"},
-    {"passedOver", "another was chosen before"},
-    {"replaced", "replaced by a later one"},
-    {"chosen", "chosen"},
-});
-static_assert(outcomes.size() == static_cast<std::size_t>(RuleOutcome::chosen) + 1);
-
-// In the order of WalkEnd.
-constexpr auto ends = std::to_array<char const*>({
-    "",
-    "a leaf",
-    "sure enough of spam to stop here",
-    "the branch that fits was seen too rarely in training",
-    "no branch of the tree fits: no decision",
-    "the rules name a node or an attribute that does not exist: no decision",
-    "the rules lead in circles: no decision",
-});
-static_assert(ends.size() == static_cast<std::size_t>(WalkEnd::tooLong) + 1);
 
 std::string s_joined(std::vector<DescribedTest> const& tests) {
     std::string text;
@@ -60,11 +29,9 @@ std::string s_signed(double value) {
 }
 
 std::string s_letter(std::int32_t code) {
-    EliteRecord rule{};
-    rule.code = code;
-    auto const letter = reasonByte(rule);
-    return letter != ' ' && isVisibleReason(letter) ? std::string(1, static_cast<char>(letter))
-                                                    : std::to_string(int{letter});
+    auto const letter = reasonByte(code);
+    return isVisibleReason(letter) ? std::string(1, static_cast<char>(letter))
+                                   : std::to_string(int{letter});
 }
 
 // Gateways write "unknown" where they found none.
@@ -84,7 +51,6 @@ class RuleDescriber {
         for (auto const& node : m_record.tree.path) {
             addNode(node);
         }
-        m_story.m_end = ends.at(static_cast<std::size_t>(m_record.tree.end));
         return std::move(m_story);
     }
 
@@ -119,16 +85,16 @@ class RuleDescriber {
         m_story.m_path.push_back(std::move(added));
     }
 
-    // Several attributes say that there is no deep hop.
+    // Several attributes have the same sentence when there is no deep hop.
     void addSentence(DescribedTest const& test) {
-        if (m_said.insert(test.m_words).second) {
+        if (m_known.insert(test.m_words).second) {
             m_story.m_sentences.push_back(test.m_words);
         }
     }
 
     ScanRecord const& m_record;
     Rules::SentenceNames m_names;
-    std::set<std::string> m_said;
+    std::set<std::string> m_known;
     RuleStory m_story;
 };
 
@@ -180,17 +146,6 @@ std::vector<AttributeLine> attributeLines(ScanRecord const& record) {
 
 RuleStory describeRules(ScanRecord const& record) {
     return RuleDescriber(record).describe();
-}
-
-char const* outcomeName(RuleOutcome outcome) {
-    return outcomes.at(static_cast<std::size_t>(outcome)).m_name;
-}
-
-std::string outcomeText(RecordedRule const& rule, ScanRecord const& record) {
-    if (rule.outcome == RuleOutcome::replaced) {
-        return "replaced by rule " + std::to_string(record.rules.at(rule.replacedBy).code);
-    }
-    return outcomes.at(static_cast<std::size_t>(rule.outcome)).m_text;
 }
 
 std::string ruleLine(DescribedRule const& described, ScanRecord const& record) {

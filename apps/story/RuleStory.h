@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Which rules came to the answer and why, in plain words. Pure functions; what they return points
-// into the record and must not outlive it. The words hold names of the message as they stand there:
-// toPrintable or toUtf8 makes them fit to be shown.
+// Which rules led to the answer and why, in plain words. Pure functions; their results point into
+// the record and must not outlive it. The words hold names of the message unchanged: convert them
+// with toPrintable or toUtf8 before showing them.
 #pragma once
 
 #include "rules/language/Sentences.h"
@@ -48,16 +48,11 @@ struct DescribedNode {
 struct RuleStory {
     std::vector<DescribedRule> m_elite; // all, in the order of the engine's list
     std::vector<DescribedNode> m_path;
-    std::string m_end; // why the walk ended; empty when the tree was not asked
-    // What came to the answer, each fact once: of the elite rule that decided, or of the path.
+    // The facts that led to the answer, each once: of the elite rule that decided, or of the path.
     std::vector<std::string> m_sentences;
 };
 
 RuleStory describeRules(ScanRecord const& record);
-
-// What became of a rule: the name for programs, "noMatch", and the words for people.
-char const* outcomeName(RuleOutcome outcome);
-std::string outcomeText(RecordedRule const& rule, ScanRecord const& record);
 
 // "rule 9001 says 0.97 spam: first_reverse_dynamic is yes and hop_behind_first is no"; of a rule
 // that fired.

@@ -65,17 +65,12 @@ std::string s_decidedReason(RecordedVerdict const& verdict, DeepHeaderSettings c
 }
 
 std::string s_undecidedReason(TreeUse use) {
-    switch (use) {
-    case TreeUse::leftOut:
+    if (use == TreeUse::leftOut) {
         return "no rule decided: no elite rule did, and the rules leave the tree out";
-    case TreeUse::switchedOff:
-        return "thresholds switch the tree off (a spam threshold of 95 or more)";
-    case TreeUse::notReached:
-    case TreeUse::eliteDecided:
-    case TreeUse::walked:
-        break;
     }
-    return "no rule decided";
+    return use == TreeUse::switchedOff
+               ? "thresholds switch the tree off (a spam threshold of 95 or more)"
+               : "no rule decided";
 }
 
 std::string s_changes(Alternative const& alternative, AttributeVector const& now) {
@@ -88,7 +83,7 @@ std::string s_changes(Alternative const& alternative, AttributeVector const& now
     return text;
 }
 
-// Of what is not so: without the names of what is.
+// These are not facts of the message: its names are left out.
 std::vector<std::string> s_words(Alternative const& alternative) {
     std::vector<std::string> words;
     for (auto const& [attribute, value] : alternative.changes) {
@@ -97,7 +92,7 @@ std::vector<std::string> s_words(Alternative const& alternative) {
     return words;
 }
 
-// A node decided, but neither threshold was reached: which would have been?
+// A node decided, but neither threshold was reached: at which thresholds would it have been?
 void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verdict,
                      DeepHeaderSettings const& settings) {
     if (verdict.node == 0 || verdict.isSpam || verdict.isHam ||
@@ -110,7 +105,7 @@ void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verd
         {"ham", "a ham threshold of " + numberText(1.0 - verdict.confidence) + " or less", {}});
 }
 
-// A walk that an IPv6 relay ended goes on when that relay is known to be the site's own.
+// A walk that ended at an IPv6 relay continues if that relay is declared as the site's own.
 std::vector<Requirement> s_wayOn(Trail const& trail) {
     for (auto const& hop : trail) {
         if (hop.role == HopRole::ipv6End) {
@@ -139,8 +134,9 @@ std::string reasonText(ScanRecord const& record, DeepHeaderSettings const& setti
                    : "the scan failed: " + *record.failure;
     }
     if (!record.isJudged()) {
-        return record.isVector ? "nothing to judge: a message without public hop has no attributes"
-                               : s_noHopReason(record.trail);
+        return record.isVector
+                   ? "nothing to judge: a message without a public hop has no attributes"
+                   : s_noHopReason(record.trail);
     }
     return record.verdict.decision == Decision::none ? s_undecidedReason(record.tree.use)
                                                      : s_decidedReason(record.verdict, settings);

@@ -26,8 +26,8 @@ struct Requirement {
     std::vector<std::string> m_words; // the same changes as sentences, one each
 };
 
-// When the scan did not come to the rules: what would let it, where the host can do that. What
-// depends on attributes is there from RecordDepth::alternatives on.
+// When the scan did not reach the rules: what the host could change so that it does. What depends
+// on attributes requires RecordDepth::alternatives.
 std::vector<Requirement> requirements(ScanRecord const& record, DeepHeaderSettings const& settings);
 
 } // namespace Quorvane

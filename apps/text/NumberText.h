@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Numbers for people. Pure functions; no locale has a say.
+// Numbers for people. Pure functions, independent of the locale.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace Quorvane {
 
-// So many significant digits, without zeros at the end: "0.97", "12.35", "1e-05", "inf".
+// With this many significant digits, without zeros at the end: "0.97", "12.35", "1e-05", "inf".
 std::string numberText(double value, int digits = 4);
 
-// 0..1. Rule files may hold any number where a share or probability is meant.
+// Whether it is in 0..1. Rule files may hold any number in place of a share or probability.
 bool isShare(double number);
 
-// What is no share, in brackets as it stands in the file: "(97)", "(inf)", "(no number)" for NaN.
+// A number that is not a share, in parentheses: "(97)", "(inf)", "(no number)" for NaN.
 std::string noShareText(double number);
 
 // "0.97 spam", "unknown share of spam (97)".

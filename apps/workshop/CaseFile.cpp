@@ -42,8 +42,9 @@ class CaseFileReader {
         if (name != "rules" && name != "settings" && name != "case") {
             auto const text = std::string(name.str());
             fail(name.source().begin,
-                 "unknown key \"" + text + "\"; a file of rule tests has rules, [settings] and " +
-                     "[[case]]" + Rules::didYouMean(text, {"rules", "settings", "case"}));
+                 "unknown key \"" + text +
+                     "\"; a file of rule tests has rules, [settings] and [[case]]" +
+                     Rules::didYouMean(text, {"rules", "settings", "case"}));
         }
     }
 
@@ -79,9 +80,8 @@ class CaseFileReader {
         } else {
             std::vector<std::string_view> names{"dns"};
             addCaseSettings(names);
-            fail(name.source().begin, "no setting of rule tests is called \"" +
-                                          std::string(name.str()) + '"' +
-                                          Rules::didYouMean(name.str(), names));
+            fail(name.source().begin, "rule tests have no setting \"" + std::string(name.str()) +
+                                          '"' + Rules::didYouMean(name.str(), names));
         }
     }
 
@@ -103,7 +103,7 @@ class CaseFileReader {
         auto const [found, isNew] = m_lines.emplace(one.m_name, one.m_line);
         if (!isNew) {
             fail(at, "the case in line " + std::to_string(found->second) +
-                         " has the same name; give each its own");
+                         " has the same name; names must differ");
         }
         m_file.m_cases.push_back(std::move(one));
     }
@@ -121,7 +121,7 @@ CaseFile readCaseFile(std::string const& path) {
     try {
         return CaseFileReader(path).read();
     } catch (SettingsError const& error) {
-        // It quotes the file, which may hold anything.
+        // The text quotes the file, which may hold anything.
         throw Rules::RuleError(Rules::RuleError::Kind::badData, toPrintable(error.what()));
     }
 }

@@ -5,7 +5,6 @@
 #pragma once
 
 #include "apps/settings/HostSettings.h"
-#include "apps/settings/MessageFacts.h"
 #include "rules/vectors/VectorTable.h"
 
 #include <cstdint>
@@ -15,15 +14,15 @@
 
 namespace Quorvane::Workshop {
 
-// Both ends belong to it.
+// Includes both ends.
 struct ConfidenceRange {
     double m_low;
     double m_high;
 };
 
-// What was not said is empty and does not matter.
+// What is not given is empty and is not checked.
 struct CaseExpectation {
-    std::string m_verdict;              // "spam", "ham" or "none"; always said
+    std::string m_verdict;              // "spam", "ham" or "none"; always given
     std::optional<std::int32_t> m_node; // 0: no rule decides
     std::optional<std::string> m_reasons;
     std::optional<ConfidenceRange> m_confidence;
@@ -32,10 +31,10 @@ struct CaseExpectation {
 struct RuleCase {
     std::size_t m_line = 0;
     std::string m_name;
-    // Look-ups are off unless the case gives data for them.
+    // Look-ups are off unless the case gives DNS data.
     HostSettings m_settings;
     MessageFacts m_facts;
-    // One of the two.
+    // Exactly one of the two is given.
     std::optional<std::string> m_headers;
     std::optional<Rules::AttributeVector> m_vector;
     CaseExpectation m_expected;
@@ -49,7 +48,7 @@ struct CaseFile {
 };
 
 // Throws a RuleError: noInput for a file that cannot be read, badData with file, line and column
-// for what is wrong in it.
+// for an error in it.
 CaseFile readCaseFile(std::string const& path);
 
 } // namespace Quorvane::Workshop

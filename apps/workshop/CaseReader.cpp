@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseReader.h"
 
-#include "apps/settings/FactsTable.h"
 #include "apps/settings/TomlSettings.h"
-#include "apps/workshop/CaseExpectation.h"
 #include "apps/workshop/VectorText.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/Nearest.h"
@@ -11,13 +9,25 @@
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
+#include <span>
 #include <utility>
 
 namespace Quorvane::Workshop {
 
 namespace {
+
+[[noreturn]] void s_fail(std::string const& path, toml::node const& node, std::string const& what) {
+    throw SettingsError(tomlPlace(path, node.source().begin) + what);
+}
+
+std::string s_text(std::string const& path, std::string_view name, toml::node const& node) {
+    auto const* const text = node.as_string();
+    if (text == nullptr) {
+        s_fail(path, node, std::string(name) + " needs a text in quotes");
+    }
+    return text->get();
+}
 
 class CaseReader {
   public:
@@ -42,20 +52,22 @@ class CaseReader {
         std::string_view m_name;
         void (CaseReader::*m_read)(toml::node const& node);
     };
-    static constexpr std::size_t ownKeys = 5;
-    static std::array<Key, ownKeys> const s_keys;
+    static std::span<Key const> keys();
 
     [[noreturn]] void fail(toml::node const& node, std::string const& what) const {
-        failCase(m_path, node, what);
+        s_fail(m_path, node, what);
+    }
+
+    std::string text(std::string_view name, toml::node const& node) const {
+        return s_text(m_path, name, node);
     }
 
     void readKey(toml::key const& name, toml::node const& node) {
-        auto const key = std::find_if(s_keys.begin(), s_keys.end(),
+        auto const own = keys();
+        auto const key = std::find_if(own.begin(), own.end(),
                                       [&](Key const& one) { return one.m_name == name.str(); });
-        if (key != s_keys.end()) {
+        if (key != own.end()) {
             (this->*key->m_read)(node);
-        } else if (readExpectation(name.str(), node, m_path, m_case.m_expected)) {
-            return;
         } else if (isCaseSetting(name.str())) {
             setFromToml(m_settings, name.str(), node, m_path);
         } else if (m_facts.find(name.str()) != nullptr) {
@@ -68,11 +80,9 @@ class CaseReader {
 
     std::string unknownKey(std::string_view name) const {
         std::vector<std::string_view> names;
-        names.reserve(s_keys.size());
-        for (auto const& key : s_keys) {
+        for (auto const& key : keys()) {
             names.push_back(key.m_name);
         }
-        names.insert(names.end(), expectationKeys.begin(), expectationKeys.end());
         for (auto const& facts : m_facts.facts()) {
             names.push_back(facts.m_name);
         }
@@ -81,7 +91,7 @@ class CaseReader {
     }
 
     void readName(toml::node const& node) {
-        m_case.m_name = caseText(m_path, "name", node);
+        m_case.m_name = text("name", node);
         if (m_case.m_name.empty() || m_case.m_name.find('\n') != std::string::npos) {
             fail(node, "a name is one line that says what the case is about");
         }
@@ -95,10 +105,10 @@ class CaseReader {
         NamedVector vector;
         for (auto const& [name, value] : *table) {
             auto const* const word = value.as_string();
-            auto const text = word != nullptr ? std::optional(word->get())
-                                              : tomlScalar(SettingKind::integer, value);
+            auto const given = word != nullptr ? std::optional(word->get())
+                                               : tomlScalar(SettingKind::integer, value);
             try {
-                vector.set(name.str(), text.value_or(""));
+                vector.set(name.str(), given.value_or(""));
             } catch (Rules::RuleError const& error) {
                 fail(value, error.what());
             }
@@ -107,20 +117,18 @@ class CaseReader {
         noteInput(node);
     }
 
-    void readMessage(toml::node const& node) {
-        takeMessage(caseText(m_path, "message", node), node);
-    }
+    void readMessage(toml::node const& node) { takeMessage(text("message", node), node); }
 
     void readFile(toml::node const& node) {
-        auto const name = caseText(m_path, "file", node);
+        auto const name = text("file", node);
         takeMessage(Rules::readFile(std::filesystem::path(m_path).parent_path() / name), node);
     }
 
-    void takeMessage(std::string text, toml::node const& node) {
-        if (HeaderReader::read(text).headers().empty()) {
-            fail(node, "no message: it has no header field");
+    void takeMessage(std::string message, toml::node const& node) {
+        if (HeaderReader::read(message).headers().empty()) {
+            fail(node, "not a message: it has no header field");
         }
-        m_case.m_headers = std::move(text);
+        m_case.m_headers = std::move(message);
         noteInput(node);
     }
 
@@ -133,6 +141,52 @@ class CaseReader {
 
     void readDns(toml::node const& node) { m_zoneLines = readZoneLines(m_path, node); }
 
+    void readVerdict(toml::node const& node) {
+        auto const verdict = text("verdict", node);
+        if (verdict != "spam" && verdict != "ham" && verdict != "none") {
+            fail(node, "\"" + verdict + "\" is not a verdict; write spam, ham or none" +
+                           Rules::didYouMean(verdict, {"spam", "ham", "none"}));
+        }
+        m_case.m_expected.m_verdict = verdict;
+    }
+
+    void readNode(toml::node const& node) {
+        auto const number = tomlScalar(SettingKind::integer, node);
+        if (!number) {
+            fail(node, "node is the number of a node or of an elite rule, 0 for none");
+        }
+        try {
+            readSetting(*number, m_case.m_expected.m_node.emplace());
+        } catch (SettingsError const& error) {
+            fail(node, std::string("node: ") + error.what());
+        }
+    }
+
+    double number(toml::node const& node) const {
+        auto const found = node.value<double>();
+        if (!found || !node.is_number()) {
+            fail(node, "confidence is a number, or a range as in [0.9, 1.0]");
+        }
+        return *found;
+    }
+
+    void readConfidence(toml::node const& node) {
+        auto const* const range = node.as_array();
+        if (range != nullptr && range->size() != 2) {
+            fail(node, "a range of confidence has two ends, the lower one first");
+        }
+        auto const low = number(range == nullptr ? node : range->front());
+        auto const high = range == nullptr ? low : number(range->back());
+        if (range != nullptr && !(low <= high)) {
+            fail(node, "a range of confidence has two ends, the lower one first");
+        }
+        m_case.m_expected.m_confidence = {low, high};
+    }
+
+    void readReasons(toml::node const& node) {
+        m_case.m_expected.m_reasons = text("reasons", node);
+    }
+
     void checkWhole() const {
         if (m_case.m_name.empty()) {
             fail(m_table, "the case has no name; say what it is about");
@@ -144,7 +198,7 @@ class CaseReader {
             fail(m_table, "the case expects nothing; give it a verdict: spam, ham or none");
         }
         if (m_case.m_vector && m_fact != nullptr) {
-            fail(*m_fact, "this tells about a message, and the case has a vector; leave it out");
+            fail(*m_fact, "this describes a message, but the case has a vector; leave it out");
         }
     }
 
@@ -158,17 +212,20 @@ class CaseReader {
     RuleCase m_case;
 };
 
-std::array<CaseReader::Key, CaseReader::ownKeys> const CaseReader::s_keys{{
-    {"name", &CaseReader::readName},
-    {"vector", &CaseReader::readVector},
-    {"message", &CaseReader::readMessage},
-    {"file", &CaseReader::readFile},
-    {"dns", &CaseReader::readDns},
-}};
+std::span<CaseReader::Key const> CaseReader::keys() {
+    static constexpr Key keys[] = {
+        {"name", &CaseReader::readName},       {"vector", &CaseReader::readVector},
+        {"message", &CaseReader::readMessage}, {"file", &CaseReader::readFile},
+        {"dns", &CaseReader::readDns},         {"verdict", &CaseReader::readVerdict},
+        {"node", &CaseReader::readNode},       {"confidence", &CaseReader::readConfidence},
+        {"reasons", &CaseReader::readReasons},
+    };
+    return keys;
+}
 
 } // namespace
 
-// Where rules and look-ups come from is the test's own business.
+// The test itself decides where rules and look-ups come from.
 bool isCaseSetting(std::string_view name) {
     return name != "root" && name != "jobs" && name != "dns" &&
            SettingsStore().find(name) != nullptr;
@@ -186,11 +243,11 @@ std::vector<std::string> readZoneLines(std::string const& path, toml::node const
     std::vector<std::string> lines;
     auto const* const array = node.as_array();
     if (array == nullptr) {
-        failCase(path, node,
-                 "dns is a list of zone-file lines, as in [\"mail.example. A 192.0.2.1\"]");
+        s_fail(path, node,
+               "dns is a list of zone-file lines, as in [\"mail.example. A 192.0.2.1\"]");
     }
     for (auto const& line : *array) {
-        lines.push_back(caseText(path, "each line of dns", line));
+        lines.push_back(s_text(path, "each line of dns", line));
     }
     return lines;
 }

@@ -43,7 +43,7 @@ std::string s_rangeText(ConfidenceRange const& range) {
     return range.m_low == range.m_high ? low : low + " to " + numberText(range.m_high);
 }
 
-// A single number is one that somebody copied from a display.
+// A single number was probably copied from a display, which rounds.
 bool s_contains(ConfidenceRange const& range, double confidence) {
     if (range.m_low == range.m_high) {
         return numberText(range.m_low) == numberText(confidence);

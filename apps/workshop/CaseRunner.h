@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// CaseRunner: judges the cases of rule tests and says what came of them.
+// CaseRunner: judges the cases of rule tests and compares the results with what they expect.
 //
-// One object a process, one thread: each case puts its own settings in force for the platform. The
+// One object per process, one thread: each case puts its own settings in force for the process. The
 // engines of the rules that the cases name are kept.
 #pragma once
 
@@ -15,7 +15,7 @@
 
 namespace Quorvane::Workshop {
 
-// Something that is not as it should be, in words that fit after "expected" and "came".
+// A difference, in words that fit after "expected" and "came".
 struct CaseDifference {
     std::string m_what; // "verdict", "node", "reasons", "confidence"
     std::string m_expected;

@@ -23,13 +23,13 @@ std::size_t s_parentOf(std::vector<DTNode> const& nodes, std::int32_t number) {
     return treeRoot;
 }
 
-// A rule speaks of no message in particular: the sentences stay without names.
+// A rule is not about one message: the sentences have no names.
 DeciderTest s_test(std::int32_t attribute, std::int32_t test, std::int32_t value) {
-    return {Rules::conditionText(attribute, test, value),
+    return {Rules::conditionText({attribute, test, value}),
             Rules::fillSentence(Rules::testSentence(attribute, test, value), {})};
 }
 
-// A damaged set may name a node as its own ancestor: no path is longer than the table.
+// In a damaged set a node may be its own ancestor: a path is never longer than the table.
 std::vector<DeciderTest> s_pathTo(std::vector<DTNode> const& nodes, std::int32_t number) {
     std::vector<DeciderTest> path;
     for (int step = 0; step < treeTableSize && canDecide(number) &&

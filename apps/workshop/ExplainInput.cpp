@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/ExplainInput.h"
 
-#include "apps/input/MessageReader.h"
+#include "apps/workshop/MailVectors.h"
 #include "apps/workshop/VectorText.h"
-#include "platform/HeaderReader.h"
 #include "rules/model/RuleError.h"
 #include "rules/vectors/VectorCsv.h"
 
@@ -20,7 +19,7 @@ namespace {
 constexpr std::string_view standardInput = "-";
 constexpr std::string_view tableStart = "source,";
 
-// The bytes of a source for what reads streams.
+// The bytes of a source as a stream.
 class SourceBuffer : public std::streambuf {
   public:
     explicit SourceBuffer(ByteSource& source) : m_source(source) {}
@@ -37,13 +36,6 @@ class SourceBuffer : public std::streambuf {
     std::array<char, 65536> m_bytes{};
 };
 
-std::unique_ptr<ByteSource> s_open(std::string const& argument, Interrupt& interrupt) {
-    if (argument == standardInput) {
-        return openStandardInput(interrupt);
-    }
-    return openFile(argument, interrupt);
-}
-
 bool s_isVector(std::string const& argument) {
     std::error_code error;
     return argument != standardInput && argument.find('=') != std::string::npos &&
@@ -53,14 +45,14 @@ bool s_isVector(std::string const& argument) {
 } // namespace
 
 ExplainInput::ExplainInput(std::string argument, Interrupt& interrupt)
-    : m_argument(std::move(argument)) {
+    : m_argument(std::move(argument)), m_interrupt(interrupt) {
     if (s_isVector(m_argument)) {
         m_kind = Kind::vector;
         m_vector = parseVector(m_argument);
         return;
     }
     try {
-        m_source = s_open(m_argument, interrupt);
+        m_source = openInput(m_argument, interrupt);
         bool const isTable = peekStart(m_source, tableStart.size()) == tableStart;
         m_kind = isTable ? Kind::table : Kind::messages;
     } catch (InputError const& error) {
@@ -93,23 +85,9 @@ void ExplainInput::read(std::function<void(AskedItem const&)> const& sink) {
 }
 
 void ExplainInput::readMessages(std::function<void(AskedItem const&)> const& sink) {
-    MessageReader reader(std::move(m_source), m_argument == standardInput);
-    for (HeaderSection section; reader.next(section); section = {}) {
-        auto const number =
-            section.m_number == 0 ? std::string() : ":" + std::to_string(section.m_number);
-        auto const source = m_argument + number;
-        if (section.m_isTooLong) {
-            throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                                   source +
-                                       ": no message: its header section is "
-                                       "longer than " +
-                                       std::to_string(maxHeaderSection >> 20) + " MiB");
-        }
-        if (HeaderReader::read(section.m_text).headers().empty()) {
-            throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                                   source + ": no message: it has no header field");
-        }
-        sink({source, std::move(section.m_text), std::nullopt});
+    Inputs inputs(m_argument, std::move(m_source), m_interrupt);
+    for (InputItem item; inputs.next(item);) {
+        sink({item.m_source, messageHeaders(item), std::nullopt});
     }
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ExplainInput: what somebody wants explained, taken from one argument of a command line:
+// ExplainInput: what is to be explained, from one argument of a command line:
 //
 //   -             standard input
-//   a file        that there is, packed (gzip, xz, zstd) or not
+//   a file        that exists, packed (gzip, xz, zstd) or not
 //   NAME=VALUE,…  any other argument with a "=": an attribute vector (VectorText.h)
 //
 // Standard input or file is a table of vectors when it begins with "source,", as the tables of
@@ -11,6 +11,7 @@
 #pragma once
 
 #include "apps/input/ByteSource.h"
+#include "platform/HeaderContainer.h"
 #include "rules/vectors/VectorTable.h"
 
 #include <functional>
@@ -22,22 +23,22 @@ namespace Quorvane::Workshop {
 
 struct AskedItem {
     std::string m_source; // as qvscan names it; "vector" for one from the command line
-    // The header section of a message; empty when the item is a vector.
-    std::optional<std::string> m_headers;
+    // Of a message; empty when the item is a vector.
+    std::optional<HeaderContainer> m_headers;
     // Empty for the row of a message that could not be judged.
     std::optional<Rules::AttributeVector> m_vector;
 };
 
 class ExplainInput {
   public:
-    // A RuleError for what cannot be opened, or is no vector. `interrupt` outlives the object.
+    // A RuleError for what cannot be opened, or is not a vector. `interrupt` outlives the object.
     ExplainInput(std::string argument, Interrupt& interrupt);
 
-    // Vectors, and no messages.
+    // Whether it holds vectors, not messages.
     bool isVectors() const { return m_kind != Kind::messages; }
 
-    // Hands over all items in order. Call it once. A RuleError for what is no message or no table;
-    // Interrupted.
+    // Passes all items to `sink`, in order. Call it once. A RuleError for what is neither a message
+    // nor a table; Interrupted.
     void read(std::function<void(AskedItem const&)> const& sink);
 
   private:
@@ -46,6 +47,7 @@ class ExplainInput {
     void readMessages(std::function<void(AskedItem const&)> const& sink);
 
     std::string m_argument;
+    Interrupt& m_interrupt;
     Kind m_kind = Kind::messages;
     std::unique_ptr<ByteSource> m_source; // null for a vector
     Rules::AttributeVector m_vector{};

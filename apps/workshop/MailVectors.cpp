@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/MailVectors.h"
 
-#include "apps/commandline/ExitStatus.h"
+#include "apps/commandline/ProgramError.h"
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/input/OrderedPool.h"
@@ -21,7 +21,7 @@ bool s_contains(std::vector<IPPrefix> const& prefixes, IPAddress const& address)
                        [&](IPPrefix const& prefix) { return prefix.contains(address); });
 }
 
-// Private addresses, and whatever relays the settings name as the site's.
+// Private addresses, and relays that the settings name as the site's.
 Rules::IsOwnRelay s_ownRelays(HostSettings const& settings) {
     return [trusted = settings.m_trusted, antiSpam = settings.m_antiSpam,
             internal = settings.m_internal](std::string const& text) {
@@ -31,15 +31,28 @@ Rules::IsOwnRelay s_ownRelays(HostSettings const& settings) {
     };
 }
 
-[[noreturn]] void s_refuse(InputItem const& item, std::string const& problem) {
-    auto const kind = item.m_exitStatus == ExitStatus::noInput ? Rules::RuleError::Kind::noInput
-                                                               : Rules::RuleError::Kind::badData;
-    throw Rules::RuleError(kind, item.m_source + ": " + problem);
-}
-
 } // namespace
 
-// The engine will not start without a tree; one without records decides nothing.
+void requireReadable(InputItem const& item) {
+    if (!item.m_problem.empty()) {
+        bool const isMissing = item.m_exitStatus == ExitStatus::noInput;
+        throw Rules::RuleError(isMissing ? Rules::RuleError::Kind::noInput
+                                         : Rules::RuleError::Kind::badData,
+                               item.m_source + ": " + item.m_problem);
+    }
+}
+
+HeaderContainer messageHeaders(InputItem const& item) {
+    requireReadable(item);
+    auto headers = HeaderReader::read(item.m_headers);
+    if (headers.headers().empty()) {
+        throw Rules::RuleError(Rules::RuleError::Kind::badData,
+                               item.m_source + ": not a message: it has no header field");
+    }
+    return headers;
+}
+
+// The engine does not start without a tree; an empty tree decides nothing.
 MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
     : m_wantsRewritten(wantsRewritten), m_host(setUpHost(settings, engineOf(Rules::RuleSet{}))),
       m_isOwnRelay(s_ownRelays(settings)) {}
@@ -67,27 +80,20 @@ void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) 
 }
 
 MailVector MailVectors::vectorOf(InputItem const& item) const {
-    if (!item.m_problem.empty()) {
-        s_refuse(item, item.m_problem);
-    }
-    if (HeaderReader::read(item.m_headers).headers().empty()) {
-        s_refuse(item, "no message: it has no header field");
-    }
     MailVector vector;
     vector.m_source = item.m_source;
-    vector.m_vector = attributesOf(item.m_headers);
+    vector.m_vector = attributesOf(messageHeaders(item));
     if (m_wantsRewritten) {
         if (auto const rewritten = Rules::withoutReverseNames(item.m_headers, m_isOwnRelay)) {
-            vector.m_withoutReverseName = attributesOf(*rewritten);
+            vector.m_withoutReverseName = attributesOf(HeaderReader::read(*rewritten));
         }
     }
     return vector;
 }
 
 std::optional<Rules::AttributeVector>
-MailVectors::attributesOf(std::string const& headerSection) const {
-    auto const record =
-        m_host->scan(HeaderReader::read(headerSection), MessageFacts{}, RecordDepth::result);
+MailVectors::attributesOf(HeaderContainer const& headers) const {
+    auto const record = m_host->scan(headers, MessageFacts{}, RecordDepth::result);
     return record.isJudged() ? std::optional(record.attributes) : std::nullopt;
 }
 

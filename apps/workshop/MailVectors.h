@@ -2,14 +2,15 @@
 //
 // MailVectors: turns messages into attribute vectors, with all cores, in the order of input.
 //
-// One object a process, since it sets up the scanning host. Reading and scanning overlap; the sink
-// is called on one thread at a time.
+// One object per process, since it sets up the scanning host. Reading and scanning overlap; the
+// sink is called on one thread at a time.
 #pragma once
 
 #include "apps/host/ScanHost.h"
 #include "apps/input/Inputs.h"
 #include "apps/input/Interrupt.h"
 #include "apps/settings/HostSettings.h"
+#include "platform/HeaderContainer.h"
 #include "rules/learn/NoReverseName.h"
 #include "rules/vectors/VectorTable.h"
 
@@ -25,30 +26,35 @@ struct MailVector {
     std::string m_source;
     // Empty when the message has no public hop and so nothing to judge.
     std::optional<Rules::AttributeVector> m_vector;
-    // Of the same message as a border that logs no reverse names would have recorded it; empty when
-    // that was not asked for, or the border's header is in no known shape.
+    // Of the same message as a gateway that records no reverse names would have recorded it; empty
+    // when that was not asked for, or the form of the gateway's header is not known.
     std::optional<Rules::AttributeVector> m_withoutReverseName;
 };
 
-// Thrown when SIGINT or SIGTERM came into a scan.
+// A RuleError when the item is a problem.
+void requireReadable(InputItem const& item);
+// The header fields of a message; a RuleError also when it has none.
+HeaderContainer messageHeaders(InputItem const& item);
+
+// Thrown when SIGINT or SIGTERM interrupts a scan.
 struct ScanInterrupted {
     int m_signal;
 };
 
 class MailVectors {
   public:
-    // The rules of `settings` are not looked at. Throws a SettingsError.
+    // The rules of `settings` are not used. Throws a SettingsError.
     MailVectors(HostSettings const& settings, bool wantsRewritten);
 
     using Sink = std::function<void(MailVector const&)>;
 
-    // Scans all messages of the paths. A path that cannot be opened, or an input that is no
+    // Scans all messages of the paths. A path that cannot be opened, or an input that is not a
     // message, is a RuleError: figures from half of the mail would mislead.
     void scan(std::vector<std::string> const& paths, Sink const& sink);
 
   private:
     MailVector vectorOf(InputItem const& item) const;
-    std::optional<Rules::AttributeVector> attributesOf(std::string const& headerSection) const;
+    std::optional<Rules::AttributeVector> attributesOf(HeaderContainer const& headers) const;
 
     Interrupt m_interrupt; // before any thread
     bool m_wantsRewritten;

@@ -8,7 +8,7 @@ namespace Quorvane::Workshop {
 VectorJudge::VectorJudge(Rules::RuleSet const& rules, DeepHeaderSettings const& settings)
     : m_engine(engineOf(rules)), m_settings(settings) {}
 
-Rules::JudgedVector VectorJudge::judge(Rules::AttributeVector const& vector) const {
+Rules::JudgedVector VectorJudge::operator()(Rules::AttributeVector const& vector) const {
     auto const verdict = m_engine.judge(vector, m_settings, RecordDepth::result).verdict;
     Rules::JudgedVector judged;
     if (verdict.isSpam || verdict.isHam) {

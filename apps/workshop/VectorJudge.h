@@ -2,8 +2,8 @@
 //
 // VectorJudge: an engine with one rule set, asked about attribute vectors instead of messages.
 //
-// Owns its engine; several with different rules live side by side. judge() may be called from any
-// thread. A RuleError when no host could load the rules.
+// Owns its engine; several with different rules can exist at once. Call it from any thread. A
+// RuleError when no host can load the rules.
 #pragma once
 
 #include "DeepHeaderEngine.h"
@@ -20,7 +20,7 @@ class VectorJudge {
     // The verdict of a message with these attributes. The score is the highest spam threshold at
     // which it is still called spam; it holds for walks to the leaf, since a walk that may stop
     // early takes another way at another threshold.
-    Rules::JudgedVector judge(Rules::AttributeVector const& vector) const;
+    Rules::JudgedVector operator()(Rules::AttributeVector const& vector) const;
 
   private:
     DeepHeaderEngine m_engine;

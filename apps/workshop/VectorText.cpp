@@ -79,31 +79,31 @@ void NamedVector::set(std::string_view name, std::string_view value) {
 
 Rules::AttributeVector NamedVector::vector() const {
     auto vector = m_vector;
-    bool const isThere = hasDeepHop();
+    bool const isPresent = hasDeepHop();
     for (auto const& facts : attributeTable) {
         auto const without = valueWithoutDeepHop(facts);
-        if (without && !isThere && !m_isNamed[facts.m_index]) {
+        if (without && !isPresent && !m_isNamed[facts.m_index]) {
             vector[facts.m_index] = *without;
         }
     }
-    if (isThere && !m_isNamed[Attribute::hopBehindFirst]) {
+    if (isPresent && !m_isNamed[Attribute::hopBehindFirst]) {
         vector[Attribute::hopBehindFirst] = Code::yes;
     }
     return vector;
 }
 
 bool NamedVector::hasDeepHop() const {
-    bool isTold = false;
+    bool isDescribed = false;
     for (auto const& facts : attributeTable) {
         auto const without = valueWithoutDeepHop(facts);
         if (without && m_isNamed[facts.m_index]) {
-            isTold = true;
+            isDescribed = true;
             if (m_vector[facts.m_index] != *without) {
                 return true;
             }
         }
     }
-    return !isTold && m_vector[Attribute::hopBehindFirst] == Code::yes;
+    return !isDescribed && m_vector[Attribute::hopBehindFirst] == Code::yes;
 }
 
 Rules::AttributeVector parseVector(std::string_view text) {
@@ -114,7 +114,7 @@ Rules::AttributeVector parseVector(std::string_view text) {
         auto const equals = part.find('=');
         if (equals == std::string_view::npos) {
             s_fail(s_quoted(s_trimmed(part)) +
-                   " is no NAME=VALUE, as in first_helo_dynamic=yes,hop_behind_first=no");
+                   " is not NAME=VALUE, as in first_helo_dynamic=yes,hop_behind_first=no");
         }
         vector.set(s_trimmed(part.substr(0, equals)), s_trimmed(part.substr(equals + 1)));
     }

@@ -1,6 +1,6 @@
 #!/usr/bin/python3 -B
 # SPDX-License-Identifier: Apache-2.0
-"""learn.py QVRULES CORPORA [OUTPUT]: makes the default rules anew from the training mail.
+"""learn.py QVRULES CORPORA [OUTPUT]: makes the default rules from the training mail.
 
 The same mail gives the same rules to the byte. OUTPUT is default.qvr beside this program unless
 named.

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Mboxes cut and rewritten, to measure rules on mail as it might also have come."""
+"""Mboxes cut and rewritten, to measure rules on variants of the same mail."""
 import bz2
 import gzip
 import lzma
@@ -16,7 +16,7 @@ def messages(path):
 
 
 def write(folder, name, mails):
-    """An mbox of these messages below `folder`, which is made."""
+    """An mbox of these messages below `folder`, which is created."""
     path = pathlib.Path(folder) / f"{name}.mbox"
     path.parent.mkdir(parents=True, exist_ok=True)
     path.write_bytes(b"".join(mails))
@@ -45,7 +45,7 @@ ENVELOPE_SENDER = header_field(b"Return-Path|X-QV-ORIG-ENV-FROM")
 
 
 def sent_by_author(mail):
-    """The message as its border would have recorded it, had the author been the envelope sender.
+    """The message as its gateway would have recorded it if the author had been the envelope sender.
 
     Of several authors the last counts, as it does in a scan. Without an author there is no envelope
     sender either.

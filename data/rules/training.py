@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """The training mail of the default rules, and how the programs are called on it.
 
-A folder of corpora holds one folder a corpus; in it an mbox of wanted mail (ham.mbox) and one of
-unwanted mail (spam.mbox), either of them packed or missing.
+A folder of corpora holds one folder for each corpus, with an mbox of wanted mail (ham.mbox) and one
+of unwanted mail (spam.mbox). Each of them may be packed, and one may be missing.
 """
 import json
 import pathlib
@@ -16,8 +16,8 @@ SCANNING = ["--config", str(HERE / "training.toml")]
 WITH_COPIES = [*SCANNING, "--augment", "no-reverse-name"]
 
 # Left out of the tree. The envelope sender is unknown at most hosts of the training mail, and where
-# it is given most spam is told by it from nothing but mailing lists. The others speak for spam at
-# one site and for ham at the next.
+# it is known it separates most spam only from mailing lists. The others speak for spam at one site
+# and for ham at another.
 ENVELOPE = ("from_matches_envelope", "first_envelope_matches")
 EXCLUDED = (
     *ENVELOPE,
@@ -29,7 +29,7 @@ EXCLUDED = (
 
 
 class TrainingError(Exception):
-    """What the user has to mend, in words."""
+    """What the user has to correct, in words."""
 
 
 def corpora(folder):

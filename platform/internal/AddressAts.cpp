@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/internal/AddressAts.h"
-
-#include "platform/internal/AddressSpans.h"
+#include "platform/internal/AddressSyntax.h"
 
 #include <cstddef>
 #include <string_view>
@@ -28,7 +26,7 @@ class AtScan {
     }
 
   private:
-    // False where neither a blank nor a whole comment stands.
+    // False unless a blank or a whole comment begins here.
     bool skipGap() {
         char const c = m_text[m_position];
         if (s_blanks.find(c) != npos) {
@@ -55,8 +53,8 @@ class AtScan {
         }
     }
 
-    // Skips what the byte at hand opens. After one that is never closed no other is looked for:
-    // hostile text would make that take long.
+    // Skips what the current byte opens. After one that is never closed no other is looked for:
+    // with hostile text that would take long.
     bool skip(std::size_t (*after)(std::string_view, std::size_t), bool& isOpen) {
         auto const end = isOpen ? npos : after(m_text, m_position + 1);
         isOpen = end == npos;
@@ -90,13 +88,13 @@ class AtScan {
 
     std::string& m_text;
     std::size_t m_position = 0;
-    // Of the address under way.
+    // Of the current address.
     int m_ats = 0;
     std::size_t m_firstAt = 0;
-    char m_before = '\0'; // the last byte that is no blank and in no comment
+    char m_before = '\0'; // the last byte outside blanks and comments
     bool m_isAfterGap = false;
     bool m_isInLiteral = false;
-    // Of the whole text: a mark that nothing closes is a byte like others, as are those after it.
+    // Of the whole text: a mark that nothing closes is an ordinary byte, and so are those after it.
     bool m_isQuoteOpen = false;
     bool m_isCommentOpen = false;
 };

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Bit-wise comparison of addresses in their 16-byte form. Pure functions.
+// Addresses in their 16-byte form as numbers, and their leading bits. Pure functions.
 #pragma once
 
 #include "platform/IPAddress.h"
 
-#include <algorithm>
-#include <cstddef>
+#include <boost/endian/conversion.hpp>
 
 namespace Quorvane::internal {
 
@@ -14,23 +13,32 @@ inline constexpr int addressBits = 128;
 // An IPv4-mapped address begins with ten zero bytes and two of 0xff.
 inline constexpr int mappedBits = 96;
 
+__extension__ using AddressNumber = unsigned __int128;
+
+inline AddressNumber toNumber(IPAddress::Bytes const& bytes) {
+    AddressNumber const high = boost::endian::load_big_u64(bytes.data());
+    return high << 64U | boost::endian::load_big_u64(bytes.data() + 8);
+}
+
+inline IPAddress::Bytes toBytes(AddressNumber number) {
+    IPAddress::Bytes bytes{};
+    boost::endian::store_big_u64(bytes.data(), static_cast<std::uint64_t>(number >> 64U));
+    boost::endian::store_big_u64(bytes.data() + 8, static_cast<std::uint64_t>(number));
+    return bytes;
+}
+
+// All bits after the first `length`. REQUIRES: 0 <= length <= addressBits.
+inline AddressNumber bitsAfter(int length) {
+    return length == addressBits ? 0 : ~AddressNumber{0} >> length;
+}
+
 // True when the first `length` bits are the same. REQUIRES: 0 <= length <= addressBits.
 inline bool sameLeadingBits(IPAddress::Bytes const& a, IPAddress::Bytes const& b, int length) {
-    auto const whole = static_cast<std::size_t>(length) / 8;
-    if (!std::equal(a.begin(), a.begin() + whole, b.begin())) {
-        return false;
-    }
-    auto const rest = static_cast<unsigned>(length) % 8;
-    if (rest == 0) {
-        return true;
-    }
-    auto const differing = static_cast<unsigned>(a.at(whole) ^ b.at(whole));
-    return differing >> (8 - rest) == 0;
+    return (toNumber(a) ^ toNumber(b)) <= bitsAfter(length);
 }
 
 inline bool isMapped(IPAddress::Bytes const& bytes) {
-    constexpr IPAddress::Bytes mapped = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
-    return sameLeadingBits(bytes, mapped, mappedBits);
+    return toNumber(bytes) >> (addressBits - mappedBits) == 0xffff;
 }
 
 } // namespace Quorvane::internal

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/internal/AddressBrackets.h"
-
-#include "platform/internal/AddressSpans.h"
+#include "platform/internal/AddressSyntax.h"
 
 #include <algorithm>
 
@@ -94,9 +92,9 @@ class BracketScan {
 
     std::string_view m_text;
     std::size_t m_position = 0;
-    // Of the address under way.
+    // Of the current address.
     std::size_t m_addressStart = 0;
-    char m_before = '\0'; // the last byte that is no blank and in no comment
+    char m_before = '\0'; // the last byte outside blanks and comments
     bool m_isOpen = false;
     bool m_isRoute = false;
     bool m_wasOpen = false;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/internal/AddressText.h"
 
-#include "platform/internal/AddressAts.h"
-#include "platform/internal/AddressBrackets.h"
+#include "platform/internal/AddressSyntax.h"
 #include "platform/Strings.h"
 
 #include <algorithm>
@@ -15,7 +14,7 @@ constexpr std::string_view s_separators = ",:;";
 // Bytes of an atom (RFC 5322 section 3.2.3) that addresses hardly ever have.
 constexpr std::string_view s_atomBytes = "{}|~^`$#%*&!'/_";
 
-// What GMime looks for, in small letters, and which byte of it is hidden.
+// What GMime looks for, in lower case, and which byte of it is hidden.
 struct Decoded {
     std::string_view m_mark;
     std::size_t m_hidden;
@@ -35,8 +34,8 @@ std::size_t s_limit(std::string_view header) {
     return considered.size();
 }
 
-// Where nothing is cut in two: after a comma, because a cut inside of a comment would cost the
-// whole list; without one, after another end of an address.
+// A place where no address is cut in two: after a comma, because a cut inside a comment would lose
+// the whole list; without one, after another end of an address.
 std::size_t s_cut(std::string_view header) {
     auto const comma = header.rfind(',');
     return comma != std::string_view::npos ? comma + 1 : header.find_last_of(" \t\r\n;>") + 1;
@@ -54,7 +53,7 @@ char s_unusedByte(std::string const& text) {
     return found == s_atomBytes.end() ? '\0' : *found;
 }
 
-// False when it must hide something and no byte is left to hide with.
+// False when there is something to hide and no unused byte to hide it with.
 bool s_hide(Decoded const& decoded, AddressText& prepared) {
     auto& text = prepared.m_text;
     auto lower = text;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // AnswerBox: where the answers to the questions of one look-up arrive. Shared between the thread
-// that waits and the deliveries under way, so that neither needs to know whether the other has
-// given up. Each question has one slot and at most one answer under way.
+// that waits and the pending deliveries, so that neither needs to know whether the other has
+// given up. Each question has one slot and at most one pending answer.
 #pragma once
 
 #include "platform/Resolver.h"

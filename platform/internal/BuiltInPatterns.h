@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The text of data/dynamic-patterns.txt, built into the library, so that a host without any
-// configuration tells consumer lines from mail servers. Constant data.
+// configuration can tell consumer lines from mail servers. Constant data.
 #pragma once
 
 #include <string_view>

@@ -21,7 +21,7 @@ Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally)
     : m_context(engine.m_context), m_tally(std::move(tally)),
       m_start(std::chrono::steady_clock::now()), m_deadline(m_start + engine.m_deadline) {}
 
-// Delegates, so that the destructor calls off what was asked when memory runs out half-way.
+// Delegates, so that the destructor cancels what was asked when memory runs out half-way.
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally, RecordType type,
                std::string const& name)
     : Lookup(engine, std::move(tally)) {
@@ -99,7 +99,7 @@ void Lookup::cancelOpen() {
     m_open = 0;
 }
 
-// Without records: whoever got some does not care about the rest.
+// For a look-up without records: one that got some ignores the rest.
 LookupResult Lookup::end() const {
     if (m_open > 0) {
         return LookupResult::late;

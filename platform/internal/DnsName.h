@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Domain names between the texts that mail shows and the wire. Pure functions.
+// Converts domain names between the text in mail and the wire format. Pure functions.
 //
-// Names come out of hostile mail, and whoever runs a zone may put any byte into it. So every name
-// of visible bytes is asked, and what could mean something in libunbound's text form (a backslash
-// starts an escape) is escaped. Blanks and control bytes say that the text is no name at all.
+// Names come from hostile mail, and the owner of a zone may put any byte into it. So every name of
+// visible bytes is asked, and what could mean something in libunbound's text form (a backslash
+// starts an escape) is escaped. Text with blanks or control bytes is not a name at all.
 #pragma once
 
 #include "platform/IPAddress.h"
@@ -27,7 +27,7 @@ std::string askableName(std::string const& name);
 // 2.5). REQUIRES: `address` is not null.
 std::string reverseName(IPAddress const& address);
 
-// Text of an uncompressed wire-format name, without trailing dot. Whoever runs a reverse zone
+// Text of an uncompressed wire-format name, without trailing dot. The owner of a reverse zone
 // chooses these bytes, so "." and "\" in a label and whatever is not printable ASCII are escaped
 // (RFC 1035 section 5.1). Empty for the root and for broken data.
 std::string wireNameText(std::string const& wire);

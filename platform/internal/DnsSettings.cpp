@@ -6,15 +6,17 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
+#include <boost/algorithm/string.hpp>
 #include <charconv>
 #include <cstdint>
+#include <locale>
 #include <string_view>
 #include <vector>
 
 namespace Quorvane::Dns {
 namespace {
 
-// A scan blocks for as long; whoever writes more has mistaken the unit.
+// A scan may block for this long; a larger value is a mistaken unit.
 constexpr std::chrono::milliseconds s_longestDeadline{std::chrono::minutes{10}};
 
 [[noreturn]] void s_refuse(std::string const& text) {
@@ -42,14 +44,10 @@ bool s_isForbiddenByte(char c) {
 
 // The fields of a record, without a trailing comment.
 std::vector<std::string_view> s_fields(std::string_view line) {
+    auto const isBlank = boost::is_any_of(" \t");
+    auto const text = boost::trim_right_copy_if(line.substr(0, line.find(';')), isBlank);
     std::vector<std::string_view> fields;
-    std::string_view const text = line.substr(0, line.find(';'));
-    auto at = text.find_first_not_of(" \t");
-    while (at != std::string_view::npos) {
-        auto const end = std::min(text.find_first_of(" \t", at), text.size());
-        fields.push_back(text.substr(at, end - at));
-        at = text.find_first_not_of(" \t", end);
-    }
+    boost::split(fields, text, isBlank, boost::token_compress_on);
     return fields;
 }
 
@@ -57,16 +55,12 @@ struct DataFields {
     std::string_view m_type;
     std::size_t m_count;
 };
-// The types that a mail site's zone data is made of.
+// The types that the zone data of a mail site consists of.
 constexpr std::array<DataFields, 6> s_dataFields{
     {{"A", 1}, {"AAAA", 1}, {"CNAME", 1}, {"MX", 2}, {"NS", 1}, {"PTR", 1}}};
 
 std::string s_upper(std::string_view text) {
-    std::string upper(text);
-    for (char& c : upper) {
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    }
-    return upper;
+    return boost::to_upper_copy(std::string(text), std::locale::classic());
 }
 
 bool s_isNumber(std::string_view text) {

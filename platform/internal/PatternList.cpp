@@ -12,7 +12,6 @@ namespace Quorvane {
 
 namespace {
 
-constexpr int badConfiguration = 3;
 constexpr std::string_view blanks = " \t\r\v\f";
 
 std::string_view s_trimmed(std::string_view text) {
@@ -21,12 +20,13 @@ std::string_view s_trimmed(std::string_view text) {
     return text;
 }
 
-std::string_view s_withoutComment(std::string_view line) {
-    return line.substr(0, line.find('#'));
+[[noreturn]] void s_refuse(std::string const& text, std::string const& sourceName,
+                           unsigned int line) {
+    throw Exception(text, 3, sourceName.c_str(), line);
 }
 
 void s_addLine(PatternList& list, std::string_view line, unsigned int number) {
-    auto expression = s_trimmed(s_withoutComment(line));
+    auto expression = s_trimmed(line.substr(0, line.find('#')));
     if (expression.empty()) {
         return;
     }
@@ -35,14 +35,14 @@ void s_addLine(PatternList& list, std::string_view line, unsigned int number) {
         expression = s_trimmed(expression.substr(1));
     }
     if (expression.empty()) {
-        throw Exception("a \"!\" without an expression after it: write the names that are not "
-                        "dynamic there, or delete the line",
-                        badConfiguration, list.m_sourceName.c_str(), number);
+        s_refuse("a \"!\" without an expression after it: write the names that are not dynamic "
+                 "there, or delete the line",
+                 list.m_sourceName, number);
     }
     if (list.m_patterns.size() + list.m_counterPatterns.size() == maxPatterns) {
-        throw Exception("more than " + std::to_string(maxPatterns) +
-                            " expressions: join some with \"|\" or leave some out",
-                        badConfiguration, list.m_sourceName.c_str(), number);
+        s_refuse("more than " + std::to_string(maxPatterns) +
+                     " expressions: join some with \"|\" or leave some out",
+                 list.m_sourceName, number);
     }
     auto& patterns = counter ? list.m_counterPatterns : list.m_patterns;
     patterns.push_back({std::string(expression), number});
@@ -50,16 +50,15 @@ void s_addLine(PatternList& list, std::string_view line, unsigned int number) {
 
 void s_requireSize(std::size_t size, std::string const& sourceName) {
     if (size > maxPatternText) {
-        throw Exception("a list of dynamic-name patterns has at most " +
-                            std::to_string(maxPatternText) + " bytes; this is longer",
-                        badConfiguration, sourceName.c_str(), 0);
+        s_refuse("a list of dynamic-name patterns has at most " + std::to_string(maxPatternText) +
+                     " bytes; this is longer",
+                 sourceName, 0);
     }
 }
 
 [[noreturn]] void s_cannotRead(std::string const& path, int error) {
-    throw Exception("cannot read dynamic-name patterns from \"" + path +
-                        "\": " + std::strerror(error),
-                    badConfiguration, path.c_str(), 0);
+    s_refuse("cannot read dynamic-name patterns from \"" + path + "\": " + std::strerror(error),
+             path, 0);
 }
 
 } // namespace

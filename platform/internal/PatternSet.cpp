@@ -18,7 +18,7 @@ constexpr int badConfiguration = 3;
 
 // What the common automaton may take, twice RE2's default: a list of some thousand lines stays
 // within it. It is a ceiling; the automaton grows with the names it sees, and one that reaches the
-// ceiling starts afresh. So names made up to make it grow cost time, not memory.
+// ceiling starts again. So names made up to make it grow cost time, not memory.
 constexpr std::int64_t automatonMemory = std::int64_t{16} << 20U;
 
 // What one expression may take: repetitions such as ".{1000}" make a short line large.

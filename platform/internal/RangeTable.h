@@ -11,7 +11,6 @@
 #include "platform/IPPrefix.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <tuple>
@@ -20,49 +19,12 @@
 
 namespace Quorvane::internal {
 
-// Addresses as numbers: the low 32 bits for IPv4, high and low half for IPv6.
-using KeyV4 = std::uint32_t;
-using KeyV6 = std::array<std::uint64_t, 2>;
-
-template<typename Number>
-Number numberAt(IPAddress::Bytes const& bytes, std::size_t from) {
-    Number number = 0;
-    for (std::size_t i = from; i < from + sizeof(Number); ++i) {
-        number = static_cast<Number>(number << 8U) | bytes.at(i);
-    }
-    return number;
+// The last 32 bits say it all.
+inline std::uint32_t v4Number(IPAddress::Bytes const& bytes) {
+    return static_cast<std::uint32_t>(toNumber(bytes));
 }
 
-inline KeyV4 keyV4(IPAddress::Bytes const& bytes) {
-    return numberAt<KeyV4>(bytes, mappedBits / 8);
-}
-
-inline KeyV6 keyV6(IPAddress::Bytes const& bytes) {
-    return {numberAt<std::uint64_t>(bytes, 0), numberAt<std::uint64_t>(bytes, 8)};
-}
-
-// The number that follows; 0 follows the highest.
-inline KeyV4 nextKey(KeyV4 key) {
-    return key + 1;
-}
-
-inline KeyV6 nextKey(KeyV6 key) {
-    ++key[1];
-    key[0] += key[1] == 0 ? 1U : 0U;
-    return key;
-}
-
-// The number before. REQUIRES: `key` is not 0.
-inline KeyV4 previousKey(KeyV4 key) {
-    return key - 1;
-}
-
-inline KeyV6 previousKey(KeyV6 key) {
-    key[0] -= key[1] == 0 ? 1U : 0U;
-    --key[1];
-    return key;
-}
-
+// Key: an unsigned number.
 template<typename Key, typename Value>
 class FlatRanges {
   public:
@@ -92,7 +54,7 @@ class FlatRanges {
     }
 
     // Null when no range holds `key`.
-    Value const* find(Key const& key) const {
+    Value const* find(Key key) const {
         auto const above = std::upper_bound(m_first.begin(), m_first.end(), key);
         if (above == m_first.begin()) {
             return nullptr;
@@ -109,7 +71,7 @@ class FlatRanges {
         return std::tie(a.m_first, b.m_last) < std::tie(b.m_first, a.m_last);
     }
 
-    void closeBefore(std::vector<Nested>& open, Key const& key) {
+    void closeBefore(std::vector<Nested>& open, Key key) {
         while (!open.empty() && open.back().m_last < key) {
             close(open);
         }
@@ -121,21 +83,21 @@ class FlatRanges {
         auto const& range = open.back();
         if (!m_exhausted && !(range.m_last < m_next)) {
             emit(m_next, range.m_last, range.m_value);
-            m_next = nextKey(range.m_last);
-            m_exhausted = m_next == Key{};
+            m_next = range.m_last + 1;
+            m_exhausted = m_next == 0;
         }
         open.pop_back();
     }
 
-    void emitBefore(Key const& key, Value const& value) {
+    void emitBefore(Key key, Value const& value) {
         if (m_next < key) {
-            emit(m_next, previousKey(key), value);
+            emit(m_next, key - 1, value);
         }
     }
 
     // Neighbours with the same value become one interval.
-    void emit(Key const& first, Key const& last, Value const& value) {
-        if (!m_last.empty() && nextKey(m_last.back()) == first && m_values.back() == value) {
+    void emit(Key first, Key last, Value const& value) {
+        if (!m_last.empty() && m_last.back() + 1 == first && m_values.back() == value) {
             m_last.back() = last;
             return;
         }
@@ -165,13 +127,13 @@ class RangeTable {
 
     // Of two entries with the same prefix the later one counts.
     explicit RangeTable(std::vector<Entry> const& entries) {
-        std::vector<typename FlatRanges<KeyV4, Value>::Nested> v4;
-        std::vector<typename FlatRanges<KeyV6, Value>::Nested> v6;
+        std::vector<typename V4::Nested> v4;
+        std::vector<typename V6::Nested> v6;
         for (auto const& [prefix, value] : entries) {
             if (prefix.isV6()) {
-                v6.push_back({keyV6(prefix.first()), keyV6(prefix.last()), value});
+                v6.push_back({toNumber(prefix.first()), toNumber(prefix.last()), value});
             } else {
-                v4.push_back({keyV4(prefix.first()), keyV4(prefix.last()), value});
+                v4.push_back({v4Number(prefix.first()), v4Number(prefix.last()), value});
             }
         }
         m_v4.build(std::move(v4));
@@ -183,16 +145,19 @@ class RangeTable {
         if (address.isNull()) {
             return nullptr;
         }
-        return address.isV6() ? m_v6.find(keyV6(address.bytes()))
-                              : m_v4.find(keyV4(address.bytes()));
+        return address.isV6() ? m_v6.find(toNumber(address.bytes()))
+                              : m_v4.find(v4Number(address.bytes()));
     }
 
     // Number of intervals held.
     std::size_t size() const { return m_v4.size() + m_v6.size(); }
 
   private:
-    FlatRanges<KeyV4, Value> m_v4;
-    FlatRanges<KeyV6, Value> m_v6;
+    using V4 = FlatRanges<std::uint32_t, Value>;
+    using V6 = FlatRanges<AddressNumber, Value>;
+
+    V4 m_v4;
+    V6 m_v6;
 };
 
 } // namespace Quorvane::internal

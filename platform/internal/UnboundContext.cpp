@@ -2,7 +2,7 @@
 #include "platform/internal/UnboundContext.h"
 
 #include "include2/Exception.h"
-#include "platform/internal/UnboundSetup.h"
+#include "platform/internal/DnsSettings.h"
 
 #include <array>
 #include <cerrno>
@@ -25,7 +25,7 @@ struct Delivery {
 
 namespace {
 
-// A host that waits for signals in a thread of its own must not lose them to ours.
+// A host that waits for signals in one of its threads must not lose them to ours.
 class SignalsBlocked {
   public:
     SignalsBlocked() {
@@ -45,8 +45,8 @@ class SignalsBlocked {
     throw Exception(std::string("DNS: the resolver does not start: ") + why, 3, nullptr, 0);
 }
 
-// libunbound sets up and takes down variables of the process with each context and does not
-// synchronise that: one context at a time is made or destroyed.
+// libunbound sets up and clears variables of the process with each context and does not synchronise
+// that: one context at a time is made or destroyed.
 std::mutex& s_lifecycleMutex() {
     static std::mutex s_mutex;
     return s_mutex;
@@ -157,8 +157,8 @@ void UnboundContext::startThreads() {
     }
 }
 
-// Ends when told to, or when libunbound's own thread is gone; look-ups then run into their
-// deadline.
+// Ends when the stop event is raised, or when libunbound's own thread is gone; look-ups then run
+// into their deadline.
 void UnboundContext::pump() const {
     std::array<pollfd, 2> events{
         {{ub_fd(m_context.get()), POLLIN, 0}, {m_stopEvent.descriptor(), POLLIN, 0}}};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // UnboundContext: one libunbound context with its cache, its resolving thread and the pump thread
-// that hands answers over. It never changes once made; questions may be asked from many threads.
+// that delivers answers. It never changes once made; questions may be asked from many threads.
 //
 // Ownership: whoever asks keeps the context alive until its questions are answered or cancelled.
 // Answers are delivered on the pump thread and hold no share of the context, so that it is never
@@ -23,10 +23,10 @@ namespace Quorvane::Dns {
 
 struct Delivery;
 
-// A question under way.
+// A pending question.
 struct Ticket {
     int m_id = 0;
-    // Belongs to libunbound while the question is under way; null when there is none.
+    // Belongs to libunbound while the question is pending; null when there is none.
     Delivery* m_delivery = nullptr;
 };
 
@@ -42,7 +42,7 @@ class UnboundContext {
     // box. A ticket without delivery when libunbound does not take the question.
     Ticket ask(RecordType type, std::string const& name, std::shared_ptr<AnswerBox> box,
                std::size_t slot) const;
-    // Calls a question off. Its answer may be on its way already and then still arrives.
+    // Cancels a question. Its answer may already be on its way and then still arrives.
     void cancel(Ticket ticket) const;
 
     // True when zone data may answer with an alias that libunbound leaves to the caller.

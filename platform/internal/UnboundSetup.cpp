@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/internal/UnboundSetup.h"
-
 #include "include2/Exception.h"
 #include "platform/internal/DnsSettings.h"
 
@@ -21,13 +19,13 @@ constexpr std::array<Option, 11> s_options{{
     // Without validation: the site's own server is the place for DNSSEC.
     {"module-config:", "iterator"},
     {"do-not-query-localhost:", "no"},
-    // The site's server has the say on private addresses too.
+    // The site's server decides about private addresses too.
     {"unblock-lan-zones:", "yes"},
-    // Otherwise a server that is out for a while, or that is asked for names whose own servers are
-    // dead (and whoever sends mail chooses the names), would be shunned for up to 15 minutes.
+    // Otherwise a server that is down for a while, or that is asked for names whose own servers are
+    // dead (and whoever sends mail chooses the names), would be avoided for up to 15 minutes.
     {"infra-host-ttl:", "5"},
-    // A server close by answers most names in a millisecond and asks the world for the rest.
-    // Pressing it every 50 ms uses the retries up before it knows.
+    // A nearby server answers most names in a millisecond and asks the world for the rest. With a
+    // retry every 50 ms the retries would be used up before it has the answer.
     {"infra-cache-min-rtt:", "300"},
     // Records in the order of the answer.
     {"rrset-roundrobin:", "no"},
@@ -39,8 +37,8 @@ constexpr std::array<Option, 11> s_options{{
     {"rrset-cache-size:", "16m"},
 }};
 
-// Zones that libunbound answers by itself unless told otherwise. Here the server, or the zone data,
-// has the say on them.
+// Zones that libunbound answers by itself by default. Here the server, or the zone data, answers
+// them.
 constexpr std::array<char const*, 7> s_builtInZones{
     "localhost.",
     "127.in-addr.arpa.",
@@ -61,7 +59,7 @@ void s_require(int error, std::string const& what) {
 }
 
 void s_setOptions(ub_ctx& context) {
-    // It would write its complaints to the host's standard error.
+    // It would write its messages to the host's standard error.
     s_require(ub_ctx_debugout(&context, nullptr), "libunbound's log cannot be turned off");
     for (Option const& option : s_options) {
         s_require(ub_ctx_set_option(&context, option.m_name, option.m_value),
@@ -105,7 +103,7 @@ void s_setZones(ub_ctx& context, ResolverSettings const& settings) {
     }
 }
 
-// libunbound puts each record in front of those that it has, so the last line goes first. Returns
+// libunbound puts each record before those that it has, so the last line goes first. Returns
 // the number of the first line that it refuses, counted from 1, or 0.
 std::size_t s_addRecords(ub_ctx& context, std::vector<std::string> const& records) {
     std::size_t refused = 0;

@@ -16,7 +16,7 @@ namespace {
 using Severity = Finding::Severity;
 
 std::string s_text(EliteCondition const& condition) {
-    return '"' + conditionText(condition.attribute, condition.test, condition.value) + '"';
+    return '"' + conditionText(condition) + '"';
 }
 
 class EliteChecker {
@@ -34,7 +34,7 @@ class EliteChecker {
         header(*m_elite.m_header);
         tail(*m_elite.m_header);
         for (auto const& rule : m_elite.m_rules) {
-            ++m_rule;
+            m_rule = m_rule.value_or(0) + 1;
             m_condition.reset();
             checkRule(rule);
         }
@@ -43,12 +43,8 @@ class EliteChecker {
   private:
     void add(Severity severity, char const* id, std::string const& problem,
              std::string const& advice) {
-        std::optional<std::int32_t> number;
-        if (m_rule > 0) {
-            number = m_rule;
-        }
         m_findings.push_back(
-            {severity, id, Finding::File::elite, number, m_condition, problem, advice});
+            {severity, id, Finding::File::elite, problem, advice, m_rule, m_condition});
     }
 
     void header(EliteFileHeader const& header) {
@@ -120,32 +116,29 @@ class EliteChecker {
     }
 
     void adjusting(EliteNodes const& rule) {
-        if (!isVisibleReason(reasonByte(rule))) {
+        if (!isVisibleReason(reasonByte(rule.code))) {
             add(Severity::warning, "elite-code",
                 "code " + std::to_string(rule.code) + " cannot be shown in an answer",
                 "give the rule a letter or a digit");
         }
         if (!std::isfinite(rule.weight) || std::abs(rule.weight) > 1.0) {
             add(Severity::warning, "elite-weight",
-                "a weight of " + numberText(rule.weight) + " is no addend to a probability",
+                "a weight of " + numberText(rule.weight) + " cannot be added to a probability",
                 "use a number between -1 and 1");
         }
     }
 
     void deciding(EliteNodes const& rule) {
         if (!(rule.weight >= 0.0 && rule.weight <= 1.0)) {
-            add(Severity::warning, "elite-weight",
-                "a confidence of " + numberText(rule.weight) + " is no probability",
+            add(Severity::warning, "elite-weight", notAProbability(rule.weight),
                 "use a number from 0 to 1");
         }
         if (!isSupported(rule.support, m_settings.minSupport)) {
             add(Severity::warning, "elite-support",
-                "a support of " + numberText(rule.support) + " is below the minimum of " +
-                    numberText(m_settings.minSupport) + " (min-support), so the rule never fires",
+                belowMinimum(rule.support, m_settings.minSupport) + ", so the rule never fires",
                 "use the percentage of messages that the rule matches, or leave it out");
         } else if (rule.support > 100.0) {
-            add(Severity::warning, "elite-support",
-                "a support of " + numberText(rule.support) + " is no percentage",
+            add(Severity::warning, "elite-support", notAPercentage(rule.support),
                 "use a number from 0 to 100");
         }
         if (rule.code == noDecisionCode) {
@@ -196,7 +189,7 @@ class EliteChecker {
     EliteFile const& m_elite;
     DeepHeaderSettings const& m_settings;
     Findings& m_findings;
-    std::int32_t m_rule = 0;
+    std::optional<std::int32_t> m_rule; // empty: the header
     std::optional<std::int32_t> m_condition;
 };
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The links of the tree: what the walk gives up at, and nodes that no path leads to.
+// The links of the tree: where the walk gives up, and nodes that no path leads to.
 #include "rules/check/Checks.h"
 
 namespace Quorvane::Rules {
@@ -26,8 +26,8 @@ class LinkChecker {
     }
 
   private:
-    // Marks what the links lead to, whatever the tests say. A list instead of recursion: every node
-    // is pushed once.
+    // Marks the nodes that the links lead to, whatever the tests are. A list instead of recursion:
+    // every node is pushed once.
     void follow(std::int32_t start) {
         std::vector<std::int32_t> waiting;
         reach(start, waiting);
@@ -54,7 +54,7 @@ class LinkChecker {
         }
     }
 
-    // Children that can be walked into, although not with much success.
+    // Children that the walk enters without use.
     void checkChild(std::int32_t parent, std::int32_t child) {
         auto const text = "child " + std::to_string(child);
         if (child >= m_tree.count()) {
@@ -72,7 +72,7 @@ class LinkChecker {
         auto const child = links.m_endChild;
         if (links.m_end == End::noChildren) {
             m_findings.add(Severity::warning, "dead-end", number,
-                           "it is no leaf and has no children: a message that gets here has no "
+                           "it is not a leaf and has no children: a message that gets here has no "
                            "verdict",
                            "make it a leaf, or give it children");
         } else if (links.m_end == End::tooManyChildren) {

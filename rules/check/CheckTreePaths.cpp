@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The paths that messages can take through the tree: tests that never hold where they stand,
-// children that take messages from one another, and loops.
+// The paths that messages can take through the tree: tests that never hold in their place,
+// children that take messages from each other, and loops.
 #include "rules/check/Checks.h"
 #include "rules/check/PossibleValues.h"
 #include "rules/format/RuleTests.h"
@@ -18,7 +18,7 @@ namespace {
 using Severity = Finding::Severity;
 
 std::string s_test(DTNode const& node) {
-    return '"' + conditionText(node.attribute, node.test, node.testValue) + '"';
+    return '"' + conditionText(testOf(node)) + '"';
 }
 
 std::string s_choices(std::int32_t attribute) {
@@ -97,7 +97,7 @@ class PathChecker {
     }
 
     bool overlap(std::int32_t earlier, std::int32_t later, PossibleValues values) {
-        // Others are no proper children, which is reported.
+        // Other children are reported elsewhere.
         auto const isOrdinary = canDecide(later) && later < m_tree.count() && earlier != later;
         values.assume(testOf(m_tree.at(earlier)));
         if (!isOrdinary || !values.admits(testOf(m_tree.at(later)))) {
@@ -128,8 +128,7 @@ class PathChecker {
                 break;
             case Shut::siblings:
                 m_findings.add(Severity::warning, "never-shadowed", number,
-                               s_test(node) +
-                                   " admits nothing that the children before it leave over",
+                               s_test(node) + " admits nothing that the children before it leave",
                                "remove the node, or move it before them");
                 break;
             default:

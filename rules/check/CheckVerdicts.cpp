@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Whether rules can judge at all under given settings. The adjusting rules are taken at their most:
-// whatever is said here to be out of reach is out of reach for every message.
+// Whether rules can judge at all under given settings. Adjusting rules count with the most that
+// they can add, so what is reported here as out of reach is out of reach for every message.
 #include "rules/check/Checks.h"
 #include "rules/format/RuleTests.h"
 #include "rules/language/Literals.h"
@@ -23,14 +23,14 @@ using File = Finding::File;
 // Every probability is below it.
 constexpr double certainty = 1.0;
 
-// A sum without the last digits, in which it differs from what people would add up.
+// A sum without its last digits, which hold rounding errors.
 std::string s_rounded(double degree) {
     std::ostringstream text;
     text << std::setprecision(12) << degree;
     return text.str();
 }
 
-// The most that anything gives, and what gives it.
+// The greatest value offered, and what offered it.
 struct Best {
     double m_degree = -std::numeric_limits<double>::infinity();
     std::string m_who;
@@ -74,13 +74,12 @@ class VerdictChecker {
     }
 
   private:
-    // Nodes stood on and rules looked at there. Of a tree made to have very many paths nothing is
-    // said.
+    // Nodes visited and rules looked at there. Beyond that, a tree made to have very many paths,
+    // nothing is reported.
     static constexpr std::size_t maxSteps = 5'000'000;
 
     void add(char const* id, File file, std::string const& problem, std::string const& advice) {
-        m_findings.push_back(
-            {Severity::warning, id, file, std::nullopt, std::nullopt, problem, advice});
+        m_findings.push_back({Severity::warning, id, file, problem, advice});
     }
 
     void closedGate() {
@@ -159,7 +158,7 @@ class VerdictChecker {
         }
     }
 
-    // Follows every path that the walk of an engine can take, and ends where it ends.
+    // Follows every path that the walk of an engine can take.
     void walk(std::int32_t number, PossibleValues const& values) {
         auto const& node = m_tree.at(number);
         if (++m_steps >= maxSteps) {

@@ -3,17 +3,51 @@
 
 #include "rules/check/Checks.h"
 #include "rules/format/RuleTests.h"
+#include "rules/language/Literals.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace Quorvane::Rules {
 
+void TreeFindings::add(Finding::Severity severity, char const* id, std::int32_t number,
+                       std::string const& problem, std::string const& advice) {
+    if (m_reported.emplace(number, problem).second) {
+        m_found.push_back({severity, id, Finding::File::tree, problem, advice, number});
+    }
+}
+
+void TreeFindings::moveTo(Findings& findings) {
+    std::stable_sort(m_found.begin(), m_found.end(),
+                     [](Finding const& a, Finding const& b) { return a.m_number < b.m_number; });
+    std::move(m_found.begin(), m_found.end(), std::back_inserter(findings));
+}
+
+std::string nodeName(std::int32_t number) {
+    return "node " + std::to_string(number);
+}
+
+std::string notAProbability(double confidence) {
+    return "a confidence of " + numberText(confidence) + " is not a probability";
+}
+
+std::string notAPercentage(double support) {
+    return "a support of " + numberText(support) + " is not a percentage";
+}
+
+std::string belowMinimum(double support, double minSupport) {
+    return "a support of " + numberText(support) + " is below the minimum of " +
+           numberText(minSupport) + " (min-support)";
+}
+
 void checkReadme(RuleSet const& set, Findings& findings) {
     auto const add = [&findings](char const* id, std::string const& problem, char const* advice) {
-        findings.push_back({Finding::Severity::warning, id, Finding::File::readme, std::nullopt,
-                            std::nullopt, problem, advice});
+        findings.push_back(
+            {Finding::Severity::warning, id, Finding::File::readme, problem, advice});
     };
     auto const version = set.version();
     if (!version) {
-        add("no-version", "there is no version, so hosts load the rules anew each time they look",
+        add("no-version", "there is no version, so hosts load the rules again each time they look",
             "add a line such as \"version 1\" to the text");
     } else if (*version == 0) {
         add("version-zero", "a host that starts does not load version 0",

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The checker: everything in a rule set that a loader would reject or drop, that the tree walk has
-// to guard against, or that can never do anything for any message; and whether a host with given
-// settings can get a verdict out of it at all.
+// The checker: it finds everything in a rule set that a loader would reject or drop, that the tree
+// walk has to guard against, or that never has an effect; and whether a host with given settings
+// can get a verdict from it.
 //
-// It reasons with the attribute table: a test holds only for values that the engine can write, and
-// attributes are taken as independent of one another, so it never calls a test impossible that a
-// message could pass.
+// It uses the attribute table: a test holds only for values that the engine can write. Attributes
+// are treated as independent, so the checker never calls a test impossible that a message could
+// pass.
 #pragma once
 
 #include "platform/DeepHeaderSettings.h"

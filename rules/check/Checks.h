@@ -6,20 +6,43 @@
 #include "platform/DeepHeaderSettings.h"
 #include "rules/check/EliteRun.h"
 #include "rules/check/Finding.h"
-#include "rules/check/TreeFindings.h"
 #include "rules/check/TreeLinks.h"
 #include "rules/model/RuleSet.h"
 
+#include <set>
+#include <utility>
+
 namespace Quorvane::Rules {
 
-// Nodes that several parents share are walked once for each path. A tree made to have very many
-// paths is walked so far; what was not looked at is not reported.
+// Nodes that several parents share are walked once for each path. A walk through a tree made to
+// have very many paths stops here; what was not looked at is not reported.
 inline constexpr int maxPathSteps = 200000;
+
+// Findings about nodes, each once, however many paths of the tree lead to it.
+class TreeFindings {
+  public:
+    void add(Finding::Severity severity, char const* id, std::int32_t number,
+             std::string const& problem, std::string const& advice);
+    // Appends what was found to `findings`, by node.
+    void moveTo(Findings& findings);
+
+  private:
+    Findings m_found;
+    std::set<std::pair<std::int32_t, std::string>> m_reported;
+};
+
+// "node 7".
+std::string nodeName(std::int32_t number);
+
+// Problems of figures, the same for both files.
+std::string notAProbability(double confidence);
+std::string notAPercentage(double support);
+std::string belowMinimum(double support, double minSupport);
 
 void checkReadme(RuleSet const& set, Findings& findings);
 // qv2.dt as the loader sees it, rule by rule.
 void checkElite(EliteFile const& elite, DeepHeaderSettings const& settings, Findings& findings);
-// Elite rules that others always keep from being used.
+// Elite rules that are never used because of others.
 void checkEliteShadows(EliteRun const& run, Findings& findings);
 // qv.dt as the loader sees it, record by record.
 void checkTreeFile(RuleSet const& set, DeepHeaderSettings const& settings, Findings& findings);

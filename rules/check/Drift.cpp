@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/check/Drift.h"
 
-#include "rules/check/DriftFields.h"
-#include "rules/format/RuleFiles.h"
+#include "rules/format/RuleTests.h"
+#include "rules/language/Literals.h"
+#include "rules/language/RuleText.h"
 #include "rules/model/Readme.h"
 
 #include <algorithm>
@@ -14,7 +15,65 @@ namespace {
 using File = Finding::File;
 using Number = std::optional<std::int32_t>;
 
-// The rules of both sides, cut down to where they begin to differ and, from the end, cease to.
+// The fields of a record in words, each with its name. Two records are the same when all of their
+// fields are.
+using Fields = std::vector<std::pair<std::string_view, std::string>>;
+
+// All slots, also those after childCount: "3 4 and 8 empty slots" would not say which.
+std::string s_slots(DTNode const& node) {
+    std::string text;
+    for (std::size_t slot = 0; slot < node.children.size(); ++slot) {
+        text += (slot == 0 ? "" : " ") + std::to_string(+node.children[slot]);
+    }
+    return text;
+}
+
+std::string s_counts(DTNode const& node) {
+    return std::to_string(+node.value1) + ' ' + std::to_string(+node.value2) + ' ' +
+           std::to_string(+node.value3);
+}
+
+Fields s_fields(DTNode const& node) {
+    return {{"the test", conditionText(testOf(node))},
+            {"leaf", std::to_string(+node.isLeaf)},
+            {"the number of children", std::to_string(+node.childCount)},
+            {"the list of children", s_slots(node)},
+            {"counts", s_counts(node)},
+            {"confidence", numberText(node.confidence)},
+            {"support", numberText(node.support)},
+            {"reserved1", hexText(node.reserved1)},
+            {"reserved2", std::to_string(+node.reserved2)}};
+}
+
+// Without the number of rules, which follows from the rules.
+Fields s_fields(EliteFileHeader const& header) {
+    return {{"the select mode", std::to_string(+header.selectMode)},
+            {"also-tree", std::to_string(+header.alsoWalkTree)},
+            {"reserved1", std::to_string(+header.reserved1)},
+            {"reserved2", std::to_string(+header.reserved2)},
+            {"reserved3", hexText(header.reserved3)}};
+}
+
+// Without the conditions.
+Fields s_fields(EliteRecord const& rule) {
+    return {{"the type", std::to_string(+rule.type)},
+            {"the code", std::to_string(+rule.code)},
+            {"the weight", numberText(rule.weight)},
+            {"support", numberText(rule.support)},
+            {"level", std::to_string(+rule.level)},
+            {"flag", std::to_string(+rule.flag)},
+            {"reserved", std::to_string(+rule.reserved)},
+            {"the number of conditions", std::to_string(+rule.conditionCount)}};
+}
+
+// Each condition as the language writes it.
+std::vector<std::string> s_conditions(EliteNodes const& rule) {
+    std::vector<std::string> texts(rule.conditions.size());
+    std::transform(rule.conditions.begin(), rule.conditions.end(), texts.begin(), conditionText);
+    return texts;
+}
+
+// The range of rules that differ, without the equal ones before and after it.
 struct Differing {
     std::size_t m_begin = 0;
     std::size_t m_endOurs = 0;
@@ -22,7 +81,7 @@ struct Differing {
 };
 
 bool s_isSame(EliteNodes const& a, EliteNodes const& b) {
-    return fieldsOf(a) == fieldsOf(b) && conditionsOf(a) == conditionsOf(b);
+    return s_fields(a) == s_fields(b) && s_conditions(a) == s_conditions(b);
 }
 
 Differing s_differing(std::vector<EliteNodes> const& ours, std::vector<EliteNodes> const& theirs) {
@@ -55,14 +114,16 @@ class DriftFinder {
   private:
     void add(File file, Number number, std::string const& problem, Number condition = {}) {
         m_findings.push_back(
-            {Finding::Severity::difference, "drift", file, number, condition, problem,
-             "write the files anew from the rules, or take over what was changed there"});
+            {Finding::Severity::difference, "drift", file, problem,
+             "write the files again from the rules, or copy the change into the rules", number,
+             condition});
     }
 
-    void differs(File file, Number number, std::string const& what, std::string const& ours,
+    void differs(File file, Number number, std::string_view what, std::string const& ours,
                  std::string const& theirs, Number condition = {}) {
         if (ours != theirs) {
-            add(file, number, what + " is " + theirs + " in the files, not " + ours, condition);
+            add(file, number, std::string(what) + " is " + theirs + " in the files, not " + ours,
+                condition);
         }
     }
 
@@ -102,7 +163,7 @@ class DriftFinder {
 
     void fields(File file, Number number, Fields const& ours, Fields const& theirs) {
         for (std::size_t i = 0; i < ours.size(); ++i) {
-            differs(file, number, ours[i].m_name, ours[i].m_text, theirs[i].m_text);
+            differs(file, number, ours[i].first, ours[i].second, theirs[i].second);
         }
     }
 
@@ -115,10 +176,10 @@ class DriftFinder {
         auto const& theirs = *m_theirs.m_elite;
         if (areBothThere(File::elite, "the header", ours.m_header.has_value(),
                          theirs.m_header.has_value())) {
-            fields(File::elite, std::nullopt, fieldsOf(*ours.m_header), fieldsOf(*theirs.m_header));
+            fields(File::elite, std::nullopt, s_fields(*ours.m_header), s_fields(*theirs.m_header));
             rules(ours, theirs);
         }
-        bytes(File::elite, "what stands after the rules", ours.m_tail, theirs.m_tail);
+        bytes(File::elite, "the text after the rules", ours.m_tail, theirs.m_tail);
     }
 
     void rules(EliteFile const& ours, EliteFile const& theirs) {
@@ -130,7 +191,7 @@ class DriftFinder {
                 add(File::elite, number(i), "the rule is missing in the files");
             } else if (i >= range.m_endOurs) {
                 add(File::elite, std::nullopt,
-                    "rule " + std::to_string(number(i)) + " of the files is in no rule here");
+                    "rule " + std::to_string(number(i)) + " of the files is not among the rules");
             } else {
                 rule(number(i), ours.m_rules[i], theirs.m_rules[i]);
             }
@@ -138,7 +199,7 @@ class DriftFinder {
         announced(*ours.m_header, *theirs.m_header, ours.m_rules.size(), theirs.m_rules.size());
     }
 
-    // The numbers of rules that the headers announce, when they do not follow from the rules.
+    // The numbers of rules that the headers announce, if the rules do not explain the difference.
     void announced(EliteFileHeader const& ours, EliteFileHeader const& theirs, std::size_t ourRules,
                    std::size_t theirRules) {
         auto const ourExcess = ours.nodeCount - static_cast<std::int64_t>(ourRules);
@@ -150,9 +211,9 @@ class DriftFinder {
     }
 
     void rule(std::int32_t number, EliteNodes const& ours, EliteNodes const& theirs) {
-        fields(File::elite, number, fieldsOf(ours), fieldsOf(theirs));
-        auto const mine = conditionsOf(ours);
-        auto const other = conditionsOf(theirs);
+        fields(File::elite, number, s_fields(ours), s_fields(theirs));
+        auto const mine = s_conditions(ours);
+        auto const other = s_conditions(theirs);
         for (std::size_t i = 0; i < std::min(mine.size(), other.size()); ++i) {
             differs(File::elite, number, "the condition", '"' + mine[i] + '"', '"' + other[i] + '"',
                     static_cast<std::int32_t>(i) + 1);
@@ -176,8 +237,8 @@ class DriftFinder {
             } else if (i >= ours) {
                 add(File::tree, number, "the node is only in the files");
             } else {
-                fields(File::tree, number, fieldsOf(m_ours.m_nodes[i]),
-                       fieldsOf(m_theirs.m_nodes[i]));
+                fields(File::tree, number, s_fields(m_ours.m_nodes[i]),
+                       s_fields(m_theirs.m_nodes[i]));
             }
         }
     }

@@ -20,8 +20,8 @@ struct LiveRule {
     double m_weight = 0.0;
     std::vector<EliteCondition> m_conditions;
     PossibleValues m_matches; // the messages that match it
-    // The rules that keep it from ever being used, by their numbers: whatever message matches it
-    // matches one of them too, which is used instead or ends the run before it. Empty when it can
+    // The rules that keep it from ever being used, by their numbers: every message that matches it
+    // also matches one of them, which is used instead or ends the run before it. Empty when it can
     // be used, or when finding out takes too long.
     std::vector<std::int32_t> m_shadows;
 
@@ -31,8 +31,8 @@ struct LiveRule {
 };
 
 struct EliteRun {
-    // Whether engines load any rule, be it one that never fires: it then depends on m_alsoTree
-    // whether they ask the tree.
+    // Whether engines load any rule, even one that never fires. If so, m_alsoTree decides whether
+    // they ask the tree.
     bool m_hasRules = false;
     bool m_alsoTree = false;
     std::int32_t m_selectMode = 0;

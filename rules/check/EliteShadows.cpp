@@ -7,7 +7,7 @@
 // with code 0 counts as none and is always replaced. So for each pair of rules there is an answer
 // to "when both match, can this one be the one that is used in the end?", and a rule is shadowed
 // when each of its messages matches a rule to which the answer is no.
-#include "rules/check/EliteRun.h"
+#include "rules/check/Checks.h"
 #include "rules/format/RuleTests.h"
 
 #include <algorithm>
@@ -17,8 +17,8 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// Looks for a message that matches none of a list of rules, by taking the rules one after the other
-// and following each way to miss them.
+// Looks for a message that matches none of a list of rules: it takes the rules one after the other
+// and follows each way not to match them.
 class Coverage {
   public:
     // `looksLeft` is how often a rule may still be looked at.
@@ -101,7 +101,7 @@ class ShadowFinder {
         return fewest(rule, std::move(rivals));
     }
 
-    // Those of `rivals` without which there would be a message left; none when there is one anyway.
+    // Those of `rivals` that are needed to cover the rule; none when all of them do not cover it.
     std::vector<std::int32_t> fewest(LiveRule const& rule, std::vector<LiveRule const*> rivals) {
         if (!Coverage(rivals, m_looksLeft).covers(rule.m_matches)) {
             return {};
@@ -145,9 +145,9 @@ class ShadowFinder {
         return Quorvane::replaces(m_run.m_selectMode, next.m_weight, held.m_weight);
     }
 
-    // Whether the run is sure to hold rules[earlier] or one that is not easier to replace when it
-    // comes to rules[later]. A rule with code 0 between the two would give way to anything, and a
-    // confidence that is no number compares with nothing.
+    // Whether the run is sure to hold rules[earlier], or one that is not easier to replace, when it
+    // reaches rules[later]. A rule with code 0 between the two would be replaced by anything, and
+    // comparing with a confidence that is not a number always fails.
     bool isStillHeld(std::size_t earlier, std::size_t later) const {
         auto const& held = m_run.m_rules[earlier];
         return held.m_code != noDecisionCode && !std::isnan(held.m_weight) &&
@@ -155,16 +155,58 @@ class ShadowFinder {
     }
 
     EliteRun& m_run;
-    // How many rules with code 0 stand before each rule.
+    // How many rules with code 0 come before each rule.
     std::vector<int> m_resetsBefore;
     int m_resets = 0;
     std::size_t m_looksLeft = maxLooks;
 };
 
+// "rule 3", "one of the rules 1, 2 and 5".
+std::string s_names(std::vector<std::int32_t> const& numbers) {
+    if (numbers.size() == 1) {
+        return "rule " + std::to_string(numbers.front());
+    }
+    std::string text = "one of the rules ";
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        auto const isLast = i + 1 == numbers.size();
+        text += (i == 0 ? "" : isLast ? " and " : ", ") + std::to_string(numbers[i]);
+    }
+    return text;
+}
+
+char const* s_advice(std::int32_t selectMode) {
+    switch (selectMode) {
+    case SelectMode::first:
+        return "move it forward, or remove it";
+    case SelectMode::last:
+        return "move it back, or remove it";
+    case SelectMode::highest:
+        return "give it a greater confidence, or remove it";
+    case SelectMode::lowest:
+        return "give it a smaller confidence, or remove it";
+    default:
+        return "choose first, last, highest or lowest";
+    }
+}
+
 } // namespace
 
 void findShadows(EliteRun& run) {
     ShadowFinder(run).run();
+}
+
+void checkEliteShadows(EliteRun const& run, Findings& findings) {
+    auto const isRunEnded = endsRun(run.m_selectMode);
+    for (auto const& rule : run.m_rules) {
+        if (!rule.m_shadows.empty()) {
+            findings.push_back(
+                {Finding::Severity::warning, "elite-shadowed", Finding::File::elite,
+                 "every message that matches it also matches " + s_names(rule.m_shadows) +
+                     (isRunEnded ? ", which ends the run before it" : ", which is used instead") +
+                     ", so the rule never fires",
+                 s_advice(run.m_selectMode), rule.m_number});
+        }
+    }
 }
 
 } // namespace Quorvane::Rules

@@ -54,8 +54,4 @@ void PossibleValues::assume(EliteCondition const& test, bool holds) {
     m_tests.push_back(plain);
 }
 
-EliteCondition testOf(DTNode const& node) {
-    return {node.attribute, node.test, node.testValue};
-}
-
 } // namespace Quorvane::Rules

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a message can still look like after a number of tests: the values that the engine can write
-// into an attribute and that the tests leave over. A value; small when copied, since paths are.
+// The messages that pass a number of tests: the values of each attribute that the engine can write
+// and that the tests leave. A value, and cheap to copy.
 #pragma once
 
 #include "rules/format/AttributeTable.h"
@@ -20,7 +20,7 @@ class PossibleValues {
     bool implies(EliteCondition const& test) const;
     // Whether no message passes all tests so far.
     bool isNobody() const { return m_isNobody; }
-    // Goes on with the messages that pass the test, or with those that do not.
+    // Keeps the messages that pass the test, or those that do not.
     void assume(EliteCondition const& test, bool holds = true);
 
   private:
@@ -29,8 +29,5 @@ class PossibleValues {
     // Whether no message passes them.
     bool m_isNobody = false;
 };
-
-// The test that stands on a node.
-EliteCondition testOf(DTNode const& node);
 
 } // namespace Quorvane::Rules

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// TreeLinks: a tree as the walk of an engine that has loaded it follows its links.
+// TreeLinks: the links of a tree as an engine follows them.
 #pragma once
 
 #include "rules/model/RuleSet.h"
@@ -16,7 +16,7 @@ NodeTable loadedTable(RuleSet const& set);
 
 // Where a node leads to.
 struct NodeLinks {
-    // What the walk gives up at.
+    // Why the walk gives up.
     enum class End { none, leaf, noChildren, tooManyChildren, badIndex, badAttribute };
 
     // The children that the walk tries, in order, up to the one that it gives up at.

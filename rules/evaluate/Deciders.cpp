@@ -19,15 +19,16 @@ LabelCounts s_wrong(Verdict verdict, LabelCounts const& counts) {
     return {};
 }
 
-template<typename Before>
+// Those with the most messages first.
 std::vector<DeciderFigures> s_sorted(std::map<Decider, DeciderFigures> const& figures,
-                                     Before before) {
+                                     LabelCounts DeciderFigures::*counts) {
     std::vector<DeciderFigures> sorted;
-    sorted.reserve(figures.size());
     for (auto const& [decider, one] : figures) {
         sorted.push_back(one);
     }
-    std::stable_sort(sorted.begin(), sorted.end(), before);
+    std::stable_sort(sorted.begin(), sorted.end(), [counts](auto const& a, auto const& b) {
+        return (a.*counts).total() > (b.*counts).total();
+    });
     return sorted;
 }
 
@@ -52,18 +53,12 @@ void Deciders::add(JudgedVector const& judged, LabelCounts const& counts,
 }
 
 std::vector<DeciderFigures> Deciders::byUse() const {
-    return s_sorted(m_figures, [](DeciderFigures const& a, DeciderFigures const& b) {
-        return a.m_reached.total() > b.m_reached.total();
-    });
+    return s_sorted(m_figures, &DeciderFigures::m_reached);
 }
 
 std::vector<DeciderFigures> Deciders::byErrors() const {
-    auto sorted = s_sorted(m_figures, [](DeciderFigures const& a, DeciderFigures const& b) {
-        return a.m_wrong.total() > b.m_wrong.total();
-    });
-    sorted.erase(std::find_if(sorted.begin(), sorted.end(),
-                              [](auto const& one) { return one.m_wrong.total() == 0; }),
-                 sorted.end());
+    auto sorted = s_sorted(m_figures, &DeciderFigures::m_wrong);
+    std::erase_if(sorted, [](auto const& one) { return one.m_wrong.total() == 0; });
     return sorted;
 }
 

@@ -18,7 +18,7 @@ struct DeciderFigures {
     double m_confidence = 0.0;
     double m_support = 0.0;
     LabelCounts m_reached; // messages that it decided or was reported for
-    // Spam called ham and ham called spam.
+    // spam called ham and ham called spam
     LabelCounts m_wrong;
     // Sources of some messages that were judged wrongly.
     std::vector<std::string> m_samples;
@@ -32,8 +32,8 @@ class Deciders {
     void add(JudgedVector const& judged, LabelCounts const& counts,
              std::vector<std::string> const& wrongSources);
 
-    // Those that were reported for most messages first; those that erred most first, without those
-    // that never erred. Ties by number.
+    // Ordered by messages, most first, and equal ones by number: those reported for them, and those
+    // that were wrong about any.
     std::vector<DeciderFigures> byUse() const;
     std::vector<DeciderFigures> byErrors() const;
 

@@ -9,14 +9,14 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// All that is known of one distinct vector.
+// The messages with one vector.
 struct Row {
     std::map<std::string, KindCounts> m_byCorpus;
     std::vector<KnownSource> m_samples;
 };
 using Rows = std::map<AttributeVector, Row>;
 
-// How verdict, decider, confidence and adjustment compare: a group has them in common.
+// What the rules decide; it is the same for all messages of a group.
 using Ruling = std::tuple<Verdict, Decider, double, double>;
 
 Ruling s_ruling(JudgedVector const& judged) {
@@ -28,12 +28,6 @@ KindCounts s_counts(LabelCounts const& counts, bool isSorted) {
     kinds.of(MailKind::spam) = counts.m_spam;
     kinds.of(isSorted ? MailKind::ham : MailKind::unsorted) = counts.m_ham;
     return kinds;
-}
-
-void s_addVerdict(VerdictCounts& counts, Verdict verdict, std::uint64_t messages) {
-    counts.m_spam += verdict == Verdict::spam ? messages : 0;
-    counts.m_ham += verdict == Verdict::ham ? messages : 0;
-    counts.m_none += verdict == Verdict::none ? messages : 0;
 }
 
 int s_spamminess(Verdict verdict) {
@@ -92,8 +86,8 @@ class Comparison {
         }
         m_difference.m_messages += counts;
         for (auto const kind : mailKinds) {
-            s_addVerdict(m_difference.m_before.of(kind), before.m_verdict, counts.of(kind));
-            s_addVerdict(m_difference.m_after.of(kind), after.m_verdict, counts.of(kind));
+            m_difference.m_before.of(kind).add(before.m_verdict, counts.of(kind));
+            m_difference.m_after.of(kind).add(after.m_verdict, counts.of(kind));
         }
         if (isChanged) {
             addChange(row, counts, before, after);
@@ -125,7 +119,7 @@ class Comparison {
             changes.m_noLongerDecided += wasDecided ? messages : 0;
             return;
         }
-        // Each sum by itself, so that equal ones differ by nothing at all.
+        // Both sums first, so that the difference of equal ones is exactly 0.
         auto const change =
             (after.m_confidence + after.m_adjust) - (before.m_confidence + before.m_adjust);
         changes.m_up += change > 0.0 ? messages : 0;
@@ -170,18 +164,6 @@ std::uint64_t s_moved(std::vector<ChangeGroup> const& groups, int way) {
 }
 
 } // namespace
-
-char const* mailKindName(MailKind kind) {
-    switch (kind) {
-    case MailKind::spam:
-        return "spam";
-    case MailKind::ham:
-        return "ham";
-    case MailKind::unsorted:
-        break;
-    }
-    return "unsorted";
-}
 
 KindCounts& KindCounts::operator+=(KindCounts const& other) {
     std::transform(m_values.begin(), m_values.end(), other.m_values.begin(), m_values.begin(),

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Difference: what changes on some mail when one rule set takes the place of another. A plain
-// value, made from tables of counted vectors and two functions that judge one vector; each distinct
-// vector is judged once by each.
+// Difference: what changes for some mail when one rule set replaces another. A plain value, made
+// from tables of counted vectors and two functions that judge one vector; each distinct vector is
+// judged once by each.
 #pragma once
 
 #include "rules/evaluate/Evaluation.h"
@@ -15,13 +15,15 @@
 
 namespace Quorvane::Rules {
 
-// What is known of a message: its label, or that nobody has sorted it.
+// The label of a message, or that nobody has sorted it.
 enum class MailKind : std::uint8_t { spam, ham, unsorted };
 inline constexpr std::array<MailKind, 3> mailKinds{MailKind::spam, MailKind::ham,
                                                    MailKind::unsorted};
 
 // "spam", "ham", "unsorted".
-char const* mailKindName(MailKind kind);
+constexpr char const* mailKindName(MailKind kind) {
+    return kind == MailKind::spam ? "spam" : kind == MailKind::ham ? "ham" : "unsorted";
+}
 
 // A value for each kind of mail.
 template<typename Value>

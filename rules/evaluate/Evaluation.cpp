@@ -9,20 +9,6 @@ namespace {
 
 using JudgedRow = std::pair<JudgedVector, LabelCounts>;
 
-void s_add(VerdictCounts& counts, Verdict verdict, std::uint64_t messages) {
-    switch (verdict) {
-    case Verdict::spam:
-        counts.m_spam += messages;
-        return;
-    case Verdict::ham:
-        counts.m_ham += messages;
-        return;
-    case Verdict::none:
-        counts.m_none += messages;
-        return;
-    }
-}
-
 std::size_t s_bin(double confidence) {
     auto const scaled = std::clamp(confidence, 0.0, 1.0) * static_cast<double>(reliabilityBins);
     return std::min(static_cast<std::size_t>(scaled), reliabilityBins - 1);
@@ -35,8 +21,8 @@ CorpusFigures s_figures(std::string const& name, std::vector<JudgedRow> const& r
     figures.m_unjudged = unjudged;
     std::vector<ScoredCounts> scores;
     for (auto const& [judged, counts] : rows) {
-        s_add(figures.m_spamVerdicts, judged.m_verdict, counts.m_spam);
-        s_add(figures.m_hamVerdicts, judged.m_verdict, counts.m_ham);
+        figures.m_spamVerdicts.add(judged.m_verdict, counts.m_spam);
+        figures.m_hamVerdicts.add(judged.m_verdict, counts.m_ham);
         scores.push_back({judged.m_score, counts});
         if (judged.m_decider.m_number != 0) {
             auto& bin = figures.m_reliability.at(s_bin(judged.m_confidence));

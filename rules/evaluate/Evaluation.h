@@ -3,8 +3,8 @@
 // Evaluation: what a rule set does on sorted mail, for each corpus and together. A plain value,
 // made from a table of counted vectors and a function that judges one vector.
 //
-// Rates count judgeable messages: a message without a public hop gets no verdict whatever the
-// rules, and its number stands apart. Verdict "none" is neither right nor wrong.
+// Rates count judgeable messages. A message without a public hop gets no verdict, whatever the
+// rules are, and is counted apart. Verdict "none" is neither right nor wrong.
 #pragma once
 
 #include "rules/evaluate/Deciders.h"
@@ -29,10 +29,13 @@ struct VerdictCounts {
     std::uint64_t m_none = 0;
 
     std::uint64_t total() const { return m_spam + m_ham + m_none; }
+    void add(Verdict verdict, std::uint64_t messages) {
+        (verdict == Verdict::spam ? m_spam : verdict == Verdict::ham ? m_ham : m_none) += messages;
+    }
 };
 
 // Messages whose reported confidence lies in one tenth of the scale. Adjusting rules are left out:
-// they move the verdict, not what the deciding rule claims to know.
+// they change the verdict, not the confidence of the deciding rule.
 struct ReliabilityBin {
     double m_confidenceSum = 0.0; // weighted by messages
     LabelCounts m_counts;
@@ -41,6 +44,11 @@ struct ReliabilityBin {
     Rate spamRate() const { return {m_counts.m_spam, m_counts.total()}; }
 };
 inline constexpr std::size_t reliabilityBins = 10;
+
+// The lowest confidence of a bin, counted from 0.
+inline double binStart(std::size_t bin) {
+    return static_cast<double>(bin) / static_cast<double>(reliabilityBins);
+}
 
 struct CorpusFigures {
     std::string m_name;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Figures as people read them, the same in every display. Pure functions; no locale has a say.
+// Figures as people read them, the same in every display. Pure functions that do not depend on the
+// locale.
 #pragma once
 
 #include "rules/evaluate/Wilson.h"
@@ -9,10 +10,10 @@
 
 namespace Quorvane::Rules {
 
-// With so many digits after the point.
+// With this many digits after the point.
 std::string fixedText(double value, int digits);
 
-// "84.90 %"; below a tenth of a percent a third digit; nothing and all without digits.
+// "84.90 %"; below 0.1 % with a third digit; "0 %" and "100 %" without digits.
 std::string percentText(double share);
 
 // "12 of 3456 (0.35 %; 0.20 to 0.61)", the interval in percent; "none of 0" without messages.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What rules say about one attribute vector, as far as an evaluation needs to know. A plain value.
+// What rules decide about one attribute vector, as much as an evaluation needs. A plain value.
 #pragma once
 
 #include "rules/evaluate/Roc.h"

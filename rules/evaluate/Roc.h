@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RocCurve: how much spam is caught for how many false positives, over all thresholds at once.
+// RocCurve: how much spam is caught for how many false positives, at every threshold.
 //
-// A plain value, made of scores with counts. A score is the least threshold above which a message
-// is not called spam any more; a message that no rule decides has the score `noScore` and is not
-// called spam at any threshold.
+// A plain value, made of scores with counts. The score of a message is the highest threshold at
+// which it is called spam; a message that no rule decides has the score `noScore` and is not called
+// spam at any threshold.
 #pragma once
 
 #include "rules/vectors/VectorTable.h"
@@ -35,12 +35,12 @@ class RocCurve {
     std::vector<RocPoint> const& points() const { return m_points; }
     LabelCounts const& total() const { return m_total; }
 
-    // The probability that a spam has a higher score than a ham, ties counting half; 0.5 when one
-    // of both is missing.
+    // The probability that a spam message has a higher score than a ham message, with ties counted
+    // half; 0.5 when either kind is missing.
     double area() const { return m_area; }
 
-    // The point that catches most spam with at most this share of the ham called spam; a threshold
-    // beyond all scores and nothing called when there is none.
+    // The point that catches most spam with at most this share of the ham called spam. If there is
+    // none: a threshold above all scores, and nothing called spam.
     RocPoint atFalsePositives(double share) const;
 
   private:

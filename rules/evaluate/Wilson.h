@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The Wilson score interval: between which limits a rate lies that was seen in so many messages.
-// Unlike the textbook interval it stays right for rates near 0, where false positives live. Pure.
+// The Wilson score interval: the limits between which the true rate lies, given the messages
+// counted. Unlike the textbook interval it stays right for rates near 0, such as those of false
+// positives. Pure.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +22,7 @@ struct Interval {
     double m_high = 1.0;
 };
 
-// 95 % confidence; everything from 0 to 1 when there are no messages.
+// 95 % confidence; 0 to 1 when there are no messages.
 Interval wilsonInterval(Rate const& rate);
 
 } // namespace Quorvane::Rules

@@ -2,10 +2,10 @@
 //
 // The 38 attributes that a message is turned into, and that every rule tests: index, name, what
 // writes it, the values it can take and one line of meaning. The engine, the explain record, the
-// rule language, the documentation and the tests all draw on this table.
+// rule language, the documentation and the tests all use this table.
 //
 // Rule files address attributes by index: never renumber. Value codes, as a rule: 1 yes or match,
-// 0 no or mismatch, 2 cannot be told, 8 not applicable, 3 no hop was analysed; counters count hops.
+// 0 no or mismatch, 2 unknown, 8 not applicable, 3 no hop was analysed; counters count hops.
 #pragma once
 
 #include <array>
@@ -18,14 +18,14 @@ namespace Quorvane {
 
 inline constexpr std::size_t attributeCount = 38;
 
-// Value codes of hops and attributes. They stand in rule files: never renumber or merge.
+// Value codes of hops and attributes. Rule files contain them: never renumber or merge.
 namespace Code {
 inline constexpr std::int32_t no = 0;
 inline constexpr std::int32_t yes = 1;
 inline constexpr std::int32_t unknown = 2;
 inline constexpr std::int32_t notAnalysed = 3;
 inline constexpr std::int32_t notApplicable = 8;
-// In the fields heloIsIP, heloDynamic and heloEqualsIP 2 says that the HELO name is an address
+// In the fields heloIsIP, heloDynamic and heloEqualsIP 2 means that the HELO name is an address
 // literal, or that it equals the hop's address.
 inline constexpr std::int32_t literal = 2;
 } // namespace Code
@@ -89,7 +89,7 @@ struct AttributeValues {
     std::array<std::int32_t, 5> m_codes;
     // A counter takes every value from 0 on.
     bool m_isCounter = false;
-    // Any 32-bit value: the caller's forged flag is handed through unchanged.
+    // Any 32-bit value: the caller's forged flag is passed through unchanged.
     bool m_isOpen = false;
 
     constexpr bool contains(std::int32_t value) const {
@@ -127,7 +127,7 @@ inline constexpr AttributeValues counter{{0, 0, 0, 0, 0}, true};
 inline constexpr AttributeValues forged{{0, 1, 0, 0, 0}, false, true};
 } // namespace Detail
 
-// "First hop" is the first public relay of the trail, the one that handed the message to the
+// "First hop" is the first public relay of the trail, the one that sent the message to the
 // trusted side; "deep hop" is the deepest relay of the first run of public ones.
 inline constexpr std::array<AttributeFacts, attributeCount> attributeTable{{
     {0, "first_helo_is_domain", Detail::yesNoUnknown, AttributeWriter::attributes, 0,
@@ -135,7 +135,7 @@ inline constexpr std::array<AttributeFacts, attributeCount> attributeTable{{
     {1, "deep_helo_is_domain", Detail::deepYesNoUnknown, AttributeWriter::attributes, 0,
      "the deep hop announced a name that looks like a domain or an address literal"},
     {2, "hops_helo_no_domain", Detail::counter, AttributeWriter::receivedChain, 0,
-     "number of analysed hops whose announced name is no domain"},
+     "number of analysed hops whose announced name is not a domain"},
     {3, "first_helo_resolves", Detail::yesNoLiteralNa, AttributeWriter::attributesWithLookup, 0,
      "the name that the first hop announced exists in DNS (2: it is an address literal)"},
     {4, "reserved_4", Detail::always0, AttributeWriter::nobody, 0, "always 0"},
@@ -156,7 +156,7 @@ inline constexpr std::array<AttributeFacts, attributeCount> attributeTable{{
     {12, "hops_reverse_dynamic", Detail::counter, AttributeWriter::receivedChain, 0,
      "number of analysed hops with a dynamically assigned reverse name"},
     {13, "hops_reverse_no_domain", Detail::counter, AttributeWriter::receivedChain, 0,
-     "number of analysed hops whose reverse name is missing or no domain"},
+     "number of analysed hops whose reverse name is missing or not a domain"},
     {14, "first_forged", Detail::forged, AttributeWriter::attributes, 0,
      "the reverse name of the first hop resolves, but not to the hop's address"},
     {15, "message_id_has_dot", Detail::yesNo, AttributeWriter::attributes, 0,
@@ -195,7 +195,8 @@ inline constexpr std::array<AttributeFacts, attributeCount> attributeTable{{
     {32, "deep_same_address", Detail::yesNoUnknown, AttributeWriter::attributes, 0,
      "the deep hop has the address of the first hop"},
     {33, "chain_broken", Detail::yesNo, AttributeWriter::receivedChain, 0,
-     "after the first hop a relay claims to have received from another than the next one"},
+     "after the first hop a relay says that it received the message from a host that is not the "
+     "next one"},
     {34, "reserved_34", Detail::always0, AttributeWriter::nobody, 0, "always 0"},
     {35, "reserved_35", Detail::always0, AttributeWriter::nobody, 0, "always 0"},
     {36, "status_indicated", Detail::yesNo, AttributeWriter::headerFields, 0,

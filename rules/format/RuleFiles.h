@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The two binary rule files, byte by byte (docs/rule-files.md tells them in prose).
+// The two binary rule files, byte by byte (described in docs/rule-files.md).
 //
 // Both are little-endian and unpadded, and are read straight into these records. Their layout is
 // frozen: rule sets in the field depend on every offset. Never renumber, never reorder.
@@ -19,8 +19,8 @@ inline constexpr char eliteFileName[] = "qv2.dt";
 inline constexpr char versionFileName[] = "README";
 inline constexpr char versionKey[] = "CF_DT_VERSION=";
 
-// Nodes that the engine's table holds. A file must leave the last one free: a table filled to the
-// brim cannot be told from a file that was cut off by the table's end.
+// Nodes that the engine's table holds. A file must leave the last one free: a full table cannot be
+// distinguished from a file that was cut off at the table's end.
 inline constexpr int treeTableSize = 500;
 inline constexpr int maxTreeNodes = treeTableSize - 1;
 inline constexpr int treeRoot = 2;
@@ -33,8 +33,8 @@ inline constexpr std::int32_t equals = 0;
 inline constexpr std::int32_t differs = 1;
 } // namespace Comparison
 
-// A node of qv.dt, 92 bytes; record i of the file is node i. The test that admits a message to a
-// node stands on the node itself, not on its parent.
+// A node of qv.dt, 92 bytes; record i of the file is node i. A node holds the test that admits a
+// message to it; its parent does not.
 struct __attribute__((packed, aligned(4))) DTNode {
     std::int32_t attribute; // 0..37
     std::int32_t test;      // Comparison; any value but `equals` counts as `differs`
@@ -82,7 +82,7 @@ inline constexpr std::int32_t deciding = 2;
 
 inline constexpr std::int32_t maxEliteConditions = 100;
 inline constexpr std::int32_t maxEliteFlag = 1;
-// The loader stops after so many node records, however many the header announces.
+// The loader stops after this many node records, however many the header announces.
 inline constexpr int maxEliteNodes = 5001;
 
 // A node record of qv2.dt, 40 bytes, followed by its conditions.

@@ -4,7 +4,8 @@
 // accepts, when a test holds, where a walk goes on, which rule replaces which. The engine, the
 // checker, the compiler and every display ask here.
 //
-// Comparisons with a NaN never hold; what must not be taken for its opposite is written that way.
+// A comparison with a NaN is false, so the conditions are written in the direction that then
+// matters.
 #pragma once
 
 #include "rules/format/AttributeTable.h"
@@ -46,8 +47,8 @@ constexpr bool isLoadedCount(std::int32_t value1) {
     return value1 >= 1;
 }
 
-// Whether the loader checks a record of the tree: the first ones belong to the file's writer, and
-// the root is entered by nobody.
+// Whether the loader checks a record of the tree: the first ones belong to the program that wrote
+// the file, and no message is tested to enter the root.
 constexpr bool isCheckedNode(std::int32_t number) {
     return number > treeRoot;
 }
@@ -77,6 +78,11 @@ inline bool isKeptRule(EliteNodes const& rule) {
 // Every test but "equals" counts as "differs" here, unlike in the condition of an elite rule.
 constexpr bool isEqualityTest(std::int32_t test) {
     return test == Comparison::equals;
+}
+
+// The test that admits a message to a node.
+constexpr EliteCondition testOf(DTNode const& node) {
+    return {node.attribute, node.test, node.testValue};
 }
 
 constexpr bool admits(DTNode const& node, AttributeVector const& attributes) {
@@ -117,7 +123,7 @@ constexpr bool canDecide(std::int32_t number) {
 
 // The run over the elite rules.
 
-// Whether any message can meet the condition as far as its numbers go.
+// Whether the numbers of the condition are valid, so that it can hold for some message.
 constexpr bool isRealCondition(EliteCondition const& condition) {
     return isAttribute(condition.attribute) &&
            (condition.test == Comparison::equals || condition.test == Comparison::differs);
@@ -150,9 +156,9 @@ constexpr bool canFire(EliteRecord const& rule, double minSupport) {
            (rule.type == EliteType::deciding && isSupported(rule.support, minSupport));
 }
 
-// The character that an adjusting rule leaves in the answer.
-constexpr unsigned char reasonByte(EliteRecord const& rule) {
-    return static_cast<unsigned char>(static_cast<std::uint32_t>(rule.code) & 0xFFU);
+// The character that an adjusting rule with this code leaves in the answer.
+constexpr unsigned char reasonByte(std::int32_t code) {
+    return static_cast<unsigned char>(static_cast<std::uint32_t>(code) & 0xFFU);
 }
 
 constexpr bool isVisibleReason(unsigned char reason) {
@@ -184,7 +190,7 @@ constexpr bool replaces(std::int32_t selectMode, double weight, double chosenWei
     }
 }
 
-// Who is asked.
+// Whether the tree is asked.
 
 // A spam threshold from here on keeps the tree out.
 inline constexpr double treeOffThreshold = 95.0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The words for attribute values: what people read and write instead of 0, 1, 2, 3 and 8. The rule
-// language, the checker and every display of a test draw on this one list.
+// language, the checker and every display of a test use this one list.
 #pragma once
 
 #include "rules/format/AttributeTable.h"
@@ -26,14 +26,14 @@ inline constexpr std::array<ValueWord, 6> valueWords{{
     {"n/a", Code::notApplicable},
 }};
 
-// Whether 2 says "an address literal" in this attribute, and not "unknown".
+// Whether 2 means "an address literal" in this attribute, and not "unknown".
 constexpr bool hasLiteralValue(std::size_t attribute) {
     return attribute == Attribute::firstHeloResolves || attribute == Attribute::firstHeloDynamic ||
            attribute == Attribute::deepHeloDynamic;
 }
 
-// Whether `word` may stand for a value of this attribute. An open attribute takes other numbers
-// too, but no other words.
+// Whether `word` means a value of this attribute. An open attribute also takes other numbers, but
+// no other words.
 constexpr bool takesWord(AttributeFacts const& facts, ValueWord const& word) {
     AttributeValues const listed{facts.m_values.m_codes};
     if (facts.m_values.m_isCounter || !listed.contains(word.m_code)) {
@@ -45,7 +45,7 @@ constexpr bool takesWord(AttributeFacts const& facts, ValueWord const& word) {
     return true;
 }
 
-// The word for a value of an attribute; empty when it has none and the number stands for itself.
+// The word for a value of an attribute; empty when there is none and the number is shown.
 constexpr std::string_view valueWord(std::size_t attribute, std::int32_t value) {
     if (attribute < attributeCount) {
         for (auto const& word : valueWords) {
@@ -57,7 +57,7 @@ constexpr std::string_view valueWord(std::size_t attribute, std::int32_t value) 
     return {};
 }
 
-// The value that a word stands for in an attribute; empty when the attribute does not take it.
+// The value that a word means in an attribute; empty when the attribute does not take the word.
 constexpr std::optional<std::int32_t> wordValue(AttributeFacts const& facts,
                                                 std::string_view text) {
     for (auto const& word : valueWords) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/install/Installer.h"
 
-#include "rules/install/Guards.h"
 #include "rules/install/Previous.h"
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
@@ -10,9 +9,15 @@
 #include "rules/model/RuleFolder.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
 #include <limits>
 #include <memory>
+#include <sys/file.h>
 #include <thread>
+#include <unistd.h>
 
 namespace Quorvane::Rules {
 
@@ -28,10 +33,55 @@ std::string s_gateText() {
            std::string(versionKey) + std::to_string(closedVersion) + '\n';
 }
 
-// What stands in the folder before an installation.
+// Waits until no other installation works in a folder, and holds its lock.
+class FolderLock {
+  public:
+    explicit FolderLock(fs::path const& folder)
+        : m_fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        int result = m_fd;
+        while (result >= 0 && (result = ::flock(m_fd, LOCK_EX)) < 0 && errno == EINTR) {
+            result = m_fd;
+        }
+        if (result < 0) {
+            auto const error = errno;
+            if (m_fd >= 0) {
+                ::close(m_fd);
+            }
+            throw RuleError(RuleError::Kind::cannotWrite,
+                            folder.string() + ": cannot be locked: " + std::strerror(error));
+        }
+    }
+    FolderLock(FolderLock const&) = delete;
+    FolderLock& operator=(FolderLock const&) = delete;
+    ~FolderLock() { ::close(m_fd); }
+
+  private:
+    int m_fd;
+};
+
+// Holds back signals that would end the program half-way; they are delivered at the end.
+class SignalsHeldBack {
+  public:
+    SignalsHeldBack() : m_before() {
+        sigset_t signals;
+        sigemptyset(&signals);
+        for (auto const signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+            sigaddset(&signals, signal);
+        }
+        pthread_sigmask(SIG_BLOCK, &signals, &m_before);
+    }
+    SignalsHeldBack(SignalsHeldBack const&) = delete;
+    SignalsHeldBack& operator=(SignalsHeldBack const&) = delete;
+    ~SignalsHeldBack() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+  private:
+    sigset_t m_before;
+};
+
+// What is in the folder before an installation.
 struct Present {
     std::optional<std::int32_t> m_version;
-    // Empty when no host could load it, or when it may be half of two sets.
+    // Empty when no host could load it, or when it may be a mix of two sets.
     std::optional<RuleSet> m_set;
     std::optional<RuleSet> m_previous;
 };
@@ -58,13 +108,13 @@ std::int32_t s_nextVersion(fs::path const& folder, std::optional<std::int32_t> o
     if (highest == std::numeric_limits<std::int32_t>::max()) {
         throw RuleError(RuleError::Kind::badRules,
                         (folder / versionFileName).string() +
-                            ": the version cannot grow any more; empty the folder, restart all "
+                            ": the version has reached its limit; empty the folder, restart all "
                             "hosts and install with a small version");
     }
     return highest + 1;
 }
 
-// The files of a set, written beside those in force.
+// The files of a set, written beside those in use.
 class StagedSet {
   public:
     StagedSet(fs::path const& folder, RuleSet const& set)
@@ -95,8 +145,8 @@ class StagedSet {
     std::unique_ptr<StagedFile> m_elite;
 };
 
-// Hosts that run without a version load whenever they look, and would take a closed gate for a
-// version; there is nothing to close for them.
+// Hosts that run without a version load whenever they look, and would read a closed gate as a
+// version. For them there is no gate.
 bool s_hasGate(Present const& present) {
     return present.m_set && present.m_version.value_or(closedVersion) > closedVersion;
 }

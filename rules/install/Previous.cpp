@@ -20,7 +20,7 @@ constexpr char previousName[] = "previous";
 constexpr char stagingName[] = ".previous.new";
 
 void s_renameFolder(fs::path const& from, fs::path const& to) {
-    // Swapped with the old one if there is one, so that the name always leads to a whole set.
+    // Swapped with the old one if there is one, so that there is always a whole set of this name.
     unsigned const flags = fs::exists(to) ? RENAME_EXCHANGE : RENAME_NOREPLACE;
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flags) != 0) {
         throw RuleError(RuleError::Kind::cannotWrite,

@@ -13,7 +13,7 @@ namespace Quorvane::Rules {
 // Empty when there is none.
 std::optional<RuleSet> previousSet(std::filesystem::path const& folder);
 
-// Replaces the previous set as a whole: at no moment is there half of one.
+// Replaces the previous set in one step, so that there is never half of one.
 void keepAsPrevious(std::filesystem::path const& folder, RuleSet const& set);
 
 } // namespace Quorvane::Rules

@@ -45,7 +45,7 @@ std::string attributePage() {
         "and never give a value code a new meaning, since rule sets in the field "
         "are not rewritten\n"
         "when the engine is.\n\n"
-        "\"First hop\" is the first public relay of the trail, the one that handed "
+        "\"First hop\" is the first public relay of the trail, the one that sent "
         "the message to the\n"
         "trusted side; \"deep hop\" is the deepest relay of the first run of public ones. Two "
         "names of\n"
@@ -55,10 +55,14 @@ std::string attributePage() {
     for (auto const& word : valueWords) {
         page += s_wordRow(word);
     }
-    page += "\n`literal` is what 2 means in the attributes that list it: the announced name is an "
-            "address.\n\n"
-            "| number | name | values | at start | written by | meaning |\n"
-            "| --- | --- | --- | --- | --- | --- |\n";
+    page +=
+        "\n`not-analysed` means that there was no such hop, `n/a` that the question does not arise "
+        "(as whether a\n"
+        "missing name is dynamic), and `unknown` that a part of the comparison is missing. "
+        "`literal` is what 2\n"
+        "means in the attributes that list it: the announced name is an address.\n\n"
+        "| number | name | values | at start | written by | meaning |\n"
+        "| --- | --- | --- | --- | --- | --- |\n";
     for (auto const& facts : attributeTable) {
         page += s_row(facts);
     }

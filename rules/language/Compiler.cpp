@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/language/Compiler.h"
 
-#include "rules/language/EliteBuilder.h"
+#include "rules/language/Builders.h"
 #include "rules/language/Parser.h"
 #include "rules/language/TokenReader.h"
-#include "rules/language/TreeBuilder.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace Quorvane::Rules {
 
@@ -35,10 +35,8 @@ void s_buildReadme(RulesSyntax const& rules, CompiledRules& compiled) {
 }
 
 bool s_isBefore(Diagnostic const& a, Diagnostic const& b) {
-    auto const& left = a.m_position;
-    auto const& right = b.m_position;
-    return left.m_line != right.m_line ? left.m_line < right.m_line
-                                       : left.m_column < right.m_column;
+    return std::tie(a.m_position.m_line, a.m_position.m_column) <
+           std::tie(b.m_position.m_line, b.m_position.m_column);
 }
 
 } // namespace

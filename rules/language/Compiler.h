@@ -11,7 +11,7 @@
 
 namespace Quorvane::Rules {
 
-// Where the parts of a set stand in its text. The lists run parallel to those of the set.
+// The places of the parts of a set in its text. The lists are parallel to those of the set.
 struct RulePlaces {
     Position m_version;
     Position m_eliteHeader;
@@ -27,9 +27,9 @@ struct CompiledRules {
     std::vector<Diagnostic> m_errors;
 };
 
-// Nodes that have no number written get one: the root is 2, the others follow in reading order from
-// 3 on, past every number that is written somewhere. Numbers that no node has are left to records
-// 0 to 2 alone, which are zero then.
+// Nodes without a number get one: the root is 2, the others follow in reading order from 3 on, and
+// numbers that are written somewhere are skipped. Only records 0 to 2 may be without a node; they
+// are zero then.
 CompiledRules compileRules(std::string_view text);
 
 } // namespace Quorvane::Rules

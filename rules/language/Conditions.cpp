@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/language/Conditions.h"
-
+#include "rules/format/RuleTests.h"
 #include "rules/format/ValueWords.h"
-#include "rules/language/Literals.h"
 #include "rules/language/Nearest.h"
+#include "rules/language/Productions.h"
 
 namespace Quorvane::Rules {
 
@@ -11,20 +10,21 @@ namespace {
 
 constexpr std::int32_t unknownAttribute = -1;
 
-std::vector<std::string_view> s_attributeNames() {
-    std::vector<std::string_view> names;
-    names.reserve(attributeTable.size());
-    for (auto const& facts : attributeTable) {
-        names.push_back(facts.m_name);
+// One member of each row.
+template<typename Table, typename Row>
+std::vector<std::string_view> s_column(Table const& table, std::string_view Row::*member) {
+    std::vector<std::string_view> column;
+    for (auto const& row : table) {
+        column.push_back(row.*member);
     }
-    return names;
+    return column;
 }
 
 std::int32_t s_attributeByName(TokenReader& in, Token const& name) {
     if (auto const index = attributeIndex(name.m_text)) {
         return static_cast<std::int32_t>(*index);
     }
-    auto const hint = didYouMean(name.m_text, s_attributeNames());
+    auto const hint = didYouMean(name.m_text, s_column(attributeTable, &AttributeFacts::m_name));
     in.error(name.m_position,
              "unknown attribute \"" + std::string(name.m_text) + '"' +
                  (hint.empty() ? "; \"qvrules attributes\" lists the names" : hint));
@@ -55,26 +55,14 @@ std::int32_t s_operator(TokenReader& in) {
     return test;
 }
 
-std::vector<std::string_view> s_words() {
-    std::vector<std::string_view> words;
-    words.reserve(valueWords.size());
-    for (auto const& word : valueWords) {
-        words.push_back(word.m_word);
-    }
-    return words;
-}
-
-// The code of a word that the attribute, if it is known, may take.
+// The code of a word that the attribute takes; of any word when nothing is known of the attribute.
 std::optional<std::int32_t> s_codeOf(std::string_view text, std::int32_t attribute) {
-    if (attribute >= 0 && attribute < std::int32_t{attributeCount}) {
+    if (isAttribute(attribute)) {
         return wordValue(attributeTable[static_cast<std::size_t>(attribute)], text);
     }
-    for (auto const& word : valueWords) {
-        if (word.m_word == text) {
-            return word.m_code;
-        }
-    }
-    return std::nullopt;
+    auto const* const found = std::find_if(valueWords.begin(), valueWords.end(),
+                                           [&](auto const& word) { return word.m_word == text; });
+    return found == valueWords.end() ? std::nullopt : std::optional(found->m_code);
 }
 
 std::int32_t s_wordValue(TokenReader& in, Token const& word, std::int32_t attribute) {
@@ -82,15 +70,16 @@ std::int32_t s_wordValue(TokenReader& in, Token const& word, std::int32_t attrib
         return *code;
     }
     auto const text = '"' + std::string(word.m_text) + '"';
-    if (attribute < 0 || attribute >= std::int32_t{attributeCount}) {
-        in.error(word.m_position, "unknown value " + text + didYouMean(word.m_text, s_words()));
+    auto const isSlip = !s_codeOf(word.m_text, unknownAttribute);
+    auto const hint =
+        isSlip ? didYouMean(word.m_text, s_column(valueWords, &ValueWord::m_word)) : "";
+    if (!isAttribute(attribute)) {
+        in.error(word.m_position, "unknown value " + text + hint);
         return 0;
     }
     auto const& facts = attributeTable[static_cast<std::size_t>(attribute)];
-    auto const isSlip = !s_codeOf(word.m_text, unknownAttribute);
     in.error(word.m_position, std::string(facts.m_name) + " has no value " + text + "; it takes " +
-                                  valueChoices(facts) +
-                                  (isSlip ? didYouMean(word.m_text, s_words()) : ""));
+                                  valueChoices(facts) + hint);
     return 0;
 }
 
@@ -123,6 +112,12 @@ void rejectWord(TokenReader& in, Token const& word, std::vector<std::string_view
         }
     }
     in.fail(word.m_position, "unexpected \"" + std::string(word.m_text) + "\" in " + where + hint);
+}
+
+void giveOnce(TokenReader& in, GivenWords& given, Token const& word, std::string_view option) {
+    if (!given.insert(option).second) {
+        in.error(word.m_position, '"' + std::string(word.m_text) + "\" is given twice; keep one");
+    }
 }
 
 } // namespace Quorvane::Rules

@@ -7,7 +7,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// A longer line would only bury the message.
+// A longer line would hide the message.
 constexpr std::size_t longestLineShown = 160;
 
 std::string_view s_line(std::string_view source, std::size_t number) {
@@ -21,19 +21,12 @@ std::string_view s_line(std::string_view source, std::size_t number) {
     return source.substr(0, std::min(source.find('\n'), longestLineShown));
 }
 
-bool s_isControl(char c) {
-    return static_cast<unsigned char>(c) < ' ' || c == '\x7f';
-}
-
 std::string s_printable(std::string_view line) {
     std::string text(line);
-    std::replace_if(text.begin(), text.end(), s_isControl, '?');
-    return text;
-}
-
-std::string s_withTabsAsBlanks(std::string_view line) {
-    std::string text(line);
-    std::replace(text.begin(), text.end(), '\t', ' ');
+    for (auto& c : text) {
+        auto const isControl = static_cast<unsigned char>(c) < ' ' || c == '\x7f';
+        c = c == '\t' ? ' ' : isControl ? '?' : c;
+    }
     return text;
 }
 
@@ -46,7 +39,7 @@ std::string showErrors(std::string_view file, std::string_view source,
         auto const [line, column] = error.m_position;
         text += std::string(file) + ':' + std::to_string(line) + ':' + std::to_string(column) +
                 ": error: " + error.m_text + '\n';
-        auto const shown = s_printable(s_withTabsAsBlanks(s_line(source, line)));
+        auto const shown = s_printable(s_line(source, line));
         if (!shown.empty() && column <= longestLineShown) {
             text += "  " + shown + "\n  " + std::string(column - 1, ' ') + "^\n";
         }

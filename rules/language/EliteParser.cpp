@@ -1,55 +1,53 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/language/EliteParser.h"
-
-#include "rules/language/Conditions.h"
+#include "rules/language/Literals.h"
+#include "rules/language/Productions.h"
 
 namespace Quorvane::Rules {
 
 namespace {
 
-std::optional<std::int32_t> s_selectMode(std::string_view word) {
-    if (word == "first") {
-        return SelectMode::first;
-    }
-    if (word == "last") {
-        return SelectMode::last;
-    }
-    if (word == "highest") {
-        return SelectMode::highest;
-    }
-    if (word == "lowest") {
-        return SelectMode::lowest;
-    }
-    return std::nullopt;
-}
+// A rule written by hand has no training counts; it counts as always supported.
+constexpr double decidingSupport = 100.0;
+
+constexpr IntegerOption<EliteFileHeader> headerNumbers[] = {
+    {"count", &EliteFileHeader::nodeCount, "a number of rules is expected"},
+    {"reserved1", &EliteFileHeader::reserved1, "a number is expected"},
+    {"reserved2", &EliteFileHeader::reserved2, "a number is expected"},
+};
+
+constexpr IntegerOption<EliteRecord> ruleNumbers[] = {
+    {"level", &EliteRecord::level, "a level is expected"},
+    {"flag", &EliteRecord::flag, "a flag is expected"},
+    {"reserved", &EliteRecord::reserved, "a number is expected"},
+    {"conditions", &EliteRecord::conditionCount, "a number of conditions is expected"},
+};
 
 std::int32_t s_alsoTree(TokenReader& in) {
     auto const hasNumber = in.onLine() && in.peek().m_kind == Token::Kind::number;
     return hasNumber ? in.integer("a number is expected") : 1;
 }
 
-void s_headerOption(TokenReader& in, EliteHeaderSyntax& header) {
+void s_headerOption(TokenReader& in, EliteHeaderSyntax& syntax) {
     auto const word = in.next();
-    if (auto const mode = s_selectMode(word.m_text)) {
-        setOnce(in, header.m_selectMode, word, *mode);
+    auto& header = syntax.m_header;
+    auto option = word.m_text;
+    auto const* const select = std::find(selectWords.begin(), selectWords.end(), word.m_text);
+    if (select != selectWords.end()) {
+        header.selectMode = static_cast<std::int32_t>(select - selectWords.begin()) + 1;
+        option = "select";
     } else if (word.is("select")) {
-        setOnce(in, header.m_selectMode, word, in.integer("a mode is expected, 1 to 4"));
+        header.selectMode = in.integer("a mode is expected, 1 to 4");
     } else if (word.is("also-tree")) {
-        setOnce(in, header.m_alsoWalkTree, word, s_alsoTree(in));
-    } else if (word.is("count")) {
-        setOnce(in, header.m_count, word, in.integer("a number of rules is expected"));
-    } else if (word.is("reserved1")) {
-        setOnce(in, header.m_reserved1, word, in.integer("a number is expected"));
-    } else if (word.is("reserved2")) {
-        setOnce(in, header.m_reserved2, word, in.integer("a number is expected"));
+        header.alsoWalkTree = s_alsoTree(in);
     } else if (word.is("reserved3")) {
-        setOnce(in, header.m_reserved3, word, in.hex("a text of hexadecimal digits is expected"));
-    } else {
+        header.reserved3 = parseBytes<12>(in, word, syntax.m_position, "the elite line");
+    } else if (!acceptInteger(in, word, header, headerNumbers)) {
         rejectWord(in, word,
                    {"first", "last", "highest", "lowest", "also-tree", "select", "count",
                     "reserved1", "reserved2", "reserved3"},
                    "the elite line");
     }
+    giveOnce(in, syntax.m_given, word, option);
 }
 
 std::int32_t s_code(TokenReader& in) {
@@ -60,44 +58,44 @@ std::int32_t s_code(TokenReader& in) {
     return in.integer("a code is expected, a number or a character as in 'd'");
 }
 
-void s_ruleOption(TokenReader& in, EliteRuleSyntax& rule) {
+void s_ruleOption(TokenReader& in, EliteRuleSyntax& syntax) {
     auto const word = in.next();
+    EliteRecord& rule = syntax.m_rule;
     if (word.is("code")) {
-        setOnce(in, rule.m_code, word, s_code(in));
+        rule.code = s_code(in);
     } else if (word.is("support")) {
-        setOnce(in, rule.m_support, word, in.number("a percentage from 0 to 100 is expected"));
-    } else if (word.is("level")) {
-        setOnce(in, rule.m_level, word, in.integer("a level is expected"));
-    } else if (word.is("flag")) {
-        setOnce(in, rule.m_flag, word, in.integer("a flag is expected"));
-    } else if (word.is("reserved")) {
-        setOnce(in, rule.m_reserved, word, in.integer("a number is expected"));
-    } else if (word.is("conditions")) {
-        setOnce(in, rule.m_conditionCount, word, in.integer("a number of conditions is expected"));
-    } else {
+        rule.support = in.number("a percentage from 0 to 100 is expected");
+    } else if (!acceptInteger(in, word, rule, ruleNumbers)) {
         rejectWord(in, word,
                    {"code", "support", "level", "flag", "when", "always", "reserved", "conditions"},
                    "an elite rule");
     }
+    giveOnce(in, syntax.m_given, word, word.m_text);
 }
 
-void s_conditionList(TokenReader& in, EliteRuleSyntax& rule) {
-    rule.m_conditions.push_back(parseCondition(in));
+void s_condition(TokenReader& in, EliteRuleSyntax& syntax) {
+    auto const condition = parseCondition(in);
+    syntax.m_rule.conditions.push_back(condition.m_test);
+    syntax.m_conditionPlaces.push_back(condition.m_position);
+}
+
+void s_conditionList(TokenReader& in, EliteRuleSyntax& syntax) {
+    s_condition(in, syntax);
     while (in.acceptOnLine("and")) {
         in.joinNextLine();
-        rule.m_conditions.push_back(parseCondition(in));
+        s_condition(in, syntax);
     }
     if (in.onLine()) {
         in.fail("\"and\" or the end of the line is expected");
     }
 }
 
-void s_ruleBody(TokenReader& in, EliteRuleSyntax& rule) {
+void s_ruleBody(TokenReader& in, EliteRuleSyntax& syntax) {
     while (in.onLine() && !in.peek().is("when") && !in.peek().is("always")) {
-        s_ruleOption(in, rule);
+        s_ruleOption(in, syntax);
     }
     if (in.acceptOnLine("when")) {
-        s_conditionList(in, rule);
+        s_conditionList(in, syntax);
     } else {
         in.expect("always", "\"when\" and conditions, or \"always\", is expected");
         if (in.onLine()) {
@@ -116,12 +114,11 @@ std::int32_t s_type(TokenReader& in, Token const& keyword) {
 } // namespace
 
 EliteHeaderSyntax parseEliteHeader(TokenReader& in, Token const& keyword) {
-    EliteHeaderSyntax header;
-    header.m_position = keyword.m_position;
+    EliteHeaderSyntax header{keyword.m_position, {}, {}};
     while (in.onLine()) {
         s_headerOption(in, header);
     }
-    if (!header.m_selectMode) {
+    if (!header.m_given.contains("select")) {
         in.fail("how one of several matching rules is chosen (first, last, highest or lowest) is "
                 "expected");
     }
@@ -129,14 +126,16 @@ EliteHeaderSyntax parseEliteHeader(TokenReader& in, Token const& keyword) {
 }
 
 EliteRuleSyntax parseEliteRule(TokenReader& in, Token const& keyword) {
-    EliteRuleSyntax rule;
-    rule.m_position = keyword.m_position;
-    rule.m_type = s_type(in, keyword);
-    rule.m_weight = in.number(rule.m_type == EliteType::adjusting
-                                  ? "an addend to the confidence is expected, as in 0.1"
-                                  : "a confidence from 0 to 1 is expected, as in 0.97");
-    s_ruleBody(in, rule);
-    return rule;
+    EliteRuleSyntax syntax;
+    syntax.m_position = keyword.m_position;
+    auto& rule = syntax.m_rule;
+    rule.type = s_type(in, keyword);
+    rule.weight = in.number(rule.type == EliteType::adjusting
+                                ? "an addend to the confidence is expected, as in 0.1"
+                                : "a confidence from 0 to 1 is expected, as in 0.97");
+    rule.support = rule.type == EliteType::deciding ? decidingSupport : 0.0;
+    s_ruleBody(in, syntax);
+    return syntax;
 }
 
 } // namespace Quorvane::Rules

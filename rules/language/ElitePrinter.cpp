@@ -9,22 +9,12 @@ namespace Quorvane::Rules {
 namespace {
 
 std::string s_selectText(std::int32_t mode) {
-    switch (mode) {
-    case SelectMode::first:
-        return " first";
-    case SelectMode::last:
-        return " last";
-    case SelectMode::highest:
-        return " highest";
-    case SelectMode::lowest:
-        return " lowest";
-    default:
-        return " select " + std::to_string(mode);
-    }
+    return isSelectMode(mode) ? std::string(selectWords.at(static_cast<std::size_t>(mode) - 1))
+                              : "select " + std::to_string(mode);
 }
 
 std::string s_headerLine(EliteFileHeader const& header, std::size_t ruleCount) {
-    auto text = "elite" + s_selectText(header.selectMode);
+    auto text = "elite " + s_selectText(header.selectMode);
     if (letsTreeBeAsked(header)) {
         text += " also-tree";
     } else {
@@ -33,10 +23,7 @@ std::string s_headerLine(EliteFileHeader const& header, std::size_t ruleCount) {
     printUnless(text, "count", +header.nodeCount, static_cast<std::int32_t>(ruleCount));
     printUnless(text, "reserved1", +header.reserved1, 0);
     printUnless(text, "reserved2", +header.reserved2, 0);
-    if (header.reserved3 != EliteFileHeader{}.reserved3) {
-        auto const bytes = reinterpret_cast<char const*>(header.reserved3.data());
-        text += " reserved3 \"" + hexText({bytes, header.reserved3.size()}) + '"';
-    }
+    printUnlessZero(text, "reserved3", header.reserved3);
     return text + '\n';
 }
 
@@ -63,7 +50,7 @@ std::string s_conditions(EliteNodes const& rule) {
     std::string text;
     for (auto const& condition : rule.conditions) {
         text += text.empty() ? " when " : " and ";
-        text += conditionText(condition.attribute, condition.test, condition.value);
+        text += conditionText(condition);
     }
     return text.empty() ? " always" : text;
 }

@@ -31,7 +31,7 @@ struct Token {
     enum class Kind { word, number, string, character, sign, end };
 
     Kind m_kind;
-    // As it stands in the text; of strings and characters what is between the quotes.
+    // As in the text; of strings and characters what is between the quotes.
     std::string_view m_text;
     Position m_position;
     // Statements end with their line.
@@ -42,7 +42,7 @@ struct Token {
     }
 };
 
-// The tokens of `text`, an `end` token last. What is no token goes to `errors` and is left out.
+// The tokens of `text`, an `end` token last. What is not a token is reported in `errors`.
 std::vector<Token> tokenize(std::string_view text, std::vector<Diagnostic>& errors);
 
 } // namespace Quorvane::Rules

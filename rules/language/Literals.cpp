@@ -11,7 +11,7 @@ namespace Quorvane::Rules {
 namespace {
 
 constexpr std::string_view hexDigits = "0123456789abcdef";
-// The letter after the backslash and the byte it stands for.
+// The letter after the backslash and the byte it means.
 constexpr std::string_view escapeLetters = "nrt\\\"";
 constexpr std::string_view escapedBytes = "\n\r\t\\\"";
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Rules from wherever a user keeps them: a text file or a rule folder. What most commands of
-// qvrules begin with.
+// Rules from a text file or a rule folder. Most commands of qvrules begin with this.
 #pragma once
 
 #include "rules/language/Compiler.h"

@@ -10,7 +10,7 @@ namespace {
 
 using Row = std::vector<std::size_t>;
 
-// Longer words are no slip of the finger, and comparing them would cost time.
+// A longer word is not a typing error, and comparing it would cost time.
 constexpr std::size_t longestWord = 64;
 
 std::size_t s_cell(std::string_view a, std::string_view b, std::size_t i, std::size_t j,

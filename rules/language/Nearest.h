@@ -10,7 +10,7 @@
 namespace Quorvane::Rules {
 
 // The candidate with the fewest single-character edits (insert, delete, replace, swap of two
-// neighbours) from `word`; empty when even that one is no plausible slip of the finger.
+// neighbours) from `word`; empty when even that one is too different for a typing error.
 std::string_view nearestWord(std::string_view word,
                              std::vector<std::string_view> const& candidates);
 

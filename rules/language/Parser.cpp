@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/language/Parser.h"
 
-#include "rules/language/Conditions.h"
-#include "rules/language/EliteParser.h"
-#include "rules/language/TokenReader.h"
-#include "rules/language/TreeParser.h"
+#include "rules/language/Productions.h"
 
 namespace Quorvane::Rules {
 
@@ -50,15 +47,17 @@ class Parser {
     void statement() {
         auto const word = m_in.next();
         if (word.is("version")) {
-            place(m_rules.m_version, word, m_in.integer("the version number is expected"));
+            m_rules.m_version = {word.m_position, m_in.integer("the version number is expected")};
+            giveOnce(m_in, m_given, word, word.m_text);
         } else if (word.is("readme")) {
-            readme(word);
+            append(m_rules.m_readme, word, m_in.string("a text in double quotes is expected"));
         } else if (word.is("tree")) {
-            setOnce(m_in, m_rules.m_tree, word, parseTree(m_in, word));
+            parseTree(m_in, word, m_rules.m_tree);
+            giveOnce(m_in, m_given, word, word.m_text);
         } else if (word.is("node")) {
-            m_rules.m_looseNodes.push_back(parseLooseNode(m_in, word));
+            parseLooseNode(m_in, word, m_rules.m_looseNodes);
         } else if (word.is("tree-tail")) {
-            tail(m_rules.m_treeTail, word);
+            append(m_rules.m_treeTail, word, tail());
         } else {
             eliteStatement(word);
         }
@@ -66,11 +65,12 @@ class Parser {
 
     void eliteStatement(Token const& word) {
         if (word.is("elite")) {
-            setOnce(m_in, m_rules.m_eliteHeader, word, parseEliteHeader(m_in, word));
+            m_rules.m_eliteHeader = parseEliteHeader(m_in, word);
+            giveOnce(m_in, m_given, word, word.m_text);
         } else if (word.is("adjust") || word.is("decide") || word.is("type")) {
             m_rules.m_eliteRules.push_back(parseEliteRule(m_in, word));
         } else if (word.is("elite-tail")) {
-            tail(m_rules.m_eliteTail, word);
+            append(m_rules.m_eliteTail, word, tail());
         } else if (word.is("}")) {
             m_in.fail(word.m_position,
                       "this \"}\" closes nothing; look for a \"}\" too many above");
@@ -80,29 +80,19 @@ class Parser {
         }
     }
 
-    template<typename T>
-    void place(std::optional<Placed<T>>& slot, Token const& word, T value) {
-        setOnce(m_in, slot, word, Placed<T>{word.m_position, std::move(value)});
-    }
+    Bytes tail() { return m_in.hex("a text of hexadecimal digits is expected"); }
 
-    void readme(Token const& word) {
-        auto const piece = m_in.string("a text in double quotes is expected");
-        if (!m_rules.m_readme) {
-            m_rules.m_readme = Placed<Bytes>{word.m_position, {}};
-        }
-        m_rules.m_readme->m_value += piece;
-    }
-
-    void tail(std::optional<Placed<Bytes>>& slot, Token const& word) {
-        auto const piece = m_in.hex("a text of hexadecimal digits is expected");
+    // For what may be written in several lines.
+    static void append(std::optional<Placed<Bytes>>& slot, Token const& word, Bytes const& piece) {
         if (!slot) {
-            slot = Placed<Bytes>{word.m_position, {}};
+            slot = {word.m_position, {}};
         }
         slot->m_value += piece;
     }
 
     TokenReader m_in;
     RulesSyntax m_rules;
+    GivenWords m_given; // statements that may be given once
 };
 
 } // namespace

@@ -3,10 +3,12 @@
 // The halves of the decompiler.
 #pragma once
 
+#include "rules/language/Literals.h"
 #include "rules/model/RuleSet.h"
 
 #include <array>
 #include <bit>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -27,10 +29,19 @@ void printUnless(std::string& text, char const* word, T value, T usual) {
     }
 }
 
+// The same for bytes, which are usually zero.
+template<std::size_t size>
+void printUnlessZero(std::string& text, char const* word,
+                     std::array<std::uint8_t, size> const& bytes) {
+    if (bytes != std::array<std::uint8_t, size>{}) {
+        text += std::string(" ") + word + " \"" + hexText(bytes) + '"';
+    }
+}
+
 std::string eliteText(EliteFile const& elite);
 std::string treeText(RuleSet const& set);
 
-// One line for each 32 bytes, at least one; WORD before each.
+// One line for each 32 bytes, at least one, each with `word` before the bytes.
 std::string hexLines(char const* word, std::string_view bytes);
 
 } // namespace Quorvane::Rules

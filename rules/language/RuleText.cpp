@@ -56,10 +56,11 @@ std::string s_testText(std::int32_t test) {
 
 } // namespace
 
-std::string conditionText(std::int32_t attribute, std::int32_t test, std::int32_t value) {
+std::string conditionText(EliteCondition const& condition) {
     // A negative attribute becomes a huge index, which has no words.
-    auto const index = static_cast<std::size_t>(attribute);
-    return s_attributeText(attribute) + s_testText(test) + valueText(index, value);
+    auto const index = static_cast<std::size_t>(condition.attribute);
+    return s_attributeText(condition.attribute) + s_testText(condition.test) +
+           valueText(index, condition.value);
 }
 
 std::string hexLines(char const* word, std::string_view bytes) {

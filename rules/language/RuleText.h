@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The decompiler: a RuleSet as a text that compiles to the very same bytes, whatever the files
+// The decompiler: a RuleSet as a text that compiles to exactly the same bytes, whatever the files
 // hold.
 //
-// An ordinary set comes out as a person would write it: numbers of nodes are left out where the
-// compiler would give the same, defaults are left out, children are nested. Only what the pretty
-// form cannot say is spelled with the raw words (docs/writing-rules.md, "Odd files").
+// An ordinary set looks as a person would write it: numbers of nodes are left out where the
+// compiler would give the same, defaults are left out, children are nested. Only what the ordinary
+// form cannot say is written with the raw words (docs/writing-rules.md, "Odd files").
 #pragma once
 
 #include "rules/model/RuleSet.h"
@@ -18,6 +18,6 @@ std::string ruleText(RuleSet const& set);
 
 // "first_helo_dynamic == yes": a test as the language writes it. Tests other than 0 and 1 come out
 // in their raw form.
-std::string conditionText(std::int32_t attribute, std::int32_t test, std::int32_t value);
+std::string conditionText(EliteCondition const& condition);
 
 } // namespace Quorvane::Rules

@@ -10,7 +10,7 @@
 
 namespace Quorvane::Rules::SentenceWords {
 
-// What attributes of one kind say, $A and $B standing for what they are about.
+// The sentences of one kind of attribute; $A and $B are replaced by what the attribute is about.
 struct Words {
     std::int32_t m_value;
     std::string_view m_is;
@@ -22,7 +22,7 @@ struct Words {
 inline constexpr Words heloIsDomain[] = {
     {Code::yes, "the name $A announced{$BHelo} looks like a full host name or an address",
      "$A announced no name that looks like a full host name or an address"},
-    {Code::no, "the name $A announced{$BHelo} is no full host name",
+    {Code::no, "the name $A announced{$BHelo} is not a full host name",
      "$A announced a full host name, an address, or nothing"},
     {Code::unknown, "$A announced no name", "$A announced a name{$BHelo}"},
 };
@@ -31,7 +31,7 @@ inline constexpr Words heloResolves[] = {
     {Code::yes, "the name $A announced{$BHelo} exists in DNS",
      "the name $A announced{$BHelo} is not known to exist in DNS"},
     {Code::no, "the name $A announced{$BHelo} was not found in DNS",
-     "the name $A announced{$BHelo} exists in DNS, or is none that can be looked up"},
+     "the name $A announced{$BHelo} exists in DNS, or cannot be looked up"},
     {Code::literal, "$A announced an address{$BHelo} instead of a name",
      "$A did not announce an address"},
     {Code::notApplicable, "$A announced no full host name that can be looked up in DNS",
@@ -42,7 +42,7 @@ inline constexpr Words heloDynamic[] = {
     {Code::yes, "the host name $A announced{$BHelo} looks dynamically assigned",
      "$A announced no host name that looks dynamically assigned"},
     {Code::no, "the host name $A announced{$BHelo} does not look dynamically assigned",
-     "the name $A announced{$BHelo} looks dynamically assigned, or is no full host name"},
+     "the name $A announced{$BHelo} looks dynamically assigned, or is not a full host name"},
     {Code::literal, "$A announced an address{$BHelo} instead of a host name",
      "$A did not announce an address"},
     {Code::notApplicable, "$A announced no full host name",
@@ -78,7 +78,8 @@ inline constexpr Words relationToAny[] = {
 inline constexpr Words relationToBoth[] = {
     {Code::yes, "$A is related to both $B", "$A is not known to be related to both $B"},
     {Code::no, "$A is not related to both $B", "$A may be related to both $B"},
-    {Code::notApplicable, "$A cannot be compared with both $B: one of them is missing or no name",
+    {Code::notApplicable,
+     "$A cannot be compared with both $B: one of them is missing or is not a name",
      "$A can be compared with both $B"},
 };
 
@@ -99,7 +100,7 @@ inline constexpr Words forged[] = {
      "own{$BAddress}",
      "nothing says that the reverse name of $A{$BReverse} is forged"},
     {Code::no, "nothing says that the reverse name of $A{$BReverse} is forged",
-     "the reverse name of $A{$BReverse} is taken for forged"},
+     "the reverse name of $A{$BReverse} is treated as forged"},
 };
 inline constexpr Words otherForged = {
     0, "the host says {value} when asked whether the reverse name of $A{$BReverse} is forged",

@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a value of an attribute, or a test on one, says in plain words: one table of sentences, of
-// which the explanations in the terminal, in JSON and on the page draw.
+// The values of attributes, and tests on them, in plain words: one table of sentences, which the
+// explanations in the terminal, in JSON and on the page use.
 //
-// A sentence has neither capital letter nor full stop. After the words that stand for something of
-// the message it holds the name of it in braces: "the host name the first relay
-// announced{firstHelo} looks dynamically assigned". Filling a sentence replaces {NAME}, in one pass
-// from left to right:
+// A sentence has neither capital letter nor full stop. Words about something in the message are
+// followed by its name in braces: "the host name the first relay announced{firstHelo} looks
+// dynamically assigned". Filling a sentence replaces {NAME}, in one pass from left to right:
 //
-//   a name that is known      ", TEXT", and another comma when a blank follows in the sentence:
-//                             "... announced, pc-7.dyn.example, looks dynamically assigned"
-//   a name that is not known  nothing: "... announced looks dynamically assigned"
-//   {value}                   the value itself, as a number; valueSentence and testSentence have
-//                             put it in already
+//   a known name     ", TEXT", and another comma when a blank follows in the sentence:
+//                    "... announced, pc-7.dyn.example, looks dynamically assigned"
+//   an unknown name  nothing: "... announced looks dynamically assigned"
+//   {value}          the value itself, as a number; valueSentence and testSentence replace it
 //
-// What is filled in comes from a message and is hostile: whoever shows a filled sentence makes it
-// safe for the place (toPrintable, HTML escapes). The sentences themselves are plain ASCII.
+// The texts come from a message and may be hostile: code that shows a filled sentence must escape
+// it for its display (toPrintable, HTML escapes). The sentences themselves are plain ASCII.
 //
 // Pure functions over a constant table; safe to call from many threads.
 #pragma once
@@ -55,13 +53,13 @@ struct Sentence {
     std::string m_isNot; // the attribute has another value
 };
 
-// In the order of the attributes; of each the row without value comes last.
+// In the order of the attributes; the last row of each is the one without value.
 std::vector<Sentence> const& sentenceTable();
 
-// "`attribute` is `value`", not filled. Of what is no attribute it shows the number.
+// "`attribute` is `value`", not filled. An unknown attribute is shown as its number.
 std::string valueSentence(std::int32_t attribute, std::int32_t value);
 
-// The same of a test as it stands in a rule: 0 asks for `value`, anything else for another one.
+// The same for a test of a rule: 0 asks for `value`, anything else for another one.
 std::string testSentence(std::int32_t attribute, std::int32_t test, std::int32_t value);
 
 std::string fillSentence(std::string_view sentence, SentenceNames const& names);

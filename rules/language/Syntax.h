@@ -1,72 +1,60 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A rule text as it was written: what the parser makes and the compiler turns into a RuleSet. What
-// was not written stays empty; the compiler knows the defaults.
+// A rule text as it was written: what the parser passes to the builders. Records hold the values
+// that the text gives; the words beside them list its options, and the builders add what was left
+// out.
 #pragma once
 
 #include "rules/language/Diagnostic.h"
 #include "rules/model/RuleSet.h"
 
-#include <array>
 #include <cstdint>
+#include <deque>
 #include <optional>
+#include <set>
+#include <string_view>
 #include <vector>
 
 namespace Quorvane::Rules {
 
-struct ConditionSyntax {
-    Position m_position;
-    EliteCondition m_test{};
-};
+// The options that a statement gives, as words of the text.
+using GivenWords = std::set<std::string_view>;
 
 struct EliteHeaderSyntax {
     Position m_position;
-    std::optional<std::int32_t> m_selectMode;
-    std::optional<std::int32_t> m_alsoWalkTree;
-    std::optional<std::int32_t> m_count;
-    std::optional<std::int32_t> m_reserved1;
-    std::optional<std::int32_t> m_reserved2;
-    std::optional<Bytes> m_reserved3;
+    EliteFileHeader m_header{};
+    GivenWords m_given;
 };
 
 struct EliteRuleSyntax {
     Position m_position;
-    std::int32_t m_type = 0;
-    double m_weight = 0;
-    std::optional<std::int32_t> m_code;
-    std::optional<double> m_support;
-    std::optional<std::int32_t> m_level;
-    std::optional<std::int32_t> m_flag;
-    std::optional<std::int32_t> m_reserved;
-    std::optional<std::int32_t> m_conditionCount;
-    std::vector<ConditionSyntax> m_conditions;
+    EliteNodes m_rule{};
+    std::vector<Position> m_conditionPlaces; // in the order of m_rule.conditions
+    GivenWords m_given;
 };
 
-struct ChildSyntax;
-
-struct NodeSyntax {
-    Position m_position;
-    bool m_isRoot = false;
-    std::optional<std::int32_t> m_number;
-    std::optional<ConditionSyntax> m_condition;
-    std::optional<double> m_confidence;
-    std::optional<double> m_support;
-    std::optional<std::array<std::int32_t, 3>> m_counts;
-    std::optional<std::int32_t> m_leaf;
-    std::optional<Bytes> m_reserved1;
-    std::optional<std::int32_t> m_reserved2;
-    std::optional<std::int32_t> m_childCount;
-    std::optional<std::array<std::int32_t, maxChildren>> m_slots;
-    bool m_hasBlock = false;
-    std::vector<ChildSyntax> m_children;
-};
+struct NodeSyntax;
 
 // A node written in place, or a reference to one by number.
 struct ChildSyntax {
     Position m_position;
-    std::optional<std::int32_t> m_reference;
-    NodeSyntax m_node;
+    std::int32_t m_reference = 0;
+    NodeSyntax const* m_node = nullptr; // empty: a reference
 };
+
+struct NodeSyntax {
+    Position m_position;
+    Position m_conditionPosition;
+    bool m_isRoot = false;
+    std::optional<std::int32_t> m_number;
+    DTNode m_record{};
+    GivenWords m_given;
+    bool m_hasBlock = false;
+    std::vector<ChildSyntax> m_children;
+};
+
+// A node and those nested in it, in reading order. A deque, so that nodes keep their places.
+using NodeList = std::deque<NodeSyntax>;
 
 template<typename T>
 struct Placed {
@@ -80,8 +68,8 @@ struct RulesSyntax {
     std::optional<EliteHeaderSyntax> m_eliteHeader;
     std::vector<EliteRuleSyntax> m_eliteRules;
     std::optional<Placed<Bytes>> m_eliteTail;
-    std::optional<NodeSyntax> m_tree;
-    std::vector<NodeSyntax> m_looseNodes;
+    NodeList m_tree; // the root first; empty without a tree
+    NodeList m_looseNodes;
     std::optional<Placed<Bytes>> m_treeTail;
 };
 

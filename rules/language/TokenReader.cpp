@@ -40,7 +40,7 @@ std::int32_t TokenReader::integer(std::string const& what) {
         return *value;
     }
     error(token.m_position,
-          what + ", a whole number of 32 bits; \"" + std::string(token.m_text) + "\" is none");
+          what + ", a whole number of 32 bits; \"" + std::string(token.m_text) + "\" is not one");
     return 0;
 }
 
@@ -55,7 +55,7 @@ double TokenReader::number(std::string const& what) {
     if (auto const value = parseNumber(token.m_text)) {
         return *value;
     }
-    error(token.m_position, what + "; \"" + std::string(token.m_text) + "\" is none");
+    error(token.m_position, what + "; \"" + std::string(token.m_text) + "\" is not one");
     return 0;
 }
 
@@ -65,7 +65,7 @@ double TokenReader::bits() {
     auto const token = expectKind(Token::Kind::number, what);
     auto const value = parseBits(token.m_text);
     if (!value) {
-        error(token.m_position, what + "; \"" + std::string(token.m_text) + "\" is none");
+        error(token.m_position, what + "; \"" + std::string(token.m_text) + "\" is not one");
     }
     expect(")", "\")\" is expected");
     return value.value_or(0);

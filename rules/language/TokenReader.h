@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The parser's cursor over the tokens of a rule text, and the terminals of the grammar. What is
-// missing or wrong is recorded once, with its place; a statement that cannot go on throws
-// StatementFailed, which the loop over statements catches, so that one run reports many errors.
+// The parser's cursor over the tokens of a rule text, and the terminals of the grammar. Each error
+// is recorded once, with its place. A statement that cannot continue throws StatementFailed; the
+// loop over statements catches it, so one run reports many errors.
 #pragma once
 
 #include "rules/language/Lexer.h"
@@ -29,10 +29,10 @@ class TokenReader {
 
     Token const& peek() const { return m_tokens[m_at]; }
     bool atEnd() const { return peek().m_kind == Token::Kind::end; }
-    // Whether the current statement goes on: the next token stands on its line.
+    // Whether the current statement continues: the next token is on its line.
     bool onLine() const { return !atEnd() && !peek().m_startsLine; }
     Token next();
-    // Lets the statement go on with the next line.
+    // Continues the statement with the next line.
     void joinNextLine() { m_tokens[m_at].m_startsLine = false; }
     // Takes the next token if it is `text`.
     bool accept(std::string_view text);
@@ -47,17 +47,17 @@ class TokenReader {
     Bytes string(std::string const& what);
     Bytes hex(std::string const& what);
 
-    // Skips what is left of a failed statement: up to the next line, or to a "{" or "}".
+    // Skips the rest of a failed statement, up to the next line, or to a "{" or "}".
     void skipStatement();
 
     void error(Position position, std::string const& text);
-    // Records that something else was expected here, and gives the statement up.
+    // Records that something else was expected here, and ends the statement.
     [[noreturn]] void fail(std::string const& what);
     [[noreturn]] void fail(Position position, std::string const& text);
 
   private:
     double bits();
-    // Where the missing thing should stand: after the last token when the line has ended.
+    // Where something is missing: after the last token when the line has ended.
     Position here() const;
     std::string found() const;
 

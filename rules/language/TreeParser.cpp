@@ -1,158 +1,168 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/language/TreeParser.h"
-
-#include "rules/language/Conditions.h"
+#include "rules/language/Productions.h"
 
 namespace Quorvane::Rules {
 
 namespace {
 
+// The root decides nothing by itself, so a text need not give its confidence.
+constexpr double rootConfidence = 0.5;
+constexpr double rootSupport = 100.0;
 // A path longer than the table of nodes cannot be; the bound also keeps the recursion small.
 constexpr int maxNesting = treeTableSize;
 
-void s_block(TokenReader& in, NodeSyntax& node, int depth);
+constexpr IntegerOption<DTNode> nodeNumbers[] = {
+    {"reserved2", &DTNode::reserved2, "a number is expected"},
+    {"child-count", &DTNode::childCount, "a number of children is expected"},
+};
 
-std::array<std::int32_t, 3> s_counts(TokenReader& in) {
-    std::array<std::int32_t, 3> counts{};
-    counts[0] = in.integer("the number of training messages is expected");
-    counts[1] = in.integer("the number of spam messages is expected");
-    counts[2] = in.integer("the number of ham messages is expected");
-    return counts;
-}
-
-std::array<std::int32_t, maxChildren> s_slots(TokenReader& in) {
-    std::array<std::int32_t, maxChildren> slots{};
-    for (auto& slot : slots) {
-        slot = in.integer("a node number for each of the ten slots is expected");
+std::uint8_t s_leaf(TokenReader& in, Position place) {
+    auto const leaf = in.integer("a leaf mark from 0 to 255 is expected");
+    if (leaf < 0 || leaf > 255) {
+        in.error(place, "a leaf mark is a number from 0 to 255");
     }
-    return slots;
+    return static_cast<std::uint8_t>(leaf);
 }
 
-void s_rawFact(TokenReader& in, NodeSyntax& node, Token const& word) {
-    if (word.is("leaf")) {
-        setOnce(in, node.m_leaf, word, in.integer("a leaf mark from 0 to 255 is expected"));
-    } else if (word.is("reserved1")) {
-        setOnce(in, node.m_reserved1, word, in.hex("a text of hexadecimal digits is expected"));
-    } else if (word.is("reserved2")) {
-        setOnce(in, node.m_reserved2, word, in.integer("a number is expected"));
-    } else if (word.is("child-count")) {
-        setOnce(in, node.m_childCount, word, in.integer("a number of children is expected"));
+void s_fact(TokenReader& in, NodeSyntax& node) {
+    auto const word = in.next();
+    auto& record = node.m_record;
+    if (word.is("confidence")) {
+        record.confidence = in.number("a confidence from 0 to 1 is expected");
+    } else if (word.is("support")) {
+        record.support = in.number("a percentage from 0 to 100 is expected");
+    } else if (word.is("counts")) {
+        record.value1 = in.integer("the number of training messages is expected");
+        record.value2 = in.integer("the number of spam messages is expected");
+        record.value3 = in.integer("the number of ham messages is expected");
+    } else if (word.is("leaf")) {
+        record.isLeaf = s_leaf(in, node.m_position);
     } else if (word.is("slots")) {
-        setOnce(in, node.m_slots, word, s_slots(in));
-    } else {
+        for (std::size_t slot = 0; slot < record.children.size(); ++slot) {
+            record.children[slot] =
+                in.integer("a node number for each of the ten slots is expected");
+        }
+    } else if (word.is("reserved1")) {
+        record.reserved1 = parseBytes<3>(in, word, node.m_position, "a node");
+    } else if (!acceptInteger(in, word, record, nodeNumbers)) {
         rejectWord(in, word,
                    {"confidence", "support", "counts", "leaf", "child-count", "slots", "reserved1",
                     "reserved2"},
                    "a tree node");
     }
+    giveOnce(in, node.m_given, word, word.m_text);
 }
 
-void s_fact(TokenReader& in, NodeSyntax& node) {
-    auto const word = in.next();
-    if (word.is("confidence")) {
-        setOnce(in, node.m_confidence, word, in.number("a confidence from 0 to 1 is expected"));
-    } else if (word.is("support")) {
-        setOnce(in, node.m_support, word, in.number("a percentage from 0 to 100 is expected"));
-    } else if (word.is("counts")) {
-        setOnce(in, node.m_counts, word, s_counts(in));
-    } else {
-        s_rawFact(in, node, word);
+class TreeParser {
+  public:
+    TreeParser(TokenReader& in, NodeList& nodes) : m_in(in), m_nodes(nodes) {}
+
+    NodeSyntax& addNode(Position position) {
+        auto& node = m_nodes.emplace_back();
+        node.m_position = position;
+        node.m_record.value1 = 1;
+        return node;
     }
-}
 
-// node-facts [ block ]
-void s_factsAndBlock(TokenReader& in, NodeSyntax& node, int depth) {
-    while (in.onLine() && !in.peek().is("{") && !in.peek().is("}")) {
-        s_fact(in, node);
+    // condition ":" node-facts [ block ]
+    void nodeBody(NodeSyntax& node, int depth) {
+        auto const condition = parseCondition(m_in);
+        node.m_conditionPosition = condition.m_position;
+        node.m_record.attribute = condition.m_test.attribute;
+        node.m_record.test = condition.m_test.test;
+        node.m_record.testValue = condition.m_test.value;
+        m_in.expect(":", "\":\" after the condition is expected");
+        factsAndBlock(node, depth);
     }
-    if (in.onLine() && in.peek().is("{")) {
-        s_block(in, node, depth);
-    }
-}
 
-// condition ":" node-facts [ block ]
-void s_nodeBody(TokenReader& in, NodeSyntax& node, int depth) {
-    node.m_condition = parseCondition(in);
-    in.expect(":", "\":\" after the condition is expected");
-    s_factsAndBlock(in, node, depth);
-}
-
-// A child may begin a line or follow "{" or another child on the line.
-ChildSyntax s_child(TokenReader& in, int depth) {
-    ChildSyntax child;
-    in.joinNextLine();
-    child.m_position = in.peek().m_position;
-    child.m_node.m_position = child.m_position;
-    if (in.accept("->")) {
-        child.m_reference = in.integer("the number of a node is expected");
-    } else {
-        if (in.accept("node")) {
-            child.m_node.m_number = in.integer("the number of the node is expected");
+    // node-facts [ block ]
+    void factsAndBlock(NodeSyntax& node, int depth) {
+        while (m_in.onLine() && !m_in.peek().is("{") && !m_in.peek().is("}")) {
+            s_fact(m_in, node);
         }
-        s_nodeBody(in, child.m_node, depth);
+        blockIfAny(node, depth);
     }
-    return child;
-}
 
-void s_strayBlock(TokenReader& in, int depth) {
-    if (in.onLine() && in.peek().is("{")) {
-        NodeSyntax forgotten;
-        s_block(in, forgotten, depth);
+    void blockIfAny(NodeSyntax& node, int depth) {
+        if (m_in.onLine() && m_in.peek().is("{")) {
+            block(node, depth);
+        }
     }
-}
 
-void s_childOrSkip(TokenReader& in, NodeSyntax& node, int depth) {
-    try {
-        node.m_children.push_back(s_child(in, depth));
-    } catch (StatementFailed const&) {
-        in.skipStatement();
-        s_strayBlock(in, depth);
-    }
-}
-
-// "{" { child } "}"
-void s_block(TokenReader& in, NodeSyntax& node, int depth) {
-    auto const open = in.next();
-    if (depth >= maxNesting) {
-        in.error(open.m_position,
-                 "nested deeper than a tree of " + std::to_string(maxTreeNodes) + " nodes can be");
-        throw TextFailed();
-    }
-    node.m_hasBlock = true;
-    while (!in.accept("}")) {
-        if (in.atEnd()) {
-            in.error(open.m_position, "this \"{\" has no \"}\"");
+  private:
+    // "{" { child } "}"
+    void block(NodeSyntax& node, int depth) {
+        auto const open = m_in.next();
+        if (depth >= maxNesting) {
+            m_in.error(open.m_position, "nested deeper than a tree of " +
+                                            std::to_string(maxTreeNodes) + " nodes can be");
             throw TextFailed();
         }
-        s_childOrSkip(in, node, depth + 1);
+        node.m_hasBlock = true;
+        while (!m_in.accept("}")) {
+            if (m_in.atEnd()) {
+                m_in.error(open.m_position, "this \"{\" has no \"}\"");
+                throw TextFailed();
+            }
+            childOrSkip(node, depth + 1);
+        }
     }
-}
+
+    void childOrSkip(NodeSyntax& node, int depth) {
+        try {
+            node.m_children.push_back(child(depth));
+        } catch (StatementFailed const&) {
+            m_in.skipStatement();
+            NodeSyntax forgotten;
+            blockIfAny(forgotten, depth);
+        }
+    }
+
+    // A child may begin a line or follow "{" or another child on the line.
+    ChildSyntax child(int depth) {
+        m_in.joinNextLine();
+        auto const position = m_in.peek().m_position;
+        if (m_in.accept("->")) {
+            return {position, m_in.integer("the number of a node is expected"), nullptr};
+        }
+        auto& node = addNode(position);
+        if (m_in.accept("node")) {
+            node.m_number = m_in.integer("the number of the node is expected");
+        }
+        nodeBody(node, depth);
+        return {position, 0, &node};
+    }
+
+    TokenReader& m_in;
+    NodeList& m_nodes;
+};
 
 } // namespace
 
-NodeSyntax parseTree(TokenReader& in, Token const& keyword) {
-    NodeSyntax root;
-    root.m_position = keyword.m_position;
+void parseTree(TokenReader& in, Token const& keyword, NodeList& nodes) {
+    TreeParser parser(in, nodes);
+    auto& root = parser.addNode(keyword.m_position);
     root.m_isRoot = true;
     root.m_number = treeRoot;
+    root.m_record.confidence = rootConfidence;
+    root.m_record.support = rootSupport;
     if (in.acceptOnLine("when")) {
-        s_nodeBody(in, root, 0);
+        parser.nodeBody(root, 0);
     } else {
-        s_factsAndBlock(in, root, 0);
+        parser.factsAndBlock(root, 0);
     }
-    return root;
 }
 
-NodeSyntax parseLooseNode(TokenReader& in, Token const& keyword) {
-    NodeSyntax node;
-    node.m_position = keyword.m_position;
+void parseLooseNode(TokenReader& in, Token const& keyword, NodeList& nodes) {
+    TreeParser parser(in, nodes);
+    auto& node = parser.addNode(keyword.m_position);
     node.m_number = in.integer("the number of the node is expected");
-    s_nodeBody(in, node, 0);
-    return node;
+    parser.nodeBody(node, 0);
 }
 
 void parseStrayBlock(TokenReader& in) {
-    s_strayBlock(in, 0);
+    NodeList forgotten(1);
+    TreeParser(in, forgotten).blockIfAny(forgotten.front(), 0);
 }
 
 } // namespace Quorvane::Rules

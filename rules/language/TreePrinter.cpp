@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/language/Literals.h"
+#include "rules/format/RuleTests.h"
 #include "rules/language/Printers.h"
 #include "rules/language/RuleText.h"
 
@@ -16,7 +16,7 @@ constexpr int indentWidth = 4;
 // stack.
 constexpr int maxDepth = maxTreeNodes;
 
-// Whether the children can be said with a block: their number is possible, and the slots after
+// Whether a block can say the children: their number is possible, and the slots after
 // them are empty.
 bool s_hasOrdinaryChildren(DTNode const& node) {
     if (node.childCount < 0 || node.childCount > maxChildren) {
@@ -26,8 +26,9 @@ bool s_hasOrdinaryChildren(DTNode const& node) {
                        [](std::int32_t slot) { return slot == 0; });
 }
 
-// Which nodes are written where. A node stands nested at the first place that names it, in reading
-// order from the root; what no place names, and records 0 and 1 if they hold anything, stand loose.
+// Which nodes are written where. A node is nested at the first place that names it, in reading
+// order from the root. Nodes that no place names are written apart, and so are records 0 and 1 if
+// they hold anything.
 class Layout {
   public:
     explicit Layout(std::vector<DTNode> const& nodes) : m_nodes(nodes), m_isPlaced(nodes.size()) {
@@ -71,10 +72,9 @@ class Layout {
     }
 
     bool isWorthWriting(std::int32_t number) const {
-        auto const zero = emptyNode();
         auto const& node = m_nodes[static_cast<std::size_t>(number)];
         auto const isLast = std::cmp_equal(number + 1, m_nodes.size());
-        return number > treeRoot || isLast || !sameBits(node, zero);
+        return number > treeRoot || isLast || !sameBits(node, DTNode{});
     }
 
     void placeLoose() {
@@ -120,8 +120,7 @@ class TreePrinter {
         auto const& record = at(treeRoot);
         m_text += "tree";
         if (record.attribute != 0 || record.test != Comparison::equals || record.testValue != 0) {
-            m_text +=
-                " when " + conditionText(record.attribute, record.test, record.testValue) + ':';
+            m_text += " when " + conditionText(testOf(record)) + ':';
         }
         if (!sameBits(record.confidence, 0.5)) {
             m_text += " confidence " + numberText(record.confidence);
@@ -134,8 +133,7 @@ class TreePrinter {
 
     void node(std::int32_t number, std::string const& prefix, int depth) {
         auto const& record = at(number);
-        m_text += indent(depth) + prefix +
-                  conditionText(record.attribute, record.test, record.testValue) + ": confidence " +
+        m_text += indent(depth) + prefix + conditionText(testOf(record)) + ": confidence " +
                   numberText(record.confidence) + " support " + numberText(record.support);
         restOf(number, depth);
     }
@@ -146,7 +144,8 @@ class TreePrinter {
         auto const hasBlock = s_hasOrdinaryChildren(record) && record.childCount > 0;
         counts(record);
         printUnless(m_text, "leaf", int{record.isLeaf}, hasBlock ? 0 : 1);
-        reserved(record);
+        printUnlessZero(m_text, "reserved1", record.reserved1);
+        printUnless(m_text, "reserved2", +record.reserved2, 0);
         if (hasBlock) {
             block(number, depth);
         } else {
@@ -162,17 +161,9 @@ class TreePrinter {
         }
     }
 
-    void reserved(DTNode const& record) {
-        if (record.reserved1 != emptyNode().reserved1) {
-            auto const bytes = reinterpret_cast<char const*>(record.reserved1.data());
-            m_text += " reserved1 \"" + hexText({bytes, record.reserved1.size()}) + '"';
-        }
-        printUnless(m_text, "reserved2", +record.reserved2, 0);
-    }
-
     void rawChildren(DTNode const& record) {
         printUnless(m_text, "child-count", +record.childCount, 0);
-        if (record.children == emptyNode().children) {
+        if (record.children == DTNode{}.children) {
             return;
         }
         m_text += " slots";

@@ -21,7 +21,7 @@ struct Candidate {
     Split m_split;
 };
 
-// In the heap the greatest gain comes first, of equal ones the node that was made first.
+// In the heap the greatest gain comes first, and of equal ones the node that was made first.
 bool s_comesLater(Candidate const& a, Candidate const& b) {
     if (a.m_split.m_gain != b.m_split.m_gain) {
         return a.m_split.m_gain < b.m_split.m_gain;
@@ -55,8 +55,8 @@ class Grower {
     }
 
   private:
-    // Where a node stands in the written tree: a node that is the last child of a chain can be
-    // taken into the chain when it tests the same attribute.
+    // The place of a node in the written tree: a node that is the last child of a chain can join
+    // the chain when it tests the same attribute.
     struct Written {
         std::size_t m_chainHead = GrownTree::none; // set for the last child of a chain
         int m_children = 0;                        // of a chain's head
@@ -79,7 +79,7 @@ class Grower {
 
     void splitIfAffordable(Candidate const& candidate) {
         bool const joins = joinsChain(candidate.m_node, candidate.m_split.m_attribute);
-        // Joining, the node gives up its own record for those of its two children.
+        // A node that joins has no record of its own, only those of its two children.
         int const cost = joins ? 1 : 2;
         if (m_size + cost > m_settings.m_maxNodes) {
             return;

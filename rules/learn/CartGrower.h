@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Grows a decision tree on counted vectors: at each step the node whose best split takes away most
-// impurity is split, until no split is worth it or the node budget is spent.
+// Grows a decision tree on counted vectors: at each step the node whose best split removes most
+// impurity is split, until no split is worth it or the node limit is reached.
 //
-// Pure and single-threaded: the same vectors in any order give the same tree. Time grows with
-// distinct vectors times attributes times depth, whatever the counts.
+// Pure and single-threaded: the same vectors in any order give the same tree. The time is
+// proportional to distinct vectors times attributes times depth, whatever the counts.
 #pragma once
 
 #include "rules/learn/GrownTree.h"

@@ -6,13 +6,14 @@
 #include "rules/vectors/LearnError.h"
 
 #include <cmath>
+#include <numeric>
 
 namespace Quorvane::Rules {
 
 namespace {
 
-// The folds' own steps differ from the whole tree's: the middle (geometric) of two steps stands for
-// the interval in which the whole tree does not change.
+// The steps of the folds differ from those of the whole tree: the geometric mean of two steps
+// represents the interval in which the whole tree does not change.
 double s_representative(std::vector<double> const& alphas, std::size_t step) {
     return step + 1 < alphas.size() ? std::sqrt(alphas[step] * alphas[step + 1]) : alphas[step];
 }
@@ -43,10 +44,7 @@ std::vector<double> s_foldRisks(VectorTable const& table, LearnSettings const& s
 }
 
 double s_mean(std::vector<double> const& values) {
-    double sum = 0.0;
-    for (auto const value : values) {
-        sum += value;
-    }
+    auto const sum = std::accumulate(values.begin(), values.end(), 0.0);
     return values.empty() ? 0.0 : sum / static_cast<double>(values.size());
 }
 
@@ -96,7 +94,7 @@ double brierScore(GrownTree const& tree, std::vector<CountedVector> const& messa
 std::size_t choosePruning(std::vector<PruningStep> const& steps, PruningRule rule) {
     std::size_t best = 0;
     for (std::size_t step = 1; step < steps.size(); ++step) {
-        // Of equal risks the smaller tree.
+        // Of equal risks the smaller tree is taken.
         if (steps[step].risk() <= steps[best].risk()) {
             best = step;
         }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Chooses how far to prune by cross-validation over whole corpora: a tree is learned without one
-// corpus and measured on it, for each corpus in turn. Messages of one site resemble each other so
-// much that random folds would praise trees that know nothing but that site.
+// Chooses how far to prune by cross-validation over whole corpora: for each corpus a tree is
+// learned without it and measured on it. Messages of one site resemble each other so much that
+// random folds would favour trees that fit only that site.
 //
-// Pure but for the progress function.
+// Pure, except for the progress function.
 #pragma once
 
 #include "rules/learn/LearnSettings.h"
@@ -20,19 +20,19 @@ namespace Quorvane::Rules {
 
 enum class PruningRule {
     minimum,    // the alpha of least risk
-    oneStandard // the greatest alpha that is worse than the best by no more than one standard
-                // error of the difference; differences, because sites differ far more among
-                // themselves than trees do, and the error of the risk itself would cut to the root
+    oneStandard // the greatest alpha that is worse than the best by at most one standard error of
+                // the difference; the error of the risk itself would cut to the root, since sites
+                // differ from each other far more than trees do
 };
 
-// One candidate: an alpha, the size of the whole tree there, and what the folds say.
+// One candidate: an alpha, the size of the whole tree with it, and its risk in the folds.
 struct PruningStep {
     double m_alpha = 0.0;
     std::size_t m_leaves = 0;
     // Mean squared error of the confidence (Brier score) on each corpus when it was left out.
     std::vector<double> m_foldRisks;
 
-    // The mean over the corpora, each weighing the same.
+    // The mean over the corpora, each with the same weight.
     double risk() const;
 };
 
@@ -41,7 +41,7 @@ struct PruningChoice {
     std::size_t m_chosen = 0;
 };
 
-// Told before each fold: its number from 0, the number of folds, the corpus left out.
+// Called before each fold: its number from 0, the number of folds, the corpus left out.
 using FoldProgress = std::function<void(std::size_t, std::size_t, std::string_view)>;
 
 // The corpora that have anything to learn from, by index: each is a fold.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// GrownTree: a learned tree as the learner sees it, binary and without limits on its shape.
+// GrownTree: a learned tree inside the learner, binary and without limits on its shape.
 // TreeRecords.h turns it into the records of qv.dt.
 //
-// A plain value. Node 0 is the root; parents stand before their children.
+// A plain value. Node 0 is the root; parents come before their children.
 #pragma once
 
 #include "rules/vectors/VectorTable.h"
@@ -25,7 +25,7 @@ struct GrownTree {
         std::int32_t m_value = 0;
         std::size_t m_equal = none; // child for messages whose attribute equals the value
         std::size_t m_other = none; // child for all others
-        // Set when every training message at this node has the same value of the attribute that its
+        // Whether all training messages at this node have the same value of the attribute that its
         // parent tests.
         bool m_hasOneValue = false;
         std::int32_t m_onlyValue = 0;
@@ -40,8 +40,8 @@ struct GrownTree {
     std::size_t leafOf(AttributeVector const& vector) const;
 
     // Children of the node in the written tree, in the order in which they are tried. A chain of
-    // tests of one attribute ("is it 0? if not, is it 1? if not ...") is one node with a child a
-    // value there, up to maxChildren.
+    // tests of one attribute ("is it 0? if not, is it 1? if not ...") becomes one node with a child
+    // for each value, up to maxChildren.
     std::vector<std::size_t> writtenChildren(std::size_t node) const;
     // Nodes of the written tree, the root included.
     std::size_t writtenSize() const;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How mixed a set of messages is, as the learner measures it. Pure functions of exact counts, so
-// that two ways to the same counts give the same double.
+// How mixed a set of messages is. Pure functions of exact counts: equal counts give equal results.
 #pragma once
 
 #include "rules/learn/LearnSettings.h"

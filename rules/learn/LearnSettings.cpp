@@ -21,7 +21,7 @@ void selectAttribute(AttributeSelection& selection, std::string_view name, bool 
     auto const index = attributeIndex(name);
     if (!index) {
         throw LearnError("there is no attribute called '" + std::string(name) +
-                         "'; the names stand in the table of attributes");
+                         "'; \"qvrules attributes\" lists the names");
     }
     selection.at(*index) = use;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a person can choose about a learned tree. Plain values; the defaults are the ones that the
-// shipped rules are learned with.
+// The settings of the learner. Plain values; the default rules were learned with the defaults.
 #pragma once
 
 #include "rules/format/AttributeTable.h"
@@ -24,8 +23,8 @@ using AttributeSelection = std::array<bool, attributeCount>;
 // envelope_domain_resolves): a verdict must not change because a name server was slow.
 AttributeSelection defaultAttributes();
 
-// Takes the attribute called `name` out of (or, with `use`, into) the selection. A LearnError when
-// there is none of that name.
+// Adds the attribute called `name` to the selection, or removes it without `use`. A LearnError when
+// there is no such attribute.
 void selectAttribute(AttributeSelection& selection, std::string_view name, bool use);
 
 struct LearnSettings {
@@ -39,7 +38,7 @@ struct LearnSettings {
     AttributeSelection m_attributes = defaultAttributes();
 };
 
-// A LearnError that names the first value out of its range.
+// A LearnError for the first value that is out of range.
 void checkSettings(LearnSettings const& settings);
 
 } // namespace Quorvane::Rules

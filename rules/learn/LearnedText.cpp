@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/learn/LearnedText.h"
+#include "rules/learn/Learner.h"
 
 #include <algorithm>
 #include <iomanip>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The learner as a whole: a table in, a pruned tree and the account of how it came about out.
+// The learner as a whole: it makes a pruned tree of a table, and reports how the tree was made.
 #pragma once
 
 #include "rules/learn/CorpusFolds.h"
@@ -9,6 +9,7 @@
 #include "rules/vectors/VectorTable.h"
 
 #include <optional>
+#include <string>
 #include <variant>
 
 namespace Quorvane::Rules {
@@ -25,9 +26,14 @@ struct LearnedTree {
     std::optional<PruningChoice> m_choice;
 };
 
-// With one corpus there is nothing to leave out: the tree is then kept whole. A LearnError when the
+// With one corpus there is nothing to leave out, and the tree is not pruned. A LearnError when the
 // table is empty or a setting is out of range.
 LearnedTree learnTree(VectorTable const& table, LearnSettings const& settings,
                       PruningPlan const& plan, FoldProgress const& progress = {});
+
+// The comment above a learned tree, lines that begin with "#": from which mail it was learned, with
+// which settings, and how it was pruned. No date and no path: the same mail gives the same text.
+std::string learnedComment(VectorTable const& table, LearnSettings const& settings,
+                           LearnedTree const& learned);
 
 } // namespace Quorvane::Rules

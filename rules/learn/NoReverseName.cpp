@@ -4,20 +4,11 @@
 #include "rules/learn/ReceivedShapes.h"
 
 #include <cstddef>
+#include <re2/re2.h>
 
 namespace Quorvane::Rules {
 
 namespace {
-
-constexpr std::string_view receivedName = "received";
-
-char s_lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool s_isBlank(char c) {
-    return c == ' ' || c == '\t';
-}
 
 // The end of the header field that begins at `begin`: after the line end of its last line.
 std::size_t s_fieldEnd(std::string_view text, std::size_t begin) {
@@ -28,34 +19,23 @@ std::size_t s_fieldEnd(std::string_view text, std::size_t begin) {
             return text.size();
         }
         end = newline + 1;
-    } while (end < text.size() && s_isBlank(text[end]));
+    } while (end < text.size() && (text[end] == ' ' || text[end] == '\t'));
     return end;
 }
 
 // Where the value of a Received field begins; npos when it is another field.
 std::size_t s_receivedValue(std::string_view field) {
-    if (field.size() <= receivedName.size()) {
-        return std::string_view::npos;
-    }
-    for (std::size_t i = 0; i < receivedName.size(); ++i) {
-        if (s_lower(field[i]) != receivedName[i]) {
-            return std::string_view::npos;
-        }
-    }
-    auto at = field.find_first_not_of(" \t", receivedName.size());
-    if (at == std::string_view::npos || field[at] != ':') {
-        return std::string_view::npos;
-    }
-    at = field.find_first_not_of(" \t", at + 1);
-    return at == std::string_view::npos ? field.size() : at;
+    static RE2 const name(R"((?i)received[ \t]*:[ \t]*)", RE2::Latin1);
+    re2::StringPiece value(field.data(), field.size());
+    return RE2::Consume(&value, name) ? field.size() - value.size() : std::string_view::npos;
 }
 
 bool s_isEmptyLine(std::string_view text, std::size_t at) {
     return text.substr(at, 1) == "\n" || text.substr(at, 2) == "\r\n";
 }
 
-// Whether a Received value in no known shape names a client all the same; one that does not is a
-// step inside a server.
+// Whether a Received value of unknown shape names a client. If not, it records a step inside a
+// server.
 bool s_namesClient(std::string_view value) {
     return value.substr(0, value.find(" by ")).find('[') != std::string_view::npos;
 }
@@ -67,14 +47,6 @@ std::string s_exchangeForm(ReceivedClient const& client, std::string_view value)
 }
 
 } // namespace
-
-std::optional<std::string> withoutReverseName(std::string_view receivedValue) {
-    auto const client = receivedClient(receivedValue);
-    if (!client) {
-        return std::nullopt;
-    }
-    return s_exchangeForm(*client, receivedValue);
-}
 
 std::optional<std::string> withoutReverseNames(std::string_view headerSection,
                                                IsOwnRelay const& isOwnRelay) {

@@ -16,99 +16,52 @@ struct Branch {
     std::size_t m_leaves = 0;
 };
 
-class LinkFinder {
-  public:
-    LinkFinder(GrownTree const& tree, ImpurityKind kind)
-        : m_tree(tree), m_kind(kind), m_links(tree.m_nodes.size(), 0.0),
-          m_isCut(tree.m_nodes.size(), false), m_branches(tree.m_nodes.size()) {}
-
-    std::vector<double> find() {
-        double alpha = 0.0;
-        while (!isLeaf(0)) {
-            sumBranches();
-            // Rounding must not let the sequence step back.
-            alpha = std::max(alpha, weakest());
-            cut(alpha);
+// What a leaf of the branch below each node earns on average; infinite for leaves. Parents stand
+// before their children, so one pass from the end sums every branch.
+std::vector<double> s_worths(GrownTree const& tree, ImpurityKind kind,
+                             std::vector<bool> const& isLeaf) {
+    auto const& nodes = tree.m_nodes;
+    auto const messages = static_cast<double>(nodes[0].m_counts.total());
+    std::vector<double> worths(nodes.size(), std::numeric_limits<double>::infinity());
+    std::vector<Branch> branches(nodes.size());
+    for (auto node = nodes.size(); node-- > 0;) {
+        auto const own = summedImpurity(kind, nodes[node].m_counts);
+        auto& branch = branches[node];
+        if (isLeaf[node]) {
+            branch = {own, 1};
+            continue;
         }
-        return std::move(m_links);
+        auto const& equal = branches[nodes[node].m_equal];
+        auto const& other = branches[nodes[node].m_other];
+        branch = {equal.m_impurity + other.m_impurity, equal.m_leaves + other.m_leaves};
+        worths[node] =
+            (own - branch.m_impurity) / messages / static_cast<double>(branch.m_leaves - 1);
     }
-
-  private:
-    bool isLeaf(std::size_t node) const { return m_isCut[node] || m_tree.m_nodes[node].isLeaf(); }
-
-    double ownImpurity(std::size_t node) const {
-        return summedImpurity(m_kind, m_tree.m_nodes[node].m_counts);
-    }
-
-    // Children stand after their parents: one pass from the end sums every branch.
-    void sumBranches() {
-        for (auto node = m_tree.m_nodes.size(); node-- > 0;) {
-            if (isLeaf(node)) {
-                m_branches[node] = {ownImpurity(node), 1};
-                continue;
-            }
-            auto const& equal = m_branches[m_tree.m_nodes[node].m_equal];
-            auto const& other = m_branches[m_tree.m_nodes[node].m_other];
-            m_branches[node] = {equal.m_impurity + other.m_impurity,
-                                equal.m_leaves + other.m_leaves};
-        }
-    }
-
-    // What a leaf of the branch earns on average.
-    double worth(std::size_t node) const {
-        auto const& branch = m_branches[node];
-        auto const messages = static_cast<double>(m_tree.m_nodes[0].m_counts.total());
-        return (ownImpurity(node) - branch.m_impurity) / messages /
-               static_cast<double>(branch.m_leaves - 1);
-    }
-
-    // The least worth among the branches that still hang on the tree.
-    double weakest() const {
-        double least = std::numeric_limits<double>::infinity();
-        forEachBranch(0, [&](std::size_t node) { least = std::min(least, worth(node)); });
-        return least;
-    }
-
-    void cut(double alpha) {
-        std::vector<std::size_t> weak;
-        forEachBranch(0, [&](std::size_t node) {
-            if (worth(node) <= alpha) {
-                weak.push_back(node);
-            }
-        });
-        for (auto const node : weak) {
-            forEachBranch(node, [&](std::size_t below) { m_links[below] = alpha; });
-            m_isCut[node] = true;
-        }
-    }
-
-    // Calls `visit` for every inner node from `top` downwards. A branch cut meanwhile is left out.
-    template<typename Visit>
-    void forEachBranch(std::size_t top, Visit visit) const {
-        std::vector<std::size_t> open{top};
-        while (!open.empty()) {
-            auto const node = open.back();
-            open.pop_back();
-            if (isLeaf(node)) {
-                continue;
-            }
-            visit(node);
-            open.push_back(m_tree.m_nodes[node].m_other);
-            open.push_back(m_tree.m_nodes[node].m_equal);
-        }
-    }
-
-    GrownTree const& m_tree;
-    ImpurityKind m_kind;
-    std::vector<double> m_links;
-    std::vector<bool> m_isCut;
-    std::vector<Branch> m_branches;
-};
+    return worths;
+}
 
 } // namespace
 
 std::vector<double> weakestLinks(GrownTree const& tree, ImpurityKind kind) {
-    return LinkFinder(tree, kind).find();
+    auto const& nodes = tree.m_nodes;
+    std::vector<double> links(nodes.size(), 0.0);
+    std::vector<bool> isLeaf(nodes.size());
+    std::transform(nodes.begin(), nodes.end(), isLeaf.begin(),
+                   [](GrownTree::Node const& node) { return node.isLeaf(); });
+    double alpha = 0.0;
+    while (!isLeaf[0]) {
+        auto const worths = s_worths(tree, kind, isLeaf);
+        // Rounding must not let the sequence step back.
+        alpha = std::max(alpha, *std::min_element(worths.begin(), worths.end()));
+        for (std::size_t node = 0; node < nodes.size(); ++node) {
+            bool const isBelowCut = node != 0 && isLeaf[nodes[node].m_parent];
+            if (!isLeaf[node] && (isBelowCut || worths[node] <= alpha)) {
+                isLeaf[node] = true;
+                links[node] = alpha;
+            }
+        }
+    }
+    return links;
 }
 
 GrownTree prunedTree(GrownTree const& tree, std::vector<double> const& links, double alpha) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Cost-complexity pruning by the weakest link (Breiman, Friedman, Olshen, Stone 1984): what each
-// leaf must earn, alpha, grows, and a branch that earns less is cut off.
+// Cost-complexity pruning by the weakest link (Breiman, Friedman, Olshen, Stone 1984): alpha is
+// what each leaf must earn. It grows step by step, and branches that earn less are cut off.
 //
-// Pure. Alpha is impurity taken away for each leaf more, averaged over the training messages, so
-// that the same alpha means the same on folds of different size.
+// Pure functions. A leaf earns the impurity that it removes, averaged over the training messages,
+// so the same alpha means the same on folds of different sizes.
 #pragma once
 
 #include "rules/learn/GrownTree.h"
@@ -14,15 +14,14 @@
 
 namespace Quorvane::Rules {
 
-// For each node the alpha from which on it is a leaf; 0 for leaves. Never smaller than that of any
-// node below it.
+// For each node the alpha from which on it is a leaf; 0 for leaves. It is never smaller than that
+// of a node below.
 std::vector<double> weakestLinks(GrownTree const& tree, ImpurityKind kind);
 
-// The tree without the branches whose alpha is at most `alpha`, nodes renumbered in order.
+// The tree without the branches whose alpha is at most `alpha`; nodes are renumbered in order.
 GrownTree prunedTree(GrownTree const& tree, std::vector<double> const& links, double alpha);
 
-// The alphas at which the tree changes, ascending, without those of leaves. 0 stands first: the
-// tree unpruned.
+// The alphas at which the tree changes, ascending. The first is 0, for the unpruned tree.
 std::vector<double> pruningSteps(std::vector<double> const& links);
 
 } // namespace Quorvane::Rules

@@ -10,7 +10,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// A gain below this share of the node's impurity is rounding, not knowledge.
+// A gain below this share of the node's impurity is a rounding error.
 constexpr double noise = 1e-10;
 
 using ValueCounts = std::map<std::int32_t, LabelCounts>;
@@ -59,7 +59,7 @@ std::optional<Split> bestSplit(std::vector<CountedVector> const& table, RowIndic
             if (smaller == 0 || supportPercent(smaller, allMessages) < settings.m_minSupport) {
                 continue;
             }
-            // The sum of both sides first: a split and its mirror image then gain the same.
+            // Both sides are added first, so that a split and its mirror image gain the same.
             double const left = summedImpurity(settings.m_impurity, equal) +
                                 summedImpurity(settings.m_impurity, other);
             Split const split{attribute, value, equal, impurity - left};

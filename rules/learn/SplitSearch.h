@@ -21,7 +21,7 @@ struct Split {
     std::size_t m_attribute = 0;
     std::int32_t m_value = 0;
     LabelCounts m_equal; // the messages whose attribute equals the value
-    double m_gain = 0.0; // impurity that the split takes away, summed over the messages
+    double m_gain = 0.0; // impurity that the split removes, summed over the messages
 };
 
 // The rows of a table that reach a node, by index.

@@ -2,13 +2,13 @@
 //
 // Writes a learned tree as the node records of qv.dt.
 //
-// Chains of tests of one attribute become one node with a child a value. All children of a node
-// test the same attribute; the last one is tried when no other fits:
-// - When all training messages that reached it have one and the same value, it tests for that
-//   value. A message with a value that the training mail never had there is then admitted by no
-//   child, and the walk ends without a verdict: what nobody has seen is not judged.
-// - Otherwise it tests "differs from" its neighbour's value and takes all other values, those never
-//   seen there too: with them it follows the rarer values that it was learned from.
+// Chains of tests of one attribute become one node with a child for each value. All children of a
+// node test the same attribute; the last one is tried when no other fits:
+// - When all training messages that reached it have the same value, it tests for that value. No
+//   child admits a message with a value that the training mail never had there, and the walk ends
+//   without a verdict: what was never seen is not judged.
+// - Otherwise it tests "differs from" its neighbour's value and admits all other values, also those
+//   never seen there, which are treated like the rarer values that it was learned from.
 //
 // Counts are 32 bits wide in the file. When there are more training messages, the counts of the
 // whole tree are divided by the same power of two (rounded down, value1 at least 1); confidence and

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The two binary rule files to and from memory. Reading cuts a file into records exactly where the
-// loader does and keeps every byte, so writing what was read gives the same bytes back. Nothing is
-// rejected here: that a set can be loaded is for rules/check to say.
+// loader does and keeps every byte, so writing what was read gives the same bytes. Nothing is
+// rejected here: rules/check reports whether a set can be loaded.
 #pragma once
 
 #include "rules/model/RuleSet.h"

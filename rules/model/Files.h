@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Whole files, read with a limit and replaced in one step. Errors are RuleErrors that name the
-// path.
+// Whole files, read with a limit and replaced in one step. Errors are RuleErrors with the path.
 #pragma once
 
 #include "rules/model/RuleSet.h"
@@ -13,7 +12,7 @@
 
 namespace Quorvane::Rules {
 
-// Far above any rule set (5,001 elite rules of 100 conditions are 6.2 MB); what is larger is no
+// Far above any rule set (5,001 elite rules of 100 conditions are 6.2 MB). A larger file is not a
 // rule file, and reading it would only fill the memory.
 inline constexpr std::size_t maxRuleFileSize = 64U << 20U;
 
@@ -39,15 +38,14 @@ class StagedFile {
     std::string m_temporary;
 };
 
-// Puts `content` at `path` in one step: a reader finds the old file or the whole new one, also
-// after a power cut. The new file is written beside the old one, synced and renamed over it, mode
-// 644.
+// Puts `content` at `path` in one step, mode 644: a reader finds the old file or the whole new one,
+// also after a power cut.
 void replaceFile(std::filesystem::path const& path, std::string_view content);
 // Removes a file, if there is one.
 void removeFile(std::filesystem::path const& path);
 // Makes renames and removals in `folder` survive a power cut.
 void syncFolder(std::filesystem::path const& folder);
-// Makes `folder` with all its parents.
+// Creates `folder` with all its parents.
 void makeFolder(std::filesystem::path const& folder);
 
 } // namespace Quorvane::Rules

@@ -9,7 +9,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// Shorter lines are never looked at by hosts.
+// Hosts skip shorter lines.
 constexpr std::size_t shortestLine = 5;
 
 std::optional<std::int32_t> s_versionInLine(std::string const& line) {
@@ -29,7 +29,7 @@ std::optional<std::int32_t> s_versionInLine(std::string const& line) {
 std::string readmeText(std::int32_t version) {
     return "Rules of Quorvane Deep Header.\n"
            "\n"
-           "qv.dt holds the decision tree, qv2.dt the elite rules. A host takes them up when the\n"
+           "qv.dt holds the decision tree, qv2.dt the elite rules. A host loads them when the\n"
            "version below is greater than the one it runs with.\n"
            "\n" +
            std::string(versionKey) + std::to_string(version) +

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RuleError: why a rule tool could not do its work, thrown by value from everything under rules/.
+// RuleError: why a rule tool could not do its work. Everything under rules/ throws it.
 //
-// what() is one line or several, ready to be shown: it names the file and says what to do.
+// what() is one or more lines to be shown: the file, the problem and what to do.
 #pragma once
 
 #include <stdexcept>
@@ -15,7 +15,7 @@ class RuleError : public std::runtime_error {
     enum class Kind {
         badData,     // an input that can be read but makes no sense
         noInput,     // an input that cannot be opened
-        cannotWrite, // an output that cannot be made
+        cannotWrite, // an output that cannot be written
         badRules,    // a rule set that hosts could not load
     };
 

@@ -9,7 +9,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// A file in its place would be told as a fault of the tree in it.
+// Otherwise a file in its place would be reported as a missing tree.
 void s_checkIsNoFile(std::filesystem::path const& folder) {
     std::error_code error;
     if (std::filesystem::exists(folder, error) && !std::filesystem::is_directory(folder, error)) {

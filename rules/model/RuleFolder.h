@@ -13,9 +13,9 @@ namespace Quorvane::Rules {
 // the folder; a missing qv2.dt or README is kept as missing.
 RuleSet readFolder(std::filesystem::path const& folder);
 
-// Makes `folder` if need be and puts the files there, each in one step, README last. Files of the
-// three names that the set does not have are removed: a stale elite file would be loaded with the
-// new tree. For a folder that running hosts read use rules/install.
+// Creates `folder` if needed and puts the files there, each in one step, README last. Files that
+// the set does not have are removed: an old elite file would be loaded with the new tree. For a
+// folder that running hosts read, use rules/install.
 void writeFolder(std::filesystem::path const& folder, RuleSet const& set);
 
 } // namespace Quorvane::Rules

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RuleSet: the three rule files in memory, without the loss of one byte. Every rule tool works on
-// this value: the compiler makes it, the checker and the learner read or make it, and reading and
-// writing a folder (RuleFolder.h) are exact inverses of one another.
+// RuleSet: the three rule files in memory, byte for byte. Every rule tool works on this value: the
+// compiler and the learner make it, the checker reads it, and reading and writing a folder
+// (RuleFolder.h) are exact inverses.
 //
-// A plain value: copy and move freely. What an engine would refuse can be held too, so that it can
-// be shown and mended; rules/check says what is wrong with it.
+// A plain value. It can also hold what an engine would refuse, so that this can be shown and
+// repaired; rules/check reports what is wrong.
 #pragma once
 
 #include "rules/format/RuleFiles.h"
+#include "rules/model/Readme.h"
 
 #include <cstdint>
 #include <optional>
@@ -24,11 +25,11 @@ using Bytes = std::string;
 struct EliteFile {
     // Empty when the file is shorter than a header; all of its bytes are then in m_tail.
     std::optional<EliteFileHeader> m_header;
-    // Every rule that the loader reads in full, those that it then drops too. `conditionCount` is
-    // kept as it stands in the file: it is negative, or the number of conditions.
+    // Every rule that the loader reads in full, also those that it then drops. `conditionCount` is
+    // kept as it is in the file: negative, or the number of conditions.
     std::vector<EliteNodes> m_rules;
-    // What stands after the last rule read: a cut record, a record that ends the load, or bytes
-    // that no loader looks at.
+    // The bytes after the last rule read: a cut record, a record that ends the load, or bytes that
+    // no loader reads.
     Bytes m_tail;
 };
 
@@ -43,14 +44,11 @@ struct RuleSet {
     std::optional<EliteFile> m_elite;
 
     // The version that a host reads from the README; empty when it finds none.
-    std::optional<std::int32_t> version() const;
+    std::optional<std::int32_t> version() const {
+        return m_readme ? readmeVersion(*m_readme) : std::nullopt;
+    }
     // Gives the set a README of the usual text with this version.
-    void setVersion(std::int32_t version);
+    void setVersion(std::int32_t version) { m_readme = readmeText(version); }
 };
-
-// A node as the loader sees one that is not in the file: all bytes zero.
-DTNode emptyNode();
-// A header that says "first matching rule decides, the tree is not consulted", without rules.
-EliteFileHeader plainEliteHeader();
 
 } // namespace Quorvane::Rules

@@ -10,7 +10,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-// Spreadsheets begin a file in UTF-8 with it.
+// Spreadsheet programs write it at the start of a UTF-8 file.
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 } // namespace
@@ -48,7 +48,7 @@ bool CsvRecords::readLine() {
         }
         m_text.push_back(static_cast<char>(c));
         if (++m_recordBytes > maxCsvRecord) {
-            fail("a record longer than 1 MiB: this is no table of vectors");
+            fail("a record longer than 1 MiB: this is not a table of vectors");
         }
     }
     return !m_text.empty();
@@ -72,7 +72,7 @@ void CsvRecords::split(std::vector<std::string>& fields) {
     fields.resize(count);
 }
 
-// Leaves the position on the comma behind the field or on the end of the line.
+// Leaves the position at the comma after the field or at the end of the line.
 void CsvRecords::readQuoted(std::string& field) {
     ++m_position;
     while (true) {
@@ -90,7 +90,7 @@ void CsvRecords::readQuoted(std::string& field) {
             return;
         }
         if (m_text[m_position] != '"') {
-            fail("text behind a closing quote; double the quotes inside a field");
+            fail("text after a closing quote; double the quotes inside a field");
         }
         field.push_back('"');
         ++m_position;

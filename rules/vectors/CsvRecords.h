@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// CsvRecords: reads CSV (RFC 4180) record by record from a stream, in memory for one record only.
+// CsvRecords: reads CSV (RFC 4180) from a stream, and holds one record at a time in memory.
 //
 // Line ends are LF or CR LF. A quoted field may hold commas, quotes (doubled) and line breaks. The
-// stream is the caller's and outlives the reader. A LearnError with name, line and column for a
-// quote that is never closed or stands inside a field, and for a record beyond maxCsvRecord.
+// stream belongs to the caller and must outlive the reader. A quote that is never closed or stands
+// inside a field, or a record beyond maxCsvRecord, is a LearnError with name, line and column.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@
 
 namespace Quorvane::Rules {
 
-// Bytes of one record; a file that passes it is no CSV of vectors.
+// The most bytes of one record; a longer one is not a table of vectors.
 inline constexpr std::size_t maxCsvRecord = std::size_t{1} << 20;
 
 class CsvRecords {
@@ -24,7 +24,7 @@ class CsvRecords {
     // Reads the next record into `fields`; false at the end of the input. Empty lines are skipped.
     bool next(std::vector<std::string>& fields);
 
-    // The line that the last record began in, counted from 1.
+    // The line in which the last record began, counted from 1.
     std::size_t line() const { return m_recordLine; }
     std::string const& name() const { return m_name; }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the learner throws when its input or its settings cannot be used. The text is one line for
-// the person at the terminal: where (file, line, column), what is wrong, what to do.
+// Thrown when the input or the settings of the learner cannot be used. The text is one line for the
+// person at the terminal: where (file, line, column), what is wrong, what to do.
 #pragma once
 
 #include "rules/model/RuleError.h"

@@ -5,6 +5,7 @@
 #include "rules/vectors/LearnError.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 namespace Quorvane::Rules {
@@ -15,12 +16,22 @@ using Fields = std::vector<std::string>;
 
 constexpr std::uint64_t rowsBetweenReports = 4096;
 
-// What a column means.
-struct Column {
-    enum class Kind { source, attribute, label, count, corpus };
-    Kind m_kind = Kind::source;
-    std::size_t m_attribute = 0;
-};
+// What a column holds: an attribute, by its number, or one of these.
+namespace Column {
+enum Index : std::size_t { source = attributeCount, label, count, corpus, end };
+} // namespace Column
+
+// In the order of their numbers.
+constexpr std::array<std::string_view, Column::end - attributeCount> otherColumns{
+    "source", "label", "count", "corpus"};
+
+// The column with this name; Column::end when there is none.
+std::size_t s_columnOf(std::string_view name) {
+    auto const* const other = std::find(otherColumns.begin(), otherColumns.end(), name);
+    auto const otherColumn =
+        attributeCount + static_cast<std::size_t>(other - otherColumns.begin());
+    return attributeIndex(name).value_or(otherColumn);
+}
 
 // One row, before it is counted.
 struct Row {
@@ -63,57 +74,32 @@ class VectorReader {
   private:
     void readHeader(Fields const& fields) {
         for (auto const& field : fields) {
-            auto const column = columnOf(field);
-            auto const isSame = [&](Column const& other) {
-                return other.m_kind == column.m_kind && other.m_attribute == column.m_attribute;
-            };
-            if (std::any_of(m_columns.begin(), m_columns.end(), isSame)) {
+            auto const column = s_columnOf(field);
+            if (column == Column::end) {
+                fail(m_columns.size(),
+                     "unknown column '" + field +
+                         "'; known are source, the attributes, label, count, corpus");
+            }
+            if (has(column)) {
                 fail(m_columns.size(), "a second column '" + field + "'");
             }
             m_columns.push_back(column);
         }
-        if (m_columns.front().m_kind != Column::Kind::source) {
+        if (m_columns.front() != Column::source) {
             fail(0, "the first column must be 'source'");
         }
-        checkComplete();
-    }
-
-    Column columnOf(std::string const& name) const {
-        if (auto const index = attributeIndex(name)) {
-            return {Column::Kind::attribute, *index};
-        }
-        if (name == "source") {
-            return {Column::Kind::source, 0};
-        }
-        if (name == "label") {
-            return {Column::Kind::label, 0};
-        }
-        if (name == "count") {
-            return {Column::Kind::count, 0};
-        }
-        if (name == "corpus") {
-            return {Column::Kind::corpus, 0};
-        }
-        fail(m_columns.size(), "unknown column '" + name +
-                                   "'; known are source, the attributes, label, count, corpus");
-    }
-
-    void checkComplete() const {
         for (auto const& facts : attributeTable) {
-            auto const isIt = [&](Column const& column) {
-                return column.m_kind == Column::Kind::attribute &&
-                       column.m_attribute == facts.m_index;
-            };
-            if (std::none_of(m_columns.begin(), m_columns.end(), isIt)) {
+            if (!has(facts.m_index)) {
                 fail(0, "the column '" + std::string(facts.m_name) + "' is missing");
             }
         }
-        auto const isLabel = [](Column const& column) {
-            return column.m_kind == Column::Kind::label;
-        };
-        if (!m_defaults.m_label && std::none_of(m_columns.begin(), m_columns.end(), isLabel)) {
+        if (!m_defaults.m_label && !has(Column::label)) {
             fail(0, "no column 'label' says which rows are spam and which are ham");
         }
+    }
+
+    bool has(std::size_t column) const {
+        return std::find(m_columns.begin(), m_columns.end(), column) != m_columns.end();
     }
 
     Row readRow(Fields const& fields) const {
@@ -131,27 +117,25 @@ class VectorReader {
     }
 
     void readField(Row& row, std::size_t index, std::string const& field) const {
-        auto const& column = m_columns[index];
-        switch (column.m_kind) {
-        case Column::Kind::source:
+        switch (m_columns[index]) {
+        case Column::source:
             row.m_source = field;
             return;
-        case Column::Kind::attribute:
+        case Column::label:
+            row.m_label = readLabel(index, field);
+            return;
+        case Column::count:
+            readNumber(index, field, row.m_count);
+            return;
+        case Column::corpus:
+            row.m_corpus = field;
+            return;
+        default:
             if (field.empty()) {
                 ++row.m_emptyAttributes;
             } else {
-                readNumber(index, field, row.m_vector.at(column.m_attribute));
+                readNumber(index, field, row.m_vector.at(m_columns[index]));
             }
-            return;
-        case Column::Kind::label:
-            row.m_label = readLabel(index, field);
-            return;
-        case Column::Kind::count:
-            readNumber(index, field, row.m_count);
-            return;
-        case Column::Kind::corpus:
-            row.m_corpus = field;
-            return;
         }
     }
 
@@ -181,7 +165,7 @@ class VectorReader {
 
     CsvRecords& m_records;
     VectorCsvDefaults const& m_defaults;
-    std::vector<Column> m_columns;
+    std::vector<std::size_t> m_columns;
 };
 
 void s_add(Row const& row, VectorTableBuilder& table, VectorCsvCounts& counts) {
@@ -192,6 +176,23 @@ void s_add(Row const& row, VectorTableBuilder& table, VectorCsvCounts& counts) {
         return;
     }
     table.add(row.m_vector, *row.m_label, row.m_corpus, row.m_count);
+}
+
+void s_writeRow(std::ostream& output, std::string const& values, char const* label,
+                std::uint64_t count, std::string const& corpus) {
+    if (count != 0) {
+        output << values << ',' << label << ',' << count << ',' << corpus << '\n';
+    }
+}
+
+// The rows of one vector: the spam and the ham of each corpus.
+void s_writeRows(std::ostream& output, std::string const& values,
+                 std::vector<LabelCounts> const& counts, VectorTable const& table) {
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        auto const corpus = csvField(table.corpora()[i]);
+        s_writeRow(output, values, "spam", counts[i].m_spam, corpus);
+        s_writeRow(output, values, "ham", counts[i].m_ham, corpus);
+    }
 }
 
 } // namespace
@@ -213,11 +214,50 @@ VectorCsvCounts readVectorCsv(std::istream& input, std::string const& name,
 void readVectorRows(std::istream& input, std::string const& name,
                     std::function<void(VectorCsvRow const&)> const& sink) {
     CsvRecords records(input, name);
-    // A label that nobody looks at, so that none has to be given.
+    // The label is not used; with a default none has to be given.
     VectorReader(records, {MailLabel::ham, {}}).read([&](Row const& row) {
         sink({row.m_source,
               row.m_emptyAttributes == 0 ? std::optional(row.m_vector) : std::nullopt});
     });
+}
+
+std::string csvField(std::string const& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) {
+        return text;
+    }
+    std::string quoted = "\"";
+    for (char const c : text) {
+        quoted.append(c == '"' ? 2 : 1, c);
+    }
+    return quoted + '"';
+}
+
+std::string csvValues(AttributeVector const& vector) {
+    std::string text;
+    for (auto const value : vector) {
+        text += ',' + std::to_string(value);
+    }
+    return text;
+}
+
+std::string csvHeader() {
+    std::string line = "source";
+    for (auto const& facts : attributeTable) {
+        line += ',' + std::string(facts.m_name);
+    }
+    return line;
+}
+
+void writeVectorCsv(std::ostream& output, VectorTable const& table) {
+    output << csvHeader() << ",label,count,corpus\n";
+    std::vector<LabelCounts> unjudged;
+    for (std::size_t i = 0; i < table.corpora().size(); ++i) {
+        unjudged.push_back(table.unjudgedOf(i));
+    }
+    s_writeRows(output, std::string(attributeCount, ','), unjudged, table);
+    for (auto const& row : table.rows()) {
+        s_writeRows(output, csvValues(row.m_vector), row.m_byCorpus, table);
+    }
 }
 
 } // namespace Quorvane::Rules

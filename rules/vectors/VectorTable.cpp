@@ -3,23 +3,7 @@
 
 #include "rules/vectors/LearnError.h"
 
-#include <algorithm>
-
 namespace Quorvane::Rules {
-
-LabelCounts& LabelCounts::operator+=(LabelCounts const& other) {
-    m_spam += other.m_spam;
-    m_ham += other.m_ham;
-    return *this;
-}
-
-LabelCounts operator+(LabelCounts left, LabelCounts const& right) {
-    return left += right;
-}
-
-LabelCounts operator-(LabelCounts const& left, LabelCounts const& right) {
-    return {left.m_spam - right.m_spam, left.m_ham - right.m_ham};
-}
 
 namespace {
 
@@ -75,33 +59,14 @@ std::vector<CountedVector> VectorTable::only(std::size_t corpus) const {
     return s_select(m_rows, [corpus](Row const& row) { return row.m_byCorpus.at(corpus); });
 }
 
-std::size_t VectorTableBuilder::VectorHash::operator()(AttributeVector const& vector) const {
-    std::uint64_t hash = 0xcbf29ce484222325U;
-    for (auto const value : vector) {
-        hash = (hash ^ static_cast<std::uint32_t>(value)) * 0x100000001b3U;
-        hash ^= hash >> 29U;
-    }
-    return hash;
-}
-
-std::size_t VectorTableBuilder::corpusIndex(std::string_view name) {
-    auto const found = m_corpora.find(name);
-    if (found != m_corpora.end()) {
-        return found->second;
-    }
-    auto const index = m_corpora.size();
-    m_corpora.emplace(name, index);
-    return index;
-}
-
 void VectorTableBuilder::addTo(ByArrival& counts, MailLabel label, std::string_view corpus,
                                std::uint64_t count) {
     if (count > maxTrainingMessages - m_messages) {
-        throw LearnError("more than 2^53 training messages together: sums would not be exact; "
+        throw LearnError("more than 2^53 training messages in total: sums would not be exact; "
                          "divide the counts");
     }
     m_messages += count;
-    auto const index = corpusIndex(corpus);
+    auto const index = m_corpora.emplace(corpus, m_corpora.size()).first->second;
     if (counts.size() <= index) {
         counts.resize(index + 1);
     }
@@ -143,8 +108,6 @@ VectorTable VectorTableBuilder::finish() const {
         table.m_rows.push_back({vector, inOrder(counts)});
     }
     table.m_unjudged = inOrder(m_unjudged);
-    std::sort(table.m_rows.begin(), table.m_rows.end(),
-              [](auto const& a, auto const& b) { return a.m_vector < b.m_vector; });
     return table;
 }
 

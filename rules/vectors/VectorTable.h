@@ -4,20 +4,18 @@
 // for each corpus. Learning reads nothing else, so its cost follows the number of distinct vectors
 // (a few thousand), not the number of messages (any number).
 //
-// Values without pointers to the outside; a table is never changed once finished. Rows and corpora
-// stand in sorted order, so the same mail read in any order, in any number of shards, makes the
-// same table. A LearnError when the counts leave the range in which every sum is exact.
+// A plain value that never changes once it is finished. Rows and corpora are sorted, so the same
+// mail read in any order, in any number of shards, makes the same table. A LearnError is thrown
+// when the counts leave the range in which every sum is exact.
 #pragma once
 
 #include "rules/format/RuleTests.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace Quorvane::Rules {
@@ -31,12 +29,16 @@ struct LabelCounts {
     std::uint64_t m_ham = 0;
 
     std::uint64_t total() const { return m_spam + m_ham; }
-    LabelCounts& operator+=(LabelCounts const& other);
+    LabelCounts& operator+=(LabelCounts const& other) {
+        m_spam += other.m_spam;
+        m_ham += other.m_ham;
+        return *this;
+    }
+    LabelCounts operator-(LabelCounts const& other) const {
+        return {m_spam - other.m_spam, m_ham - other.m_ham};
+    }
     bool operator==(LabelCounts const&) const = default;
 };
-
-LabelCounts operator+(LabelCounts left, LabelCounts const& right);
-LabelCounts operator-(LabelCounts const& left, LabelCounts const& right);
 
 // One distinct vector and the messages that had it.
 struct CountedVector {
@@ -44,7 +46,7 @@ struct CountedVector {
     LabelCounts m_counts;
 };
 
-// Messages together that a table holds at most: up to here doubles count exactly.
+// The most messages that a table holds: up to here doubles count exactly.
 inline constexpr std::uint64_t maxTrainingMessages = std::uint64_t{1} << 53;
 
 class VectorTable {
@@ -58,11 +60,12 @@ class VectorTable {
     std::vector<Row> const& rows() const { return m_rows; }
     LabelCounts total() const;
     LabelCounts totalOf(std::size_t corpus) const;
-    // Messages of a corpus that have no vector: nothing in them can be judged. They stand in no row
-    // and in no total.
+    // Messages of a corpus without a vector, since nothing in them can be judged. No row and no
+    // total counts them.
     LabelCounts const& unjudgedOf(std::size_t corpus) const { return m_unjudged.at(corpus); }
 
-    // The vectors of all corpora, of all but one, of one alone; vectors without messages left out.
+    // The vectors of all corpora, of all but one, of one alone, without those that have no
+    // messages.
     std::vector<CountedVector> all() const;
     std::vector<CountedVector> without(std::size_t corpus) const;
     std::vector<CountedVector> only(std::size_t corpus) const;
@@ -89,18 +92,13 @@ class VectorTableBuilder {
     VectorTable finish() const;
 
   private:
-    struct VectorHash {
-        std::size_t operator()(AttributeVector const& vector) const;
-    };
-
     // Counts of corpora in the order in which they came.
     using ByArrival = std::vector<LabelCounts>;
 
     void addTo(ByArrival& counts, MailLabel label, std::string_view corpus, std::uint64_t count);
-    std::size_t corpusIndex(std::string_view name);
 
-    std::map<std::string, std::size_t, std::less<>> m_corpora;
-    std::unordered_map<AttributeVector, ByArrival, VectorHash> m_counts;
+    std::map<std::string, std::size_t> m_corpora; // numbered as they came
+    std::map<AttributeVector, ByArrival> m_counts;
     ByArrival m_unjudged;
     std::uint64_t m_messages = 0;
 };

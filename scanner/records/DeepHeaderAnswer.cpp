@@ -4,11 +4,38 @@
 #include "scanner/records/DeepHeaderAnswerImpl.h"
 #include "scanner/records/SharingCopy.h"
 
+#include <locale>
+#include <sstream>
+
 namespace Quorvane {
 
 template class RefCounted<DeepHeaderAnswerImpl>;
 
+namespace {
+
+constexpr char noUntrustedIP[] = " No untrusted public ip! ";
+
+} // namespace
+
 DeepHeaderAnswerImpl::~DeepHeaderAnswerImpl() = default;
+
+// Log readers parse this text, so the blanks inside and around the braces stay as they are, uneven
+// as they look.
+std::string DeepHeaderAnswerImpl::getReasons() const {
+    if (m_node == 0) {
+        return m_ips.empty() ? noUntrustedIP : m_ips;
+    }
+    std::ostringstream text;
+    text.imbue(std::locale::classic()); // a host's locale must not group the digits
+    text << "Node:{" << m_node << "} ";
+    text << "Confidence degree{ " << m_confidenceDegree << " } ";
+    text << "Support degree{ " << m_supportDegree << " } ";
+    text << "IP{ " << m_ips << " } ";
+    if (m_adjust != 0.0) {
+        text << "Adjust{ " << m_adjust << ", " << m_adjustReason << "} ";
+    }
+    return text.str();
+}
 
 DeepHeaderAnswer::DeepHeaderAnswer() : m_wrapper(new RefCounted<DeepHeaderAnswerImpl>) {}
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// DeepHeaderAnswerImpl: the counted record behind DeepHeaderAnswer. The engine fills it at most
+// DeepHeaderAnswerImpl: the counted record of DeepHeaderAnswer. The engine fills it at most
 // once; it must not be read meanwhile.
 #pragma once
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// DeepHeaderQueryImpl: the counted record behind DeepHeaderQuery. Written once, by the query's
+// DeepHeaderQueryImpl: the counted record of DeepHeaderQuery. Written once, by the query's
 // constructor, then only read.
 #pragma once
 

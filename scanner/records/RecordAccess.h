@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RecordAccess: the way from a query or answer handle to the record behind it, for the engine,
-// which fills answers, and for programs that show more of an answer than the public class does.
+// RecordAccess: gives access to the counted record of a query or answer handle: to the engine,
+// which fills answers, and to programs that show more of an answer than the public class does.
 #pragma once
 
 #include "DeepHeaderAnswer.h"

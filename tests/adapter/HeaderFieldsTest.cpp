@@ -2,7 +2,7 @@
 #include "adapter/HeaderFields.h"
 
 #include "Engine.h"
-#include "received/ReceivedAccess.h"
+#include "received/MsgReceivedImpl.h"
 #include "rules/format/AttributeTable.h"
 
 namespace Quorvane::Testing {

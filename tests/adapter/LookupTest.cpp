@@ -3,7 +3,7 @@
 // The scan's DNS look-ups against a real server: what it answers, what it refuses, what it cannot
 // answer and what it keeps to itself.
 #include "Engine.h"
-#include "received/ReceivedAccess.h"
+#include "received/MsgReceivedImpl.h"
 #include "rules/format/AttributeTable.h"
 #include "support/DnsServer.h"
 #include "support/LateDnsServer.h"

@@ -106,8 +106,8 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"make"}, "SRC is missing"},
         {{"make", "src"}, "--output is missing"},
         {{"make", "-o"}, "--output needs a value: DIR"},
-        {{"make", "-o", ""}, "--output: an empty text says nothing"},
-        {{"make", "-oa", ""}, "SRC: an empty text says nothing"},
+        {{"make", "-o", ""}, "--output: the value is empty"},
+        {{"make", "-oa", ""}, "SRC: the value is empty"},
         {{"make", "--frce"}, "unknown option --frce; did you mean --force?"},
         {{"make", "--umbrella=1"}, "unknown option --umbrella"},
         {{"make", "-x"}, "unknown option -x"},
@@ -140,7 +140,7 @@ TEST(Help, ShowsArgumentsAndOptionsInLinesThatFit) {
               "  SRC                        what to make\n"
               "  MORE                       more of it\n"
               "\nOptions:\n"
-              "  -h, --help                 show this\n"
+              "  -h, --help                 show this help\n"
               "  -o, --output DIR           where to\n"
               "  --format text|json         a help that is so long that it does not fit the\n"
               "                             line of a terminal\n"
@@ -158,7 +158,7 @@ TEST(Help, ListsTheCommandsOfAProgram) {
                                           "  make                       Makes things\n"
                                           "  mark                       Marks things\n"
                                           "\nOptions:\n"
-                                          "  -h, --help                 show this\n"
+                                          "  -h, --help                 show this help\n"
                                           "  --version                  show the version\n"
                                           "\nThe end.\n");
 }

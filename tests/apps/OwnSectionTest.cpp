@@ -3,8 +3,7 @@
 #include "apps/commandline/Help.h"
 #include "apps/docgen/Completion.h"
 #include "apps/docgen/ManPage.h"
-#include "apps/settings/SettingOptions.h"
-#include "apps/settings/SettingsFile.h"
+#include "apps/settings/SettingSources.h"
 #include "apps/settings/SettingsTable.h"
 #include "support/TemporaryFolder.h"
 

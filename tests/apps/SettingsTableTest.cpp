@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/settings/SettingsTable.h"
-#include "apps/settings/SettingsFile.h"
+#include "apps/settings/SettingSources.h"
 #include "support/TemporaryFolder.h"
 
 #include <cmath>

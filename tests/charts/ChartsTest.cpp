@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What the drawings of the figures hold: positions that follow from the figures, and texts.
-#include "apps/charts/DeciderBar.h"
-#include "apps/charts/Frame.h"
-#include "apps/charts/RateChart.h"
-#include "apps/charts/ReliabilityChart.h"
-#include "apps/charts/RocChart.h"
-#include "apps/charts/VerdictChart.h"
+#include "apps/charts/Charts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/charts/Scale.h"
+#include "apps/charts/Axes.h"
 
 #include <gtest/gtest.h>
 

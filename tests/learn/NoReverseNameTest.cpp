@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/learn/NoReverseName.h"
 
-#include "rules/learn/ReceivedShapes.h"
-
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -64,19 +62,27 @@ constexpr ShapeCase shapeCases[] = {
     {"Exchange, IPv6", "from pc.example (2001:db8::1)", "from pc.example (2001:db8::1)"},
 };
 
+// The value of the only Received header of a message, rewritten.
+std::optional<std::string> s_rewritten(std::string const& value) {
+    std::string const name = "Received: ";
+    auto const isOwnRelay = [](std::string const&) { return false; };
+    auto const section = withoutReverseNames(name + value + "\n\n", isOwnRelay);
+    return section ? std::optional(section->substr(name.size(), section->size() - name.size() - 2))
+                   : std::nullopt;
+}
+
 TEST(NoReverseName, RewritesTheClientAndKeepsTheRest) {
     for (auto const& one : shapeCases) {
-        EXPECT_EQ(withoutReverseName(std::string(one.m_value) + tail),
-                  std::string(one.m_rewritten) + tail)
+        EXPECT_EQ(s_rewritten(std::string(one.m_value) + tail), std::string(one.m_rewritten) + tail)
             << one.m_origin;
     }
 }
 
 TEST(NoReverseName, ChangesNothingTheSecondTime) {
     for (auto const& one : shapeCases) {
-        auto const once = withoutReverseName(std::string(one.m_value) + tail);
+        auto const once = s_rewritten(std::string(one.m_value) + tail);
         ASSERT_TRUE(once) << one.m_origin;
-        EXPECT_EQ(withoutReverseName(*once), once) << one.m_origin;
+        EXPECT_EQ(s_rewritten(*once), once) << one.m_origin;
     }
 }
 
@@ -92,13 +98,13 @@ TEST(NoReverseName, LeavesTextWithoutAKnownClientAlone) {
              "from",
              "",
          }) {
-        EXPECT_FALSE(withoutReverseName(value)) << value;
+        EXPECT_FALSE(s_rewritten(value)) << value;
     }
 }
 
 TEST(NoReverseName, CopesWithNulAndHighBytes) {
     std::string const value("from p\0c\xff (host.example [192.0.2.1]) by mx\0", 43);
-    auto const rewritten = withoutReverseName(value);
+    auto const rewritten = s_rewritten(value);
     ASSERT_TRUE(rewritten);
     EXPECT_EQ(rewritten->substr(0, 21), std::string("from p\0c\xff (192.0.2.1)", 21));
 }

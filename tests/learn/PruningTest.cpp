@@ -101,8 +101,8 @@ TEST(Pruning, KeepsParentsAndChildrenTogether) {
         if (!node.isLeaf()) {
             EXPECT_EQ(pruned.m_nodes[node.m_equal].m_parent, i);
             EXPECT_EQ(pruned.m_nodes[node.m_other].m_parent, i);
-            EXPECT_EQ(pruned.m_nodes[node.m_equal].m_counts + pruned.m_nodes[node.m_other].m_counts,
-                      node.m_counts);
+            EXPECT_EQ(node.m_counts - pruned.m_nodes[node.m_equal].m_counts,
+                      pruned.m_nodes[node.m_other].m_counts);
         }
     }
 }

@@ -4,7 +4,6 @@
 #include "rules/format/AttributeTable.h"
 #include "rules/vectors/CsvRecords.h"
 #include "rules/vectors/LearnError.h"
-#include "rules/vectors/VectorCsvWriter.h"
 #include "TrainingData.h"
 
 #include <gmock/gmock.h>

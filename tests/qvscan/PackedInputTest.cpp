@@ -101,7 +101,7 @@ TEST_P(PackedInput, NothingPackedIsNoMessage) {
         auto const result = scan({file});
         EXPECT_EQ(result.m_status, 65);
         EXPECT_EQ(result.m_output, "");
-        EXPECT_EQ(result.m_errors, "qvscan: " + file + ": no message: it has no header field\n");
+        EXPECT_EQ(result.m_errors, "qvscan: " + file + ": not a message: it has no header field\n");
     }
 }
 

@@ -3,13 +3,14 @@
 
 #include "rules/format/AttributeTable.h"
 #include "rules/model/RuleFolder.h"
+#include "support/EliteHeader.h"
 
 namespace Quorvane::Testing {
 
 namespace {
 
 DTNode s_node(std::int32_t attribute, std::int32_t value, double confidence) {
-    auto node = Rules::emptyNode();
+    auto node = DTNode{};
     node.attribute = attribute;
     node.testValue = value;
     node.isLeaf = 1;
@@ -35,7 +36,7 @@ EliteNodes s_elite(std::int32_t code, std::int32_t type, std::int32_t level, dou
 Rules::RuleSet s_rules() {
     constexpr std::int32_t reverseDynamic = Attribute::firstReverseDynamic;
     Rules::RuleSet set;
-    set.m_nodes.assign(3, Rules::emptyNode());
+    set.m_nodes.assign(3, DTNode{});
     set.m_nodes[2].confidence = 0.3;
     set.m_nodes[2].support = 100;
     set.m_nodes[2].childCount = 3;
@@ -44,7 +45,7 @@ Rules::RuleSet s_rules() {
     set.m_nodes.push_back(s_node(reverseDynamic, 0, 0.02));
     set.m_nodes.push_back(s_node(reverseDynamic, 2, 0.5));
     set.m_elite.emplace();
-    set.m_elite->m_header = Rules::plainEliteHeader();
+    set.m_elite->m_header = plainEliteHeader();
     set.m_elite->m_header->nodeCount = 2;
     set.m_elite->m_header->alsoWalkTree = 1;
     set.m_elite->m_rules = {s_elite('a', EliteType::adjusting, 1, 0.01, Attribute::hopBehindFirst),

@@ -3,7 +3,7 @@
 // A header whose names hold a blank abandons the parse; such a record is parsed again at each
 // accessor call, from the text that the call before left.
 #include "MsgReceived.h"
-#include "received/ReceivedAccess.h"
+#include "received/MsgReceivedImpl.h"
 
 #include <gtest/gtest.h>
 

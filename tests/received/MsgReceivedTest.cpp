@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MsgReceived.h"
 #include "include2/HeaderException.h"
-#include "received/ReceivedAccess.h"
+#include "received/MsgReceivedImpl.h"
 #include "support/VirtualSlot.h"
 
 #include <functional>

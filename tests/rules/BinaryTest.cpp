@@ -2,6 +2,7 @@
 //
 // Where the reader cuts the files: exactly where the loader does.
 #include "rules/model/Binary.h"
+#include "support/EliteHeader.h"
 
 #include <gtest/gtest.h>
 

@@ -5,6 +5,7 @@
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
 #include "SmallVectors.h"
+#include "support/EliteHeader.h"
 
 #include <set>
 
@@ -130,7 +131,7 @@ TEST(CheckVerdictsTest, SaysNothingWhereAdjustmentsAreNoNumbers) {
 RuleSet s_randomSet() {
     RuleSet set;
     set.setVersion(1);
-    set.m_nodes.resize(3, Rules::emptyNode());
+    set.m_nodes.resize(3, DTNode{});
     auto const count = *rc::gen::inRange(4, 9);
     for (std::int32_t i = 3; i < count; ++i) {
         auto node = genNode(count);
@@ -142,7 +143,7 @@ RuleSet s_randomSet() {
     }
     set.m_nodes[treeRoot].childCount = 2;
     set.m_nodes[treeRoot].children = {3, 4};
-    set.m_elite = Rules::EliteFile{Rules::plainEliteHeader(), {}, {}};
+    set.m_elite = Rules::EliteFile{plainEliteHeader(), {}, {}};
     set.m_elite->m_header->selectMode = *rc::gen::inRange(1, 6);
     set.m_elite->m_header->alsoWalkTree = *rc::gen::inRange(0, 2);
     set.m_elite->m_header->nodeCount = *rc::gen::inRange(0, 5);
@@ -166,7 +167,7 @@ RC_GTEST_PROP(CheckVerdictsProperty, NoEngineGivesAVerdictThatIsSaidToBeOutOfRea
     RC_LOG() << Rules::ruleText(set) << found << '\n';
     Workshop::VectorJudge const judge(set, settings);
     for (auto const& vector : smallVectors()) {
-        auto const verdict = judge.judge(vector).m_verdict;
+        auto const verdict = judge(vector).m_verdict;
         if (verdict == Rules::Verdict::spam) {
             RC_ASSERT(found.find("called spam") == std::string::npos);
         } else if (verdict == Rules::Verdict::ham) {

@@ -7,6 +7,7 @@
 #include "rules/format/RuleTests.h"
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
+#include "support/EliteHeader.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -335,7 +336,7 @@ std::array<std::int32_t, attributeCount> s_someMessage() {
 
 RC_GTEST_PROP(CheckerPropertyTest, NoMessageEntersANodeThatIsSaidToBeOutOfReach, ()) {
     RuleSet set;
-    set.m_nodes.resize(3, emptyNode());
+    set.m_nodes.resize(3, DTNode{});
     auto const count = *rc::gen::inRange(4, 12);
     for (std::int32_t i = 3; i < count; ++i) {
         set.m_nodes.push_back(Testing::genNode(count));

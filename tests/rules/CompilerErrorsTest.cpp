@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(
                               "version, elite, adjust, decide, tree\n"},
         ErrorCase{"version", "1:8 the version number is expected; found the end of the line\n"},
         ErrorCase{"version 1x", "1:9 the version number is expected, a whole number of 32 bits; "
-                                "\"1x\" is none\n"},
+                                "\"1x\" is not one\n"},
         ErrorCase{"version 1 2", "1:11 the end of the line is expected; found \"2\"\n"},
         ErrorCase{"version 1\nversion 2", "2:1 \"version\" is given twice; keep one\n"},
         ErrorCase{"version 2\nreadme \"CF_DT_VERSION=3\"",
@@ -133,8 +133,9 @@ INSTANTIATE_TEST_SUITE_P(
             "2:9 unexpected character \",\"\n"
             "2:10 unexpected \"5\" in an elite rule; it takes code, support, level, flag, when, "
             "always, reserved, conditions\n"},
-        ErrorCase{"elite first\ndecide bits(7) code 1 always",
-                  "2:13 bits(0x...) with up to 16 hexadecimal digits is expected; \"7\" is none\n"},
+        ErrorCase{
+            "elite first\ndecide bits(7) code 1 always",
+            "2:13 bits(0x...) with up to 16 hexadecimal digits is expected; \"7\" is not one\n"},
         ErrorCase{"elite first\ndecide 1 code 'dd' always",
                   "2:15 one printable character between single quotes is expected, as in 'd'\n"},
         ErrorCase{"elite first\ndecide 1 code always",
@@ -200,15 +201,14 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"tree {\n" + s_repeat("-> 2\n", 11) + "}",
                   "12:1 a node has at most 10 children; split its block with a test above\n"},
         ErrorCase{"tree {\nnode 499 5 == 1: confidence 0 support 1\n}",
-                  "2:1 node numbers go from 0 to 498; 499 is none\n"},
+                  "2:1 499 is not a node number; they go from 0 to 498\n"},
         ErrorCase{
             "tree\nnode 2 5 == 1: confidence 0 support 1",
             "2:1 there is a node 2 already, in line 1; leave numbers out and they are given in "
             "order\n"},
-        ErrorCase{
-            "tree\nnode 4 5 == 1: confidence 0 support 1",
-            "2:1 node 4 stands after a gap: there is no node 3; number the nodes without gaps "
-            "or leave the numbers out\n"},
+        ErrorCase{"tree\nnode 4 5 == 1: confidence 0 support 1",
+                  "2:1 node 4 comes after a gap: there is no node 3; number the nodes without gaps "
+                  "or leave the numbers out\n"},
         ErrorCase{"tree {\n" + s_repeat("5 == 1: confidence 0 support 1 {\n", 497) +
                       s_repeat("}", 498),
                   "498:1 the tree has too many nodes; with records 0 and 1 an engine takes 499\n"},

@@ -92,7 +92,7 @@ TEST(DriftTest, ARulePutInOrTakenOutInTheMiddleIsOneDifference) {
     files = s_set();
     files.m_elite->m_rules.insert(files.m_elite->m_rules.begin(), files.m_elite->m_rules.back());
     files.m_elite->m_header->nodeCount = 4;
-    EXPECT_EQ(s_drift(files), "elite: rule 1 of the files is in no rule here\n");
+    EXPECT_EQ(s_drift(files), "elite: rule 1 of the files is not among the rules\n");
 }
 
 TEST(DriftTest, NamesTheFieldsOfTheEliteHeader) {

@@ -6,6 +6,7 @@
 #include "rules/language/Compiler.h"
 #include "rules/language/RuleText.h"
 #include "SmallVectors.h"
+#include "support/EliteHeader.h"
 #include "support/RuleFolder.h"
 
 #include <limits>
@@ -131,7 +132,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(EliteShadowsTest, LongListsAreLookedThroughInBoundedTime) {
     RuleSet set;
-    set.m_elite = Rules::EliteFile{Rules::plainEliteHeader(), {}, {}};
+    set.m_elite = Rules::EliteFile{plainEliteHeader(), {}, {}};
     EliteNodes rule{};
     rule.type = EliteType::deciding;
     rule.code = 1;
@@ -185,7 +186,7 @@ std::set<std::int32_t> s_saidToBeIdle(RuleSet const& set) {
 
 RuleSet s_randomSet(bool hasOddRules) {
     RuleSet set;
-    set.m_elite = Rules::EliteFile{Rules::plainEliteHeader(), {}, {}};
+    set.m_elite = Rules::EliteFile{plainEliteHeader(), {}, {}};
     set.m_elite->m_header->selectMode = *rc::gen::inRange(1, 6);
     auto const count = *rc::gen::inRange(1, 9);
     for (std::int32_t i = 0; i < count; ++i) {

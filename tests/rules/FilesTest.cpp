@@ -3,6 +3,7 @@
 
 #include "ErrorKind.h"
 #include "rules/model/RuleFolder.h"
+#include "support/EliteHeader.h"
 #include "support/TemporaryFolder.h"
 
 #include <atomic>
@@ -89,7 +90,7 @@ TEST(RuleFolderTest, AFolderIsWrittenAsItWasRead) {
     Testing::TemporaryFolder const folder;
     RuleSet set;
     set.setVersion(4);
-    set.m_nodes.resize(3, emptyNode());
+    set.m_nodes.resize(3, DTNode{});
     set.m_treeTail = "tail";
     set.m_elite = EliteFile{plainEliteHeader(), {}, "x"};
     writeFolder(folder.path() / "a" / "b", set);

@@ -5,6 +5,7 @@
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
 #include "rules/model/RuleFolder.h"
+#include "support/EliteHeader.h"
 #include "support/TemporaryFolder.h"
 
 #include <csignal>
@@ -33,7 +34,7 @@ RuleSet s_set(std::int32_t mark, std::optional<std::int32_t> version = std::null
     if (version) {
         set.setVersion(*version);
     }
-    set.m_nodes.resize(4, emptyNode());
+    set.m_nodes.resize(4, DTNode{});
     set.m_nodes[3].value1 = mark;
     if (mark % 2 == 0) {
         set.m_elite = EliteFile{plainEliteHeader(), {}, {}};

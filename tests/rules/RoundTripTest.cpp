@@ -83,7 +83,7 @@ TEST(RoundTripTest, WhatIsMissingStaysMissing) {
 TEST(RoundTripTest, AChainOfAllNodesComesBack) {
     for (std::size_t const count : {std::size_t{499}, std::size_t{20000}}) {
         RuleSet set;
-        set.m_nodes.resize(count, Rules::emptyNode());
+        set.m_nodes.resize(count, DTNode{});
         for (std::size_t i = treeRoot; i < count; ++i) {
             set.m_nodes[i].value1 = 1;
             set.m_nodes[i].childCount = 1;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "rules/model/RuleSet.h"
+#include "support/EliteHeader.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -85,7 +86,7 @@ inline void genTree(RuleSet& set) {
         {{12, rc::gen::inRange(0, 25)}, {1, rc::gen::inRange(0, maxTreeNodes + 1)}});
     for (std::int32_t i = 0; i < count; ++i) {
         auto const isZero = i <= treeRoot && *rc::gen::arbitrary<bool>();
-        set.m_nodes.push_back(isZero ? Rules::emptyNode() : genNode(count));
+        set.m_nodes.push_back(isZero ? DTNode{} : genNode(count));
     }
     set.m_treeTail = *rc::gen::inRange(0, 4) == 0 ? genBytes(sizeof(DTNode)) : Bytes();
 }
@@ -108,7 +109,7 @@ inline EliteNodes genRule() {
 
 inline Rules::EliteFile genElite() {
     Rules::EliteFile elite;
-    elite.m_header = Rules::plainEliteHeader();
+    elite.m_header = plainEliteHeader();
     for (int left = *rc::gen::inRange(0, 6); left > 0; --left) {
         elite.m_rules.push_back(genRule());
     }

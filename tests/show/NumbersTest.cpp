@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/show/Numbers.h"
-#include "apps/show/Shades.h"
+#include "apps/show/NodeText.h"
 #include "apps/show/TextStyle.h"
 
 #include <gmock/gmock.h>

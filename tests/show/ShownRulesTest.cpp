@@ -68,7 +68,7 @@ TEST(ShownRulesTest, WhatTheWalkGivesUpAtEndsTheBranches) {
                                "  chain_broken == no: confidence 0.2 support 80\n"
                                "}\n");
     EXPECT_THAT(s_kinds(rules.m_nodes[0]), ElementsAre(Kind::node, Kind::end));
-    EXPECT_THAT(rules.m_nodes[0].m_branches[1].m_problem, HasSubstr("node 0 is no child"));
+    EXPECT_THAT(rules.m_nodes[0].m_branches[1].m_text, HasSubstr("node 0 cannot be a child"));
     EXPECT_THAT(rules.m_unreached, ElementsAre(4));
 }
 

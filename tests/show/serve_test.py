@@ -114,7 +114,7 @@ class Protocol(unittest.TestCase):
         for vector, text in ((b"first_helo=yes", 'no attribute is called "first_helo"'),
                              (b"first_forged=maybe", "first_forged has no value"),
                              (b"first_forged=1,first_forged=0", "given twice"),
-                             (MESSAGE.read_bytes(), "is no NAME=VALUE")):
+                             (MESSAGE.read_bytes(), "is not NAME=VALUE")):
             status, told = self.server.post(vector, **VECTOR)
             self.assertEqual(status, 422)
             self.assertIn(text, told)
@@ -123,11 +123,11 @@ class Protocol(unittest.TestCase):
         self.assertEqual(self.server.post(b"From: x\n\n", Content_Type="text/plain")[0], 415)
         self.assertEqual(self.server.post(b"x", Content_Encoding="gzip")[0], 415)
         status, text = self.server.post(b"no header here")
-        self.assertEqual((status, text), (422, "message: no message: it has no header field\n"))
+        self.assertEqual((status, text), (422, "message: not a message: it has no header field\n"))
 
     def test_limits_what_it_reads(self):
         status, text = self.server.post(None, Content_Length=str(1 << 40))
-        self.assertEqual((status, text), (413, "a message has at most 64 MiB here\n"))
+        self.assertEqual((status, text), (413, "a message may have at most 64 MiB\n"))
 
     def status_while_it_sends(self, start, pieces):
         """The status of a request whose body does not end."""
@@ -178,7 +178,7 @@ class Protocol(unittest.TestCase):
             client.shutdown(socket.SHUT_WR)
             answer = whole_answer(client)
         self.assertIn(b" 400 ", answer.splitlines()[0])
-        self.assertIn(b"the message broke off", answer)
+        self.assertIn(b"the message is incomplete", answer)
 
     def test_answers_while_others_dawdle(self):
         with Dawdlers(self.server, silent=60, slow=60):

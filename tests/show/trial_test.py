@@ -278,8 +278,8 @@ class Served(showpage.ShowPageTest):
         self.assertEqual(names[0], ["\u2192\u00e9\u00e9.example"])
 
     def test_says_what_is_wrong_with_what_it_is_given(self):
-        for text, problem in (("", "no message: it has no header field"),
-                              ("no header here", "no message: it has no header field"),
+        for text, problem in (("", "not a message: it has no header field"),
+                              ("no header here", "not a message: it has no header field"),
                               ("first_helo=yes", "no attribute is called \"first_helo\""),
                               ("first_forged=1; first_forged=0", "given twice")):
             answer = self.ask(text)

@@ -123,7 +123,7 @@ TEST_F(EvaluateCommand, TellsPeopleTheSame) {
     ASSERT_EQ(result.m_status, 0) << result.m_errors;
     EXPECT_THAT(result.m_output, HasSubstr("spam called spam                  3 of 4 (75.00 %;"));
     EXPECT_THAT(result.m_output, HasSubstr("no verdict                        0 spam, 1 ham"));
-    EXPECT_THAT(result.m_output, HasSubstr("What errs most\n  node "));
+    EXPECT_THAT(result.m_output, HasSubstr("What is wrong most often\n  node "));
 }
 
 TEST_F(EvaluateCommand, WritesEveryFormToAFile) {

@@ -138,7 +138,7 @@ TEST_F(ExplainCommand, SaysOfAScannedTableWhatItSaysOfTheMessages) {
         EXPECT_EQ(told[0]["explain"]["story"][1], "there was no hop after the first relay");
         EXPECT_EQ(told[1]["verdict"], "none");
         EXPECT_EQ(told[1]["explain"]["because"],
-                  "nothing to judge: a message without public hop has no attributes");
+                  "nothing to judge: a message without a public hop has no attributes");
         EXPECT_EQ(told[1]["explain"]["values"], Json());
     }
 }
@@ -184,7 +184,7 @@ TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
     } const cases[] = {
         {{"no.eml"}, "", 66, "no.eml: cannot be opened: No such file"},
         {{m_folder.path().string()}, "", 66, "cannot be opened: Is a directory"},
-        {{"-"}, "", 65, "-: no message: it has no header field"},
+        {{"-"}, "", 65, "-: not a message: it has no header field"},
         {{"-"}, "source,x\n", 65, "-:1: column 2: unknown column 'x'"},
         {{"-"}, "source,\n", 65, "-:1: column 2: unknown column ''"},
         {{"chain_brken=yes"}, "", 65, "did you mean \"chain_broken\"?"},
@@ -206,7 +206,7 @@ TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
     auto const result =
         runProgram(QV_RULES_PROGRAM, {"explain", m_folder.path() / "bad", "chain_broken=yes"});
     EXPECT_EQ(result.m_status, 78);
-    EXPECT_THAT(result.m_errors, HasSubstr("no host could load these rules"));
+    EXPECT_THAT(result.m_errors, HasSubstr("no host can load these rules"));
 }
 
 } // namespace

@@ -212,7 +212,7 @@ TEST_F(LearnCommand, LooksAtEverythingElseBeforeTheMail) {
         {{"--table", path("absent/t.csv")}, cannotWrite, "t.csv: cannot be written"},
         {{"-o", path("out.qvr"), "--max-nodes", "0"}, usage, "not 0"},
         {{"-o", path("out.qvr"), "--with", path("absent.qvr")}, noInput, "absent.qvr"},
-        {{"-o", path("out.qvr"), "--with", tree}, badData, "tree.qvr: it has a tree already"},
+        {{"-o", path("out.qvr"), "--with", tree}, badData, "tree.qvr: it already has a tree"},
     };
     for (auto const& one : cases) {
         auto const result = run(with({"--ham", path("absent.mbox")}, one.m_arguments));

@@ -47,7 +47,7 @@ void s_compare(ScanHost const& host, VectorJudge const& judge, int& decided) {
         if (!record.isJudged()) {
             continue;
         }
-        auto const judged = judge.judge(record.attributes);
+        auto const judged = judge(record.attributes);
         EXPECT_EQ(judged.m_verdict, s_verdict(record.answer)) << item.m_source;
         EXPECT_EQ(judged.m_decider.m_number, record.answer.getNode()) << item.m_source;
         EXPECT_EQ(static_cast<float>(judged.m_confidence), record.answer.confidenceDegree())
@@ -80,7 +80,7 @@ TEST(VectorJudge, ScoreIsTheHighestThresholdThatStillCallsSpam) {
             Rules::AttributeVector vector{};
             vector.at(Attribute::firstReverseDynamic) = reverse;
             vector.at(Attribute::firstHeloDynamic) = helo;
-            auto const score = VectorJudge(rules, settings).judge(vector).m_score;
+            auto const score = VectorJudge(rules, settings)(vector).m_score;
             if (score == Rules::noScore) {
                 continue;
             }
@@ -88,7 +88,7 @@ TEST(VectorJudge, ScoreIsTheHighestThresholdThatStillCallsSpam) {
             for (double const step : {-1e-9, 1e-9}) {
                 auto other = settings;
                 other.spamThreshold = score + step;
-                EXPECT_EQ(VectorJudge(rules, other).judge(vector).m_verdict == Rules::Verdict::spam,
+                EXPECT_EQ(VectorJudge(rules, other)(vector).m_verdict == Rules::Verdict::spam,
                           step < 0.0);
             }
         }
@@ -98,7 +98,7 @@ TEST(VectorJudge, ScoreIsTheHighestThresholdThatStillCallsSpam) {
 
 TEST(VectorJudge, RefusesRulesThatNoHostCouldLoad) {
     Rules::RuleSet rules;
-    rules.m_nodes.assign(4, Rules::emptyNode());
+    rules.m_nodes.assign(4, DTNode{});
     rules.m_nodes[3].attribute = 99;
     EXPECT_THROW(VectorJudge(rules, {}), Rules::RuleError);
 }

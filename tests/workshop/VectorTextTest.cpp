@@ -101,9 +101,9 @@ INSTANTIATE_TEST_SUITE_P(
                   "hops_reverse_dynamic has no value \"-1\"; it takes a number from 0 on"},
         BadVector{"hops_reverse_dynamic=99999999999",
                   "hops_reverse_dynamic has no value \"99999999999\"; it takes a number from 0 on"},
-        BadVector{"first_helo_dynamic", "\"first_helo_dynamic\" is no NAME=VALUE, as in "
+        BadVector{"first_helo_dynamic", "\"first_helo_dynamic\" is not NAME=VALUE, as in "
                                         "first_helo_dynamic=yes,hop_behind_first=no"},
-        BadVector{",", "\"\" is no NAME=VALUE, as in first_helo_dynamic=yes,hop_behind_first=no"},
+        BadVector{",", "\"\" is not NAME=VALUE, as in first_helo_dynamic=yes,hop_behind_first=no"},
         BadVector{"chain_broken=yes,chain_broken=yes", "chain_broken is given twice; keep one"}));
 
 } // namespace

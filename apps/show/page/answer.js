@@ -27,10 +27,6 @@ const QvAnswer = (() => {
   const nodeItem = (number) => part(`node-${number}`);
   const code = (text) => make("code", {textContent: text});
 
-  // Outcomes of elite rules that matched and came to something.
-  const isFired = ({outcome}) =>
-    ["adjusted", "passedOver", "replaced", "chosen"].includes(outcome);
-
   // --- marks in tree and table ---
 
   function clearMarks() {
@@ -60,7 +56,7 @@ const QvAnswer = (() => {
   function markElite({explain: {rules, tree}}) {
     for (const [place, rule] of rules.entries()) {
       const row = eliteRows.get(place);
-      row.classList.toggle("fired", isFired(rule));
+      row.classList.toggle("fired", rule.fired);
       row.classList.toggle("decides", tree.use === "eliteDecided" && rule.outcome === "chosen");
       row.querySelector(".effect").append(
         make("span", {className: "outcome", textContent: rule.text}));
@@ -95,7 +91,7 @@ const QvAnswer = (() => {
   const listOf = (tag, items) => items.length === 0 ? [] : [make(tag, {}, ...items)];
   const wordsOf = (words) => listOf("ul", words.map((text) => make("li", {textContent: text})));
 
-  // Rows of [class, ...cells]; where there is no room for columns, a cell stands after its name.
+  // Rows of [class, ...cells]; on narrow screens each cell stands after its name.
   function table(label, names, rows) {
     if (rows.length === 0) {
       return [];
@@ -131,18 +127,17 @@ const QvAnswer = (() => {
       hop.vouched ? "our side" : "the sender?", hop.address ?? "-", hop.from || "-",
       hop.reverseName || "-", hop.by || "-", hop.text,
     ]);
-    return section("Trail, newest hop first", ...table("Trail", ["#", "recorded by", "address",
-      "announced", "reverse name", "receiver", "taken for"], rows), ...(rows.length === 0 ? []
-      : [make("p", {className: "muted",
-        textContent: "A sender could have invented what our side did not record."})]));
+    return rows.length === 0 ? [] : section("Trail, newest hop first", ...table("Trail", ["#",
+      "recorded by", "address", "announced", "reverse name", "receiver", "taken for"], rows),
+    make("p", {className: "muted",
+      textContent: "A sender could have invented what our side did not record."}));
   }
 
-  // Only those that left something open: an answer shows in the attributes.
+  // Only those without an answer: answers show in the attributes.
   function lookups({lookups: all}) {
-    const texts = {failed: "the look-up failed", late: "no answer before the deadline"};
     return section("DNS could not say (counts as not existing)", ...listOf("ul",
-      all.filter(({result}) => Object.hasOwn(texts, result)).map(({name, result}) =>
-        make("li", {}, make("bdi", {textContent: name}), `: ${texts[result]}`))));
+      all.filter(({result}) => ["failed", "late"].includes(result)).map(({name, text}) =>
+        make("li", {}, make("bdi", {textContent: name}), `: ${text}`))));
   }
 
   function attributes({facts}) {
@@ -153,7 +148,7 @@ const QvAnswer = (() => {
   }
 
   function firedRules({rules}) {
-    const fired = [...rules.entries()].filter(([, rule]) => isFired(rule));
+    const fired = [...rules.entries()].filter(([, rule]) => rule.fired);
     return section("Elite rules that fired", ...listOf("ul", fired.map(([place, rule]) => {
       const effect = eliteRows.get(place).querySelector(".effect").firstChild.textContent;
       return make("li", {}, linkToRule(rule, place), ` (${effect}): ${rule.text}`,
@@ -166,10 +161,9 @@ const QvAnswer = (() => {
       "", nodeItem(node)?.querySelector(".badge").cloneNode(true) ?? "", linkTo(node),
       words ?? "All mail", code(test ?? "-"),
     ]);
-    return section("Path through the tree", ...table("Path",
+    return rows.length === 0 ? [] : section("Path through the tree", ...table("Path",
       ["spam", "node", "in words", "test"], rows),
-    ...(rows.length === 0 ? [] : [make("p", {className: "muted", textContent:
-      `The walk ends here: ${tree.text}.`})]));
+    make("p", {className: "muted", textContent: `The walk ends here: ${tree.text}.`}));
   }
 
   function needed({needed: ways}) {
@@ -199,7 +193,7 @@ const QvAnswer = (() => {
     markElite(record);
   }
 
-  // Instead of an answer: what a person did wrong.
+  // Instead of an answer: what is wrong.
   function complain(text) {
     clear();
     part("verdict").replaceChildren(make("p", {className: "complaint", textContent: text}));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Brings the page to life. What needs no script stands in it already.
+// Starts the scripts of the page. What needs no script is in the page already.
 (() => {
   "use strict";
 

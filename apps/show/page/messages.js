@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The messages to choose from, and the one at hand. Those of a page in a file were judged when it
+// The messages to choose from, and the chosen one. Those of a page in a file were judged when it
 // was written; a served page asks the program that serves it.
 const QvMessages = (() => {
   "use strict";
 
   let messages = [];
-  // Answers to what was asked before the last question are too late.
+  // Only the answer to the last question is shown.
   let questions = 0;
   const list = () => document.getElementById("message");
 
-  // Each message is a record, or {source, headers}: its name and its header section, a character
-  // for each byte.
+  // Each message is a record, or {source, headers}: its name and its header section in Base64.
   function start(given) {
     messages = given.map((message) => message.explain ? message
       : {source: message.source, ...QvTrial.message(bytesOf(message.headers))});
@@ -19,7 +18,7 @@ const QvMessages = (() => {
     chooseFirst();
   }
 
-  const bytesOf = (text) => Uint8Array.from(text, (character) => character.charCodeAt(0));
+  const bytesOf = (base64) => Uint8Array.from(atob(base64), (byte) => byte.charCodeAt(0));
 
   // Puts a message before those that are there, and shows it.
   function add(message) {

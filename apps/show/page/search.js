@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Search in the tree and the elite rules: by words, names of attributes, node number or rule code.
-// What does not match is hidden; what a match lies below stays.
+// What does not match is hidden, except for the nodes above a match.
 const QvSearch = (() => {
   "use strict";
 
@@ -46,10 +46,10 @@ const QvSearch = (() => {
       one.element.hidden = !isOff && !foundRules.includes(one);
     }
     QvTree.filter(isOff ? null : foundNodes.map(({element}) => element));
-    count.textContent = isOff ? "" : told(foundNodes.length, foundRules.length);
+    count.textContent = isOff ? "" : summary(foundNodes.length, foundRules.length);
   }
 
-  function told(nodeCount, ruleCount) {
+  function summary(nodeCount, ruleCount) {
     const plural = (number, what) => `${number} ${what}${number === 1 ? "" : "s"}`;
     return `${plural(nodeCount, "node")}, ${plural(ruleCount, "elite rule")}`;
   }

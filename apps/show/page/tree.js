@@ -2,7 +2,7 @@
 //
 // The tree as a list of items that open and close, by mouse and by keyboard as screen readers expect
 // of a tree. The list is flat, since browsers cut documents that are nested too deep; the level of
-// an item says what it lies below.
+// an item shows its place.
 const QvTree = (() => {
   "use strict";
 
@@ -121,7 +121,7 @@ const QvTree = (() => {
     }
   }
 
-  // Shows an item that may lie in what is closed, and goes there.
+  // Opens what is above an item, and moves to it.
   function goTo(item) {
     reveal([item]);
     focus(ofItem(item));
@@ -167,7 +167,7 @@ const QvTree = (() => {
     if (!one || event.target.closest("a")) {
       return;
     }
-    // Text may be marked to be copied.
+    // Selecting text to copy it must not open or close.
     if (getSelection().isCollapsed) {
       toggle(one);
       takeTab(one);

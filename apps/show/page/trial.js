@@ -29,13 +29,13 @@ const QvTrial = (() => {
     startDropping();
   }
 
-  // --- what comes in ---
+  // --- input ---
 
   // A message begins with a header field, and its name holds no "=" (RFC 5322, section 3.6.8, allows
   // it, but nobody writes one).
   const isVector = (text) => /^\s*\w+\s*=/.test(text);
 
-  // What is sent: the body and its type. Line breaks part attributes as commas do.
+  // What is sent: the body and its type. Line breaks separate attributes as commas do.
   const message = (body) => ({body, type: "message/rfc822"});
   const vector = (text) => ({
     body: text.trim().replace(/\s*[,;\n]\s*/g, ","), type: "text/x-attribute-vector",
