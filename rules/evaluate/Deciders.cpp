@@ -23,6 +23,7 @@ LabelCounts s_wrong(Verdict verdict, LabelCounts const& counts) {
 std::vector<DeciderFigures> s_sorted(std::map<Decider, DeciderFigures> const& figures,
                                      LabelCounts DeciderFigures::*counts) {
     std::vector<DeciderFigures> sorted;
+    sorted.reserve(figures.size());
     for (auto const& [decider, one] : figures) {
         sorted.push_back(one);
     }

@@ -14,6 +14,7 @@ constexpr std::int32_t unknownAttribute = -1;
 template<typename Table, typename Row>
 std::vector<std::string_view> s_column(Table const& table, std::string_view Row::*member) {
     std::vector<std::string_view> column;
+    column.reserve(std::size(table));
     for (auto const& row : table) {
         column.push_back(row.*member);
     }

@@ -38,9 +38,8 @@ void s_fact(TokenReader& in, NodeSyntax& node) {
     } else if (word.is("leaf")) {
         record.isLeaf = s_leaf(in, node.m_position);
     } else if (word.is("slots")) {
-        for (std::size_t slot = 0; slot < record.children.size(); ++slot) {
-            record.children[slot] =
-                in.integer("a node number for each of the ten slots is expected");
+        for (auto& child : record.children) {
+            child = in.integer("a node number for each of the ten slots is expected");
         }
     } else if (word.is("reserved1")) {
         record.reserved1 = parseBytes<3>(in, word, node.m_position, "a node");
