@@ -6,6 +6,7 @@
 //   qv_docgen bash|zsh PROGRAM OUTPUT
 #include "apps/docgen/Completion.h"
 #include "apps/docgen/ManPage.h"
+#include "apps/milter/MilterTable.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvscan/Options.h"
 #include "apps/settings/SettingsTable.h"
@@ -44,6 +45,9 @@ ProgramTable s_table(std::string_view name) {
     if (name == "qvrules") {
         return RulesApp::rulesTable();
     }
+    if (name == "qvmilter") {
+        return Milter::milterTable();
+    }
     if (name == "qvdeepheader.conf") {
         return {name, {}}; // a file that programs share: no options
     }
@@ -54,7 +58,9 @@ std::string s_generate(Arguments const& arguments) {
     auto const& format = arguments[0];
     auto const program = s_table(arguments[1]);
     if (format == "man" && arguments.size() == 4) {
-        return manPage(program, {{"", factsOf(settingRows())}}, s_read(arguments[2]), QV_VERSION);
+        Docs::SettingTables const settings{{"", factsOf(settingRows())},
+                                           {"milter", factsOf(Milter::milterRows())}};
+        return manPage(program, settings, s_read(arguments[2]), QV_VERSION);
     }
     if (format == "bash" && arguments.size() == 3) {
         return bashCompletion(program);

@@ -3,6 +3,7 @@
 // The daemon's own settings: the keys below [milter] in the settings file.
 #pragma once
 
+#include "apps/commandline/OptionTable.h"
 #include "apps/milter/MilterSettings.h"
 #include "apps/settings/SettingsSection.h"
 
@@ -12,6 +13,9 @@
 namespace Quorvane::Milter {
 
 std::span<SettingRow<MilterSettings> const> milterRows();
+
+// The command line.
+ProgramTable const& milterTable();
 
 class MilterStore : public Settings<MilterSettings> {
   public:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/milter/OptionTable.h"
+#include "apps/milter/MilterTable.h"
 
 #include "apps/settings/SettingSources.h"
 

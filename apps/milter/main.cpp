@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/milter/Daemon.h"
-#include "apps/milter/OptionTable.h"
 #include "apps/milter/Snapshot.h"
 
 #include <csignal>

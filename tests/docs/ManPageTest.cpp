@@ -46,6 +46,7 @@ std::string s_rendered(std::string const& name) {
 
 Names s_allOptions() {
     auto options = optionsIn(helpOf("qvscan"));
+    options.merge(optionsIn(helpOf("qvmilter")));
     options.merge(optionsIn(helpOf("qvrules")));
     for (auto const& command : rulesCommands()) {
         options.merge(optionsIn(helpOf("qvrules", command)));
@@ -115,6 +116,11 @@ TEST(ManPage, ListsTheOptionsThatTheScannerOffers) {
     EXPECT_EQ(s_items(s_page("man/man1/qvscan.1")), offered);
 }
 
+TEST(ManPage, ListsTheOptionsThatTheMailFilterOffers) {
+    EXPECT_EQ(s_items(s_section(s_page("man/man8/qvmilter.8"), ".Sh OPTIONS")),
+              optionsIn(helpOf("qvmilter")));
+}
+
 TEST(ManPage, ListsTheOptionsOfEachRuleCommand) {
     auto const page = s_page("man/man1/qvrules.1");
     EXPECT_EQ(s_items(s_section(page, ".Sh OPTIONS")), optionsIn(helpOf("qvrules")));
@@ -145,7 +151,8 @@ TEST(ManPage, HasNoSectionForACommandThatThereIsNot) {
 TEST(ManPage, NamesNoOptionInItsProseThatNoProgramHas) {
     auto const known = s_allOptions();
     for (auto const* const name :
-         {"man/man1/qvscan.1", "man/man1/qvrules.1", "man/man5/qvdeepheader.conf.5"}) {
+         {"man/man1/qvscan.1", "man/man1/qvrules.1", "man/man5/qvdeepheader.conf.5",
+          "man/man8/qvmilter.8"}) {
         auto const named = captures(s_rendered(name), "(^|[^a-z-])(--[a-z-]+)", 2);
         EXPECT_FALSE(named.empty()) << name;
         for (auto const& option : named) {
