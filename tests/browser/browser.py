@@ -98,11 +98,11 @@ class Browser:
             for (const drawing of document.querySelectorAll('svg')) {
               const frame = drawing.getBoundingClientRect();
               const labels = [...drawing.querySelectorAll('text')]
-                  .map((text) => ({told: text.textContent, box: text.getBoundingClientRect()}))
+                  .map((text) => ({words: text.textContent, box: text.getBoundingClientRect()}))
                   .filter(({box}) => box.width > 0);
-              for (const [i, {told, box}] of labels.entries()) {
+              for (const [i, {words, box}] of labels.entries()) {
                 if (box.right > frame.right + 3 || box.left < frame.left - 3) {
-                  touching.push([told]);
+                  touching.push([words]);
                 }
                 for (const other of labels.slice(i + 1)) {
                   const wide = Math.min(box.right, other.box.right) -
@@ -110,7 +110,7 @@ class Browser:
                   const high = Math.min(box.bottom, other.box.bottom) -
                       Math.max(box.top, other.box.top);
                   if (wide > 0 && high > 4) { // lines have room above their letters
-                    touching.push([told, other.told]);
+                    touching.push([words, other.words]);
                   }
                 }
               }

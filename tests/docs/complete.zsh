@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
-# complete.zsh FOLDER LINE: presses Tab behind LINE in a zsh of its own on a pseudo terminal, with
+# complete.zsh FOLDER LINE: presses Tab after LINE in a zsh of its own on a pseudo terminal, with
 # the completion functions of FOLDER, and prints what that zsh offers, one a line.
 zmodload zsh/zpty || exit 70
 offers=$(mktemp) || exit 70
 setup=$(mktemp) || exit 70
 
-# In the inner shell compadd also tells what it was given; -A only lists and adds nothing.
+# In the inner shell compadd also prints what it was given; -A only lists and adds nothing.
 cat >$setup <<'END'
 PS1=
 unsetopt zle_bracketed_paste 2>/dev/null

@@ -170,10 +170,10 @@ TEST(VectorCsv, TellsProgressOnLongInput) {
     }
     std::istringstream input(text);
     VectorTableBuilder builder;
-    std::vector<std::uint64_t> told;
-    readVectorCsv(input, "-", {{}, "site"}, builder, [&](auto rows) { told.push_back(rows); });
-    ASSERT_GE(told.size(), 2U);
-    EXPECT_LT(told[0], told[1]);
+    std::vector<std::uint64_t> reported;
+    readVectorCsv(input, "-", {{}, "site"}, builder, [&](auto rows) { reported.push_back(rows); });
+    ASSERT_GE(reported.size(), 2U);
+    EXPECT_LT(reported[0], reported[1]);
 }
 
 TEST(VectorCsv, WritesTablesThatReadBackEqual) {

@@ -61,7 +61,7 @@ TextCase const s_valid[] = {
     {"0000:0000:0000:0000:0000:ffff:255.255.255.255", "255.255.255.255", "255.255.255.255", false,
      "the longest text there is"},
     {"IPv6:0000:0000:0000:0000:0000:ffff:255.255.255.255", "255.255.255.255", "255.255.255.255",
-     false, "the longest text behind the tag"},
+     false, "the longest text after the tag"},
     {"::192.0.2.1", "::192.0.2.1", "0000:0000:0000:0000:0000:0000:c000:0201", true,
      "IPv4-compatible is not IPv4-mapped"},
 };

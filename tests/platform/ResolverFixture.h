@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Settings for tests of the resolver, and a fixture that leaves it switched off behind itself.
+// Settings for tests of the resolver, and a fixture that leaves it switched off at its end.
 #pragma once
 
 #include "platform/Resolver.h"

@@ -52,7 +52,7 @@ for row in '| alpha | 100.0 % | 0 of 90, ' '| beta | 100.0 % | 0 of 90, ' \
     '| rule | alpha | beta |' '| 9002 | 90 / 0 | 90 / 0 |'; do
     grep -qF "$row" page.md || die "no row '$row' in: $(cat page.md)"
 done
-grep -qx rest page.md || die "the text behind the tables is gone"
+grep -qx rest page.md || die "the text after the tables is gone"
 ! grep -qx old page.md || die "the old table is still there"
 
 mkdir nothing

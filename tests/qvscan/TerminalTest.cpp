@@ -31,7 +31,7 @@ class Terminal : public ScanTest {
 
     // Runs a shell command in a terminal of 120 columns.
     void start(std::string const& command) {
-        // A server of its own: one that was told to end may still answer.
+        // A server of its own: one that was asked to end may still answer.
         ++m_runs;
         auto const script =
             m_folder.write("run.sh", "trap : INT; " + command + "; echo \"status $?\"; exec cat\n");

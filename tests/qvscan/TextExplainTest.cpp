@@ -163,7 +163,7 @@ TEST_F(TextExplain, TellsInPlainWordsWhatDecided) {
     EXPECT_NE(elite.find("\n  In words: the host gave the message status 3.\n"), std::string::npos);
     // "unknown" is how a border writes that there is no name.
     EXPECT_EQ(explain({}, none()).find("reverse name, unknown"), std::string::npos);
-    // Nothing was asked, so nothing is told.
+    // Nothing was asked, so nothing is said.
     EXPECT_EQ(explain({}, "From: a@b.example\n\n").find("In words"), std::string::npos);
 }
 

@@ -20,7 +20,7 @@ VersionCase const versionCases[] = {
     {"a comment is skipped", "#CF_DT_VERSION=99\nCF_DT_VERSION=12\n", 12},
     {"the first line wins", "CF_DT_VERSION=3\nCF_DT_VERSION=5\n", 3},
     {"the key may stand anywhere in its line", "xCF_DT_VERSION=7\n", 7},
-    {"even behind text with a number sign", "x # CF_DT_VERSION=7\n", 7},
+    {"even after text with a number sign", "x # CF_DT_VERSION=7\n", 7},
     {"blanks in front of a number sign make no comment", " #CF_DT_VERSION=7\nCF_DT_VERSION=8\n", 7},
     {"nor does a tab", "\t#CF_DT_VERSION=7\nCF_DT_VERSION=8\n", 7},
     {"what follows the number is ignored", "CF_DT_VERSION=7abc\n", 7},

@@ -166,9 +166,9 @@ class Page(showpage.ShowPageTest):
         judged = [path for path, node in zip(paths, rules) if path or node]
         for node in (2, 13, 16):
             share = 100 * sum(node in path for path in judged) / len(judged)
-            told = self.browser.find(f"#node-{node} .figures").text
-            self.assertIn(f"{share:.3g} % of the measured mail", told)
-            self.assertIn("of the training mail", told)
+            shown = self.browser.find(f"#node-{node} .figures").text
+            self.assertIn(f"{share:.3g} % of the measured mail", shown)
+            self.assertIn("of the training mail", shown)
         fired = 100 * rules.count(9001) / len(judged)
         self.assertIn(f"{fired:.3g} %", self.browser.find("#elite tr[data-code='9001']").text)
 

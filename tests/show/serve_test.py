@@ -71,10 +71,10 @@ class Protocol(unittest.TestCase):
     def test_explains_a_message_as_qvscan_does(self):
         status, text = self.server.post(MESSAGE.read_bytes(), Origin=self.server.origin)
         self.assertEqual(status, 200)
-        told = json.loads(text)
+        answered = json.loads(text)
         wanted = json.loads(showpage.scan(showpage.STARTER, "--format", "json", "--explain",
                                           MESSAGE))
-        self.assertEqual({**told, "source": ""}, {**wanted, "source": ""})
+        self.assertEqual({**answered, "source": ""}, {**wanted, "source": ""})
 
     def test_refuses_names_that_were_bound_to_this_machine(self):
         for host in ("evil.example", f"evil.example:{self.server.port}", "127.0.0.1", ""):
@@ -89,21 +89,21 @@ class Protocol(unittest.TestCase):
     def test_explains_a_vector_as_qvrules_does(self):
         for text in ("first_reverse_dynamic=yes", "hop_behind_first=yes", "deep_helo_dynamic=yes",
                      "hop_behind_first=yes,deep_helo_dynamic=not-analysed", " chain_broken = 1 "):
-            status, told = self.server.post(text.encode(), **VECTOR)
+            status, answered = self.server.post(text.encode(), **VECTOR)
             wanted = showpage.rules("explain", showpage.STARTER, text, "--format", "json")
-            self.assertEqual((status, told), (200, wanted), text)
+            self.assertEqual((status, answered), (200, wanted), text)
 
     def test_judges_with_the_settings_that_it_is_asked_for(self):
         text = "first_reverse_dynamic=yes,first_helo_is_domain=no"
         for options in (["--spam-threshold=0.97"], ["--spam-threshold=inf", "--ham-threshold=-inf"],
                         ["--walk-to-leaf=0", "--min-support=+3"], ["--max-elite-level=-1"]):
             query = "&".join(option[2:].replace("+", "%2B") for option in options)
-            status, told = self.server.post(text.encode(), query=query, **VECTOR)
+            status, answered = self.server.post(text.encode(), query=query, **VECTOR)
             wanted = showpage.rules("explain", showpage.STARTER, text, "--format", "json", *options)
-            self.assertEqual((status, told), (200, wanted), options)
+            self.assertEqual((status, answered), (200, wanted), options)
         self.assertEqual(json.loads(self.server.post(MESSAGE.read_bytes())[1])["verdict"], "spam")
-        status, told = self.server.post(MESSAGE.read_bytes(), query="spam-threshold=0.98")
-        self.assertEqual((status, json.loads(told)["verdict"]), (200, "none"))
+        status, answered = self.server.post(MESSAGE.read_bytes(), query="spam-threshold=0.98")
+        self.assertEqual((status, json.loads(answered)["verdict"]), (200, "none"))
 
     def test_says_what_is_wrong_with_settings_and_vectors(self):
         for query, text in (("spam-threshold=0.9x", 'spam-threshold: "0.9x" is not a number'),
@@ -115,9 +115,9 @@ class Protocol(unittest.TestCase):
                              (b"first_forged=maybe", "first_forged has no value"),
                              (b"first_forged=1,first_forged=0", "given twice"),
                              (MESSAGE.read_bytes(), "is not NAME=VALUE")):
-            status, told = self.server.post(vector, **VECTOR)
+            status, answered = self.server.post(vector, **VECTOR)
             self.assertEqual(status, 422)
-            self.assertIn(text, told)
+            self.assertIn(text, answered)
 
     def test_refuses_what_is_no_message(self):
         self.assertEqual(self.server.post(b"From: x\n\n", Content_Type="text/plain")[0], 415)
@@ -260,24 +260,24 @@ class WhatIsKnownOfMessages(unittest.TestCase):
     def test_served(self):
         server = showpage.Server(*self.OPTIONS)
         try:
-            told = json.loads(server.post(MESSAGE.read_bytes())[1])
+            answered = json.loads(server.post(MESSAGE.read_bytes())[1])
         finally:
             server.end()
-        self.assertEqual({**told, "source": ""}, self.record)
+        self.assertEqual({**answered, "source": ""}, self.record)
 
     def test_in_a_page(self):
         page = showpage.rules("show", showpage.STARTER, "--format", "html", "--message", MESSAGE,
                               "--dns-data", showpage.EXAMPLES / "dns.zone", *self.OPTIONS)
         data = re.search(r'<script type="application/json" id="data">(.*?)</script>', page).group(1)
-        told, = json.loads(data)["messages"]
-        self.assertEqual({**told, "source": ""}, self.record)
+        answered, = json.loads(data)["messages"]
+        self.assertEqual({**answered, "source": ""}, self.record)
 
     def test_explained(self):
-        told = json.loads(showpage.rules("explain", showpage.STARTER, MESSAGE, "--format", "json",
+        answered = json.loads(showpage.rules("explain", showpage.STARTER, MESSAGE, "--format", "json",
                                          "--dns-data", showpage.EXAMPLES / "dns.zone",
                                          *self.OPTIONS))
         for key in ("verdict", "node", "confidence", "adjust", "adjustReason", "reasons"):
-            self.assertEqual(told[key], self.record[key], key)
+            self.assertEqual(answered[key], self.record[key], key)
 
     def test_tried(self):
         """Texts in quotes, numbers bare."""

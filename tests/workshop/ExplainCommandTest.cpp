@@ -46,48 +46,48 @@ class ExplainCommand : public CommandTest {
 
 TEST_F(ExplainCommand, TellsTheWalkOfAMessage) {
     auto const file = m_folder.write("one.eml", message);
-    auto const told = explained({file, "--dns", "off"}).at(0);
-    EXPECT_EQ(told["source"], file);
-    EXPECT_EQ(told["verdict"], "spam");
-    EXPECT_EQ(told["node"], 4);
-    EXPECT_EQ(told["explain"]["because"], "0.96 spam reaches the spam threshold 0.95");
-    EXPECT_EQ(told["explain"]["story"],
+    auto const record = explained({file, "--dns", "off"}).at(0);
+    EXPECT_EQ(record["source"], file);
+    EXPECT_EQ(record["verdict"], "spam");
+    EXPECT_EQ(record["node"], 4);
+    EXPECT_EQ(record["explain"]["because"], "0.96 spam reaches the spam threshold 0.95");
+    EXPECT_EQ(record["explain"]["story"],
               Json::array({"the reverse name of the first relay, 192-0-2-7.dyn.example.net, looks "
                            "dynamically assigned",
                            "there was no hop after the first relay, 192.0.2.7"}));
-    EXPECT_EQ(told["explain"]["tree"]["nodes"][0]["test"], Json());
-    EXPECT_EQ(told["explain"]["tree"]["nodes"][2],
+    EXPECT_EQ(record["explain"]["tree"]["nodes"][0]["test"], Json());
+    EXPECT_EQ(record["explain"]["tree"]["nodes"][2],
               Json::parse(R"({"node":4,"test":"hop_behind_first is no",
                   "words":"there was no hop after the first relay, 192.0.2.7",
                   "confidence":0.96,"support":40.0,"counts":{"all":8,"spam":8,"ham":0}})"));
-    EXPECT_EQ(told["explain"]["tree"]["end"], "leaf");
-    EXPECT_EQ(told["explain"]["rules"][1]["outcome"], "noMatch");
-    EXPECT_EQ(told["explain"]["rules"][1]["failedTest"], 0);
-    EXPECT_EQ(told["explain"]["needed"][0]["verdict"], "ham");
-    EXPECT_EQ(told["explain"]["needed"][0]["words"],
+    EXPECT_EQ(record["explain"]["tree"]["end"], "leaf");
+    EXPECT_EQ(record["explain"]["rules"][1]["outcome"], "noMatch");
+    EXPECT_EQ(record["explain"]["rules"][1]["failedTest"], 0);
+    EXPECT_EQ(record["explain"]["needed"][0]["verdict"], "ham");
+    EXPECT_EQ(record["explain"]["needed"][0]["words"],
               Json::array({"the reverse name of the first relay does not look dynamically "
                            "assigned"}));
-    EXPECT_EQ(told["explain"]["values"]["first_reverse_dynamic"], "yes");
-    EXPECT_EQ(told["explain"]["values"]["hops_reverse_dynamic"], 1);
+    EXPECT_EQ(record["explain"]["values"]["first_reverse_dynamic"], "yes");
+    EXPECT_EQ(record["explain"]["values"]["hops_reverse_dynamic"], 1);
 }
 
 TEST_F(ExplainCommand, TellsTheEliteRulesAndWhichWasChosen) {
-    auto const told = explained({"-", "--dns", "off", "--message-status", "3", "--env-from",
-                                 "bob@other.example", "--header-from", "ann@example.net"},
-                                message)
-                          .at(0);
-    EXPECT_EQ(told["source"], "-");
-    EXPECT_EQ(told["node"], 901);
-    EXPECT_EQ(told["explain"]["tree"]["path"], Json::array());
-    EXPECT_EQ(told["explain"]["tree"]["use"], "eliteDecided");
-    auto const& list = told["explain"]["rules"];
+    auto const record = explained({"-", "--dns", "off", "--message-status", "3", "--env-from",
+                                   "bob@other.example", "--header-from", "ann@example.net"},
+                                  message)
+                            .at(0);
+    EXPECT_EQ(record["source"], "-");
+    EXPECT_EQ(record["node"], 901);
+    EXPECT_EQ(record["explain"]["tree"]["path"], Json::array());
+    EXPECT_EQ(record["explain"]["tree"]["use"], "eliteDecided");
+    auto const& list = record["explain"]["rules"];
     ASSERT_EQ(list.size(), 3U);
     EXPECT_EQ(list[0]["outcome"], "noMatch");
     EXPECT_EQ(list[1]["code"], 900);
     EXPECT_EQ(list[1]["outcome"], "replaced");
     EXPECT_EQ(list[1]["replacedBy"], 2);
     EXPECT_EQ(list[2]["outcome"], "chosen");
-    EXPECT_EQ(told["explain"]["story"][1],
+    EXPECT_EQ(record["explain"]["story"][1],
               "the author's domain, example.net, is not related to the envelope sender's domain, "
               "other.example");
 }
@@ -103,11 +103,11 @@ TEST_F(ExplainCommand, ShowsOneOfTwoEqualRulesAsChosen) {
 }
 
 TEST_F(ExplainCommand, NamesTheThresholdAtWhichAnEliteRuleWouldHaveDecided) {
-    auto const told =
+    auto const record =
         explained({"status_indicated=yes,hop_behind_first=yes", "--spam-threshold", "0.99"}).at(0);
-    EXPECT_EQ(told["verdict"], "ham");
-    EXPECT_EQ(told["explain"]["rules"][0]["code"], "h");
-    EXPECT_EQ(told["explain"]["rules"][0]["outcome"], "adjusted");
+    EXPECT_EQ(record["verdict"], "ham");
+    EXPECT_EQ(record["explain"]["rules"][0]["code"], "h");
+    EXPECT_EQ(record["explain"]["rules"][0]["outcome"], "adjusted");
     auto const undecided = explained({"status_indicated=yes,first_reverse_dynamic=unknown",
                                       "--spam-threshold", "0.99"})
                                .at(0);
@@ -118,9 +118,9 @@ TEST_F(ExplainCommand, NamesTheThresholdAtWhichAnEliteRuleWouldHaveDecided) {
 
 TEST_F(ExplainCommand, ExplainsEveryMessageOfAnMbox) {
     auto const mbox = "From a Mon Jan  1 00:00:00 2024\n" + std::string(message) + "\n";
-    auto const told = explained({"-", "--dns", "off"}, mbox + mbox);
-    ASSERT_EQ(told.size(), 2U);
-    EXPECT_EQ(told[1]["source"], "-:2");
+    auto const record = explained({"-", "--dns", "off"}, mbox + mbox);
+    ASSERT_EQ(record.size(), 2U);
+    EXPECT_EQ(record[1]["source"], "-:2");
 }
 
 TEST_F(ExplainCommand, SaysOfAScannedTableWhatItSaysOfTheMessages) {
@@ -130,16 +130,16 @@ TEST_F(ExplainCommand, SaysOfAScannedTableWhatItSaysOfTheMessages) {
     m_folder.write("root/var/spool/etc/antispam/README", "CF_DT_VERSION=1\n");
     auto const table = runProgram(QV_SCAN_PROGRAM, {"--root", m_folder.path("root"), "--dns", "off",
                                                     "--format", "csv", file, privately});
-    for (auto const& told :
+    for (auto const& record :
          {explained({"-"}, table.m_output), explained({m_folder.write("t.csv", table.m_output)})}) {
-        ASSERT_EQ(told.size(), 2U) << table.m_errors;
-        EXPECT_EQ(told[0]["source"], file);
-        EXPECT_EQ(told[0]["node"], 4);
-        EXPECT_EQ(told[0]["explain"]["story"][1], "there was no hop after the first relay");
-        EXPECT_EQ(told[1]["verdict"], "none");
-        EXPECT_EQ(told[1]["explain"]["because"],
+        ASSERT_EQ(record.size(), 2U) << table.m_errors;
+        EXPECT_EQ(record[0]["source"], file);
+        EXPECT_EQ(record[0]["node"], 4);
+        EXPECT_EQ(record[0]["explain"]["story"][1], "there was no hop after the first relay");
+        EXPECT_EQ(record[1]["verdict"], "none");
+        EXPECT_EQ(record[1]["explain"]["because"],
                   "nothing to judge: a message without a public hop has no attributes");
-        EXPECT_EQ(told[1]["explain"]["values"], Json());
+        EXPECT_EQ(record[1]["explain"]["values"], Json());
     }
 }
 
