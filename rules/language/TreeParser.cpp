@@ -38,9 +38,11 @@ void s_fact(TokenReader& in, NodeSyntax& node) {
     } else if (word.is("leaf")) {
         record.isLeaf = s_leaf(in, node.m_position);
     } else if (word.is("slots")) {
-        for (auto& child : record.children) {
+        auto children = record.children; // the record is packed: its members cannot be referred to
+        for (auto& child : children) {
             child = in.integer("a node number for each of the ten slots is expected");
         }
+        record.children = children;
     } else if (word.is("reserved1")) {
         record.reserved1 = parseBytes<3>(in, word, node.m_position, "a node");
     } else if (!acceptInteger(in, word, record, nodeNumbers)) {

@@ -172,7 +172,7 @@ TEST_P(CurrentHop, IsWrittenAsTheMailServerWillWriteIt) {
 INSTANTIATE_TEST_SUITE_P(MailServers, CurrentHop, testing::ValuesIn(cases));
 
 TEST(ClientTest, TakesTheAddressOfTheMacroWhenTheSocketHasNone) {
-    FakeMailServer server({{"{client_addr}", "192.0.2.77"}});
+    FakeMailServer server(Macros{{"{client_addr}", "192.0.2.77"}});
     EXPECT_EQ(Milter::clientOf(server, "", IPAddress()).m_address, IPAddress("192.0.2.77"));
     EXPECT_EQ(Milter::clientOf(server, "", IPAddress("192.0.2.1")).m_address,
               IPAddress("192.0.2.1"));
