@@ -95,6 +95,12 @@ std::unique_ptr<StatusServer> s_statusServer(Service& service, std::string const
                             [&service] { return service.health(); }});
 }
 
+// In the background nobody reads standard error.
+LogTarget s_logTarget(MilterSettings const& settings, bool foreground) {
+    bool const isLost = !foreground && settings.m_log == LogTarget::standardError;
+    return isLost ? LogTarget::syslog : settings.m_log;
+}
+
 // Until SIGTERM, which libmilter takes. It then returns without waiting for callbacks.
 int s_serveSessions(Service& service) {
     int const result = smfi_main();
@@ -119,7 +125,7 @@ int serve(CommandLine const& line) {
     auto const signals = s_signals({SIGHUP, SIGTERM, SIGINT, SIGUSR1});
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     PidFile const pidFile(settings.m_pidFile);
-    Logger::install(serviceLogger(settings.m_log));
+    Logger::install(serviceLogger(s_logTarget(settings, line.has("foreground"))));
     // Callbacks that are still under way when the process ends use it.
     static auto* const service = new Service(line);
     Resolver::instance().observe([](LookupResult result, std::chrono::nanoseconds time) {

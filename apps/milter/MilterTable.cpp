@@ -90,7 +90,8 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
     settingRow<&MilterSettings::m_pidFile>(
         {"pid-file", path, "FILE", "holds the process number while the daemon runs"}),
     settingRow<&MilterSettings::m_log>(
-        {"log", text, "stderr|journal|syslog", "where messages go (stderr)"}),
+        {"log", text, "stderr|journal|syslog",
+         "where messages go; in the background syslog instead of stderr (stderr)"}),
     settingRow<&MilterSettings::m_metrics>(
         {"metrics", text, "HOST:PORT",
          "serve /metrics and /health at this address of this machine (off)"},

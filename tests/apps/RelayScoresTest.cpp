@@ -133,7 +133,7 @@ TEST_F(RelayScoresTest, AskAboutTheNewestRelaysOnly) {
 
 TEST(DnsListTest, ReadsBackAsItIsShown) {
     for (auto const* const text :
-         {"list.example 127.0.0.2=0", "list.example 127.0.0.2=0 127.0.10.0/24=8"}) {
+         {"list.example 127.0.0.2/32=0", "list.example 127.0.0.2/32=0 127.0.10.0/24=8"}) {
         EXPECT_EQ(settingTexts(s_list(text)), SettingTexts{text});
     }
 }

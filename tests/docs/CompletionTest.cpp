@@ -89,7 +89,7 @@ TEST_P(Completion, OffersTheValuesThatAnOptionTakes) {
 
 TEST_P(Completion, NarrowsWhatItOffersToWhatIsTyped) {
     EXPECT_EQ(complete("qvscan --format j"), Names{"json"});
-    EXPECT_EQ(complete("qvscan --dns-"), Names{"--dns-data"});
+    EXPECT_EQ(complete("qvscan --dns-d"), Names{"--dns-data"});
     EXPECT_EQ(complete("qvrules de"), Names{"decompile"});
 }
 

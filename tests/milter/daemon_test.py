@@ -26,7 +26,7 @@ class Check(MilterTest):
         cases = (
             ('on-spam = "rejct"', "on-spam: \"rejct\" is not one of header, accept, reject, "
                                   "quarantine, discard"),
-            ('on-spma = "reject"', 'unknown key "on-spma"; did you mean on-spam?'),
+            ('on-spma = "reject"', 'unknown key "on-spma"; did you mean "on-spam"?'),
             ('max-hops = "many"', "max-hops needs a whole number"),
             ("max-scans = 0", 'max-scans: "0" is not a whole number from 1 to 1000000'),
             ('exempt = ["192.0.2.0/33"]', "exempt: "),
@@ -77,8 +77,6 @@ class Life(MilterTest):
         daemon = self.daemon().start()
         daemon.kill()
         self.assertTrue(daemon.socket.exists())
-        daemon.process = None
-        daemon.log.clear()
         daemon.start()
         self.assertEqual(self.play(daemon, MESSAGE)[0], "accept")
 

@@ -82,6 +82,7 @@ class Daemon:
 
     def start(self):
         """Starts the daemon and waits until it serves."""
+        self.log.clear()
         self.process = subprocess.Popen(
             [QVMILTER, "--config", str(self.config), "--foreground"], stderr=subprocess.PIPE,
             text=True)
@@ -108,7 +109,14 @@ class Daemon:
 
     def kill(self):
         self.process.kill()
-        self.process.wait()
+        self._forget()
+
+    def _forget(self):
+        status = self.process.wait(timeout=60)
+        self.reader.join()
+        self.process.stderr.close()
+        self.process = None
+        return status
 
     def stop(self):
         """Ends the daemon as the service manager does; its exit status."""
@@ -117,11 +125,7 @@ class Daemon:
         if self.process.poll() is None:
             self.process.send_signal(signal.SIGTERM)
             self._wake()
-        status = self.process.wait(timeout=60)
-        self.reader.join()
-        self.process.stderr.close()
-        self.process = None
-        return status
+        return self._forget()
 
     def _wake(self):
         """libmilter looks whether it has to end when somebody connects, or every 5 seconds."""

@@ -46,11 +46,6 @@ function header(name, value)
     must(mt.header(connection, name, " " .. value), "header")
 end
 
-function body(text)
-    must(mt.eoh(connection), "eoh")
-    must(mt.bodystring(connection, text), "body")
-end
-
 function abort()
     must(mt.abort(connection), "abort")
 end
