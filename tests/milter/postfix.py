@@ -28,8 +28,7 @@ disable_dns_lookups = yes
 smtpd_peername_lookup = no
 smtpd_authorized_xclient_hosts = 127.0.0.0/8
 smtpd_sasl_auth_enable = yes
-smtpd_relay_restrictions =
-smtpd_recipient_restrictions = permit
+smtpd_relay_restrictions = reject_unauth_destination
 virtual_mailbox_domains = static:all
 virtual_mailbox_maps = static:inbox/
 virtual_mailbox_base = {folder}/mail
@@ -95,7 +94,7 @@ class Postfix:
     def start(self):
         self.command("postfix", "check")
         self.command("postfix", "start")
-        wait_for(self._answers, "Postfix:\n" + self.log())
+        wait_for(self._answers, f"Postfix, see {self.folder}/log")
         return self
 
     def _answers(self):
