@@ -68,7 +68,7 @@ postlog unix-dgram n - n - 1 postlogd
 class Postfix:
     """It asks the milters at these addresses, as "unix:/path" or "inet:host:port"."""
 
-    def __init__(self, *milters):
+    def __init__(self, *milters, settings=""):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="qvpostfix-"))
         self.folder.chmod(0o755)
         self.port = free_port()
@@ -81,7 +81,7 @@ class Postfix:
         options = "connect_timeout=5s, command_timeout=10s, content_timeout=20s"
         text = ", ".join(f"{{ {milter}, {options}, default_action=tempfail }}"
                          for milter in milters)
-        self.configure(MAIN.format(folder=self.folder, milters=text))
+        self.configure(MAIN.format(folder=self.folder, milters=text) + settings)
         (self.folder / "config" / "master.cf").write_text(MASTER.format(port=f"127.0.0.1:{self.port}"))
 
     def configure(self, text):

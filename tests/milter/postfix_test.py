@@ -18,12 +18,14 @@ HELLO = b"From: a@example.org\r\nTo: b@example.net\r\nSubject: hello\r\n\r\nhell
 SPAMMER = {"address": "192.0.2.55", "helo": "localhost"}
 
 
+@unittest.skipUnless(os.geteuid() == 0, "Postfix starts as root only")
 class PostfixTest(MilterTest):
     def flow(self, **settings):
         """A daemon and a Postfix that asks it."""
+        more = settings.pop("postfix_settings", "")
         own = settings.pop("own", "") + '\nsocket-group = "postfix"'
         daemon = self.daemon(own=own, **settings).start()
-        postfix = Postfix(f"unix:{daemon.socket}")
+        postfix = Postfix(f"unix:{daemon.socket}", settings=more)
         self.addCleanup(postfix.stop)
         return daemon, postfix.start()
 
