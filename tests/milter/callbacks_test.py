@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """The daemon as mail servers see it: each order of callbacks, each kind of macros, each action."""
+import socket
+import subprocess
 import unittest
 
 from milter import MilterTest
@@ -186,6 +188,24 @@ class Settings(MilterTest):
                 with self.subTest(name, action=action):
                     self.assertEqual(
                         self.answer(script, own=f'{own}\n{key} = "{action}"', **settings), expected)
+
+    def test_more_scans_than_the_limit_are_not_begun(self):
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as silent:
+            silent.bind(("127.0.0.1", 0))
+            silent.settimeout(30)
+            daemon = self.daemon(
+                shared=f'dns = "127.0.0.1@{silent.getsockname()[1]}"\ndns-timeout = 5',
+                own="max-scans = 1").start()
+            script = """
+                postfix_client("unknown", "192.0.2.55", "host.example")
+                message()"""
+            first = subprocess.Popen(self.command(daemon, script), stdout=subprocess.PIPE,
+                                     text=True)
+            silent.recv(512) # it waits for an answer now
+            self.assertEqual(self.play(daemon, script),
+                             ["accept", "X-QV-Deep-Header: none; error=overload"])
+            self.assertEqual(first.communicate()[0].splitlines(),
+                             ["accept", "X-QV-Deep-Header: none; error=dns-failure"])
 
     def test_a_verdict_can_count_although_lookups_failed(self):
         answer = self.answer("""

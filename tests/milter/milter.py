@@ -174,11 +174,15 @@ class MilterTest(unittest.TestCase):
         self.addCleanup(daemon.remove)
         return daemon
 
-    def play(self, daemon, script):
-        """Runs a script (the functions are in prelude.lua) against the daemon; what it writes."""
+    def command(self, daemon, script):
+        """The command that runs a script (the functions are in prelude.lua) against the daemon."""
         path = daemon.folder / "script.lua"
         path.write_text(PRELUDE.read_text() + script)
-        command = ["miltertest", "-s", str(path), "-D", f"address=unix:{daemon.socket}"]
+        return ["miltertest", "-s", str(path), "-D", f"address=unix:{daemon.socket}"]
+
+    def play(self, daemon, script):
+        """Runs a script; what it writes."""
+        command = self.command(daemon, script)
         done = subprocess.run(command, capture_output=True, text=True, timeout=120)
         if done.returncode != 0:
             again = subprocess.run([*command, "-v"], capture_output=True, text=True, timeout=120)
