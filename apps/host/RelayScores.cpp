@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <exception>
 #include <optional>
-#include <utility>
 
 namespace Quorvane {
 
@@ -112,8 +111,8 @@ void RelayScores::describe(HeaderContainer const& headers, IPAddress const& clie
                            MessageProperties& properties) const {
     auto& analysis = properties.receivedHeaderAnalysis();
     analysis.reputation(m_table);
-    for (auto& entry : askLists(askedRelays(headers, client))) {
-        analysis.push_back(std::move(entry));
+    for (auto const& entry : askLists(askedRelays(headers, client))) {
+        analysis.push_back(entry);
     }
     if (!client.isNull()) {
         properties.clientScore(static_cast<std::uint32_t>(s_scoreIn(analysis, client)));

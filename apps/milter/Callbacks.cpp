@@ -141,6 +141,7 @@ void s_askForMacros(SMFICTX* context) {
     smfi_setsymlist(context, SMFIM_EOM, end.data());
 }
 
+// The parameters are libmilter's. NOLINTNEXTLINE(readability-function-size)
 sfsistat s_onNegotiate(SMFICTX* context, unsigned long actions, unsigned long steps,
                        unsigned long /*reserved*/, unsigned long /*reserved*/,
                        unsigned long* wantedActions, unsigned long* wanted,

@@ -22,7 +22,7 @@ bool s_isPostfix(MailServer& server) {
 std::string s_protocol(MailServer& server) {
     bool const hasTls = !server.macro("{tls_version}").empty();
     bool const isAuthenticated = !server.macro("{auth_type}").empty();
-    auto const given = server.macro("r"); // Sendmail says it all
+    auto given = server.macro("r"); // Sendmail says it all
     if (!given.empty()) {
         return given;
     }
