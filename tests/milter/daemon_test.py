@@ -120,7 +120,7 @@ class Life(MilterTest):
         with socket.socket(socket.AF_UNIX) as client:
             client.connect(str(daemon.socket))
             wait_for(lambda: True, "a session")
-            self.assertEqual(daemon.stop(), 0)
+            self.assertEqual(daemon.stop(), 0, "".join(daemon.log))
 
     def test_the_service_manager_hears_of_start_reload_and_end(self):
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
