@@ -24,7 +24,7 @@ os.environ.update(QV_MILTER=str(PROGRAMS / "qvmilter"), QV_RULES=str(PROGRAMS / 
                   QV_SCAN=str(PROGRAMS / "qvscan"))
 sys.path.insert(0, str(HERE.parent / "tests" / "milter"))
 # pylint: disable=wrong-import-position
-from milter import Daemon, free_port, wait_for
+from milter import Daemon, wait_for
 from postfix import Postfix
 
 MESSAGE = HERE.parent / "examples" / "forwarder-many-hops.eml"
@@ -46,11 +46,13 @@ def discarding(milter):
 
 def main():
     daemon = Daemon(shared='internal = ["127.0.0.0/8"]', own='socket-group = "postfix"').start()
-    port = free_port()
-    empty = subprocess.Popen([str(PROGRAMS / "empty_filter"), f"inet:{port}@127.0.0.1"])
+    socket = daemon.folder / "empty.sock"
+    empty = subprocess.Popen([str(PROGRAMS / "empty_filter"), f"unix:{socket}"])
+    wait_for(socket.exists, "the empty filter")
+    socket.chmod(0o666)
     mail_servers = []
     try:
-        mail_servers = [discarding(f"inet:127.0.0.1:{port}"), discarding(f"unix:{daemon.socket}")]
+        mail_servers = [discarding(f"unix:{socket}"), discarding(f"unix:{daemon.socket}")]
         for postfix in mail_servers:
             send(postfix, 1)
         wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the first session")
