@@ -31,10 +31,19 @@ std::filesystem::path s_makeFolder() {
     return name;
 }
 
+// Free for both protocols. Tests that run beside this one hold many ports.
 int s_freePort() {
-    LoopbackSocket const udp(SOCK_DGRAM, 0);
-    LoopbackSocket const tcp(SOCK_STREAM, udp.port());
-    return udp.port();
+    for (int attempt = 1;; ++attempt) {
+        LoopbackSocket const udp(SOCK_DGRAM, 0);
+        try {
+            LoopbackSocket const tcp(SOCK_STREAM, udp.port());
+            return udp.port();
+        } catch (std::system_error const&) {
+            if (attempt == 100) {
+                throw;
+            }
+        }
+    }
 }
 
 std::string s_zoneFile(DnsZone const& zone) {
