@@ -28,8 +28,8 @@ benchmark::internal::Benchmark* add(std::string const& name, double units, Work 
             work();
         }
         auto const allocated = static_cast<double>(allocations() - before);
-        state.counters["time/unit"] =
-            Counter(units, Counter::kIsIterationInvariantRate | Counter::kInvert);
+        state.counters["time/unit"] = Counter(units, Counter::kIsIterationInvariantRate |
+                                                         Counter::kInvert | Counter::kAvgThreads);
         state.counters["allocs/unit"] = Counter(allocated / units, Counter::kAvgIterations);
     };
     return benchmark::RegisterBenchmark(name.c_str(), run);
