@@ -34,7 +34,8 @@ std::string s_join(std::string const& dir, std::string const& name) {
 void setRoot(std::string const& folder) {
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error)) {
-        throw Exception("root folder \"" + folder + "\" is not an existing directory", 3, nullptr, 0);
+        throw Exception("root folder \"" + folder + "\" is not an existing directory", 3, nullptr,
+                        0);
     }
     s_root() = s_withoutTrailingSlashes(folder);
 }

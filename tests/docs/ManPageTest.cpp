@@ -150,9 +150,8 @@ TEST(ManPage, HasNoSectionForACommandThatThereIsNot) {
 
 TEST(ManPage, NamesNoOptionInItsProseThatNoProgramHas) {
     auto const known = s_allOptions();
-    for (auto const* const name :
-         {"man/man1/qvscan.1", "man/man1/qvrules.1", "man/man5/qvdeepheader.conf.5",
-          "man/man8/qvmilter.8"}) {
+    for (auto const* const name : {"man/man1/qvscan.1", "man/man1/qvrules.1",
+                                   "man/man5/qvdeepheader.conf.5", "man/man8/qvmilter.8"}) {
         auto const named = captures(s_rendered(name), "(^|[^a-z-])(--[a-z-]+)", 2);
         EXPECT_FALSE(named.empty()) << name;
         for (auto const& option : named) {
