@@ -1,14 +1,17 @@
 # SPDX-License-Identifier: Apache-2.0
 """The daemon as operators see it: its start and its end, reloads, its settings, its figures."""
+import os
 import pathlib
+import pwd
+import re
 import signal
 import socket
 import stat
 import subprocess
-import time
+import textwrap
 import unittest
 
-from milter import Daemon, MilterTest, QVMILTER, check, wait_for
+from milter import MilterTest, check, wait_for
 
 MESSAGE = """
     postfix_client("unknown", "192.0.2.55", "localhost")
@@ -56,6 +59,19 @@ class Check(MilterTest):
         daemon.reload()
         daemon.wait_for_log("rule version 1")
         self.assertEqual(daemon.get("/health"), (200, "ok\n"))
+
+    def test_the_settings_in_the_documents_are_in_order(self):
+        daemon = self.daemon()
+        for page in ("postfix.md", "scale-out.md"):
+            text = (pathlib.Path(os.environ["QV_DOCS"]) / page).read_text()
+            blocks = re.findall(r"```toml\n(.*?)```", textwrap.dedent(text), re.S)
+            blocks += [textwrap.dedent(block)
+                       for block in re.findall(r"   ```toml\n(.*?)   ```", text, re.S)]
+            self.assertTrue(blocks, page)
+            for block in blocks:
+                daemon.config.write_text(block)
+                done = check(daemon.config, "--show-config")
+                self.assertEqual((done.returncode, done.stderr), (0, ""), block)
 
     def test_all_settings_can_be_shown_and_read_back(self):
         daemon = self.daemon()
@@ -112,14 +128,13 @@ class Life(MilterTest):
         daemon = self.daemon(own='user = "nobody"').start()
         status = pathlib.Path(f"/proc/{daemon.process.pid}/status").read_text()
         owner = status.split("Uid:")[1].split()[0]
-        import pwd
         self.assertEqual(int(owner), pwd.getpwnam("nobody").pw_uid)
 
     def test_term_ends_it_with_0_even_while_sessions_are_open(self):
         daemon = self.daemon().start()
         with socket.socket(socket.AF_UNIX) as client:
             client.connect(str(daemon.socket))
-            wait_for(lambda: True, "a session")
+            wait_for(lambda: daemon.metric("qvmilter_sessions") is not None, "the daemon")
             self.assertEqual(daemon.stop(), 0, "".join(daemon.log))
 
     def test_the_service_manager_hears_of_start_reload_and_end(self):
@@ -128,7 +143,6 @@ class Life(MilterTest):
             address = str(daemon.folder / "notify")
             manager.bind(address)
             manager.settimeout(30)
-            import os
             os.environ["NOTIFY_SOCKET"] = address
             self.addCleanup(os.environ.pop, "NOTIFY_SOCKET")
             daemon.start()
