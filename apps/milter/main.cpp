@@ -31,7 +31,8 @@ int s_run(CommandLine const& line) {
 int main(int argc, char** argv) {
     using namespace Quorvane;
     std::signal(SIGPIPE, SIG_IGN);
-    // glibc would give the threads of sessions heaps of their own, and each keeps what it once took.
+    // glibc would give the threads of sessions heaps of their own, and each keeps what it once
+    // took.
     ::mallopt(M_ARENA_MAX, 1);
     return runProgram(Milter::milterTable(), argc, argv, Milter::s_run);
 }
