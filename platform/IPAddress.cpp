@@ -125,4 +125,29 @@ std::string IPAddress::asString(bool compressed) const {
     return text.data();
 }
 
+IPAddress IPAddress::fromNetwork(std::string_view bytes) {
+    Bytes all = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
+    if (bytes.size() != all.size() && bytes.size() != all.size() - s_mappedBytes) {
+        return {};
+    }
+    std::transform(bytes.rbegin(), bytes.rend(), all.rbegin(),
+                   [](char c) { return static_cast<std::uint8_t>(c); });
+    return fromBytes(all);
+}
+
+std::string IPAddress::reversedLabels() const {
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string labels;
+    if (isNull()) {
+        return labels;
+    }
+    auto const end = isV6() ? m_bytes.rend() : m_bytes.rend() - s_mappedBytes;
+    for (auto byte = m_bytes.rbegin(); byte != end; ++byte) {
+        labels += isV6() ? std::string{digits[*byte & 0xfU], '.', digits[*byte >> 4U]}
+                         : std::to_string(*byte);
+        labels += '.';
+    }
+    return labels;
+}
+
 } // namespace Quorvane

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace Quorvane {
 
@@ -21,6 +22,9 @@ class QV_API IPAddress {
     // Null when `text` is not valid (isValidIPAddress).
     explicit IPAddress(std::string const& text);
     static IPAddress fromBytes(Bytes const& bytes);
+    // From 4 or 16 bytes in network order, as sockets and A and AAAA records have them; null for
+    // another length.
+    static IPAddress fromNetwork(std::string_view bytes);
 
     // True for what inet_pton accepts as IPv4 or IPv6, and for the tagged literal of RFC 5321
     // section 4.1.3 ("IPv6:" in any letter case, then an IPv6 address). 0.0.0.0 and :: are valid.
@@ -40,6 +44,11 @@ class QV_API IPAddress {
     // What inet_ntop prints, an IPv4-mapped address as dotted quad; with `compressed` false every
     // group of an IPv6 address in full. Empty when null.
     std::string asString(bool compressed) const;
+
+    // The address from its last part to its first, as names of it in DNS begin: octets (RFC 1035
+    // section 3.5) or hexadecimal digits (RFC 3596 section 2.5), each with a dot after it. Empty
+    // when null.
+    std::string reversedLabels() const;
 
     friend bool operator==(IPAddress const& a, IPAddress const& b) {
         return a.m_isSet == b.m_isSet && a.m_bytes == b.m_bytes;

@@ -50,7 +50,7 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
     if (!settings.m_dnsData.empty()) {
         resolver.m_zoneData = s_lines(settings.m_dnsData);
     }
-    // Lists are asked first, then the scan's own names: two times that everything is asked at once.
+    // The lists are asked at once, then the names of the scan: each round gets half of the time.
     auto const share = settings.m_dnsLists.empty() ? 1.0 : 0.5;
     resolver.m_deadline =
         std::chrono::milliseconds(std::lround(settings.m_dnsTimeout * share * 1000));

@@ -13,55 +13,15 @@ namespace Quorvane {
 
 namespace {
 
-// The name of an address below a zone (RFC 5782 sections 2.1 and 2.4).
-std::string s_listName(IPAddress const& address, std::string const& zone) {
-    static constexpr char digits[] = "0123456789abcdef";
-    auto const& bytes = address.bytes();
-    std::string name;
-    if (!address.isV6()) {
-        for (auto byte = bytes.rbegin(); byte != bytes.rbegin() + 4; ++byte) {
-            name += std::to_string(*byte) + '.';
-        }
-        return name + zone;
-    }
-    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte) {
-        name += {digits[*byte & 0x0fU], '.', digits[*byte >> 4U], '.'};
-    }
-    return name + zone;
-}
-
-// Of the record data of an A record (RFC 1035 section 3.4.1).
-IPAddress s_address(std::string const& data) {
-    if (data.size() != 4) {
-        return {};
-    }
-    IPAddress::Bytes bytes{};
-    bytes[10] = bytes[11] = 0xff;
-    std::copy(data.begin(), data.end(), bytes.begin() + 12);
-    return IPAddress::fromBytes(bytes);
-}
-
-// Lowest of those of the records that mean something.
+// The lowest of the records that have a score.
 std::optional<std::int32_t> s_score(ResolverMessage const& answer, ReputationTable const& answers) {
     std::optional<std::int32_t> lowest;
     for (auto const& record : answer.records()) {
-        if (auto const score = answers.score(s_address(record))) {
+        if (auto const score = answers.score(IPAddress::fromNetwork(record))) {
             lowest = std::min(lowest.value_or(*score), *score);
         }
     }
     return lowest;
-}
-
-std::int32_t s_scoreIn(ReceivedHeaderAnalysis const& analysis, IPAddress const& relay) {
-    auto const found =
-        std::find_if(analysis.begin(), analysis.end(), [&relay](AnalysedReceived const& entry) {
-            return entry.m_received.address() == relay;
-        });
-    if (found != analysis.end()) {
-        return found->m_score;
-    }
-    auto const* const table = analysis.reputation();
-    return table == nullptr ? 0 : table->score(relay).value_or(0);
 }
 
 IPAddress s_relay(Header const& received) {
@@ -111,20 +71,25 @@ void RelayScores::describe(HeaderContainer const& headers, IPAddress const& clie
                            MessageProperties& properties) const {
     auto& analysis = properties.receivedHeaderAnalysis();
     analysis.reputation(m_table);
+    auto score = m_table == nullptr ? std::nullopt : m_table->score(client);
     for (auto const& entry : askLists(askedRelays(headers, client))) {
         analysis.push_back(entry);
+        if (entry.m_received.address() == client) {
+            score = entry.m_score;
+        }
     }
     if (!client.isNull()) {
-        properties.clientScore(static_cast<std::uint32_t>(s_scoreIn(analysis, client)));
+        properties.clientScore(static_cast<std::uint32_t>(score.value_or(0)));
     }
 }
 
+// RFC 5782 sections 2.1 and 2.4 say how a list is asked.
 std::vector<AnalysedReceived> RelayScores::askLists(std::vector<IPAddress> const& relays) const {
     std::vector<PendingLookup> lookups;
     for (auto const& relay : relays) {
         for (auto const& list : m_lists) {
             lookups.push_back(Resolver::instance().start(
-                RecordType::A, s_listName(relay, list.m_zone), RecordClass::IN));
+                RecordType::A, relay.reversedLabels() + list.m_zone, RecordClass::IN));
         }
     }
     std::vector<AnalysedReceived> known;

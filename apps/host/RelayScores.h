@@ -28,10 +28,9 @@ class RelayScores {
                 std::vector<DnsList> const& lists);
 
     // Writes what is known of the client, which may be null, and of the relays that the Received
-    // headers name. All look-ups
-    // run side by side; a list that does not answer in time says nothing. Of several lists that
-    // know a relay the one with the lowest score counts, so that a block list can overrule a list
-    // of good relays.
+    // headers name. All look-ups run side by side, and a list that does not answer in time says
+    // nothing. Of several lists that know a relay the lowest score counts, so that a block list
+    // overrules a list of good relays.
     void describe(HeaderContainer const& headers, IPAddress const& client,
                   MessageProperties& properties) const;
 

@@ -3,12 +3,12 @@
 
 #include "apps/milter/Session.h"
 
-#include <algorithm>
 #include <exception>
 #include <libmilter/mfapi.h>
 #include <limits>
 #include <memory>
 #include <netinet/in.h>
+#include <string_view>
 
 namespace Quorvane::Milter {
 
@@ -114,19 +114,20 @@ std::string s_text(char const* text) {
     return text == nullptr ? std::string() : std::string(text);
 }
 
+// The bytes of an object, as sockets hold addresses.
+template<typename Object>
+std::string_view s_bytes(Object const& object) {
+    return {reinterpret_cast<char const*>(&object), sizeof object};
+}
+
 IPAddress s_address(_SOCK_ADDR const* socket) {
-    IPAddress::Bytes bytes{};
     if (socket != nullptr && socket->sa_family == AF_INET6) {
-        auto const& address = reinterpret_cast<sockaddr_in6 const*>(socket)->sin6_addr;
-        std::copy_n(static_cast<std::uint8_t const*>(address.s6_addr), bytes.size(), bytes.begin());
-        return IPAddress::fromBytes(bytes);
+        return IPAddress::fromNetwork(
+            s_bytes(reinterpret_cast<sockaddr_in6 const*>(socket)->sin6_addr));
     }
     if (socket != nullptr && socket->sa_family == AF_INET) {
-        auto const* const address = reinterpret_cast<std::uint8_t const*>(
-            &reinterpret_cast<sockaddr_in const*>(socket)->sin_addr);
-        bytes[10] = bytes[11] = 0xff;
-        std::copy_n(address, 4, bytes.begin() + 12);
-        return IPAddress::fromBytes(bytes);
+        return IPAddress::fromNetwork(
+            s_bytes(reinterpret_cast<sockaddr_in const*>(socket)->sin_addr));
     }
     return {};
 }

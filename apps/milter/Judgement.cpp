@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/milter/Judgement.h"
 
+#include "apps/milter/MilterTable.h"
+#include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
 
 #include <algorithm>
@@ -39,10 +41,8 @@ Judgement judgementOf(ScanRecord record, MilterSettings const& settings) {
     } else if (settings.m_trustFailedLookups == 0 &&
                std::any_of(record.lookups.begin(), record.lookups.end(), s_couldNotAsk)) {
         judgement.m_failure = Failure::dnsFailed;
-    } else if (record.verdict.isSpam) {
-        judgement.m_verdict = Verdict::spam;
-    } else if (record.verdict.isHam) {
-        judgement.m_verdict = Verdict::ham;
+    } else {
+        judgement.m_verdict = record.verdict;
     }
     judgement.m_record = std::move(record);
     return judgement;
@@ -60,27 +60,11 @@ Action actionOn(Judgement const& judgement, MilterSettings const& settings) {
         return {action == FailureAction::reject ? VerdictAction::reject : VerdictAction::header,
                 action == FailureAction::tempfail};
     }
-    switch (judgement.m_verdict) {
-    case Verdict::spam:
-        return {settings.m_onSpam, false};
-    case Verdict::ham:
-        return {settings.m_onHam, false};
-    case Verdict::none:
-        break;
-    }
-    return {settings.m_onNone, false};
-}
-
-char const* verdictWord(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::spam:
-        return "spam";
-    case Verdict::ham:
-        return "ham";
-    case Verdict::none:
-        break;
-    }
-    return "none";
+    auto const& verdict = judgement.m_verdict;
+    return {verdict.isSpam  ? settings.m_onSpam
+            : verdict.isHam ? settings.m_onHam
+                            : settings.m_onNone,
+            false};
 }
 
 char const* failureWord(Failure failure) {
@@ -99,31 +83,18 @@ char const* failureWord(Failure failure) {
     return "overload";
 }
 
-char const* actionWord(Action const& action) {
-    if (action.m_isTemporary) {
-        return "tempfail";
-    }
-    switch (action.m_action) {
-    case VerdictAction::header:
-        return "header";
-    case VerdictAction::accept:
-        return "accept";
-    case VerdictAction::reject:
-        return "reject";
-    case VerdictAction::quarantine:
-        return "quarantine";
-    case VerdictAction::discard:
-        break;
-    }
-    return "discard";
+std::string actionWord(Action const& action) {
+    return (action.m_isTemporary ? settingTexts(FailureAction::tempfail)
+                                 : settingTexts(action.m_action))
+        .front();
 }
 
 std::string resultText(Judgement const& judgement) {
-    std::string text = verdictWord(judgement.m_verdict);
+    auto const& verdict = judgement.m_verdict;
+    std::string text = verdictName(verdict);
     if (judgement.m_failure) {
         return text + "; error=" + failureWord(*judgement.m_failure);
     }
-    auto const& verdict = judgement.m_record->verdict;
     text += "; node=" + std::to_string(verdict.node);
     if (verdict.node != 0) {
         text += "; confidence=" + numberText(verdict.confidence) +

@@ -13,13 +13,11 @@
 
 namespace Quorvane::Milter {
 
-enum class Verdict : std::uint8_t { spam, ham, none };
-
 // Why there is no verdict.
 enum class Failure : std::uint8_t { noRules, scanFailed, dnsFailed, oddMessage, overload };
 
 struct Judgement {
-    Verdict m_verdict = Verdict::none;
+    RecordedVerdict m_verdict; // of the rules; none when there was a failure
     std::optional<Failure> m_failure;
     std::optional<ScanRecord> m_record; // empty: there was no scan
 };
@@ -35,10 +33,10 @@ struct Action {
 };
 Action actionOn(Judgement const& judgement, MilterSettings const& settings);
 
-// The words of header, log and metrics: "spam"; "dns-failure"; "quarantine".
-char const* verdictWord(Verdict verdict);
+// The words of header, log and metrics: "dns-failure"; "quarantine". A verdict is named as in every
+// display (apps/story/VerdictStory.h).
 char const* failureWord(Failure failure);
-char const* actionWord(Action const& action);
+std::string actionWord(Action const& action);
 
 // Names of the headers that the daemon adds, and takes out of what comes in.
 inline constexpr char resultHeader[] = "X-QV-Deep-Header";

@@ -3,6 +3,9 @@
 // The only source that knows prometheus-cpp, whose headers are slow to compile.
 #include "apps/milter/Metrics.h"
 
+#include "apps/story/StepText.h"
+#include "apps/story/VerdictStory.h"
+
 #include <prometheus/counter.h>
 #include <prometheus/gauge.h>
 #include <prometheus/histogram.h>
@@ -22,22 +25,6 @@ prometheus::Histogram::BucketBoundaries const& s_times() {
     static prometheus::Histogram::BucketBoundaries const times{
         0.00005, 0.0001, 0.00025, 0.001, 0.005, 0.02, 0.05, 0.1, 0.25, 0.5, 1, 2, 5, 10};
     return times;
-}
-
-char const* s_lookupWord(LookupResult result) {
-    switch (result) {
-    case LookupResult::notAsked:
-        return "not-asked";
-    case LookupResult::answered:
-        return "answered";
-    case LookupResult::doesNotExist:
-        return "does-not-exist";
-    case LookupResult::failed:
-        return "failed";
-    case LookupResult::late:
-        break;
-    }
-    return "late";
 }
 
 } // namespace
@@ -105,7 +92,7 @@ void Metrics::sessions(int change) {
 
 void Metrics::message(Judgement const& judgement, Action const& action, double seconds) {
     m_families->m_messages
-        .Add({{"verdict", verdictWord(judgement.m_verdict)}, {"action", actionWord(action)}})
+        .Add({{"verdict", verdictName(judgement.m_verdict)}, {"action", actionWord(action)}})
         .Increment();
     if (judgement.m_failure) {
         m_families->m_failures.Add({{"class", failureWord(*judgement.m_failure)}}).Increment();
@@ -117,7 +104,7 @@ void Metrics::message(Judgement const& judgement, Action const& action, double s
 
 void Metrics::lookup(LookupResult result, std::chrono::duration<double> time) {
     if (result != LookupResult::notAsked) {
-        m_families->m_lookups.Add({{"result", s_lookupWord(result)}}).Increment();
+        m_families->m_lookups.Add({{"result", lookupName(result)}}).Increment();
         m_families->m_dnsTimes.Observe(time.count());
     }
 }

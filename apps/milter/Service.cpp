@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/milter/Service.h"
 
+#include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
 #include "platform/Logger.h"
 #include "platform/LogMessages.h"
@@ -18,11 +19,11 @@ std::string s_rulesText(Snapshot const& snapshot) {
 std::string s_logText(MessageReport const& report) {
     auto const& judgement = report.m_judgement;
     auto text = "queue=" + (report.m_queueId.empty() ? std::string("-") : report.m_queueId) +
-                " verdict=" + verdictWord(judgement.m_verdict);
+                " verdict=" + verdictName(judgement.m_verdict);
     if (judgement.m_failure) {
         text += std::string(" error=") + failureWord(*judgement.m_failure);
     } else {
-        text += " node=" + std::to_string(judgement.m_record->verdict.node);
+        text += " node=" + std::to_string(judgement.m_verdict.node);
     }
     return text + " action=" + actionWord(report.m_action) +
            " time=" + numberText(report.m_seconds * 1000, 3) + "ms";
@@ -69,7 +70,8 @@ void Service::lookForRules() {
             logMessage(LogId::rulesLoaded, s_rulesText(*current()));
         }
     } catch (std::exception const& error) {
-        logMessage(LogId::rulesRefused, error.what());
+        bool const hasRules = current()->m_host != nullptr;
+        logMessage(hasRules ? LogId::rulesRefused : LogId::noRules, error.what());
     }
 }
 

@@ -73,27 +73,6 @@ void s_appendEscaped(std::string& text, char c) {
     text += c;
 }
 
-std::string s_reverseV4(IPAddress::Bytes const& bytes) {
-    std::string name;
-    for (std::size_t i = 16; i > 12; --i) {
-        name += std::to_string(bytes.at(i - 1)) + '.';
-    }
-    return name + "in-addr.arpa";
-}
-
-std::string s_reverseV6(IPAddress::Bytes const& bytes) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string name;
-    for (std::size_t i = 16; i > 0; --i) {
-        unsigned const byte = bytes.at(i - 1);
-        name += digits.at(byte & 0xfU);
-        name += '.';
-        name += digits.at(byte >> 4U);
-        name += '.';
-    }
-    return name + "ip6.arpa";
-}
-
 } // namespace
 
 std::string askableName(std::string const& name) {
@@ -108,7 +87,7 @@ std::string askableName(std::string const& name) {
 }
 
 std::string reverseName(IPAddress const& address) {
-    return address.isV6() ? s_reverseV6(address.bytes()) : s_reverseV4(address.bytes());
+    return address.reversedLabels() + (address.isV6() ? "ip6.arpa" : "in-addr.arpa");
 }
 
 std::string wireNameText(std::string const& wire) {

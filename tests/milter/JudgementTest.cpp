@@ -28,7 +28,7 @@ ScanRecord s_withLookup(LookupResult result) {
 
 TEST(JudgementTest, TakesTheVerdictOfTheScan) {
     auto const judgement = judgementOf(s_spam(), {});
-    EXPECT_EQ(judgement.m_verdict, Verdict::spam);
+    EXPECT_TRUE(judgement.m_verdict.isSpam);
     EXPECT_FALSE(judgement.m_failure);
     EXPECT_EQ(resultText(judgement),
               "spam; node=17; confidence=0.9731; support=0.421; ips=192.0.2.55,192.0.2.56");
@@ -41,7 +41,7 @@ TEST(JudgementTest, HasNoFiguresWhereNoRuleDecided) {
 TEST(JudgementTest, CountsNoVerdictThatRestsOnLookupsThatFailed) {
     for (auto const result : {LookupResult::failed, LookupResult::late}) {
         auto const judgement = judgementOf(s_withLookup(result), {});
-        EXPECT_EQ(judgement.m_verdict, Verdict::none);
+        EXPECT_FALSE(judgement.m_verdict.isSpam || judgement.m_verdict.isHam);
         EXPECT_EQ(judgement.m_failure, Failure::dnsFailed);
         EXPECT_EQ(resultText(judgement), "none; error=dns-failure");
     }
@@ -50,12 +50,12 @@ TEST(JudgementTest, CountsNoVerdictThatRestsOnLookupsThatFailed) {
 TEST(JudgementTest, CountsItWhenTheSettingsSaySo) {
     MilterSettings settings;
     settings.m_trustFailedLookups = 1;
-    EXPECT_EQ(judgementOf(s_withLookup(LookupResult::late), settings).m_verdict, Verdict::spam);
+    EXPECT_TRUE(judgementOf(s_withLookup(LookupResult::late), settings).m_verdict.isSpam);
 }
 
 TEST(JudgementTest, TakesLookupsThatWereAnsweredForWhatTheyAre) {
     for (auto const result : {LookupResult::answered, LookupResult::doesNotExist}) {
-        EXPECT_EQ(judgementOf(s_withLookup(result), {}).m_verdict, Verdict::spam);
+        EXPECT_TRUE(judgementOf(s_withLookup(result), {}).m_verdict.isSpam);
     }
 }
 
@@ -72,9 +72,10 @@ TEST(ActionTest, IsThatOfTheVerdict) {
     settings.m_onNone = VerdictAction::quarantine;
     Judgement judgement;
     EXPECT_EQ(actionOn(judgement, settings).m_action, VerdictAction::quarantine);
-    judgement.m_verdict = Verdict::spam;
+    judgement.m_verdict.isSpam = true;
     EXPECT_EQ(actionOn(judgement, settings).m_action, VerdictAction::reject);
-    judgement.m_verdict = Verdict::ham;
+    judgement.m_verdict.isSpam = false;
+    judgement.m_verdict.isHam = true;
     EXPECT_EQ(actionOn(judgement, settings).m_action, VerdictAction::accept);
 }
 
@@ -89,11 +90,11 @@ TEST(ActionTest, IsThatOfTheClassOfAFailure) {
     for (auto const& [failure, member] : classes) {
         MilterSettings settings;
         settings.m_onNone = VerdictAction::discard;
-        EXPECT_STREQ(actionWord(actionOn(failureOf(failure), settings)), "header");
+        EXPECT_EQ(actionWord(actionOn(failureOf(failure), settings)), "header");
         settings.*member = FailureAction::tempfail;
-        EXPECT_STREQ(actionWord(actionOn(failureOf(failure), settings)), "tempfail");
+        EXPECT_EQ(actionWord(actionOn(failureOf(failure), settings)), "tempfail");
         settings.*member = FailureAction::reject;
-        EXPECT_STREQ(actionWord(actionOn(failureOf(failure), settings)), "reject");
+        EXPECT_EQ(actionWord(actionOn(failureOf(failure), settings)), "reject");
     }
 }
 

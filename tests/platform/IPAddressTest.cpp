@@ -243,4 +243,23 @@ RC_GTEST_PROP(IPAddress, AcceptsUntaggedTextExactlyWhenTheLibraryDoes, ()) {
     RC_ASSERT(IPAddress("ipV6:" + text) == s_fromLibrary(AF_INET6, text));
 }
 
+TEST(IPAddressTest, ComesFromTheBytesOfRecordsAndSockets) {
+    using namespace std::string_literals;
+    EXPECT_EQ(IPAddress::fromNetwork("\xc0\0\x02\x0a"s), IPAddress("192.0.2.10"));
+    EXPECT_EQ(IPAddress::fromNetwork("\x20\x01\x0d\xb8\0\0\0\0\0\0\0\0\0\0\0\x05"s),
+              IPAddress("2001:db8::5"));
+    for (auto const length : {0, 3, 5, 15, 17}) {
+        EXPECT_TRUE(
+            IPAddress::fromNetwork(std::string(static_cast<std::size_t>(length), 'x')).isNull())
+            << length;
+    }
+}
+
+TEST(IPAddressTest, IsReversedForNamesInDns) {
+    EXPECT_EQ(IPAddress("192.0.2.10").reversedLabels(), "10.2.0.192.");
+    EXPECT_EQ(IPAddress("2001:db8::5f").reversedLabels(),
+              "f.5.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.8.b.d.0.1.0.0.2.");
+    EXPECT_EQ(IPAddress().reversedLabels(), "");
+}
+
 } // namespace Quorvane::Testing
