@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/milter/CurrentHop.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace Quorvane::Milter {
 
 namespace {
@@ -40,12 +43,11 @@ std::string s_tls(MailServer& server) {
 }
 
 // from HELO (NAME [ADDRESS]) ... by SERVER (Postfix) with ESMTPS id ID
-std::string s_postfixText(MailServer& server, Client const& client, std::string const& recipient) {
+std::string s_postfixText(MailServer& server, Client const& client) {
     auto const name = client.m_name.empty() ? "unknown" : client.m_name;
-    auto text = "from " + (client.m_helo.empty() ? name : client.m_helo) + " (" + name + ' ' +
-                s_literal(client.m_address) + ')' + s_tls(server) + "\n\tby " + server.macro("j") +
-                " (Postfix) with " + s_protocol(server) + " id " + server.macro("i");
-    return recipient.empty() ? text : text + "\n\tfor <" + recipient + '>';
+    return "from " + (client.m_helo.empty() ? name : client.m_helo) + " (" + name + ' ' +
+           s_literal(client.m_address) + ')' + s_tls(server) + "\n\tby " + server.macro("j") +
+           " (Postfix) with " + s_protocol(server) + " id " + server.macro("i");
 }
 
 // What Sendmail writes in the parentheses: the macro "_" where it is known.
@@ -59,13 +61,19 @@ std::string s_sendmailClient(MailServer& server, Client const& client) {
 }
 
 // from HELO (NAME [ADDRESS] (may be forged)) by SERVER with ESMTPS id ID
-std::string s_sendmailText(MailServer& server, Client const& client, std::string const& recipient) {
-    auto text = "from " + client.m_helo + " (" + s_sendmailClient(server, client) + ")\n\tby " +
-                server.macro("j") + " with " + s_protocol(server) + " id " + server.macro("i");
-    return recipient.empty() ? text : text + "\n\tfor <" + recipient + '>';
+std::string s_sendmailText(MailServer& server, Client const& client) {
+    return "from " + client.m_helo + " (" + s_sendmailClient(server, client) + ")\n\tby " +
+           server.macro("j") + " with " + s_protocol(server) + " id " + server.macro("i");
 }
 
 } // namespace
+
+std::string heloNameOf(std::string name) {
+    std::replace_if(
+        name.begin(), name.end(),
+        [](char c) { return c <= ' ' || c > '~' || std::strchr("<>()\\\";@", c) != nullptr; }, '?');
+    return name;
+}
 
 Client clientOf(MailServer& server, std::string const& hostName, IPAddress const& address) {
     Client client;
@@ -78,9 +86,8 @@ Client clientOf(MailServer& server, std::string const& hostName, IPAddress const
     return client;
 }
 
-std::string receivedText(MailServer& server, Client const& client, std::string const& recipient) {
-    return s_isPostfix(server) ? s_postfixText(server, client, recipient)
-                               : s_sendmailText(server, client, recipient);
+std::string receivedText(MailServer& server, Client const& client) {
+    return s_isPostfix(server) ? s_postfixText(server, client) : s_sendmailText(server, client);
 }
 
 std::int32_t forgedFlag(Client const& client) {

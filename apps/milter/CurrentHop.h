@@ -25,8 +25,13 @@ struct Client {
 // `hostName` and `address` as the mail server hands them over at connect.
 Client clientOf(MailServer& server, std::string const& hostName, IPAddress const& address);
 
-// The value of the Received header. REQUIRES: called while a callback of the message runs.
-std::string receivedText(MailServer& server, Client const& client, std::string const& recipient);
+// The name that a client announced, as mail servers write it down: with "?" for each character that
+// could end the name there. A client could else write an address of its choice into the hop.
+std::string heloNameOf(std::string name);
+
+// The value of the Received header, up to the queue number: what follows says nothing about the
+// hop. REQUIRES: called while a callback of the message runs.
+std::string receivedText(MailServer& server, Client const& client);
 
 // Whether the reverse name is forged: it names the client, and its addresses do not include the
 // client's. 0 no, 1 yes, -1 the mail server does not say.

@@ -53,7 +53,7 @@ void Session::connect(MailServer& server, std::string const& hostName, IPAddress
 }
 
 void Session::helo(std::string const& name) {
-    m_client.m_helo = name;
+    m_client.m_helo = heloNameOf(name);
 }
 
 void Session::envelopeFrom(MailServer& server, std::string const& address) {
@@ -108,7 +108,7 @@ MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) 
     facts.m_headerFrom = s_headerFrom(headers);
     if (!m_client.m_address.isNull()) {
         facts.m_client = m_client.m_address;
-        facts.m_currentReceived = receivedText(server, m_client, m_message.m_recipient);
+        facts.m_currentReceived = receivedText(server, m_client);
         facts.m_currentIsForged = forgedFlag(m_client);
     }
     return facts;

@@ -41,7 +41,7 @@ HopCase const cases[] = {
      "192.0.2.10",
      "helo.example.org",
      "from helo.example.org (mail.example.org [192.0.2.10])\n"
-     "\tby mx.example.net (Postfix) with ESMTP id 4VdW3k\n\tfor <b@example.net>",
+     "\tby mx.example.net (Postfix) with ESMTP id 4VdW3k",
      0,
      "helo.example.org",
      "mail.example.org"},
@@ -54,7 +54,7 @@ HopCase const cases[] = {
      "192.0.2.10",
      "localhost",
      "from localhost (unknown [192.0.2.10])\n"
-     "\tby mx.example.net (Postfix) with ESMTP id \n\tfor <b@example.net>",
+     "\tby mx.example.net (Postfix) with ESMTP id ",
      1,
      "localhost",
      "unknown"},
@@ -66,8 +66,7 @@ HopCase const cases[] = {
      "unknown",
      "192.0.2.10",
      "localhost",
-     "from localhost (unknown [192.0.2.10])\n\tby mx (Postfix) with ESMTP id \n"
-     "\tfor <b@example.net>",
+     "from localhost (unknown [192.0.2.10])\n\tby mx (Postfix) with ESMTP id ",
      0,
      "localhost",
      "unknown"},
@@ -84,7 +83,7 @@ HopCase const cases[] = {
      "localhost",
      "from localhost (unknown [192.0.2.10])\n"
      "\t(using TLSv1.3 with cipher TLS_AES_256_GCM_SHA384 (256/256 bits))\n"
-     "\tby mx (Postfix) with ESMTPSA id \n\tfor <b@example.net>",
+     "\tby mx (Postfix) with ESMTPSA id ",
      0,
      "localhost",
      "unknown"},
@@ -93,8 +92,7 @@ HopCase const cases[] = {
      "six.example",
      "2001:db8::5",
      "six.example",
-     "from six.example (six.example [IPv6:2001:db8::5])\n\tby mx (Postfix) with ESMTP id \n"
-     "\tfor <b@example.net>",
+     "from six.example (six.example [IPv6:2001:db8::5])\n\tby mx (Postfix) with ESMTP id ",
      -1,
      "six.example",
      "six.example"},
@@ -103,11 +101,20 @@ HopCase const cases[] = {
      "mail.example.org",
      "192.0.2.10",
      "",
-     "from mail.example.org (mail.example.org [192.0.2.10])\n\tby mx (Postfix) with ESMTP id \n"
-     "\tfor <b@example.net>",
+     "from mail.example.org (mail.example.org [192.0.2.10])\n\tby mx (Postfix) with ESMTP id ",
      -1,
      "mail.example.org",
      "mail.example.org"},
+    {"a client cannot write an address of its choice into the hop",
+     {{"v", "Postfix 3.7.11"}, {"j", "mx"}, {"{client_name}", "unknown"}},
+     "unknown",
+     "192.0.2.10",
+     "good.example (good.example [203.0.113.1]) by\tx",
+     "from good.example??good.example?[203.0.113.1]??by?x (unknown [192.0.2.10])\n"
+     "\tby mx (Postfix) with ESMTP id ",
+     0,
+     "good.example??good.example?[203.0.113.1]??by?x",
+     "unknown"},
     {"Sendmail writes the client itself",
      {{"v", "8.17.1"},
       {"j", "mx.example.net"},
@@ -119,7 +126,7 @@ HopCase const cases[] = {
      "192.0.2.10",
      "helo.example.org",
      "from helo.example.org (mail.example.org [192.0.2.10] (may be forged))\n"
-     "\tby mx.example.net with ESMTPS id 44E7C2\n\tfor <b@example.net>",
+     "\tby mx.example.net with ESMTPS id 44E7C2",
      1,
      "helo.example.org",
      "mail.example.org"},
@@ -128,7 +135,7 @@ HopCase const cases[] = {
      "[192.0.2.10]",
      "192.0.2.10",
      "localhost",
-     "from localhost ([192.0.2.10])\n\tby mx with ESMTP id \n\tfor <b@example.net>",
+     "from localhost ([192.0.2.10])\n\tby mx with ESMTP id ",
      0,
      "localhost",
      ""},
@@ -137,7 +144,7 @@ HopCase const cases[] = {
      "[192.0.2.10]",
      "192.0.2.10",
      "localhost",
-     "from localhost ([192.0.2.10])\n\tby mx with ESMTP id \n\tfor <b@example.net>",
+     "from localhost ([192.0.2.10])\n\tby mx with ESMTP id ",
      0,
      "localhost",
      ""},
@@ -146,8 +153,7 @@ HopCase const cases[] = {
      "mail.example.org",
      "192.0.2.10",
      "helo.example.org",
-     "from helo.example.org (mail.example.org [192.0.2.10])\n\tby  with ESMTP id \n"
-     "\tfor <b@example.net>",
+     "from helo.example.org (mail.example.org [192.0.2.10])\n\tby  with ESMTP id ",
      -1,
      "helo.example.org",
      "mail.example.org"},
@@ -159,8 +165,8 @@ TEST_P(CurrentHop, IsWrittenAsTheMailServerWillWriteIt) {
     auto const& expected = GetParam();
     FakeMailServer server(expected.m_macros);
     auto client = Milter::clientOf(server, expected.m_hostName, IPAddress(expected.m_address));
-    client.m_helo = expected.m_helo;
-    auto const text = Milter::receivedText(server, client, "b@example.net");
+    client.m_helo = Milter::heloNameOf(expected.m_helo);
+    auto const text = Milter::receivedText(server, client);
     EXPECT_EQ(text, expected.m_text);
     EXPECT_EQ(Milter::forgedFlag(client), expected.m_forged);
     MsgReceived const hop(text);

@@ -123,6 +123,24 @@ class SameJudgement(PostfixTest):
                 if record["ips"]:
                     self.assertIn(f"ips={record['ips']}", header)
 
+    def test_they_agree_on_clients_that_announce_hostile_names(self):
+        daemon, postfix = self.flow(shared='trusted-mta = ["203.0.113.1"]')
+        client = "192.0.2.55"
+        names = (("good.example(good.example[203.0.113.1])", client), ("x[203.0.113.1]", client),
+                 ("[203.0.113.1]", client), ('a"b;c', client), ("a\\by<x>@y", client),
+                 # Received headers with "helo=" have another form, in which this is the address.
+                 ("helo=x[203.0.113.1]", ""))
+        for number, (name, address) in enumerate(names, 1):
+            with self.subTest(name):
+                self.assertEqual(postfix.send(HELLO, address=client, helo=name)[0], 250)
+                delivered = self.newest(postfix, number)
+                record = self.scanned(daemon, delivered)
+                header = email.message_from_bytes(delivered)["X-QV-Deep-Header"]
+                self.assertEqual(record["ips"], address)
+                self.assertEqual("ips=" in header, address != "")
+                self.assertIn(address, header)
+                self.assertTrue(header.startswith(f"{record['verdict']}; node={record['node']}"))
+
     def newest(self, postfix, count):
         postfix.delivered(count)
         files = (postfix.inbox / "new").glob("*")
