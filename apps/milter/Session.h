@@ -34,7 +34,7 @@ class Session {
     void header(std::string const& name, std::string const& value);
     // Judges the message and does what the settings say. Throws nothing.
     Reply endOfMessage(MailServer& server);
-    // Forgets the message.
+    // Gives the memory of the message back; the next one begins afresh in any case.
     void abort();
 
   private:
