@@ -71,7 +71,7 @@ void RelayScores::describe(HeaderContainer const& headers, IPAddress const& clie
                            MessageProperties& properties) const {
     auto& analysis = properties.receivedHeaderAnalysis();
     analysis.reputation(m_table);
-    auto score = m_table == nullptr ? std::nullopt : m_table->score(client);
+    auto score = m_table == nullptr ? 0 : m_table->score(client).value_or(0);
     for (auto const& entry : askLists(askedRelays(headers, client))) {
         analysis.push_back(entry);
         if (entry.m_received.address() == client) {
@@ -79,7 +79,7 @@ void RelayScores::describe(HeaderContainer const& headers, IPAddress const& clie
         }
     }
     if (!client.isNull()) {
-        properties.clientScore(static_cast<std::uint32_t>(score.value_or(0)));
+        properties.clientScore(static_cast<std::uint32_t>(score));
     }
 }
 
