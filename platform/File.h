@@ -22,6 +22,10 @@ QV_API void setRoot(std::string const& folder);
 // The root folder without a trailing slash: "" stands for "/".
 QV_API std::string const& root();
 
+// The folder that holds the file `name` of `dir`, below the root folder, once all links are
+// followed; empty when there is no such file.
+QV_API std::string realFolder(std::string const& dir, std::string const& name);
+
 // A joined path below the root folder. A value: copy freely, share read-only.
 class QV_API Path {
   public:

@@ -3,11 +3,23 @@
 
 #include "apps/commandline/Program.h"
 #include "apps/settings/SettingSources.h"
+#include "rules/format/RuleFiles.h"
 #include "rules/language/AttributePage.h"
+#include "rules/model/RuleError.h"
 
 #include <algorithm>
 
 namespace Quorvane::RulesApp {
+
+std::filesystem::path ruleFolder(CommandLine const& line) {
+    auto const root = line.text("root", "/");
+    std::error_code error;
+    if (!std::filesystem::is_directory(root, error)) {
+        throw Rules::RuleError(Rules::RuleError::Kind::noInput,
+                               root + ": is not a folder; make it first, or correct --root");
+    }
+    return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
+}
 
 SettingsStore settingsStore(CommandLine const& line) {
     SettingsStore settings;

@@ -25,7 +25,7 @@ int diff(CommandLine const& line) {
     if (mail.m_inputs.empty()) {
         throw UsageError("give mail (--on, --ham, --spam) or vectors (--vectors, --on-vectors)");
     }
-    auto const output = line.text("output", "-");
+    auto const output = outputOf(line, "output", drawnMark);
     requireWritable(output);
     auto const& settings = mail.m_host.m_judging;
     auto const before = Rules::loadRules(line.text("OLD"));

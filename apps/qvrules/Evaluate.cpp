@@ -26,7 +26,7 @@ int evaluate(CommandLine const& line) {
     if (mail.m_inputs.empty()) {
         throw UsageError("give mail (--ham, --spam) or vectors (--vectors)");
     }
-    auto const output = line.text("output", "-");
+    auto const output = outputOf(line, "output", drawnMark);
     requireWritable(output);
     auto const rules = Rules::loadRules(line.text("RULES"));
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);

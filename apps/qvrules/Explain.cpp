@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/commandline/Program.h"
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/Output.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/workshop/ExplainInput.h"
@@ -28,8 +28,7 @@ class Explainer {
   private:
     void print(std::string const& source, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
-        writeOutput("-", m_isJson
-                             ? jsonExplanation(source, record, settings)
+        printOutput(m_isJson ? jsonExplanation(source, record, settings)
                              : textRecord(source, record, false) + textExplain(record, settings));
     }
 

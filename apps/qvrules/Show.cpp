@@ -22,7 +22,7 @@ namespace {
 struct ShowArguments {
     std::string m_rules; // text or folder
     std::string m_format;
-    std::string m_output;
+    Output m_output;
     // Mail and tables of vectors to measure the traffic on.
     std::vector<std::string> m_on;
     std::vector<std::string> m_vectors;
@@ -37,7 +37,7 @@ struct ShowArguments {
 ShowArguments s_arguments(CommandLine const& line) {
     return {line.text("RULES"),
             line.text("format", "text"),
-            line.text("output", "-"),
+            outputOf(line, "output", drawnMark),
             line.texts("on"),
             line.texts("vectors"),
             line.texts("message"),
@@ -98,7 +98,7 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
     if (arguments.m_format == "html") {
         return Show::htmlDrawing(drawing, extras);
     }
-    return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output == "-"));
+    return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output.m_path == "-"));
 }
 
 Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& settings,
@@ -164,8 +164,8 @@ void s_check(ShowArguments const& arguments, bool areFactsGiven) {
     if (!arguments.m_messages.empty() && arguments.m_format != "html" && !arguments.m_serve) {
         throw UsageError("--message is for a page: add --format html or --serve");
     }
-    bool const wantsFile =
-        arguments.m_format == "dot" || arguments.m_format == "svg" || arguments.m_output != "-";
+    bool const wantsFile = arguments.m_format == "dot" || arguments.m_format == "svg" ||
+                           arguments.m_output.m_path != "-";
     if (arguments.m_serve && wantsFile) {
         throw UsageError("--serve shows the page in a browser: leave out --format and -o");
     }

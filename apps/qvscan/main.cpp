@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
+#include "apps/host/RuleLoader.h"
 #include "apps/qvscan/ScanRun.h"
 
 #include <csignal>
@@ -9,7 +10,8 @@ namespace Quorvane {
 namespace {
 
 int s_run(CommandLine const& line) {
-    auto const options = scanOptions(line);
+    auto options = scanOptions(line);
+    useOwnRulesIfNoneAreInstalled(options.m_settings);
     if (line.has("show-config")) {
         printOutput(options.m_settings.asToml());
         return ExitStatus::ok;

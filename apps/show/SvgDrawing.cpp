@@ -2,6 +2,7 @@
 #include "apps/page/Escape.h"
 #include "apps/page/TextWidth.h"
 #include "apps/show/NodeText.h"
+#include "apps/text/MadeBy.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
@@ -90,8 +91,9 @@ class SvgWriter {
                           "\" viewBox=\"0 0 " + s_number(m_width) + ' ' + s_number(height);
         return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
-               size + "\" role=\"img\">\n<title>" + s_text(m_rules.m_name) + "</title>\n<style>\n" +
-               std::string(shadesStyle()) + std::string(svgStyle()) +
+               size + "\" role=\"img\">\n<!-- " + madeBy + " -->\n<title>" +
+               s_text(m_rules.m_name) + "</title>\n<style>\n" + std::string(shadesStyle()) +
+               std::string(svgStyle()) +
                "</style>\n<rect class=\"paper\" width=\"100%\" height=\"100%\"/>\n" + m_text +
                "</svg>\n";
     }

@@ -20,10 +20,18 @@ void s_checkIsNoFile(std::filesystem::path const& folder) {
     }
 }
 
+// Where the files really are: links may lead to another set while they are read.
+std::filesystem::path s_realFolder(std::filesystem::path const& folder) {
+    std::error_code error;
+    auto const tree = std::filesystem::canonical(folder / treeFileName, error);
+    return error ? folder : tree.parent_path();
+}
+
 } // namespace
 
-RuleSet readFolder(std::filesystem::path const& folder) {
-    s_checkIsNoFile(folder);
+RuleSet readFolder(std::filesystem::path const& named) {
+    s_checkIsNoFile(named);
+    auto const folder = s_realFolder(named);
     RuleSet set;
     readTree(readFile(folder / treeFileName), set);
     if (auto const elite = readFileIfThere(folder / eliteFileName)) {

@@ -112,6 +112,19 @@ TEST_F(ExitStatus, RulesThatCannotBeLoadedAre78) {
     EXPECT_NE(result.m_errors.find("Error loading the deep header rules"), std::string::npos);
 }
 
+// The build tree is laid out as an installation is.
+TEST_F(ExitStatus, WithoutInstalledRulesThoseThatCameWithTheProgramAreUsed) {
+    if (std::filesystem::exists("/var/spool/etc/antispam/qv.dt")) {
+        GTEST_SKIP() << "rules are installed on this machine";
+    }
+    auto const result = run({"--dns", "off"}, ham());
+    EXPECT_EQ(result.m_status, 0) << result.m_errors;
+    EXPECT_EQ(records(result).size(), 1U);
+    auto const shown = run({"--show-config"}).m_output;
+    EXPECT_NE(shown.find("share/qvdeepheader/root\""), std::string::npos) << shown;
+    EXPECT_NE(shown.find("# came with the program, as none are installed\n"), std::string::npos);
+}
+
 TEST_F(ExitStatus, RulesOfAVersionThatNeverLoadsSayWhy) {
     auto const folder = m_folder.path() / "zero/var/spool/etc/antispam";
     std::filesystem::create_directories(folder);
