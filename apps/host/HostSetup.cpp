@@ -7,7 +7,9 @@
 #include "platform/DynamicIdentifier.h"
 #include "platform/Resolver.h"
 #include "platform/TrustedMTASet.h"
+#include "rules/format/AttributeTable.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cmath>
@@ -39,7 +41,7 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
     ResolverSettings resolver;
     if (settings.m_dns == "off") {
         resolver.m_mode = ResolverSettings::Mode::off;
-    } else if (settings.m_dns != "system") {
+    } else if (settings.m_dns != "system" && settings.m_dns != dnsAsNeeded) {
         resolver.m_mode = ResolverSettings::Mode::servers;
         resolver.m_servers = {settings.m_dns};
     }
@@ -87,12 +89,38 @@ boost::shared_ptr<Telvanis::DynamicIdentifier> s_patterns(HostSettings const& se
     }
 }
 
+// Whether "auto" is to be decided by the rules: lists of relays are asked whatever these test, and
+// local data costs nothing.
+bool s_dependsOnRules(HostSettings const& settings) {
+    return settings.m_dns == dnsAsNeeded && settings.m_dnsLists.empty() &&
+           settings.m_dnsData.empty() && settings.m_zoneLines.empty();
+}
+
+PreparedResolver s_silentResolver() {
+    ResolverSettings settings;
+    settings.m_mode = ResolverSettings::Mode::off;
+    return Resolver::prepare(settings);
+}
+
+// REQUIRES: s_dependsOnRules(settings).
+PreparedResolver s_resolverFor(HostSettings const& settings, DeepHeaderEngine const& engine) {
+    return needsLookups(engine) ? s_resolver(settings) : s_silentResolver();
+}
+
 // The tables of the process for all scans, built but not yet in force.
 class PreparedPlatform {
   public:
     explicit PreparedPlatform(HostSettings const& settings)
         : m_trusted(settings.m_trusted, settings.m_antiSpam, settings.m_internal),
-          m_patterns(s_patterns(settings)), m_resolver(s_resolver(settings)) {}
+          m_patterns(s_patterns(settings)),
+          m_resolver(s_dependsOnRules(settings) ? nullptr : s_resolver(settings)) {}
+
+    // Completes it, once the rules are known.
+    void fit(HostSettings const& settings, DeepHeaderEngine const& engine) {
+        if (m_resolver == nullptr) {
+            m_resolver = s_resolverFor(settings, engine);
+        }
+    }
 
     // Only swaps pointers.
     void publish() {
@@ -109,8 +137,22 @@ class PreparedPlatform {
 
 } // namespace
 
+bool needsLookups(DeepHeaderEngine const& engine) {
+    auto const tested = engine.testedAttributes();
+    return std::any_of(tested.begin(), tested.end(), [](std::int32_t attribute) {
+        return dependsOnDns(attributeTable.at(static_cast<std::size_t>(attribute)));
+    });
+}
+
+void settleDns(HostSettings& settings, bool isNeeded) {
+    if (settings.m_dns == dnsAsNeeded) {
+        settings.m_dns = isNeeded ? "system" : "off";
+    }
+}
+
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine) {
     PreparedPlatform platform(settings);
+    platform.fit(settings, engine);
     auto host = std::make_shared<ScanHost const>(settings, std::move(engine));
     platform.publish();
     return host;
@@ -121,6 +163,7 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
     PreparedPlatform platform(settings);
     useRoot(settings.m_root);
     auto rules = loadRules();
+    platform.fit(settings, rules.m_engine);
     auto host =
         std::make_shared<ScanHost const>(settings, std::move(rules.m_engine), rules.m_version);
     if (logger != nullptr) {
@@ -136,6 +179,10 @@ std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> h
         return host;
     }
     auto rules = loadRules();
+    if (s_dependsOnRules(host->settings()) &&
+        needsLookups(rules.m_engine) != needsLookups(host->engine())) {
+        Resolver::instance().configure(s_resolverFor(host->settings(), rules.m_engine));
+    }
     return std::make_shared<ScanHost const>(
         host->judgingWith(std::move(rules.m_engine), rules.m_version));
 }

@@ -37,6 +37,7 @@ class ScanHost {
                      RecordDepth depth) const;
 
     HostSettings const& settings() const { return m_settings; }
+    DeepHeaderEngine const& engine() const { return m_engine; }
     std::optional<std::int32_t> ruleVersion() const { return m_version; }
 
     // The same host with other thresholds, or other rules. It shares the rest.

@@ -13,11 +13,18 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
+// The answers of DNS are shown, whether or not the rules test them.
+HostSettings s_settings(CommandLine const& line) {
+    auto settings = hostSettings(line);
+    settleDns(settings, true);
+    return settings;
+}
+
 class Explainer {
   public:
     Explainer(CommandLine const& line, DeepHeaderEngine const& engine)
         : m_isJson(line.text("format") == "json"), m_facts(messageFacts(line)),
-          m_host(setUpHost(hostSettings(line), engine)) {}
+          m_host(setUpHost(s_settings(line), engine)) {}
 
     void explain(Workshop::AskedItem const& item) const {
         auto const depth = RecordDepth::alternatives;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Progress.h"
+#include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -75,7 +76,9 @@ Rules::PruningPlan s_pruning(CommandLine const& line) {
 TrainingMail s_trainingMail(CommandLine const& line) {
     TrainingMail mail{mailInputs(line), line.has("augment") ? Copies::together : Copies::none,
                       hostSettings(line)};
-    if (!line.has("lookups")) {
+    if (line.has("lookups")) {
+        settleDns(mail.m_host, true);
+    } else {
         s_turnLookupsOff(line, mail.m_host);
     }
     return mail;

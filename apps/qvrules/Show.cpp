@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
@@ -56,13 +57,15 @@ std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
     return named;
 }
 
-Rules::VectorTable s_mail(ShowArguments const& arguments, TrainingMailCounts& counts) {
+Rules::VectorTable s_mail(ShowArguments const& arguments, DeepHeaderEngine const& engine,
+                          TrainingMailCounts& counts) {
     TrainingMail mail;
     if (!arguments.m_on.empty()) {
         mail.m_inputs.push_back({s_asCorpus(arguments.m_on)});
     }
     mail.m_inputs.push_back({s_asCorpus(arguments.m_vectors), true});
     mail.m_host = arguments.m_settings;
+    settleDns(mail.m_host, needsLookups(engine));
     return gatherMessages(mail, counts).m_unsorted;
 }
 
@@ -137,14 +140,15 @@ bool s_needsEngine(ShowArguments const& arguments) {
 }
 
 void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set) {
-    auto const& settings = arguments.m_settings;
+    auto settings = arguments.m_settings;
+    settleDns(settings, true); // the page shows the answers of DNS
     auto const rules = Show::shownRules(arguments.m_rules, set);
     bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
     TrainingMailCounts counts;
-    auto const table = isMeasured ? s_mail(arguments, counts) : Rules::VectorTable();
+    auto const engine = engineOf(set);
+    auto const table = isMeasured ? s_mail(arguments, engine, counts) : Rules::VectorTable();
     Interrupt interrupt; // after the measuring, which reads signals of its own
     try {
-        auto const engine = engineOf(set);
         auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
         Show::MessageExplainer const explainer(settings, engine, arguments.m_facts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};

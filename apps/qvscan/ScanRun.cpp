@@ -29,6 +29,15 @@ bool s_wantsColour() {
     return (noColour == nullptr || *noColour == '\0') && ::isatty(STDOUT_FILENO) == 1;
 }
 
+// What the output shows has to be asked for.
+HostSettings s_settings(ScanOptions const& options) {
+    auto settings = options.m_settings.values();
+    if (options.m_explain || options.m_format == OutputFormat::csv) {
+        settleDns(settings, true);
+    }
+    return settings;
+}
+
 ScanResult s_problem(std::string const& source, std::string const& text, int status) {
     ScanResult result;
     result.m_errors = "qvscan: " + toPrintable(source) + ": " + toPrintable(text) + "\n";
@@ -40,8 +49,8 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()), m_host(setUpHost(options.m_settings.values())),
-      m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
+      m_colour(s_wantsColour()), m_host(setUpHost(s_settings(options))), m_output(STDOUT_FILENO),
+      m_errors(STDERR_FILENO) {}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
     auto const& settings = m_host->settings().m_judging;

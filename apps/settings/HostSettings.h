@@ -30,6 +30,9 @@ inline DeepHeaderSettings programDefaults() {
     return settings;
 }
 
+// A value of the setting "dns".
+inline constexpr char dnsAsNeeded[] = "auto";
+
 struct HostSettings {
     // The rule files are looked up below this folder.
     std::string m_root = "/";
@@ -43,8 +46,9 @@ struct HostSettings {
     std::vector<DnsList> m_dnsLists;
     // File of patterns; empty: the built-in list.
     std::string m_dynamicPatterns;
-    // "system", "off" or a server.
-    std::string m_dns = "system";
+    // "auto", "system", "off" or a server. "auto" asks like "system" when a rule tests what comes
+    // from DNS, and otherwise nothing.
+    std::string m_dns = dnsAsNeeded;
     // Seconds that the look-ups of one message may take in all.
     double m_dnsTimeout = 2.0;
     // File of zone lines; empty: none. When it is given, nothing else is asked.

@@ -25,12 +25,12 @@ void s_checkTimeout(std::string const& text) {
 
 void s_checkDns(std::string const& text) {
     auto const at = text.find('@');
-    if (text == "system" || text == "off") {
+    if (text == "auto" || text == "system" || text == "off") {
         return;
     }
     if (!IPAddress::isValidIPAddress(text.substr(0, at))) {
         throw SettingsError("\"" + text +
-                            "\" is not a resolver; write system, off, or the address of " +
+                            "\" is not a resolver; write auto, system, off, or the address of " +
                             "a name server, as in 192.0.2.53 or 192.0.2.53@5353");
     }
     if (at != std::string::npos) {
@@ -75,7 +75,8 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
         {"dynamic-patterns", SettingKind::path, "FILE",
          "patterns of dynamic host names, instead of the built-in list"}),
     settingRow<&HostSettings::m_dns>(
-        {"dns", SettingKind::text, "system|off|HOST[@PORT]", "which resolver answers look-ups"},
+        {"dns", SettingKind::text, "auto|system|off|HOST[@PORT]",
+         "which resolver answers look-ups; auto: like system if rules or output need it (auto)"},
         s_checkDns),
     settingRow<&HostSettings::m_dnsTimeout>(
         {"dns-timeout", SettingKind::number, "SECONDS",

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/VectorJudge.h"
 
+#include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 
 namespace Quorvane::Workshop {
@@ -20,6 +21,10 @@ Rules::JudgedVector VectorJudge::operator()(Rules::AttributeVector const& vector
     judged.m_adjust = verdict.adjust;
     judged.m_score = verdict.spamScore;
     return judged;
+}
+
+bool VectorJudge::needsLookups() const {
+    return Quorvane::needsLookups(m_engine);
 }
 
 } // namespace Quorvane::Workshop

@@ -9,10 +9,8 @@ namespace Quorvane::Rules {
 
 AttributeSelection defaultAttributes() {
     AttributeSelection selection;
-    selection.fill(true);
-    for (auto const index : {Attribute::firstHeloResolves, Attribute::firstForged,
-                             Attribute::envelopeDomainResolves}) {
-        selection.at(index) = false;
+    for (auto const& facts : attributeTable) {
+        selection.at(facts.m_index) = !dependsOnDns(facts);
     }
     return selection;
 }

@@ -10,6 +10,7 @@
 #include "platform/HeaderReader.h"
 #include "platform/Resolver.h"
 #include "platform/TrustedMTASet.h"
+#include "rules/format/AttributeTable.h"
 #include "support/RuleFolder.h"
 #include "support/TemporaryFolder.h"
 
@@ -47,10 +48,11 @@ class HostSetupTest : public testing::Test {
     }
 
     // Rules of a newer version, with one leaf for all messages of one hop.
-    static void installRules(double confidence) {
+    static void installRules(double confidence) { installRules(leaf(37, 0, confidence)); }
+
+    static void installRules(DTNode const& only) {
         static int version = 0;
-        s_folder().write(std::string(ruleFolder) + "qv.dt",
-                         treeBytes(treeOf({leaf(37, 0, confidence)})));
+        s_folder().write(std::string(ruleFolder) + "qv.dt", treeBytes(treeOf({only})));
         writeVersion(++version);
     }
 
@@ -70,6 +72,13 @@ class HostSetupTest : public testing::Test {
 
     static bool resolves(std::string const& name) {
         return !Resolver::instance().submit(RecordType::mailName, name, RecordClass::IN).isEmpty();
+    }
+
+    // Whether names are asked at all; what the answer is does not matter.
+    static bool isAsking() {
+        auto const answer =
+            Resolver::instance().submit(RecordType::A, "name.invalid", RecordClass::IN);
+        return answer.result() != LookupResult::notAsked;
     }
 
     static bool isDynamic(std::string const& name) {
@@ -115,6 +124,44 @@ TEST_F(HostSetupTest, OtherSettingsAreInForceTogether) {
     EXPECT_TRUE(isDynamic("other.a.example"));
     EXPECT_TRUE(resolves("there.test"));
     EXPECT_EQ(host->settings().m_trusted.front().asString(), "198.51.100.0/24");
+}
+
+TEST_F(HostSetupTest, NamesAreAskedOnlyWhileTheRulesTestWhatDnsSays) {
+    auto settings = m_first;
+    settings.m_dns = "auto";
+    settings.m_dnsTimeout = 0.1;
+    settings.m_zoneLines.clear();
+    auto host = setUpHost(settings);
+    EXPECT_FALSE(isAsking());
+    installRules(leaf(Attribute::envelopeDomainResolves, 0, 0.5));
+    host = withNewerRules(host);
+    EXPECT_TRUE(isAsking());
+    EXPECT_TRUE((setUpHost(settings), isAsking()));
+    installRules(0.5);
+    withNewerRules(host);
+    EXPECT_FALSE(isAsking());
+}
+
+TEST_F(HostSetupTest, AListOfRelaysIsAskedWhateverTheRulesTest) {
+    auto settings = m_first;
+    settings.m_dns = "auto";
+    settings.m_dnsTimeout = 0.1;
+    settings.m_zoneLines.clear();
+    settings.m_dnsLists.emplace_back();
+    readSetting("list.example 127.0.0.2=0", settings.m_dnsLists.back());
+    setUpHost(settings);
+    EXPECT_TRUE(isAsking());
+}
+
+TEST_F(HostSetupTest, AProgramThatKnowsBetterSettlesAutoAndNothingElse) {
+    HostSettings settings;
+    settleDns(settings, true);
+    EXPECT_EQ(settings.m_dns, "system");
+    settleDns(settings, false);
+    EXPECT_EQ(settings.m_dns, "system");
+    settings = {};
+    settleDns(settings, false);
+    EXPECT_EQ(settings.m_dns, "off");
 }
 
 struct RefusedCase {
