@@ -112,13 +112,14 @@ class Postfix:
         self.command("postfix", "stop", check=False)
         shutil.rmtree(self.folder, ignore_errors=True)
 
-    def client(self, address=None, name=None, login=None, helo="localhost"):
-        """A session with Postfix, which takes it for this client's."""
+    def client(self, address=None, name=None, reverse=None, login=None, helo="localhost"):
+        """A session with Postfix, which takes it for this client's. `reverse` is a name that only
+        the client's address leads to."""
         session = smtplib.SMTP("127.0.0.1", self.port, local_hostname=helo, timeout=60)
         session.ehlo(helo)
         if address:
             words = [f"ADDR={address}", f"NAME={name or '[UNAVAILABLE]'}",
-                     f"REVERSE_NAME={name or '[UNAVAILABLE]'}"]
+                     f"REVERSE_NAME={reverse or name or '[UNAVAILABLE]'}"]
             words += [f"LOGIN={login}"] if login else []
             code, text = session.docmd("XCLIENT", " ".join(words))
             if code != 220:
