@@ -109,7 +109,7 @@ MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) 
     if (!m_client.m_address.isNull()) {
         facts.m_client = m_client.m_address;
         facts.m_currentReceived = receivedText(server, m_client);
-        facts.m_currentIsForged = forgedFlag(m_client);
+        facts.m_currentIsForged = forgedFlag(server, m_client);
     }
     return facts;
 }

@@ -3,22 +3,19 @@
 taken from that page."""
 import os
 import pathlib
-import re
 import subprocess
 import tempfile
 import unittest
 
 from milter import wait_for
+from pages import blocks
 from postfix_test import HELLO, SPAMMER, PostfixTest
 
-PAGE = pathlib.Path(os.environ["QV_DOCS"]) / "with-other-filters.md"
 HAM = {"address": "192.0.2.56", "name": "mail.example.org", "helo": "mail.example.org"}
 
 
 def recipes(heading):
-    """The blocks of code below a heading of the page."""
-    section = PAGE.read_text().split(f"\n## {heading}\n")[1].split("\n## ")[0]
-    return re.findall(r"```[a-z]*\n(.*?)```", section, re.S)
+    return blocks("with-other-filters.md", heading)
 
 
 class OtherFilters(PostfixTest):

@@ -65,13 +65,15 @@ def wait_for(condition, what, seconds=30):
 class Daemon:
     """A qvmilter in the foreground. `shared` are settings for all programs, `own` those of [milter]."""
 
-    def __init__(self, shared="", own="", version=1, rules=RULES, folder=None):
+    def __init__(self, shared="", own="", version=1, rules=RULES, folder=None,
+                 socket=None):
         self.folder = pathlib.Path(folder or tempfile.mkdtemp(prefix="qvmilter-"))
         self.folder.chmod(0o755)
         self.root = self.folder / "root"
         self.root.mkdir(exist_ok=True)
         self.config = self.folder / "qv.toml"
-        self.socket = self.folder / "qv.sock"
+        self.socket = pathlib.Path(socket or self.folder / "qv.sock")
+        self.socket.parent.mkdir(exist_ok=True)
         self.metrics_port = free_port()
         self.process = None
         self.log = []

@@ -7,6 +7,7 @@ import smtplib
 import subprocess
 import tempfile
 
+from mail_server import MailServer, answers
 from milter import free_port, wait_for
 
 MAIN = """
@@ -65,7 +66,7 @@ postlog unix-dgram n - n - 1 postlogd
 """
 
 
-class Postfix:
+class Postfix(MailServer):
     """It asks the milters at these addresses, as "unix:/path" or "inet:host:port"."""
 
     def __init__(self, *milters, settings=""):
@@ -94,15 +95,8 @@ class Postfix:
     def start(self):
         self.command("postfix", "check")
         self.command("postfix", "start")
-        wait_for(self._answers, f"Postfix, see {self.folder}/log")
+        wait_for(lambda: answers("127.0.0.1", self.port), f"Postfix, see {self.folder}/log")
         return self
-
-    def _answers(self):
-        try:
-            with smtplib.SMTP("127.0.0.1", self.port, timeout=5):
-                return True
-        except (OSError, smtplib.SMTPException):
-            return False
 
     def log(self):
         path = self.folder / "log"
@@ -112,32 +106,21 @@ class Postfix:
         self.command("postfix", "stop", check=False)
         shutil.rmtree(self.folder, ignore_errors=True)
 
-    def client(self, address=None, name=None, reverse=None, login=None, helo="localhost"):
-        """A session with Postfix, which takes it for this client's. `reverse` is a name that only
-        the client's address leads to."""
-        session = smtplib.SMTP("127.0.0.1", self.port, local_hostname=helo, timeout=60)
-        session.ehlo(helo)
+    def client(self, address=None, name=None, login=None, helo="localhost"):
+        """A session with Postfix, which takes it for this client's; the client says no name if
+        `helo` is None."""
+        session = smtplib.SMTP("127.0.0.1", self.port, timeout=60)
         if address:
+            session.ehlo()
             words = [f"ADDR={address}", f"NAME={name or '[UNAVAILABLE]'}",
-                     f"REVERSE_NAME={reverse or name or '[UNAVAILABLE]'}"]
+                     f"REVERSE_NAME={name or '[UNAVAILABLE]'}"]
             words += [f"LOGIN={login}"] if login else []
             code, text = session.docmd("XCLIENT", " ".join(words))
             if code != 220:
                 raise AssertionError(f"XCLIENT: {code} {text}")
+        if helo:
             session.ehlo(helo)
         return session
-
-    def send(self, message, sender="a@example.org", recipient="b@example.net", **client):
-        """Sends one message; the reply to it."""
-        session = self.client(**client)
-        try:
-            for code, text in (session.mail(sender), session.rcpt(recipient)):
-                if code >= 400:
-                    return code, text.decode()
-            code, text = session.data(message)
-            return code, text.decode()
-        finally:
-            session.close()
 
     def delivered(self, count):
         """The messages in the mailbox, as soon as there are so many."""
@@ -146,6 +129,12 @@ class Postfix:
             return files if len(files) >= count else None
         return [path.read_bytes() for path in wait_for(find, f"{count} messages:\n" + self.log(),
                                                        120)]
+
+    def newest(self, count):
+        """The message of this number; the last one so far."""
+        self.delivered(count)
+        files = (self.inbox / "new").glob("*")
+        return max(files, key=lambda path: path.stat().st_mtime_ns).read_bytes()
 
     def held(self):
         """Queue numbers of the messages in quarantine."""

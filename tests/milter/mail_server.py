@@ -1,0 +1,28 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What tests do with any mail server: send messages as a client of their choice."""
+import smtplib
+
+
+def answers(host, port):
+    """Whether a mail server talks there."""
+    try:
+        with smtplib.SMTP(host, port, timeout=5):
+            return True
+    except (OSError, smtplib.SMTPException):
+        return False
+
+
+class MailServer:
+    """A fixture derives from it and has client(**how), a session with the mail server."""
+
+    def send(self, message, sender="a@example.org", recipient="b@example.net", **client):
+        """Sends one message; the reply to it."""
+        session = self.client(**client)
+        try:
+            for code, text in (session.mail(sender), session.rcpt(recipient)):
+                if code >= 400:
+                    return code, text.decode()
+            code, text = session.data(message)
+            return code, text.decode()
+        finally:
+            session.close()

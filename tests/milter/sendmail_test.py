@@ -1,0 +1,70 @@
+# SPDX-License-Identifier: Apache-2.0
+"""qvmilter in the mail flow of a real Sendmail, set up as docs/sendmail.md says. The Sendmail finds the
+names of its clients itself."""
+import email
+import pathlib
+import unittest
+
+import private_machine
+from agreement import HELLO, AgreementTest
+from debian import unpacked
+from milter import DEFAULT_RULES, EXAMPLES, Daemon
+from sendmail import PACKAGES, SOCKET, Sendmail
+
+SPAMMER = {"address": "192.0.2.55", "helo": "localhost"}
+FORGER = {"address": "203.0.113.66", "helo": "[203.0.113.66]"}
+CLIENTS = (
+    {"address": "203.0.113.17", "helo": "client.example"},
+    {"address": "192.0.2.10", "helo": "mail.example.org"},
+    {"address": "203.0.113.18", "helo": "localhost"},
+    {"address": "10.1.2.3", "helo": "gateway"},
+    FORGER,
+)
+NAMES = {"203.0.113.17": "dsl-203-0-113-17.pool.provider.example", "192.0.2.10": "mail.example.org",
+         "203.0.113.66": "mail.example.com"} # which has another address
+
+
+class SendmailTest(AgreementTest):
+    @classmethod
+    def setUpClass(cls):
+        names = private_machine.NameServer((EXAMPLES / "dns.zone").read_text(), NAMES)
+        cls.addClassCleanup(names.stop)
+
+    def flow(self, **settings):
+        """A daemon and a Sendmail that asks it."""
+        daemon = self.daemon(socket=SOCKET, **settings).start()
+        sendmail = Sendmail()
+        self.addCleanup(sendmail.stop)
+        return daemon, sendmail.start()
+
+
+class Actions(SendmailTest):
+    def test_an_accepted_message_has_the_header_above_all_that_a_sender_can_write(self):
+        _, sendmail = self.flow()
+        self.assertEqual(sendmail.send(HELLO, **SPAMMER)[0], 250)
+        message = email.message_from_bytes(sendmail.newest(1))
+        names = message.keys()
+        self.assertLess(names.index("X-QV-Deep-Header"), names.index("Received"))
+        self.assertEqual(message["X-QV-Deep-Header"],
+                         "spam; node=7; confidence=0.99; support=10; ips=192.0.2.55")
+
+    def test_spam_can_be_rejected_at_the_door(self):
+        _, sendmail = self.flow(own='on-spam = "reject"\nreject-text = "100% spam"')
+        self.assertEqual(sendmail.send(HELLO, **SPAMMER), (550, "5.7.1 100% spam"))
+
+
+class Agreement(SendmailTest):
+    def test_of_all_examples(self):
+        daemon, sendmail = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"',
+                                     rules=DEFAULT_RULES, own="log-details = 1")
+        self.check_examples(daemon, sendmail, CLIENTS)
+
+    def test_of_clients_that_do_not_say_their_name(self):
+        daemon, sendmail = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"',
+                                     own="log-details = 1")
+        self.check_without_helo(daemon, sendmail, CLIENTS)
+
+
+if __name__ == "__main__":
+    private_machine.enter(lambda: unpacked(*PACKAGES))
+    unittest.main()
