@@ -4,10 +4,8 @@ the message that was delivered. Both find the same: verdict, node and all attrib
 import email
 import re
 
+from mail_server import HELLO
 from milter import EXAMPLES, MilterTest, one_line
-
-HELLO = (b"From: a@example.org\r\nTo: b@example.net\r\nDate: Sun, 22 Nov 2026 10:00:00 +0000\r\n"
-         b"Message-ID: <1@example.org>\r\nSubject: hello\r\n\r\nhello\r\n")
 
 
 def with_crlf(content):

@@ -2,7 +2,8 @@
 """qvmilter behind a Postfix judges as qvscan does (agreement.py)."""
 import unittest
 
-from agreement import HELLO, AgreementTest
+from agreement import AgreementTest
+from mail_server import HELLO
 from milter import DEFAULT_RULES, EXAMPLES
 from postfix_test import PostfixTest
 

@@ -7,9 +7,10 @@ import subprocess
 import tempfile
 import unittest
 
+from mail_server import HELLO
 from milter import wait_for
 from pages import blocks
-from postfix_test import HELLO, SPAMMER, PostfixTest
+from postfix_test import SPAMMER, PostfixTest
 
 HAM = {"address": "192.0.2.56", "name": "mail.example.org", "helo": "mail.example.org"}
 

@@ -2,6 +2,9 @@
 """What tests do with any mail server: send messages as a client of their choice."""
 import smtplib
 
+HELLO = (b"From: a@example.org\r\nTo: b@example.net\r\nDate: Sun, 22 Nov 2026 10:00:00 +0000\r\n"
+         b"Message-ID: <1@example.org>\r\nSubject: hello\r\n\r\nhello\r\n")
+
 
 def answers(host, port):
     """Whether a mail server talks there."""

@@ -9,10 +9,11 @@ import tempfile
 import threading
 import unittest
 
+from mail_server import HELLO
 from milter import MilterTest, free_port, wait_for
 from pages import blocks
 from postfix import Postfix
-from postfix_test import HELLO, SPAMMER
+from postfix_test import SPAMMER
 
 MESSAGES = 2000
 CLIENTS = 8

@@ -15,6 +15,7 @@ from private_machine import ADDRESS, NAME
 
 PACKAGES = ("sendmail-bin", "sendmail-base", "sendmail-cf", "m4")
 MAILBOX = pathlib.Path("/var/mail/nobody")
+QUEUE = pathlib.Path("/var/spool/mqueue")
 SOCKET = "/run/qvmilter/qvmilter.sock"
 PROGRAM = "/usr/libexec/sendmail/sendmail"
 PAGE = ("sendmail.md", "Connect the filter")
@@ -48,9 +49,9 @@ class Sendmail(MailServer):
     def __init__(self, settings=""):
         for user in ("smmta", "smmsp"):
             subprocess.run(["useradd", "--system", user], check=False, capture_output=True)
-        for folder in ("/run/sendmail/mta", "/var/lib/sendmail/host_status", "/var/spool/mqueue"):
+        for folder in ("/run/sendmail/mta", "/var/lib/sendmail/host_status", QUEUE):
             pathlib.Path(folder).mkdir(parents=True, exist_ok=True)
-        pathlib.Path("/var/spool/mqueue").chmod(0o700)
+        QUEUE.chmod(0o700)
         pathlib.Path("/etc/mail/aliases").write_text(f"nobody: {MAILBOX}\n")
         pathlib.Path("/etc/mail/sendmail.mc").write_text(
             BEFORE + settings + "".join(blocks(*PAGE, "")) + AFTER)
@@ -68,7 +69,7 @@ class Sendmail(MailServer):
         self.process.terminate()
         self.process.wait()
         MAILBOX.unlink(missing_ok=True)
-        shutil.rmtree("/var/spool/mqueue")
+        shutil.rmtree(QUEUE)
 
     @staticmethod
     def client(address, helo):
@@ -86,3 +87,8 @@ class Sendmail(MailServer):
             with contextlib.closing(mailbox.mbox(MAILBOX)) as box:
                 return box.get_bytes(count - 1) if len(box) == count else None
         return wait_for(find, f"{count} messages")
+
+    @staticmethod
+    def held():
+        """The messages in quarantine."""
+        return list(QUEUE.glob("hf*"))

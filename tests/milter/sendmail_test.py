@@ -2,13 +2,14 @@
 """qvmilter in the mail flow of a real Sendmail, set up as docs/sendmail.md says. The Sendmail finds the
 names of its clients itself."""
 import email
-import pathlib
 import unittest
 
 import private_machine
-from agreement import HELLO, AgreementTest
+from agreement import AgreementTest
 from debian import unpacked
-from milter import DEFAULT_RULES, EXAMPLES, Daemon
+from mail_server import HELLO
+from milter import DEFAULT_RULES, EXAMPLES
+from planted import PlantedTest
 from sendmail import PACKAGES, SOCKET, Sendmail
 
 SPAMMER = {"address": "192.0.2.55", "helo": "localhost"}
@@ -38,7 +39,7 @@ class SendmailTest(AgreementTest):
         return daemon, sendmail.start()
 
 
-class Actions(SendmailTest):
+class Actions(SendmailTest, PlantedTest):
     def test_an_accepted_message_has_the_header_above_all_that_a_sender_can_write(self):
         _, sendmail = self.flow()
         self.assertEqual(sendmail.send(HELLO, **SPAMMER)[0], 250)
@@ -51,6 +52,15 @@ class Actions(SendmailTest):
     def test_spam_can_be_rejected_at_the_door(self):
         _, sendmail = self.flow(own='on-spam = "reject"\nreject-text = "100% spam"')
         self.assertEqual(sendmail.send(HELLO, **SPAMMER), (550, "5.7.1 100% spam"))
+
+    def test_result_headers_that_a_sender_wrote_are_removed(self):
+        _, sendmail = self.flow()
+        self.check_planted(sendmail, [b"spam"], **SPAMMER)
+
+    def test_quarantined_spam_stays_in_the_queue(self):
+        _, sendmail = self.flow(own='on-spam = "quarantine"')
+        self.assertEqual(sendmail.send(HELLO, **SPAMMER)[0], 250)
+        self.assertEqual(len(sendmail.held()), 1)
 
 
 class Agreement(SendmailTest):
