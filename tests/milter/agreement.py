@@ -18,15 +18,23 @@ def recipient_of(message):
     return found.group() if found else "b@example.net"
 
 
+def newest_received(delivered):
+    """The Received header of the mail server, on one line."""
+    return one_line(email.message_from_bytes(delivered)["Received"])
+
+
 class AgreementTest(MilterTest):
-    def check_message(self, daemon, server, number, message, **client):
-        """Sends the message that is the daemon's and the mail server's of this number. Returns
-        what the daemon logged of it, and the newest Received header, both on one line."""
+    def passed(self, server, number, message, **client):
+        """What is delivered of this message, which is the mail server's of this number."""
         reply = server.send(message, recipient=recipient_of(message), **client)
         self.assertEqual(reply[0], 250, reply)
-        delivered = server.newest(number)
+        return server.newest(number)
+
+    def check_message(self, daemon, server, number, message, **client):
+        """Sends the message that is the daemon's and the mail server's of this number."""
+        delivered = self.passed(server, number, message, **client)
         logged = self.check_same_judgement(daemon, delivered, number)
-        return logged, one_line(email.message_from_bytes(delivered)["Received"])
+        self.check_hop(logged, newest_received(delivered))
 
     def check_hop(self, logged, written):
         """The daemon wrote the very header of the mail server, up to the queue number."""
@@ -37,8 +45,7 @@ class AgreementTest(MilterTest):
         """Clients that never say their name."""
         for number, client in enumerate(clients, 1):
             with self.subTest(client=client):
-                self.check_hop(*self.check_message(daemon, server, number, HELLO,
-                                                   **{**client, "helo": None}))
+                self.check_message(daemon, server, number, HELLO, **{**client, "helo": None})
 
     def check_examples(self, daemon, server, clients):
         """All examples, from each of these clients."""
@@ -49,5 +56,5 @@ class AgreementTest(MilterTest):
             for client in clients:
                 number += 1
                 with self.subTest(example.name, client=client):
-                    self.check_hop(*self.check_message(
-                        daemon, server, number, with_crlf(example.read_bytes()), **client))
+                    self.check_message(daemon, server, number, with_crlf(example.read_bytes()),
+                                       **client)

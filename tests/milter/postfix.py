@@ -7,7 +7,7 @@ import smtplib
 import subprocess
 import tempfile
 
-from mail_server import MailServer, answers
+from mail_server import MailServer, answers, certificate, start_tls
 from milter import free_port, wait_for
 
 MAIN = """
@@ -29,6 +29,10 @@ disable_dns_lookups = yes
 smtpd_peername_lookup = no
 smtpd_authorized_xclient_hosts = 127.0.0.0/8
 smtpd_sasl_auth_enable = yes
+smtpd_tls_security_level = may
+smtpd_tls_key_file = {key}
+smtpd_tls_cert_file = {certificate}
+smtpd_tls_received_header = yes
 smtpd_relay_restrictions = reject_unauth_destination
 virtual_mailbox_domains = static:all
 virtual_mailbox_maps = static:inbox/
@@ -59,6 +63,7 @@ proxymap unix - - n - - proxymap
 virtual unix - n n - - virtual
 error unix - - n - - error
 retry unix - - n - - error
+tlsmgr unix - - n 1000? 1 tlsmgr
 discard unix - - n - - discard
 anvil unix - - n - 1 anvil
 scache unix - - n - 1 scache
@@ -82,7 +87,9 @@ class Postfix(MailServer):
         options = "connect_timeout=5s, command_timeout=10s, content_timeout=20s"
         text = ", ".join(f"{{ {milter}, {options}, default_action=tempfail }}"
                          for milter in milters)
-        self.configure(MAIN.format(folder=self.folder, milters=text) + settings)
+        key, own = certificate(self.folder)
+        self.configure(MAIN.format(folder=self.folder, milters=text, key=key, certificate=own) +
+                       settings)
         (self.folder / "config" / "master.cf").write_text(MASTER.format(port=f"127.0.0.1:{self.port}"))
 
     def configure(self, text):
@@ -106,10 +113,12 @@ class Postfix(MailServer):
         self.command("postfix", "stop", check=False)
         shutil.rmtree(self.folder, ignore_errors=True)
 
-    def client(self, address=None, name=None, login=None, helo="localhost"):
+    def client(self, address=None, name=None, login=None, helo="localhost", tls=False):
         """A session with Postfix, which takes it for this client's; the client says no name if
         `helo` is None."""
         session = smtplib.SMTP("127.0.0.1", self.port, timeout=60)
+        if tls:
+            start_tls(session)
         if address:
             session.ehlo()
             words = [f"ADDR={address}", f"NAME={name or '[UNAVAILABLE]'}",

@@ -8,12 +8,13 @@ import shutil
 import smtplib
 import subprocess
 
-from mail_server import MailServer, answers
+from mail_server import MailServer, answers, certificate, start_tls
 from milter import wait_for
 from pages import blocks
 from private_machine import ADDRESS, NAME
 
-PACKAGES = ("sendmail-bin", "sendmail-base", "sendmail-cf", "m4")
+PACKAGES = ("sendmail-bin", "sendmail-base", "sendmail-cf", "m4", "sasl2-bin", "libsasl2-modules")
+USER, PASSWORD = "alice", "secret"
 MAILBOX = pathlib.Path("/var/mail/nobody")
 QUEUE = pathlib.Path("/var/spool/mqueue")
 SOCKET = "/run/qvmilter/qvmilter.sock"
@@ -34,6 +35,10 @@ DAEMON_OPTIONS(`Family=inet, Name=MTA, Port=smtp, Addr={ADDRESS}')dnl
 define(`confDELIVERY_MODE', `interactive')dnl
 define(`confDOMAIN_NAME', `{NAME}')dnl
 define(`confTO_IDENT', `0s')dnl
+define(`confSERVER_CERT', `/etc/mail/certificate.pem')dnl
+define(`confSERVER_KEY', `/etc/mail/key.pem')dnl
+define(`confCACERT', `/etc/mail/certificate.pem')dnl
+define(`confCACERT_PATH', `/etc/mail')dnl
 """
 AFTER = """MAILER_DEFINITIONS
 MAILER(`local')dnl
@@ -58,6 +63,9 @@ class Sendmail(MailServer):
         for command in blocks(*PAGE, "sh"):
             subprocess.run(["sh", "-ec", command], check=True, capture_output=True)
         subprocess.run([PROGRAM, "-bi"], check=True, capture_output=True) # reads the aliases
+        subprocess.run(["saslpasswd2", "-p", "-c", "-u", NAME, USER], check=True, input=PASSWORD,
+                       text=True)
+        certificate("/etc/mail")
         self.process = None
 
     def start(self):
@@ -72,11 +80,16 @@ class Sendmail(MailServer):
         shutil.rmtree(QUEUE)
 
     @staticmethod
-    def client(address, helo):
+    def client(address, helo, tls=False, login=False):
         """A session of a client with this address, which says no name if `helo` is None."""
         session = smtplib.SMTP(ADDRESS, source_address=(address, 0), timeout=60)
+        if tls:
+            start_tls(session)
         if helo:
             session.ehlo(helo)
+        if login:
+            session.user, session.password = USER, PASSWORD
+            session.auth("CRAM-MD5", session.auth_cram_md5)
         return session
 
     def newest(self, count):

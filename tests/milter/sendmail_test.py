@@ -5,7 +5,7 @@ import email
 import unittest
 
 import private_machine
-from agreement import AgreementTest
+from agreement import AgreementTest, newest_received
 from debian import unpacked
 from mail_server import HELLO
 from milter import DEFAULT_RULES, EXAMPLES
@@ -68,6 +68,23 @@ class Agreement(SendmailTest):
         daemon, sendmail = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"',
                                      rules=DEFAULT_RULES, own="log-details = 1")
         self.check_examples(daemon, sendmail, CLIENTS)
+
+    def test_of_clients_that_encrypt(self):
+        daemon, sendmail = self.flow(own="log-details = 1")
+        self.check_message(daemon, sendmail, 1, HELLO, tls=True, **CLIENTS[0])
+        self.assertIn(" with ESMTPS id ", daemon.judged(1)["hop"])
+
+    def test_of_the_header_of_clients_that_log_in(self):
+        daemon, sendmail = self.flow(own="log-details = 1\nexempt-authenticated = 0")
+        for number, (tls, protocol) in enumerate(((False, "ESMTPA"), (True, "ESMTPSA")), 1):
+            with self.subTest(protocol):
+                delivered = self.passed(sendmail, number, HELLO, login=True, tls=tls, **CLIENTS[0])
+                logged = daemon.judged(number)
+                self.check_hop(logged, newest_received(delivered))
+                self.assertIn(f" with {protocol} id ", logged["hop"])
+                # The daemon was told to judge such clients. Later scans of the message skip them.
+                self.assertEqual((logged["verdict"], logged["node"]), ("none", "4"))
+                self.assertEqual(self.scanned(daemon, delivered)["node"], 0)
 
     def test_of_clients_that_do_not_say_their_name(self):
         daemon, sendmail = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"',
