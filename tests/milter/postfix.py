@@ -49,6 +49,11 @@ smtpd_milters = {milters}
 milter_default_action = tempfail
 """
 
+LOOK_UP = """
+disable_dns_lookups = no
+smtpd_peername_lookup = yes
+"""
+
 MASTER = """
 {port} inet n - n - - smtpd
 cleanup unix n - n - 0 cleanup
@@ -72,9 +77,11 @@ postlog unix-dgram n - n - 1 postlogd
 
 
 class Postfix(MailServer):
-    """It asks the milters at these addresses, as "unix:/path" or "inet:host:port"."""
+    """It asks the milters at these addresses, as "unix:/path" or "inet:host:port". On a private
+    machine it may look up the names of its clients itself, which have their addresses then."""
 
-    def __init__(self, *milters, settings=""):
+    def __init__(self, *milters, settings="", looks_up=False):
+        self.knows_addresses = looks_up
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="qvpostfix-"))
         self.folder.chmod(0o755)
         self.port = free_port()
@@ -89,7 +96,7 @@ class Postfix(MailServer):
                          for milter in milters)
         key, own = certificate(self.folder)
         self.configure(MAIN.format(folder=self.folder, milters=text, key=key, certificate=own) +
-                       settings)
+                       settings + (LOOK_UP if looks_up else ""))
         (self.folder / "config" / "master.cf").write_text(MASTER.format(port=f"127.0.0.1:{self.port}"))
 
     def configure(self, text):
@@ -116,10 +123,11 @@ class Postfix(MailServer):
     def client(self, address=None, name=None, login=None, helo="localhost", tls=False):
         """A session with Postfix, which takes it for this client's; the client says no name if
         `helo` is None."""
-        session = smtplib.SMTP("127.0.0.1", self.port, timeout=60)
+        source = (address, 0) if self.knows_addresses else None
+        session = smtplib.SMTP("127.0.0.1", self.port, source_address=source, timeout=60)
         if tls:
             start_tls(session)
-        if address:
+        if address and not self.knows_addresses:
             session.ehlo()
             words = [f"ADDR={address}", f"NAME={name or '[UNAVAILABLE]'}",
                      f"REVERSE_NAME={name or '[UNAVAILABLE]'}"]

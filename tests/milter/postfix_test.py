@@ -18,10 +18,11 @@ SPAMMER = {"address": "192.0.2.55", "helo": "localhost"}
 class PostfixTest(MilterTest):
     def flow(self, **settings):
         """A daemon and a Postfix that asks it."""
-        more = settings.pop("postfix_settings", "")
+        more = {"settings": settings.pop("postfix_settings", ""),
+                "looks_up": settings.pop("looks_up", False)}
         own = settings.pop("own", "") + '\nsocket-group = "postfix"'
         daemon = self.daemon(own=own, **settings).start()
-        postfix = Postfix(f"unix:{daemon.socket}", settings=more)
+        postfix = Postfix(f"unix:{daemon.socket}", **more)
         self.addCleanup(postfix.stop)
         return daemon, postfix.start()
 

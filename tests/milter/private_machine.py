@@ -9,10 +9,20 @@ import sys
 import tempfile
 
 from debian import skip
-from milter import wait_for
+from milter import EXAMPLES, wait_for
 
 NAME = "mx.example.net"
 ADDRESS = "198.51.100.1"
+# Clients of its mail servers, and the names that their addresses have.
+CLIENTS = (
+    {"address": "203.0.113.17", "helo": "client.example"},
+    {"address": "192.0.2.10", "helo": "mail.example.org"},
+    {"address": "203.0.113.18", "helo": "localhost"},
+    {"address": "10.1.2.3", "helo": "gateway"},
+    {"address": "203.0.113.66", "helo": "[203.0.113.66]"},
+)
+NAMES = {"203.0.113.17": "dsl-203-0-113-17.pool.provider.example", "192.0.2.10": "mail.example.org",
+         "203.0.113.66": "mail.example.com"} # forged: this name has another address
 UNSHARE = ["unshare", "--mount", "--net", "--uts", "--pid", "--fork", "--mount-proc", "--kill-child"]
 # "." is all of DNS: what the zone does not have does not exist.
 ZONE = """$ORIGIN .
@@ -80,14 +90,14 @@ def _run(*command):
 
 
 class NameServer:
-    """Answers all DNS questions of the private machine with these zone-file lines, and says which
-    name an address has."""
+    """Answers all DNS questions of the private machine from the data of the examples and NAMES."""
 
-    def __init__(self, lines, names):
+    def __init__(self):
         self.folder = pathlib.Path(tempfile.mkdtemp())
         pointers = (f"{'.'.join(reversed(address.split('.')))}.in-addr.arpa. PTR {name}.\n"
-                    for address, name in names.items())
-        (self.folder / "zone").write_text(ZONE + lines + "".join(pointers))
+                    for address, name in NAMES.items())
+        (self.folder / "zone").write_text(
+            ZONE + (EXAMPLES / "dns.zone").read_text() + "".join(pointers))
         (self.folder / "nsd.conf").write_text(NSD.format(folder=self.folder))
         pathlib.Path("/etc/resolv.conf").write_text("nameserver 127.0.0.1\n")
         pathlib.Path("/etc/nsswitch.conf").write_text("hosts: files dns\n")

@@ -4,32 +4,20 @@ names of its clients itself."""
 import email
 import unittest
 
-import private_machine
 from agreement import AgreementTest, newest_received
 from debian import unpacked
 from mail_server import HELLO
 from milter import DEFAULT_RULES, EXAMPLES
 from planted import PlantedTest
+from private_machine import CLIENTS, NameServer, enter
 from sendmail import PACKAGES, SOCKET, Sendmail
 
 SPAMMER = {"address": "192.0.2.55", "helo": "localhost"}
-FORGER = {"address": "203.0.113.66", "helo": "[203.0.113.66]"}
-CLIENTS = (
-    {"address": "203.0.113.17", "helo": "client.example"},
-    {"address": "192.0.2.10", "helo": "mail.example.org"},
-    {"address": "203.0.113.18", "helo": "localhost"},
-    {"address": "10.1.2.3", "helo": "gateway"},
-    FORGER,
-)
-NAMES = {"203.0.113.17": "dsl-203-0-113-17.pool.provider.example", "192.0.2.10": "mail.example.org",
-         "203.0.113.66": "mail.example.com"} # which has another address
-
 
 class SendmailTest(AgreementTest):
     @classmethod
     def setUpClass(cls):
-        names = private_machine.NameServer((EXAMPLES / "dns.zone").read_text(), NAMES)
-        cls.addClassCleanup(names.stop)
+        cls.addClassCleanup(NameServer().stop)
 
     def flow(self, **settings):
         """A daemon and a Sendmail that asks it."""
@@ -93,5 +81,5 @@ class Agreement(SendmailTest):
 
 
 if __name__ == "__main__":
-    private_machine.enter(lambda: unpacked(*PACKAGES))
+    enter(lambda: unpacked(*PACKAGES))
     unittest.main()
