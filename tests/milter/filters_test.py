@@ -10,9 +10,8 @@ import unittest
 from mail_server import HELLO
 from milter import wait_for
 from pages import blocks
-from postfix_test import SPAMMER, PostfixTest
+from postfix_test import HAM, SPAMMER, PostfixTest
 
-HAM = {"address": "192.0.2.56", "name": "mail.example.org", "helo": "mail.example.org"}
 
 
 def recipes(heading):
@@ -20,17 +19,6 @@ def recipes(heading):
 
 
 class OtherFilters(PostfixTest):
-    def judged(self):
-        """A message that was judged spam and one that was judged ham, as delivered."""
-        _, postfix = self.flow()
-        postfix.send(HELLO, **SPAMMER)
-        postfix.delivered(1)
-        postfix.send(HELLO, **HAM)
-        messages = postfix.delivered(2)
-        spam = next(text for text in messages if b"X-QV-Deep-Header: spam;" in text)
-        ham = next(text for text in messages if b"X-QV-Deep-Header: ham;" in text)
-        return spam, ham
-
     def folder(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)

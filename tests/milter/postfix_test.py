@@ -12,6 +12,7 @@ from planted import PlantedTest
 from postfix import Postfix
 
 SPAMMER = {"address": "192.0.2.55", "helo": "localhost"}
+HAM = {"address": "192.0.2.56", "name": "mail.example.org", "helo": "mail.example.org"}
 
 
 @unittest.skipUnless(os.geteuid() == 0, "Postfix starts as root only")
@@ -20,11 +21,23 @@ class PostfixTest(MilterTest):
         """A daemon and a Postfix that asks it."""
         more = {"settings": settings.pop("postfix_settings", ""),
                 "looks_up": settings.pop("looks_up", False)}
+        later = settings.pop("later_milters", ())
         own = settings.pop("own", "") + '\nsocket-group = "postfix"'
         daemon = self.daemon(own=own, **settings).start()
-        postfix = Postfix(f"unix:{daemon.socket}", **more)
+        postfix = Postfix(f"unix:{daemon.socket}", *later, **more)
         self.addCleanup(postfix.stop)
         return daemon, postfix.start()
+
+    def judged(self):
+        """A message that was judged spam and one that was judged ham, as delivered."""
+        _, postfix = self.flow()
+        postfix.send(HELLO, **SPAMMER)
+        spam = postfix.newest(1)
+        postfix.send(HELLO, **HAM)
+        ham = postfix.newest(2)
+        self.assertIn(b"\nX-QV-Deep-Header: spam;", spam)
+        self.assertIn(b"\nX-QV-Deep-Header: ham;", ham)
+        return spam, ham
 
     def only_delivered(self, postfix):
         messages = postfix.delivered(1)
@@ -58,8 +71,7 @@ class Actions(PostfixTest, PlantedTest):
     def test_discarded_spam_is_accepted_and_gone(self):
         _, postfix = self.flow(own='on-spam = "discard"')
         self.assertEqual(postfix.send(HELLO, **SPAMMER)[0], 250)
-        self.assertEqual(postfix.send(HELLO, address="192.0.2.56", name="mail.example.org",
-                                      helo="mail.example.org")[0], 250)
+        self.assertEqual(postfix.send(HELLO, **HAM)[0], 250)
         self.assertTrue(self.only_delivered(postfix)["X-QV-Deep-Header"].startswith("ham;"))
 
     def test_result_headers_that_a_sender_wrote_are_removed(self):
