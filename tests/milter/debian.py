@@ -34,7 +34,7 @@ def _download(packages, folder):
 def unpacked(*packages):
     """The folder that holds the files of these packages, as if it were "/". It stays for the next
     run of the test."""
-    parent = pathlib.Path(os.environ["QV_UNPACKED"])
+    parent = pathlib.Path(os.environ["QV_BUILD"]) / "unpacked"
     target = parent / packages[0]
     if not target.exists():
         parent.mkdir(parents=True, exist_ok=True)

@@ -3,6 +3,7 @@
 taken from that page."""
 import os
 import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
@@ -10,6 +11,7 @@ import unittest
 from mail_server import HELLO
 from milter import wait_for
 from pages import blocks
+from planted import MESSAGES, results
 from postfix_test import HAM, SPAMMER, PostfixTest
 
 
@@ -53,17 +55,33 @@ class OtherFilters(PostfixTest):
             self.assertEqual("store message in folder: Junk" in done.stdout, expected,
                              done.stdout + done.stderr)
 
-    def test_postfix_itself_can_act_on_our_header(self):
+    def header_checks(self, heading):
+        """The recipe of the page for main.cf, with its table in a folder of the test."""
         folder = self.folder()
-        checks = folder / "checks"
-        checks.write_text(recipes("Postfix header_checks")[1])
-        setting = recipes("Postfix header_checks")[0].replace("pcre:/etc/postfix/qv_header_checks",
-                                                              f"regexp:{checks}")
-        _, postfix = self.flow(postfix_settings=setting)
+        setting, table = recipes(heading)
+        path = re.search("regexp:(.*)", setting).group(1)
+        (folder / "checks").write_text(table)
+        return setting.replace(path, str(folder / "checks"))
+
+    def test_postfix_itself_can_act_on_our_header(self):
+        _, postfix = self.flow(postfix={
+            "settings": self.header_checks("Postfix header_checks")})
         self.assertEqual(postfix.send(HELLO, **SPAMMER)[0], 250)
         wait_for(postfix.held, "a message on hold")
         postfix.send(HELLO, **HAM)
         self.assertTrue(self.only_delivered(postfix)["X-QV-Deep-Header"].startswith("ham;"))
+
+    def test_postfix_itself_can_remove_foreign_headers(self):
+        heading = "Who sees the header, and why an outsider cannot plant it"
+        daemon, postfix = self.flow(postfix={
+            "settings": self.header_checks(heading), "default_action": "accept"})
+        self.assertEqual(postfix.send(HELLO, **SPAMMER)[0], 250)
+        self.assertIn(b"\nX-QV-Deep-Header: spam;", postfix.newest(1))
+        daemon.stop()
+        for number, message in enumerate(MESSAGES, 2):
+            with self.subTest(message):
+                self.assertEqual(postfix.send(message, **SPAMMER)[0], 250)
+                self.assertEqual(results(postfix.newest(number)), [])
 
 
 if __name__ == "__main__":

@@ -13,7 +13,7 @@ class WithPostfixThatLooksUp(PostfixTest, AgreementTest):
     def test_of_all_examples(self):
         self.addCleanup(NameServer().stop)
         daemon, postfix = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"', rules=DEFAULT_RULES,
-                                    own="log-details = 1", looks_up=True)
+                                    own="log-details = 1", postfix={"looks_up": True})
         self.check_examples(daemon, postfix, CLIENTS)
 
 

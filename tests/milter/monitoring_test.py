@@ -14,7 +14,7 @@ from debian import unpacked
 from milter import MilterTest
 
 PROMTOOL = unpacked("prometheus") / "usr/bin/promtool"
-MONITORING = pathlib.Path(os.environ["QV_MONITORING"])
+MONITORING = pathlib.Path(os.environ["QV_SOURCE"]) / "data/monitoring"
 ALERTS = MONITORING / "qvmilter-alerts.yml"
 DASHBOARD = MONITORING / "qvmilter-dashboard.json"
 

@@ -46,7 +46,6 @@ minimal_backoff_time = 1s
 maximal_backoff_time = 1s
 queue_run_delay = 1s
 smtpd_milters = {milters}
-milter_default_action = tempfail
 """
 
 LOOK_UP = """
@@ -80,11 +79,12 @@ class Postfix(MailServer):
     """It asks the milters at these addresses, as "unix:/path" or "inet:host:port". On a private
     machine it may look up the names of its clients itself, which have their addresses then."""
 
-    def __init__(self, *milters, settings="", looks_up=False):
+    def __init__(self, *milters, settings="", looks_up=False, port=None,
+                 default_action="tempfail"):
         self.knows_addresses = looks_up
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="qvpostfix-"))
         self.folder.chmod(0o755)
-        self.port = free_port()
+        self.port = port or free_port()
         for name in ("queue", "data", "mail", "config"):
             (self.folder / name).mkdir(mode=0o755)
         shutil.chown(self.folder / "data", "postfix")
@@ -92,7 +92,7 @@ class Postfix(MailServer):
         shutil.chown(self.folder / "mail", 65534, 65534)
         self.inbox = self.folder / "mail" / "inbox"
         options = "connect_timeout=5s, command_timeout=10s, content_timeout=20s"
-        text = ", ".join(f"{{ {milter}, {options}, default_action=tempfail }}"
+        text = ", ".join(f"{{ {milter}, {options}, default_action={default_action} }}"
                          for milter in milters)
         key, own = certificate(self.folder)
         self.configure(MAIN.format(folder=self.folder, milters=text, key=key, certificate=own) +

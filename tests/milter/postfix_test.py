@@ -17,16 +17,12 @@ HAM = {"address": "192.0.2.56", "name": "mail.example.org", "helo": "mail.exampl
 
 @unittest.skipUnless(os.geteuid() == 0, "Postfix starts as root only")
 class PostfixTest(MilterTest):
-    def flow(self, **settings):
-        """A daemon and a Postfix that asks it."""
-        more = {"settings": settings.pop("postfix_settings", ""),
-                "looks_up": settings.pop("looks_up", False)}
-        later = settings.pop("later_milters", ())
-        own = settings.pop("own", "") + '\nsocket-group = "postfix"'
-        daemon = self.daemon(own=own, **settings).start()
-        postfix = Postfix(f"unix:{daemon.socket}", *later, **more)
-        self.addCleanup(postfix.stop)
-        return daemon, postfix.start()
+    def flow(self, own="", later_milters=(), postfix=None, **settings):
+        """A daemon and a Postfix, with these arguments, that asks it."""
+        daemon = self.daemon(own=own + '\nsocket-group = "postfix"', **settings).start()
+        mail_server = Postfix(f"unix:{daemon.socket}", *later_milters, **(postfix or {}))
+        self.addCleanup(mail_server.stop)
+        return daemon, mail_server.start()
 
     def judged(self):
         """A message that was judged spam and one that was judged ham, as delivered."""
