@@ -21,7 +21,8 @@ SESSIONS = 20
 TURNS = 5
 
 os.environ.update(QV_MILTER=str(PROGRAMS / "qvmilter"), QV_RULES=str(PROGRAMS / "qvrules"),
-                  QV_SCAN=str(PROGRAMS / "qvscan"))
+                  QV_SCAN=str(PROGRAMS / "qvscan"), QV_EXAMPLES=str(HERE.parent / "examples"),
+                  QV_DEFAULT_TEXT=str(HERE.parent / "data/rules/default.qvr"))
 sys.path.insert(0, str(HERE.parent / "tests" / "milter"))
 # pylint: disable=wrong-import-position
 from milter import Daemon, wait_for

@@ -134,8 +134,8 @@ IPAddress s_address(_SOCK_ADDR const* socket) {
 
 // What a session reads of the client; mail servers send other macros unless asked.
 void s_askForMacros(SMFICTX* context) {
-    std::string connect = "j v _ {client_addr} {client_name} {client_ptr} {client_resolve}";
-    std::string mail = "i r {auth_type} {tls_version} {cipher} {cipher_bits}";
+    std::string connect = "j v Z _ {client_addr} {client_name} {client_ptr} {client_resolve}";
+    std::string mail = "i r s {auth_type} {auth_ssf} {tls_version} {cipher} {cipher_bits}";
     std::string end = "i";
     smfi_setsymlist(context, SMFIM_CONNECT, connect.data());
     smfi_setsymlist(context, SMFIM_ENVFROM, mail.data());

@@ -80,9 +80,25 @@ struct Metrics::Families {
                                             .Help("Time of DNS look-ups")
                                             .Register(m_registry)
                                             .Add({}, s_times());
+
+    prometheus::Counter& failures(Failure failure) const {
+        return m_failures.Add({{"class", failureWord(failure)}});
+    }
+    prometheus::Counter& reloads(bool isDone) const {
+        return m_reloads.Add({{"result", isDone ? "done" : "refused"}});
+    }
 };
 
-Metrics::Metrics() : m_families(std::make_unique<Families>()) {}
+// Monitoring sees an increase only of a counter that was there before, at 0.
+Metrics::Metrics() : m_families(std::make_unique<Families>()) {
+    using enum Failure;
+    for (auto const failure : {noRules, scanFailed, dnsFailed, oddMessage, overload}) {
+        m_families->failures(failure);
+    }
+    for (bool const isDone : {true, false}) {
+        m_families->reloads(isDone);
+    }
+}
 
 Metrics::~Metrics() = default;
 
@@ -95,7 +111,7 @@ void Metrics::message(Judgement const& judgement, Action const& action, double s
         .Add({{"verdict", verdictName(judgement.m_verdict)}, {"action", actionWord(action)}})
         .Increment();
     if (judgement.m_failure) {
-        m_families->m_failures.Add({{"class", failureWord(*judgement.m_failure)}}).Increment();
+        m_families->failures(*judgement.m_failure).Increment();
     }
     if (judgement.m_record) {
         m_families->m_scanTimes.Observe(seconds);
@@ -119,7 +135,7 @@ void Metrics::rules(std::int32_t version, std::chrono::system_clock::time_point 
 }
 
 void Metrics::reloaded(bool isDone) {
-    m_families->m_reloads.Add({{"result", isDone ? "done" : "refused"}}).Increment();
+    m_families->reloads(isDone).Increment();
 }
 
 std::string Metrics::text() const {

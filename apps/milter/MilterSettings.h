@@ -31,6 +31,7 @@ struct MilterSettings {
     std::string m_user;
     std::string m_pidFile;
     LogTarget m_log = LogTarget::standardError;
+    int m_logDetails = 0; // with the attributes of each message, and the hop of its client
     // Address and port of the metrics and the health page; empty: neither.
     std::string m_metrics;
 

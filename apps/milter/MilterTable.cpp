@@ -92,6 +92,10 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
     settingRow<&MilterSettings::m_log>(
         {"log", text, "stderr|journal|syslog",
          "where messages go; in the background syslog instead of stderr (stderr)"}),
+    settingRow<&MilterSettings::m_logDetails>(
+        {"log-details", integer, "0|1",
+         "1: the log also has the attributes of each message and the hop of its client (0)"},
+        s_checkFlag),
     settingRow<&MilterSettings::m_metrics>(
         {"metrics", text, "HOST:PORT",
          "serve /metrics and /health at this address of this machine (off)"},

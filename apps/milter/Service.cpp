@@ -5,6 +5,10 @@
 #include "apps/text/NumberText.h"
 #include "platform/Logger.h"
 #include "platform/LogMessages.h"
+#include "rules/vectors/VectorCsv.h"
+
+#include <algorithm>
+#include <optional>
 
 namespace Quorvane::Milter {
 
@@ -13,6 +17,25 @@ namespace {
 std::string s_rulesText(Snapshot const& snapshot) {
     auto const version = snapshot.m_host->ruleVersion();
     return version ? "rule version " + std::to_string(*version) : "rules without a version";
+}
+
+// " vector=1,0,2,... hop=from a.example (...) by ...". The vector is that of a row of CSV; the hop
+// is on one line, and last, since a client may have written some of it.
+std::string s_detailsText(Judgement const& judgement) {
+    if (!judgement.m_record) {
+        return {};
+    }
+    auto const& record = *judgement.m_record;
+    auto const values =
+        Rules::csvValues(record.isJudged() ? std::optional(record.attributes) : std::nullopt);
+    auto text = " vector=" + values.substr(1);
+    if (judgement.m_hop) {
+        auto hop = *judgement.m_hop;
+        std::erase(hop, '\n');
+        std::replace(hop.begin(), hop.end(), '\t', ' ');
+        text += " hop=" + hop;
+    }
+    return text;
 }
 
 // "queue=4VdW3k verdict=spam node=17 action=header time=1.2ms"
@@ -26,7 +49,8 @@ std::string s_logText(MessageReport const& report) {
         text += " node=" + std::to_string(judgement.m_verdict.node);
     }
     return text + " action=" + actionWord(report.m_action) +
-           " time=" + numberText(report.m_seconds * 1000, 3) + "ms";
+           " time=" + numberText(report.m_seconds * 1000, 3) + "ms" +
+           (report.m_isDetailed ? s_detailsText(judgement) : "");
 }
 
 } // namespace

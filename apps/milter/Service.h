@@ -20,6 +20,7 @@ struct MessageReport {
     Judgement const& m_judgement;
     Action const& m_action;
     double m_seconds;
+    bool m_isDetailed;
 };
 
 class Service {

@@ -109,7 +109,7 @@ MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) 
     if (!m_client.m_address.isNull()) {
         facts.m_client = m_client.m_address;
         facts.m_currentReceived = receivedText(server, m_client);
-        facts.m_currentIsForged = forgedFlag(m_client);
+        facts.m_currentIsForged = forgedFlag(server, m_client);
     }
     return facts;
 }
@@ -126,9 +126,11 @@ Judgement Session::judge(MailServer& server) const {
         return failureOf(Failure::overload);
     }
     auto const headers = HeaderReader::read(m_message.m_headers);
-    return judgementOf(
-        m_snapshot->m_host->scan(headers, facts(server, headers), RecordDepth::steps),
-        m_snapshot->milter());
+    auto const known = facts(server, headers);
+    auto judgement = judgementOf(m_snapshot->m_host->scan(headers, known, RecordDepth::steps),
+                                 m_snapshot->milter());
+    judgement.m_hop = known.m_currentReceived;
+    return judgement;
 }
 
 Reply Session::apply(MailServer& server, Judgement const& judgement, Action const& action) const {
@@ -166,10 +168,12 @@ Reply Session::finish(MailServer& server) {
         return Reply::accept;
     }
     auto const start = std::chrono::steady_clock::now();
+    auto const& settings = m_snapshot->milter();
     auto const judgement = judge(server);
-    auto const action = actionOn(judgement, m_snapshot->milter());
+    auto const action = actionOn(judgement, settings);
     std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
-    m_service.report({server.macro("i"), judgement, action, time.count()});
+    m_service.report(
+        {server.macro("i"), judgement, action, time.count(), settings.m_logDetails != 0});
     return apply(server, judgement, action);
 }
 

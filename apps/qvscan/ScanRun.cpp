@@ -60,8 +60,8 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
                                    : jsonRecord(item.m_source, record);
     case OutputFormat::csv:
         return Rules::csvField(item.m_source) +
-               (record.isJudged() ? Rules::csvValues(record.attributes)
-                                  : std::string(attributeCount, ',')) +
+               Rules::csvValues(record.isJudged() ? std::optional(record.attributes)
+                                                  : std::nullopt) +
                "\n";
     case OutputFormat::text:
         break;

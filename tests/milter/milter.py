@@ -1,8 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """The daemon under test: a qvmilter with rules, settings and a socket of its own, and scripts that
 play a mail server (miltertest)."""
+import email
+import json
 import os
 import pathlib
+import re
 import shutil
 import signal
 import socket
@@ -17,6 +20,7 @@ import urllib.request
 QVMILTER = os.environ["QV_MILTER"]
 QVRULES = os.environ["QV_RULES"]
 QVSCAN = os.environ["QV_SCAN"]
+EXAMPLES = pathlib.Path(os.environ["QV_EXAMPLES"])
 PRELUDE = pathlib.Path(__file__).parent / "prelude.lua"
 
 # A HELO name without a dot is spam, one that is also the reverse name is ham, the rest is neither.
@@ -28,6 +32,15 @@ tree {{
     first_helo_matches_reverse != yes: confidence 0.5 support 50
 }}
 """
+
+
+# The shipped rules, for Daemon(rules=...).
+DEFAULT_RULES = (pathlib.Path(os.environ["QV_DEFAULT_TEXT"]).read_text()
+                 .replace("{", "{{").replace("}", "}}"))
+
+# The line of a message in the log, with `log-details`.
+LOGGED = re.compile(r" queue=(?P<queue>\S+) verdict=(?P<verdict>\S+) node=(?P<node>\d+) \S+ \S+"
+                    r" vector=(?P<vector>[-0-9,]*)(?: hop=(?P<hop>.*))?$")
 
 
 def free_port():
@@ -52,13 +65,15 @@ def wait_for(condition, what, seconds=30):
 class Daemon:
     """A qvmilter in the foreground. `shared` are settings for all programs, `own` those of [milter]."""
 
-    def __init__(self, shared="", own="", version=1, rules=RULES, folder=None):
+    def __init__(self, shared="", own="", version=1, rules=RULES, folder=None,
+                 socket=None):
         self.folder = pathlib.Path(folder or tempfile.mkdtemp(prefix="qvmilter-"))
         self.folder.chmod(0o755)
         self.root = self.folder / "root"
         self.root.mkdir(exist_ok=True)
         self.config = self.folder / "qv.toml"
-        self.socket = self.folder / "qv.sock"
+        self.socket = pathlib.Path(socket or self.folder / "qv.sock")
+        self.socket.parent.mkdir(exist_ok=True)
         self.metrics_port = free_port()
         self.process = None
         self.log = []
@@ -103,6 +118,10 @@ class Daemon:
             found = [line for line in list(self.log) if text in line]
             return found[count - 1] if len(found) >= count else None
         return wait_for(find, f"\"{text}\" in the log:\n" + "".join(self.log))
+
+    def judged(self, number):
+        """What the log says of the message of this number. REQUIRES: log-details."""
+        return LOGGED.search(self.wait_for_log(" verdict=", number).rstrip("\n")).groupdict()
 
     def reload(self):
         self.process.send_signal(signal.SIGUSR1)
@@ -166,8 +185,35 @@ def check(config, *arguments):
                           text=True, timeout=60)
 
 
+def one_line(value):
+    """The value of a header without its folding."""
+    return re.sub(r"\s+", " ", value).strip()
+
+
 class MilterTest(unittest.TestCase):
     """A test with a daemon of its own settings."""
+
+    def scanned(self, daemon, message):
+        """What qvscan says of a message as it was delivered: its JSON record."""
+        path = daemon.folder / "delivered.eml"
+        path.write_bytes(message)
+        done = subprocess.run([QVSCAN, "--config", str(daemon.config), "--format", "json",
+                               "--explain", str(path)], capture_output=True, text=True)
+        return json.loads(done.stdout)
+
+    def check_same_judgement(self, daemon, delivered, number):
+        """The daemon, on its message of this number, and qvscan, on the same as it was delivered,
+        found the same. Returns what the daemon logged."""
+        logged, record = daemon.judged(number), self.scanned(daemon, delivered)
+        header = email.message_from_bytes(delivered)["X-QV-Deep-Header"]
+        self.assertTrue(header.startswith(f"{record['verdict']}; node={record['node']}"), header)
+        self.assertEqual(re.findall("ips=(.*)", header), [record["ips"]] if record["ips"] else [])
+        self.assertEqual((logged["verdict"], int(logged["node"])),
+                         (record["verdict"], record["node"]))
+        is_judged = record["explain"]["values"] is not None
+        attributes = record["explain"]["attributes"] if is_judged else [""] * 38
+        self.assertEqual(logged["vector"], ",".join(map(str, attributes)))
+        return logged
 
     def daemon(self, **settings):
         daemon = Daemon(**settings)

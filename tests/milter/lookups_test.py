@@ -1,0 +1,22 @@
+# SPDX-License-Identifier: Apache-2.0
+"""qvmilter behind a Postfix that looks its clients up judges as qvscan does, also those whose names
+are forged (agreement.py)."""
+import unittest
+
+from agreement import AgreementTest
+from milter import DEFAULT_RULES, EXAMPLES
+from postfix_test import PostfixTest
+from private_machine import CLIENTS, NameServer, enter
+
+
+class WithPostfixThatLooksUp(PostfixTest, AgreementTest):
+    def test_of_all_examples(self):
+        self.addCleanup(NameServer().stop)
+        daemon, postfix = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"', rules=DEFAULT_RULES,
+                                    own="log-details = 1", postfix={"looks_up": True})
+        self.check_examples(daemon, postfix, CLIENTS)
+
+
+if __name__ == "__main__":
+    enter()
+    unittest.main()

@@ -1,0 +1,20 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Recipes of the documentation, which tests follow to the letter."""
+import os
+import pathlib
+import re
+import textwrap
+
+BLOCK = re.compile(r"^ *```([a-z]*)\n(.*?)^ *```$", re.S | re.M)
+
+
+def section(page, heading):
+    """The text below a heading of a page, up to the next one."""
+    text = (pathlib.Path(os.environ["QV_DOCS"]) / page).read_text()
+    return text.split(f"\n## {heading}\n")[1].split("\n## ")[0]
+
+
+def blocks(page, heading, language=None):
+    """The blocks of code below a heading; those in a language, "" for no language."""
+    return [textwrap.dedent(block) for name, block in BLOCK.findall(section(page, heading))
+            if language in (None, name)]
