@@ -12,8 +12,8 @@ namespace Quorvane::Milter {
 namespace {
 
 // They are used up when the program starts.
-constexpr std::string_view fixedSettings[] = {"socket",   "socket-group", "socket-mode", "user",
-                                              "pid-file", "log",          "metrics"};
+constexpr std::string_view fixedSettings[] = {
+    "socket", "socket-group", "socket-mode", "user", "pid-file", "log", "metrics", "idle-timeout"};
 
 void s_checkFixed(MilterStore const& before, MilterStore const& now) {
     for (auto const name : fixedSettings) {
@@ -26,15 +26,15 @@ void s_checkFixed(MilterStore const& before, MilterStore const& now) {
 
 } // namespace
 
-FileSettings readFileSettings(CommandLine const& line) {
+FileSettings readFileSettings(std::string const& path) {
     FileSettings settings;
     SettingsSection* const sections[] = {&settings.m_host, &settings.m_milter};
-    readSettings(line, "qvmilter", sections);
+    loadSettingsFile(path, "qvmilter", sections);
     return settings;
 }
 
-SnapshotInForce::SnapshotInForce(CommandLine line) : m_line(std::move(line)) {
-    auto settings = readFileSettings(m_line);
+SnapshotInForce::SnapshotInForce(std::string path) : m_path(std::move(path)) {
+    auto settings = readFileSettings(m_path);
     try {
         auto host = setUpHost(settings.m_host.values());
         put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
@@ -56,7 +56,7 @@ void SnapshotInForce::put(Snapshot snapshot) {
 }
 
 void SnapshotInForce::reload() {
-    auto settings = readFileSettings(m_line);
+    auto settings = readFileSettings(m_path);
     s_checkFixed(current()->m_settings.m_milter, settings.m_milter);
     auto host = setUpHost(settings.m_host.values());
     m_whyNoRules.clear();

@@ -4,7 +4,6 @@
 // puts another one in its place, and sessions keep the one they began with.
 #pragma once
 
-#include "apps/commandline/CommandLine.h"
 #include "apps/host/ScanHost.h"
 #include "apps/milter/MilterTable.h"
 #include "apps/settings/SettingsTable.h"
@@ -23,7 +22,7 @@ struct FileSettings {
 };
 
 // A SettingsError for what is wrong with the file.
-FileSettings readFileSettings(CommandLine const& line);
+FileSettings readFileSettings(std::string const& path);
 
 struct Snapshot {
     FileSettings m_settings;
@@ -36,9 +35,9 @@ struct Snapshot {
 // The snapshot in force. current may be called from any thread; the others from one.
 class SnapshotInForce {
   public:
-    // `line`: names the settings file, which each reload reads again. Rules that cannot be loaded
-    // are no error here (start says so); a SettingsError for all else.
-    explicit SnapshotInForce(CommandLine line);
+    // `path`: of the settings file, which each reload reads again. Rules that cannot be loaded are
+    // no error here (whyNoRules says so); a SettingsError for all else.
+    explicit SnapshotInForce(std::string path);
 
     std::shared_ptr<Snapshot const> current() const;
 
@@ -54,7 +53,7 @@ class SnapshotInForce {
   private:
     void put(Snapshot snapshot);
 
-    CommandLine m_line;
+    std::string m_path;
     mutable std::mutex m_mutex; // guards m_current
     std::shared_ptr<Snapshot const> m_current;
     std::string m_whyNoRules;

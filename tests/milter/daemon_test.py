@@ -126,8 +126,7 @@ class Life(MilterTest):
 
     def test_it_runs_as_the_user_that_the_settings_name(self):
         daemon = self.daemon(own='user = "nobody"').start()
-        status = pathlib.Path(f"/proc/{daemon.process.pid}/status").read_text()
-        owner = status.split("Uid:")[1].split()[0]
+        owner = daemon.status("Uid").split()[0]
         self.assertEqual(int(owner), pwd.getpwnam("nobody").pw_uid)
 
     def test_term_ends_it_with_0_even_while_sessions_are_open(self):

@@ -17,6 +17,8 @@ import urllib.request
 QVMILTER = os.environ["QV_MILTER"]
 QVRULES = os.environ["QV_RULES"]
 QVSCAN = os.environ["QV_SCAN"]
+# The daemon is built with a sanitizer, which takes far more memory and time.
+SANITIZED = os.environ.get("QV_SANITIZE", "") != ""
 PRELUDE = pathlib.Path(__file__).parent / "prelude.lua"
 
 # A HELO name without a dot is spam, one that is also the reverse name is ham, the rest is neither.
@@ -80,12 +82,12 @@ class Daemon:
             f'root = "{self.root}"\n{dns}{shared}\n[milter]\nsocket = "unix:{self.socket}"\n'
             f'metrics = "127.0.0.1:{self.metrics_port}"\n{own}\n')
 
-    def start(self):
-        """Starts the daemon and waits until it serves."""
+    def start(self, wrapper=(), **how):
+        """Starts the daemon and waits until it serves. `wrapper` is a command that runs it."""
         self.log.clear()
         self.process = subprocess.Popen(
-            [QVMILTER, "--config", str(self.config), "--foreground"], stderr=subprocess.PIPE,
-            text=True)
+            [*wrapper, QVMILTER, "--config", str(self.config), "--foreground"],
+            stderr=subprocess.PIPE, text=True, **how)
         self.reader = threading.Thread(target=self._read, daemon=True)
         self.reader.start()
         self.wait_for_log("info: started")
@@ -155,9 +157,13 @@ class Daemon:
                 return float(line.split()[-1])
         return None
 
-    def resident_kilobytes(self):
+    def status(self, name):
+        """One line of the process's status: "VmRSS"."""
         status = pathlib.Path(f"/proc/{self.process.pid}/status").read_text()
-        return int(status.split("VmRSS:")[1].split()[0])
+        return status.split(f"\n{name}:")[1].split("\n")[0].strip()
+
+    def kilobytes(self, name):
+        return int(self.status(name).split()[0])
 
 
 def check(config, *arguments):
@@ -171,8 +177,12 @@ class MilterTest(unittest.TestCase):
 
     def daemon(self, **settings):
         daemon = Daemon(**settings)
-        self.addCleanup(daemon.remove)
+        self.addCleanup(self._remove, daemon)
         return daemon
+
+    def _remove(self, daemon):
+        """A sanitizer that found something tells by the exit status."""
+        self.assertIn(daemon.remove(), (None, 0), "".join(daemon.log))
 
     def command(self, daemon, script):
         """The command that runs a script (the functions are in prelude.lua) against the daemon."""
