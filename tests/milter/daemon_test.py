@@ -210,30 +210,6 @@ class Reload(MilterTest):
         self.assertEqual(daemon.metric("qvmilter_rule_version"), 2)
 
 
-    def test_2000_messages_of_parallel_sessions_are_judged_while_it_reloads(self):
-        daemon = self.daemon().start()
-        command = self.command(daemon, """
-            for number = 1, 20 do
-                postfix_client("unknown", "192.0.2.55", "localhost")
-                for index = 1, 25 do
-                    message()
-                end
-                close()
-            end""")
-        players = [subprocess.Popen(command, stdout=subprocess.PIPE, text=True) for _ in range(4)]
-        for version in range(2, 7):
-            daemon.install(version)
-            daemon.reload()
-            daemon.wait_for_log(f"rule version {version}")
-        for player in players:
-            answers = player.communicate()[0].splitlines()
-            self.assertEqual(player.returncode, 0)
-            self.assertEqual(answers.count("accept"), 500)
-            self.assertEqual(sum(": spam; node=7" in answer for answer in answers), 500)
-        self.assertEqual(
-            daemon.metric('qvmilter_messages_total{action="header",verdict="spam"}'), 2000)
-
-
 class Figures(MilterTest):
     def test_messages_are_counted_by_verdict_and_action(self):
         daemon = self.daemon(own='on-spam = "reject"').start()

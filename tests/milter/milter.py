@@ -14,6 +14,8 @@ import unittest
 import urllib.error
 import urllib.request
 
+from protocol import MailServer
+
 QVMILTER = os.environ["QV_MILTER"]
 QVRULES = os.environ["QV_RULES"]
 QVSCAN = os.environ["QV_SCAN"]
@@ -91,7 +93,13 @@ class Daemon:
         self.reader = threading.Thread(target=self._read, daemon=True)
         self.reader.start()
         self.wait_for_log("info: started")
+        self._shake_hands()
         return self
+
+    def _shake_hands(self):
+        """libmilter takes a SIGTERM that comes just before it serves for a failure."""
+        if self.socket.exists():
+            MailServer(self.socket).close()
 
     def _read(self):
         for line in self.process.stderr:
