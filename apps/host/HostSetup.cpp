@@ -9,8 +9,6 @@
 #include "platform/TrustedMTASet.h"
 
 #include <cerrno>
-#include <chrono>
-#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <utility>
@@ -50,10 +48,7 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
     if (!settings.m_dnsData.empty()) {
         resolver.m_zoneData = s_lines(settings.m_dnsData);
     }
-    // The lists are asked at once, then the names of the scan: each round gets half of the time.
-    auto const share = settings.m_dnsLists.empty() ? 1.0 : 0.5;
-    resolver.m_deadline =
-        std::chrono::milliseconds(std::lround(settings.m_dnsTimeout * share * 1000));
+    resolver.m_deadline = settings.lookupTime();
     resolver.m_zoneData.insert(resolver.m_zoneData.end(), settings.m_zoneLines.begin(),
                                settings.m_zoneLines.end());
     return resolver;

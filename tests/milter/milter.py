@@ -41,6 +41,25 @@ def free_port():
         return listener.getsockname()[1]
 
 
+class SilentDnsServer:
+    """A DNS server that takes questions and never answers, like one behind a broken firewall."""
+
+    def __init__(self):
+        self.socket = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.socket.bind(("127.0.0.1", 0))
+        self.socket.settimeout(30)
+        self.address = f"127.0.0.1@{self.socket.getsockname()[1]}" # as settings name it
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.socket.close()
+
+    def wait_for_question(self):
+        self.socket.recv(512)
+
+
 def wait_for(condition, what, seconds=30):
     """Returns what `condition` returns as soon as it is true."""
     end = time.monotonic() + seconds
