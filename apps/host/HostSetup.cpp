@@ -102,6 +102,14 @@ class PreparedPlatform {
     PreparedResolver m_resolver;
 };
 
+LoadedRules s_rules(std::string const& rootName) {
+    try {
+        return loadRules();
+    } catch (NoRulesError const& error) {
+        throw NoRulesError(error.what() + ("; " + rootName) + " says below which folder to look");
+    }
+}
+
 } // namespace
 
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine) {
@@ -111,11 +119,11 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHead
     return host;
 }
 
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
                                           std::shared_ptr<Logger> logger) {
     PreparedPlatform platform(settings);
     useRoot(settings.m_root);
-    auto rules = loadRules();
+    auto rules = s_rules(rootName);
     auto host =
         std::make_shared<ScanHost const>(settings, std::move(rules.m_engine), rules.m_version);
     if (logger != nullptr) {

@@ -15,13 +15,15 @@
 #include "platform/Logger.h"
 
 #include <memory>
+#include <string>
 
 namespace Quorvane {
 
-// A host with the rules below the root folder of the settings. `logger`, when not null, becomes the
-// process's logger. The root folder is set once: a later call with another one is refused, and so
-// are rules that are newer than those in force and cannot be loaded.
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
+// A host with the rules below the root folder of the settings, which the program's users set by
+// `rootName` ("--root"). `logger`, when not null, becomes the process's logger. The root folder is
+// set once: a later call with another one is refused, and so are rules that are newer than those in
+// force and cannot be loaded.
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
                                           std::shared_ptr<Logger> logger = nullptr);
 
 // The same host, or one with the rules of a newer version if such are installed by now. A

@@ -2,7 +2,6 @@
 #include "apps/milter/Daemon.h"
 
 #include "apps/commandline/ProgramError.h"
-#include "apps/host/HostSetup.h"
 #include "apps/milter/Accounts.h"
 #include "apps/milter/Background.h"
 #include "apps/milter/Callbacks.h"
@@ -148,8 +147,7 @@ void s_openSocket(MilterSettings const& settings) {
 } // namespace
 
 void checkSettings(std::string const& path) {
-    auto const settings = readFileSettings(path);
-    setUpHost(settings.m_host.values());
+    setUpHost(readFileSettings(path));
 }
 
 int serve(std::string const& path, bool foreground) {

@@ -26,6 +26,10 @@ void s_checkFixed(MilterStore const& before, MilterStore const& now) {
 
 } // namespace
 
+std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings) {
+    return Quorvane::setUpHost(settings.m_host.values(), "root in the settings file");
+}
+
 FileSettings readFileSettings(std::string const& path) {
     FileSettings settings;
     SettingsSection* const sections[] = {&settings.m_host, &settings.m_milter};
@@ -36,7 +40,7 @@ FileSettings readFileSettings(std::string const& path) {
 SnapshotInForce::SnapshotInForce(std::string path) : m_path(std::move(path)) {
     auto settings = readFileSettings(m_path);
     try {
-        auto host = setUpHost(settings.m_host.values());
+        auto host = setUpHost(settings);
         put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
     } catch (NoRulesError const& error) {
         m_whyNoRules = error.what();
@@ -58,7 +62,7 @@ void SnapshotInForce::put(Snapshot snapshot) {
 void SnapshotInForce::reload() {
     auto settings = readFileSettings(m_path);
     s_checkFixed(current()->m_settings.m_milter, settings.m_milter);
-    auto host = setUpHost(settings.m_host.values());
+    auto host = setUpHost(settings);
     m_whyNoRules.clear();
     put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
 }
@@ -66,8 +70,7 @@ void SnapshotInForce::reload() {
 bool SnapshotInForce::loadNewerRules() {
     auto const before = current();
     auto const& settings = before->m_settings;
-    auto host = before->m_host == nullptr ? setUpHost(settings.m_host.values())
-                                          : withNewerRules(before->m_host);
+    auto host = before->m_host == nullptr ? setUpHost(settings) : withNewerRules(before->m_host);
     if (host == before->m_host) {
         return false;
     }

@@ -24,6 +24,9 @@ struct FileSettings {
 // A SettingsError for what is wrong with the file.
 FileSettings readFileSettings(std::string const& path);
 
+// Puts the settings for all programs in force (apps/host/HostSetup.h).
+std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings);
+
 struct Snapshot {
     FileSettings m_settings;
     std::shared_ptr<ScanHost const> m_host; // null: no rules could be loaded yet

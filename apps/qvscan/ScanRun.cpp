@@ -40,7 +40,8 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()), m_host(setUpHost(options.m_settings.values())),
+      m_colour(s_wantsColour()),
+      m_host(setUpHost(options.m_settings.values(), "--root, or root in the settings file,")),
       m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {

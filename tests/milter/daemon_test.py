@@ -51,7 +51,10 @@ class Check(MilterTest):
 
     def test_rules_that_are_missing_are_an_error_of_the_check_only(self):
         daemon = self.daemon(rules=None)
-        self.assertEqual(check(daemon.config, "--check").returncode, 78)
+        done = check(daemon.config, "--check")
+        self.assertEqual(done.returncode, 78)
+        self.assertIn(f"no usable rules in {daemon.root}/var/spool/etc/antispam: ", done.stderr)
+        self.assertIn("; root in the settings file says below which folder to look", done.stderr)
         daemon.start()
         daemon.wait_for_log("no message is judged until there are rules")
         self.assertEqual(daemon.get("/health"), (503, "no rules\n"))
