@@ -40,11 +40,10 @@ FileSettings readFileSettings(std::string const& path) {
 SnapshotInForce::SnapshotInForce(std::string path) : m_path(std::move(path)) {
     auto settings = readFileSettings(m_path);
     try {
-        auto host = setUpHost(settings);
-        put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
+        put(settings, setUpHost(settings));
     } catch (NoRulesError const& error) {
         m_whyNoRules = error.what();
-        put({std::move(settings), nullptr, {}});
+        put(settings, nullptr);
     }
 }
 
@@ -53,10 +52,22 @@ std::shared_ptr<Snapshot const> SnapshotInForce::current() const {
     return m_current;
 }
 
-void SnapshotInForce::put(Snapshot snapshot) {
-    auto next = std::make_shared<Snapshot const>(std::move(snapshot));
+void SnapshotInForce::put(FileSettings const& settings, std::shared_ptr<ScanHost const> host) {
+    auto const loaded = loadTime(host.get());
+    auto next = std::make_shared<Snapshot const>(Snapshot{settings, std::move(host), loaded});
     std::lock_guard const lock(m_mutex);
     m_current.swap(next);
+}
+
+// A reload that finds no newer rules goes on with those it has.
+Snapshot::Time SnapshotInForce::loadTime(ScanHost const* host) const {
+    if (host == nullptr) {
+        return {};
+    }
+    auto const before = current();
+    bool const areSame = before != nullptr && before->m_host != nullptr &&
+                         before->m_host->ruleVersion() == host->ruleVersion();
+    return areSame ? before->m_rulesLoaded : Snapshot::Clock::now();
 }
 
 void SnapshotInForce::reload() {
@@ -64,7 +75,7 @@ void SnapshotInForce::reload() {
     s_checkFixed(current()->m_settings.m_milter, settings.m_milter);
     auto host = setUpHost(settings);
     m_whyNoRules.clear();
-    put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
+    put(settings, std::move(host));
 }
 
 bool SnapshotInForce::loadNewerRules() {
@@ -75,7 +86,7 @@ bool SnapshotInForce::loadNewerRules() {
         return false;
     }
     m_whyNoRules.clear();
-    put({settings, std::move(host), std::chrono::system_clock::now()});
+    put(settings, std::move(host));
     return true;
 }
 

@@ -28,9 +28,12 @@ FileSettings readFileSettings(std::string const& path);
 std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings);
 
 struct Snapshot {
+    using Clock = std::chrono::system_clock;
+    using Time = Clock::time_point;
+
     FileSettings m_settings;
     std::shared_ptr<ScanHost const> m_host; // null: no rules could be loaded yet
-    std::chrono::system_clock::time_point m_rulesLoaded;
+    Time m_rulesLoaded;
 
     MilterSettings const& milter() const { return m_settings.m_milter.values(); }
 };
@@ -54,7 +57,9 @@ class SnapshotInForce {
     std::string const& whyNoRules() const { return m_whyNoRules; }
 
   private:
-    void put(Snapshot snapshot);
+    // `host` null: there are no rules yet.
+    void put(FileSettings const& settings, std::shared_ptr<ScanHost const> host);
+    Snapshot::Time loadTime(ScanHost const* host) const;
 
     std::string m_path;
     mutable std::mutex m_mutex; // guards m_current

@@ -11,7 +11,8 @@ import subprocess
 import textwrap
 import unittest
 
-from milter import MilterTest, check, wait_for
+from milter import FailingDnsServer, MilterTest, SilentDnsServer, check, wait_for
+from protocol import MailServer
 
 MESSAGE = """
     postfix_client("unknown", "192.0.2.55", "localhost")
@@ -214,6 +215,14 @@ class Reload(MilterTest):
 
 
 class Figures(MilterTest):
+    LOOKUPS = 'qvmilter_lookups_total{result="%s"}'
+    FAILURES = 'qvmilter_failures_total{class="%s"}'
+    RELOADS = 'qvmilter_reloads_total{result="%s"}'
+    # A client whose name is asked for, in a message whose other names are not.
+    NAMED = """
+        postfix_client("unknown", "192.0.2.55", "{}")
+        sender("<>") recipient("<b@example.net>") header("Subject", "hello") finish()"""
+
     def test_messages_are_counted_by_verdict_and_action(self):
         daemon = self.daemon(own='on-spam = "reject"').start()
         for _ in range(3):
@@ -221,18 +230,68 @@ class Figures(MilterTest):
         self.assertEqual(
             daemon.metric('qvmilter_messages_total{action="reject",verdict="spam"}'), 3)
         self.assertEqual(daemon.metric("qvmilter_scan_seconds_count"), 3)
-        self.assertEqual(daemon.metric("qvmilter_rule_version"), 1)
-        wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the sessions")
+
+    def test_messages_of_exempted_clients_are_counted_by_themselves(self):
+        daemon = self.daemon(own='exempt = ["192.0.2.0/24"]').start()
+        self.play(daemon, MESSAGE)
+        self.assertEqual(daemon.metric("qvmilter_exempted_total"), 1)
+        self.assertEqual(daemon.metric("qvmilter_scan_seconds_count"), 0)
+        self.assertIn("info: message: queue=- exempt=network", daemon.wait_for_log("queue="))
+
+    def test_sessions_are_counted_while_they_are_open(self):
+        daemon = self.daemon().start()
+        with MailServer(daemon.socket) as session:
+            session.client().message()
+            self.assertEqual(daemon.metric("qvmilter_sessions"), 1)
+        wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the session")
 
     def test_lookups_are_counted_by_result(self):
-        daemon = self.daemon(shared='dns = "127.0.0.1@1"\ndns-timeout = 0.2').start()
-        self.play(daemon, """
-            postfix_client("unknown", "192.0.2.55", "host.example")
-            message()""")
-        failed = sum(daemon.metric(f'qvmilter_lookups_total{{result="{result}"}}') or 0
-                     for result in ("failed", "late"))
-        self.assertGreater(failed, 0)
-        self.assertEqual(daemon.metric('qvmilter_failures_total{class="dns-failure"}'), 1)
+        zone = pathlib.Path(self.daemon().folder) / "zone"
+        zone.write_text("known.example. A 192.0.2.55\n")
+        with SilentDnsServer() as silent, FailingDnsServer() as failing:
+            for shared, helo, result in (
+                    (f'dns-data = "{zone}"', "known.example", "answered"),
+                    (f'dns-data = "{zone}"', "missing.example", "does_not_exist"),
+                    (f'dns = "{failing.address}"\ndns-timeout = 30', "host.example", "failed"),
+                    (f'dns = "{silent.address}"\ndns-timeout = 0.2', "host.example", "late")):
+                with self.subTest(result):
+                    daemon = self.daemon(shared=shared).start()
+                    self.assertEqual(daemon.metric(self.LOOKUPS % result), 0)
+                    self.play(daemon, self.NAMED.format(helo))
+                    self.assertEqual(daemon.metric(self.LOOKUPS % result), 1)
+                    self.assertEqual(daemon.metric("qvmilter_dns_seconds_count"), 1)
+
+    def test_failures_are_counted_by_class_from_0_on(self):
+        cases = (
+            ("no_rules", {"rules": None}),
+            ("dns_failure", {"shared": 'dns = "127.0.0.1@1"\ndns-timeout = 0.2'}),
+            ("odd_message", {"own": "max-headers = 1"}),
+        )
+        for name, settings in cases:
+            with self.subTest(name):
+                daemon = self.daemon(**settings).start()
+                self.assertEqual(daemon.metric(self.FAILURES % name), 0)
+                self.play(daemon, """
+                    postfix_client("unknown", "192.0.2.55", "host.example")
+                    message({"Subject", "hello"})""")
+                self.assertEqual(daemon.metric(self.FAILURES % name), 1)
+
+    def test_reloads_and_the_rules_in_force_are_shown(self):
+        loaded = "qvmilter_rules_loaded_timestamp_seconds"
+        daemon = self.daemon().start()
+        first = daemon.metric(loaded)
+        self.assertGreater(first, pathlib.Path(daemon.config).stat().st_mtime)
+        self.assertEqual(daemon.metric(self.RELOADS % "done"), 0)
+        self.assertEqual(daemon.metric(self.RELOADS % "refused"), 0)
+        daemon.reload()
+        daemon.wait_for_log("rule version 1")
+        self.assertEqual(daemon.metric(loaded), first) # they are the same rules
+        daemon.install(2)
+        daemon.reload()
+        daemon.wait_for_log("rule version 2")
+        self.assertGreater(daemon.metric(loaded), first)
+        self.assertEqual(daemon.metric("qvmilter_rule_version"), 2)
+        self.assertEqual(daemon.metric(self.RELOADS % "done"), 2)
 
     def test_other_pages_do_not_exist(self):
         daemon = self.daemon().start()

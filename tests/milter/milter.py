@@ -6,6 +6,7 @@ import pathlib
 import shutil
 import signal
 import socket
+import socketserver
 import subprocess
 import tempfile
 import threading
@@ -58,6 +59,31 @@ class SilentDnsServer:
 
     def wait_for_question(self):
         self.socket.recv(512)
+
+
+class FailingDnsServer(socketserver.UDPServer):
+    """A DNS server that answers each question with SERVFAIL (RFC 1035 section 4.1.1)."""
+
+    class Handler(socketserver.BaseRequestHandler):
+        def handle(self):
+            packet, server = self.request
+            question = packet[12:packet.index(0, 12) + 5]
+            server.sendto(packet[:2] + b"\x81\x82\0\1\0\0\0\0\0\0" + question,
+                          self.client_address)
+
+    def __init__(self):
+        super().__init__(("127.0.0.1", 0), self.Handler)
+        self.address = f"127.0.0.1@{self.server_address[1]}"
+        self.thread = threading.Thread(target=self.serve_forever, kwargs={"poll_interval": 0.05})
+
+    def __enter__(self):
+        self.thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self.shutdown()
+        self.thread.join()
+        self.server_close()
 
 
 def wait_for(condition, what, seconds=30):

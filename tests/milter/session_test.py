@@ -114,7 +114,7 @@ class OutOfMemory(MilterTest):
                     self.assertIn("error=scan-failure", daemon.wait_for_log("queue="))
                     daemon.wait_for_log("a message could not be handled: ")
                     self.assertEqual(
-                        daemon.metric('qvmilter_failures_total{class="scan-failure"}'), 1)
+                        daemon.metric('qvmilter_failures_total{class="scan_failure"}'), 1)
 
 
 class Crowds(MilterTest):
@@ -133,6 +133,7 @@ class Crowds(MilterTest):
                     if action == "accept":
                         self.assertIn(b"none; error=overload", changes[1][1])
                     self.assertEqual(first.message(), SPAM)
+                self.assertEqual(daemon.metric('qvmilter_failures_total{class="overload"}'), 1)
 
     def test_a_low_limit_of_open_files_is_raised(self):
         daemon = self.daemon()
