@@ -77,6 +77,7 @@ struct ResolverSettings {
     // are skipped; no wildcards. Aliases (CNAME) are followed, up to 8 in a row.
     std::vector<std::string> m_zoneData;
     // From the call to the answer, for each look-up; late answers count as empty. 1 ms to 10 min.
+    // LookupDeadline.h sets one end for several.
     std::chrono::milliseconds m_deadline{2000};
 };
 

@@ -11,8 +11,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <utility>
@@ -52,10 +50,7 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
     if (!settings.m_dnsData.empty()) {
         resolver.m_zoneData = s_lines(settings.m_dnsData);
     }
-    // The lists are asked at once, then the names of the scan: each round gets half of the time.
-    auto const share = settings.m_dnsLists.empty() ? 1.0 : 0.5;
-    resolver.m_deadline =
-        std::chrono::milliseconds(std::lround(settings.m_dnsTimeout * share * 1000));
+    resolver.m_deadline = settings.lookupTime();
     resolver.m_zoneData.insert(resolver.m_zoneData.end(), settings.m_zoneLines.begin(),
                                settings.m_zoneLines.end());
     return resolver;
@@ -135,6 +130,14 @@ class PreparedPlatform {
     PreparedResolver m_resolver;
 };
 
+LoadedRules s_rules(std::string const& rootName) {
+    try {
+        return loadRules();
+    } catch (NoRulesError const& error) {
+        throw NoRulesError(error.what() + ("; " + rootName) + " says below which folder to look");
+    }
+}
+
 } // namespace
 
 bool needsLookups(DeepHeaderEngine const& engine) {
@@ -158,11 +161,11 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHead
     return host;
 }
 
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
                                           std::shared_ptr<Logger> logger) {
     PreparedPlatform platform(settings);
     useRoot(settings.m_root);
-    auto rules = loadRules();
+    auto rules = s_rules(rootName);
     platform.fit(settings, rules.m_engine);
     auto host =
         std::make_shared<ScanHost const>(settings, std::move(rules.m_engine), rules.m_version);

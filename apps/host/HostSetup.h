@@ -15,6 +15,7 @@
 #include "platform/Logger.h"
 
 #include <memory>
+#include <string>
 
 namespace Quorvane {
 
@@ -25,10 +26,11 @@ bool needsLookups(DeepHeaderEngine const& engine);
 // show attributes or judge with other rules: makes "auto" mean that names are asked, or not.
 void settleDns(HostSettings& settings, bool isNeeded);
 
-// A host with the rules below the root folder of the settings. `logger`, when not null, becomes the
-// process's logger. The root folder is set once: a later call with another one is refused, and so
-// are rules that are newer than those in force and cannot be loaded.
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
+// A host with the rules below the root folder of the settings, which the program's users set by
+// `rootName` ("--root"). `logger`, when not null, becomes the process's logger. The root folder is
+// set once: a later call with another one is refused, and so are rules that are newer than those in
+// force and cannot be loaded.
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
                                           std::shared_ptr<Logger> logger = nullptr);
 
 // The same host, or one with the rules of a newer version if such are installed by now. A

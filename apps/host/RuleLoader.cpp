@@ -115,8 +115,7 @@ LoadedRules loadRules() {
     auto engine = DeepHeaderEngine::inForce();
     if (engine.isEmpty() || !logger->text().empty()) {
         throw NoRulesError("no usable rules in " + File::root() + ruleDirectory + ": " +
-                           s_whyNotLoaded(logger->text()) +
-                           "; --root says below which folder to look");
+                           s_whyNotLoaded(logger->text()));
     }
     return {engine, version};
 }

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace Quorvane {
 
@@ -27,7 +28,9 @@ class ScanHost {
     ScanHost(HostSettings settings, DeepHeaderEngine engine,
              std::optional<std::int32_t> version = std::nullopt);
 
-    // `headers`: the header section as HeaderReader split it.
+    // `headers`: the header section as HeaderReader split it. All look-ups together take no longer
+    // than the settings say: DNS lists are asked first and get at most half of the time, the names
+    // of the scan get what is left. The record holds the look-ups in lists, too.
     ScanRecord scan(HeaderContainer const& headers, MessageFacts const& facts,
                     RecordDepth depth) const;
 
@@ -45,8 +48,9 @@ class ScanHost {
     ScanHost judgingWith(DeepHeaderEngine engine, std::optional<std::int32_t> version) const;
 
   private:
-    RefMessageProperties messageProperties(HeaderContainer const& headers,
-                                           MessageFacts const& facts) const;
+    std::vector<RecordedLookup> describeRelays(HeaderContainer const& headers,
+                                               IPAddress const& client,
+                                               MessageProperties& properties) const;
 
     HostSettings m_settings;
     DeepHeaderEngine m_engine;

@@ -8,8 +8,10 @@
 
 namespace Quorvane::Milter {
 
-// Registers the filter with libmilter. `service` serves all sessions and is never destroyed while
-// callbacks run. False when libmilter refuses.
-bool registerFilter(Service& service);
+// Registers the filter with libmilter. False when libmilter refuses.
+bool registerFilter();
+
+// `service` serves all sessions and is never destroyed. Call it before libmilter serves.
+void useService(Service& service);
 
 } // namespace Quorvane::Milter

@@ -112,14 +112,16 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
     settingRow<&MilterSettings::m_onNoRules>(
         {"on-no-rules", text, failureValues, "no rules could be loaded yet (accept)"}),
     settingRow<&MilterSettings::m_onScanFailure>(
-        {"on-scan-failure", text, failureValues, "the scan failed (accept)"}),
+        {"on-scan-failure", text, failureValues,
+         "the scan failed, as for want of memory (accept)"}),
     settingRow<&MilterSettings::m_onDnsFailure>(
         {"on-dns-failure", text, failureValues,
          "look-ups failed or came late, and trust-failed-lookups is 0 (accept)"}),
     settingRow<&MilterSettings::m_onOddMessage>(
         {"on-odd-message", text, failureValues, "the message is beyond a limit (accept)"}),
     settingRow<&MilterSettings::m_onOverload>(
-        {"on-overload", text, failureValues, "max-scans messages are being judged (accept)"}),
+        {"on-overload", text, failureValues,
+         "max-scans messages are being judged, or max-sessions sessions are open (accept)"}),
     settingRow<&MilterSettings::m_trustFailedLookups>(
         {"trust-failed-lookups", integer, "0|1",
          "1: a verdict counts although look-ups failed; 0: it does not (0)"},
@@ -141,6 +143,13 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
         s_checkCount),
     settingRow<&MilterSettings::m_maxScans>(
         {"max-scans", integer, "N", "messages judged at once (256)"}, s_checkCount),
+    settingRow<&MilterSettings::m_maxSessions>(
+        {"max-sessions", integer, "N", "sessions open at once whose messages are judged (1000)"},
+        s_checkCount),
+    settingRow<&MilterSettings::m_idleTimeoutSeconds>(
+        {"idle-timeout", integer, "SECONDS",
+         "end sessions in which the mail server says nothing for so long (7200)"},
+        s_checkCount),
     settingRow<&MilterSettings::m_ruleCheckSeconds>(
         {"rule-check", integer, "SECONDS", "time between two looks for newer rules (60)"},
         s_checkCount),

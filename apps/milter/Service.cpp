@@ -38,11 +38,14 @@ std::string s_detailsText(Judgement const& judgement) {
     return text;
 }
 
+std::string s_queueText(std::string const& queueId) {
+    return "queue=" + (queueId.empty() ? std::string("-") : queueId);
+}
+
 // "queue=4VdW3k verdict=spam node=17 action=header time=1.2ms"
 std::string s_logText(MessageReport const& report) {
     auto const& judgement = report.m_judgement;
-    auto text = "queue=" + (report.m_queueId.empty() ? std::string("-") : report.m_queueId) +
-                " verdict=" + verdictName(judgement.m_verdict);
+    auto text = s_queueText(report.m_queueId) + " verdict=" + verdictName(judgement.m_verdict);
     if (judgement.m_failure) {
         text += std::string(" error=") + failureWord(*judgement.m_failure);
     } else {
@@ -62,7 +65,7 @@ void logMessage(int messageId, std::string const& text) noexcept {
     }
 }
 
-Service::Service(CommandLine const& line) : m_snapshot(line) {
+Service::Service(std::string const& path) : m_snapshot(path) {
     if (m_snapshot.whyNoRules().empty()) {
         noteRules();
     } else {
@@ -102,6 +105,11 @@ void Service::lookForRules() {
 void Service::report(MessageReport const& report) {
     m_metrics.message(report.m_judgement, report.m_action, report.m_seconds);
     logMessage(LogId::messageJudged, s_logText(report));
+}
+
+void Service::reportExempted(std::string const& queueId, char const* why) {
+    m_metrics.exempted();
+    logMessage(LogId::messageJudged, s_queueText(queueId) + " exempt=" + why);
 }
 
 void Service::reportError(std::string const& text) {

@@ -13,7 +13,7 @@ namespace Quorvane::Milter {
 
 namespace {
 
-bool s_isNamed(std::string const& name, char const* other) {
+bool s_isNamed(std::string_view name, std::string_view other) {
     return stringCompareNoCase(name, other, 0) == 0;
 }
 
@@ -40,7 +40,9 @@ bool s_removeAll(MailServer& server, char const* name, int count) {
 
 } // namespace
 
-Session::Session(Service& service) : m_service(service), m_snapshot(service.current()) {
+Session::Session(Service& service)
+    : m_service(service), m_snapshot(service.current()),
+      m_place(service.sessions().enter(m_snapshot->milter().m_maxSessions)) {
     m_service.metrics().sessions(1);
 }
 
@@ -49,11 +51,15 @@ Session::~Session() {
 }
 
 void Session::connect(MailServer& server, std::string const& hostName, IPAddress const& address) {
+    m_isClientKnown = false;
     m_client = clientOf(server, hostName, address);
+    m_isClientKnown = true;
 }
 
 void Session::helo(std::string const& name) {
+    bool const wasKnown = std::exchange(m_isClientKnown, false);
     m_client.m_helo = heloNameOf(name);
+    m_isClientKnown = wasKnown;
 }
 
 void Session::envelopeFrom(MailServer& server, std::string const& address) {
@@ -68,10 +74,14 @@ void Session::recipient(std::string const& address) {
     }
 }
 
-void Session::header(std::string const& name, std::string const& value) {
+// Headers named like ours are counted first: they go, whatever becomes of the message.
+void Session::header(std::string_view name, std::string_view value) {
     auto const& limits = m_snapshot->milter();
     m_message.m_foreignResults += s_isNamed(name, resultHeader) ? 1 : 0;
     m_message.m_foreignReasons += s_isNamed(name, reasonsHeader) ? 1 : 0;
+    if (!m_place.isIn()) {
+        return;
+    }
     auto const size = m_message.m_headers.size() + name.size() + value.size() + 3;
     if (++m_message.m_headerCount > limits.m_maxHeaders || size > limits.m_maxHeaderBytes) {
         m_message.m_isOdd = true;
@@ -87,12 +97,16 @@ void Session::abort() {
     m_message = {};
 }
 
-bool Session::isExempt() const {
+// Why the message is not judged, for the log; null: it is.
+char const* Session::exemption() const {
     auto const& settings = m_snapshot->milter();
-    return (settings.m_exemptAuthenticated != 0 && m_message.m_isAuthenticated) ||
-           std::any_of(
-               settings.m_exempt.begin(), settings.m_exempt.end(),
-               [this](IPPrefix const& prefix) { return prefix.contains(m_client.m_address); });
+    if (settings.m_exemptAuthenticated != 0 && m_message.m_isAuthenticated) {
+        return "authenticated";
+    }
+    bool const isListed =
+        std::any_of(settings.m_exempt.begin(), settings.m_exempt.end(),
+                    [this](IPPrefix const& prefix) { return prefix.contains(m_client.m_address); });
+    return isListed ? "network" : nullptr;
 }
 
 // What stands there before us, a sender may have written.
@@ -101,6 +115,7 @@ bool Session::removeForeign(MailServer& server) const {
            s_removeAll(server, reasonsHeader, m_message.m_foreignReasons);
 }
 
+// The milter protocol knows no status of a message, so that one stays 0.
 MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) const {
     MessageFacts facts;
     facts.m_envelopeFrom = EmailAddress::rfc5322Parse(m_message.m_envelopeFrom, true);
@@ -114,23 +129,38 @@ MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) 
     return facts;
 }
 
+Judgement Session::scan(MailServer& server) const {
+    try {
+        auto const headers = HeaderReader::read(m_message.m_headers);
+        auto const known = facts(server, headers);
+        auto record = m_snapshot->m_host->scan(headers, known, RecordDepth::steps);
+        if (record.failure) {
+            m_service.reportError(*record.failure);
+        }
+        auto judgement = judgementOf(std::move(record), m_snapshot->milter());
+        judgement.m_hop = known.m_currentReceived;
+        return judgement;
+    } catch (std::exception const& error) {
+        m_service.reportError(error.what());
+        return failureOf(Failure::scanFailed);
+    }
+}
+
 Judgement Session::judge(MailServer& server) const {
+    if (!m_place.isIn()) {
+        return failureOf(Failure::overload);
+    }
     if (m_message.m_isOdd) {
         return failureOf(Failure::oddMessage);
+    }
+    if (m_message.m_hasFailed || !m_isClientKnown) {
+        return failureOf(Failure::scanFailed);
     }
     if (m_snapshot->m_host == nullptr) {
         return failureOf(Failure::noRules);
     }
     auto const pass = m_service.scans().enter(m_snapshot->milter().m_maxScans);
-    if (!pass.isIn()) {
-        return failureOf(Failure::overload);
-    }
-    auto const headers = HeaderReader::read(m_message.m_headers);
-    auto const known = facts(server, headers);
-    auto judgement = judgementOf(m_snapshot->m_host->scan(headers, known, RecordDepth::steps),
-                                 m_snapshot->milter());
-    judgement.m_hop = known.m_currentReceived;
-    return judgement;
+    return pass.isIn() ? scan(server) : failureOf(Failure::overload);
 }
 
 Reply Session::apply(MailServer& server, Judgement const& judgement, Action const& action) const {
@@ -163,8 +193,8 @@ Reply Session::finish(MailServer& server) {
     if (!removeForeign(server)) {
         return Reply::tempfail;
     }
-    if (isExempt()) {
-        m_service.metrics().exempted();
+    if (auto const* const why = exemption(); why != nullptr) {
+        m_service.reportExempted(server.macro("i"), why);
         return Reply::accept;
     }
     auto const start = std::chrono::steady_clock::now();

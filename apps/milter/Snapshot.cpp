@@ -12,8 +12,8 @@ namespace Quorvane::Milter {
 namespace {
 
 // They are used up when the program starts.
-constexpr std::string_view fixedSettings[] = {"socket",   "socket-group", "socket-mode", "user",
-                                              "pid-file", "log",          "metrics"};
+constexpr std::string_view fixedSettings[] = {
+    "socket", "socket-group", "socket-mode", "user", "pid-file", "log", "metrics", "idle-timeout"};
 
 void s_checkFixed(MilterStore const& before, MilterStore const& now) {
     for (auto const name : fixedSettings) {
@@ -26,21 +26,24 @@ void s_checkFixed(MilterStore const& before, MilterStore const& now) {
 
 } // namespace
 
-FileSettings readFileSettings(CommandLine const& line) {
+std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings) {
+    return Quorvane::setUpHost(settings.m_host.values(), "root in the settings file");
+}
+
+FileSettings readFileSettings(std::string const& path) {
     FileSettings settings;
     SettingsSection* const sections[] = {&settings.m_host, &settings.m_milter};
-    readSettings(line, "qvmilter", sections);
+    loadSettingsFile(path, "qvmilter", sections);
     return settings;
 }
 
-SnapshotInForce::SnapshotInForce(CommandLine line) : m_line(std::move(line)) {
-    auto settings = readFileSettings(m_line);
+SnapshotInForce::SnapshotInForce(std::string path) : m_path(std::move(path)) {
+    auto settings = readFileSettings(m_path);
     try {
-        auto host = setUpHost(settings.m_host.values());
-        put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
+        put(settings, setUpHost(settings));
     } catch (NoRulesError const& error) {
         m_whyNoRules = error.what();
-        put({std::move(settings), nullptr, {}});
+        put(settings, nullptr);
     }
 }
 
@@ -49,30 +52,41 @@ std::shared_ptr<Snapshot const> SnapshotInForce::current() const {
     return m_current;
 }
 
-void SnapshotInForce::put(Snapshot snapshot) {
-    auto next = std::make_shared<Snapshot const>(std::move(snapshot));
+void SnapshotInForce::put(FileSettings const& settings, std::shared_ptr<ScanHost const> host) {
+    auto const loaded = loadTime(host.get());
+    auto next = std::make_shared<Snapshot const>(Snapshot{settings, std::move(host), loaded});
     std::lock_guard const lock(m_mutex);
     m_current.swap(next);
 }
 
+// A reload that finds no newer rules goes on with those it has.
+Snapshot::Time SnapshotInForce::loadTime(ScanHost const* host) const {
+    if (host == nullptr) {
+        return {};
+    }
+    auto const before = current();
+    bool const areSame = before != nullptr && before->m_host != nullptr &&
+                         before->m_host->ruleVersion() == host->ruleVersion();
+    return areSame ? before->m_rulesLoaded : Snapshot::Clock::now();
+}
+
 void SnapshotInForce::reload() {
-    auto settings = readFileSettings(m_line);
+    auto settings = readFileSettings(m_path);
     s_checkFixed(current()->m_settings.m_milter, settings.m_milter);
-    auto host = setUpHost(settings.m_host.values());
+    auto host = setUpHost(settings);
     m_whyNoRules.clear();
-    put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
+    put(settings, std::move(host));
 }
 
 bool SnapshotInForce::loadNewerRules() {
     auto const before = current();
     auto const& settings = before->m_settings;
-    auto host = before->m_host == nullptr ? setUpHost(settings.m_host.values())
-                                          : withNewerRules(before->m_host);
+    auto host = before->m_host == nullptr ? setUpHost(settings) : withNewerRules(before->m_host);
     if (host == before->m_host) {
         return false;
     }
     m_whyNoRules.clear();
-    put({settings, std::move(host), std::chrono::system_clock::now()});
+    put(settings, std::move(host));
     return true;
 }
 

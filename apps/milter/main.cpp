@@ -4,6 +4,7 @@
 #include "apps/milter/Snapshot.h"
 
 #include <csignal>
+#include <filesystem>
 #include <malloc.h>
 
 namespace Quorvane::Milter {
@@ -11,17 +12,19 @@ namespace Quorvane::Milter {
 namespace {
 
 int s_run(CommandLine const& line) {
+    auto const path = line.text("config");
     if (line.has("show-config")) {
-        auto const settings = readFileSettings(line);
+        auto const settings = readFileSettings(path);
         printOutput(settings.m_host.asToml() + '\n' + settings.m_milter.asToml());
         return ExitStatus::ok;
     }
     if (line.has("check")) {
-        checkSettings(line);
-        printOutput(line.text("config") + ": settings and rules are in order\n");
+        checkSettings(path);
+        printOutput(path + ": settings and rules are in order\n");
         return ExitStatus::ok;
     }
-    return serve(line);
+    // In the background the current folder is another.
+    return serve(std::filesystem::absolute(path).string(), line.has("foreground"));
 }
 
 } // namespace

@@ -49,8 +49,9 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()), m_host(setUpHost(s_settings(options))), m_output(STDOUT_FILENO),
-      m_errors(STDERR_FILENO) {}
+      m_colour(s_wantsColour()),
+      m_host(setUpHost(s_settings(options), "--root, or root in the settings file,")),
+      m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
     auto const& settings = m_host->settings().m_judging;

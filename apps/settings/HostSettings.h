@@ -12,6 +12,7 @@
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -51,6 +52,10 @@ struct HostSettings {
     std::string m_dns = dnsAsNeeded;
     // Seconds that the look-ups of one message may take in all.
     double m_dnsTimeout = 2.0;
+    std::chrono::milliseconds lookupTime() const {
+        return std::chrono::ceil<std::chrono::milliseconds>(
+            std::chrono::duration<double>(m_dnsTimeout));
+    }
     // File of zone lines; empty: none. When it is given, nothing else is asked.
     std::string m_dnsData;
     // More zone lines, from the program itself; they follow those of the file.

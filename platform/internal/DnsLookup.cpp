@@ -2,7 +2,9 @@
 #include "platform/internal/DnsLookup.h"
 
 #include "platform/internal/DnsName.h"
+#include "platform/LookupDeadline.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Quorvane::Dns {
@@ -19,7 +21,8 @@ std::vector<RecordType> s_typesToAsk(RecordType type) {
 
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally)
     : m_context(engine.m_context), m_tally(std::move(tally)),
-      m_start(std::chrono::steady_clock::now()), m_deadline(m_start + engine.m_deadline) {}
+      m_start(std::chrono::steady_clock::now()),
+      m_deadline(std::min(m_start + engine.m_deadline, LookupDeadline::current())) {}
 
 // Delegates, so that the destructor cancels what was asked when memory runs out half-way.
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally, RecordType type,

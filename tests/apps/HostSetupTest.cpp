@@ -44,7 +44,7 @@ class HostSetupTest : public testing::Test {
         m_first.m_trusted = {IPPrefix::parse("192.0.2.0/24")};
         m_first.m_zoneLines = {"here.test. A 192.0.2.7"};
         m_first.m_dynamicPatterns = s_folder().write("patterns", "^first\n");
-        m_host = setUpHost(m_first);
+        m_host = setUpHost(m_first, "root");
     }
 
     // Rules of a newer version, with one leaf for all messages of one hop.
@@ -106,7 +106,7 @@ class HostSetupTest : public testing::Test {
 
     static std::string problem(HostSettings const& settings) {
         try {
-            setUpHost(settings);
+            setUpHost(settings, "root");
         } catch (SettingsError const& error) {
             return error.what();
         }
@@ -118,7 +118,7 @@ class HostSetupTest : public testing::Test {
 };
 
 TEST_F(HostSetupTest, OtherSettingsAreInForceTogether) {
-    auto const host = setUpHost(other());
+    auto const host = setUpHost(other(), "root");
     EXPECT_TRUE(isTrusted("198.51.100.1"));
     EXPECT_FALSE(isTrusted("192.0.2.1"));
     EXPECT_TRUE(isDynamic("other.a.example"));
@@ -178,7 +178,7 @@ RefusedCase const refusedCases[] = {
     {"zone: ", [](HostSettings& s) { s.m_dnsData = s_folder().write("zone", "no record\n"); }},
     {"no.zone: cannot be read", [](HostSettings& s) { s.m_dnsData = "no.zone"; }},
     {"root: ", [](HostSettings& s) { s.m_root = "/"; }},
-    {"no usable rules",
+    {"; root says below which folder to look",
      [](HostSettings& /*settings*/) {
          s_folder().write(std::string(ruleFolder) + "qv.dt", std::string(46000, '\x7F'));
          s_folder().write(std::string(ruleFolder) + "README", "CF_DT_VERSION=1000\n");
@@ -198,7 +198,7 @@ TEST_F(HostSetupTest, ARefusedReloadChangesNothingAndSaysWhy) {
 TEST_F(HostSetupTest, WithoutAPatternFileTheBuiltInPatternsAreInForceAgain) {
     auto settings = other();
     settings.m_dynamicPatterns.clear();
-    setUpHost(settings);
+    setUpHost(settings, "root");
     EXPECT_FALSE(isDynamic("first.a.example"));
     EXPECT_TRUE(isDynamic("dsl-192-0-2-7.dyn.example.net"));
 }
@@ -207,20 +207,20 @@ TEST_F(HostSetupTest, TheProgramsLoggerStaysWhereItIsOrIsReplacedWithTheRest) {
     auto const before = std::make_shared<SilentLogger>();
     auto const after = std::make_shared<SilentLogger>();
     Logger::install(before);
-    setUpHost(other());
+    setUpHost(other(), "root");
     EXPECT_EQ(Logger::instance(false), before);
     auto broken = other();
     broken.m_dnsData = "no.zone";
-    EXPECT_THROW(setUpHost(broken, after), SettingsError);
+    EXPECT_THROW(setUpHost(broken, "root", after), SettingsError);
     EXPECT_EQ(Logger::instance(false), before);
-    setUpHost(other(), after);
+    setUpHost(other(), "root", after);
     EXPECT_EQ(Logger::instance(false), after);
     Logger::install(nullptr);
 }
 
 TEST_F(HostSetupTest, AMessageInHandKeepsTheRulesItsHostBeganWith) {
     installRules(0.42);
-    auto const reloaded = setUpHost(m_first);
+    auto const reloaded = setUpHost(m_first, "root");
     EXPECT_EQ(confidence(*reloaded), 0.42);
     EXPECT_EQ(confidence(*m_host), 0.97);
 }

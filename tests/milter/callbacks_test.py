@@ -1,10 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
 """The daemon as mail servers see it: each order of callbacks, each kind of macros, each action."""
-import socket
 import subprocess
 import unittest
 
-from milter import MilterTest
+from milter import MilterTest, SilentDnsServer
 
 SPAM = "X-QV-Deep-Header: spam; node=7; confidence=0.99; support=10; ips=192.0.2.55"
 HAM = "X-QV-Deep-Header: ham; node=3; confidence=0.01; support=30; ips=192.0.2.56"
@@ -190,29 +189,36 @@ class Settings(MilterTest):
                         self.answer(script, own=f'{own}\n{key} = "{action}"', **settings), expected)
 
     def test_more_scans_than_the_limit_are_not_begun(self):
-        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as silent:
-            silent.bind(("127.0.0.1", 0))
-            silent.settimeout(30)
-            daemon = self.daemon(
-                shared=f'dns = "127.0.0.1@{silent.getsockname()[1]}"\ndns-timeout = 5',
-                own="max-scans = 1").start()
+        with SilentDnsServer() as server:
+            daemon = self.daemon(shared=f'dns = "{server.address}"\ndns-timeout = 5',
+                                 own="max-scans = 1").start()
             script = """
                 postfix_client("unknown", "192.0.2.55", "host.example")
                 message()"""
             first = subprocess.Popen(self.command(daemon, script), stdout=subprocess.PIPE,
                                      text=True)
-            silent.recv(512) # it waits for an answer now
+            server.wait_for_question() # it waits for an answer now
             self.assertEqual(self.play(daemon, script),
                              ["accept", "X-QV-Deep-Header: none; error=overload"])
             self.assertEqual(first.communicate()[0].splitlines(),
                              ["accept", "X-QV-Deep-Header: none; error=dns-failure"])
 
-    def test_a_verdict_can_count_although_lookups_failed(self):
-        answer = self.answer("""
-            postfix_client("unknown", "192.0.2.55", "host.example")
-            message()""", shared='dns = "127.0.0.1@1"\ndns-timeout = 0.2',
-                             own="trust-failed-lookups = true")
-        self.assertEqual(answer[-1], NONE)
+    def test_a_verdict_counts_without_an_answer_of_dns_only_where_the_settings_say_so(self):
+        # Names of the message; a list, with a message that has no name to ask for.
+        for shared, helo, sender in (
+                ("", "host.example", "<a@example.org>"),
+                ('dns-list = ["list.example 127.0.0.2=8"]', "[192.0.2.55]", "<>")):
+            with self.subTest(shared), SilentDnsServer() as server:
+                shared = f'{shared}\ndns = "{server.address}"\ndns-timeout = 0.2'
+                script = f"""
+                    postfix_client("unknown", "192.0.2.55", "{helo}")
+                    sender("{sender}") recipient("<b@example.net>") header("Subject", "hello")
+                    finish()"""
+                self.assertEqual(self.answer(script, shared=shared),
+                                 ["accept", "X-QV-Deep-Header: none; error=dns-failure"])
+                self.assertEqual(self.answer(script, shared=shared,
+                                             own="trust-failed-lookups = true"),
+                                 ["accept", NONE])
 
     def test_headers_beyond_a_limit_make_a_message_odd(self):
         odd = ["accept", "X-QV-Deep-Header: none; error=odd-message"]

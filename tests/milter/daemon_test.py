@@ -11,7 +11,8 @@ import subprocess
 import textwrap
 import unittest
 
-from milter import MilterTest, check, wait_for
+from milter import FailingDnsServer, MilterTest, SilentDnsServer, check, wait_for
+from protocol import MailServer
 
 MESSAGE = """
     postfix_client("unknown", "192.0.2.55", "localhost")
@@ -51,7 +52,10 @@ class Check(MilterTest):
 
     def test_rules_that_are_missing_are_an_error_of_the_check_only(self):
         daemon = self.daemon(rules=None)
-        self.assertEqual(check(daemon.config, "--check").returncode, 78)
+        done = check(daemon.config, "--check")
+        self.assertEqual(done.returncode, 78)
+        self.assertIn(f"no usable rules in {daemon.root}/var/spool/etc/antispam: ", done.stderr)
+        self.assertIn("; root in the settings file says below which folder to look", done.stderr)
         daemon.start()
         daemon.wait_for_log("no message is judged until there are rules")
         self.assertEqual(daemon.get("/health"), (503, "no rules\n"))
@@ -126,8 +130,7 @@ class Life(MilterTest):
 
     def test_it_runs_as_the_user_that_the_settings_name(self):
         daemon = self.daemon(own='user = "nobody"').start()
-        status = pathlib.Path(f"/proc/{daemon.process.pid}/status").read_text()
-        owner = status.split("Uid:")[1].split()[0]
+        owner = daemon.status("Uid").split()[0]
         self.assertEqual(int(owner), pwd.getpwnam("nobody").pw_uid)
 
     def test_term_ends_it_with_0_even_while_sessions_are_open(self):
@@ -211,31 +214,15 @@ class Reload(MilterTest):
         self.assertEqual(daemon.metric("qvmilter_rule_version"), 2)
 
 
-    def test_2000_messages_of_parallel_sessions_are_judged_while_it_reloads(self):
-        daemon = self.daemon().start()
-        command = self.command(daemon, """
-            for number = 1, 20 do
-                postfix_client("unknown", "192.0.2.55", "localhost")
-                for index = 1, 25 do
-                    message()
-                end
-                close()
-            end""")
-        players = [subprocess.Popen(command, stdout=subprocess.PIPE, text=True) for _ in range(4)]
-        for version in range(2, 7):
-            daemon.install(version)
-            daemon.reload()
-            daemon.wait_for_log(f"rule version {version}")
-        for player in players:
-            answers = player.communicate()[0].splitlines()
-            self.assertEqual(player.returncode, 0)
-            self.assertEqual(answers.count("accept"), 500)
-            self.assertEqual(sum(": spam; node=7" in answer for answer in answers), 500)
-        self.assertEqual(
-            daemon.metric('qvmilter_messages_total{action="header",verdict="spam"}'), 2000)
-
-
 class Figures(MilterTest):
+    LOOKUPS = 'qvmilter_lookups_total{result="%s"}'
+    FAILURES = 'qvmilter_failures_total{class="%s"}'
+    RELOADS = 'qvmilter_reloads_total{result="%s"}'
+    # A client whose name is asked for, in a message whose other names are not.
+    NAMED = """
+        postfix_client("unknown", "192.0.2.55", "{}")
+        sender("<>") recipient("<b@example.net>") header("Subject", "hello") finish()"""
+
     def test_messages_are_counted_by_verdict_and_action(self):
         daemon = self.daemon(own='on-spam = "reject"').start()
         for _ in range(3):
@@ -243,18 +230,68 @@ class Figures(MilterTest):
         self.assertEqual(
             daemon.metric('qvmilter_messages_total{action="reject",verdict="spam"}'), 3)
         self.assertEqual(daemon.metric("qvmilter_scan_seconds_count"), 3)
-        self.assertEqual(daemon.metric("qvmilter_rule_version"), 1)
-        wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the sessions")
+
+    def test_messages_of_exempted_clients_are_counted_by_themselves(self):
+        daemon = self.daemon(own='exempt = ["192.0.2.0/24"]').start()
+        self.play(daemon, MESSAGE)
+        self.assertEqual(daemon.metric("qvmilter_exempted_total"), 1)
+        self.assertEqual(daemon.metric("qvmilter_scan_seconds_count"), 0)
+        self.assertIn("info: message: queue=- exempt=network", daemon.wait_for_log("queue="))
+
+    def test_sessions_are_counted_while_they_are_open(self):
+        daemon = self.daemon().start()
+        with MailServer(daemon.socket) as session:
+            session.client().message()
+            self.assertEqual(daemon.metric("qvmilter_sessions"), 1)
+        wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the session")
 
     def test_lookups_are_counted_by_result(self):
-        daemon = self.daemon(shared='dns = "127.0.0.1@1"\ndns-timeout = 0.2').start()
-        self.play(daemon, """
-            postfix_client("unknown", "192.0.2.55", "host.example")
-            message()""")
-        failed = sum(daemon.metric(f'qvmilter_lookups_total{{result="{result}"}}') or 0
-                     for result in ("failed", "late"))
-        self.assertGreater(failed, 0)
-        self.assertEqual(daemon.metric('qvmilter_failures_total{class="dns-failure"}'), 1)
+        zone = pathlib.Path(self.daemon().folder) / "zone"
+        zone.write_text("known.example. A 192.0.2.55\n")
+        with SilentDnsServer() as silent, FailingDnsServer() as failing:
+            for shared, helo, result in (
+                    (f'dns-data = "{zone}"', "known.example", "answered"),
+                    (f'dns-data = "{zone}"', "missing.example", "does_not_exist"),
+                    (f'dns = "{failing.address}"\ndns-timeout = 30', "host.example", "failed"),
+                    (f'dns = "{silent.address}"\ndns-timeout = 0.2', "host.example", "late")):
+                with self.subTest(result):
+                    daemon = self.daemon(shared=shared).start()
+                    self.assertEqual(daemon.metric(self.LOOKUPS % result), 0)
+                    self.play(daemon, self.NAMED.format(helo))
+                    self.assertEqual(daemon.metric(self.LOOKUPS % result), 1)
+                    self.assertEqual(daemon.metric("qvmilter_dns_seconds_count"), 1)
+
+    def test_failures_are_counted_by_class_from_0_on(self):
+        cases = (
+            ("no_rules", {"rules": None}),
+            ("dns_failure", {"shared": 'dns = "127.0.0.1@1"\ndns-timeout = 0.2'}),
+            ("odd_message", {"own": "max-headers = 1"}),
+        )
+        for name, settings in cases:
+            with self.subTest(name):
+                daemon = self.daemon(**settings).start()
+                self.assertEqual(daemon.metric(self.FAILURES % name), 0)
+                self.play(daemon, """
+                    postfix_client("unknown", "192.0.2.55", "host.example")
+                    message({"Subject", "hello"})""")
+                self.assertEqual(daemon.metric(self.FAILURES % name), 1)
+
+    def test_reloads_and_the_rules_in_force_are_shown(self):
+        loaded = "qvmilter_rules_loaded_timestamp_seconds"
+        daemon = self.daemon().start()
+        first = daemon.metric(loaded)
+        self.assertGreater(first, pathlib.Path(daemon.config).stat().st_mtime)
+        self.assertEqual(daemon.metric(self.RELOADS % "done"), 0)
+        self.assertEqual(daemon.metric(self.RELOADS % "refused"), 0)
+        daemon.reload()
+        daemon.wait_for_log("rule version 1")
+        self.assertEqual(daemon.metric(loaded), first) # they are the same rules
+        daemon.install(2)
+        daemon.reload()
+        daemon.wait_for_log("rule version 2")
+        self.assertGreater(daemon.metric(loaded), first)
+        self.assertEqual(daemon.metric("qvmilter_rule_version"), 2)
+        self.assertEqual(daemon.metric(self.RELOADS % "done"), 2)
 
     def test_other_pages_do_not_exist(self):
         daemon = self.daemon().start()

@@ -9,6 +9,7 @@ import re
 import shutil
 import signal
 import socket
+import socketserver
 import subprocess
 import tempfile
 import threading
@@ -17,10 +18,14 @@ import unittest
 import urllib.error
 import urllib.request
 
+from protocol import MailServer
+
 QVMILTER = os.environ["QV_MILTER"]
 QVRULES = os.environ["QV_RULES"]
 QVSCAN = os.environ["QV_SCAN"]
 EXAMPLES = pathlib.Path(os.environ["QV_EXAMPLES"])
+# The daemon is built with a sanitizer, which takes far more memory and time.
+SANITIZED = os.environ.get("QV_SANITIZE", "") != ""
 PRELUDE = pathlib.Path(__file__).parent / "prelude.lua"
 
 # A HELO name without a dot is spam, one that is also the reverse name is ham, the rest is neither.
@@ -48,6 +53,50 @@ def free_port():
     with socket.socket() as listener:
         listener.bind(("127.0.0.1", 0))
         return listener.getsockname()[1]
+
+
+class SilentDnsServer:
+    """A DNS server that takes questions and never answers, like one behind a broken firewall."""
+
+    def __init__(self):
+        self.socket = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.socket.bind(("127.0.0.1", 0))
+        self.socket.settimeout(30)
+        self.address = f"127.0.0.1@{self.socket.getsockname()[1]}" # as settings name it
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.socket.close()
+
+    def wait_for_question(self):
+        self.socket.recv(512)
+
+
+class FailingDnsServer(socketserver.UDPServer):
+    """A DNS server that answers each question with SERVFAIL (RFC 1035 section 4.1.1)."""
+
+    class Handler(socketserver.BaseRequestHandler):
+        def handle(self):
+            packet, server = self.request
+            question = packet[12:packet.index(0, 12) + 5]
+            server.sendto(packet[:2] + b"\x81\x82\0\1\0\0\0\0\0\0" + question,
+                          self.client_address)
+
+    def __init__(self):
+        super().__init__(("127.0.0.1", 0), self.Handler)
+        self.address = f"127.0.0.1@{self.server_address[1]}"
+        self.thread = threading.Thread(target=self.serve_forever, kwargs={"poll_interval": 0.05})
+
+    def __enter__(self):
+        self.thread.start()
+        return self
+
+    def __exit__(self, *_):
+        self.shutdown()
+        self.thread.join()
+        self.server_close()
 
 
 def wait_for(condition, what, seconds=30):
@@ -95,16 +144,22 @@ class Daemon:
             f'root = "{self.root}"\n{dns}{shared}\n[milter]\nsocket = "unix:{self.socket}"\n'
             f'metrics = "127.0.0.1:{self.metrics_port}"\n{own}\n')
 
-    def start(self):
-        """Starts the daemon and waits until it serves."""
+    def start(self, wrapper=(), **how):
+        """Starts the daemon and waits until it serves. `wrapper` is a command that runs it."""
         self.log.clear()
         self.process = subprocess.Popen(
-            [QVMILTER, "--config", str(self.config), "--foreground"], stderr=subprocess.PIPE,
-            text=True)
+            [*wrapper, QVMILTER, "--config", str(self.config), "--foreground"],
+            stderr=subprocess.PIPE, text=True, **how)
         self.reader = threading.Thread(target=self._read, daemon=True)
         self.reader.start()
         self.wait_for_log("info: started")
+        self._shake_hands()
         return self
+
+    def _shake_hands(self):
+        """libmilter takes a SIGTERM that comes just before it serves for a failure."""
+        if self.socket.exists():
+            MailServer(self.socket).close()
 
     def _read(self):
         for line in self.process.stderr:
@@ -174,9 +229,13 @@ class Daemon:
                 return float(line.split()[-1])
         return None
 
-    def resident_kilobytes(self):
+    def status(self, name):
+        """One line of the process's status: "VmRSS"."""
         status = pathlib.Path(f"/proc/{self.process.pid}/status").read_text()
-        return int(status.split("VmRSS:")[1].split()[0])
+        return status.split(f"\n{name}:")[1].split("\n")[0].strip()
+
+    def kilobytes(self, name):
+        return int(self.status(name).split()[0])
 
 
 def check(config, *arguments):
@@ -217,8 +276,12 @@ class MilterTest(unittest.TestCase):
 
     def daemon(self, **settings):
         daemon = Daemon(**settings)
-        self.addCleanup(daemon.remove)
+        self.addCleanup(self._remove, daemon)
         return daemon
+
+    def _remove(self, daemon):
+        """A sanitizer that found something tells by the exit status."""
+        self.assertIn(daemon.remove(), (None, 0), "".join(daemon.log))
 
     def command(self, daemon, script):
         """The command that runs a script (the functions are in prelude.lua) against the daemon."""

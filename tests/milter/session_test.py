@@ -1,0 +1,151 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Sessions as mail servers really hold them, spoken byte by byte: old and new protocol, several clients
+and messages, long headers, steps that get lost, mail servers that fall silent."""
+import resource
+import unittest
+
+from milter import SANITIZED, MilterTest, wait_for
+from protocol import ABORT, QUIT, REPLY_CODE, MailServer
+
+SPAM = "spam; node=7; confidence=0.99; support=10; ips=192.0.2.55"
+MEGABYTE = 1 << 20
+
+
+class Sessions(MilterTest):
+    def setUp(self):
+        self.running = self.daemon().start()
+
+    def session(self, **how):
+        session = MailServer(self.running.socket, **how)
+        self.addCleanup(session.close)
+        return session
+
+    def test_a_mail_server_that_waits_for_every_reply_gets_them(self):
+        session = self.session(hears_all=True).client()
+        self.assertEqual([session.message(), session.message()], [SPAM, SPAM])
+
+    def test_a_header_of_100_kilobytes_is_a_header_like_any_other(self):
+        self.assertEqual(self.session().client().message(("X-Long", "x" * 102400)), SPAM)
+
+    def test_a_step_that_is_longer_than_mail_servers_send_ends_its_session_only(self):
+        session = self.session().client()
+        other = self.session().client()
+        with self.assertRaises((EOFError, ConnectionError)):
+            session.message(("X-Long", "x" * MEGABYTE))
+        self.assertEqual(other.message(), SPAM)
+
+    def test_calling_off_gives_the_memory_of_the_message_back_in_each_state(self):
+        session = self.session().client()
+        for steps in range(4):
+            with self.subTest(steps):
+                if steps > 0:
+                    session.begin()
+                for _ in range(steps - 1):
+                    session.header("X-QV-Deep-Header", "ham")
+                session.say(ABORT)
+                self.assertEqual(session.message(), SPAM)
+
+    def test_a_client_that_quits_in_the_middle_of_a_message_is_forgotten(self):
+        session = self.session().client()
+        session.begin()
+        session.say(QUIT)
+        session.flush()
+        wait_for(lambda: self.running.metric("qvmilter_sessions") == 0, "the end of the session")
+
+
+class Silence(MilterTest):
+    # Between two steps libmilter looks for silent sessions every 10 minutes only.
+    def test_a_session_that_stops_in_the_middle_of_a_step_ends(self):
+        daemon = self.daemon(own="idle-timeout = 1").start()
+        with MailServer(daemon.socket) as session:
+            self.assertEqual(session.client().message(), SPAM)
+            session.socket.sendall(b"\0\0\0\x10M<a@")
+            with self.assertRaises(EOFError):
+                session.hear()
+        wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the session")
+
+
+@unittest.skipIf(SANITIZED, "sanitizers take memory of their own")
+class OutOfMemory(MilterTest):
+    """The system gives the daemon not much more memory while it handles one message, which is far
+    longer than that. A thread that libmilter may start still has room for its stack."""
+    SIZE = 40 * MEGABYTE
+    SPARE = 20 * MEGABYTE
+
+    def starve(self, daemon):
+        self.limit(daemon, daemon.kilobytes("VmSize") * 1024 + self.SPARE)
+
+    def limit(self, daemon, size):
+        resource.prlimit(daemon.process.pid, resource.RLIMIT_AS, (size, resource.RLIM_INFINITY))
+
+    def headers(self, session, size):
+        """So many bytes of headers, all taken when it returns."""
+        for _ in range(size // 50000):
+            session.header("X-Filler", "x" * 49990)
+
+    def play(self, daemon, before):
+        """A message for which memory runs out when `before` bytes of its headers are there; then
+        another one. The reply to the first, and the result of the second."""
+        with MailServer(daemon.socket, hears_all=True) as session:
+            session.client()
+            session.begin()
+            session.header("X-QV-Deep-Header", "ham")
+            self.headers(session, before)
+            self.starve(daemon)
+            self.headers(session, self.SIZE - before)
+            first = session.end()
+            self.limit(daemon, resource.RLIM_INFINITY)
+            return first, session.message()
+
+    def test_the_action_of_a_scan_that_failed_is_that_of_the_settings(self):
+        for before in (self.SIZE, 1000000):
+            for action, expected in (("accept", b"a"), ("tempfail", REPLY_CODE),
+                                     ("reject", REPLY_CODE)):
+                with self.subTest(before=before, action=action):
+                    daemon = self.daemon(
+                        own=f'max-header-bytes = 100000000\nmax-headers = 100000\n'
+                            f'on-scan-failure = "{action}"').start()
+                    (reply, changes), after = self.play(daemon, before)
+                    self.assertEqual(reply, expected)
+                    self.assertEqual(changes[0][0], b"m") # the header from outside goes
+                    if action == "accept":
+                        self.assertIn(b"none; error=scan-failure", changes[1][1])
+                    self.assertEqual(after, SPAM)
+                    self.assertIn("error=scan-failure", daemon.wait_for_log("queue="))
+                    daemon.wait_for_log("a message could not be handled: ")
+                    self.assertEqual(
+                        daemon.metric('qvmilter_failures_total{class="scan_failure"}'), 1)
+
+
+class Crowds(MilterTest):
+    def test_the_messages_of_too_many_sessions_are_not_judged(self):
+        for action, expected in (("accept", b"a"), ("tempfail", REPLY_CODE), ("reject", REPLY_CODE)):
+            with self.subTest(action):
+                daemon = self.daemon(own=f'max-sessions = 1\non-overload = "{action}"').start()
+                with MailServer(daemon.socket) as first:
+                    self.assertEqual(first.client().message(), SPAM)
+                    with MailServer(daemon.socket) as second:
+                        second.client().begin()
+                        second.header("X-QV-Deep-Header", "ham")
+                        reply, changes = second.end()
+                    self.assertEqual(reply, expected)
+                    self.assertEqual(changes[0][0], b"m")
+                    if action == "accept":
+                        self.assertIn(b"none; error=overload", changes[1][1])
+                    self.assertEqual(first.message(), SPAM)
+                self.assertEqual(daemon.metric('qvmilter_failures_total{class="overload"}'), 1)
+
+    def test_a_low_limit_of_open_files_is_raised(self):
+        daemon = self.daemon()
+        low = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (64, 4096))
+        daemon.start(preexec_fn=low)
+        sessions = [MailServer(daemon.socket) for _ in range(200)]
+        try:
+            self.assertEqual([session.client().message() for session in sessions], [SPAM] * 200)
+        finally:
+            for session in sessions:
+                session.close()
+
+
+if __name__ == "__main__":
+    unittest.main()
