@@ -116,7 +116,7 @@ class InAFile(showpage.ShowPageTest):
                          ["replaced by rule 9001", "chosen",
                           "left out: its level is above the settings' maximum"])
         self.assertEqual((answer["fired"], answer["chosen"]), (["9001"] * 2, ["9001"]))
-        self.assertIn("rule 9001 (97 % spam): replaced by rule 9001", answer["text"])
+        self.assertIn("rule 9001 (97.00 % spam): replaced by rule 9001", answer["text"])
         self.browser.find("#answer a[href='#elite-1']").click()
         self.assertTrue(self.browser.run("return location.hash === '#elite-1'"))
 
@@ -140,7 +140,9 @@ class InAFile(showpage.ShowPageTest):
     def test_links_lead_to_their_nodes(self):
         self.open(showpage.EXAMPLES / "zimbra.eml")
         self.browser.find("#close-all").click()
-        self.browser.find("#answer a[href='#node-16']").click()
+        link = self.browser.find("#answer a[href='#node-16']")
+        self.browser.run("arguments[0].scrollIntoView({block: 'center'})", link)
+        link.click()
         self.assertEqual(self.browser.driver.switch_to.active_element.get_attribute("id"),
                          "node-16")
 

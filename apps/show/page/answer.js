@@ -51,6 +51,7 @@ const QvAnswer = (() => {
     if (path.length > 0) {
       QvTree.reveal(path, true);
     }
+    QvDrawing.follow(tree.path, tree.use === "walked" ? node : 0);
   }
 
   function markElite({explain: {rules, tree}}) {
