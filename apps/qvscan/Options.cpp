@@ -53,10 +53,16 @@ ProgramTable const& scanTable() {
     return table;
 }
 
+SettingsStore scanSettings(CommandLine const& line) {
+    SettingsStore settings;
+    SettingsSection* const sections[] = {&settings};
+    readSettings(line, "qvscan", sections);
+    return settings;
+}
+
 ScanOptions scanOptions(CommandLine const& line) {
     ScanOptions options;
-    SettingsSection* const sections[] = {&options.m_settings};
-    readSettings(line, "qvscan", sections);
+    options.m_host = scanSettings(line).values();
     FactsStore facts;
     takeOptions(line, facts);
     options.m_facts = facts.values();

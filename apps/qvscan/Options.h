@@ -15,7 +15,7 @@ namespace Quorvane {
 enum class OutputFormat { text, json, csv };
 
 struct ScanOptions {
-    SettingsStore m_settings;
+    HostSettings m_host;
     MessageFacts m_facts;
     // Empty: text on a terminal, JSON elsewhere.
     std::optional<OutputFormat> m_format;
@@ -27,7 +27,8 @@ struct ScanOptions {
 
 ProgramTable const& scanTable();
 
-// Throws a UsageError, and a SettingsError for a bad settings file.
+// Both throw a UsageError, and a SettingsError for a bad settings file.
+SettingsStore scanSettings(CommandLine const& line);
 ScanOptions scanOptions(CommandLine const& line);
 
 } // namespace Quorvane

@@ -40,8 +40,8 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()), m_host(setUpHost(options.m_settings.values())),
-      m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
+      m_colour(s_wantsColour()), m_host(setUpHost(options.m_host)), m_output(STDOUT_FILENO),
+      m_errors(STDERR_FILENO) {}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
     auto const& settings = m_host->settings().m_judging;

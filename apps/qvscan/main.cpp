@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/qvscan/ScanRun.h"
+#include "apps/settings/SettingSources.h"
 
 #include <csignal>
 
@@ -9,11 +10,11 @@ namespace Quorvane {
 namespace {
 
 int s_run(CommandLine const& line) {
-    auto const options = scanOptions(line);
-    if (line.has("show-config")) {
-        printOutput(options.m_settings.asToml());
+    if (line.has(showConfigRow.m_name)) {
+        printOutput(scanSettings(line).asToml());
         return ExitStatus::ok;
     }
+    auto const options = scanOptions(line);
     Interrupt interrupt;
     return ScanRun(options, interrupt).run();
 }

@@ -24,9 +24,6 @@ ReputationTable::Entry s_answer(std::string const& text) {
     if (!s_isAnswer(answer.first)) {
         throw SettingsError("\"" + text + "\": lists answer with addresses in 127.0.0.0/8");
     }
-    if (answer.second < 0 || answer.second > 9) {
-        throw SettingsError("\"" + text + "\": a score is a whole number from 0 to 9");
-    }
     return answer;
 }
 

@@ -70,6 +70,72 @@ TEST_F(ExitStatus, WrongCommandLinesAre64) {
     }
 }
 
+struct RangeCase {
+    std::string m_name;
+    std::string m_value;
+    std::string m_error; // after name and value
+};
+
+// A threshold of 95 would judge nothing, and one of -1 would call all mail spam.
+RangeCase const beyondRange[] = {
+    {"spam-threshold", "95", "is not a number from 0 to 1"},
+    {"spam-threshold", "-1", "is not a number from 0 to 1"},
+    {"spam-threshold", "1.0000001", "is not a number from 0 to 1"},
+    {"spam-threshold", "nan", "is not a number"},
+    {"spam-threshold", "inf", "is not a number from 0 to 1"},
+    {"ham-threshold", "95", "is not a number from 0 to 1"},
+    {"ham-threshold", "-inf", "is not a number from 0 to 1"},
+    {"min-support", "100.5", "is not a number from 0 to 100"},
+    {"min-support", "-0.1", "is not a number from 0 to 100"},
+    {"score-threshold", "10", "is not a whole number from 0 to 9"},
+    {"score-threshold", "-1", "is not a whole number from 0 to 9"},
+    {"max-elite-level", "-1", "is not a whole number from 0 to 2147483647"},
+};
+
+TEST_F(ExitStatus, ThresholdsOutOfRangeAre64AndTheMessageSaysTheRange) {
+    for (auto const& row : beyondRange) {
+        auto const result = scan({"--" + row.m_name + "=" + row.m_value}, ham());
+        EXPECT_EQ(result.m_status, 64) << row.m_name << ' ' << row.m_value;
+        EXPECT_EQ(result.m_output, "");
+        EXPECT_EQ(result.m_errors.find("qvscan: --" + row.m_name + ": \"" + row.m_value + "\" " +
+                                       row.m_error + "\n"),
+                  0U)
+            << result.m_errors;
+    }
+    auto const score = scan({"--score", "192.0.2.0/24=77"}, ham());
+    EXPECT_EQ(score.m_status, 64);
+    EXPECT_NE(score.m_errors.find("--score: \"192.0.2.0/24=77\": a score is a whole number from 0 "
+                                  "to 9"),
+              std::string::npos)
+        << score.m_errors;
+}
+
+TEST_F(ExitStatus, ThresholdsOutOfRangeInASettingsFileAre78WithTheirPlace) {
+    for (auto const& row : beyondRange) {
+        auto const file =
+            m_folder.write("settings.toml", "jobs = 1\n" + row.m_name + " = " + row.m_value + "\n");
+        auto const result = scan({"--config", file}, ham());
+        EXPECT_EQ(result.m_status, 78) << row.m_name << ' ' << row.m_value;
+        EXPECT_EQ(result.m_output, "");
+        auto const place = file + ":2:" + std::to_string(row.m_name.size() + 4) + ": ";
+        EXPECT_EQ(result.m_errors.find("qvscan: " + place + row.m_name + ": \""), 0U)
+            << result.m_errors;
+        EXPECT_NE(result.m_errors.find(row.m_error), std::string::npos) << result.m_errors;
+    }
+    auto const file = m_folder.write("settings.toml", "score = [\"192.0.2.1=9\", \"::/0=-1\"]\n");
+    auto const score = scan({"--config", file}, ham());
+    EXPECT_EQ(score.m_status, 78);
+    EXPECT_NE(score.m_errors.find(file + ":1:25: score: "), std::string::npos) << score.m_errors;
+}
+
+TEST_F(ExitStatus, TheEndsOfARangeBelongToIt) {
+    for (auto const* const option :
+         {"--spam-threshold=0", "--spam-threshold=1", "--ham-threshold=0", "--min-support=100",
+          "--score-threshold=0", "--score-threshold=9", "--max-elite-level=0", "--score=::/0=0"}) {
+        EXPECT_LT(scan({option}, ham()).m_status, 2) << option;
+    }
+}
+
 TEST_F(ExitStatus, BadSettingsAre78) {
     struct {
         char const* m_text;

@@ -72,8 +72,8 @@ ScanTest::ScanTest() {
     Rules::writeFolder(m_folder.path() / ("root" + std::string(ruleDirectory)), s_rules());
 }
 
-ProgramResult ScanTest::run(Arguments const& arguments, std::string const& input) {
-    return runProgram(QV_SCAN_PROGRAM, arguments, input);
+ProgramResult ScanTest::run(Arguments const& arguments, std::string const& input) const {
+    return runProgram(m_program, arguments, input);
 }
 
 ProgramResult ScanTest::scan(Arguments const& arguments, std::string const& input) const {

@@ -32,7 +32,7 @@ class ScanTest : public testing::Test {
     // With --root, DNS off and --format json; these may be overridden by `arguments`.
     ProgramResult scan(Arguments const& arguments, std::string const& input = {}) const;
     // Just the arguments.
-    static ProgramResult run(Arguments const& arguments, std::string const& input = {});
+    ProgramResult run(Arguments const& arguments, std::string const& input = {}) const;
 
     // The records that were written, one for each line.
     static std::vector<Json> records(ProgramResult const& result);
@@ -49,6 +49,7 @@ class ScanTest : public testing::Test {
     static std::string ham();
 
     TemporaryFolder m_folder;
+    std::string m_program = QV_SCAN_PROGRAM;
 };
 
 } // namespace Quorvane::Testing
