@@ -12,7 +12,6 @@
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
 
-#include <iostream>
 #include <optional>
 
 namespace Quorvane::RulesApp {
@@ -123,7 +122,7 @@ void s_serve(std::string const& page, Show::MessageExplainer const& explainer, i
         page,
         [&explainer](Show::PageQuestion const& question) { return explainer.answer(question); },
         port);
-    std::cout << "The page is at " << server.address() << " until Ctrl-C." << std::endl;
+    writeOutput("-", "The page is at " + server.address() + " until Ctrl-C.\n");
     server.run(interrupt);
 }
 

@@ -132,7 +132,8 @@ void ScanRun::reportWaiting() {
 // A failed look-up counts as a name that does not exist, which can change a verdict.
 void ScanRun::reportLookups() {
     auto const counters = Resolver::instance().counters();
-    if (showsProgress() && counters.m_failed + counters.m_late > 0) {
+    if (m_interrupt.signalNumber() == 0 && showsProgress() &&
+        counters.m_failed + counters.m_late > 0) {
         m_errors.write("qvscan: DNS: " + std::to_string(counters.m_failed) +
                        " look-ups failed and " + std::to_string(counters.m_late) +
                        " came too late; their names count as not existing\n");
@@ -161,9 +162,13 @@ int ScanRun::run() {
     }
     reportWaiting();
     startProgress();
-    OrderedPool pool(m_host->settings().m_jobs, [this](InputItem const& item) {
-        return [this, result = judge(item)] { return take(result); };
-    });
+    std::stop_callback const endLookups(m_interrupt.token(), [] { Resolver::instance().stop(); });
+    OrderedPool pool(
+        m_host->settings().m_jobs,
+        [this](InputItem const& item) {
+            return [this, result = judge(item)] { return take(result); };
+        },
+        m_interrupt.token());
     submitAll(pool);
     pool.finish();
     m_progress.reset();

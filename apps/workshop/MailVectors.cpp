@@ -7,6 +7,7 @@
 #include "apps/input/OrderedPool.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
+#include "platform/Resolver.h"
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
@@ -59,12 +60,16 @@ MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
     Inputs inputs(paths, m_interrupt);
-    OrderedPool pool(m_host->settings().m_jobs, [this, &sink](InputItem const& item) {
-        return [&sink, vector = vectorOf(item)] {
-            sink(vector);
-            return true;
-        };
-    });
+    std::stop_callback const endLookups(m_interrupt.token(), [] { Resolver::instance().stop(); });
+    OrderedPool pool(
+        m_host->settings().m_jobs,
+        [this, &sink](InputItem const& item) {
+            return [&sink, vector = vectorOf(item)] {
+                sink(vector);
+                return true;
+            };
+        },
+        m_interrupt.token());
     try {
         InputItem item;
         while (m_interrupt.signalNumber() == 0 && inputs.next(item) &&

@@ -2,6 +2,7 @@
 // Long work: memory, order, signals, readers that go away, disks that are full.
 #include "qvscan/ScanFixture.h"
 #include "support/ChildProcess.h"
+#include "support/SilentDnsServer.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -86,6 +87,58 @@ TEST_F(Stream, ASignalEndsItWithWhatWasDoneWrittenDown) {
         EXPECT_EQ(child.wait(), 128 + number);
         EXPECT_EQ(child.readErrors(), "");
     }
+}
+
+// The server never answers, and the look-ups may take ten minutes.
+TEST_F(Stream, ASignalEndsAScanThatWaitsForDns) {
+    SilentDnsServer server;
+    auto const box = mbox(200);
+    for (int const number : {SIGINT, SIGTERM}) {
+        ChildProcess child(QV_SCAN_PROGRAM,
+                           arguments({"--dns", server.address(), "--dns-timeout", "600", box}));
+        server.takeQuestionsUntil("pc.example.net.");
+        child.signal(number);
+        EXPECT_EQ(child.wait(), 128 + number);
+        EXPECT_EQ(child.readAll(), "") << "a verdict without the answers";
+        EXPECT_EQ(child.readErrors(), "");
+    }
+}
+
+// Nobody reads its output, so that it cannot write down what it has.
+TEST_F(Stream, ASecondSignalEndsItWhateverItDoes) {
+    ChildProcess child(QV_SCAN_PROGRAM, arguments({"--explain", mbox(5000)}));
+    ASSERT_TRUE(child.fillOutput());
+    child.signalUntilEnd(SIGINT);
+    EXPECT_EQ(child.wait(), 130);
+}
+
+TEST_F(Stream, AnOutputThatDoesNotBlockLosesNothing) {
+    ChildProcess child(QV_SCAN_PROGRAM, arguments({"--explain", mbox(500)}),
+                       ChildProcess::Output::nonBlocking);
+    ASSERT_TRUE(child.fillOutput());
+    EXPECT_EQ(jsonLines(child.readAll()).size(), 500U);
+    EXPECT_EQ(child.readErrors(), "");
+    EXPECT_EQ(child.wait(), 1);
+}
+
+TEST_F(Stream, AClosedInputIs66AndAClosedOutput73) {
+    auto const run = [this](std::string const& redirection) {
+        auto command = std::string(QV_SCAN_PROGRAM);
+        for (auto const& word : arguments({})) {
+            command += " " + word;
+        }
+        return runProgram("/bin/sh", {"-c", command + " " + redirection});
+    };
+    auto const input = run("<&-");
+    EXPECT_EQ(input.m_status, 66);
+    EXPECT_EQ(input.m_errors, "qvscan: -: cannot be opened: Bad file descriptor\n");
+    auto const output = run(mbox(3) + " >&-");
+    EXPECT_EQ(output.m_status, 73);
+    EXPECT_EQ(output.m_errors, "qvscan: cannot write: Bad file descriptor\n");
+    // Its messages must not get into a file that it opens.
+    auto const silent = run(mbox(3) + " " + m_folder.path("missing") + " 2>&-");
+    EXPECT_EQ(silent.m_status, 66);
+    EXPECT_EQ(records(silent).size(), 3U);
 }
 
 TEST_F(Stream, APipeThatNobodyWritesToCanBeInterrupted) {
