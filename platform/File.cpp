@@ -55,4 +55,9 @@ bool Path::exists() const {
     return std::filesystem::exists(m_path, error);
 }
 
+bool Path::isRegularFile() const {
+    std::error_code error;
+    return std::filesystem::is_regular_file(m_path, error);
+}
+
 } // namespace Quorvane::File

@@ -96,8 +96,10 @@ void useRoot(std::string const& folder) {
 }
 
 std::optional<std::int32_t> installedVersion() {
-    auto const readme =
-        Rules::readFileIfThere(File::root() + ruleDirectory + '/' + versionFileName);
+    File::Path const path(ruleDirectory, versionFileName);
+    auto const readme = path.isRegularFile()
+                            ? Rules::readFileIfThere(static_cast<char const*>(path))
+                            : std::nullopt;
     return readme ? Rules::readmeVersion(*readme) : std::nullopt;
 }
 

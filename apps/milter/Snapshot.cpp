@@ -3,6 +3,7 @@
 
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
+#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 
 #include <utility>
@@ -27,6 +28,7 @@ void s_checkFixed(MilterStore const& before, MilterStore const& now) {
 } // namespace
 
 FileSettings readFileSettings(CommandLine const& line) {
+    requireRegularFile(line.text("config"), "a daemon reads its settings again at each reload");
     FileSettings settings;
     SettingsSection* const sections[] = {&settings.m_host, &settings.m_milter};
     readSettings(line, "qvmilter", sections);

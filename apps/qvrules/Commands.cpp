@@ -2,6 +2,7 @@
 #include "apps/qvrules/Commands.h"
 
 #include "apps/commandline/Program.h"
+#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 #include "rules/language/AttributePage.h"
 
@@ -17,7 +18,7 @@ SettingsStore settingsStore(CommandLine const& line) {
 }
 
 HostSettings hostSettings(CommandLine const& line) {
-    return settingsStore(line).values();
+    return withFiles(settingsStore(line).values());
 }
 
 MessageFacts messageFacts(CommandLine const& line) {

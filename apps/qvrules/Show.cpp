@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
@@ -111,6 +112,9 @@ Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& se
         if (!arguments.m_serve) {
             message.m_record = explainer.explain(message.m_source, message.m_headers);
         }
+        if (interrupt.signalNumber() != 0) {
+            throw Interrupted();
+        }
         extras.m_messages.push_back(std::move(message));
     });
     return extras;
@@ -142,6 +146,7 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     TrainingMailCounts counts;
     auto const table = isMeasured ? s_mail(arguments, counts) : Rules::VectorTable();
     Interrupt interrupt; // after the measuring, which reads signals of its own
+    LookupEnd const lookupEnd(interrupt.token());
     try {
         auto const engine = engineOf(set);
         auto const traffic = s_traffic(engine, settings.m_judging, table, counts);

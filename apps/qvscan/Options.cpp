@@ -53,16 +53,10 @@ ProgramTable const& scanTable() {
     return table;
 }
 
-SettingsStore scanSettings(CommandLine const& line) {
-    SettingsStore settings;
-    SettingsSection* const sections[] = {&settings};
-    readSettings(line, "qvscan", sections);
-    return settings;
-}
-
 ScanOptions scanOptions(CommandLine const& line) {
     ScanOptions options;
-    options.m_host = scanSettings(line).values();
+    SettingsSection* const sections[] = {&options.m_settings};
+    readSettings(line, "qvscan", sections);
     FactsStore facts;
     takeOptions(line, facts);
     options.m_facts = facts.values();

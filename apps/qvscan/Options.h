@@ -15,7 +15,7 @@ namespace Quorvane {
 enum class OutputFormat { text, json, csv };
 
 struct ScanOptions {
-    HostSettings m_host;
+    SettingsStore m_settings;
     MessageFacts m_facts;
     // Empty: text on a terminal, JSON elsewhere.
     std::optional<OutputFormat> m_format;
@@ -27,8 +27,7 @@ struct ScanOptions {
 
 ProgramTable const& scanTable();
 
-// Both throw a UsageError, and a SettingsError for a bad settings file.
-SettingsStore scanSettings(CommandLine const& line);
+// Throws a UsageError, and a SettingsError for a bad settings file.
 ScanOptions scanOptions(CommandLine const& line);
 
 } // namespace Quorvane

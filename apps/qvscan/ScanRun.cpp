@@ -2,6 +2,7 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/commandline/ProgramError.h"
+#include "apps/host/LookupEnd.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/text/Utf8.h"
@@ -38,9 +39,9 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 } // namespace
 
-ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
+ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()), m_host(setUpHost(options.m_host)), m_output(STDOUT_FILENO),
+      m_colour(s_wantsColour()), m_host(setUpHost(settings)), m_output(STDOUT_FILENO),
       m_errors(STDERR_FILENO) {}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
@@ -162,7 +163,7 @@ int ScanRun::run() {
     }
     reportWaiting();
     startProgress();
-    std::stop_callback const endLookups(m_interrupt.token(), [] { Resolver::instance().stop(); });
+    LookupEnd const lookupEnd(m_interrupt.token());
     OrderedPool pool(
         m_host->settings().m_jobs,
         [this](InputItem const& item) {

@@ -30,7 +30,7 @@ struct ScanResult {
 class ScanRun {
   public:
     // Throws a SettingsError. `options` and `interrupt` outlive the object.
-    ScanRun(ScanOptions const& options, Interrupt& interrupt);
+    ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt);
 
     // The exit status.
     int run();

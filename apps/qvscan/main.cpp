@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/qvscan/ScanRun.h"
-#include "apps/settings/SettingSources.h"
+#include "apps/settings/SettingFiles.h"
 
 #include <csignal>
 
@@ -10,13 +10,14 @@ namespace Quorvane {
 namespace {
 
 int s_run(CommandLine const& line) {
-    if (line.has(showConfigRow.m_name)) {
-        printOutput(scanSettings(line).asToml());
+    auto const options = scanOptions(line);
+    if (line.has("show-config")) {
+        printOutput(options.m_settings.asToml());
         return ExitStatus::ok;
     }
-    auto const options = scanOptions(line);
+    auto const settings = withFiles(options.m_settings.values()); // while signals end the program
     Interrupt interrupt;
-    return ScanRun(options, interrupt).run();
+    return ScanRun(options, settings, interrupt).run();
 }
 
 } // namespace

@@ -3,11 +3,11 @@
 
 #include "apps/commandline/ProgramError.h"
 #include "apps/host/HostSetup.h"
+#include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/input/OrderedPool.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
-#include "platform/Resolver.h"
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
@@ -60,7 +60,7 @@ MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
     Inputs inputs(paths, m_interrupt);
-    std::stop_callback const endLookups(m_interrupt.token(), [] { Resolver::instance().stop(); });
+    LookupEnd const lookupEnd(m_interrupt.token());
     OrderedPool pool(
         m_host->settings().m_jobs,
         [this, &sink](InputItem const& item) {

@@ -25,11 +25,11 @@ void s_checkIsNoFile(std::filesystem::path const& folder) {
 RuleSet readFolder(std::filesystem::path const& folder) {
     s_checkIsNoFile(folder);
     RuleSet set;
-    readTree(readFile(folder / treeFileName), set);
-    if (auto const elite = readFileIfThere(folder / eliteFileName)) {
+    readTree(readRuleFile(folder / treeFileName), set);
+    if (auto const elite = readRuleFileIfThere(folder / eliteFileName)) {
         set.m_elite = readElite(*elite);
     }
-    set.m_readme = readFileIfThere(folder / versionFileName);
+    set.m_readme = readRuleFileIfThere(folder / versionFileName);
     return set;
 }
 

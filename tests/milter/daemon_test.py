@@ -63,6 +63,15 @@ class Check(MilterTest):
                 self.assertIn(f"{daemon.config}:1:", done.stderr)
                 self.assertIn(expected, done.stderr)
 
+    def test_settings_are_no_pipe_as_they_are_read_again(self):
+        daemon = self.daemon()
+        pipe = daemon.folder / "pipe"
+        os.mkfifo(pipe)
+        done = check(pipe, "--check")
+        self.assertEqual((done.returncode, done.stderr),
+                         (78, f"qvmilter: {pipe}: is a pipe or a device; a daemon reads its "
+                              "settings again at each reload\n"))
+
     def test_rules_that_are_missing_are_an_error_of_the_check_only(self):
         daemon = self.daemon(rules=None)
         self.assertEqual(check(daemon.config, "--check").returncode, 78)

@@ -2,6 +2,8 @@
 // Exit statuses and what stands on standard error with them.
 #include "qvscan/ScanFixture.h"
 
+#include <sys/stat.h>
+
 namespace Quorvane::Testing {
 
 namespace {
@@ -164,6 +166,28 @@ TEST_F(ExitStatus, MissingFilesOfSettingsAre78) {
         auto const result = scan({option, missing}, ham());
         EXPECT_EQ(result.m_status, 78) << option;
         EXPECT_NE(result.m_errors.find(missing), std::string::npos) << result.m_errors;
+    }
+}
+
+// They would fill the memory.
+TEST_F(ExitStatus, EndlessFilesOfSettingsAre78) {
+    for (auto const* const option : {"--config", "--dynamic-patterns", "--dns-data"}) {
+        auto const result = scan({option, "/dev/zero"}, ham());
+        EXPECT_EQ(result.m_status, 78) << option;
+        EXPECT_EQ(result.m_errors,
+                  "qvscan: /dev/zero: larger than 64 MiB, so it is not what is expected here\n");
+    }
+}
+
+TEST_F(ExitStatus, RuleFilesThatAreNoRegularFilesCountAsMissing) {
+    for (auto const* const name : {"README", "qv.dt", "qv2.dt"}) {
+        auto const file = root() + "/var/spool/etc/antispam/" + name;
+        auto const kept = m_folder.path(name);
+        std::filesystem::rename(file, kept);
+        ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+        auto const result = scan({}, ham());
+        EXPECT_EQ(result.m_status, std::string(name) == "qv.dt" ? 78 : 0) << result.m_errors;
+        std::filesystem::rename(kept, file);
     }
 }
 

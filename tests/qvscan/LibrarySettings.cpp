@@ -4,6 +4,7 @@
 // refuse, its own defaults among them, and what it makes of them is tested, too.
 #include "apps/commandline/Program.h"
 #include "apps/qvscan/ScanRun.h"
+#include "apps/settings/SettingFiles.h"
 
 #include <algorithm>
 #include <csignal>
@@ -66,12 +67,13 @@ std::vector<char const*> s_others(int argc, char const* const* argv) {
 }
 
 int s_run(CommandLine const& line) {
-    auto options = scanOptions(line);
+    auto const options = scanOptions(line);
+    auto host = withFiles(options.m_settings.values());
     for (auto const& one : given) {
-        one.m_setting->m_set(options.m_host, one.m_text);
+        one.m_setting->m_set(host, one.m_text);
     }
     Interrupt interrupt;
-    return ScanRun(options, interrupt).run();
+    return ScanRun(options, host, interrupt).run();
 }
 
 } // namespace

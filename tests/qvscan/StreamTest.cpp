@@ -151,6 +151,30 @@ TEST_F(Stream, APipeThatNobodyWritesToCanBeInterrupted) {
     EXPECT_EQ(child.wait(), 130);
 }
 
+// Process substitution of a shell gives pipes.
+TEST_F(Stream, SettingsMayComeFromPipes) {
+    auto command = std::string(QV_SCAN_PROGRAM) + " --root " + root() + " --format json --explain" +
+                   " --config <(echo 'spam-threshold = 0.5')" +
+                   " --dns-data <(echo 'example.net. A 192.0.2.80')" +
+                   " --dynamic-patterns <(echo '^mail')";
+    auto const result = runProgram("/bin/bash", {"-c", command}, ham());
+    auto const found = records(result);
+    ASSERT_EQ(found.size(), 1U) << result.m_errors;
+    EXPECT_EQ(found[0]["verdict"], "spam");
+    EXPECT_EQ(found[0]["explain"]["values"]["first_reverse_dynamic"], "yes");
+    EXPECT_EQ(found[0]["explain"]["values"]["envelope_domain_resolves"], "yes");
+}
+
+TEST_F(Stream, APipeOfSettingsThatNobodyWritesToCanBeInterrupted) {
+    auto const pipe = m_folder.path("pipe");
+    ASSERT_EQ(std::system(("mkfifo " + pipe).c_str()), 0);
+    for (auto const* const option : {"--config", "--dns-data", "--dynamic-patterns"}) {
+        ChildProcess child(QV_SCAN_PROGRAM, arguments({option, pipe}));
+        child.signal(SIGINT);
+        EXPECT_EQ(child.wait(), 130) << option;
+    }
+}
+
 TEST_F(Stream, ProgressIsSilentWhereNobodyAskedForIt) {
     EXPECT_EQ(scan({mbox(3000)}).m_errors, "");
     EXPECT_EQ(scan({"--no-progress", mbox(3)}).m_errors, "");
