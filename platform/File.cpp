@@ -61,4 +61,9 @@ std::string realFolder(std::string const& dir, std::string const& name) {
     return std::filesystem::canonical(s_belowRoot(s_join(dir, name)), error).parent_path();
 }
 
+bool Path::isRegularFile() const {
+    std::error_code error;
+    return std::filesystem::is_regular_file(m_path, error);
+}
+
 } // namespace Quorvane::File

@@ -33,6 +33,7 @@ class QV_API Path {
     Path(std::string const& dir, std::string const& name);
 
     bool exists() const;
+    bool isRegularFile() const;
     // NUL-terminated; valid as long as this object.
     operator const char*() const { return m_path.c_str(); }
 
@@ -40,12 +41,18 @@ class QV_API Path {
     std::string m_path;
 };
 
-// The standard input file stream over a Path.
+// The standard input file stream over a Path. It is not open when the path is no regular file: a
+// pipe would keep whoever reads it waiting, where no signal may reach it.
 template<typename CharT>
 class basic_ifstream : public std::basic_ifstream<CharT> {
   public:
-    explicit basic_ifstream(Path const& path, std::ios_base::openmode mode = std::ios_base::in)
-        : std::basic_ifstream<CharT>(static_cast<char const*>(path), mode) {}
+    explicit basic_ifstream(Path const& path, std::ios_base::openmode mode = std::ios_base::in) {
+        if (path.isRegularFile()) {
+            this->open(static_cast<char const*>(path), mode);
+        } else {
+            this->setstate(std::ios_base::failbit);
+        }
+    }
 };
 
 } // namespace Quorvane::File

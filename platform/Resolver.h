@@ -129,6 +129,10 @@ class QV_API Resolver {
     // look-ups count as failed until a call.
     void configure(ResolverSettings const& settings);
 
+    // For a host that ends: scans under way end soon. Look-ups that are waited for end at once, and
+    // later ones are not asked; they count as failed. Until other settings are put in force.
+    void stop();
+
     // Blocking look-up. One trailing dot is ignored. An address literal, an empty name and a name
     // that is not a domain name do not resolve, and nothing is asked for them: names hold no blanks
     // or control bytes, at least 1 and at most 63 bytes between dots and at most 253 in all. Bytes

@@ -2,6 +2,7 @@
 #include "apps/host/HostSetup.h"
 
 #include "apps/host/RuleLoader.h"
+#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingsTable.h"
 #include "include2/Exception.h"
 #include "platform/DynamicIdentifier.h"
@@ -10,27 +11,31 @@
 #include "rules/format/AttributeTable.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
+#include <sstream>
 #include <utility>
 
 namespace Quorvane {
 
 namespace {
 
+// A host may read the file again, and on a thread that no signal reaches.
+std::string s_text(std::string const& path, std::optional<std::string> const& text) {
+    if (text) {
+        return *text;
+    }
+    requireRegularFile(path, "give a file that can be read again");
+    return readSettingFile(path);
+}
+
 // All lines, comments and empty ones too: errors refer to their numbers.
-std::vector<std::string> s_lines(std::string const& path) {
-    std::ifstream file(path);
+std::vector<std::string> s_lines(std::string const& text) {
+    std::istringstream stream(text);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
+    for (std::string line; std::getline(stream, line);) {
         if (!line.empty() && line.back() == '\r') {
             line.pop_back();
         }
         lines.push_back(line);
-    }
-    if (!file.is_open() || file.bad()) {
-        throw SettingsError(path + ": cannot be read: " + std::strerror(errno));
     }
     return lines;
 }
@@ -48,7 +53,7 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
         resolver.m_servers.clear();
     }
     if (!settings.m_dnsData.empty()) {
-        resolver.m_zoneData = s_lines(settings.m_dnsData);
+        resolver.m_zoneData = s_lines(s_text(settings.m_dnsData, settings.m_zoneText));
     }
     resolver.m_deadline = settings.lookupTime();
     resolver.m_zoneData.insert(resolver.m_zoneData.end(), settings.m_zoneLines.begin(),
@@ -75,10 +80,11 @@ std::string s_located(Exception const& error) {
 
 boost::shared_ptr<Telvanis::DynamicIdentifier> s_patterns(HostSettings const& settings) {
     using Telvanis::DynamicIdentifier;
+    auto const& path = settings.m_dynamicPatterns;
     try {
-        return settings.m_dynamicPatterns.empty()
+        return path.empty()
                    ? DynamicIdentifier::builtIn()
-                   : DynamicIdentifier::load(settings.m_dynamicPatterns);
+                   : DynamicIdentifier::compile(s_text(path, settings.m_patternText), path);
     } catch (Exception const& error) {
         throw SettingsError(s_located(error));
     }

@@ -99,8 +99,10 @@ void useOwnRulesIfNoneAreInstalled(SettingsSection& settings) {
 }
 
 std::optional<std::int32_t> installedVersion() {
-    auto const readme =
-        Rules::readFileIfThere(File::root() + ruleDirectory + '/' + versionFileName);
+    File::Path const path(ruleDirectory, versionFileName);
+    auto const readme = path.isRegularFile()
+                            ? Rules::readFileIfThere(static_cast<char const*>(path))
+                            : std::nullopt;
     return readme ? Rules::readmeVersion(*readme) : std::nullopt;
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Interrupt: turns SIGINT and SIGTERM into a state that can be queried, so that a program ends
-// cleanly: it stops reading, and finishes and writes what it has begun. A second signal ends the
-// program at once.
+// Interrupt: turns SIGINT and SIGTERM into a state that can be queried and waited for, so that a
+// program ends cleanly: it stops what it has begun and writes what is done. A second signal ends
+// the program at once, whatever it does.
 //
 // Construct it before any other thread: threads inherit the blocked signals. Safe to ask from many
 // threads.
@@ -10,6 +10,8 @@
 
 #include <atomic>
 #include <exception>
+#include <stop_token>
+#include <thread>
 
 namespace Quorvane {
 
@@ -28,18 +30,24 @@ class Interrupt {
     ~Interrupt();
 
     // Waits until a signal comes.
-    void wait();
+    void wait() const;
     // Waits until `descriptor` can be read; throws Interrupted when a signal came first.
-    void waitForInput(int descriptor);
+    void waitForInput(int descriptor) const;
 
     // The number of the signal that came; 0: none.
-    int signalNumber();
+    int signalNumber() const { return m_signal; }
+    // Stop is requested when a signal comes, on a thread of this object's own.
+    std::stop_token token() const { return m_stop.get_token(); }
 
   private:
-    void take();
+    void watch();
 
-    int m_descriptor;
+    int m_signals; // delivers the signals
+    int m_came;    // readable once a signal has come
+    int m_end;     // readable once the object ends
     std::atomic<int> m_signal{0};
+    std::stop_source m_stop;
+    std::thread m_watch;
 };
 
 } // namespace Quorvane

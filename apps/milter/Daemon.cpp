@@ -9,6 +9,7 @@
 #include "apps/milter/PidFile.h"
 #include "apps/milter/ServiceLogger.h"
 #include "apps/milter/StatusServer.h"
+#include "apps/settings/SettingSources.h"
 #include "platform/LogMessages.h"
 
 #include <atomic>
@@ -147,7 +148,9 @@ void s_openSocket(MilterSettings const& settings) {
 } // namespace
 
 void checkSettings(std::string const& path) {
-    setUpHost(readFileSettings(path));
+    auto const settings = readFileSettings(path);
+    warnAbout(settings.m_host, "qvmilter");
+    setUpHost(settings);
 }
 
 int serve(std::string const& path, bool foreground) {

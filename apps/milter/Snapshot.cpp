@@ -3,6 +3,7 @@
 
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
+#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 
 #include <utility>
@@ -31,6 +32,7 @@ std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings) {
 }
 
 FileSettings readFileSettings(std::string const& path) {
+    requireRegularFile(path, "a daemon reads its settings again at each reload");
     FileSettings settings;
     SettingsSection* const sections[] = {&settings.m_host, &settings.m_milter};
     loadSettingsFile(path, "qvmilter", sections);

@@ -13,7 +13,7 @@
 namespace Quorvane::RulesApp {
 
 int check(CommandLine const& line) {
-    auto const settings = hostSettings(line).m_judging;
+    auto const settings = settingsStore(line).values().m_judging;
     auto const path = line.text("PATH");
     auto const against = line.text("against");
     auto const rules = Rules::loadRules(path);

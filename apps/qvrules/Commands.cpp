@@ -2,6 +2,7 @@
 #include "apps/qvrules/Commands.h"
 
 #include "apps/commandline/Program.h"
+#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 #include "rules/format/RuleFiles.h"
 #include "rules/language/AttributePage.h"
@@ -29,7 +30,9 @@ SettingsStore settingsStore(CommandLine const& line) {
 }
 
 HostSettings hostSettings(CommandLine const& line) {
-    return settingsStore(line).values();
+    auto const settings = settingsStore(line);
+    warnAbout(settings, "qvrules");
+    return withFiles(settings.values());
 }
 
 MessageFacts messageFacts(CommandLine const& line) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/host/HostSetup.h"
+#include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/story/JsonRecord.h"
@@ -22,14 +23,18 @@ HostSettings s_settings(CommandLine const& line) {
 
 class Explainer {
   public:
-    Explainer(CommandLine const& line, DeepHeaderEngine const& engine)
-        : m_isJson(line.text("format") == "json"), m_facts(messageFacts(line)),
-          m_host(setUpHost(s_settings(line), engine)) {}
+    Explainer(CommandLine const& line, DeepHeaderEngine const& engine, Interrupt const& interrupt)
+        : m_interrupt(interrupt), m_isJson(line.text("format") == "json"),
+          m_facts(messageFacts(line)), m_host(setUpHost(s_settings(line), engine)) {}
 
     void explain(Workshop::AskedItem const& item) const {
         auto const depth = RecordDepth::alternatives;
-        print(item.m_source, item.m_headers ? m_host->scan(*item.m_headers, m_facts, depth)
-                                            : m_host->judge(item.m_vector, depth));
+        auto const record = item.m_headers ? m_host->scan(*item.m_headers, m_facts, depth)
+                                           : m_host->judge(item.m_vector, depth);
+        if (m_interrupt.signalNumber() != 0) {
+            throw Interrupted();
+        }
+        print(item.m_source, record);
     }
 
   private:
@@ -39,14 +44,16 @@ class Explainer {
                              : textRecord(source, record, false) + textExplain(record, settings));
     }
 
+    Interrupt const& m_interrupt;
     bool m_isJson;
     MessageFacts m_facts;
     std::shared_ptr<ScanHost const> m_host;
 };
 
-void s_explain(CommandLine const& line, Workshop::ExplainInput& input) {
+void s_explain(CommandLine const& line, Workshop::ExplainInput& input, Interrupt const& interrupt) {
     auto const engine = engineOf(Rules::loadRules(line.text("RULES")).m_set);
-    Explainer const explainer(line, engine);
+    LookupEnd const lookupEnd(interrupt.token());
+    Explainer const explainer(line, engine, interrupt);
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }
 
@@ -61,7 +68,7 @@ int explain(CommandLine const& line) {
             throw UsageError(asked + ": facts about a message do not apply to vectors; leave out "
                                      "--env-from and the like");
         }
-        s_explain(line, input);
+        s_explain(line, input, interrupt);
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/commandline/Program.h"
 #include "apps/host/HostSetup.h"
+#include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
@@ -13,7 +15,6 @@
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
 
-#include <iostream>
 #include <optional>
 
 namespace Quorvane::RulesApp {
@@ -115,6 +116,9 @@ Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& se
         if (!arguments.m_serve) {
             message.m_record = explainer.explain(message.m_source, message.m_headers);
         }
+        if (interrupt.signalNumber() != 0) {
+            throw Interrupted();
+        }
         extras.m_messages.push_back(std::move(message));
     });
     return extras;
@@ -126,7 +130,7 @@ void s_serve(std::string const& page, Show::MessageExplainer const& explainer, i
         page,
         [&explainer](Show::PageQuestion const& question) { return explainer.answer(question); },
         port);
-    std::cout << "The page is at " << server.address() << " until Ctrl-C." << std::endl;
+    printOutput("The page is at " + server.address() + " until Ctrl-C.\n");
     server.run(interrupt);
 }
 
@@ -148,6 +152,7 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     auto const engine = engineOf(set);
     auto const table = isMeasured ? s_mail(arguments, engine, counts) : Rules::VectorTable();
     Interrupt interrupt; // after the measuring, which reads signals of its own
+    LookupEnd const lookupEnd(interrupt.token());
     try {
         auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
         Show::MessageExplainer const explainer(settings, engine, arguments.m_facts);

@@ -2,6 +2,7 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/commandline/ProgramError.h"
+#include "apps/host/LookupEnd.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/text/Utf8.h"
@@ -30,8 +31,7 @@ bool s_wantsColour() {
 }
 
 // What the output shows has to be asked for.
-HostSettings s_settings(ScanOptions const& options) {
-    auto settings = options.m_settings.values();
+HostSettings s_settings(ScanOptions const& options, HostSettings settings) {
     if (options.m_explain || options.m_format == OutputFormat::csv) {
         settleDns(settings, true);
     }
@@ -47,10 +47,10 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 } // namespace
 
-ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
+ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
       m_colour(s_wantsColour()),
-      m_host(setUpHost(s_settings(options), "--root, or root in the settings file,")),
+      m_host(setUpHost(s_settings(options, settings), "--root, or root in the settings file,")),
       m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
@@ -142,7 +142,8 @@ void ScanRun::reportWaiting() {
 // A failed look-up counts as a name that does not exist, which can change a verdict.
 void ScanRun::reportLookups() {
     auto const counters = Resolver::instance().counters();
-    if (showsProgress() && counters.m_failed + counters.m_late > 0) {
+    if (m_interrupt.signalNumber() == 0 && showsProgress() &&
+        counters.m_failed + counters.m_late > 0) {
         m_errors.write("qvscan: DNS: " + std::to_string(counters.m_failed) +
                        " look-ups failed and " + std::to_string(counters.m_late) +
                        " came too late; their names count as not existing\n");
@@ -171,9 +172,13 @@ int ScanRun::run() {
     }
     reportWaiting();
     startProgress();
-    OrderedPool pool(m_host->settings().m_jobs, [this](InputItem const& item) {
-        return [this, result = judge(item)] { return take(result); };
-    });
+    LookupEnd const lookupEnd(m_interrupt.token());
+    OrderedPool pool(
+        m_host->settings().m_jobs,
+        [this](InputItem const& item) {
+            return [this, result = judge(item)] { return take(result); };
+        },
+        m_interrupt.token());
     submitAll(pool);
     pool.finish();
     m_progress.reset();

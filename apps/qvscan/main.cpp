@@ -2,6 +2,8 @@
 #include "apps/commandline/Program.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvscan/ScanRun.h"
+#include "apps/settings/SettingFiles.h"
+#include "apps/settings/SettingSources.h"
 
 #include <csignal>
 
@@ -16,8 +18,10 @@ int s_run(CommandLine const& line) {
         printOutput(options.m_settings.asToml());
         return ExitStatus::ok;
     }
+    warnAbout(options.m_settings, "qvscan");
+    auto const settings = withFiles(options.m_settings.values()); // while signals end the program
     Interrupt interrupt;
-    return ScanRun(options, interrupt).run();
+    return ScanRun(options, settings, interrupt).run();
 }
 
 } // namespace

@@ -60,6 +60,9 @@ struct HostSettings {
     std::string m_dnsData;
     // More zone lines, from the program itself; they follow those of the file.
     std::vector<std::string> m_zoneLines;
+    // What the two files hold, if they have been read already (SettingFiles.h).
+    std::optional<std::string> m_patternText;
+    std::optional<std::string> m_zoneText;
     // Scanning threads; 0: one for each core.
     unsigned int m_jobs = 0;
 };

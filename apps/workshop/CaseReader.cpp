@@ -9,6 +9,7 @@
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <span>
 #include <utility>
@@ -164,7 +165,7 @@ class CaseReader {
 
     double number(toml::node const& node) const {
         auto const found = node.value<double>();
-        if (!found || !node.is_number()) {
+        if (!found || !node.is_number() || std::isnan(*found)) {
             fail(node, "confidence is a number, or a range as in [0.9, 1.0]");
         }
         return *found;

@@ -22,7 +22,8 @@ std::vector<RecordType> s_typesToAsk(RecordType type) {
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally)
     : m_context(engine.m_context), m_tally(std::move(tally)),
       m_start(std::chrono::steady_clock::now()),
-      m_deadline(std::min(m_start + engine.m_deadline, LookupDeadline::current())) {}
+      m_deadline(std::min(m_start + engine.m_deadline, LookupDeadline::current())),
+      m_stop(engine.m_stop.get_token()) {}
 
 // Delegates, so that the destructor cancels what was asked when memory runs out half-way.
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally, RecordType type,
@@ -31,8 +32,8 @@ Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally, RecordType ty
     if (name.empty()) {
         return;
     }
-    m_failed = engine.m_broken;
-    if (!m_context) {
+    m_failed = engine.m_broken || m_stop.stop_requested();
+    if (!m_context || m_stop.stop_requested()) {
         return;
     }
     m_box = std::make_shared<AnswerBox>();
@@ -50,7 +51,7 @@ Lookup::~Lookup() {
 
 ResolverMessage Lookup::wait() {
     while (m_open > 0 && m_message.isEmpty()) {
-        auto arrival = m_box->take(m_deadline);
+        auto arrival = m_box->take(m_deadline, m_stop);
         if (!arrival) {
             break;
         }
@@ -105,7 +106,7 @@ void Lookup::cancelOpen() {
 // For a look-up without records: one that got some ignores the rest.
 LookupResult Lookup::end() const {
     if (m_open > 0) {
-        return LookupResult::late;
+        return m_stop.stop_requested() ? LookupResult::failed : LookupResult::late;
     }
     if (m_failed) {
         return LookupResult::failed;

@@ -33,11 +33,11 @@ RuleSet readFolder(std::filesystem::path const& named) {
     s_checkIsNoFile(named);
     auto const folder = s_realFolder(named);
     RuleSet set;
-    readTree(readFile(folder / treeFileName), set);
-    if (auto const elite = readFileIfThere(folder / eliteFileName)) {
+    readTree(readRuleFile(folder / treeFileName), set);
+    if (auto const elite = readRuleFileIfThere(folder / eliteFileName)) {
         set.m_elite = readElite(*elite);
     }
-    set.m_readme = readFileIfThere(folder / versionFileName);
+    set.m_readme = readRuleFileIfThere(folder / versionFileName);
     return set;
 }
 

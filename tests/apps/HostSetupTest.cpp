@@ -16,6 +16,7 @@
 
 #include <gmock/gmock.h>
 #include <string>
+#include <sys/stat.h>
 
 namespace Quorvane::Testing {
 namespace {
@@ -176,7 +177,14 @@ RefusedCase const refusedCases[] = {
      }},
     {"no-such-patterns", [](HostSettings& s) { s.m_dynamicPatterns = "no-such-patterns"; }},
     {"zone: ", [](HostSettings& s) { s.m_dnsData = s_folder().write("zone", "no record\n"); }},
-    {"no.zone: cannot be read", [](HostSettings& s) { s.m_dnsData = "no.zone"; }},
+    {"no.zone: cannot be opened", [](HostSettings& s) { s.m_dnsData = "no.zone"; }},
+    {"pipe: is a pipe or a device; give a file that can be read again",
+     [](HostSettings& s) {
+         s.m_dnsData = s_folder().path("pipe");
+         ::mkfifo(s.m_dnsData.c_str(), 0600);
+     }},
+    {"/dev/zero: is a pipe or a device",
+     [](HostSettings& s) { s.m_dynamicPatterns = "/dev/zero"; }},
     {"root: ", [](HostSettings& s) { s.m_root = "/"; }},
     {"; root says below which folder to look",
      [](HostSettings& /*settings*/) {

@@ -50,6 +50,29 @@ class Check(MilterTest):
                 self.assertIn(f"{daemon.config}:", done.stderr)
                 self.assertIn(expected, done.stderr)
 
+    def test_thresholds_out_of_range_are_refused_with_their_range(self):
+        daemon = self.daemon()
+        text = daemon.config.read_text()
+        for line, expected in (
+                ("spam-threshold = 96", 'spam-threshold: "96" is not a probability'),
+                ("min-support = -1", 'min-support: "-1" is not a number from 0 to 100'),
+                ('score = ["::/0=77"]', "a score is a whole number from 0 to 9")):
+            with self.subTest(line):
+                daemon.config.write_text(line + "\n" + text)
+                done = check(daemon.config, "--check")
+                self.assertEqual(done.returncode, 78)
+                self.assertIn(f"{daemon.config}:1:", done.stderr)
+                self.assertIn(expected, done.stderr)
+
+    def test_settings_are_no_pipe_as_they_are_read_again(self):
+        daemon = self.daemon()
+        pipe = daemon.folder / "pipe"
+        os.mkfifo(pipe)
+        done = check(pipe, "--check")
+        self.assertEqual((done.returncode, done.stderr),
+                         (78, f"qvmilter: {pipe}: is a pipe or a device; a daemon reads its "
+                              "settings again at each reload\n"))
+
     def test_rules_that_are_missing_are_an_error_of_the_check_only(self):
         daemon = self.daemon(rules=None)
         done = check(daemon.config, "--check")
