@@ -79,14 +79,15 @@ class Postfix(MailServer):
     """It asks the milters at these addresses, as "unix:/path" or "inet:host:port". On a private
     machine it may look up the names of its clients itself, which have their addresses then."""
 
-    def __init__(self, *milters, settings="", looks_up=False, port=None,
+    def __init__(self, *milters, settings="", looks_up=False, port=None, config=None,
                  default_action="tempfail"):
         self.knows_addresses = looks_up
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="qvpostfix-"))
         self.folder.chmod(0o755)
         self.port = port or free_port()
-        for name in ("queue", "data", "mail", "config"):
-            (self.folder / name).mkdir(mode=0o755)
+        self.config = pathlib.Path(config or self.folder / "config")
+        for folder in (self.folder / "queue", self.folder / "data", self.folder / "mail", self.config):
+            folder.mkdir(mode=0o755, exist_ok=True)
         shutil.chown(self.folder / "data", "postfix")
         (self.folder / "data").chmod(0o700)
         shutil.chown(self.folder / "mail", 65534, 65534)
@@ -97,13 +98,13 @@ class Postfix(MailServer):
         key, own = certificate(self.folder)
         self.configure(MAIN.format(folder=self.folder, milters=text, key=key, certificate=own) +
                        settings + (LOOK_UP if looks_up else ""))
-        (self.folder / "config" / "master.cf").write_text(MASTER.format(port=f"127.0.0.1:{self.port}"))
+        (self.config / "master.cf").write_text(MASTER.format(port=f"127.0.0.1:{self.port}"))
 
     def configure(self, text):
-        (self.folder / "config" / "main.cf").write_text(text)
+        (self.config / "main.cf").write_text(text)
 
     def command(self, *words, check=True):
-        return subprocess.run([*words[:1], "-c", str(self.folder / "config"), *words[1:]],
+        return subprocess.run([*words[:1], "-c", str(self.config), *words[1:]],
                               capture_output=True, text=True, check=check)
 
     def start(self):
