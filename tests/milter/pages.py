@@ -8,10 +8,17 @@ import textwrap
 BLOCK = re.compile(r"^ *```([a-z]*)\n(.*?)^ *```$", re.S | re.M)
 
 
+def text_of(page):
+    return (pathlib.Path(os.environ["QV_DOCS"]) / page).read_text()
+
+
+def headings(page):
+    return re.findall("^## (.*)$", text_of(page), re.M)
+
+
 def section(page, heading):
     """The text below a heading of a page, up to the next one."""
-    text = (pathlib.Path(os.environ["QV_DOCS"]) / page).read_text()
-    return text.split(f"\n## {heading}\n")[1].split("\n## ")[0]
+    return text_of(page).split(f"\n## {heading}\n")[1].split("\n## ")[0]
 
 
 def blocks(page, heading, language=None):

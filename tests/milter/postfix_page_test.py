@@ -11,7 +11,7 @@ import subprocess
 import unittest
 
 from milter import RULES, wait_for
-from pages import blocks, section
+from pages import blocks, headings, section
 from postfix import Postfix
 from private_machine import NameServer, enter
 
@@ -110,6 +110,12 @@ class Page(unittest.TestCase):
         header = wait_for(judged, "a judged message")
         self.assertEqual(f"X-QV-Deep-Header: {header}\n", block(START, "X-QV", ""))
 
+    def test_no_block_is_left_out(self):
+        """The other tests use so many."""
+        counts = {START: 8, "Postfix in a chroot": 3, "Under systemd": 1, "The log": 3}
+        self.assertEqual({heading: len(blocks(PAGE, heading)) for heading in headings(PAGE)
+                          if blocks(PAGE, heading)}, counts)
+
     def test_five_minutes_are_enough(self):
         postfix = self.postfix()
         self.use(START, SOCKET)
@@ -137,10 +143,13 @@ class Page(unittest.TestCase):
         done = subprocess.run(["systemd-analyze", "verify", "--man=no", unit], capture_output=True,
                               text=True)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
-        self.start_as(dict(line.split("=", 1) for line in pathlib.Path(unit).read_text().splitlines()
-                           if line.count("=") and not line.startswith("#")))
+        settings = dict(re.findall(r"^(\w+)=(.*)$", pathlib.Path(unit).read_text(), re.M))
+        self.start_as(settings)
         self.connect(START)
         self.check_first_message(postfix)
+        self.assertIn("`systemctl reload qvmilter`", section(PAGE, "Reload"))
+        run(settings["ExecReload"].replace("$MAINPID", str(*processes())))
+        wait_for(lambda: "were reloaded" in LOG.read_text(), "the reload")
 
     def start_as(self, unit):
         """What systemd does: the program with the unit's user, group, mask and folder."""

@@ -103,5 +103,6 @@ class Sendmail(MailServer):
 
     @staticmethod
     def held():
-        """The messages in quarantine."""
-        return list(QUEUE.glob("hf*"))
+        """What lists the messages in quarantine."""
+        return subprocess.run([PROGRAM, "-bp", "-qQ"], check=True, capture_output=True,
+                              text=True).stdout
