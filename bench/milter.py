@@ -9,7 +9,9 @@ bench/milter.py FOLDER_WITH_PROGRAMS [MESSAGES]
 """
 import os
 import pathlib
+import socket
 import statistics
+import struct
 import subprocess
 import sys
 import time
@@ -19,6 +21,7 @@ PROGRAMS = pathlib.Path(sys.argv[1])
 MESSAGES = int(sys.argv[2]) if len(sys.argv) > 2 else 10000
 SESSIONS = 20
 TURNS = 5
+IDLE = 1000 # sessions
 
 os.environ.update(QV_MILTER=str(PROGRAMS / "qvmilter"), QV_RULES=str(PROGRAMS / "qvrules"),
                   QV_SCAN=str(PROGRAMS / "qvscan"), QV_EXAMPLES=str(HERE.parent / "examples"),
@@ -40,6 +43,34 @@ def send(postfix, count):
     return time.monotonic() - start
 
 
+def processor_seconds(daemon):
+    """What the daemon has used so far, of all processors together."""
+    fields = pathlib.Path(f"/proc/{daemon.process.pid}/stat").read_text().rsplit(")")[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def idle_session(daemon):
+    """A session that a mail server opened for a client, and has no message yet."""
+    session = socket.socket(socket.AF_UNIX)
+    session.connect(str(daemon.socket))
+    negotiate = b"O" + struct.pack(">III", 6, 0x1ff, 0x1fffff)
+    client = b"Cclient.example\0" + b"4" + struct.pack(">H", 25) + b"192.0.2.1\0"
+    for command in (negotiate, client, b"Hclient.example\0"):
+        session.sendall(struct.pack(">I", len(command)) + command)
+    return session
+
+
+def session_kilobytes(daemon):
+    """Memory of an open session."""
+    before = daemon.resident_kilobytes()
+    sessions = [idle_session(daemon) for _ in range(IDLE)]
+    wait_for(lambda: daemon.metric("qvmilter_sessions") == IDLE, "the sessions")
+    used = daemon.resident_kilobytes() - before
+    for session in sessions:
+        session.close()
+    return used / IDLE
+
+
 def discarding(milter):
     """A Postfix that asks this filter and throws away what it accepts."""
     return Postfix(milter, settings="virtual_transport = discard\n").start()
@@ -58,6 +89,7 @@ def main():
             send(postfix, 1)
         wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the first session")
         first = daemon.resident_kilobytes()
+        start = processor_seconds(daemon)
         times = [[], []]
         for _ in range(TURNS):
             for postfix, taken in zip(mail_servers, times):
@@ -65,9 +97,12 @@ def main():
         without, with_ours = (statistics.median(taken) for taken in times)
         print(f"{MESSAGES} messages, {SESSIONS} sessions: {with_ours / without:.3f} times the time "
               f"of an empty filter ({MESSAGES / TURNS / with_ours:.0f} messages a second)")
+        used = (processor_seconds(daemon) - start) / MESSAGES
+        print(f"processor time of qvmilter: {used * 1e6:.0f} us a message, so one core judges "
+              f"{1 / used:.0f} a second")
         last = daemon.resident_kilobytes()
         print(f"resident memory: {first} KiB after 1 message, {last} KiB after {MESSAGES + 1}: "
-              f"{last / first:.2f} times")
+              f"{last / first:.2f} times; {session_kilobytes(daemon):.1f} KiB for each open session")
     finally:
         for postfix in mail_servers:
             postfix.stop()
