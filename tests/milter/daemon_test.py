@@ -280,6 +280,18 @@ class Reload(MilterTest):
                 self.assertEqual(self.play(daemon, MESSAGE)[0], "accept")
         self.assertEqual(daemon.metric('qvmilter_reloads_total{result="refused"}'), 2)
 
+    def test_newer_rules_that_are_damaged_leave_the_old_ones_in_force(self):
+        daemon = self.daemon(own="rule-check = 1").start()
+        daemon.damage(2)
+        daemon.wait_for_log("newer rules cannot be loaded, the old ones stay: no usable rules in")
+        daemon.reload()
+        daemon.wait_for_log("nothing was reloaded: no usable rules in ")
+        self.assertIn(": spam; node=7", self.play(daemon, MESSAGE)[1])
+        self.assertEqual(daemon.metric("qvmilter_rule_version"), 1)
+        self.assertEqual(daemon.get("/health"), (200, "ok\n"))
+        daemon.install(3)
+        daemon.wait_for_log("newer rules were loaded: rule version 3")
+
     def test_a_session_keeps_the_settings_that_it_began_with(self):
         daemon = self.daemon().start()
         daemon.configure(own='on-spam = "reject"')

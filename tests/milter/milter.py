@@ -123,6 +123,12 @@ class Daemon:
         subprocess.run([QVRULES, "install", str(text), "--root", str(self.root)], check=True,
                        stdout=subprocess.DEVNULL)
 
+    def damage(self, version):
+        """Puts rules of this version there that no program can load."""
+        folder = self.root / "var/spool/etc/antispam"
+        (folder / "qv.dt").write_bytes(b"\x7f" * 46000)
+        (folder / "README").write_text(f"CF_DT_VERSION={version}\n")
+
     def configure(self, shared="", own=""):
         """Writes the settings file."""
         dns = "" if "dns" in shared else 'dns = "off"\n'
