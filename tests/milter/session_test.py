@@ -1,7 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """Sessions as mail servers really hold them, spoken byte by byte: old and new protocol, several clients
 and messages, long headers, steps that get lost, mail servers that fall silent."""
+import os
+import pathlib
 import resource
+import socket
+import time
 import unittest
 
 from milter import SANITIZED, MilterTest, wait_for
@@ -139,6 +143,27 @@ class Crowds(MilterTest):
         finally:
             for session in sessions:
                 session.close()
+
+    def test_a_status_page_waits_for_a_free_file_without_toil(self):
+        daemon = self.daemon().start()
+        self.assertEqual(daemon.get("/health"), (200, "ok\n"))
+        process = daemon.process.pid
+        wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the first session")
+        used = {int(name) for name in os.listdir(f"/proc/{process}/fd")}
+        free = min(set(range(len(used) + 1)) - used)
+        limits = resource.prlimit(process, resource.RLIMIT_NOFILE)
+        resource.prlimit(process, resource.RLIMIT_NOFILE, (free, limits[1]))
+        with socket.create_connection(("127.0.0.1", daemon.metrics_port)) as client:
+            client.sendall(b"GET /health HTTP/1.1\r\nHost: x\r\n\r\n")
+            before = self.processor_seconds(process)
+            time.sleep(0.5) # the daemon cannot answer
+            self.assertLess(self.processor_seconds(process) - before, 0.2)
+            resource.prlimit(process, resource.RLIMIT_NOFILE, limits)
+            self.assertTrue(client.recv(100).startswith(b"HTTP/1.1 200"))
+
+    def processor_seconds(self, process):
+        fields = pathlib.Path(f"/proc/{process}/stat").read_text().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
 if __name__ == "__main__":
