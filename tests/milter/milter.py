@@ -241,6 +241,9 @@ class Daemon:
     def kilobytes(self, name):
         return int(self.status(name).split()[0])
 
+    def resident_kilobytes(self):
+        return self.kilobytes("VmRSS")
+
 
 def check(config, *arguments):
     """qvmilter with this settings file, to its end."""
