@@ -98,12 +98,6 @@ std::unique_ptr<StatusServer> s_statusServer(Service& service, std::string const
                             [&service] { return service.health(); }});
 }
 
-// In the background nobody reads standard error.
-LogTarget s_logTarget(MilterSettings const& settings, bool foreground) {
-    bool const isLost = !foreground && settings.m_log == LogTarget::standardError;
-    return isLost ? LogTarget::syslog : settings.m_log;
-}
-
 // Each session takes a file descriptor, and the usual limit of 1024 is there for programs that use
 // select.
 void s_raiseFileLimit() {
@@ -118,6 +112,7 @@ void s_raiseFileLimit() {
 bool s_finishCallbacks(Service& service) {
     auto& callbacks = service.callbacks();
     callbacks.close();
+    logMessage(LogId::stopping, "");
     std::chrono::duration<double> const lookups(
         service.current()->m_settings.m_host.values().m_dnsTimeout);
     auto const time = std::chrono::ceil<std::chrono::milliseconds>(lookups) + workTime;
@@ -131,7 +126,6 @@ bool s_finishCallbacks(Service& service) {
 // Until SIGTERM, which libmilter takes. It then returns without waiting for callbacks.
 int s_serveSessions(Service& service) {
     int const result = smfi_main();
-    logMessage(LogId::stopping, "");
     bool const isDone = s_finishCallbacks(service);
     return result == MI_SUCCESS && isDone ? ExitStatus::ok : ExitStatus::internal;
 }
@@ -161,7 +155,7 @@ int serve(std::string const& path, bool foreground) {
     auto const signals = s_signals({SIGHUP, SIGTERM, SIGINT, SIGUSR1});
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     s_raiseFileLimit();
-    Logger::install(serviceLogger(s_logTarget(settings, foreground)));
+    Logger::install(serviceLogger(settings.m_log, foreground));
     s_openSocket(settings);
     PidFile const pidFile(settings.m_pidFile);
     becomeUser(settings.m_user);

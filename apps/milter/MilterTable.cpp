@@ -89,9 +89,10 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
         {"user", text, "USER", "run as this user once the socket is open"}),
     settingRow<&MilterSettings::m_pidFile>(
         {"pid-file", path, "FILE", "holds the process number while the daemon runs"}),
-    settingRow<&MilterSettings::m_log>(
-        {"log", text, "stderr|journal|syslog",
-         "where messages go; in the background syslog instead of stderr (stderr)"}),
+    settingRow<&MilterSettings::m_log>({"log", text, "stderr|journal|syslog",
+                                        "where messages go; instead of stderr syslog in the "
+                                        "background, and the journal where systemd "
+                                        "has tied stderr to it (stderr)"}),
     settingRow<&MilterSettings::m_logDetails>(
         {"log-details", integer, "0|1",
          "1: the log also has the attributes of each message and the hop of its client (0)"},

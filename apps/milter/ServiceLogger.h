@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The daemon's logger: to the journal, to syslog or to standard error. Lines on standard error
-// carry their level as systemd reads it (sd-daemon(3)), which keeps it in the journal.
+// The daemon's logger: to the journal, to syslog or to standard error.
 #pragma once
 
 #include "apps/milter/MilterSettings.h"
@@ -11,6 +10,8 @@
 
 namespace Quorvane::Milter {
 
-std::shared_ptr<Logger> serviceLogger(LogTarget target);
+// Standard error gives way to syslog in the background, where nobody reads it, and to the journal
+// where systemd has tied it to that: the journal itself keeps the levels of the lines.
+std::shared_ptr<Logger> serviceLogger(LogTarget target, bool foreground);
 
 } // namespace Quorvane::Milter

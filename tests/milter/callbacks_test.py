@@ -244,5 +244,70 @@ class Settings(MilterTest):
                          "X-QV-Deep-Header: none; node=0")
 
 
+class Facts(MilterTest):
+    """What the mail server knows of a message besides its headers reaches the rules."""
+    RULES = """version {{version}}
+elite first also-tree
+decide 0.99 code 7 support 10 when {condition}
+tree {{{{
+    chain_broken == yes: confidence 0.01 support 50
+    chain_broken != yes: confidence 0.5 support 50
+}}}}
+"""
+
+    def fires(self, condition, sender, recipients, header_from, helo="mail.example.org"):
+        daemon = self.daemon(rules=self.RULES.format(condition=condition)).start()
+        answer = self.play(daemon, f"""
+            postfix_client("unknown", "192.0.2.55", "{helo}")
+            sender("{sender}")
+            {" ".join(f'recipient("{recipient}")' for recipient in recipients)}
+            {" ".join(f'header("From", "{address}")' for address in header_from)}
+            finish()""")
+        self.assertIn(answer[1].split(";")[0].split()[-1], ("spam", "none"))
+        return "node=7" in answer[1]
+
+    def test_envelope_sender_and_author(self):
+        matches = "from_matches_envelope == yes"
+        for sender, header_from, expected in (
+                ("<a@example.org>", ["a@example.org"], True),
+                ("<a@example.com>", ["a@example.org"], False),
+                ("<>", ["a@example.org"], False),
+                # The last one counts, as where the library reads the headers itself.
+                ("<a@example.org>", ["a@example.com", "a@example.org"], True),
+                ("<a@example.org>", ["a@example.org", "a@example.com"], False)):
+            with self.subTest(sender=sender, header_from=header_from):
+                self.assertEqual(
+                    self.fires(matches, sender, ["<b@example.net>"], header_from), expected)
+
+    def test_first_recipient(self):
+        condition = "helo_is_recipient_not_envelope == yes"
+        for recipients, expected in ((["<b@example.net>", "<c@example.com>"], True),
+                                     (["<c@example.com>", "<b@example.net>"], False)):
+            with self.subTest(recipients):
+                self.assertEqual(self.fires(condition, "<a@example.org>", recipients,
+                                            ["a@example.org"], helo="mail.example.net"), expected)
+
+    def test_scores_of_the_client_and_of_relays(self):
+        # A relay of good reputation ends the walk: what it hands over is not judged.
+        relay = ('{"Received", "from localhost (unknown [198.51.100.7]) by a.example with SMTP; '
+                 'Tue, 14 May 2024 09:12:02 +0200"}')
+        zone = self.daemon().folder / "zone"
+        zone.write_text("55.2.0.192.list.example. A 127.0.0.2\n"
+                        "7.100.51.198.list.example. A 127.0.0.2\n")
+        listed = f'dns-list = ["list.example 127.0.0.2=%d"]\ndns-data = "{zone}"'
+        for shared, expected in (
+                ('score = ["192.0.2.55=8"]', "none; node=0"),
+                ('score = ["192.0.2.55=5"]', "spam; node=7; confidence=0.99; support=10; "
+                                             "ips=192.0.2.55,198.51.100.7"),
+                ('score = ["198.51.100.7=8"]', SPAM.split(": ")[1]),
+                (listed % 8, "none; node=0"),
+                (f'score = ["192.0.2.55=5"]\n{listed % 8}', SPAM.split(": ")[1])):
+            with self.subTest(shared):
+                answer = self.play(self.daemon(shared=shared).start(), f"""
+                    postfix_client("unknown", "192.0.2.55", "localhost")
+                    message({relay})""")
+                self.assertEqual(answer, ["accept", f"X-QV-Deep-Header: {expected}"])
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -123,6 +123,7 @@ class Daemon:
         self.config = self.folder / "qv.toml"
         self.socket = pathlib.Path(socket or self.folder / "qv.sock")
         self.socket.parent.mkdir(exist_ok=True)
+        self.pid_file = self.folder / "pid"
         self.metrics_port = free_port()
         self.process = None
         self.log = []
@@ -137,6 +138,12 @@ class Daemon:
         subprocess.run([QVRULES, "install", str(text), "--root", str(self.root)], check=True,
                        stdout=subprocess.DEVNULL)
 
+    def damage(self, version):
+        """Puts rules of this version there that no program can load."""
+        folder = self.root / "var/spool/etc/antispam"
+        (folder / "qv.dt").write_bytes(b"\x7f" * 46000)
+        (folder / "README").write_text(f"CF_DT_VERSION={version}\n")
+
     def configure(self, shared="", own=""):
         """Writes the settings file."""
         dns = "" if "dns" in shared else 'dns = "off"\n'
@@ -144,22 +151,36 @@ class Daemon:
             f'root = "{self.root}"\n{dns}{shared}\n[milter]\nsocket = "unix:{self.socket}"\n'
             f'metrics = "127.0.0.1:{self.metrics_port}"\n{own}\n')
 
-    def start(self, wrapper=(), **how):
-        """Starts the daemon and waits until it serves. `wrapper` is a command that runs it."""
+    def start(self, **how):
+        """Starts the daemon and waits until it serves."""
+        self.launch(**how)
+        self.wait_for_log("info: started")
+        self._shake_hands()
+        return self
+
+    def launch(self, wrapper=(), **how):
+        """Starts the daemon. `wrapper` is a command that runs it."""
         self.log.clear()
         self.process = subprocess.Popen(
             [*wrapper, QVMILTER, "--config", str(self.config), "--foreground"],
             stderr=subprocess.PIPE, text=True, **how)
         self.reader = threading.Thread(target=self._read, daemon=True)
         self.reader.start()
-        self.wait_for_log("info: started")
-        self._shake_hands()
-        return self
 
     def _shake_hands(self):
         """libmilter takes a SIGTERM that comes just before it serves for a failure."""
         if self.socket.exists():
             MailServer(self.socket).close()
+
+    def start_in_background(self, wrapper=(), config=None, **how):
+        """Starts the daemon, which leaves the terminal; what the start said. The settings have to
+        name pid_file."""
+        return subprocess.run([*wrapper, QVMILTER, "--config", str(config or self.config)],
+                              capture_output=True, text=True, timeout=60, **how)
+
+    def stop_in_background(self):
+        os.kill(int(self.pid_file.read_text()), signal.SIGTERM)
+        wait_for(lambda: not self.pid_file.exists(), "the end of the daemon")
 
     def _read(self):
         for line in self.process.stderr:
@@ -210,6 +231,8 @@ class Daemon:
 
     def remove(self):
         status = self.stop()
+        if self.pid_file.exists(): # a test failed
+            self.stop_in_background()
         shutil.rmtree(self.folder, ignore_errors=True)
         return status
 
@@ -236,6 +259,9 @@ class Daemon:
 
     def kilobytes(self, name):
         return int(self.status(name).split()[0])
+
+    def resident_kilobytes(self):
+        return self.kilobytes("VmRSS")
 
 
 def check(config, *arguments):

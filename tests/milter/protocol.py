@@ -84,7 +84,9 @@ class MailServer:
         self.step(HELO, strings(helo))
         return self
 
-    def begin(self, sender="<a@example.org>", recipient="<b@example.net>"):
+    def begin(self, sender="<a@example.org>", recipient="<b@example.net>", queue_id=""):
+        if queue_id:
+            self.say(MACROS, MAIL + strings("i", queue_id))
         self.step(MAIL, strings(sender))
         self.step(RCPT, strings(recipient))
 
@@ -102,9 +104,9 @@ class MailServer:
                 return letter, changes
             changes.append((letter, data))
 
-    def message(self, *headers):
+    def message(self, *headers, **envelope):
         """From the envelope to the end: the result that the filter wrote into the header."""
-        self.begin()
+        self.begin(**envelope)
         self.header("From", "Alice <a@example.org>")
         for name, value in headers:
             self.header(name, value)
