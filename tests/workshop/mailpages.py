@@ -6,6 +6,7 @@ import subprocess
 
 import browser
 
+WIDE = (1400, 900)
 DYNAMIC, SERVER, UNNAMED = "1-2-0-192.dyn.example.net", "mail.example.net", "unknown"
 HOSTILE = "<img src onerror>\"& '<!--\u202eabc"
 
@@ -51,6 +52,7 @@ class MailPageTest(browser.BrowserTest):
     def report(self, form, status, command, *arguments):
         """The file with a report that a command of qvrules wrote."""
         path = self.folder / f"page.{form}"
+        path.unlink(missing_ok=True)
         run = subprocess.run([os.environ["QV_RULES_PROGRAM"], command, *map(str, arguments),
                               "--dns", "off", "--format", form, "-o", path], check=False)
         self.assertEqual(run.returncode, status)
@@ -60,6 +62,23 @@ class MailPageTest(browser.BrowserTest):
         return self.browser.run(
             "return [...document.querySelectorAll(arguments[0])].map((e) => e.textContent)",
             selector)
+
+    def box(self, selector):
+        """Where an element is on the screen."""
+        return self.browser.run(
+            "return document.querySelector(arguments[0]).getBoundingClientRect().toJSON()",
+            selector)
+
+    def assert_jumps_stay(self):
+        """The links to the parts stay on the screen, and each leads to its part."""
+        for link in self.texts(".jumps a"):
+            self.browser.run("scrollTo(0, 1e6)")
+            self.assertEqual(self.box(".jumps")["top"], 0)
+            self.browser.run("[...document.querySelectorAll('.jumps a')]"
+                             ".find((a) => a.textContent === arguments[0]).click()", link)
+            place = self.browser.run("return location.hash")
+            bottom = self.browser.run("return innerHeight")
+            self.assertTrue(0 < self.box(place)["top"] < bottom, link)
 
     def assert_contrast(self, page):
         for scheme in ("light", "dark"):
