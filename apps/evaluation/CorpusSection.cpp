@@ -177,7 +177,7 @@ std::string s_reliabilityTable(Rules::CorpusFigures const& figures) {
 }
 
 std::string s_reliabilityBlock(Rules::CorpusFigures const& figures, std::string const& id) {
-    std::string const title = "<h3>Can confidences be believed?</h3>\n";
+    auto const title = "<h3 id=\"" + id + "-confidences\">Can confidences be believed?</h3>\n";
     Rules::LabelCounts decided;
     for (auto const& bin : figures.m_reliability) {
         decided += bin.m_counts;
@@ -205,7 +205,7 @@ std::string corpusSection(Rules::CorpusFigures const& figures, std::string const
                           EvaluatedRules const& rules) {
     auto section = "<section class=\"corpus\" id=\"" + id + "\" aria-labelledby=\"" + id +
                    "-name\">\n<h2 id=\"" + id + "-name\">" + Page::isolated(figures.m_name) +
-                   "</h2>\n" + s_lead(figures);
+                   "</h2>\n" + s_lead(figures) + concernList(figures);
     if (figures.judged().total() != 0) {
         section += s_verdictBlock(figures, id) + s_rocBlock(figures, id, rules) +
                    s_reliabilityBlock(figures, id);

@@ -4,6 +4,7 @@
 #include "apps/page/Escape.h"
 #include "apps/text/NumberText.h"
 #include "apps/workshop/DeciderText.h"
+#include "rules/evaluate/Concerns.h"
 #include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Reports {
@@ -23,9 +24,18 @@ std::string kindsText(Rules::KindCounts const& counts) {
     return text.empty() ? "none" : text;
 }
 
-std::string changeText(Rules::ChangeGroup const& group, std::string const& arrow) {
-    return Rules::verdictName(group.m_before.m_verdict) + (' ' + arrow + ' ') +
+std::string changeText(Rules::ChangeGroup const& group) {
+    return Rules::verdictName(group.m_before.m_verdict) + std::string(" -> ") +
            Rules::verdictName(group.m_after.m_verdict);
+}
+
+std::string changeWords(Rules::ChangeGroup const& group) {
+    auto const word = [](Rules::Verdict verdict) {
+        return verdict == Rules::Verdict::none
+                   ? std::string("without verdict")
+                   : std::string("called ") + Rules::verdictName(verdict);
+    };
+    return word(group.m_before.m_verdict) + ", now " + word(group.m_after.m_verdict);
 }
 
 std::string rulingText(Rules::JudgedVector const& judged) {
@@ -70,6 +80,14 @@ std::vector<std::string> withRate(std::vector<std::string> cells, Rules::Rate co
     return cells;
 }
 
+std::string concernList(Rules::CorpusFigures const& figures) {
+    std::string items;
+    for (auto const& concern : Rules::concerns(figures)) {
+        items += "<li>" + Page::text(concern) + "</li>\n";
+    }
+    return items.empty() ? items : "<ul class=\"concerns\">\n" + items + "</ul>\n";
+}
+
 std::string tile(std::string_view nameText, std::string const& value, std::string const& note) {
     return "<div class=\"panel\"><dt>" + Page::text(nameText) + "</dt><dd class=\"figure\">" +
            value + "</dd><dd class=\"muted\">" + note + "</dd></div>\n";
@@ -81,16 +99,23 @@ std::string rateTile(std::string_view nameText, Rules::Rate const& rate) {
                 rate.m_total == 0 ? "no messages" : counts + Rules::intervalText(rate));
 }
 
+std::string folded(std::string const& summary, std::string const& content) {
+    return "<details><summary>" + summary + "</summary>\n" + content + "</details>\n";
+}
+
+std::string hiddenNote(std::size_t hidden, std::string const& what) {
+    return hidden == 0 ? ""
+                       : "<p class=\"muted\">" + std::to_string(hidden) + " more" + what +
+                             "; the JSON report lists all.</p>\n";
+}
+
 std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
                      std::string const& what) {
     std::string html = "<ol class=\"deciders\">\n";
     for (auto const& item : items) {
         html += "<li>\n" + item + "</li>\n";
     }
-    html += "</ol>\n";
-    return hidden == 0 ? html
-                       : html + "<p class=\"muted\">" + std::to_string(hidden) + " more" + what +
-                             "; the JSON report lists all.</p>\n";
+    return html + "</ol>\n" + hiddenNote(hidden, what);
 }
 
 std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {
@@ -101,10 +126,9 @@ std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decide
         words += "<li>" + Page::text(test.m_words) + "</li>\n";
     }
     if (tests.empty()) {
-        return "<p class=\"tests\">always</p>\n";
+        return "<p>always</p>\n";
     }
-    return "<p class=\"tests\">" + tests + "</p>\n<details><summary>In words</summary>\n<ul>\n" +
-           words + "</ul>\n</details>\n";
+    return "<ul>\n" + words + "</ul>\n<p class=\"tests\">" + tests + "</p>\n";
 }
 
 std::string sampleList(std::string const& title, std::vector<std::string> const& samples) {

@@ -31,7 +31,10 @@
         showNamed();
       });
     }
-    addEventListener("hashchange", showNamed);
+    addEventListener("hashchange", () => {
+      showNamed();
+      document.getElementById(location.hash.slice(1))?.scrollIntoView();
+    });
     show(sections[0].id);
     showNamed();
   }

@@ -2,6 +2,7 @@
 """Messages in the page of a rule set, in a browser: shown in a file, and tried in a served page."""
 import json
 import pathlib
+import re
 import tempfile
 import unittest
 
@@ -10,6 +11,7 @@ import showpage
 HOSTILE = "<img/src=x/onerror=alert`1`></script><!--'&\u202eevil"
 TITLES = {"spam": "Spam", "ham": "Ham", "none": "No verdict"}
 FIRED = ("adjusted", "passedOver", "replaced", "chosen")
+WIDE = (1400, 900)
 SPAM = showpage.EXAMPLES / "spam-bot-dynamic-name.eml"
 
 
@@ -136,6 +138,57 @@ class InAFile(showpage.ShowPageTest):
         self.assertRegex(self.answer()["text"], r"DNS could not say[^:]*\n"
                          r"dsl-203-0-113-17\.pool\.provider\.example: "
                          r"(the look-up failed|no answer before the deadline)")
+
+    def test_shows_what_a_record_adds_by_its_name(self):
+        path = self.page("--message", showpage.EXAMPLES / "mailing-list.eml", "--dns", "off",
+                         source=showpage.DEFAULT)
+        page = path.read_text(encoding="utf-8")
+        start = page.index(">", page.index('id="data"')) + 1
+        end = page.index("</script>", start)
+        data = json.loads(page[start:end])
+        explain = data["messages"][0]["explain"]
+        fired = next(rule for rule in explain["rules"] if rule["fired"])
+        fired["ruleName"] = HOSTILE
+        explain["tree"]["nodes"][-1]["alias"] = "last of all"
+        explain["needed"].append({"verdict": "ham", "change": "rule 9002 gone", "words": [],
+                                  "byRule": {"code": 9002, "tests": [HOSTILE, "two"]},
+                                  "nothing": None})
+        text = json.dumps(data).replace("<", "\\u003c")
+        path.write_text(page[:start] + text + page[end:], encoding="utf-8")
+        for size in (showpage.browser.DESKTOP, showpage.browser.PHONE):
+            self.browser.open(path, size)
+            answer = self.answer()
+            self.assertIn(f"rule name: {HOSTILE}", answer["text"])
+            self.assertIn("ham: rule 9002 gone", answer["text"])
+            for line in ("by rule:", "code: 9002", "two"):
+                self.assertIn(line, answer["text"])
+            self.assertIn("alias: last of all", answer["walk"][-1][2])
+            self.assertNotIn("nothing", answer["text"].split("Needed for another verdict")[1])
+            # What is known has a place of its own.
+            for name in ("outcome:", "failed test:", "confidence:", "verdict:"):
+                self.assertNotIn(name, answer["text"])
+            self.assertEqual(self.browser.find_all("#answer img"), [])
+            self.assert_fits()
+
+    def test_tells_hops_path_and_what_would_change_the_verdict_on_every_screen(self):
+        path = self.page("--message", showpage.EXAMPLES / "mailing-list.eml", "--dns", "off",
+                         source=showpage.DEFAULT)
+        explained = showpage.rules("explain", showpage.DEFAULT, showpage.EXAMPLES /
+                                   "mailing-list.eml", "--dns", "off")
+        ways = re.findall(r"^    ((?:spam|ham): .*)$", explained, re.MULTILINE)
+        self.assertGreater(len(ways), 2)
+        for size in (WIDE, showpage.browser.PHONE):
+            self.browser.open(path, size)
+            answer = self.answer()
+            for way in ways:
+                self.assertIn(way, answer["text"])
+            self.assertEqual((len(answer["hops"]), len(answer["walk"])), (3, 10))
+            outside = self.browser.run("""
+                return [...document.querySelectorAll('#answer td')].filter((cell) => {
+                  const {left, right} = cell.getBoundingClientRect();
+                  return left < 0 || right > document.documentElement.clientWidth;
+                }).map((cell) => cell.textContent);""")
+            self.assertEqual(outside, [])
 
     def test_links_lead_to_their_nodes(self):
         self.open(showpage.EXAMPLES / "zimbra.eml")
