@@ -132,12 +132,12 @@ TEST_F(HostSetupTest, NamesAreAskedOnlyWhileTheRulesTestWhatDnsSays) {
     settings.m_dns = "auto";
     settings.m_dnsTimeout = 0.1;
     settings.m_zoneLines.clear();
-    auto host = setUpHost(settings);
+    auto host = setUpHost(settings, "root");
     EXPECT_FALSE(isAsking());
     installRules(leaf(Attribute::envelopeDomainResolves, 0, 0.5));
     host = withNewerRules(host);
     EXPECT_TRUE(isAsking());
-    EXPECT_TRUE((setUpHost(settings), isAsking()));
+    EXPECT_TRUE((setUpHost(settings, "root"), isAsking()));
     installRules(0.5);
     withNewerRules(host);
     EXPECT_FALSE(isAsking());
@@ -150,7 +150,7 @@ TEST_F(HostSetupTest, AListOfRelaysIsAskedWhateverTheRulesTest) {
     settings.m_zoneLines.clear();
     settings.m_dnsLists.emplace_back();
     readSetting("list.example 127.0.0.2=0", settings.m_dnsLists.back());
-    setUpHost(settings);
+    setUpHost(settings, "root");
     EXPECT_TRUE(isAsking());
 }
 
