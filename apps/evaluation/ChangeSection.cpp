@@ -158,17 +158,17 @@ std::string s_item(Card const& card, ComparedSets const& sets) {
                       s_samples(card));
 }
 
-std::string s_wayHtml(Way const& way, ComparedSets const& sets, bool isOpen) {
+// The figures are of all cards, also of those after the first `most`.
+std::string s_wayHtml(Way const& way, ComparedSets const& sets, std::size_t most, bool isOpen) {
     std::vector<std::string> items;
-    items.reserve(way.m_cards.size());
-    for (auto const& card : way.m_cards) {
-        items.push_back(s_item(card, sets));
+    for (std::size_t i = 0; i < std::min(way.m_cards.size(), most); ++i) {
+        items.push_back(s_item(way.m_cards[i], sets));
     }
     return std::string("<details class=\"way\"") + (isOpen ? " open" : "") + "><summary><h3>" +
            s_messages(way.m_counts.total()) + ": " +
            changeWords(*way.m_cards.front().m_variants.front()) + "</h3> <span class=\"muted\">" +
-           kindsText(way.m_counts) + "</span></summary>\n" + ruleList(items, 0, "") +
-           "</details>\n";
+           kindsText(way.m_counts) + "</span></summary>\n" +
+           ruleList(items, way.m_cards.size() - items.size(), " kinds of change") + "</details>\n";
 }
 
 constexpr char filter[] =
@@ -178,16 +178,14 @@ constexpr char filter[] =
 } // namespace
 
 std::string changeSection(Rules::Difference const& difference, ComparedSets const& sets) {
-    auto cards = s_cards(difference.m_groups);
-    auto const hidden = cards.size() - std::min(cards.size(), pageChanges);
-    cards.resize(cards.size() - hidden);
     std::string ways;
-    for (auto const& way : s_ways(cards)) {
-        ways += s_wayHtml(way, sets, ways.empty());
+    auto room = pageChanges;
+    for (auto const& way : s_ways(s_cards(difference.m_groups))) {
+        ways += s_wayHtml(way, sets, room, ways.empty());
+        room -= std::min(room, way.m_cards.size());
     }
     return section("changes", "What changes, and by which rules",
-                   ways.empty() ? emptyNote("No verdict changes.")
-                                : filter + ways + hiddenNote(hidden, " kinds of change"));
+                   ways.empty() ? emptyNote("No verdict changes.") : filter + ways);
 }
 
 } // namespace Quorvane::Reports

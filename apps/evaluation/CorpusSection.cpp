@@ -177,7 +177,7 @@ std::string s_reliabilityTable(Rules::CorpusFigures const& figures) {
 }
 
 std::string s_reliabilityBlock(Rules::CorpusFigures const& figures, std::string const& id) {
-    auto const title = "<h3 id=\"" + id + "-confidences\">Can confidences be believed?</h3>\n";
+    std::string const title = "<h3>Can confidences be believed?</h3>\n";
     Rules::LabelCounts decided;
     for (auto const& bin : figures.m_reliability) {
         decided += bin.m_counts;

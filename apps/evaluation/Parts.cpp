@@ -103,19 +103,16 @@ std::string folded(std::string const& summary, std::string const& content) {
     return "<details><summary>" + summary + "</summary>\n" + content + "</details>\n";
 }
 
-std::string hiddenNote(std::size_t hidden, std::string const& what) {
-    return hidden == 0 ? ""
-                       : "<p class=\"muted\">" + std::to_string(hidden) + " more" + what +
-                             "; the JSON report lists all.</p>\n";
-}
-
 std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
                      std::string const& what) {
     std::string html = "<ol class=\"deciders\">\n";
     for (auto const& item : items) {
         html += "<li>\n" + item + "</li>\n";
     }
-    return html + "</ol>\n" + hiddenNote(hidden, what);
+    html += "</ol>\n";
+    return hidden == 0 ? html
+                       : html + "<p class=\"muted\">" + std::to_string(hidden) + " more" + what +
+                             "; the JSON report lists all.</p>\n";
 }
 
 std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {

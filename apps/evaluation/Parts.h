@@ -67,8 +67,6 @@ std::string folded(std::string const& summary, std::string const& content);
 // report.
 std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
                      std::string const& what);
-// Only that they are; nothing when there are none.
-std::string hiddenNote(std::size_t hidden, std::string const& what);
 
 // The tests that lead to a decider: in words, and as the rule language writes them.
 std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider);

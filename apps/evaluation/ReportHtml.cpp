@@ -55,12 +55,12 @@ std::string s_concerns(Rules::Evaluation const& evaluation) {
 
 std::string s_jumps(Rules::Evaluation const& evaluation) {
     bool const isOne = evaluation.m_corpora.size() == 1;
-    return Page::jumps(
-        {isOne ? Page::Jump{s_id(0), "Figures"} : Page::Jump{"comparison", "Side by side"},
-         isOne ? Page::Jump{s_id(0) + "-confidences", "Confidences"}
-               : Page::Jump{"corpora", "Each corpus"},
-         {"uses", "What decides"},
-         {"errors", "What is wrong"}});
+    std::vector<Page::Jump> jumps{{s_id(0), "Figures"}};
+    if (!isOne) {
+        jumps = {{"comparison", "Side by side"}, {"corpora", "Each corpus"}};
+    }
+    jumps.insert(jumps.end(), {{"uses", "What decides"}, {"errors", "What is wrong"}});
+    return Page::jumps(jumps);
 }
 
 std::string s_header(Rules::Evaluation const& evaluation, EvaluatedRules const& rules) {

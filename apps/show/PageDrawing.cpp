@@ -74,14 +74,15 @@ std::string s_legend(Drawing const& drawing) {
         shades += "<span class=\"s" + std::to_string(shade) + "\"></span>";
     }
     return "<p class=\"legend\">sure of ham <span class=\"shades\" aria-hidden=\"true\">" + shades +
-           "</span> sure of spam</p>\n<p class=\"muted\">The walk enters the first child whose "
-           "test "
-           "holds; the deepest node that it reaches decides. Colours show the probability of spam "
+           "</span> sure of spam</p>\n<details class=\"muted\"><summary>How to read "
+           "this</summary>\n"
+           "<p>The walk enters the first child whose test holds; the deepest node that it reaches "
+           "decides. Colours show the probability of spam "
            "that a node gives. " +
            s_barsLegend(drawing) +
            " In tests: <code>not-analysed</code> means that there was no such hop, "
            "<code>n/a</code> that the question does not arise, <code>unknown</code> that a part of "
-           "the comparison is missing.</p>\n";
+           "the comparison is missing.</p></details>\n";
 }
 
 constexpr char search[] =

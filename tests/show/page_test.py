@@ -140,6 +140,7 @@ class Page(showpage.ShowPageTest):
                     self.assertLess(part["bottom"], self.box("#elite")["top"])
                     self.assertLess(part["height"], size[1])
                 self.assert_whole_drawing()
+                self.assertLess(self.height(), 4 * size[1])
 
     def assert_whole_drawing(self):
         """All of it is in its frame, and as wide as that unless it is large enough to read."""
