@@ -24,7 +24,10 @@ void s_checkIsNoFile(std::filesystem::path const& folder) {
 std::filesystem::path s_realFolder(std::filesystem::path const& folder) {
     std::error_code error;
     auto const tree = std::filesystem::canonical(folder / treeFileName, error);
-    return error ? folder : tree.parent_path();
+    // Errors name the folder as it was given, unless the files are somewhere else.
+    return error || std::filesystem::equivalent(tree.parent_path(), folder, error)
+               ? folder
+               : tree.parent_path();
 }
 
 } // namespace
