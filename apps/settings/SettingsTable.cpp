@@ -72,8 +72,8 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
         s_checkNumber<0, 100>),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::maxEliteLevel>(
         {"max-elite-level", SettingKind::integer, "N",
-         "ignore elite rules of a higher level, from 0 on (1)", true},
-        s_checkInteger<0, highestLevel>),
+         "ignore elite rules of a higher level; -1: all of them (1)", true},
+        s_checkInteger<-1, highestLevel>),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::scoreThreshold>(
         {"score-threshold", SettingKind::integer, "N",
          "reputation score at which a relay ends the walk, 0..9 (6)"},

@@ -90,7 +90,7 @@ RangeCase const beyondRange[] = {
     {"min-support", "-0.1", "is not a number from 0 to 100"},
     {"score-threshold", "11", "is not a whole number from -1 to 10"},
     {"score-threshold", "-2", "is not a whole number from -1 to 10"},
-    {"max-elite-level", "-1", "is not a whole number from 0 to 2147483647"},
+    {"max-elite-level", "-2", "is not a whole number from -1 to 2147483647"},
 };
 
 TEST_F(ExitStatus, ThresholdsOutOfRangeAre64AndTheMessageSaysTheRange) {

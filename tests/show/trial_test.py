@@ -366,18 +366,18 @@ class Served(showpage.ShowPageTest):
         self.assertEqual((answer["verdict"], answer["path"]), (None, []))
         self.assertEqual(len(self.refusals()), 1)
         self.set("spam-threshold", "2")
-        self.assertEqual(self.set("ham-threshold", "-inf")["verdict"], "Ham")
-        self.assertIn("switch the tree off", self.set("spam-threshold", "inf")["why"])
+        self.assertEqual(self.set("ham-threshold", "0")["verdict"], "Ham")
+        self.assertIn("switch the tree off", self.set("spam-threshold", "95")["why"])
 
     def test_the_settings_are_at_first_those_of_the_command_line(self):
-        server = showpage.Server("--min-support", "101", "--walk-to-leaf", "0")
+        server = showpage.Server("--min-support", "100", "--walk-to-leaf", "0")
         self.browser.origins = (*self.origins, server.origin)
         try:
             self.open(server)
             fields = {field.get_attribute("name"): field.get_attribute("value")
                       for field in self.browser.find_all("#settings input")}
             self.assertEqual(fields, {"spam-threshold": "0.95", "ham-threshold": "0.95",
-                                      "min-support": "101", "max-elite-level": "1",
+                                      "min-support": "100", "max-elite-level": "1",
                                       "walk-to-leaf": "0"})
             self.assertEqual(self.ask("first_reverse_dynamic=yes")["path"], [2])
         finally:
