@@ -9,9 +9,7 @@ bench/milter.py FOLDER_WITH_PROGRAMS [MESSAGES]
 """
 import os
 import pathlib
-import socket
 import statistics
-import struct
 import subprocess
 import sys
 import time
@@ -30,6 +28,7 @@ sys.path.insert(0, str(HERE.parent / "tests" / "milter"))
 # pylint: disable=wrong-import-position
 from milter import Daemon, wait_for
 from postfix import Postfix
+from protocol import MailServer
 
 MESSAGE = HERE.parent / "examples" / "forwarder-many-hops.eml"
 
@@ -49,23 +48,14 @@ def processor_seconds(daemon):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
-def idle_session(daemon):
-    """A session that a mail server opened for a client, and has no message yet."""
-    session = socket.socket(socket.AF_UNIX)
-    session.connect(str(daemon.socket))
-    negotiate = b"O" + struct.pack(">III", 6, 0x1ff, 0x1fffff)
-    client = b"Cclient.example\0" + b"4" + struct.pack(">H", 25) + b"192.0.2.1\0"
-    for command in (negotiate, client, b"Hclient.example\0"):
-        session.sendall(struct.pack(">I", len(command)) + command)
-    return session
-
-
 def session_kilobytes(daemon):
     """Memory of an open session."""
-    before = daemon.resident_kilobytes()
-    sessions = [idle_session(daemon) for _ in range(IDLE)]
+    before = daemon.kilobytes("VmRSS")
+    sessions = [MailServer(daemon.socket).client() for _ in range(IDLE)]
+    for session in sessions:
+        session.flush()
     wait_for(lambda: daemon.metric("qvmilter_sessions") == IDLE, "the sessions")
-    used = daemon.resident_kilobytes() - before
+    used = daemon.kilobytes("VmRSS") - before
     for session in sessions:
         session.close()
     return used / IDLE
@@ -76,38 +66,65 @@ def discarding(milter):
     return Postfix(milter, settings="virtual_transport = discard\n").start()
 
 
+class Filter:
+    """A qvmilter and a Postfix that asks it."""
+
+    def __init__(self, settings=""):
+        self.daemon = Daemon(shared='internal = ["127.0.0.0/8"]\n' + settings,
+                             own='socket-group = "postfix"').start()
+        self.postfix = discarding(f"unix:{self.daemon.socket}")
+        send(self.postfix, 1)
+        wait_for(lambda: self.daemon.metric("qvmilter_sessions") == 0, "the end of the session")
+        self.first = self.daemon.kilobytes("VmRSS")
+        self.start = processor_seconds(self.daemon)
+        self.times = []
+
+    def turn(self):
+        self.times.append(send(self.postfix, MESSAGES // TURNS))
+
+    def processor(self):
+        """What it used for a message, in seconds."""
+        return (processor_seconds(self.daemon) - self.start) / (len(self.times) * MESSAGES // TURNS)
+
+    def stop(self):
+        self.postfix.stop()
+        self.daemon.remove()
+
+
+def report(ours, asking, without):
+    with_ours = statistics.median(ours.times)
+    print(f"{MESSAGES} messages, {SESSIONS} sessions: {with_ours / without:.3f} times the time of "
+          f"an empty filter ({MESSAGES / TURNS / with_ours:.0f} messages a second)")
+    for what, one in (("without DNS", ours), ("with answers from the cache", asking)):
+        print(f"processor time of qvmilter {what}: {one.processor() * 1e6:.0f} us a message, so one "
+              f"core judges {1 / one.processor():.0f} a second")
+    last = ours.daemon.kilobytes("VmRSS")
+    print(f"resident memory: {ours.first} KiB after 1 message, {last} KiB after {MESSAGES + 1}: "
+          f"{last / ours.first:.2f} times; {session_kilobytes(ours.daemon):.1f} KiB for each open "
+          "session")
+
+
 def main():
-    daemon = Daemon(shared='internal = ["127.0.0.0/8"]', own='socket-group = "postfix"').start()
-    socket = daemon.folder / "empty.sock"
+    filters = [Filter(), Filter(f'dns-data = "{HERE.parent}/examples/dns.zone"')]
+    ours, asking = filters
+    socket = ours.daemon.folder / "empty.sock"
     empty = subprocess.Popen([str(PROGRAMS / "empty_filter"), f"unix:{socket}"])
     wait_for(socket.exists, "the empty filter")
     socket.chmod(0o666)
-    mail_servers = []
+    baseline = discarding(f"unix:{socket}")
+    times = []
     try:
-        mail_servers = [discarding(f"unix:{socket}"), discarding(f"unix:{daemon.socket}")]
-        for postfix in mail_servers:
-            send(postfix, 1)
-        wait_for(lambda: daemon.metric("qvmilter_sessions") == 0, "the end of the first session")
-        first = daemon.resident_kilobytes()
-        start = processor_seconds(daemon)
-        times = [[], []]
+        send(baseline, 1)
         for _ in range(TURNS):
-            for postfix, taken in zip(mail_servers, times):
-                taken.append(send(postfix, MESSAGES // TURNS))
-        without, with_ours = (statistics.median(taken) for taken in times)
-        print(f"{MESSAGES} messages, {SESSIONS} sessions: {with_ours / without:.3f} times the time "
-              f"of an empty filter ({MESSAGES / TURNS / with_ours:.0f} messages a second)")
-        used = (processor_seconds(daemon) - start) / MESSAGES
-        print(f"processor time of qvmilter: {used * 1e6:.0f} us a message, so one core judges "
-              f"{1 / used:.0f} a second")
-        last = daemon.resident_kilobytes()
-        print(f"resident memory: {first} KiB after 1 message, {last} KiB after {MESSAGES + 1}: "
-              f"{last / first:.2f} times; {session_kilobytes(daemon):.1f} KiB for each open session")
+            times.append(send(baseline, MESSAGES // TURNS))
+            ours.turn()
+        asking.turn()
+        report(ours, asking, statistics.median(times))
     finally:
-        for postfix in mail_servers:
-            postfix.stop()
+        baseline.stop()
         empty.terminate()
-        daemon.remove()
+        for one in filters:
+            one.stop()
 
 
 if __name__ == "__main__":

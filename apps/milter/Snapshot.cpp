@@ -28,7 +28,11 @@ void s_checkFixed(MilterStore const& before, MilterStore const& now) {
 } // namespace
 
 std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings) {
-    return Quorvane::setUpHost(settings.m_host.values(), "root in the settings file");
+    auto host = settings.m_host.values();
+    if (settings.m_milter.values().m_logDetails != 0) {
+        settleDns(host, true); // the log shows the attributes that come from DNS
+    }
+    return Quorvane::setUpHost(host, "root in the settings file");
 }
 
 FileSettings readFileSettings(std::string const& path) {
