@@ -15,6 +15,8 @@ from pages import blocks
 from postfix import Postfix
 from postfix_test import SPAMMER
 
+# With other addresses.
+FILTER, HAPROXY, POSTFIX = blocks("scale-out.md", "HAProxy before two filters")
 MESSAGES = 2000
 CLIENTS = 8
 
@@ -27,8 +29,9 @@ class ScaleOut(MilterTest):
         for _ in range(count):
             port = free_port()
             daemon = self.daemon()
+            socket = FILTER.split("\n")[1].replace("8891@192.0.2.31", f"{port}@127.0.0.1")
             daemon.config.write_text(daemon.config.read_text().replace(
-                f"unix:{daemon.socket}", f"inet:{port}@127.0.0.1"))
+                f'socket = "unix:{daemon.socket}"', socket))
             started.append((daemon.start(), port))
         return started
 
@@ -36,10 +39,8 @@ class ScaleOut(MilterTest):
         """A HAProxy with the page's settings before filters at these ports; its port."""
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        text = next(block for block in blocks("scale-out.md", "HAProxy before two filters")
-                    if block.startswith("listen"))
         port = free_port()
-        text = text.replace("127.0.0.1:8890", f"127.0.0.1:{port}")
+        text = HAPROXY.replace("127.0.0.1:8890", f"127.0.0.1:{port}")
         for address, own in zip(("192.0.2.31:8891", "192.0.2.32:8891"), ports):
             self.assertIn(address, text)
             text = text.replace(address, f"127.0.0.1:{own}")
@@ -52,7 +53,8 @@ class ScaleOut(MilterTest):
 
     def test_a_filter_that_dies_under_load_costs_no_message(self):
         filters = self.filters(2)
-        postfix = Postfix(f"inet:127.0.0.1:{self.haproxy([port for _, port in filters])}")
+        port = self.haproxy([port for _, port in filters])
+        postfix = Postfix(settings=POSTFIX.replace("127.0.0.1:8890", f"127.0.0.1:{port}"))
         self.addCleanup(postfix.stop)
         postfix.start()
         waiting = list(range(MESSAGES))
