@@ -1,7 +1,8 @@
 #!/usr/bin/python3 -B
 # SPDX-License-Identifier: Apache-2.0
-"""What becomes of the memory of qvmilter: resident after one message, and after 100,000 from 20 sessions
-at once, which a client sends that speaks the milter protocol.
+"""What becomes of the memory of qvmilter while a client that speaks the milter protocol sends it 100,000
+messages in one session after the other, and then as many in 20 sessions at once. Sessions that are open
+at the same time take memory of their own, so these are compared with their own first messages, too.
 
 bench/milter_memory.py FOLDER_WITH_PROGRAMS [MESSAGES]
 """
@@ -10,7 +11,6 @@ import os
 import pathlib
 import sys
 import threading
-import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 PROGRAMS = pathlib.Path(sys.argv[1])
@@ -39,7 +39,7 @@ def play(daemon, headers, count):
         count -= SESSION_LENGTH
 
 
-def play_side_by_side(daemon, headers, count):
+def play_at_once(daemon, headers, count):
     threads = [threading.Thread(target=play, args=(daemon, headers, count // SESSIONS))
                for _ in range(SESSIONS)]
     for thread in threads:
@@ -48,18 +48,24 @@ def play_side_by_side(daemon, headers, count):
         thread.join()
 
 
+def report(daemon, what, first):
+    now = daemon.resident_kilobytes()
+    print(f"{what}: {now} KiB ({(now / first - 1) * 100:+.1f} %)", flush=True)
+
+
 def main():
     headers = email.message_from_bytes(MESSAGE.read_bytes()).items()
     daemon = Daemon().start()
     try:
         play(daemon, headers, 1)
         first = daemon.resident_kilobytes()
-        start = time.monotonic()
-        play_side_by_side(daemon, headers, MESSAGES)
-        speed = MESSAGES / (time.monotonic() - start)
-        last = daemon.resident_kilobytes()
-        print(f"resident memory: {first} KiB after 1 message, {last} KiB after {MESSAGES + 1}: "
-              f"{(last / first - 1) * 100:+.1f} % ({speed:.0f} messages a second)")
+        report(daemon, "resident memory after 1 message", first)
+        play(daemon, headers, MESSAGES)
+        report(daemon, f"after {MESSAGES} more", first)
+        play_at_once(daemon, headers, MESSAGES // 10)
+        report(daemon, f"after {MESSAGES // 10} more in {SESSIONS} sessions at once", first)
+        play_at_once(daemon, headers, MESSAGES)
+        report(daemon, f"after {MESSAGES} more in {SESSIONS} sessions at once", first)
     finally:
         daemon.remove()
 

@@ -63,7 +63,7 @@ void Session::helo(std::string const& name) {
 }
 
 void Session::envelopeFrom(MailServer& server, std::string const& address) {
-    m_message = {};
+    abort();
     m_message.m_envelopeFrom = address;
     m_message.m_isAuthenticated = !server.macro("{auth_type}").empty();
 }
@@ -93,7 +93,9 @@ void Session::header(std::string_view name, std::string_view value) {
     m_message.m_headers.append(name).append(":").append(value).append("\r\n");
 }
 
+// A string that a short one is assigned to keeps its memory; one that is moved from gives it away.
 void Session::abort() {
+    Message const gone = std::move(m_message);
     m_message = {};
 }
 
@@ -129,9 +131,10 @@ MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) 
     return facts;
 }
 
-Judgement Session::scan(MailServer& server) const {
+// The text of the headers is not needed any more, so the scan may have its memory.
+Judgement Session::scan(MailServer& server) {
     try {
-        auto const headers = HeaderReader::read(m_message.m_headers);
+        auto const headers = HeaderReader::read(std::exchange(m_message.m_headers, {}));
         auto const known = facts(server, headers);
         auto record = m_snapshot->m_host->scan(headers, known, RecordDepth::steps);
         if (record.failure) {
@@ -146,7 +149,7 @@ Judgement Session::scan(MailServer& server) const {
     }
 }
 
-Judgement Session::judge(MailServer& server) const {
+Judgement Session::judge(MailServer& server) {
     if (!m_place.isIn()) {
         return failureOf(Failure::overload);
     }
@@ -214,7 +217,7 @@ Reply Session::endOfMessage(MailServer& server) {
     } catch (std::exception const& error) {
         m_service.reportError(error.what());
     }
-    m_message = {};
+    abort();
     return reply;
 }
 

@@ -38,7 +38,7 @@ class Session {
     void failMessage() { m_message.m_hasFailed = true; }
     // Judges the message and does what the settings say. Throws nothing.
     Reply endOfMessage(MailServer& server);
-    // Gives the memory of the message back; the next one begins afresh in any case.
+    // Gives the memory of the message back.
     void abort();
 
   private:
@@ -59,8 +59,8 @@ class Session {
     char const* exemption() const;
     bool removeForeign(MailServer& server) const;
     MessageFacts facts(MailServer& server, HeaderContainer const& headers) const;
-    Judgement scan(MailServer& server) const;
-    Judgement judge(MailServer& server) const;
+    Judgement scan(MailServer& server);
+    Judgement judge(MailServer& server);
     Reply apply(MailServer& server, Judgement const& judgement, Action const& action) const;
     Reply finish(MailServer& server);
 

@@ -8,8 +8,8 @@ import socket
 import time
 import unittest
 
-from milter import SANITIZED, MilterTest, wait_for
-from protocol import ACCEPT, CHANGE, QUIT, REPLY_CODE, MailServer
+from milter import SANITIZED, MilterTest, SilentDnsServer, wait_for
+from protocol import ACCEPT, CHANGE, END, QUIT, REPLY_CODE, MailServer
 
 SPAM = "spam; node=7; confidence=0.99; support=10; ips=192.0.2.55"
 MEGABYTE = 1 << 20
@@ -47,6 +47,19 @@ class Sessions(MilterTest):
 
 
 class Silence(MilterTest):
+    def test_a_mail_server_that_does_not_wait_for_the_result_harms_nobody(self):
+        with SilentDnsServer() as server:
+            daemon = self.daemon(shared=f'dns = "{server.address}"\ndns-timeout = 0.5').start()
+            with MailServer(daemon.socket) as session:
+                session.client(helo="host.example").begin()
+                session.say(END)
+                session.flush()
+                server.wait_for_question()
+            daemon.wait_for_log("error=dns-failure")
+            with MailServer(daemon.socket) as session:
+                self.assertEqual(session.client(helo="[192.0.2.55]").message(sender="<>"),
+                                 "none; node=4; confidence=0.5; support=50; ips=192.0.2.55")
+
     # Between two steps libmilter looks for silent sessions every 10 minutes only.
     def test_a_session_that_stops_in_the_middle_of_a_step_ends(self):
         daemon = self.daemon(own="idle-timeout = 1").start()
