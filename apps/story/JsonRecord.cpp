@@ -177,17 +177,40 @@ Json s_needed(std::vector<Requirement> const& list) {
     return needed;
 }
 
-// Each value as a word if it has one, otherwise as a number. Null when the scan did not reach the
-// rules.
+// As a word if there is one, otherwise as a number.
+Json s_value(std::size_t attribute, std::int32_t value) {
+    auto const word = valueWord(attribute, value);
+    return word.empty() ? Json(value) : Json(word);
+}
+
+// Null for other verdicts than spam.
+Json s_singleChanges(ScanRecord const& record) {
+    if (!record.singleChanges) {
+        return {};
+    }
+    auto list = Json::array();
+    for (auto const& change : record.singleChanges->list) {
+        auto const [attribute, value] = change.changes.front();
+        auto const index = static_cast<std::size_t>(attribute);
+        list.push_back({{"attribute", attributeTable.at(index).m_name},
+                        {"value", s_value(index, value)},
+                        {"verdict", verdictName(change)},
+                        {"node", change.node}});
+    }
+    return {{"allTried", record.singleChanges->areAllTried},
+            {"list", list},
+            {"text", singleChangeNote(record)}};
+}
+
+// Null when the scan did not reach the rules.
 Json s_values(ScanRecord const& record) {
     if (!record.isJudged()) {
         return {};
     }
     auto values = Json::object();
     for (auto const& facts : attributeTable) {
-        auto const value = record.attributes[facts.m_index];
-        auto const word = valueWord(facts.m_index, value);
-        values[std::string(facts.m_name)] = word.empty() ? Json(value) : Json(word);
+        values[std::string(facts.m_name)] =
+            s_value(facts.m_index, record.attributes[facts.m_index]);
     }
     return values;
 }
@@ -229,7 +252,8 @@ Json s_explain(ScanRecord const& record, DeepHeaderSettings const& settings) {
             {"lookups", s_lookups(record)},
             {"rules", s_rules(record, story)},
             {"values", s_values(record)},
-            {"facts", s_facts(record)}};
+            {"facts", s_facts(record)},
+            {"singleChanges", s_singleChanges(record)}};
 }
 
 Json s_verdict(std::string const& source, ScanRecord const& record) {

@@ -149,6 +149,11 @@ std::string s_requirements(std::vector<Requirement> const& list) {
     return s_titled("Needed for another verdict:", lines);
 }
 
+std::string s_note(ScanRecord const& record) {
+    auto const note = singleChangeNote(record);
+    return note.empty() ? note : "  Another verdict: " + note + ".\n";
+}
+
 std::string s_inWords(RuleStory const& story) {
     std::string text;
     for (auto const& sentence : story.m_sentences) {
@@ -181,7 +186,7 @@ std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& sett
         text += s_lookups(record) + s_attributes(record) + s_elite(story, record) +
                 s_path(story, record.tree.end);
     }
-    return text + s_requirements(requirements(record, settings)) + "\n";
+    return text + s_requirements(requirements(record, settings)) + s_note(record) + "\n";
 }
 
 } // namespace Quorvane

@@ -52,7 +52,8 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
                                           "lookups",
                                           "rules",
                                           "values",
-                                          "facts"}));
+                                          "facts",
+                                          "singleChanges"}));
     EXPECT_EQ(s_keys(explain["hops"][0]),
               (Arguments{"from", "reverseName", "by", "address", "privateIP", "authenticated",
                          "receiveTime", "isForged"}));

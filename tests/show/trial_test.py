@@ -47,7 +47,11 @@ class InAFile(showpage.ShowPageTest):
                           for node in explain["tree"]["nodes"]])
         for way in explain["needed"]:
             self.assertIn(f"{way['verdict']}: {way['change']}", answer["text"])
-        self.assertEqual("Needed for another verdict" in answer["text"], bool(explain["needed"]))
+        note = (explain["singleChanges"] or {"text": ""})["text"]
+        if note:
+            self.assertIn(sentence(note), answer["text"])
+        self.assertEqual("Needed for another verdict" in answer["text"],
+                         bool(explain["needed"] or note))
         self.assert_marks(answer, record)
 
     def assert_marks(self, answer, record):

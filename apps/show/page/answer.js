@@ -166,10 +166,12 @@ const QvAnswer = (() => {
     make("p", {className: "muted", textContent: `The walk ends here: ${tree.text}.`}));
   }
 
-  function needed({needed: ways}) {
-    return section("Needed for another verdict", ...listOf("ul", ways.map((way) =>
-      make("li", {}, make("b", {textContent: way.verdict}), `: ${way.change}`,
-        ...wordsOf(way.words)))));
+  function needed({needed: ways, singleChanges}) {
+    const note = singleChanges?.text ?? "";
+    return section("Needed for another verdict",
+      ...listOf("ul", ways.map((way) => make("li", {}, make("b", {textContent: way.verdict}),
+        `: ${way.change}`, ...wordsOf(way.words)))),
+      ...note === "" ? [] : [make("p", {textContent: sentence(note)})]);
   }
 
   // --- the whole ---
