@@ -125,9 +125,9 @@ std::string s_confidenceSection(Rules::ConfidenceChanges const& changes) {
 }
 
 std::string s_ruling(std::string const& when, Rules::JudgedVector const& judged,
-                     Rules::RuleSet const& set) {
-    return "<p class=\"decider\">" + when + ": " + Page::text(rulingText(judged)) + "</p>\n" +
-           (judged.m_decider.m_number == 0 ? "" : deciderTests(set, judged.m_decider));
+                     EvaluatedRules const& rules) {
+    return "<p class=\"decider\">" + when + ": " + Page::text(rulingText(judged, rules)) +
+           "</p>\n" + (judged.m_decider.m_number == 0 ? "" : deciderTests(rules, judged.m_decider));
 }
 
 std::string s_item(Rules::ChangeGroup const& group, ComparedSets const& sets) {
@@ -138,8 +138,8 @@ std::string s_item(Rules::ChangeGroup const& group, ComparedSets const& sets) {
     }
     return "<p class=\"decider\"><strong>" + changeText(group, arrow) + "</strong> " +
            kindsText(group.m_counts) + "</p>\n" +
-           sideBySide(s_ruling("Before", group.m_before, sets.m_before.m_set),
-                      s_ruling("After", group.m_after, sets.m_after.m_set)) +
+           sideBySide(s_ruling("Before", group.m_before, sets.m_before),
+                      s_ruling("After", group.m_after, sets.m_after)) +
            sampleList("For example:", samples);
 }
 

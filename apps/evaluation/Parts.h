@@ -25,8 +25,8 @@ std::string kindsText(Rules::KindCounts const& counts);
 // "none -> spam".
 std::string changeText(Rules::ChangeGroup const& group, std::string const& arrow);
 
-// "node 12, 0.5 spam, adjusted by +0.1", "no rule decided".
-std::string rulingText(Rules::JudgedVector const& judged);
+// "node 12 (Its name), 0.5 spam, adjusted by +0.1", "no rule decided".
+std::string rulingText(Rules::JudgedVector const& judged, EvaluatedRules const& rules);
 
 // "+0.1", "-0.1", "0".
 std::string signedText(double value);
@@ -58,8 +58,9 @@ std::string rateTile(std::string_view nameText, Rules::Rate const& rate);
 std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
                      std::string const& what);
 
-// The tests that lead to a decider: as the rule language writes them, and folded up in words.
-std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider);
+// Why a decider is there, if its rules say so, and the tests that lead to it: as the rule language
+// writes them, and folded up in words.
+std::string deciderTests(EvaluatedRules const& rules, Rules::Decider const& decider);
 
 // Examples of messages below a title; nothing without any.
 std::string sampleList(std::string const& title, std::vector<std::string> const& samples);

@@ -109,9 +109,9 @@ class PreparedPlatform {
 
 } // namespace
 
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine) {
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, LoadedRules rules) {
     PreparedPlatform platform(settings);
-    auto host = std::make_shared<ScanHost const>(settings, std::move(engine));
+    auto host = std::make_shared<ScanHost const>(settings, std::move(rules));
     platform.publish();
     return host;
 }
@@ -120,9 +120,7 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
                                           std::shared_ptr<Logger> logger) {
     PreparedPlatform platform(settings);
     useRoot(settings.m_root);
-    auto rules = loadRules();
-    auto host =
-        std::make_shared<ScanHost const>(settings, std::move(rules.m_engine), rules.m_version);
+    auto host = std::make_shared<ScanHost const>(settings, loadRules());
     if (logger != nullptr) {
         Logger::install(std::move(logger));
     }
@@ -135,9 +133,7 @@ std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> h
     if (!installed || *installed <= host->ruleVersion().value_or(0)) {
         return host;
     }
-    auto rules = loadRules();
-    return std::make_shared<ScanHost const>(
-        host->judgingWith(std::move(rules.m_engine), rules.m_version));
+    return std::make_shared<ScanHost const>(host->judgingWith(loadRules()));
 }
 
 } // namespace Quorvane

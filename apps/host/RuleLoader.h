@@ -5,6 +5,7 @@
 
 #include "apps/settings/SettingValue.h"
 #include "DeepHeaderEngine.h"
+#include "rules/model/RuleNames.h"
 #include "rules/model/RuleSet.h"
 
 #include <cstdint>
@@ -20,6 +21,8 @@ void useRoot(std::string const& folder);
 struct LoadedRules {
     DeepHeaderEngine m_engine;
     std::optional<std::int32_t> m_version; // empty: README names none
+    // Of rules below the root folder, a problem begins with the path of the file.
+    Rules::NamesRead m_names;
 };
 
 // There are no rules that could be put in force; the settings may be in perfect order.
@@ -37,5 +40,7 @@ LoadedRules loadRules();
 
 // An engine with these rules. A RuleError when no host can load them.
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules);
+// The same with version and names.
+LoadedRules loadedRules(Rules::RuleSet const& rules);
 
 } // namespace Quorvane

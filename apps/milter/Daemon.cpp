@@ -114,7 +114,10 @@ int s_serveSessions(Service& service) {
 
 void checkSettings(CommandLine const& line) {
     auto const settings = readFileSettings(line);
-    setUpHost(settings.m_host.values());
+    auto const host = setUpHost(settings.m_host.values());
+    if (auto const& problem = host->namesProblem(); !problem.empty()) {
+        logMessage(LogId::namesUnusable, problem);
+    }
 }
 
 int serve(CommandLine const& line) {

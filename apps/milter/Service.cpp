@@ -15,7 +15,7 @@ std::string s_rulesText(Snapshot const& snapshot) {
     return version ? "rule version " + std::to_string(*version) : "rules without a version";
 }
 
-// "queue=4VdW3k verdict=spam node=17 action=header time=1.2ms"
+// "queue=4VdW3k verdict=spam node=17 rule=\"A consumer line\" action=header time=1.2ms"
 std::string s_logText(MessageReport const& report) {
     auto const& judgement = report.m_judgement;
     auto text = "queue=" + (report.m_queueId.empty() ? std::string("-") : report.m_queueId) +
@@ -23,7 +23,7 @@ std::string s_logText(MessageReport const& report) {
     if (judgement.m_failure) {
         text += std::string(" error=") + failureWord(*judgement.m_failure);
     } else {
-        text += " node=" + std::to_string(judgement.m_verdict.node);
+        text += " node=" + std::to_string(judgement.m_verdict.node) + ruleText(judgement);
     }
     return text + " action=" + actionWord(report.m_action) +
            " time=" + numberText(report.m_seconds * 1000, 3) + "ms";
@@ -49,6 +49,9 @@ Service::Service(CommandLine const& line) : m_snapshot(line) {
 void Service::noteRules() {
     auto const snapshot = current();
     m_metrics.rules(snapshot->m_host->ruleVersion().value_or(0), snapshot->m_rulesLoaded);
+    if (auto const& problem = snapshot->m_host->namesProblem(); !problem.empty()) {
+        logMessage(LogId::namesUnusable, problem);
+    }
 }
 
 void Service::reload() {

@@ -126,9 +126,9 @@ Judgement Session::judge(MailServer& server) const {
         return failureOf(Failure::overload);
     }
     auto const headers = HeaderReader::read(m_message.m_headers);
-    return judgementOf(
-        m_snapshot->m_host->scan(headers, facts(server, headers), RecordDepth::steps),
-        m_snapshot->milter());
+    auto const& host = *m_snapshot->m_host;
+    return judgementOf(host.scan(headers, facts(server, headers), RecordDepth::steps),
+                       m_snapshot->milter(), host.ruleNames());
 }
 
 Reply Session::apply(MailServer& server, Judgement const& judgement, Action const& action) const {

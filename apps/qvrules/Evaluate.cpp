@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/evaluation/Report.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/VectorJudge.h"
-#include "rules/language/LoadRules.h"
 
 namespace Quorvane::RulesApp {
 
@@ -28,12 +28,13 @@ int evaluate(CommandLine const& line) {
     }
     auto const output = line.text("output", "-");
     requireWritable(output);
-    auto const rules = Rules::loadRules(line.text("RULES"));
+    auto const rules = loadNamedRules(line.text("RULES"));
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
     auto const evaluation = Rules::evaluate(gathered.m_sorted, judge, gathered.m_sortedSamples);
-    Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, mail.m_host.m_judging};
+    Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, rules.m_names.m_names,
+                                        mail.m_host.m_judging};
     writeOutput(output, s_report(line.text("format"))(evaluation, shown));
     return ExitStatus::ok;
 }

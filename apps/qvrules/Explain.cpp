@@ -2,12 +2,14 @@
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
-#include "rules/language/LoadRules.h"
+
+#include <utility>
 
 namespace Quorvane::RulesApp {
 
@@ -15,9 +17,9 @@ namespace {
 
 class Explainer {
   public:
-    Explainer(CommandLine const& line, DeepHeaderEngine const& engine)
+    Explainer(CommandLine const& line, LoadedRules rules)
         : m_isJson(line.text("format") == "json"), m_facts(messageFacts(line)),
-          m_host(setUpHost(hostSettings(line), engine)) {}
+          m_host(setUpHost(hostSettings(line), std::move(rules))) {}
 
     void explain(Workshop::AskedItem const& item) const {
         auto const depth = RecordDepth::alternatives;
@@ -28,9 +30,10 @@ class Explainer {
   private:
     void print(std::string const& source, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
-        writeOutput("-", m_isJson
-                             ? jsonExplanation(source, record, settings)
-                             : textRecord(source, record, false) + textExplain(record, settings));
+        auto const& names = m_host->ruleNames();
+        writeOutput("-", m_isJson ? jsonExplanation(source, record, settings, names)
+                                  : textRecord(source, record, names, false) +
+                                        textExplain(record, settings, names));
     }
 
     bool m_isJson;
@@ -39,8 +42,8 @@ class Explainer {
 };
 
 void s_explain(CommandLine const& line, Workshop::ExplainInput& input) {
-    auto const engine = engineOf(Rules::loadRules(line.text("RULES")).m_set);
-    Explainer const explainer(line, engine);
+    auto const rules = loadNamedRules(line.text("RULES"));
+    Explainer const explainer(line, loadedRules(rules.m_set));
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/settings/SettingValue.h"
@@ -9,7 +10,6 @@
 #include "apps/show/PageServer.h"
 #include "apps/show/Traffic.h"
 #include "apps/workshop/MailVectors.h"
-#include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
 
 #include <iostream>
@@ -144,9 +144,9 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     auto const table = isMeasured ? s_mail(arguments, counts) : Rules::VectorTable();
     Interrupt interrupt; // after the measuring, which reads signals of its own
     try {
-        auto const engine = engineOf(set);
-        auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
-        Show::MessageExplainer const explainer(settings, engine, arguments.m_facts);
+        auto const loaded = loadedRules(set);
+        auto const traffic = s_traffic(loaded.m_engine, settings.m_judging, table, counts);
+        Show::MessageExplainer const explainer(settings, loaded, arguments.m_facts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
         auto const extras = s_extras(arguments, settings, explainer, interrupt);
         if (arguments.m_serve) {
@@ -182,7 +182,7 @@ int show(CommandLine const& line) {
     s_check(arguments, hasFacts(line));
     auto const port = s_port(arguments.m_serve.value_or(""));
     requireWritable(arguments.m_output);
-    auto const set = Rules::loadRules(arguments.m_rules).m_set;
+    auto const set = loadNamedRules(arguments.m_rules).m_set;
     if (s_needsEngine(arguments)) {
         s_showRunning(arguments, port, set);
     } else {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/VerdictStory.h"
 
+#include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "apps/text/NumberText.h"
 #include "rules/format/AttributeTable.h"
@@ -99,16 +100,18 @@ std::vector<std::string> s_words(Alternative const& alternative) {
     return words;
 }
 
-std::string s_end(Alternative const& alternative) {
+std::string s_end(Alternative const& alternative, Rules::RuleNames const& names) {
     if (alternative.node == 0) {
         return "; then no rule decides";
     }
-    auto const node = "; then node " + std::to_string(alternative.node);
+    auto const node = "; then node " + std::to_string(alternative.node) +
+                      inBrackets(deciderName(names, alternative.decision, alternative.node));
     return alternative.isSpam || alternative.isHam ? node + " decides" : node + " gives no verdict";
 }
 
-Requirement s_requirement(Alternative const& alternative, AttributeVector const& now) {
-    return {verdictName(alternative), s_changes(alternative, now) + s_end(alternative),
+Requirement s_requirement(Alternative const& alternative, AttributeVector const& now,
+                          Rules::RuleNames const& names) {
+    return {verdictName(alternative), s_changes(alternative, now) + s_end(alternative, names),
             s_words(alternative)};
 }
 
@@ -132,7 +135,8 @@ void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verd
 }
 
 // The fewest changes that lead to ham may be a single one, which is in the list already.
-void s_addSingleChanges(std::vector<Requirement>& list, ScanRecord const& record) {
+void s_addSingleChanges(std::vector<Requirement>& list, ScanRecord const& record,
+                        Rules::RuleNames const& names) {
     if (!record.singleChanges) {
         return;
     }
@@ -140,7 +144,7 @@ void s_addSingleChanges(std::vector<Requirement>& list, ScanRecord const& record
         if (std::none_of(
                 record.alternatives.begin(), record.alternatives.end(),
                 [&change](Alternative const& known) { return s_isSameChange(known, change); })) {
-            list.push_back(s_requirement(change, record.attributes));
+            list.push_back(s_requirement(change, record.attributes, names));
         }
     }
 }
@@ -183,16 +187,16 @@ std::string reasonText(ScanRecord const& record, DeepHeaderSettings const& setti
                                                      : s_decidedReason(record.verdict, settings);
 }
 
-std::vector<Requirement> requirements(ScanRecord const& record,
-                                      DeepHeaderSettings const& settings) {
+std::vector<Requirement> requirements(ScanRecord const& record, DeepHeaderSettings const& settings,
+                                      Rules::RuleNames const& names) {
     if (record.failure || !record.isJudged()) {
         return s_wayOn(record.trail);
     }
     std::vector<Requirement> list;
     for (auto const& alternative : record.alternatives) {
-        list.push_back(s_requirement(alternative, record.attributes));
+        list.push_back(s_requirement(alternative, record.attributes, names));
     }
-    s_addSingleChanges(list, record);
+    s_addSingleChanges(list, record, names);
     s_addThresholds(list, record.verdict, settings);
     return list;
 }

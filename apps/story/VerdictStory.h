@@ -5,6 +5,7 @@
 #pragma once
 
 #include "platform/DeepHeaderSettings.h"
+#include "rules/model/RuleNames.h"
 #include "ScanRecord.h"
 
 #include <string>
@@ -29,7 +30,8 @@ struct Requirement {
 
 // When the scan did not reach the rules: what the host could change so that it does. What depends
 // on attributes requires RecordDepth::alternatives.
-std::vector<Requirement> requirements(ScanRecord const& record, DeepHeaderSettings const& settings);
+std::vector<Requirement> requirements(ScanRecord const& record, DeepHeaderSettings const& settings,
+                                      Rules::RuleNames const& names);
 
 // Of a verdict of spam: that nothing but several changes at once would have led to another one, or
 // that this is not known; one sentence without a full stop. Empty when `requirements` lists all

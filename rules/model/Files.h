@@ -21,6 +21,9 @@ std::optional<Bytes> readFileIfThere(std::filesystem::path const& path);
 // The same; no such file is an error.
 Bytes readFile(std::filesystem::path const& path);
 
+// Only a regular file of at most `limit` bytes can be used; a pipe would make a reader wait.
+SpareFile readSpareFile(std::filesystem::path const& path, std::size_t limit);
+
 // A new file written and synced beside the old one, mode 644, waiting to replace it.
 class StagedFile {
   public:

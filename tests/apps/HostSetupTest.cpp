@@ -181,7 +181,7 @@ TEST_F(HostSetupTest, AMessageInHandKeepsTheRulesItsHostBeganWith) {
 TEST_F(HostSetupTest, AnEngineOfTheProgramsOwnNeedsNoRoot) {
     auto settings = other();
     settings.m_root = "/no/such/folder";
-    auto const host = setUpHost(settings, engineOf(Rules::RuleSet{}));
+    auto const host = setUpHost(settings, loadedRules(Rules::RuleSet{}));
     EXPECT_EQ(confidence(*host), -1.0);
 }
 

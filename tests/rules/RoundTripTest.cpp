@@ -6,6 +6,8 @@
 #include "rules/language/RuleText.h"
 #include "rules/model/Binary.h"
 
+#include <algorithm>
+
 namespace Quorvane::Testing {
 namespace {
 
@@ -62,12 +64,50 @@ RC_GTEST_PROP(RoundTripTest, EveryReadmeComesBackByteForByte, ()) {
     RC_ASSERT(s_throughText(set).m_readme == set.m_readme);
 }
 
+RC_GTEST_PROP(RoundTripTest, EveryFileOfNamesComesBackByteForByte, ()) {
+    RuleSet set;
+    genTree(set);
+    set.m_elite = genElite();
+    auto read = s_read(set);
+    auto names = Rules::namesText(genNames(read));
+    if (*rc::gen::inRange(0, 3) == 0) {
+        names.insert(*rc::gen::inRange<std::size_t>(0, names.size() + 1), genBytes(20));
+    }
+    read.m_names.m_content = names;
+    auto const again = s_throughText(read);
+    RC_ASSERT(again.m_names.m_content == names);
+    RC_ASSERT(Rules::writeTree(again) == Rules::writeTree(set));
+    RC_ASSERT(Rules::writeElite(*again.m_elite) == Rules::writeElite(*set.m_elite));
+}
+
+RC_GTEST_PROP(RoundTripTest, TheNamesOfRulesThatAreThereStandAtTheRules, ()) {
+    RuleSet set;
+    set.m_elite = genElite();
+    auto const names = genNames(set);
+    bool const areAllThere = std::all_of(names.begin(), names.end(), [&set](auto const& named) {
+        auto const& rules = set.m_elite->m_rules;
+        return std::any_of(rules.begin(), rules.end(), [&named](EliteNodes const& rule) {
+            auto const& [kind, number] = named.first;
+            auto const type = kind == Rules::RuleKey::Kind::decide   ? EliteType::deciding
+                              : kind == Rules::RuleKey::Kind::adjust ? EliteType::adjusting
+                                                                     : 0;
+            return rule.type == type && rule.code == number;
+        });
+    });
+    auto read = s_read(set);
+    RC_PRE(read.m_elite->m_rules.size() == set.m_elite->m_rules.size());
+    read.m_names.m_content = Rules::namesText(names);
+    auto const isPlain = Rules::ruleText(read).find("names-file") == std::string::npos;
+    RC_ASSERT(isPlain == (areAllThere && !names.empty()));
+}
+
 RC_GTEST_PROP(RoundTripTest, TheTextOfATextIsTheSameText, ()) {
     RuleSet set;
     set.setVersion(*genInteger(100));
     genTree(set);
     set.m_elite = genElite();
-    auto const read = s_read(set);
+    auto read = s_read(set);
+    read.m_names.m_content = Rules::namesText(genNames(set));
     RC_ASSERT(Rules::ruleText(s_throughText(read)) == Rules::ruleText(read));
 }
 

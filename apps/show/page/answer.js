@@ -110,13 +110,21 @@ const QvAnswer = (() => {
     return [box];
   }
 
-  function decider({node, explain: {rules, tree}}) {
+  // What a rule or node is called, if it is.
+  const nameOf = ({ruleName}) => ruleName === undefined ? "" : ` (${ruleName})`;
+
+  function decider(record) {
+    const {node, ruleSentence, explain: {rules, tree}} = record;
     if (node === 0) {
       return [];
     }
     const place = rules.findIndex(({outcome}) => outcome === "chosen");
-    return [tree.use === "walked" ? make("p", {}, "Decided by ", linkTo(node), " of the tree.")
-      : make("p", {}, "Decided by elite ", linkToRule(rules[place], place), ".")];
+    const [before, link, after] = tree.use === "walked"
+      ? ["Decided by ", linkTo(node), " of the tree."]
+      : ["Decided by elite ", linkToRule(rules[place], place), "."];
+    return [make("p", {}, before, link, nameOf(record), after),
+      ...ruleSentence === undefined ? []
+        : [make("p", {className: "reason"}, make("bdi", {textContent: ruleSentence}))]];
   }
 
   function trail({trail: hops}) {
@@ -151,15 +159,16 @@ const QvAnswer = (() => {
     const fired = [...rules.entries()].filter(([, rule]) => rule.fired);
     return section("Elite rules that fired", ...listOf("ul", fired.map(([place, rule]) => {
       const effect = eliteRows.get(place).querySelector(".effect").firstChild.textContent;
-      return make("li", {}, linkToRule(rule, place), ` (${effect}): ${rule.text}`,
+      return make("li", {}, linkToRule(rule, place), nameOf(rule), ` (${effect}): ${rule.text}`,
         ...wordsOf(rule.tests.map(({words}) => words)));
     })));
   }
 
   function path({tree}) {
-    const rows = tree.nodes.map(({node, test, words}) => [
-      "", nodeItem(node)?.querySelector(".badge").cloneNode(true) ?? "", linkTo(node),
-      words ?? "All mail", code(test ?? "-"),
+    const rows = tree.nodes.map((one) => [
+      "", nodeItem(one.node)?.querySelector(".badge").cloneNode(true) ?? "",
+      make("span", {}, linkTo(one.node), nameOf(one)), one.words ?? "All mail",
+      code(one.test ?? "-"),
     ]);
     return rows.length === 0 ? [] : section("Path through the tree", ...table("Path",
       ["spam", "node", "in words", "test"], rows),
