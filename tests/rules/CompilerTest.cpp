@@ -61,7 +61,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "elite first\ndecide 1 code 5 always"},
         SameCase{
             "NamesOnLinesOfTheirOwn",
-            "elite first\ndecide 1 code 5 # why\n name \"a\"\n because \"b\"\n support 3 always",
+            "elite first\ndecide 1 code 5 # why\n name \"a\" support 3\n because \"b\"\n always",
             "elite first\ndecide 1 code 5 name \"a\" because \"b\" support 3 always"},
         SameCase{
             "SentencesOverLines",

@@ -5,6 +5,7 @@
 #include "rules/model/RuleNames.h"
 
 #include "RuleGenerators.h"
+#include "support/ReadFile.h"
 
 namespace Quorvane::Testing {
 namespace {
@@ -47,6 +48,15 @@ TEST(RuleNamesTest, ReadsWhatPeopleWriteByHand) {
                                        {{Kind::adjust, 'm'}, {"C", ""}}}));
     EXPECT_TRUE(readNames(s_first).m_names.empty());
     EXPECT_EQ(readNames(s_first).m_problem, "");
+}
+
+TEST(RuleNamesTest, TheExampleInTheDocumentationIsSuchAFile) {
+    auto const page = readFile(QV_DOCS "/rule-files.md");
+    auto const begin = page.find("```\n" + s_first) + 4;
+    auto const text = page.substr(begin, page.find("```", begin) - begin);
+    auto const read = readNames(text);
+    EXPECT_EQ(read.m_names.size(), 3U);
+    EXPECT_EQ(namesText(read.m_names), text);
 }
 
 struct DamagedCase {
