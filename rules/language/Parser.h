@@ -16,7 +16,8 @@
 //                  | "reserved1" integer | "reserved2" integer | "reserved3" hex
 //   elite-rule    := ( "adjust" | "decide" | "type" integer ) number { rule-option } rule-body
 //   rule-option   := "code" ( integer | character ) | "support" number | "level" integer
-//                  | "flag" integer | "reserved" integer | "conditions" integer
+//                  | "flag" integer | "reserved" integer | "conditions" integer | naming
+//   naming        := "name" string | "because" string { string }
 //   rule-body     := "always" | "when" condition { "and" condition }
 //   condition     := attribute comparison
 //   attribute     := name | integer
