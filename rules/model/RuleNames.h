@@ -15,12 +15,12 @@
 
 #include "rules/model/RuleSet.h"
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 namespace Quorvane::Rules {
 
@@ -31,7 +31,10 @@ struct RuleKey {
     Kind m_kind = Kind::node;
     std::int32_t m_number = 0; // code, or number of the node
 
-    auto operator<=>(RuleKey const&) const = default;
+    bool operator==(RuleKey const&) const = default;
+    bool operator<(RuleKey const& other) const {
+        return std::tie(m_kind, m_number) < std::tie(other.m_kind, other.m_number);
+    }
 };
 
 struct RuleName {
