@@ -221,6 +221,9 @@ std::string s_named(std::string const& naming) {
     return "elite first\ndecide 1 code 5\n  " + naming + "\n  always";
 }
 
+// They turn the direction of text around; in two parts, so that they do not do so here.
+std::string const s_override = std::string("\xe2\x80") + '\xae';
+std::string const s_isolate = std::string("\xe2\x81") + '\xa6';
 std::string const s_nameCharacters =
     "a name takes printable ASCII characters only, and none of \" \\ ; =\n";
 std::string const s_sentenceCharacters =
@@ -248,7 +251,7 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{s_named("name \"a\\\"b\""), "3:8 " + s_nameCharacters},
         ErrorCase{s_named("name \"=?utf-8?q?a?=\""), "3:8 " + s_nameCharacters},
         ErrorCase{s_named("name \"J\xc3\xbcrgen\""), "3:8 " + s_nameCharacters},
-        ErrorCase{s_named("name \"\xe2\x80\xaegnp\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"" + s_override + "gnp\""), "3:8 " + s_nameCharacters},
         ErrorCase{s_named("because \"why\""),
                   "3:11 a sentence needs a name before it; add \"name\" and a name in double "
                   "quotes\n"},
@@ -260,8 +263,10 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{s_named("name \"a\" because \"b\tc\""), "3:20 " + s_sentenceCharacters},
         ErrorCase{s_named("name \"a\" because \"b\\xc2\\x85c\""), "3:20 " + s_sentenceCharacters},
         // Right-to-left override, isolate, mark; line separator; zero width space.
-        ErrorCase{s_named("name \"a\" because \"b\xe2\x80\xae\""), "3:20 " + s_sentenceCharacters},
-        ErrorCase{s_named("name \"a\" because \"b\xe2\x81\xa6\""), "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b" + s_override + "\""),
+                  "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b" + s_isolate + "\""),
+                  "3:20 " + s_sentenceCharacters},
         ErrorCase{s_named("name \"a\" because \"b\xd8\x9c\""), "3:20 " + s_sentenceCharacters},
         ErrorCase{s_named("name \"a\" because \"b\xe2\x80\xa8\""), "3:20 " + s_sentenceCharacters},
         ErrorCase{s_named("name \"a\" because \"b\xe2\x80\x8b\""), "3:20 " + s_sentenceCharacters},
