@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "adapter/RecordedScan.h"
-#include "scanner/records/RecordAccess.h"
+#include "adapter/VectorTrial.h"
 
 #include <cstddef>
 #include <map>
@@ -48,12 +48,10 @@ class Search {
   public:
     Search(DeepHeaderAdapter& engine, DeepHeaderSettings const& settings,
            AttributeVector const& attributes)
-        : m_engine(engine), m_attributes(attributes),
-          m_query(HeaderContainer(), Header(), settings, 0, EmailAddress(), EmailAddress(),
-                  EmailAddress(), RefMessageProperties(true)) {
-        auto const now = judge({});
-        m_wantsSpam = !now.isSpam();
-        m_wantsHam = !now.isHam();
+        : m_engine(engine), m_trial(engine, settings), m_attributes(attributes) {
+        auto const now = m_trial.judge(attributes);
+        m_wantsSpam = !now.isSpam;
+        m_wantsHam = !now.isHam;
     }
 
     std::vector<Alternative> run() {
@@ -69,23 +67,16 @@ class Search {
     }
 
   private:
-    DeepHeaderAnswer judge(Changes const& changes) {
-        DeepHeaderAdapter::MsgProperties props;
-        props.attributes = m_attributes;
+    Alternative judge(Changes const& changes) {
+        auto changed = m_attributes;
         for (auto const& [attribute, value] : changes) {
-            props.attributes[attribute] = value;
+            changed[attribute] = value;
         }
-        DeepHeaderAnswer answer;
-        m_engine.getResults(RecordAccess::record(answer), m_query, props);
-        return answer;
-    }
-
-    static Alternative alternative(bool isSpam, int node, Changes const& changes) {
-        Alternative found{isSpam, node, {}};
+        auto outcome = m_trial.judge(changed);
         for (auto const& [attribute, value] : changes) {
-            found.changes.push_back({static_cast<std::int32_t>(attribute), value});
+            outcome.changes.push_back({static_cast<std::int32_t>(attribute), value});
         }
-        return found;
+        return outcome;
     }
 
     bool isMet(Wish const& wish, Changes const& changes) const {
@@ -159,12 +150,12 @@ class Search {
         if (changes.empty() || isWorse) {
             return;
         }
-        auto const answer = judge(changes);
-        if (answer.isSpam() && !isAtLeastAsGood(m_spam, m_wantsSpam, changes)) {
-            m_spam = alternative(true, answer.getNode(), changes);
+        auto const outcome = judge(changes);
+        if (outcome.isSpam && !isAtLeastAsGood(m_spam, m_wantsSpam, changes)) {
+            m_spam = outcome;
         }
-        if (answer.isHam() && !isAtLeastAsGood(m_ham, m_wantsHam, changes)) {
-            m_ham = alternative(false, answer.getNode(), changes);
+        if (outcome.isHam && !isAtLeastAsGood(m_ham, m_wantsHam, changes)) {
+            m_ham = outcome;
         }
     }
 
@@ -177,8 +168,8 @@ class Search {
     static constexpr int maxVisits = 20000;
 
     DeepHeaderAdapter& m_engine;
+    VectorTrial m_trial;
     AttributeVector const& m_attributes;
-    DeepHeaderQuery m_query;
     bool m_wantsSpam = false;
     bool m_wantsHam = false;
     std::optional<Alternative> m_spam;

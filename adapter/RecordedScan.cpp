@@ -2,6 +2,7 @@
 #include "adapter/RecordedScan.h"
 
 #include "adapter/ScanRecorder.h"
+#include "adapter/VectorTrial.h"
 #include "scanner/records/RecordAccess.h"
 
 #include <algorithm>
@@ -52,8 +53,12 @@ void s_takeResult(ScanRecord& record, DeepHeaderAdapter& engine, MsgProperties& 
         return;
     }
     record.verdict.spamScore = engine.spamScore(settings, props);
-    if (depth == RecordDepth::alternatives) {
-        record.alternatives = findAlternatives(engine, settings, props.attributes);
+    if (depth != RecordDepth::alternatives) {
+        return;
+    }
+    record.alternatives = findAlternatives(engine, settings, props.attributes);
+    if (record.verdict.isSpam) {
+        record.singleChanges = findSingleChanges(engine, settings, props.attributes);
     }
 }
 
@@ -89,8 +94,7 @@ ScanRecord recordJudgement(DeepHeaderAdapter& engine, AttributeVector const& att
     if (depth != RecordDepth::result) {
         props.recorder = &recorder;
     }
-    DeepHeaderQuery query(HeaderContainer(), Header(), settings, 0, EmailAddress(), EmailAddress(),
-                          EmailAddress(), RefMessageProperties(true));
+    auto query = vectorQuery(settings);
     engine.getResults(RecordAccess::record(record.answer), query, props);
     s_takeResult(record, engine, props, settings, depth);
     return record;

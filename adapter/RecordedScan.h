@@ -23,4 +23,8 @@ std::vector<Alternative> findAlternatives(DeepHeaderAdapter& engine,
                                           DeepHeaderSettings const& settings,
                                           AttributeVector const& attributes);
 
+// Every single change that takes a verdict of spam away. REQUIRES: `attributes` are judged spam.
+SingleChanges findSingleChanges(DeepHeaderAdapter& engine, DeepHeaderSettings const& settings,
+                                AttributeVector const& attributes);
+
 } // namespace Quorvane

@@ -215,15 +215,27 @@ struct RecordedVerdict {
     double spamScore = -std::numeric_limits<double>::infinity();
 };
 
-// The fewest attributes that would have had to differ for the other verdict. Tried on the engine.
+// Attributes that would have led to another verdict if they had differed. Tried on the engine.
 struct Alternative {
     struct Change {
         std::int32_t attribute = 0;
         std::int32_t value = 0; // that it would need
     };
-    bool isSpam = false;         // else ham
-    std::int32_t node = 0;       // what would decide
+    bool isSpam = false;
+    bool isHam = false; // neither: no verdict
+    // What would decide, as in RecordedVerdict.
+    Decision decision = Decision::none;
+    std::int32_t node = 0;
     std::vector<Change> changes; // at most 3: more would be another message
+};
+
+// What one other value of one attribute would have led to.
+struct SingleChanges {
+    // Those that lead to another verdict, by attribute and value. Of a counter the values that
+    // rules name are tried, and one for all others.
+    std::vector<Alternative> list;
+    // False: the rules name too many values, and a change that is not listed may lead there, too.
+    bool areAllTried = false;
 };
 
 // --- the whole ----------------------------------------------------------------------------------
@@ -257,8 +269,10 @@ struct ScanRecord {
     std::vector<RecordedRule> rules; // empty when the engine holds none or the scan ended before
     EliteResult elite;
     RecordedWalk tree;
-    // From depth `alternatives` on: at most one for spam and one for ham.
+    // From depth `alternatives` on: the fewest changes for spam and for ham, at most one of each.
     std::vector<Alternative> alternatives;
+    // Of a verdict of spam, from the same depth on: what would have let the message pass.
+    std::optional<SingleChanges> singleChanges;
 
     // The scan reached the rules: the attributes are complete.
     bool isJudged() const { return verdict.decision != Decision::notReached; }

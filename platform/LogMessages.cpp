@@ -23,6 +23,7 @@ constexpr LogMessage messages[] = {
     {LogId::noRules, LogLevel::error, "no message is judged until there are rules"},
     {LogId::messageJudged, LogLevel::information, "message"},
     {LogId::messageFailed, LogLevel::error, "a message could not be handled"},
+    {LogId::namesUnusable, LogLevel::warning, "rules are shown without names"},
 };
 
 constexpr std::string_view cutMark = "...";

@@ -34,6 +34,7 @@ inline constexpr int rulesRefused = 50332306;
 inline constexpr int noRules = 50332307;
 inline constexpr int messageJudged = 50332308;
 inline constexpr int messageFailed = 50332309;
+inline constexpr int namesUnusable = 50332310;
 } // namespace LogId
 
 // Bytes of a log line at most. Exceptions quote header text, which a sender may make megabytes

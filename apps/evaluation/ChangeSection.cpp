@@ -102,10 +102,10 @@ std::string s_now(ChangeGroup const& group, Rules::RuleSet const& after) {
 // --- a card ---
 
 std::string s_ruling(std::string const& when, Card const& card,
-                     Rules::JudgedVector ChangeGroup::*judged, Rules::RuleSet const& set) {
+                     Rules::JudgedVector ChangeGroup::*judged, EvaluatedRules const& rules) {
     std::vector<std::string> rulings;
     for (auto const* const variant : card.m_variants) {
-        auto const text = rulingText(variant->*judged);
+        auto const text = rulingText(variant->*judged, rules);
         if (std::find(rulings.begin(), rulings.end(), text) == rulings.end()) {
             rulings.push_back(text);
         }
@@ -115,7 +115,7 @@ std::string s_ruling(std::string const& when, Card const& card,
         html += "<p>" + Page::text(text) + "</p>\n";
     }
     auto const& decider = (card.m_variants.front()->*judged).m_decider;
-    return html + (decider.m_number == 0 ? "" : deciderTests(set, decider));
+    return html + (decider.m_number == 0 ? "" : deciderTests(rules, decider));
 }
 
 // A sample opens: what its message has, in words and by name.
@@ -144,17 +144,21 @@ std::string s_samples(Card const& card) {
 std::string s_item(Card const& card, ComparedSets const& sets) {
     auto const& first = *card.m_variants.front();
     auto const variants = card.m_variants.size();
-    auto const name = [](Rules::JudgedVector const& judged) {
-        return judged.m_decider.m_number == 0 ? "no rule" : Workshop::deciderName(judged.m_decider);
+    auto const name = [](Rules::JudgedVector const& judged, EvaluatedRules const& rules) {
+        return judged.m_decider.m_number == 0
+                   ? "no rule"
+                   : Workshop::deciderText(rules.m_ruleNames, judged.m_decider);
     };
     auto const summary =
         "<strong>" + s_messages(card.m_counts.total()) + "</strong> " + kindsText(card.m_counts) +
         "<span class=\"words\">" + Page::text(s_now(first, sets.m_after.m_set)) +
-        "</span><span class=\"muted\">" + name(first.m_before) + ", now " + name(first.m_after) +
+        "</span><span class=\"muted\">" +
+        Page::text(name(first.m_before, sets.m_before) + ", now " +
+                   name(first.m_after, sets.m_after)) +
         (variants == 1 ? "" : "; " + std::to_string(variants) + " variants") + "</span>";
     return folded(summary,
-                  sideBySide(s_ruling("Before", card, &ChangeGroup::m_before, sets.m_before.m_set),
-                             s_ruling("After", card, &ChangeGroup::m_after, sets.m_after.m_set)) +
+                  sideBySide(s_ruling("Before", card, &ChangeGroup::m_before, sets.m_before),
+                             s_ruling("After", card, &ChangeGroup::m_after, sets.m_after)) +
                       s_samples(card));
 }
 

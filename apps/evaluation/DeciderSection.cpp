@@ -23,20 +23,22 @@ std::string s_wrong(Figures const& one) {
                            : groupedText(wrong.m_spam) + " spam called ham";
 }
 
-std::string s_item(Figures const& one, Rules::RuleSet const& set, std::uint64_t most) {
+std::string s_item(Figures const& one, EvaluatedRules const& rules, std::uint64_t most) {
     std::vector<std::string> samples;
     for (auto const& sample : one.m_samples) {
         samples.push_back("<code>" + Page::isolated(sample) + "</code>");
     }
-    return folded(
-        "<strong>" + Workshop::deciderName(one.m_decider) + "</strong> " +
-            groupedText(one.m_reached.m_spam) + " spam, " + groupedText(one.m_reached.m_ham) +
-            " ham; " + s_wrong(one) + "; confidence " + Rules::fixedText(one.m_confidence, 4) +
-            Charts::deciderBar(one.m_reached, most),
-        deciderTests(set, one.m_decider) + sampleList("Judged wrongly, for example:", samples));
+    return folded("<strong>" +
+                      Page::text(Workshop::deciderText(rules.m_ruleNames, one.m_decider)) +
+                      "</strong> " + groupedText(one.m_reached.m_spam) + " spam, " +
+                      groupedText(one.m_reached.m_ham) + " ham; " + s_wrong(one) +
+                      "; confidence " + Rules::fixedText(one.m_confidence, 4) +
+                      Charts::deciderBar(one.m_reached, most),
+                  deciderTests(rules, one.m_decider) +
+                      sampleList("Judged wrongly, for example:", samples));
 }
 
-std::string s_list(std::vector<Figures> const& deciders, Rules::RuleSet const& set) {
+std::string s_list(std::vector<Figures> const& deciders, EvaluatedRules const& rules) {
     std::uint64_t most = 1;
     auto const shown = std::min(deciders.size(), shownDeciders);
     for (std::size_t i = 0; i < shown; ++i) {
@@ -44,7 +46,7 @@ std::string s_list(std::vector<Figures> const& deciders, Rules::RuleSet const& s
     }
     std::vector<std::string> items;
     for (std::size_t i = 0; i < shown; ++i) {
-        items.push_back(s_item(deciders[i], set, most));
+        items.push_back(s_item(deciders[i], rules, most));
     }
     return ruleList(items, deciders.size() - shown, "");
 }
@@ -59,10 +61,10 @@ std::string deciderSection(Rules::Evaluation const& evaluation, EvaluatedRules c
                    "lead to them. A rule that is not sure enough for a verdict is listed, "
                    "too.</p>\n" +
                        (byUse.empty() ? emptyNote("No rule decided anything.")
-                                      : s_list(byUse, rules.m_set))) +
+                                      : s_list(byUse, rules))) +
            section("errors", "What is wrong most often",
                    byErrors.empty() ? emptyNote("No message was judged wrongly.")
-                                    : s_list(byErrors, rules.m_set));
+                                    : s_list(byErrors, rules));
 }
 
 } // namespace Quorvane::Reports

@@ -86,9 +86,13 @@ void s_addCorpora(std::ostream& text, std::vector<Rules::CorpusChanges> const& c
 }
 
 void s_addRuling(std::ostream& text, char const* when, Rules::JudgedVector const& judged,
-                 Rules::RuleSet const& set) {
-    text << "  " << when << rulingText(judged) << '\n';
-    for (auto const& test : Workshop::deciderTests(set, judged.m_decider)) {
+                 EvaluatedRules const& rules) {
+    text << "  " << when << rulingText(judged, rules) << '\n';
+    auto const sentence = Workshop::deciderSentence(rules.m_ruleNames, judged.m_decider);
+    if (!sentence.empty()) {
+        text << "            " << toPrintable(sentence) << '\n';
+    }
+    for (auto const& test : Workshop::deciderTests(rules.m_set, judged.m_decider)) {
         text << "            " << test.m_text << ": " << test.m_words << '\n';
     }
 }
@@ -103,8 +107,8 @@ void s_addGroups(std::ostream& text, Rules::Difference const& difference,
             return;
         }
         text << changeText(group) << ": " << kindsText(group.m_counts) << '\n';
-        s_addRuling(text, "before: ", group.m_before, sets.m_before.m_set);
-        s_addRuling(text, "after:  ", group.m_after, sets.m_after.m_set);
+        s_addRuling(text, "before: ", group.m_before, sets.m_before);
+        s_addRuling(text, "after:  ", group.m_after, sets.m_after);
         for (auto const& sample : group.m_samples) {
             text << "  " << Rules::mailKindName(sample.m_kind) << ": "
                  << toPrintable(sample.m_source) << '\n';

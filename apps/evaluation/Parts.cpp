@@ -38,12 +38,13 @@ std::string changeWords(Rules::ChangeGroup const& group) {
     return word(group.m_before.m_verdict) + ", now " + word(group.m_after.m_verdict);
 }
 
-std::string rulingText(Rules::JudgedVector const& judged) {
+std::string rulingText(Rules::JudgedVector const& judged, EvaluatedRules const& rules) {
     if (judged.m_decider.m_number == 0) {
         return "no rule decided";
     }
-    return Workshop::deciderName(judged.m_decider) + ", " + numberText(judged.m_confidence) +
-           " spam" + (judged.m_adjust != 0.0 ? ", adjusted by " + signedText(judged.m_adjust) : "");
+    return Workshop::deciderText(rules.m_ruleNames, judged.m_decider) + ", " +
+           numberText(judged.m_confidence) + " spam" +
+           (judged.m_adjust != 0.0 ? ", adjusted by " + signedText(judged.m_adjust) : "");
 }
 
 std::string signedText(double value) {
@@ -115,17 +116,21 @@ std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
                              "; the JSON report lists all.</p>\n";
 }
 
-std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {
+std::string deciderTests(EvaluatedRules const& rules, Rules::Decider const& decider) {
+    auto sentence = Workshop::deciderSentence(rules.m_ruleNames, decider);
+    if (!sentence.empty()) {
+        sentence = "<p>" + Page::isolated(sentence) + "</p>\n";
+    }
     std::string tests;
     std::string words;
-    for (auto const& test : Workshop::deciderTests(set, decider)) {
+    for (auto const& test : Workshop::deciderTests(rules.m_set, decider)) {
         tests += (tests.empty() ? "<code>" : " and <code>") + Page::text(test.m_text) + "</code>";
         words += "<li>" + Page::text(test.m_words) + "</li>\n";
     }
     if (tests.empty()) {
-        return "<p>always</p>\n";
+        return sentence + "<p>always</p>\n";
     }
-    return "<ul>\n" + words + "</ul>\n<p class=\"tests\">" + tests + "</p>\n";
+    return sentence + "<ul>\n" + words + "</ul>\n<p class=\"tests\">" + tests + "</p>\n";
 }
 
 std::string sampleList(std::string const& title, std::vector<std::string> const& samples) {

@@ -29,8 +29,8 @@ std::string changeText(Rules::ChangeGroup const& group);
 // "without verdict, now called spam".
 std::string changeWords(Rules::ChangeGroup const& group);
 
-// "node 12, 0.5 spam, adjusted by +0.1", "no rule decided".
-std::string rulingText(Rules::JudgedVector const& judged);
+// "node 12 (Its name), 0.5 spam, adjusted by +0.1", "no rule decided".
+std::string rulingText(Rules::JudgedVector const& judged, EvaluatedRules const& rules);
 
 // "+0.1", "-0.1", "0".
 std::string signedText(double value);
@@ -68,8 +68,9 @@ std::string folded(std::string const& summary, std::string const& content);
 std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
                      std::string const& what);
 
-// The tests that lead to a decider: in words, and as the rule language writes them.
-std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider);
+// Why a decider is there, if its rules say so, and the tests that lead to it: in words, and as the
+// rule language writes them.
+std::string deciderTests(EvaluatedRules const& rules, Rules::Decider const& decider);
 
 // Examples of messages below a title; nothing without any.
 std::string sampleList(std::string const& title, std::vector<std::string> const& samples);

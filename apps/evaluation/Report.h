@@ -6,6 +6,7 @@
 
 #include "platform/DeepHeaderSettings.h"
 #include "rules/evaluate/Difference.h"
+#include "rules/model/RuleNames.h"
 #include "rules/model/RuleSet.h"
 
 #include <cstddef>
@@ -17,6 +18,7 @@ namespace Quorvane::Reports {
 struct EvaluatedRules {
     std::string const& m_name; // as the user called them
     Rules::RuleSet const& m_set;
+    Rules::RuleNames const& m_ruleNames;
     DeepHeaderSettings const& m_settings;
 };
 

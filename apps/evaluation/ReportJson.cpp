@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/evaluation/Report.h"
+#include "apps/story/NamedJson.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/DeciderText.h"
 #include "rules/evaluate/Concerns.h"
@@ -78,17 +79,19 @@ Json s_corpus(Rules::CorpusFigures const& figures) {
             {"concerns", Rules::concerns(figures)}};
 }
 
-Json s_deciders(Rules::Evaluation const& evaluation, Rules::RuleSet const& set) {
+Json s_deciders(Rules::Evaluation const& evaluation, EvaluatedRules const& rules) {
     Json deciders = Json::array();
     for (auto const& one : evaluation.m_deciders.byUse()) {
-        deciders.push_back({{"kind", one.m_decider.m_isElite ? "elite" : "tree"},
-                            {"number", one.m_decider.m_number},
-                            {"conditions", Workshop::deciderConditions(set, one.m_decider)},
-                            {"confidence", one.m_confidence},
-                            {"support", one.m_support},
-                            {"reached", s_counts(one.m_reached)},
-                            {"wrong", s_counts(one.m_wrong)},
-                            {"samples", one.m_samples}});
+        deciders.push_back(
+            named({{"kind", one.m_decider.m_isElite ? "elite" : "tree"},
+                   {"number", one.m_decider.m_number},
+                   {"conditions", Workshop::deciderConditions(rules.m_set, one.m_decider)},
+                   {"confidence", one.m_confidence},
+                   {"support", one.m_support},
+                   {"reached", s_counts(one.m_reached)},
+                   {"wrong", s_counts(one.m_wrong)},
+                   {"samples", one.m_samples}},
+                  Workshop::deciderRuleName(rules.m_ruleNames, one.m_decider)));
     }
     return deciders;
 }
@@ -120,22 +123,23 @@ Json s_changedCorpora(Rules::Difference const& difference) {
     return list;
 }
 
-Json s_ruling(Rules::JudgedVector const& judged, Rules::RuleSet const& set) {
+Json s_ruling(Rules::JudgedVector const& judged, EvaluatedRules const& rules) {
     Json ruling{{"verdict", Rules::verdictName(judged.m_verdict)}};
     if (judged.m_decider.m_number == 0) {
         ruling["decider"] = nullptr;
         return ruling;
     }
     auto tests = Json::array();
-    for (auto const& test : Workshop::deciderTests(set, judged.m_decider)) {
+    for (auto const& test : Workshop::deciderTests(rules.m_set, judged.m_decider)) {
         tests.push_back({{"test", test.m_text}, {"words", test.m_words}});
     }
-    ruling["decider"] = {{"kind", judged.m_decider.m_isElite ? "elite" : "tree"},
-                         {"number", judged.m_decider.m_number},
-                         {"confidence", judged.m_confidence},
-                         {"support", judged.m_support},
-                         {"adjust", judged.m_adjust},
-                         {"tests", tests}};
+    ruling["decider"] = named({{"kind", judged.m_decider.m_isElite ? "elite" : "tree"},
+                               {"number", judged.m_decider.m_number},
+                               {"confidence", judged.m_confidence},
+                               {"support", judged.m_support},
+                               {"adjust", judged.m_adjust},
+                               {"tests", tests}},
+                              Workshop::deciderRuleName(rules.m_ruleNames, judged.m_decider));
     return ruling;
 }
 
@@ -148,8 +152,8 @@ Json s_groups(Rules::Difference const& difference, ComparedSets const& sets) {
                                {"source", toUtf8(sample.m_source)}});
         }
         groups.push_back({{"messages", s_kinds(group.m_counts)},
-                          {"before", s_ruling(group.m_before, sets.m_before.m_set)},
-                          {"after", s_ruling(group.m_after, sets.m_after.m_set)},
+                          {"before", s_ruling(group.m_before, sets.m_before)},
+                          {"after", s_ruling(group.m_after, sets.m_after)},
                           {"samples", samples}});
     }
     return groups;
@@ -175,7 +179,7 @@ std::string reportJson(Rules::Evaluation const& evaluation, EvaluatedRules const
                          {"hamThreshold", rules.m_settings.hamThreshold},
                          {"corpora", corpora},
                          {"together", s_corpus(evaluation.m_together)},
-                         {"deciders", s_deciders(evaluation, rules.m_set)}};
+                         {"deciders", s_deciders(evaluation, rules)}};
     // Names and sources come from paths, which need not be UTF-8.
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

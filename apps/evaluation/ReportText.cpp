@@ -66,14 +66,20 @@ void s_addCorpus(std::ostream& text, Rules::CorpusFigures const& figures) {
 }
 
 void s_addDeciders(std::ostream& text, std::string const& title,
-                   std::vector<Rules::DeciderFigures> const& deciders, Rules::RuleSet const& set) {
+                   std::vector<Rules::DeciderFigures> const& deciders,
+                   EvaluatedRules const& rules) {
     text << title << '\n';
     for (std::size_t i = 0; i < deciders.size() && i < shownDeciders; ++i) {
         auto const& one = deciders[i];
-        text << "  " << Workshop::deciderName(one.m_decider) << ": " << one.m_reached.m_spam
-             << " spam, " << one.m_reached.m_ham << " ham, wrong " << one.m_wrong.total()
-             << ", confidence " << Rules::fixedText(one.m_confidence, 4) << '\n'
-             << "    " << Workshop::deciderConditions(set, one.m_decider) << '\n';
+        text << "  " << Workshop::deciderText(rules.m_ruleNames, one.m_decider) << ": "
+             << one.m_reached.m_spam << " spam, " << one.m_reached.m_ham << " ham, wrong "
+             << one.m_wrong.total() << ", confidence " << Rules::fixedText(one.m_confidence, 4)
+             << '\n';
+        auto const sentence = Workshop::deciderSentence(rules.m_ruleNames, one.m_decider);
+        if (!sentence.empty()) {
+            text << "    " << toPrintable(sentence) << '\n';
+        }
+        text << "    " << Workshop::deciderConditions(rules.m_set, one.m_decider) << '\n';
         for (auto const& sample : one.m_samples) {
             text << "    wrong: " << toPrintable(sample) << '\n';
         }
@@ -95,8 +101,8 @@ std::string reportText(Rules::Evaluation const& evaluation, EvaluatedRules const
     if (evaluation.m_corpora.size() > 1) {
         s_addCorpus(text, evaluation.m_together);
     }
-    s_addDeciders(text, "What decides most", evaluation.m_deciders.byUse(), rules.m_set);
-    s_addDeciders(text, "What is wrong most often", evaluation.m_deciders.byErrors(), rules.m_set);
+    s_addDeciders(text, "What decides most", evaluation.m_deciders.byUse(), rules);
+    s_addDeciders(text, "What is wrong most often", evaluation.m_deciders.byErrors(), rules);
     return text.str();
 }
 

@@ -159,10 +159,10 @@ void settleDns(HostSettings& settings, bool isNeeded) {
     }
 }
 
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine) {
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, LoadedRules rules) {
     PreparedPlatform platform(settings);
-    platform.fit(settings, engine);
-    auto host = std::make_shared<ScanHost const>(settings, std::move(engine));
+    platform.fit(settings, rules.m_engine);
+    auto host = std::make_shared<ScanHost const>(settings, std::move(rules));
     platform.publish();
     return host;
 }
@@ -173,8 +173,7 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::str
     useRoot(settings.m_root);
     auto rules = s_rules(rootName);
     platform.fit(settings, rules.m_engine);
-    auto host =
-        std::make_shared<ScanHost const>(settings, std::move(rules.m_engine), rules.m_version);
+    auto host = std::make_shared<ScanHost const>(settings, std::move(rules));
     if (logger != nullptr) {
         Logger::install(std::move(logger));
     }
@@ -192,8 +191,7 @@ std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> h
         needsLookups(rules.m_engine) != needsLookups(host->engine())) {
         Resolver::instance().configure(s_resolverFor(host->settings(), rules.m_engine));
     }
-    return std::make_shared<ScanHost const>(
-        host->judgingWith(std::move(rules.m_engine), rules.m_version));
+    return std::make_shared<ScanHost const>(host->judgingWith(std::move(rules)));
 }
 
 } // namespace Quorvane

@@ -37,7 +37,7 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::str
 // NoRulesError when they cannot be loaded.
 std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> host);
 
-// A host with an engine of the program's own; the root folder does not matter.
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine);
+// A host with rules of the program's own; the root folder does not matter.
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, LoadedRules rules);
 
 } // namespace Quorvane

@@ -10,6 +10,7 @@
 #include "rules/model/Files.h"
 #include "rules/model/Readme.h"
 #include "rules/model/RuleError.h"
+#include "rules/model/RuleFolder.h"
 
 #include <array>
 #include <cstdarg>
@@ -54,6 +55,19 @@ void LoadLogger::log(int messageId, int reserved, char const* format, ...) {
     } else {
         m_next->log(messageId, reserved, "%s", line.data());
     }
+}
+
+// Rules that are installed while others load bring names for themselves, not for those.
+Rules::NamesRead s_namesOf(std::optional<std::int32_t> version) {
+    auto const folder = File::root() + ruleDirectory;
+    auto names = Rules::readNames(Rules::readNamesFile(folder));
+    if (installedVersion() != version) {
+        return {};
+    }
+    if (!names.m_problem.empty()) {
+        names.m_problem = folder + '/' + namesFileName + ": " + names.m_problem;
+    }
+    return names;
 }
 
 // A version that is not a number above 0 is never newer than "nothing loaded", and the library then
@@ -119,7 +133,7 @@ LoadedRules loadRules() {
         throw NoRulesError("no usable rules in " + File::root() + ruleDirectory + ": " +
                            s_whyNotLoaded(logger->text()));
     }
-    return {engine, version};
+    return {engine, version, s_namesOf(version)};
 }
 
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules) {
@@ -131,6 +145,10 @@ DeepHeaderEngine engineOf(Rules::RuleSet const& rules) {
         throw Rules::RuleError(Rules::RuleError::Kind::badRules,
                                "no host can load these rules: " + error.asString());
     }
+}
+
+LoadedRules loadedRules(Rules::RuleSet const& rules) {
+    return {engineOf(rules), rules.version(), Rules::readNames(rules.m_names)};
 }
 
 } // namespace Quorvane

@@ -6,6 +6,7 @@
 #include "apps/settings/SettingsSection.h"
 #include "apps/settings/SettingValue.h"
 #include "DeepHeaderEngine.h"
+#include "rules/model/RuleNames.h"
 #include "rules/model/RuleSet.h"
 
 #include <cstdint>
@@ -26,6 +27,8 @@ void useOwnRulesIfNoneAreInstalled(SettingsSection& settings);
 struct LoadedRules {
     DeepHeaderEngine m_engine;
     std::optional<std::int32_t> m_version; // empty: README names none
+    // Of rules below the root folder, a problem begins with the path of the file.
+    Rules::NamesRead m_names;
 };
 
 // There are no rules that could be put in force; the settings may be in perfect order.
@@ -43,5 +46,7 @@ LoadedRules loadRules();
 
 // An engine with these rules. A RuleError when no host can load them.
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules);
+// The same with version and names.
+LoadedRules loadedRules(Rules::RuleSet const& rules);
 
 } // namespace Quorvane

@@ -8,10 +8,17 @@
 
 namespace Quorvane {
 
-ScanHost::ScanHost(HostSettings settings, DeepHeaderEngine engine,
-                   std::optional<std::int32_t> version)
-    : m_settings(std::move(settings)), m_engine(std::move(engine)), m_version(version),
-      m_scores(std::make_shared<RelayScores const>(m_settings.m_scores, m_settings.m_dnsLists)) {}
+ScanHost::ScanHost(HostSettings settings, LoadedRules rules)
+    : m_settings(std::move(settings)),
+      m_scores(std::make_shared<RelayScores const>(m_settings.m_scores, m_settings.m_dnsLists)) {
+    take(std::move(rules));
+}
+
+void ScanHost::take(LoadedRules rules) {
+    m_engine = std::move(rules.m_engine);
+    m_version = rules.m_version;
+    m_names = std::make_shared<Rules::NamesRead const>(std::move(rules.m_names));
+}
 
 ScanHost ScanHost::judgingWith(DeepHeaderSettings const& judging) const {
     auto host = *this;
@@ -19,10 +26,9 @@ ScanHost ScanHost::judgingWith(DeepHeaderSettings const& judging) const {
     return host;
 }
 
-ScanHost ScanHost::judgingWith(DeepHeaderEngine engine, std::optional<std::int32_t> version) const {
+ScanHost ScanHost::judgingWith(LoadedRules rules) const {
     auto host = *this;
-    host.m_version = version;
-    host.m_engine = std::move(engine);
+    host.take(std::move(rules));
     return host;
 }
 

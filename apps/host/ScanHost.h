@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ScanHost: a host of the library: settings, the engine and the reputation of relays, by which it
-// judges one header section after another.
+// ScanHost: a host of the library: settings, rules with their names, and the reputation of relays,
+// by which it judges one header section after another.
 //
-// A value that never changes: copies share the engine and the table. scan and judge may be called
+// A value that never changes: copies share the engine and the tables. scan and judge may be called
 // from many threads at once. A program that reloads keeps the current host in a shared pointer,
 // which each message copies (HostSetup.h makes hosts).
 #pragma once
 
 #include "apps/host/RelayScores.h"
+#include "apps/host/RuleLoader.h"
 #include "apps/settings/HostSettings.h"
 #include "DeepHeaderEngine.h"
 #include "platform/HeaderContainer.h"
@@ -23,10 +24,8 @@ namespace Quorvane {
 
 class ScanHost {
   public:
-    // REQUIRES: `engine` is not empty.
-    // `version`: of the rules; empty: they have none.
-    ScanHost(HostSettings settings, DeepHeaderEngine engine,
-             std::optional<std::int32_t> version = std::nullopt);
+    // REQUIRES: the engine of `rules` is not empty.
+    ScanHost(HostSettings settings, LoadedRules rules);
 
     // `headers`: the header section as HeaderReader split it. All look-ups together take no longer
     // than the settings say: DNS lists are asked first and get at most half of the time, the names
@@ -42,19 +41,25 @@ class ScanHost {
     HostSettings const& settings() const { return m_settings; }
     DeepHeaderEngine const& engine() const { return m_engine; }
     std::optional<std::int32_t> ruleVersion() const { return m_version; }
+    Rules::RuleNames const& ruleNames() const { return m_names->m_names; }
+    // Why the rules have no names although there is a file of them; empty: all is well.
+    std::string const& namesProblem() const { return m_names->m_problem; }
 
     // The same host with other thresholds, or other rules. It shares the rest.
     ScanHost judgingWith(DeepHeaderSettings const& judging) const;
-    ScanHost judgingWith(DeepHeaderEngine engine, std::optional<std::int32_t> version) const;
+    ScanHost judgingWith(LoadedRules rules) const;
 
   private:
     std::vector<RecordedLookup> describeRelays(HeaderContainer const& headers,
                                                IPAddress const& client,
                                                MessageProperties& properties) const;
 
+    void take(LoadedRules rules);
+
     HostSettings m_settings;
     DeepHeaderEngine m_engine;
     std::optional<std::int32_t> m_version;
+    std::shared_ptr<Rules::NamesRead const> m_names;
     std::shared_ptr<RelayScores const> m_scores;
 };
 

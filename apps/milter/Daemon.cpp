@@ -144,7 +144,10 @@ void s_openSocket(MilterSettings const& settings) {
 void checkSettings(std::string const& path) {
     auto const settings = readFileSettings(path);
     warnAbout(settings.m_host, "qvmilter");
-    setUpHost(settings);
+    auto const host = setUpHost(settings);
+    if (auto const& problem = host->namesProblem(); !problem.empty()) {
+        logMessage(LogId::namesUnusable, problem);
+    }
 }
 
 int serve(std::string const& path, bool foreground) {

@@ -2,6 +2,7 @@
 #include "apps/milter/Judgement.h"
 
 #include "apps/milter/MilterTable.h"
+#include "apps/story/RuleNaming.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
 
@@ -34,7 +35,8 @@ FailureAction s_actionOn(Failure failure, MilterSettings const& settings) {
 
 } // namespace
 
-Judgement judgementOf(ScanRecord record, MilterSettings const& settings) {
+Judgement judgementOf(ScanRecord record, MilterSettings const& settings,
+                      Rules::RuleNames const& names) {
     Judgement judgement;
     if (record.failure) {
         judgement.m_failure = Failure::scanFailed;
@@ -43,6 +45,7 @@ Judgement judgementOf(ScanRecord record, MilterSettings const& settings) {
         judgement.m_failure = Failure::dnsFailed;
     } else {
         judgement.m_verdict = record.verdict;
+        judgement.m_ruleName = nameText(deciderName(names, record.verdict));
     }
     judgement.m_record = std::move(record);
     return judgement;
@@ -89,6 +92,11 @@ std::string actionWord(Action const& action) {
         .front();
 }
 
+std::string ruleText(Judgement const& judgement) {
+    auto const& name = judgement.m_ruleName;
+    return name.empty() ? name : " rule=\"" + name + '"';
+}
+
 std::string resultText(Judgement const& judgement) {
     auto const& verdict = judgement.m_verdict;
     std::string text = verdictName(verdict);
@@ -96,6 +104,9 @@ std::string resultText(Judgement const& judgement) {
         return text + "; error=" + failureWord(*judgement.m_failure);
     }
     text += "; node=" + std::to_string(verdict.node);
+    if (auto const rule = ruleText(judgement); !rule.empty()) {
+        text += ';' + rule;
+    }
     if (verdict.node != 0) {
         text += "; confidence=" + numberText(verdict.confidence) +
                 "; support=" + numberText(verdict.support);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "apps/milter/MilterSettings.h"
+#include "rules/model/RuleNames.h"
 #include "ScanRecord.h"
 
 #include <cstdint>
@@ -20,11 +21,13 @@ struct Judgement {
     RecordedVerdict m_verdict; // of the rules; none when there was a failure
     std::optional<Failure> m_failure;
     std::optional<ScanRecord> m_record; // empty: there was no scan
+    std::string m_ruleName;             // of what decided; empty: it has none
     std::optional<std::string> m_hop;   // of the client, as CurrentHop.h writes it
 };
 
 // What a scan found. Look-ups that failed take the verdict away, unless the settings trust it.
-Judgement judgementOf(ScanRecord record, MilterSettings const& settings);
+Judgement judgementOf(ScanRecord record, MilterSettings const& settings,
+                      Rules::RuleNames const& names);
 Judgement failureOf(Failure failure);
 
 // What happens to the message: the action of the verdict, or of the failure.
@@ -43,7 +46,11 @@ std::string actionWord(Action const& action);
 inline constexpr char resultHeader[] = "X-QV-Deep-Header";
 inline constexpr char reasonsHeader[] = "X-QV-Deep-Header-Reasons";
 
-// "spam; node=17; confidence=0.9731; support=0.42; ips=192.0.2.55".
+// " rule=\"A consumer line\"", to follow the node; empty without a name. A name holds nothing that
+// ends it, or a header.
+std::string ruleText(Judgement const& judgement);
+
+// "spam; node=17; rule=\"A consumer line\"; confidence=0.9731; support=0.42; ips=192.0.2.55".
 std::string resultText(Judgement const& judgement);
 
 } // namespace Quorvane::Milter

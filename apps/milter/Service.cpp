@@ -42,14 +42,14 @@ std::string s_queueText(std::string const& queueId) {
     return "queue=" + (queueId.empty() ? std::string("-") : queueId);
 }
 
-// "queue=4VdW3k verdict=spam node=17 action=header time=1.2ms"
+// "queue=4VdW3k verdict=spam node=17 rule=\"A consumer line\" action=header time=1.2ms"
 std::string s_logText(MessageReport const& report) {
     auto const& judgement = report.m_judgement;
     auto text = s_queueText(report.m_queueId) + " verdict=" + verdictName(judgement.m_verdict);
     if (judgement.m_failure) {
         text += std::string(" error=") + failureWord(*judgement.m_failure);
     } else {
-        text += " node=" + std::to_string(judgement.m_verdict.node);
+        text += " node=" + std::to_string(judgement.m_verdict.node) + ruleText(judgement);
     }
     return text + " action=" + actionWord(report.m_action) +
            " time=" + numberText(report.m_seconds * 1000, 3) + "ms" +
@@ -76,6 +76,9 @@ Service::Service(std::string const& path) : m_snapshot(path) {
 void Service::noteRules() {
     auto const snapshot = current();
     m_metrics.rules(snapshot->m_host->ruleVersion().value_or(0), snapshot->m_rulesLoaded);
+    if (auto const& problem = snapshot->m_host->namesProblem(); !problem.empty()) {
+        logMessage(LogId::namesUnusable, problem);
+    }
 }
 
 void Service::reload() {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/text/Utf8.h"
 #include "rules/check/Checker.h"
@@ -29,6 +30,7 @@ int compile(CommandLine const& line) {
 int decompile(CommandLine const& line) {
     auto const folder = line.text("DIR");
     auto const set = Rules::readFolder(folder);
+    warnAboutNames(folder, set.m_names.m_problem);
     writeOutput(outputOf(line, "output", noMark), Rules::ruleText(set));
     if (auto const problem = Rules::loadProblem(set)) {
         std::cerr << toPrintable(folder)

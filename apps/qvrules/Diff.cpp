@@ -2,10 +2,10 @@
 #include "apps/evaluation/Report.h"
 #include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/VectorJudge.h"
-#include "rules/language/LoadRules.h"
 
 namespace Quorvane::RulesApp {
 
@@ -29,16 +29,17 @@ int diff(CommandLine const& line) {
     auto const output = outputOf(line, "output", drawnMark);
     requireWritable(output);
     auto const settings = mail.m_host.m_judging;
-    auto const before = Rules::loadRules(line.text("OLD"));
-    auto const after = Rules::loadRules(line.text("NEW"));
+    auto const before = loadNamedRules(line.text("OLD"));
+    auto const after = loadNamedRules(line.text("NEW"));
     Workshop::VectorJudge const judgeBefore(before.m_set, settings);
     Workshop::VectorJudge const judgeAfter(after.m_set, settings);
     settleDns(mail.m_host, judgeBefore.needsLookups() || judgeAfter.needsLookups());
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
     auto const difference = Rules::compare(gathered, judgeBefore, judgeAfter);
-    Reports::ComparedSets const sets{{line.text("OLD"), before.m_set, settings},
-                                     {line.text("NEW"), after.m_set, settings}};
+    Reports::ComparedSets const sets{
+        {line.text("OLD"), before.m_set, before.m_names.m_names, settings},
+        {line.text("NEW"), after.m_set, after.m_names.m_names, settings}};
     writeOutput(output, s_report(line.text("format"))(difference, sets));
     return difference.m_groups.empty() ? ExitStatus::ok : ExitStatus::findings;
 }

@@ -2,10 +2,10 @@
 #include "apps/evaluation/Report.h"
 #include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/VectorJudge.h"
-#include "rules/language/LoadRules.h"
 
 namespace Quorvane::RulesApp {
 
@@ -29,13 +29,14 @@ int evaluate(CommandLine const& line) {
     }
     auto const output = outputOf(line, "output", drawnMark);
     requireWritable(output);
-    auto const rules = Rules::loadRules(line.text("RULES"));
+    auto const rules = loadNamedRules(line.text("RULES"));
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
     settleDns(mail.m_host, judge.needsLookups());
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
     auto const evaluation = Rules::evaluate(gathered.m_sorted, judge, gathered.m_sortedSamples);
-    Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, mail.m_host.m_judging};
+    Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, rules.m_names.m_names,
+                                        mail.m_host.m_judging};
     writeOutput(output, s_report(line.text("format"))(evaluation, shown));
     return ExitStatus::ok;
 }

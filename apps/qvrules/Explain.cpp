@@ -4,11 +4,13 @@
 #include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
-#include "rules/language/LoadRules.h"
+
+#include <utility>
 
 namespace Quorvane::RulesApp {
 
@@ -23,9 +25,9 @@ HostSettings s_settings(CommandLine const& line) {
 
 class Explainer {
   public:
-    Explainer(CommandLine const& line, DeepHeaderEngine const& engine, Interrupt const& interrupt)
+    Explainer(CommandLine const& line, LoadedRules rules, Interrupt const& interrupt)
         : m_interrupt(interrupt), m_isJson(line.text("format") == "json"),
-          m_facts(messageFacts(line)), m_host(setUpHost(s_settings(line), engine)) {}
+          m_facts(messageFacts(line)), m_host(setUpHost(s_settings(line), std::move(rules))) {}
 
     void explain(Workshop::AskedItem const& item) const {
         auto const depth = RecordDepth::alternatives;
@@ -40,8 +42,10 @@ class Explainer {
   private:
     void print(std::string const& source, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
-        printOutput(m_isJson ? jsonExplanation(source, record, settings)
-                             : textRecord(source, record, false) + textExplain(record, settings));
+        auto const& names = m_host->ruleNames();
+        printOutput(m_isJson ? jsonExplanation(source, record, settings, names)
+                             : textRecord(source, record, names, false) +
+                                   textExplain(record, settings, names));
     }
 
     Interrupt const& m_interrupt;
@@ -51,9 +55,9 @@ class Explainer {
 };
 
 void s_explain(CommandLine const& line, Workshop::ExplainInput& input, Interrupt const& interrupt) {
-    auto const engine = engineOf(Rules::loadRules(line.text("RULES")).m_set);
+    auto const rules = loadNamedRules(line.text("RULES"));
     LookupEnd const lookupEnd(interrupt.token());
-    Explainer const explainer(line, engine, interrupt);
+    Explainer const explainer(line, loadedRules(rules.m_set), interrupt);
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }
 

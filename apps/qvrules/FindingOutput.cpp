@@ -19,7 +19,8 @@ using Json = nlohmann::ordered_json;
 // In the order of Finding::Severity.
 constexpr char const* severities[] = {"error", "warning", "difference"};
 // In the order of Finding::File; empty for what is about all files together.
-constexpr char const* fileNames[] = {versionFileName, treeFileName, eliteFileName, ""};
+constexpr char const* fileNames[] = {versionFileName, treeFileName, eliteFileName, namesFileName,
+                                     ""};
 
 char const* s_severity(Finding const& finding) {
     return severities[static_cast<std::size_t>(finding.m_severity)];
@@ -40,6 +41,12 @@ Position s_elitePosition(Rules::RulePlaces const& places, Finding const& finding
                                : s_at(places.m_rules, rule);
 }
 
+// Where the name is given, or else the file of names.
+Position s_namePosition(Rules::RulePlaces const& places, Finding const& finding) {
+    auto const found = finding.m_name ? places.m_names.find(*finding.m_name) : places.m_names.end();
+    return found == places.m_names.end() ? places.m_namesFile : found->second;
+}
+
 // The place in the text; line 0 when there is none.
 Position s_position(LoadedRules const& rules, Finding const& finding) {
     if (!rules.m_isText) {
@@ -52,6 +59,8 @@ Position s_position(LoadedRules const& rules, Finding const& finding) {
         return finding.m_number ? s_at(rules.m_places.m_nodes, *finding.m_number) : Position();
     case Finding::File::elite:
         return s_elitePosition(rules.m_places, finding);
+    case Finding::File::names:
+        return s_namePosition(rules.m_places, finding);
     case Finding::File::all:
         break;
     }

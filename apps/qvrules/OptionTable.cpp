@@ -29,7 +29,7 @@ CommandRow const compileCommand{
     "compile",
     "Compile a rule text into rule files",
     {{"SRC", "SRC", "rule text", Takes::required}},
-    {{"output", "DIR", "folder for README, qv.dt and qv2.dt", Takes::required, 'o'},
+    {{"output", "DIR", "folder for README, qv.dt, qv2.dt and qv.names", Takes::required, 'o'},
      {"force", "", "replace a README that is not of rules"}},
     "Each file is replaced atomically; files that the rules do not need are removed.\n"
     "For a folder that running hosts read, use \"qvrules install\".\n\n"
@@ -38,7 +38,7 @@ CommandRow const compileCommand{
 CommandRow const decompileCommand{
     "decompile",
     "Convert rule files back into a rule text",
-    {{"DIR", "DIR", "folder with qv.dt, qv2.dt and README", Takes::required}},
+    {{"DIR", "DIR", "folder with qv.dt, qv2.dt, README and qv.names", Takes::required}},
     {{"output", "SRC", "rule text to write (default: standard output)", 0, 'o'},
      {"force", "", "replace a file that is there"}},
     "Compiling the text gives the same bytes, even if the files are damaged.\n\n"

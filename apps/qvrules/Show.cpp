@@ -4,6 +4,7 @@
 #include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/settings/SettingValue.h"
@@ -12,7 +13,6 @@
 #include "apps/show/PageServer.h"
 #include "apps/show/Traffic.h"
 #include "apps/workshop/MailVectors.h"
-#include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
 
 #include <optional>
@@ -154,8 +154,8 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     Interrupt interrupt; // after the measuring, which reads signals of its own
     LookupEnd const lookupEnd(interrupt.token());
     try {
-        auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
-        Show::MessageExplainer const explainer(settings, engine, arguments.m_facts);
+        auto const traffic = s_traffic(loaded.m_engine, settings.m_judging, table, counts);
+        Show::MessageExplainer const explainer(settings, loaded, arguments.m_facts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
         auto const extras = s_extras(arguments, settings, explainer, interrupt);
         if (arguments.m_serve) {
@@ -191,7 +191,7 @@ int show(CommandLine const& line) {
     s_check(arguments, hasFacts(line));
     auto const port = s_port(arguments.m_serve.value_or(""));
     requireWritable(arguments.m_output);
-    auto const set = Rules::loadRules(arguments.m_rules).m_set;
+    auto const set = loadNamedRules(arguments.m_rules).m_set;
     if (s_needsEngine(arguments)) {
         s_showRunning(arguments, port, set);
     } else {

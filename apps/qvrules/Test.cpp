@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/NamedRules.h"
+#include "apps/story/NamedJson.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/CaseRunner.h"
 #include "rules/model/RuleError.h"
@@ -64,7 +66,7 @@ void s_load(Files const& files, Workshop::CaseRunner& runner) {
                                    file.m_path + ": names no rules; begin it with a line rules = "
                                                  "\"my.qvr\", or give --rules");
         }
-        runner.load(file.m_rules);
+        warnAboutNames(file.m_rules, runner.load(file.m_rules));
     }
 }
 
@@ -85,11 +87,13 @@ std::string s_failureLine(TestedCase const& tested) {
         expected += start + difference.m_expected;
         came += start + difference.m_came;
     }
+    auto const& name = result.m_ruleName.m_name;
+    auto const by = name.empty() ? "" : " by \"" + name + '"';
     auto const sentences = boost::algorithm::join(result.m_sentences, "; ");
     auto const why = result.m_because + (sentences.empty() ? "" : ": " + sentences);
     return toPrintable(tested.m_path + ":" + std::to_string(tested.m_case->m_line) + ": " +
-                       tested.m_case->m_name + ": expected " + expected + "; came " + came + " (" +
-                       why + ")") +
+                       tested.m_case->m_name + ": expected " + expected + "; came " + came + by +
+                       " (" + why + ")") +
            "\n";
 }
 
@@ -108,17 +112,19 @@ Json s_result(TestedCase const& tested) {
                                {"expected", toUtf8(difference.m_expected)},
                                {"came", toUtf8(difference.m_came)}});
     }
-    return {{"file", toUtf8(tested.m_path)},
-            {"line", tested.m_case->m_line},
-            {"name", toUtf8(tested.m_case->m_name)},
-            {"passed", result.hasPassed()},
-            {"differences", differences},
-            {"verdict", result.m_verdict},
-            {"node", result.m_node},
-            {"confidence", result.m_confidence},
-            {"reasons", toUtf8(result.m_reasons)},
-            {"because", toUtf8(result.m_because)},
-            {"sentences", toUtf8(result.m_sentences)}};
+    auto const& name = result.m_ruleName;
+    return named({{"file", toUtf8(tested.m_path)},
+                  {"line", tested.m_case->m_line},
+                  {"name", toUtf8(tested.m_case->m_name)},
+                  {"passed", result.hasPassed()},
+                  {"differences", differences},
+                  {"verdict", result.m_verdict},
+                  {"node", result.m_node},
+                  {"confidence", result.m_confidence},
+                  {"reasons", toUtf8(result.m_reasons)},
+                  {"because", toUtf8(result.m_because)},
+                  {"sentences", toUtf8(result.m_sentences)}},
+                 name.m_name.empty() ? nullptr : &name);
 }
 
 std::string s_text(std::vector<TestedCase> const& cases) {

@@ -55,10 +55,11 @@ ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Inter
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
     auto const& settings = m_host->settings().m_judging;
+    auto const& names = m_host->ruleNames();
     switch (m_format) {
     case OutputFormat::json:
-        return m_options.m_explain ? jsonExplanation(item.m_source, record, settings)
-                                   : jsonRecord(item.m_source, record);
+        return m_options.m_explain ? jsonExplanation(item.m_source, record, settings, names)
+                                   : jsonRecord(item.m_source, record, names);
     case OutputFormat::csv:
         return Rules::csvField(item.m_source) +
                Rules::csvValues(record.isJudged() ? std::optional(record.attributes)
@@ -67,8 +68,8 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
     case OutputFormat::text:
         break;
     }
-    auto const text = textRecord(item.m_source, record, m_colour);
-    return m_options.m_explain ? text + textExplain(record, settings) : text;
+    auto const text = textRecord(item.m_source, record, names, m_colour);
+    return m_options.m_explain ? text + textExplain(record, settings, names) : text;
 }
 
 ScanResult ScanRun::judge(InputItem const& item) const {
@@ -131,6 +132,12 @@ void ScanRun::startProgress() {
     }
 }
 
+void ScanRun::reportNames() {
+    if (auto const& problem = m_host->namesProblem(); !problem.empty()) {
+        m_errors.write("qvscan: " + toPrintable(problem) + "; rules are shown without names\n");
+    }
+}
+
 // A program that waits silently seems to hang.
 void ScanRun::reportWaiting() {
     if (m_options.m_paths.empty() && ::isatty(STDIN_FILENO) == 1) {
@@ -170,6 +177,7 @@ int ScanRun::run() {
     if (m_format == OutputFormat::csv) {
         m_output.write(Rules::csvHeader() + "\n");
     }
+    reportNames();
     reportWaiting();
     startProgress();
     LookupEnd const lookupEnd(m_interrupt.token());

@@ -42,6 +42,7 @@ class ScanRun {
     bool take(ScanResult const& result);
     bool showsProgress() const;
     void startProgress();
+    void reportNames();
     void reportWaiting();
     void reportLookups();
     void note(int problem);

@@ -54,9 +54,9 @@ HostSettings askedSettings(HostSettings host, std::string_view query) {
     }
 }
 
-MessageExplainer::MessageExplainer(HostSettings const& settings, DeepHeaderEngine engine,
+MessageExplainer::MessageExplainer(HostSettings const& settings, LoadedRules rules,
                                    MessageFacts facts)
-    : m_host(setUpHost(settings, std::move(engine))), m_facts(std::move(facts)) {}
+    : m_host(setUpHost(settings, std::move(rules))), m_facts(std::move(facts)) {}
 
 std::string MessageExplainer::explain(std::string const& source, std::string_view message) const {
     return explain(*m_host, source, message);
@@ -70,14 +70,14 @@ std::string MessageExplainer::answer(PageQuestion const& question) const {
     }
     auto const record =
         host.judge(Workshop::parseVector(question.m_text), RecordDepth::alternatives);
-    return jsonExplanation("vector", record, settings.m_judging);
+    return jsonExplanation("vector", record, settings.m_judging, host.ruleNames());
 }
 
 std::string MessageExplainer::explain(ScanHost const& host, std::string const& source,
                                       std::string_view message) const {
     auto const headers = Workshop::messageHeaders({source, std::string(message), {}, 0});
     auto const record = host.scan(headers, m_facts, RecordDepth::alternatives);
-    return jsonExplanation(source, record, host.settings().m_judging);
+    return jsonExplanation(source, record, host.settings().m_judging, host.ruleNames());
 }
 
 void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,

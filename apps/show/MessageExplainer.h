@@ -26,7 +26,7 @@ HostSettings askedSettings(HostSettings host, std::string_view query);
 class MessageExplainer {
   public:
     // `facts`: what is known of every message. A SettingsError.
-    MessageExplainer(HostSettings const& settings, DeepHeaderEngine engine, MessageFacts facts);
+    MessageExplainer(HostSettings const& settings, LoadedRules rules, MessageFacts facts);
 
     // The record of one message, as `qvscan --format json --explain` writes it. A RuleError when
     // there is no header field in it.

@@ -30,6 +30,9 @@ struct PageExtras {
 
 std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras);
 
+// A name and its sentence, as HTML; nothing without a name.
+std::string pageName(std::optional<Rules::RuleName> const& name);
+
 // The parts of it. The tree and the table are HTML, and so is the place for messages; the data, for
 // the scripts, is JSON.
 std::string pageTree(Drawing const& drawing);

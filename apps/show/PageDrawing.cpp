@@ -118,6 +118,14 @@ std::string s_treeSection(Drawing const& drawing) {
 
 } // namespace
 
+std::string pageName(std::optional<Rules::RuleName> const& name) {
+    if (!name) {
+        return {};
+    }
+    auto const sentence = name->m_sentence.empty() ? "" : " " + Page::isolated(name->m_sentence);
+    return "<span class=\"named\"><b>" + Page::text(name->m_name) + "</b>" + sentence + "</span>";
+}
+
 std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
     auto const& rules = drawing.m_rules;
     auto const messages = pageMessages(extras);

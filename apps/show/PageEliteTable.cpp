@@ -49,8 +49,9 @@ std::string s_row(ShownElite const& rule, Traffic const* traffic) {
                           : rule.m_code;
     return "<tr" + place + " data-code=\"" + Page::text(code) +
            "\"><th scope=\"row\" class=\"code\">" + Page::text(rule.m_code) + "</th>" +
-           s_cell("effect", Page::text(s_effect(rule))) + s_cell("when", s_conditions(rule)) +
-           s_figures(rule, traffic) + "</tr>\n";
+           s_cell("effect", Page::text(s_effect(rule))) +
+           s_cell("when", pageName(rule.m_name) + s_conditions(rule)) + s_figures(rule, traffic) +
+           "</tr>\n";
 }
 
 } // namespace

@@ -122,6 +122,7 @@ class TreePageWriter {
         if (node.m_depth > indentedLevels) {
             html += s_span("label", " level " + std::to_string(node.m_depth + 1));
         }
+        html += pageName(node.m_name);
         if (!node.m_problem.empty()) {
             html += s_span("trouble", Page::text(node.m_problem));
         }

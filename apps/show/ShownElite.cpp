@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/NodeText.h"
+#include "apps/story/RuleNaming.h"
 #include "apps/text/NumberText.h"
 #include "rules/check/EliteRun.h"
 #include "rules/format/RuleTests.h"
@@ -39,8 +40,11 @@ std::string s_effect(EliteNodes const& rule) {
     }
 }
 
-ShownElite s_shown(EliteNodes const& rule) {
-    ShownElite shown{rule, {}, s_code(rule), "dropped by engines", {}};
+ShownElite s_shown(EliteNodes const& rule, Rules::RuleNames const& names) {
+    ShownElite shown{rule, {}, s_code(rule), {}, "dropped by engines", {}};
+    if (auto const* const name = eliteRuleName(names, rule.type, rule.code)) {
+        shown.m_name = *name;
+    }
     for (auto const& [attribute, test, value] : rule.conditions) {
         shown.m_tests.push_back(shownTest({attribute, test, value}));
     }
@@ -49,11 +53,11 @@ ShownElite s_shown(EliteNodes const& rule) {
 
 } // namespace
 
-std::vector<ShownElite> shownElite(Rules::EliteFile const& file) {
+std::vector<ShownElite> shownElite(Rules::EliteFile const& file, Rules::RuleNames const& names) {
     std::vector<ShownElite> rules;
     rules.reserve(file.m_rules.size());
     for (auto const& rule : file.m_rules) {
-        rules.push_back(s_shown(rule));
+        rules.push_back(s_shown(rule, names));
     }
     auto const kept = Rules::keptRules(file);
     for (std::size_t place = 0; place < kept.size(); ++place) {

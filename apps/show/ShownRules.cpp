@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/ShownRules.h"
 
+#include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "rules/check/Checker.h"
 #include "rules/check/Checks.h"
@@ -132,6 +133,14 @@ class TreeReader {
     std::vector<ShownNode> m_nodes;
 };
 
+void s_setNames(std::vector<ShownNode>& nodes, Rules::RuleNames const& names) {
+    for (auto& node : nodes) {
+        if (auto const* const name = treeNodeName(names, node.m_number)) {
+            node.m_name = *name;
+        }
+    }
+}
+
 // Messages of the training mail: what the root saw, or its children together where the root was
 // not counted.
 std::int64_t s_trainingMessages(std::vector<ShownNode> const& nodes) {
@@ -207,10 +216,12 @@ ShownRules shownRules(std::string const& name, Rules::RuleSet const& set) {
         set.m_nodes.size() + (set.m_treeTail.empty() ? 0U : 1U), table.size());
     shown.m_nodes = TreeReader(table, count).read();
     s_setShares(shown.m_nodes);
+    auto const names = Rules::readNames(set.m_names).m_names;
+    s_setNames(shown.m_nodes, names);
     shown.m_unreached = s_unreached(shown.m_nodes, count);
     if (set.m_elite) {
         shown.m_eliteHeader = set.m_elite->m_header;
-        shown.m_elite = shownElite(*set.m_elite);
+        shown.m_elite = shownElite(*set.m_elite, names);
     }
     return shown;
 }

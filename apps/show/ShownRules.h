@@ -8,6 +8,7 @@
 #pragma once
 
 #include "rules/format/AttributeTable.h"
+#include "rules/model/RuleNames.h"
 #include "rules/model/RuleSet.h"
 #include "ScanRecord.h"
 
@@ -52,6 +53,8 @@ struct ShownNode {
     ShownTest m_test;
     // Part of the training mail that came here, 0..1; empty when the file does not say.
     std::optional<double> m_share;
+    // What it is called; empty: it has no name.
+    std::optional<Rules::RuleName> m_name;
     // Why a message that stays here gets no verdict, for people; empty for ordinary nodes.
     std::string m_problem;
     std::vector<ShownBranch> m_branches;
@@ -68,6 +71,8 @@ struct ShownElite {
     std::optional<std::size_t> m_place;
     // "'m'" or "9001".
     std::string m_code;
+    // What it is called; empty: it has no name.
+    std::optional<Rules::RuleName> m_name;
     // "adds 0.02", "subtracts 0.1", "97 % spam", "never fires: type 7", "dropped by engines".
     std::string m_effect;
     // One for each condition; none: it always matches.
@@ -96,7 +101,7 @@ ShownRules shownRules(std::string const& name, Rules::RuleSet const& set);
 
 // The parts of it.
 ShownTest shownTest(AttributeTest const& test);
-std::vector<ShownElite> shownElite(Rules::EliteFile const& file);
+std::vector<ShownElite> shownElite(Rules::EliteFile const& file, Rules::RuleNames const& names);
 
 // "The first deciding rule that matches is used; then the tree is asked.", for people.
 std::string selectModeText(EliteFileHeader const& header);

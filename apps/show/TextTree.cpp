@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/NodeText.h"
+#include "apps/story/RuleNaming.h"
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
@@ -144,6 +145,9 @@ class TreeWriter {
         auto const under = guides(after(mark)) + padded(below, number.size());
         if (m_isNarrow) {
             plain(under, under, figuresInOneLine(shown), dim);
+        }
+        if (shown.m_name) {
+            plain(under, under, nameAndSentence(&*shown.m_name), dim);
         }
         if (!shown.m_problem.empty()) {
             plain(under, under, "! " + shown.m_problem, orange);

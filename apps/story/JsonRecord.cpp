@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/JsonRecord.h"
 
+#include "apps/story/NamedJson.h"
+#include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "apps/story/StepText.h"
 #include "apps/story/VerdictStory.h"
@@ -9,6 +11,7 @@
 #include "rules/format/ValueWords.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace Quorvane {
 
@@ -110,17 +113,22 @@ Json s_test(DescribedTest const& test) {
     return {{"test", test.m_text}, {"words", toUtf8(test.m_words)}};
 }
 
+Json s_node(DescribedNode const& described) {
+    auto const& node = *described.m_node;
+    auto const& test = described.m_test;
+    auto const& [all, spam, ham] = node.counts;
+    return {{"node", node.number},
+            {"test", test ? Json(test->m_text) : Json()},
+            {"words", test ? Json(toUtf8(test->m_words)) : Json()},
+            {"confidence", node.confidence},
+            {"support", node.support},
+            {"counts", {{"all", all}, {"spam", spam}, {"ham", ham}}}};
+}
+
 Json s_nodes(RuleStory const& story) {
     auto nodes = Json::array();
-    for (auto const& [node, test] : story.m_path) {
-        nodes.push_back(
-            {{"node", node->number},
-             {"test", test ? Json(test->m_text) : Json()},
-             {"words", test ? Json(toUtf8(test->m_words)) : Json()},
-             {"confidence", node->confidence},
-             {"support", node->support},
-             {"counts",
-              {{"all", node->counts[0]}, {"spam", node->counts[1]}, {"ham", node->counts[2]}}}});
+    for (auto const& node : story.m_path) {
+        nodes.push_back(named(s_node(node), node.m_name));
     }
     return nodes;
 }
@@ -162,7 +170,7 @@ Json s_rule(DescribedRule const& described, ScanRecord const& record) {
 Json s_rules(ScanRecord const& record, RuleStory const& story) {
     auto rules = Json::array();
     for (auto const& rule : story.m_elite) {
-        rules.push_back(s_rule(rule, record));
+        rules.push_back(named(s_rule(rule, record), rule.m_name));
     }
     return rules;
 }
@@ -177,17 +185,41 @@ Json s_needed(std::vector<Requirement> const& list) {
     return needed;
 }
 
-// Each value as a word if it has one, otherwise as a number. Null when the scan did not reach the
-// rules.
+// As a word if there is one, otherwise as a number.
+Json s_value(std::size_t attribute, std::int32_t value) {
+    auto const word = valueWord(attribute, value);
+    return word.empty() ? Json(value) : Json(word);
+}
+
+// Null for other verdicts than spam.
+Json s_singleChanges(ScanRecord const& record, Rules::RuleNames const& names) {
+    if (!record.singleChanges) {
+        return {};
+    }
+    auto list = Json::array();
+    for (auto const& change : record.singleChanges->list) {
+        auto const [attribute, value] = change.changes.front();
+        auto const index = static_cast<std::size_t>(attribute);
+        list.push_back(named({{"attribute", attributeTable.at(index).m_name},
+                              {"value", s_value(index, value)},
+                              {"verdict", verdictName(change)},
+                              {"node", change.node}},
+                             deciderName(names, change.decision, change.node)));
+    }
+    return {{"allTried", record.singleChanges->areAllTried},
+            {"list", list},
+            {"text", singleChangeNote(record)}};
+}
+
+// Null when the scan did not reach the rules.
 Json s_values(ScanRecord const& record) {
     if (!record.isJudged()) {
         return {};
     }
     auto values = Json::object();
     for (auto const& facts : attributeTable) {
-        auto const value = record.attributes[facts.m_index];
-        auto const word = valueWord(facts.m_index, value);
-        values[std::string(facts.m_name)] = word.empty() ? Json(value) : Json(word);
+        values[std::string(facts.m_name)] =
+            s_value(facts.m_index, record.attributes[facts.m_index]);
     }
     return values;
 }
@@ -204,8 +236,9 @@ Json s_facts(ScanRecord const& record) {
     return facts;
 }
 
-Json s_explain(ScanRecord const& record, DeepHeaderSettings const& settings) {
-    auto const story = describeRules(record);
+Json s_explain(ScanRecord const& record, DeepHeaderSettings const& settings,
+               Rules::RuleNames const& names) {
+    auto const story = describeRules(record, names);
     return {{"messageIdDomain", toUtf8(record.messageIdDomain)},
             {"headerFrom", s_domain(record.headerFrom)},
             {"envelopeFrom", s_domain(record.envelopeFrom)},
@@ -224,12 +257,13 @@ Json s_explain(ScanRecord const& record, DeepHeaderSettings const& settings) {
             {"tree", s_tree(record, story)},
             {"story", toUtf8(story.m_sentences)},
             {"because", toUtf8(reasonText(record, settings))},
-            {"needed", s_needed(requirements(record, settings))},
+            {"needed", s_needed(requirements(record, settings, names))},
             {"trail", s_trail(record)},
             {"lookups", s_lookups(record)},
             {"rules", s_rules(record, story)},
             {"values", s_values(record)},
-            {"facts", s_facts(record)}};
+            {"facts", s_facts(record)},
+            {"singleChanges", s_singleChanges(record, names)}};
 }
 
 Json s_verdict(std::string const& source, ScanRecord const& record) {
@@ -257,15 +291,16 @@ std::string s_line(Json const& json) {
 
 } // namespace
 
-std::string jsonRecord(std::string const& source, ScanRecord const& record) {
-    return s_line(s_verdict(source, record));
+std::string jsonRecord(std::string const& source, ScanRecord const& record,
+                       Rules::RuleNames const& names) {
+    return s_line(named(s_verdict(source, record), deciderName(names, record.verdict)));
 }
 
 std::string jsonExplanation(std::string const& source, ScanRecord const& record,
-                            DeepHeaderSettings const& settings) {
+                            DeepHeaderSettings const& settings, Rules::RuleNames const& names) {
     auto json = s_verdict(source, record);
-    json["explain"] = s_explain(record, settings);
-    return s_line(json);
+    json["explain"] = s_explain(record, settings, names);
+    return s_line(named(std::move(json), deciderName(names, record.verdict)));
 }
 
 } // namespace Quorvane

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "platform/DeepHeaderSettings.h"
+#include "rules/model/RuleNames.h"
 #include "ScanRecord.h"
 
 #include <string>
@@ -14,10 +15,11 @@
 namespace Quorvane {
 
 // The verdict, with its line break.
-std::string jsonRecord(std::string const& source, ScanRecord const& record);
+std::string jsonRecord(std::string const& source, ScanRecord const& record,
+                       Rules::RuleNames const& names);
 
 // The same with the key "explain". REQUIRES: a record of depth `alternatives`.
 std::string jsonExplanation(std::string const& source, ScanRecord const& record,
-                            DeepHeaderSettings const& settings);
+                            DeepHeaderSettings const& settings, Rules::RuleNames const& names);
 
 } // namespace Quorvane

@@ -41,8 +41,8 @@ std::string s_reverseName(HopAnalysis const& hop) {
 
 class RuleDescriber {
   public:
-    explicit RuleDescriber(ScanRecord const& record)
-        : m_record(record), m_names(sentenceNames(record)) {}
+    RuleDescriber(ScanRecord const& record, Rules::RuleNames const& ruleNames)
+        : m_record(record), m_ruleNames(ruleNames), m_names(sentenceNames(record)) {}
 
     RuleStory describe() {
         for (auto const& rule : m_record.rules) {
@@ -64,11 +64,15 @@ class RuleDescriber {
     }
 
     void addRule(RecordedRule const& rule) {
-        DescribedRule added{&rule, {}};
+        DescribedRule added{&rule,
+                            eliteRuleName(m_ruleNames, rule.type, rule.code),
+                            m_record.verdict.decision == Decision::elite &&
+                                rule.outcome == RuleOutcome::chosen,
+                            {}};
         for (auto const& test : rule.tests) {
             added.m_tests.push_back(described(test));
         }
-        if (m_record.verdict.decision == Decision::elite && rule.outcome == RuleOutcome::chosen) {
+        if (added.m_isDecider) {
             for (auto const& test : added.m_tests) {
                 addSentence(test);
             }
@@ -77,7 +81,10 @@ class RuleDescriber {
     }
 
     void addNode(RecordedNode const& node) {
-        DescribedNode added{&node, std::nullopt};
+        DescribedNode added{&node, treeNodeName(m_ruleNames, node.number),
+                            m_record.verdict.decision == Decision::tree &&
+                                node.number == m_record.verdict.node,
+                            std::nullopt};
         if (!m_story.m_path.empty()) {
             added.m_test = described(node.test);
             addSentence(*added.m_test);
@@ -93,6 +100,7 @@ class RuleDescriber {
     }
 
     ScanRecord const& m_record;
+    Rules::RuleNames const& m_ruleNames;
     Rules::SentenceNames m_names;
     std::set<std::string> m_known;
     RuleStory m_story;
@@ -144,25 +152,26 @@ std::vector<AttributeLine> attributeLines(ScanRecord const& record) {
     return lines;
 }
 
-RuleStory describeRules(ScanRecord const& record) {
-    return RuleDescriber(record).describe();
+RuleStory describeRules(ScanRecord const& record, Rules::RuleNames const& names) {
+    return RuleDescriber(record, names).describe();
 }
 
 std::string ruleLine(DescribedRule const& described, ScanRecord const& record) {
     auto const& rule = *described.m_rule;
+    auto const name = inBrackets(described.m_name);
     if (rule.outcome == RuleOutcome::adjusted) {
-        return "rule " + s_letter(rule.code) + " adjusts by " + s_signed(rule.weight) + ": " +
-               s_joined(described.m_tests);
+        return "rule " + s_letter(rule.code) + name + " adjusts by " + s_signed(rule.weight) +
+               ": " + s_joined(described.m_tests);
     }
     bool const isChosen = rule.outcome == RuleOutcome::chosen;
-    return "rule " + std::to_string(rule.code) + " says " + spamText(rule.weight) +
+    return "rule " + std::to_string(rule.code) + name + " says " + spamText(rule.weight) +
            (isChosen ? "" : " (" + outcomeText(rule, record) + ")") + ": " +
            s_joined(described.m_tests);
 }
 
 std::string nodeLine(DescribedNode const& described) {
     auto const& node = *described.m_node;
-    return "node " + std::to_string(node.number) + ": " +
+    return "node " + std::to_string(node.number) + inBrackets(described.m_name) + ": " +
            (described.m_test ? described.m_test->m_text : "the root") + "; " +
            spamText(node.confidence) + ", seen in " +
            (isShare(node.support / 100.0) ? numberText(node.support) + " %"

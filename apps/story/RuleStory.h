@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Which rules led to the answer and why, in plain words. Pure functions; their results point into
-// the record and must not outlive it. The words hold names of the message unchanged: convert them
-// with toPrintable or toUtf8 before showing them.
+// the record and the names and must not outlive them. The words hold names of the message
+// unchanged: convert them with toPrintable or toUtf8 before showing them.
 #pragma once
 
+#include "apps/story/RuleNaming.h"
 #include "rules/language/Sentences.h"
 #include "ScanRecord.h"
 
@@ -37,11 +38,15 @@ struct DescribedTest {
 
 struct DescribedRule {
     RecordedRule const* m_rule;
+    Rules::RuleName const* m_name; // null: none
+    bool m_isDecider;              // the verdict is its own
     std::vector<DescribedTest> m_tests;
 };
 
 struct DescribedNode {
     RecordedNode const* m_node;
+    Rules::RuleName const* m_name; // null: none
+    bool m_isDecider;
     std::optional<DescribedTest> m_test; // none on the root
 };
 
@@ -52,10 +57,10 @@ struct RuleStory {
     std::vector<std::string> m_sentences;
 };
 
-RuleStory describeRules(ScanRecord const& record);
+RuleStory describeRules(ScanRecord const& record, Rules::RuleNames const& names);
 
-// "rule 9001 says 0.97 spam: first_reverse_dynamic is yes and hop_behind_first is no"; of a rule
-// that fired.
+// "rule 9001 (A consumer line) says 0.97 spam: first_reverse_dynamic is yes and hop_behind_first is
+// no"; of a rule that fired.
 std::string ruleLine(DescribedRule const& described, ScanRecord const& record);
 // "node 13: first_reverse_dynamic is no; 0.25 spam, seen in 55 % of the training mail".
 std::string nodeLine(DescribedNode const& described);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/ScanText.h"
 
+#include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "apps/story/StepText.h"
 #include "apps/story/VerdictStory.h"
@@ -115,13 +116,21 @@ std::string s_lookups(ScanRecord const& record) {
     return s_titled("DNS could not say (counts as not existing):", lines);
 }
 
+// What decided has its sentence at the beginning of the explanation.
+std::string s_sentence(auto const& described) {
+    auto const* const name = described.m_name;
+    return name == nullptr || name->m_sentence.empty() || described.m_isDecider
+               ? std::string()
+               : s_words(name->m_sentence);
+}
+
 std::string s_elite(RuleStory const& story, ScanRecord const& record) {
     std::string lines;
     for (auto const& rule : story.m_elite) {
         if (!rule.m_rule->hasFired()) {
             continue;
         }
-        lines += s_line(ruleLine(rule, record));
+        lines += s_line(ruleLine(rule, record)) + s_sentence(rule);
         for (auto const& test : rule.m_tests) {
             lines += s_words(test.m_words);
         }
@@ -132,7 +141,8 @@ std::string s_elite(RuleStory const& story, ScanRecord const& record) {
 std::string s_path(RuleStory const& story, WalkEnd end) {
     std::string lines;
     for (auto const& node : story.m_path) {
-        lines += s_line(nodeLine(node)) + (node.m_test ? s_words(node.m_test->m_words) : "");
+        lines += s_line(nodeLine(node)) + s_sentence(node) +
+                 (node.m_test ? s_words(node.m_test->m_words) : "");
     }
     return s_titled("Path through the tree:",
                     lines.empty() ? "" : lines + s_line(walkEndText(end)));
@@ -149,6 +159,22 @@ std::string s_requirements(std::vector<Requirement> const& list) {
     return s_titled("Needed for another verdict:", lines);
 }
 
+std::string s_note(ScanRecord const& record) {
+    auto const note = singleChangeNote(record);
+    return note.empty() ? note : "  Another verdict: " + note + ".\n";
+}
+
+// "  Rule 9001 (A consumer line): Why it is there."
+std::string s_decider(RecordedVerdict const& verdict, Rules::RuleNames const& names) {
+    auto const* const name = deciderName(names, verdict);
+    if (name == nullptr) {
+        return {};
+    }
+    return (verdict.decision == Decision::elite ? "  Rule " : "  Node ") +
+           std::to_string(verdict.node) + inBrackets(name) +
+           (name->m_sentence.empty() ? "" : ": " + toPrintable(name->m_sentence)) + "\n";
+}
+
 std::string s_inWords(RuleStory const& story) {
     std::string text;
     for (auto const& sentence : story.m_sentences) {
@@ -159,7 +185,8 @@ std::string s_inWords(RuleStory const& story) {
 
 } // namespace
 
-std::string textRecord(std::string const& source, ScanRecord const& record, bool colour) {
+std::string textRecord(std::string const& source, ScanRecord const& record,
+                       Rules::RuleNames const& names, bool colour) {
     auto const& answer = record.verdict;
     bool const isDecided = answer.node != 0;
     auto const confidence = isDecided ? numberText(answer.confidence) : "-";
@@ -167,21 +194,25 @@ std::string textRecord(std::string const& source, ScanRecord const& record, bool
     auto line = s_verdict(answer, colour) + "  " + s_padded(confidence, confidenceWidth) + "  " +
                 s_padded(node, nodeWidth) + "  " + s_padded(s_cell(answer.ips), addressWidth) +
                 "  " + toPrintable(source);
+    if (auto const name = inBrackets(deciderName(names, answer)); !name.empty()) {
+        line += ' ' + name;
+    }
     if (record.failure) {
         line += "  (" + toPrintable(*record.failure) + ")";
     }
     return line + "\n";
 }
 
-std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& settings) {
-    auto const story = describeRules(record);
+std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& settings,
+                        Rules::RuleNames const& names) {
+    auto const story = describeRules(record, names);
     auto text = "  Because: " + toPrintable(reasonText(record, settings)) + ".\n" +
-                s_inWords(story) + s_trail(record);
+                s_decider(record.verdict, names) + s_inWords(story) + s_trail(record);
     if (record.isJudged()) {
         text += s_lookups(record) + s_attributes(record) + s_elite(story, record) +
                 s_path(story, record.tree.end);
     }
-    return text + s_requirements(requirements(record, settings)) + "\n";
+    return text + s_requirements(requirements(record, settings, names)) + s_note(record) + "\n";
 }
 
 } // namespace Quorvane

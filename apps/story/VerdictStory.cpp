@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/VerdictStory.h"
 
+#include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "apps/text/NumberText.h"
 #include "rules/format/AttributeTable.h"
@@ -15,6 +16,13 @@ namespace Quorvane {
 namespace {
 
 using Trail = std::vector<RecordedHop>;
+
+char const* s_verdictName(bool isSpam, bool isHam) {
+    if (isSpam) {
+        return "spam";
+    }
+    return isHam ? "ham" : "none";
+}
 
 bool s_has(Trail const& trail, HopRole role) {
     return std::any_of(trail.begin(), trail.end(),
@@ -92,6 +100,27 @@ std::vector<std::string> s_words(Alternative const& alternative) {
     return words;
 }
 
+std::string s_end(Alternative const& alternative, Rules::RuleNames const& names) {
+    if (alternative.node == 0) {
+        return "; then no rule decides";
+    }
+    auto const node = "; then node " + std::to_string(alternative.node) +
+                      inBrackets(deciderName(names, alternative.decision, alternative.node));
+    return alternative.isSpam || alternative.isHam ? node + " decides" : node + " gives no verdict";
+}
+
+Requirement s_requirement(Alternative const& alternative, AttributeVector const& now,
+                          Rules::RuleNames const& names) {
+    return {verdictName(alternative), s_changes(alternative, now) + s_end(alternative, names),
+            s_words(alternative)};
+}
+
+bool s_isSameChange(Alternative const& one, Alternative const& other) {
+    return one.changes.size() == 1 && other.changes.size() == 1 &&
+           one.changes[0].attribute == other.changes[0].attribute &&
+           one.changes[0].value == other.changes[0].value;
+}
+
 // A node decided, but neither threshold was reached: at which thresholds would it have been?
 void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verdict,
                      DeepHeaderSettings const& settings) {
@@ -103,6 +132,21 @@ void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verd
         {"spam", "a spam threshold of " + numberText(verdict.spamScore) + " or less", {}});
     list.push_back(
         {"ham", "a ham threshold of " + numberText(1.0 - verdict.confidence) + " or less", {}});
+}
+
+// The fewest changes that lead to ham may be a single one, which is in the list already.
+void s_addSingleChanges(std::vector<Requirement>& list, ScanRecord const& record,
+                        Rules::RuleNames const& names) {
+    if (!record.singleChanges) {
+        return;
+    }
+    for (auto const& change : record.singleChanges->list) {
+        if (std::none_of(
+                record.alternatives.begin(), record.alternatives.end(),
+                [&change](Alternative const& known) { return s_isSameChange(known, change); })) {
+            list.push_back(s_requirement(change, record.attributes, names));
+        }
+    }
 }
 
 // A walk that ended at an IPv6 relay continues if that relay is declared as the site's own.
@@ -121,10 +165,11 @@ std::vector<Requirement> s_wayOn(Trail const& trail) {
 } // namespace
 
 char const* verdictName(RecordedVerdict const& verdict) {
-    if (verdict.isSpam) {
-        return "spam";
-    }
-    return verdict.isHam ? "ham" : "none";
+    return s_verdictName(verdict.isSpam, verdict.isHam);
+}
+
+char const* verdictName(Alternative const& alternative) {
+    return s_verdictName(alternative.isSpam, alternative.isHam);
 }
 
 std::string reasonText(ScanRecord const& record, DeepHeaderSettings const& settings) {
@@ -142,20 +187,30 @@ std::string reasonText(ScanRecord const& record, DeepHeaderSettings const& setti
                                                      : s_decidedReason(record.verdict, settings);
 }
 
-std::vector<Requirement> requirements(ScanRecord const& record,
-                                      DeepHeaderSettings const& settings) {
+std::vector<Requirement> requirements(ScanRecord const& record, DeepHeaderSettings const& settings,
+                                      Rules::RuleNames const& names) {
     if (record.failure || !record.isJudged()) {
         return s_wayOn(record.trail);
     }
     std::vector<Requirement> list;
     for (auto const& alternative : record.alternatives) {
-        list.push_back({alternative.isSpam ? "spam" : "ham",
-                        s_changes(alternative, record.attributes) + "; then node " +
-                            std::to_string(alternative.node) + " decides",
-                        s_words(alternative)});
+        list.push_back(s_requirement(alternative, record.attributes, names));
     }
+    s_addSingleChanges(list, record, names);
     s_addThresholds(list, record.verdict, settings);
     return list;
+}
+
+std::string singleChangeNote(ScanRecord const& record) {
+    if (!record.singleChanges) {
+        return {};
+    }
+    if (!record.singleChanges->areAllTried) {
+        return "the rules name too many values to try every change of a single attribute";
+    }
+    return record.singleChanges->list.empty()
+               ? "no change of a single attribute would have let this message pass"
+               : "";
 }
 
 } // namespace Quorvane

@@ -2,8 +2,8 @@
 #include "apps/workshop/CaseRunner.h"
 
 #include "apps/host/HostSetup.h"
-#include "apps/host/RuleLoader.h"
 #include "apps/settings/SettingsTable.h"
+#include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
@@ -16,15 +16,19 @@ namespace Quorvane::Workshop {
 
 namespace {
 
-CaseResult s_resultOf(ScanRecord const& record, DeepHeaderSettings const& settings) {
+CaseResult s_resultOf(ScanRecord const& record, ScanHost const& host) {
     auto const& verdict = record.verdict;
+    auto const& names = host.ruleNames();
     CaseResult result;
+    if (auto const* const name = deciderName(names, verdict)) {
+        result.m_ruleName = *name;
+    }
     result.m_verdict = verdictName(verdict);
     result.m_node = verdict.node;
     result.m_confidence = verdict.confidence;
     result.m_reasons = verdict.adjustReason;
-    result.m_because = reasonText(record, settings);
-    result.m_sentences = describeRules(record).m_sentences;
+    result.m_because = reasonText(record, host.settings().m_judging);
+    result.m_sentences = describeRules(record, names).m_sentences;
     return result;
 }
 
@@ -72,16 +76,18 @@ std::vector<CaseDifference> s_compare(CaseExpectation const& expected, CaseResul
 
 } // namespace
 
-void CaseRunner::load(std::string const& rules) {
-    if (!m_engines.contains(rules)) {
-        m_engines.emplace(rules, engineOf(Rules::loadRules(rules).m_set));
+std::string CaseRunner::load(std::string const& rules) {
+    if (m_rules.contains(rules)) {
+        return {};
     }
+    auto const loaded = m_rules.emplace(rules, loadedRules(Rules::loadRules(rules).m_set)).first;
+    return loaded->second.m_names.m_problem;
 }
 
 CaseResult CaseRunner::run(RuleCase const& one, std::string const& path, std::string const& rules) {
     try {
-        auto const host = setUpHost(one.m_settings, m_engines.at(rules));
-        auto result = s_resultOf(s_judge(one, *host), one.m_settings.m_judging);
+        auto const host = setUpHost(one.m_settings, m_rules.at(rules));
+        auto result = s_resultOf(s_judge(one, *host), *host);
         result.m_differences = s_compare(one.m_expected, result);
         return result;
     } catch (SettingsError const& error) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/DeciderText.h"
 
+#include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "rules/format/RuleTests.h"
 #include "rules/language/RuleText.h"
@@ -54,11 +55,23 @@ std::vector<DeciderTest> s_testsOf(EliteNodes const& rule) {
 
 } // namespace
 
-std::string deciderName(Rules::Decider const& decider) {
+Rules::RuleName const* deciderRuleName(Rules::RuleNames const& names,
+                                       Rules::Decider const& decider) {
+    return deciderName(names, decider.m_isElite ? Decision::elite : Decision::tree,
+                       decider.m_number);
+}
+
+std::string deciderSentence(Rules::RuleNames const& names, Rules::Decider const& decider) {
+    auto const* const name = deciderRuleName(names, decider);
+    return name == nullptr ? std::string() : name->m_sentence;
+}
+
+std::string deciderText(Rules::RuleNames const& names, Rules::Decider const& decider) {
     if (decider.m_number == 0) {
         return "nothing";
     }
-    return (decider.m_isElite ? "elite rule " : "node ") + std::to_string(decider.m_number);
+    return (decider.m_isElite ? "elite rule " : "node ") + std::to_string(decider.m_number) +
+           inBrackets(deciderRuleName(names, decider));
 }
 
 std::vector<DeciderTest> deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "rules/evaluate/JudgedVector.h"
+#include "rules/model/RuleNames.h"
 #include "rules/model/RuleSet.h"
 
 #include <string>
@@ -12,8 +13,15 @@
 
 namespace Quorvane::Workshop {
 
-// "node 11", "elite rule 9001", "nothing".
-std::string deciderName(Rules::Decider const& decider);
+// The name of a decider; null: none. It points into `names`.
+Rules::RuleName const* deciderRuleName(Rules::RuleNames const& names,
+                                       Rules::Decider const& decider);
+
+// Why it is there; empty when its rules do not say so.
+std::string deciderSentence(Rules::RuleNames const& names, Rules::Decider const& decider);
+
+// "node 11", "elite rule 9001 (A consumer line)", "nothing".
+std::string deciderText(Rules::RuleNames const& names, Rules::Decider const& decider);
 
 struct DeciderTest {
     std::string m_text;  // as the rule language writes it: "first_reverse_dynamic == yes"

@@ -55,7 +55,7 @@ HeaderContainer messageHeaders(InputItem const& item) {
 
 // The engine does not start without a tree; an empty tree decides nothing.
 MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
-    : m_wantsRewritten(wantsRewritten), m_host(setUpHost(settings, engineOf(Rules::RuleSet{}))),
+    : m_wantsRewritten(wantsRewritten), m_host(setUpHost(settings, loadedRules(Rules::RuleSet{}))),
       m_isOwnRelay(s_ownRelays(settings)) {}
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {

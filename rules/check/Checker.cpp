@@ -76,6 +76,7 @@ void checkTreeRoot(TreeLinks const& tree, DeepHeaderSettings const& settings,
 Findings checkRules(RuleSet const& set, DeepHeaderSettings const& settings) {
     Findings findings;
     checkReadme(set, findings);
+    checkNames(set, findings);
     auto const run = eliteRun(set, settings);
     if (set.m_elite) {
         checkElite(*set.m_elite, settings, findings);

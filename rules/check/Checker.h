@@ -15,8 +15,8 @@
 
 namespace Quorvane::Rules {
 
-// All findings: README, elite rules in their order, the tree by node, then the set as a whole.
-// `settings` are those of the hosts that are to use it, on the scale of the rules (0..1).
+// All findings: README, names, elite rules in their order, the tree by node, then the set as a
+// whole. `settings` are those of the hosts that are to use it, on the scale of the rules (0..1).
 Findings checkRules(RuleSet const& set, DeepHeaderSettings const& settings);
 
 // Whether a host can load the set; the reason when not.

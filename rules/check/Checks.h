@@ -40,6 +40,8 @@ std::string notAPercentage(double support);
 std::string belowMinimum(double support, double minSupport);
 
 void checkReadme(RuleSet const& set, Findings& findings);
+// Names that nothing has, and a file of names that cannot be used.
+void checkNames(RuleSet const& set, Findings& findings);
 // qv2.dt as the loader sees it, rule by rule.
 void checkElite(EliteFile const& elite, DeepHeaderSettings const& settings, Findings& findings);
 // Elite rules that are never used because of others.

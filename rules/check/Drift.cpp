@@ -5,6 +5,7 @@
 #include "rules/language/Literals.h"
 #include "rules/language/RuleText.h"
 #include "rules/model/Readme.h"
+#include "rules/model/RuleNames.h"
 
 #include <algorithm>
 
@@ -109,6 +110,7 @@ class DriftFinder {
         nodes();
         bytes(File::tree, "the incomplete record at the end", m_ours.m_treeTail,
               m_theirs.m_treeTail);
+        names();
     }
 
   private:
@@ -240,6 +242,34 @@ class DriftFinder {
                 fields(File::tree, number, s_fields(m_ours.m_nodes[i]),
                        s_fields(m_theirs.m_nodes[i]));
             }
+        }
+    }
+
+    void name(RuleKey const& key, std::string const& problem) {
+        add(File::names, std::nullopt, problem);
+        m_findings.back().m_name = key;
+    }
+
+    void names() {
+        auto const ours = readNames(m_ours.m_names).m_names;
+        auto const theirs = readNames(m_theirs.m_names).m_names;
+        auto const before = m_findings.size();
+        for (auto const& [key, own] : ours) {
+            auto const found = theirs.find(key);
+            if (found == theirs.end()) {
+                name(key, "the name of " + keyWords(key) + " is missing in the files");
+            } else if (found->second != own) {
+                name(key, "the name or the sentence of " + keyWords(key) + " differs");
+            }
+        }
+        for (auto const& [key, other] : theirs) {
+            if (!ours.contains(key)) {
+                name(key, "the name of " + keyWords(key) + " is only in the files");
+            }
+        }
+        if (m_findings.size() == before) {
+            bytes(File::names, "the text of qv.names", m_ours.m_names.m_content.value_or(""),
+                  m_theirs.m_names.m_content.value_or(""));
         }
     }
 

@@ -3,6 +3,8 @@
 // What the checker found, where, and what to do about it.
 #pragma once
 
+#include "rules/model/RuleNames.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,8 +18,8 @@ struct Finding {
         warning,    // the set loads, and does not do what it seems to say
         difference, // the rule files in use differ from the rules
     };
-    // Which of the three files, or all of them together.
-    enum class File { readme, tree, elite, all };
+    // Which of the files, or all of them together.
+    enum class File { readme, tree, elite, names, all };
 
     Severity m_severity;
     // A short name that scripts can rely on.
@@ -29,6 +31,8 @@ struct Finding {
     // the finding is about the whole file.
     std::optional<std::int32_t> m_number{};
     std::optional<std::int32_t> m_condition{};
+    // Of a finding about a name: what it is the name of.
+    std::optional<RuleKey> m_name{};
 };
 
 using Findings = std::vector<Finding>;

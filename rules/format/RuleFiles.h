@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The two binary rule files, byte by byte (described in docs/rule-files.md).
+// The files of a rule set, and the two binary ones byte by byte (described in docs/rule-files.md).
 //
-// Both are little-endian and unpadded, and are read straight into these records. Their layout is
-// frozen: rule sets in the field depend on every offset. Never renumber, never reorder.
+// The binary ones are little-endian and unpadded, and are read straight into these records. Their
+// layout is frozen: rule sets in the field depend on every offset. Never renumber, never reorder.
 #pragma once
 
 #include <array>
@@ -16,7 +16,13 @@ namespace Quorvane {
 inline constexpr char ruleDirectory[] = "/var/spool/etc/antispam";
 inline constexpr char treeFileName[] = "qv.dt";
 inline constexpr char eliteFileName[] = "qv2.dt";
+// Names of rules, for people; no engine reads it.
+inline constexpr char namesFileName[] = "qv.names";
 inline constexpr char versionFileName[] = "README";
+// All of them, in the order in which they are put in place: a host loads when it sees the version.
+// Only the tree is in every set.
+inline constexpr std::array<char const*, 4> ruleFileNames{namesFileName, eliteFileName,
+                                                          treeFileName, versionFileName};
 inline constexpr char versionKey[] = "CF_DT_VERSION=";
 
 // Nodes that the engine's table holds. A file must leave the last one free: a full table cannot be

@@ -6,7 +6,6 @@
 #include "rules/model/RuleFolder.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -26,9 +25,6 @@ constexpr char stagingName[] = ".new";
 constexpr char leavingName[] = ".old";
 // Beside a link: the one that replaces it.
 constexpr char stagedLinkSuffix[] = ".new";
-
-// README last: a host that finds no README takes the rules without a version.
-constexpr std::array<char const*, 3> fileNames{eliteFileName, treeFileName, versionFileName};
 
 [[noreturn]] void s_fail(fs::path const& path, char const* what, std::error_code const& error) {
     throw RuleError(RuleError::Kind::cannotWrite,
@@ -132,7 +128,7 @@ std::string s_inForce(fs::path const& folder) {
 
 // Whether files stand where the links belong.
 bool s_hasForeignFiles(fs::path const& folder) {
-    return std::any_of(fileNames.begin(), fileNames.end(), [&folder](char const* name) {
+    return std::any_of(ruleFileNames.begin(), ruleFileNames.end(), [&folder](char const* name) {
         std::error_code error;
         return fs::exists(folder / name, error) && !s_isOurLink(folder, name);
     });
@@ -176,7 +172,7 @@ void s_makeCurrent(fs::path const& folder, std::string const& name) {
 }
 
 void s_putFileLinks(fs::path const& folder) {
-    for (auto const* const name : fileNames) {
+    for (auto const* const name : ruleFileNames) {
         if (!s_isOurLink(folder, name)) {
             s_putLink(folder / name, fs::path(currentName) / name);
         }
@@ -185,7 +181,7 @@ void s_putFileLinks(fs::path const& folder) {
 }
 
 void s_copyFiles(fs::path const& from, fs::path const& to) {
-    for (auto const* const name : fileNames) {
+    for (auto const* const name : ruleFileNames) {
         if (auto const content = readFileIfThere(from / name)) {
             replaceFile(to / name, *content);
             std::error_code error; // without its time the copy counts as made now
@@ -203,7 +199,7 @@ bool s_isLeftOver(std::string_view fileName) {
     auto const isAny = [&isOf](std::string_view name) {
         return isOf(name, std::strlen(stagedLinkSuffix) - 1) || isOf(name, 6);
     };
-    return isAny(currentName) || std::any_of(fileNames.begin(), fileNames.end(), isAny);
+    return isAny(currentName) || std::any_of(ruleFileNames.begin(), ruleFileNames.end(), isAny);
 }
 
 } // namespace

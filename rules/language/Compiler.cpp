@@ -48,6 +48,7 @@ CompiledRules compileRules(std::string_view text) {
         s_buildReadme(rules, compiled);
         buildElite(rules, compiled);
         buildTree(rules, compiled);
+        buildNamesFile(rules, compiled);
     }
     // The lexer has no limit of its own.
     auto& errors = compiled.m_errors;

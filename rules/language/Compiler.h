@@ -4,8 +4,10 @@
 #pragma once
 
 #include "rules/language/Diagnostic.h"
+#include "rules/model/RuleNames.h"
 #include "rules/model/RuleSet.h"
 
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -18,10 +20,14 @@ struct RulePlaces {
     std::vector<Position> m_rules;
     std::vector<std::vector<Position>> m_conditions;
     std::vector<Position> m_nodes;
+    std::map<RuleKey, Position> m_names; // those given at rules and nodes
+    Position m_namesFile;
 };
 
 struct CompiledRules {
     RuleSet m_set;
+    // Those given at rules and nodes; the file of names in the set is made of them.
+    RuleNames m_names;
     RulePlaces m_places;
     // In the order of the text; the set means nothing when there are any.
     std::vector<Diagnostic> m_errors;

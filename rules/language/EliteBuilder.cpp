@@ -46,6 +46,25 @@ EliteFileHeader s_header(EliteHeaderSyntax const& syntax, std::size_t ruleCount)
     return header;
 }
 
+void s_addName(EliteRuleSyntax const& syntax, CompiledRules& compiled) {
+    auto const& [name, sentence] = syntax.m_naming;
+    auto const code = +syntax.m_rule.code;
+    switch (syntax.m_rule.type) {
+    case EliteType::deciding:
+        return buildName(syntax.m_naming, {RuleKey::Kind::decide, code}, compiled);
+    case EliteType::adjusting:
+        return buildName(syntax.m_naming, {RuleKey::Kind::adjust, code}, compiled);
+    default:
+        break;
+    }
+    for (auto const& text : {name, sentence}) {
+        if (text) {
+            compiled.m_errors.push_back({text->m_position, "a rule that neither decides nor "
+                                                           "adjusts has no name; drop it"});
+        }
+    }
+}
+
 void s_addTail(RulesSyntax const& rules, EliteFile& elite, std::vector<Diagnostic>& errors) {
     if (!rules.m_eliteTail) {
         return;
@@ -60,7 +79,7 @@ void s_addTail(RulesSyntax const& rules, EliteFile& elite, std::vector<Diagnosti
 } // namespace
 
 void buildElite(RulesSyntax const& rules, CompiledRules& compiled) {
-    auto& [set, places, errors] = compiled;
+    auto& [set, names, places, errors] = compiled;
     EliteFile elite;
     if (rules.m_eliteHeader) {
         places.m_eliteHeader = rules.m_eliteHeader->m_position;
@@ -75,6 +94,7 @@ void buildElite(RulesSyntax const& rules, CompiledRules& compiled) {
         auto rule = syntax.m_rule;
         s_requireCode(syntax, errors);
         s_setConditionCount(syntax, rule, errors);
+        s_addName(syntax, compiled);
         elite.m_rules.push_back(std::move(rule));
         places.m_rules.push_back(syntax.m_position);
         places.m_conditions.push_back(syntax.m_conditionPlaces);

@@ -65,9 +65,11 @@ void s_ruleOption(TokenReader& in, EliteRuleSyntax& syntax) {
         rule.code = s_code(in);
     } else if (word.is("support")) {
         rule.support = in.number("a percentage from 0 to 100 is expected");
-    } else if (!acceptInteger(in, word, rule, ruleNumbers)) {
+    } else if (!acceptNaming(in, word, syntax.m_naming) &&
+               !acceptInteger(in, word, rule, ruleNumbers)) {
         rejectWord(in, word,
-                   {"code", "support", "level", "flag", "when", "always", "reserved", "conditions"},
+                   {"code", "support", "level", "name", "because", "flag", "when", "always",
+                    "reserved", "conditions"},
                    "an elite rule");
     }
     giveOnce(in, syntax.m_given, word, word.m_text);
@@ -90,8 +92,17 @@ void s_conditionList(TokenReader& in, EliteRuleSyntax& syntax) {
     }
 }
 
+// A line that begins with the conditions continues the rule; it is joined then.
+bool s_areConditionsNext(TokenReader& in) {
+    if (!in.peek().is("when") && !in.peek().is("always")) {
+        return false;
+    }
+    in.joinNextLine();
+    return true;
+}
+
 void s_ruleBody(TokenReader& in, EliteRuleSyntax& syntax) {
-    while (in.onLine() && !in.peek().is("when") && !in.peek().is("always")) {
+    while (!s_areConditionsNext(in) && (in.onLine() || continuesWithNaming(in))) {
         s_ruleOption(in, syntax);
     }
     if (in.acceptOnLine("when")) {

@@ -4,6 +4,8 @@
 #include "rules/language/Printers.h"
 #include "rules/language/RuleText.h"
 
+#include <optional>
+
 namespace Quorvane::Rules {
 
 namespace {
@@ -38,25 +40,39 @@ std::string s_kindText(EliteRecord const& rule) {
     }
 }
 
-std::string s_codeText(EliteRecord const& rule) {
-    auto const isLetter = rule.code > ' ' && rule.code <= '~';
-    if (rule.type == EliteType::adjusting && isLetter) {
-        return std::string(" code '") + static_cast<char>(rule.code) + '\'';
+// Of rules that can have a name, what it belongs to.
+std::optional<RuleKey> s_key(EliteRecord const& rule) {
+    switch (rule.type) {
+    case EliteType::adjusting:
+        return RuleKey{RuleKey::Kind::adjust, rule.code};
+    case EliteType::deciding:
+        return RuleKey{RuleKey::Kind::decide, rule.code};
+    default:
+        return std::nullopt;
     }
-    return " code " + std::to_string(rule.code);
 }
 
 std::string s_conditions(EliteNodes const& rule) {
     std::string text;
     for (auto const& condition : rule.conditions) {
-        text += text.empty() ? " when " : " and ";
+        text += text.empty() ? "when " : " and ";
         text += conditionText(condition);
     }
-    return text.empty() ? " always" : text;
+    return text.empty() ? "always" : text;
 }
 
-std::string s_ruleLine(EliteNodes const& rule) {
-    auto text = s_kindText(rule) + numberText(rule.weight) + s_codeText(rule);
+// The conditions follow the name on a line of their own.
+std::string s_nameAndConditions(EliteNodes const& rule, NamePrinter& names) {
+    auto const key = s_key(rule);
+    auto const name = key ? names.lines(*key, indentWidth) : "";
+    auto const start = name.empty() ? " " : '\n' + std::string(indentWidth, ' ');
+    return name + start + s_conditions(rule) + '\n';
+}
+
+std::string s_ruleText(EliteNodes const& rule, NamePrinter& names) {
+    auto const key = s_key(rule);
+    auto text = s_kindText(rule) + numberText(rule.weight) + " code " +
+                (key ? codeText(key->m_kind, rule.code) : std::to_string(rule.code));
     if (!sameBits(rule.support, rule.type == EliteType::deciding ? 100.0 : 0.0)) {
         text += " support " + numberText(rule.support);
     }
@@ -65,18 +81,18 @@ std::string s_ruleLine(EliteNodes const& rule) {
     printUnless(text, "reserved", +rule.reserved, 0);
     printUnless(text, "conditions", +rule.conditionCount,
                 static_cast<std::int32_t>(rule.conditions.size()));
-    return text + s_conditions(rule) + '\n';
+    return text + s_nameAndConditions(rule, names);
 }
 
 } // namespace
 
-std::string eliteText(EliteFile const& elite) {
+std::string eliteText(EliteFile const& elite, NamePrinter& names) {
     std::string text;
     if (elite.m_header) {
         text += s_headerLine(*elite.m_header, elite.m_rules.size());
     }
     for (auto const& rule : elite.m_rules) {
-        text += s_ruleLine(rule);
+        text += s_ruleText(rule, names);
     }
     if (!elite.m_header || !elite.m_tail.empty()) {
         text += hexLines("elite-tail", elite.m_tail);

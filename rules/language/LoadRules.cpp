@@ -5,12 +5,16 @@
 #include "rules/model/RuleError.h"
 #include "rules/model/RuleFolder.h"
 
+#include <utility>
+
 namespace Quorvane::Rules {
 
 LoadedRules loadRules(std::filesystem::path const& path) {
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) {
-        return {readFolder(path), false, {}};
+        auto set = readFolder(path);
+        auto names = readNames(set.m_names);
+        return {std::move(set), false, {}, std::move(names)};
     }
     auto const text = readFile(path);
     auto compiled = compileRules(text);
@@ -18,7 +22,8 @@ LoadedRules loadRules(std::filesystem::path const& path) {
         throw RuleError(RuleError::Kind::badData,
                         showErrors(path.string(), text, compiled.m_errors));
     }
-    return {std::move(compiled.m_set), true, std::move(compiled.m_places)};
+    auto names = readNames(compiled.m_set.m_names);
+    return {std::move(compiled.m_set), true, std::move(compiled.m_places), std::move(names)};
 }
 
 } // namespace Quorvane::Rules

@@ -14,6 +14,7 @@ struct LoadedRules {
     // Whether they came from a text; the places mean nothing otherwise.
     bool m_isText = false;
     RulePlaces m_places;
+    NamesRead m_names;
 };
 
 // A folder is read, a file is compiled. Throws a RuleError: noInput for what cannot be opened,

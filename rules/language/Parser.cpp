@@ -51,6 +51,8 @@ class Parser {
             giveOnce(m_in, m_given, word, word.m_text);
         } else if (word.is("readme")) {
             append(m_rules.m_readme, word, m_in.string("a text in double quotes is expected"));
+        } else if (word.is("names-file")) {
+            append(m_rules.m_namesFile, word, m_in.string("a text in double quotes is expected"));
         } else if (word.is("tree")) {
             parseTree(m_in, word, m_rules.m_tree);
             giveOnce(m_in, m_given, word, word.m_text);
@@ -71,6 +73,10 @@ class Parser {
             m_rules.m_eliteRules.push_back(parseEliteRule(m_in, word));
         } else if (word.is("elite-tail")) {
             append(m_rules.m_eliteTail, word, tail());
+        } else if (word.is("name") || word.is("because")) {
+            m_in.fail(word.m_position,
+                      "names stand before the conditions of an elite rule, or after "
+                      "the figures of a node");
         } else if (word.is("}")) {
             m_in.fail(word.m_position,
                       "this \"}\" closes nothing; look for a \"}\" too many above");

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "rules/language/Literals.h"
+#include "rules/language/NamePrinter.h"
 #include "rules/model/RuleSet.h"
 
 #include <array>
@@ -38,8 +39,10 @@ void printUnlessZero(std::string& text, char const* word,
     }
 }
 
-std::string eliteText(EliteFile const& elite);
-std::string treeText(RuleSet const& set);
+inline constexpr std::size_t indentWidth = 4;
+
+std::string eliteText(EliteFile const& elite, NamePrinter& names);
+std::string treeText(RuleSet const& set, NamePrinter& names);
 
 // One line for each 32 bytes, at least one, each with `word` before the bytes.
 std::string hexLines(char const* word, std::string_view bytes);

@@ -35,6 +35,11 @@ void parseStrayBlock(TokenReader& in);
 [[noreturn]] void rejectWord(TokenReader& in, Token const& word,
                              std::vector<std::string_view> const& known, std::string const& where);
 
+// Whether a line that begins with `name` or `because` continues the statement; it is joined then.
+bool continuesWithNaming(TokenReader& in);
+// Reads what follows `word` if it is `name` or `because`.
+bool acceptNaming(TokenReader& in, Token const& word, NamingSyntax& naming);
+
 // Notes that `word` gives the option `option`, and reports it when it was given before.
 void giveOnce(TokenReader& in, GivenWords& given, Token const& word, std::string_view option);
 

@@ -8,6 +8,7 @@
 #include "rules/model/Readme.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Quorvane::Rules {
 
@@ -15,15 +16,15 @@ namespace {
 
 constexpr std::size_t hexBytesInLine = 32;
 
-// One line of the language for each line of the README.
-std::string s_readmeLines(std::string_view readme) {
+// One line of the language, with `word`, for each line of a text file.
+std::string s_fileLines(std::string const& word, std::string_view file) {
     std::string text;
     do {
-        auto const end = readme.find('\n');
-        auto const length = end == std::string_view::npos ? readme.size() : end + 1;
-        text += "readme " + quotedText(readme.substr(0, length)) + '\n';
-        readme.remove_prefix(length);
-    } while (!readme.empty());
+        auto const end = file.find('\n');
+        auto const length = end == std::string_view::npos ? file.size() : end + 1;
+        text += word + ' ' + quotedText(file.substr(0, length)) + '\n';
+        file.remove_prefix(length);
+    } while (!file.empty());
     return text;
 }
 
@@ -34,7 +35,7 @@ std::string s_versionText(RuleSet const& set) {
     auto const version = set.version();
     auto const line = version ? "version " + std::to_string(*version) + '\n' : "";
     auto const isUsual = version && *set.m_readme == readmeText(*version);
-    return isUsual ? line : line + s_readmeLines(*set.m_readme);
+    return isUsual ? line : line + s_fileLines("readme", *set.m_readme);
 }
 
 std::string s_attributeText(std::int32_t attribute) {
@@ -52,6 +53,23 @@ std::string s_testText(std::int32_t test) {
     default:
         return " test(" + std::to_string(test) + ") ";
     }
+}
+
+// The names, if the file is the one that the compiler would make of them.
+RuleNames s_usualNames(SpareFile const& file) {
+    auto names = readNames(file).m_names;
+    return file.m_content && namesText(names) == *file.m_content ? std::move(names) : RuleNames();
+}
+
+std::string s_ruleText(RuleSet const& set, std::string const& namesFile, NamePrinter& names) {
+    auto text = s_versionText(set);
+    auto const append = [&text](std::string const& part) {
+        text += (text.empty() || part.empty() ? "" : "\n") + part;
+    };
+    append(namesFile);
+    append(set.m_elite ? eliteText(*set.m_elite, names) : "");
+    append(treeText(set, names));
+    return text;
 }
 
 } // namespace
@@ -73,13 +91,16 @@ std::string hexLines(char const* word, std::string_view bytes) {
 }
 
 std::string ruleText(RuleSet const& set) {
-    auto text = s_versionText(set);
-    auto const append = [&text](std::string const& part) {
-        text += (text.empty() || part.empty() ? "" : "\n") + part;
-    };
-    append(set.m_elite ? eliteText(*set.m_elite) : "");
-    append(treeText(set));
-    return text;
+    auto const names = s_usualNames(set.m_names);
+    NamePrinter atRules(names);
+    auto const text = s_ruleText(set, "", atRules);
+    bool const isUsual = !names.empty() && atRules.hasPrintedAll();
+    if (!set.m_names.m_content || isUsual) {
+        return text;
+    }
+    RuleNames const none;
+    NamePrinter nowhere(none);
+    return s_ruleText(set, s_fileLines("names-file", *set.m_names.m_content), nowhere);
 }
 
 } // namespace Quorvane::Rules

@@ -20,6 +20,18 @@ namespace Quorvane::Rules {
 // The options that a statement gives, as words of the text.
 using GivenWords = std::set<std::string_view>;
 
+template<typename T>
+struct Placed {
+    Position m_position;
+    T m_value;
+};
+
+// What a rule or a node is called, for people.
+struct NamingSyntax {
+    std::optional<Placed<Bytes>> m_name;
+    std::optional<Placed<Bytes>> m_sentence;
+};
+
 struct EliteHeaderSyntax {
     Position m_position;
     EliteFileHeader m_header{};
@@ -30,6 +42,7 @@ struct EliteRuleSyntax {
     Position m_position;
     EliteNodes m_rule{};
     std::vector<Position> m_conditionPlaces; // in the order of m_rule.conditions
+    NamingSyntax m_naming;
     GivenWords m_given;
 };
 
@@ -48,6 +61,7 @@ struct NodeSyntax {
     bool m_isRoot = false;
     std::optional<std::int32_t> m_number;
     DTNode m_record{};
+    NamingSyntax m_naming;
     GivenWords m_given;
     bool m_hasBlock = false;
     std::vector<ChildSyntax> m_children;
@@ -56,15 +70,10 @@ struct NodeSyntax {
 // A node and those nested in it, in reading order. A deque, so that nodes keep their places.
 using NodeList = std::deque<NodeSyntax>;
 
-template<typename T>
-struct Placed {
-    Position m_position;
-    T m_value;
-};
-
 struct RulesSyntax {
     std::optional<Placed<std::int32_t>> m_version;
     std::optional<Placed<Bytes>> m_readme;
+    std::optional<Placed<Bytes>> m_namesFile;
     std::optional<EliteHeaderSyntax> m_eliteHeader;
     std::vector<EliteRuleSyntax> m_eliteRules;
     std::optional<Placed<Bytes>> m_eliteTail;

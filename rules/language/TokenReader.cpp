@@ -90,8 +90,14 @@ Bytes TokenReader::hex(std::string const& what) {
     return {};
 }
 
+bool TokenReader::isContinuation() const {
+    auto const& token = peek();
+    return token.m_kind == Token::Kind::string || token.is("name") || token.is("because") ||
+           token.is("when") || token.is("always");
+}
+
 void TokenReader::skipStatement() {
-    while (onLine() && !peek().is("{") && !peek().is("}")) {
+    while ((onLine() || isContinuation()) && !peek().is("{") && !peek().is("}")) {
         next();
     }
 }

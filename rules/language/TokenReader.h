@@ -47,7 +47,7 @@ class TokenReader {
     Bytes string(std::string const& what);
     Bytes hex(std::string const& what);
 
-    // Skips the rest of a failed statement, up to the next line, or to a "{" or "}".
+    // Skips the rest of a failed statement, with the lines that continue it, or up to a "{" or "}".
     void skipStatement();
 
     void error(Position position, std::string const& text);
@@ -56,6 +56,8 @@ class TokenReader {
     [[noreturn]] void fail(Position position, std::string const& text);
 
   private:
+    // Whether the next line can only be the rest of a rule or node.
+    bool isContinuation() const;
     double bits();
     // Where something is missing: after the last token when the line has ended.
     Position here() const;

@@ -100,6 +100,7 @@ class TreeBuilder {
         }
         setChildren(node, record);
         rejectUnloadable(node, record);
+        buildName(node.m_naming, {RuleKey::Kind::node, *node.m_number}, m_compiled);
         nodes()[index(*node.m_number)] = record;
         m_compiled.m_places.m_nodes[index(*node.m_number)] = node.m_position;
     }

@@ -45,10 +45,11 @@ void s_fact(TokenReader& in, NodeSyntax& node) {
         record.children = children;
     } else if (word.is("reserved1")) {
         record.reserved1 = parseBytes<3>(in, word, node.m_position, "a node");
-    } else if (!acceptInteger(in, word, record, nodeNumbers)) {
+    } else if (!acceptNaming(in, word, node.m_naming) &&
+               !acceptInteger(in, word, record, nodeNumbers)) {
         rejectWord(in, word,
-                   {"confidence", "support", "counts", "leaf", "child-count", "slots", "reserved1",
-                    "reserved2"},
+                   {"confidence", "support", "counts", "name", "because", "leaf", "child-count",
+                    "slots", "reserved1", "reserved2"},
                    "a tree node");
     }
     giveOnce(in, node.m_given, word, word.m_text);
@@ -78,7 +79,7 @@ class TreeParser {
 
     // node-facts [ block ]
     void factsAndBlock(NodeSyntax& node, int depth) {
-        while (m_in.onLine() && !m_in.peek().is("{") && !m_in.peek().is("}")) {
+        while (hasFact()) {
             s_fact(m_in, node);
         }
         blockIfAny(node, depth);
@@ -91,6 +92,11 @@ class TreeParser {
     }
 
   private:
+    bool hasFact() {
+        bool const isFact = m_in.onLine() && !m_in.peek().is("{") && !m_in.peek().is("}");
+        return isFact || continuesWithNaming(m_in);
+    }
+
     // "{" { child } "}"
     void block(NodeSyntax& node, int depth) {
         auto const open = m_in.next();

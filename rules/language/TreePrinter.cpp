@@ -11,7 +11,6 @@ namespace Quorvane::Rules {
 
 namespace {
 
-constexpr int indentWidth = 4;
 // No tree that loads is deeper; a chain of nodes in a file that does not must not exhaust the
 // stack.
 constexpr int maxDepth = maxTreeNodes;
@@ -99,7 +98,8 @@ class Layout {
 
 class TreePrinter {
   public:
-    explicit TreePrinter(std::vector<DTNode> const& nodes) : m_nodes(nodes), m_layout(nodes) {}
+    TreePrinter(std::vector<DTNode> const& nodes, NamePrinter& names)
+        : m_nodes(nodes), m_names(names), m_layout(nodes) {}
 
     std::string run() {
         if (m_nodes.size() > treeRoot) {
@@ -146,10 +146,12 @@ class TreePrinter {
         printUnless(m_text, "leaf", int{record.isLeaf}, hasBlock ? 0 : 1);
         printUnlessZero(m_text, "reserved1", record.reserved1);
         printUnless(m_text, "reserved2", +record.reserved2, 0);
+        if (!hasBlock) {
+            rawChildren(record);
+        }
+        m_text += m_names.lines({RuleKey::Kind::node, number}, indent(depth + 1).size());
         if (hasBlock) {
             block(number, depth);
-        } else {
-            rawChildren(record);
         }
         m_text += '\n';
     }
@@ -196,14 +198,15 @@ class TreePrinter {
     }
 
     std::vector<DTNode> const& m_nodes;
+    NamePrinter& m_names;
     Layout m_layout;
     std::string m_text;
 };
 
 } // namespace
 
-std::string treeText(RuleSet const& set) {
-    auto text = TreePrinter(set.m_nodes).run();
+std::string treeText(RuleSet const& set, NamePrinter& names) {
+    auto text = TreePrinter(set.m_nodes, names).run();
     return set.m_treeTail.empty() ? text : text + hexLines("tree-tail", set.m_treeTail);
 }
 

@@ -42,26 +42,21 @@ class Descriptor {
     int m_fd;
 };
 
-Bytes s_readAll(Descriptor const& file, fs::path const& path) {
-    Bytes content;
+// Reads to the end, or past the limit. False, and errno says why, when it cannot.
+bool s_readAll(Descriptor const& file, std::size_t limit, Bytes& content) {
     std::array<char, 65536> block{};
-    for (;;) {
+    while (content.size() <= limit) {
         auto const got = ::read(file.get(), block.data(), block.size());
-        if (got < 0 && errno != EINTR) {
-            s_fail(Kind::noInput, path, "cannot be read", errno);
-        }
         if (got == 0) {
-            return content;
+            return true;
         }
         if (got > 0) {
             content.append(block.data(), static_cast<std::size_t>(got));
-        }
-        if (content.size() > maxRuleFileSize) {
-            throw RuleError(Kind::badData, path.string() + ": larger than " +
-                                               std::to_string(maxRuleFileSize >> 20U) +
-                                               " MiB, so it is not what is expected here");
+        } else if (errno != EINTR) {
+            return false;
         }
     }
+    return true;
 }
 
 void s_requireRegularFile(fs::path const& path) {
@@ -103,7 +98,14 @@ std::optional<Bytes> readFileIfThere(fs::path const& path) {
         }
         s_fail(Kind::noInput, path, "cannot be opened", errno);
     }
-    return s_readAll(file, path);
+    Bytes content;
+    if (!s_readAll(file, maxRuleFileSize, content)) {
+        s_fail(Kind::noInput, path, "cannot be read", errno);
+    }
+    if (content.size() > maxRuleFileSize) {
+        throw RuleError(Kind::badData, path.string() + ": larger than any rule file can be");
+    }
+    return content;
 }
 
 Bytes readFile(fs::path const& path) {
@@ -121,6 +123,26 @@ std::optional<Bytes> readRuleFileIfThere(fs::path const& path) {
 Bytes readRuleFile(fs::path const& path) {
     s_requireRegularFile(path);
     return readFile(path);
+}
+
+SpareFile readSpareFile(fs::path const& path, std::size_t limit) {
+    Descriptor const file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat facts {};
+    Bytes content;
+    if (!file.isOpen()) {
+        return {{},
+                errno == ENOENT ? "" : std::string("cannot be opened: ") + std::strerror(errno)};
+    }
+    if (::fstat(file.get(), &facts) != 0 || !S_ISREG(facts.st_mode)) {
+        return {{}, "is no regular file"};
+    }
+    if (!s_readAll(file, limit, content)) {
+        return {{}, std::string("cannot be read: ") + std::strerror(errno)};
+    }
+    if (content.size() > limit) {
+        return {{}, "has more than " + std::to_string(limit) + " bytes"};
+    }
+    return {std::move(content), ""};
 }
 
 StagedFile::StagedFile(fs::path path, std::string_view content)

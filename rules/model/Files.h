@@ -26,6 +26,8 @@ Bytes readFile(std::filesystem::path const& path);
 // as a pipe, as missing.
 std::optional<Bytes> readRuleFileIfThere(std::filesystem::path const& path);
 Bytes readRuleFile(std::filesystem::path const& path);
+// Only a regular file of at most `limit` bytes can be used; a pipe would make a reader wait.
+SpareFile readSpareFile(std::filesystem::path const& path, std::size_t limit);
 
 // A new file written and synced beside the old one, mode 644, waiting to replace it.
 class StagedFile {

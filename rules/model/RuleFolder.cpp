@@ -4,6 +4,7 @@
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
 #include "rules/model/RuleError.h"
+#include "rules/model/RuleNames.h"
 
 namespace Quorvane::Rules {
 
@@ -32,6 +33,20 @@ std::filesystem::path s_realFolder(std::filesystem::path const& folder) {
 
 } // namespace
 
+SpareFile readNamesFile(std::filesystem::path const& folder) {
+    return readSpareFile(folder / namesFileName, maxNamesFileSize);
+}
+
+std::optional<Bytes> ruleFile(RuleSet const& set, std::string_view name) {
+    if (name == treeFileName) {
+        return writeTree(set);
+    }
+    if (name == eliteFileName) {
+        return set.m_elite ? std::optional(writeElite(*set.m_elite)) : std::nullopt;
+    }
+    return name == namesFileName ? set.m_names.m_content : set.m_readme;
+}
+
 RuleSet readFolder(std::filesystem::path const& named) {
     s_checkIsNoFile(named);
     auto const folder = s_realFolder(named);
@@ -41,21 +56,18 @@ RuleSet readFolder(std::filesystem::path const& named) {
         set.m_elite = readElite(*elite);
     }
     set.m_readme = readRuleFileIfThere(folder / versionFileName);
+    set.m_names = readNamesFile(folder);
     return set;
 }
 
 void writeFolder(std::filesystem::path const& folder, RuleSet const& set) {
     makeFolder(folder);
-    if (set.m_elite) {
-        replaceFile(folder / eliteFileName, writeElite(*set.m_elite));
-    } else {
-        removeFile(folder / eliteFileName);
-    }
-    replaceFile(folder / treeFileName, writeTree(set));
-    if (set.m_readme) {
-        replaceFile(folder / versionFileName, *set.m_readme);
-    } else {
-        removeFile(folder / versionFileName);
+    for (auto const* const name : ruleFileNames) {
+        if (auto const content = ruleFile(set, name)) {
+            replaceFile(folder / name, *content);
+        } else {
+            removeFile(folder / name);
+        }
     }
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// RuleSet: the three rule files in memory, byte for byte. Every rule tool works on this value: the
-// compiler and the learner make it, the checker reads it, and reading and writing a folder
+// RuleSet: the files of a rule set in memory, byte for byte. Every rule tool works on this value:
+// the compiler and the learner make it, the checker reads it, and reading and writing a folder
 // (RuleFolder.h) are exact inverses.
 //
 // A plain value. It can also hold what an engine would refuse, so that this can be shown and
@@ -33,6 +33,12 @@ struct EliteFile {
     Bytes m_tail;
 };
 
+// A file that rules can do without: nothing that is wrong with it is an error.
+struct SpareFile {
+    std::optional<Bytes> m_content; // empty: there is none, or it cannot be used
+    std::string m_problem;          // why it cannot be used; empty: it can, or there is none
+};
+
 struct RuleSet {
     // The text of README, empty when there is none; version() reads it.
     std::optional<std::string> m_readme;
@@ -42,6 +48,8 @@ struct RuleSet {
     Bytes m_treeTail;
     // Empty when there is no qv2.dt.
     std::optional<EliteFile> m_elite;
+    // qv.names, which RuleNames.h reads.
+    SpareFile m_names;
 
     // The version that a host reads from the README; empty when it finds none.
     std::optional<std::int32_t> version() const {

@@ -233,10 +233,57 @@ TEST_F(HostSetupTest, AMessageInHandKeepsTheRulesItsHostBeganWith) {
     EXPECT_EQ(confidence(*m_host), 0.97);
 }
 
+class RuleNamesOfHost : public HostSetupTest {
+  protected:
+    ~RuleNamesOfHost() override { std::filesystem::remove(s_folder().path(namesFile())); }
+
+    static std::string namesFile() { return std::string(ruleFolder) + namesFileName; }
+
+    static std::string nameOfNode3(ScanHost const& host) {
+        auto const& names = host.ruleNames();
+        auto const found = names.find({Rules::RuleKey::Kind::node, 3});
+        return found == names.end() ? "" : found->second.m_name;
+    }
+
+    static void writeName(std::string const& name) {
+        s_folder().write(namesFile(),
+                         Rules::namesText({{{Rules::RuleKey::Kind::node, 3}, {name, ""}}}));
+    }
+};
+
+TEST_F(RuleNamesOfHost, ComeWithTheRules) {
+    EXPECT_EQ(nameOfNode3(*m_host), "");
+    EXPECT_EQ(m_host->namesProblem(), "");
+    writeName("One");
+    auto const first = setUpHost(m_first);
+    EXPECT_EQ(nameOfNode3(*first), "One");
+    writeName("Two");
+    EXPECT_EQ(withNewerRules(first), first) << "names alone are no reason to load";
+    installRules(0.5);
+    EXPECT_EQ(nameOfNode3(*withNewerRules(first)), "Two");
+    EXPECT_EQ(nameOfNode3(*first), "One") << "it never changes";
+    EXPECT_EQ(nameOfNode3(first->judgingWith(DeepHeaderSettings())), "One");
+}
+
+TEST_F(RuleNamesOfHost, KeepNoRulesFromBeingLoaded) {
+    auto const file = s_folder().path("root") + ruleDirectory + "/qv.names: ";
+    s_folder().write(namesFile(), "damaged");
+    installRules(0.42);
+    auto const damaged = setUpHost(m_first);
+    EXPECT_EQ(confidence(*damaged), 0.42);
+    EXPECT_EQ(damaged->namesProblem(), file + "line 1: this is no file of rule names of format 1");
+    std::filesystem::remove(s_folder().path(namesFile()));
+    ASSERT_EQ(::mkfifo(s_folder().path(namesFile()).c_str(), 0644), 0);
+    installRules(0.43);
+    auto const pipe = setUpHost(m_first);
+    EXPECT_EQ(confidence(*pipe), 0.43);
+    EXPECT_EQ(pipe->namesProblem(), file + "is no regular file");
+}
+
 TEST_F(HostSetupTest, AnEngineOfTheProgramsOwnNeedsNoRoot) {
     auto settings = other();
     settings.m_root = "/no/such/folder";
-    auto const host = setUpHost(settings, engineOf(Rules::RuleSet{}));
+    auto const host = setUpHost(settings, loadedRules(Rules::RuleSet{}));
     EXPECT_EQ(confidence(*host), -1.0);
 }
 

@@ -63,7 +63,8 @@ std::string s_picture(ProgramResult const& result, std::string const& name) {
     auto record = Json::parse(result.m_output);
     record["source"] = "examples/" + name + ".eml";
     auto& explain = record["explain"];
-    for (auto const* key : {"because", "needed", "trail", "rules", "values", "facts"}) {
+    for (auto const* key :
+         {"because", "needed", "trail", "rules", "values", "facts", "singleChanges"}) {
         explain.erase(key);
     }
     explain["tree"].erase("nodes");
@@ -143,6 +144,26 @@ TEST(Examples, AreJudgedTogetherAsAlone) {
         expectGolden(golden / (name + ".json"), s_picture({0, line, {}}, name));
     }
     EXPECT_FALSE(std::getline(lines, line)) << line;
+}
+
+TEST(Examples, AnswerWhatWouldHaveStoppedEachVerdictOfSpam) {
+    int spam = 0;
+    for (auto const& name : s_names(examples, ".eml")) {
+        auto const record = Json::parse(s_scan({"--explain", examples / (name + ".eml")}).m_output);
+        auto const& changes = record["explain"]["singleChanges"];
+        EXPECT_EQ(changes.is_null(), record["verdict"] != "spam") << name;
+        if (changes.is_null()) {
+            continue;
+        }
+        ++spam;
+        EXPECT_TRUE(changes["allTried"]) << name;
+        EXPECT_EQ(changes["text"], changes["list"].empty()
+                                       ? "no change of a single attribute would have let this "
+                                         "message pass"
+                                       : "")
+            << name;
+    }
+    EXPECT_GE(spam, 4);
 }
 
 TEST(Examples, HaveTheVectorsThatWereApproved) {

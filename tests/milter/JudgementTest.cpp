@@ -27,20 +27,41 @@ ScanRecord s_withLookup(LookupResult result) {
 }
 
 TEST(JudgementTest, TakesTheVerdictOfTheScan) {
-    auto const judgement = judgementOf(s_spam(), {});
+    auto const judgement = judgementOf(s_spam(), {}, {});
     EXPECT_TRUE(judgement.m_verdict.isSpam);
     EXPECT_FALSE(judgement.m_failure);
     EXPECT_EQ(resultText(judgement),
               "spam; node=17; confidence=0.9731; support=0.421; ips=192.0.2.55,192.0.2.56");
 }
 
+TEST(JudgementTest, NamesTheRuleThatDecidedAfterTheNode) {
+    Rules::RuleNames const names{{{Rules::RuleKey::Kind::decide, 17}, {"A bot", ""}},
+                                 {{Rules::RuleKey::Kind::node, 17}, {"A node", "Why."}}};
+    auto record = s_spam();
+    record.verdict.decision = Decision::elite;
+    EXPECT_EQ(resultText(judgementOf(record, {}, names)),
+              "spam; node=17; rule=\"A bot\"; confidence=0.9731; support=0.421; "
+              "ips=192.0.2.55,192.0.2.56");
+    record.verdict.decision = Decision::tree;
+    EXPECT_EQ(ruleText(judgementOf(record, {}, names)), " rule=\"A node\"");
+    record.verdict.node = 18;
+    EXPECT_EQ(ruleText(judgementOf(record, {}, names)), "");
+}
+
+TEST(JudgementTest, NamesNoRuleWhereAFailureTookTheVerdictAway) {
+    Rules::RuleNames const names{{{Rules::RuleKey::Kind::decide, 17}, {"A bot", ""}}};
+    auto record = s_withLookup(LookupResult::late);
+    record.verdict.decision = Decision::elite;
+    EXPECT_EQ(resultText(judgementOf(record, {}, names)), "none; error=dns-failure");
+}
+
 TEST(JudgementTest, HasNoFiguresWhereNoRuleDecided) {
-    EXPECT_EQ(resultText(judgementOf(ScanRecord(), {})), "none; node=0");
+    EXPECT_EQ(resultText(judgementOf(ScanRecord(), {}, {})), "none; node=0");
 }
 
 TEST(JudgementTest, CountsNoVerdictThatRestsOnLookupsThatFailed) {
     for (auto const result : {LookupResult::failed, LookupResult::late}) {
-        auto const judgement = judgementOf(s_withLookup(result), {});
+        auto const judgement = judgementOf(s_withLookup(result), {}, {});
         EXPECT_FALSE(judgement.m_verdict.isSpam || judgement.m_verdict.isHam);
         EXPECT_EQ(judgement.m_failure, Failure::dnsFailed);
         EXPECT_EQ(resultText(judgement), "none; error=dns-failure");
@@ -50,19 +71,19 @@ TEST(JudgementTest, CountsNoVerdictThatRestsOnLookupsThatFailed) {
 TEST(JudgementTest, CountsItWhenTheSettingsSaySo) {
     MilterSettings settings;
     settings.m_trustFailedLookups = 1;
-    EXPECT_TRUE(judgementOf(s_withLookup(LookupResult::late), settings).m_verdict.isSpam);
+    EXPECT_TRUE(judgementOf(s_withLookup(LookupResult::late), settings, {}).m_verdict.isSpam);
 }
 
 TEST(JudgementTest, TakesLookupsThatWereAnsweredForWhatTheyAre) {
     for (auto const result : {LookupResult::answered, LookupResult::doesNotExist}) {
-        EXPECT_TRUE(judgementOf(s_withLookup(result), {}).m_verdict.isSpam);
+        EXPECT_TRUE(judgementOf(s_withLookup(result), {}, {}).m_verdict.isSpam);
     }
 }
 
 TEST(JudgementTest, KnowsAScanThatFailed) {
     auto record = s_spam();
     record.failure = "a reason";
-    EXPECT_EQ(judgementOf(record, {}).m_failure, Failure::scanFailed);
+    EXPECT_EQ(judgementOf(record, {}, {}).m_failure, Failure::scanFailed);
 }
 
 TEST(ActionTest, IsThatOfTheVerdict) {

@@ -97,6 +97,38 @@ class Verdicts(MilterTest):
                 self.assertTrue(any(line.startswith("removed") for line in answer), answer)
                 self.assertIn(SPAM, answer)
 
+    def test_the_rule_that_decided_is_named_after_its_number(self):
+        daemon = self.daemon()
+        names = daemon.root / "var/spool/etc/antispam/qv.names"
+        names.write_text("Names of Quorvane Deep Header rules, format 1\n"
+                         "decide 7\nname A bare word ('pc')\n")
+        daemon.start()
+        script = """
+            postfix_client("unknown", "192.0.2.55", "localhost")
+            message()"""
+        self.assertEqual(self.play(daemon, script), [
+            "accept", SPAM.replace("; confidence", "; rule=\"A bare word ('pc')\"; confidence")])
+        self.assertIn("verdict=spam node=7 rule=\"A bare word ('pc')\" action=header time=",
+                      daemon.wait_for_log("queue="))
+        names.unlink()
+        daemon.reload()
+        daemon.wait_for_log("settings and rules were reloaded")
+        self.assertEqual(self.play(daemon, script), ["accept", SPAM])
+
+    def test_names_that_cannot_be_used_are_said_and_left_out(self):
+        daemon = self.daemon()
+        names = daemon.root / "var/spool/etc/antispam/qv.names"
+        names.write_text("Names of Quorvane Deep Header rules, format 1\n"
+                         "decide 7\nname X\x1b[2J\r\n\tBcc: x@example.com\n")
+        daemon.start()
+        self.assertIn(f"warning: rules are shown without names: {names}: line 3: a name takes ",
+                      daemon.wait_for_log("without names"))
+        self.assertEqual(self.play(daemon, """
+            postfix_client("unknown", "192.0.2.55", "localhost")
+            message()"""), ["accept", SPAM])
+        daemon.reload()
+        daemon.wait_for_log("without names", 2)
+
     def test_one_line_a_message_goes_to_the_log(self):
         self.play(self.running, """
             postfix_client("unknown", "192.0.2.55", "localhost")

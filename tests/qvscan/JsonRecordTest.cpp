@@ -52,7 +52,8 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
                                           "lookups",
                                           "rules",
                                           "values",
-                                          "facts"}));
+                                          "facts",
+                                          "singleChanges"}));
     EXPECT_EQ(s_keys(explain["hops"][0]),
               (Arguments{"from", "reverseName", "by", "address", "privateIP", "authenticated",
                          "receiveTime", "isForged"}));
@@ -68,6 +69,42 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
               (Arguments{"path", "result", "use", "end", "text", "nodes"}));
     EXPECT_EQ(explain["receivers"].size(), 3U);
     EXPECT_EQ(explain["attributes"].size(), 38U);
+}
+
+TEST_F(JsonRecord, NamesFollowTheOtherKeys) {
+    auto const bare = records(scan({}, spam())).at(0);
+    writeNames({{{Kind::node, 3}, {"A dynamic name", "It \xc3\xbc."}},
+                {{Kind::adjust, 'a'}, {"An addend", ""}},
+                {{Kind::node, 4}, {"A server", ""}}});
+    auto named = records(scan({}, spam())).at(0);
+    auto keys = s_keys(bare);
+    keys.insert(keys.end(), {"ruleName", "ruleSentence"});
+    EXPECT_EQ(s_keys(named), keys);
+    EXPECT_EQ(named["ruleName"], "A dynamic name");
+    EXPECT_EQ(named["ruleSentence"], "It \xc3\xbc.");
+    named.erase("ruleName");
+    named.erase("ruleSentence");
+    EXPECT_EQ(named, bare);
+    auto const other = records(scan({}, ham())).at(0);
+    EXPECT_EQ(other["ruleName"], "A server");
+    EXPECT_FALSE(other.contains("ruleSentence"));
+    EXPECT_FALSE(records(scan({}, none())).at(0).contains("ruleName")) << "node 5 has none";
+}
+
+TEST_F(JsonRecord, ExplainNamesRulesAndNodes) {
+    writeNames({{{Kind::node, 3}, {"A dynamic name", ""}},
+                {{Kind::adjust, 'a'}, {"An addend", "Why."}},
+                {{Kind::node, 4}, {"A server", ""}}});
+    auto const record = explained({}, spam());
+    EXPECT_EQ(s_keys(record).back(), "ruleName");
+    auto const& explain = record["explain"];
+    EXPECT_EQ(s_keys(explain["rules"][0]).back(), "ruleSentence");
+    EXPECT_EQ(explain["rules"][0]["ruleName"], "An addend");
+    EXPECT_FALSE(explain["rules"][1].contains("ruleName"));
+    EXPECT_EQ(explain["tree"]["nodes"][1]["ruleName"], "A dynamic name");
+    EXPECT_EQ(explain["singleChanges"]["list"][0]["ruleName"], "A server");
+    EXPECT_EQ(explain["needed"][0]["change"],
+              "first_reverse_dynamic is no (it is yes); then node 4 (A server) decides");
 }
 
 TEST_F(JsonRecord, TellsATreeVerdict) {

@@ -72,6 +72,14 @@ ScanTest::ScanTest() {
     Rules::writeFolder(m_folder.path() / ("root" + std::string(ruleDirectory)), s_rules());
 }
 
+void ScanTest::writeNames(Rules::RuleNames const& names) const {
+    writeNamesFile(Rules::namesText(names));
+}
+
+void ScanTest::writeNamesFile(std::string const& text) const {
+    m_folder.write("root" + std::string(ruleDirectory) + '/' + namesFileName, text);
+}
+
 ProgramResult ScanTest::run(Arguments const& arguments, std::string const& input) {
     return runProgram(QV_SCAN_PROGRAM, arguments, input);
 }

@@ -3,6 +3,7 @@
 // Runs the built qvscan over a small rule set and messages in a folder of the test.
 #pragma once
 
+#include "rules/model/RuleNames.h"
 #include "support/JsonLines.h"
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
@@ -28,6 +29,11 @@ class ScanTest : public testing::Test {
     // spam), one without to node 4 (0.02), any other to node 5 (0.5). Elite rule 'a' adds 0.01 when
     // the trail goes on after the first hop; elite rule 901 (level 2) decides on status_indicated.
     ScanTest();
+
+    using Kind = Rules::RuleKey::Kind;
+    // Puts these names, or this text in their place, beside the rules.
+    void writeNames(Rules::RuleNames const& names) const;
+    void writeNamesFile(std::string const& text) const;
 
     // With --root, DNS off and --format json; these may be overridden by `arguments`.
     ProgramResult scan(Arguments const& arguments, std::string const& input = {}) const;

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // The explanation for people: the words of a verdict, of the trail and of the rules.
 #include "qvscan/ScanFixture.h"
+#include "rules/format/RuleFiles.h"
+
+#include <gmock/gmock.h>
 
 namespace Quorvane::Testing {
 
 namespace {
+
+using ::testing::HasSubstr;
 
 class TextExplain : public ScanTest {
   protected:
@@ -29,6 +34,42 @@ class TextExplain : public ScanTest {
         return words;
     }
 };
+
+TEST_F(TextExplain, NamesWhatDecidedAtTheEndOfTheLine) {
+    auto const line = [this] { return scan({"--format", "text"}, spam()).m_output; };
+    auto const bare = line();
+    writeNames({{{Kind::node, 3}, {"A dynamic name", "Not in the line."}}});
+    EXPECT_EQ(line(), bare.substr(0, bare.size() - 1) + "  (A dynamic name)\n");
+    writeNames({{{Kind::decide, 3}, {"An elite rule of that number", ""}}});
+    EXPECT_EQ(line(), bare);
+}
+
+TEST_F(TextExplain, GivesTheReasonOfTheRuleThatDecidedFirst) {
+    writeNames({{{Kind::node, 3}, {"A dynamic name", "Why it is there."}},
+                {{Kind::adjust, 'a'}, {"An addend", "Why it adds."}},
+                {{Kind::decide, 901}, {"The status", "Its sentence."}}});
+    EXPECT_THAT(explain({}, spam()),
+                HasSubstr("\n  Node 3 (A dynamic name): Why it is there.\n  In words: "));
+    EXPECT_THAT(explain({}, spam()),
+                HasSubstr("\n    node 3 (A dynamic name): first_reverse_dynamic is yes; "));
+    auto const elite = explain({"--message-status", "3", "--max-elite-level", "2"},
+                               hop("a.example", "b.example", "192.0.2.7") + spam());
+    EXPECT_THAT(elite, HasSubstr("\n  Rule 901 (The status): Its sentence.\n"));
+    EXPECT_THAT(elite, HasSubstr("\n    rule a (An addend) adjusts by +0.01: hop_behind_first is "
+                                 "yes\n      Why it adds.\n"));
+    EXPECT_THAT(elite, HasSubstr("\n    rule 901 (The status) says 0.96 spam: "));
+}
+
+TEST_F(TextExplain, AFileOfNamesThatCannotBeUsedIsSaidOnceAndChangesNothingElse) {
+    auto const before = scan({}, separator + spam() + "\n" + separator + ham());
+    writeNamesFile("damaged\n");
+    auto const after = scan({}, separator + spam() + "\n" + separator + ham());
+    EXPECT_EQ(after.m_output, before.m_output);
+    EXPECT_EQ(after.m_status, before.m_status);
+    EXPECT_EQ(after.m_errors,
+              "qvscan: " + root() + ruleDirectory + "/qv.names: line 1: this is no " +
+                  "file of rule names of format 1; rules are shown without names\n");
+}
 
 TEST_F(TextExplain, GivesThePlainReasonForNoVerdict) {
     auto const privately = hop("a.example", "b.example", "10.0.0.1") + "\n";

@@ -257,6 +257,39 @@ TEST(CheckerTest, FindsVersionsThatHostsDoNotTakeUp) {
     EXPECT_EQ(s_found(set), "version-negative");
 }
 
+TEST(CheckerTest, FindsNamesThatNothingHas) {
+    auto set = s_goodSet();
+    set.m_elite = EliteFile{plainEliteHeader(), {}, {}};
+    EliteNodes rule{};
+    rule.type = EliteType::adjusting;
+    rule.code = 'a';
+    set.m_elite->m_rules = {rule};
+    set.m_elite->m_header->nodeCount = 1;
+    using Kind = RuleKey::Kind;
+    auto const last = static_cast<std::int32_t>(set.m_nodes.size()) - 1;
+    set.m_names.m_content = namesText({{{Kind::adjust, 'a'}, {"A", ""}},
+                                       {{Kind::node, treeRoot}, {"B", ""}},
+                                       {{Kind::node, last}, {"C", ""}}});
+    EXPECT_EQ(s_found(set), "");
+    set.m_names.m_content = namesText({{{Kind::decide, 'a'}, {"A", ""}},
+                                       {{Kind::adjust, 'b'}, {"B", ""}},
+                                       {{Kind::node, 1}, {"C", ""}},
+                                       {{Kind::node, last + 1}, {"D", ""}}});
+    EXPECT_EQ(s_found(set), "name-without-rule | name-without-rule | name-without-rule | "
+                            "name-without-rule");
+    EXPECT_EQ(checkRules(set, programDefaults()).at(0).m_problem,
+              "there is a name for elite rule 97, but no such rule");
+}
+
+TEST(CheckerTest, FindsAFileOfNamesThatCannotBeUsed) {
+    auto set = s_goodSet();
+    set.m_names.m_content = "hello";
+    EXPECT_EQ(s_found(set), "names-unusable");
+    set.m_names = {{}, "is no regular file"};
+    EXPECT_EQ(s_found(set), "names-unusable");
+    EXPECT_EQ(loadProblem(set), std::nullopt);
+}
+
 TEST(CheckerTest, TheSettingsSayWhatIsLeftOut) {
     auto const set = compileRules("version 1\nelite last also-tree\n"
                                   "decide 0.5 code 1 level 2 support 30 when 33 == yes\n"

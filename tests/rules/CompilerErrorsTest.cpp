@@ -23,7 +23,7 @@ std::string s_errors(std::string const& text) {
 
 struct ErrorCase {
     std::string m_text;
-    char const* m_errors;
+    std::string m_errors;
 };
 
 class CompilerErrorsTest : public testing::TestWithParam<ErrorCase> {};
@@ -128,11 +128,10 @@ INSTANTIATE_TEST_SUITE_P(
             "fires, as in code 'd'\n"},
         ErrorCase{"elite first\ndecide nan code 1 always",
                   "2:8 a confidence from 0 to 1 is expected, as in 0.97; found \"nan\"\n"},
-        ErrorCase{
-            "elite first\nadjust 0,5 code 1 always",
-            "2:9 unexpected character \",\"\n"
-            "2:10 unexpected \"5\" in an elite rule; it takes code, support, level, flag, when, "
-            "always, reserved, conditions\n"},
+        ErrorCase{"elite first\nadjust 0,5 code 1 always",
+                  "2:9 unexpected character \",\"\n"
+                  "2:10 unexpected \"5\" in an elite rule; it takes code, support, level, name, "
+                  "because, flag, when, always, reserved, conditions\n"},
         ErrorCase{
             "elite first\ndecide bits(7) code 1 always",
             "2:13 bits(0x...) with up to 16 hexadecimal digits is expected; \"7\" is not one\n"},
@@ -216,6 +215,89 @@ INSTANTIATE_TEST_SUITE_P(
                   "501:32 nested deeper than a tree of 499 nodes can be\n"},
         ErrorCase{"tree-tail \"" + s_repeat("00", 92) + "\"",
                   "1:1 a tree tail is shorter than a record of 92 bytes\n"}));
+
+// A rule with a name on a line of its own.
+std::string s_named(std::string const& naming) {
+    return "elite first\ndecide 1 code 5\n  " + naming + "\n  always";
+}
+
+// They turn the direction of text around; in two parts, so that they do not do so here.
+std::string const s_override = std::string("\xe2\x80") + '\xae';
+std::string const s_isolate = std::string("\xe2\x81") + '\xa6';
+std::string const s_nameCharacters =
+    "a name takes printable ASCII characters only, and none of \" \\ ; =\n";
+std::string const s_sentenceCharacters =
+    "a sentence is one line without control characters and invisible ones\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    Names, CompilerErrorsTest,
+    testing::Values(
+        ErrorCase{s_named("name"),
+                  "3:7 a name in double quotes is expected; found the end of the line\n"},
+        ErrorCase{s_named("name 5"), "3:8 a name in double quotes is expected; found \"5\"\n"},
+        ErrorCase{s_named("name \"a\"\n  because"),
+                  "4:10 a sentence in double quotes is expected; found the end of the line\n"},
+        ErrorCase{s_named("name \"\""), "3:8 a name cannot be empty\n"},
+        ErrorCase{s_named("name \"" + s_repeat("a", 60) + "\""), ""},
+        ErrorCase{s_named("name \"" + s_repeat("a", 61) + "\""),
+                  "3:8 a name has at most 60 characters; this one has 61\n"},
+        ErrorCase{s_named("name \" a\""), "3:8 a name does not begin or end with a blank\n"},
+        ErrorCase{s_named("name \"a \""), "3:8 a name does not begin or end with a blank\n"},
+        ErrorCase{s_named("name \"a\\nb\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"a\\rb\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"a\\x00b\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"a\\x7fb\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"a; b\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"a\\\"b\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"=?utf-8?q?a?=\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"J\xc3\xbcrgen\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("name \"" + s_override + "gnp\""), "3:8 " + s_nameCharacters},
+        ErrorCase{s_named("because \"why\""),
+                  "3:11 a sentence needs a name before it; add \"name\" and a name in double "
+                  "quotes\n"},
+        ErrorCase{s_named("name \"a\" because \"\""), "3:20 a sentence cannot be empty\n"},
+        ErrorCase{s_named("name \"a\" because \"" + s_repeat("\xc3\xa4", 300) + "\""), ""},
+        ErrorCase{s_named("name \"a\" because \"" + s_repeat("\xc3\xa4", 301) + "\""),
+                  "3:20 a sentence has at most 300 characters; this one has 301\n"},
+        ErrorCase{s_named("name \"a\" because \"b\\nc\""), "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b\tc\""), "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b\\xc2\\x85c\""), "3:20 " + s_sentenceCharacters},
+        // Right-to-left override, isolate, mark; line separator; zero width space.
+        ErrorCase{s_named("name \"a\" because \"b" + s_override + "\""),
+                  "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b" + s_isolate + "\""),
+                  "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b\xd8\x9c\""), "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b\xe2\x80\xa8\""), "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b\xe2\x80\x8b\""), "3:20 " + s_sentenceCharacters},
+        ErrorCase{s_named("name \"a\" because \"b\\xff\""), "3:20 a sentence is text in UTF-8\n"},
+        ErrorCase{s_named("name \"a\" because \"b \""),
+                  "3:20 a sentence does not begin or end with a blank\n"},
+        ErrorCase{s_named("name \"a\" name \"b\""), "3:12 \"name\" is given twice; keep one\n"},
+        ErrorCase{s_named("name \"a\"") + "\ndecide 1 code 5\n  name \"b\" always",
+                  "6:8 elite rule 5 has a name already, in line 3; rules of one code share one "
+                  "name\n"},
+        ErrorCase{s_named("name \"a\"") + "\nadjust 1 code 5 name \"a\" always", ""},
+        ErrorCase{"elite first\ntype 7 1 code 5 name \"a\" because \"b\" always",
+                  "2:22 a rule that neither decides nor adjusts has no name; drop it\n"
+                  "2:34 a rule that neither decides nor adjusts has no name; drop it\n"},
+        ErrorCase{"tree {\n 5 == 1: confidence 0 support 1\n  name \"a;\"\n}",
+                  "3:8 " + s_nameCharacters},
+        ErrorCase{"tree {\n 5 == 1: confidence 0 support 1\n  because \"b\"\n}",
+                  "3:11 a sentence needs a name before it; add \"name\" and a name in double "
+                  "quotes\n"},
+        ErrorCase{"elite first\ndecide 1 code 5 always\nname \"a\"",
+                  "3:1 names stand before the conditions of an elite rule, or after the figures of "
+                  "a node\n"},
+        ErrorCase{s_named("name \"a\"") + "\nnames-file \"x\"",
+                  "5:1 names are given at the rules, too; drop the names-file lines, or those "
+                  "names\n"},
+        // The lines of a rule that is wrong are skipped with it.
+        ErrorCase{"elite first\ndecide x code 5\n  name \"a\"\n  because \"b\"\n    \"c\"\n"
+                  "  when 5 == 1\numbrella",
+                  "2:8 a confidence from 0 to 1 is expected, as in 0.97; found \"x\"\n"
+                  "7:1 unexpected \"umbrella\" in the beginning of a line; it takes version, "
+                  "elite, adjust, decide, tree\n"}));
 
 TEST(CompilerErrorsTest, OneRunReportsManyErrorsAndSkipsNoBlock) {
     EXPECT_EQ(s_errors("version x\n"

@@ -55,12 +55,44 @@ INSTANTIATE_TEST_SUITE_P(
                  "elite first\nadjust 1 code 'd' always"},
         SameCase{"PlusSign", "elite first\nadjust +0.5 code +1 always",
                  "elite first\nadjust 0.5 code 1 always"},
+        SameCase{"ConditionsOnALineOfTheirOwn", "elite first\ndecide 1 code 5\n when 5 == 1",
+                 "elite first\ndecide 1 code 5 when 5 == 1"},
+        SameCase{"NoConditionsOnALineOfTheirOwn", "elite first\ndecide 1 code 5\n always",
+                 "elite first\ndecide 1 code 5 always"},
+        SameCase{
+            "NamesOnLinesOfTheirOwn",
+            "elite first\ndecide 1 code 5 # why\n name \"a\" support 3\n because \"b\"\n always",
+            "elite first\ndecide 1 code 5 name \"a\" because \"b\" support 3 always"},
+        SameCase{
+            "SentencesOverLines",
+            "elite first\ndecide 1 code 5 name \"a\" because \"b\" \"c\"\n # why\n \"d\"\n always",
+            "elite first\ndecide 1 code 5 name \"a\" because \"b c d\" always"},
+        SameCase{
+            "NamesOfNodes",
+            "tree name \"r\" {\n5 == 1: name \"a\" confidence 0 support 1\n"
+            "because \"b\" {\n6 == 1: confidence 0 support 1 name \"c\" } }",
+            "tree\n name \"r\" {\n5 == 1: confidence 0 support 1\n name \"a\"\n because \"b\" {\n"
+            "6 == 1: confidence 0 support 1\n name \"c\"\n}\n}"},
         SameCase{"NumbersAroundAWrittenOne",
                  "tree { 5 == 1: confidence 0 support 1\n node 3 5 == 2: confidence 0 support 1\n"
                  "5 == 3: confidence 0 support 1 }",
                  "tree { node 4 5 == 1: confidence 0 support 1\n node 3 5 == 2: confidence 0 "
                  "support 1\n node 5 5 == 3: confidence 0 support 1 }"}),
     [](auto const& row) { return row.param.m_name; });
+
+TEST(CompilerTest, NamesComeAsAFileAndChangeNoOther) {
+    std::string const rules = "elite first\ndecide 1 code 5 ";
+    auto const named = s_compile(rules + "name \"a\" because \"b\" always\n"
+                                         "tree { 5 == 1: confidence 0 support 1 name \"n\" }");
+    auto const bare = s_compile(rules + "always\ntree { 5 == 1: confidence 0 support 1 }");
+    EXPECT_EQ(writeElite(*named.m_elite), writeElite(*bare.m_elite));
+    EXPECT_EQ(writeTree(named), writeTree(bare));
+    EXPECT_FALSE(bare.m_names.m_content.has_value());
+    RuleNames const expected{{{RuleKey::Kind::decide, 5}, {"a", "b"}},
+                             {{RuleKey::Kind::node, 3}, {"n", ""}}};
+    EXPECT_EQ(readNames(named.m_names).m_names, expected);
+    EXPECT_EQ(named.m_names.m_content, namesText(expected));
+}
 
 TEST(CompilerTest, NodesAreNumberedInReadingOrderFromTheRoot) {
     auto const set = s_compile("tree {\n"

@@ -29,7 +29,8 @@ std::string s_drift(RuleSet const& files) {
         EXPECT_EQ(finding.m_severity, Rules::Finding::Severity::difference);
         auto const isTree = finding.m_file == Rules::Finding::File::tree;
         auto const isElite = finding.m_file == Rules::Finding::File::elite;
-        text += isTree ? "tree" : isElite ? "elite" : "readme";
+        auto const isNames = finding.m_file == Rules::Finding::File::names;
+        text += isTree ? "tree" : isElite ? "elite" : isNames ? "names" : "readme";
         text += finding.m_number ? ' ' + std::to_string(*finding.m_number) : "";
         text += finding.m_condition ? '.' + std::to_string(*finding.m_condition) : "";
         text += ": " + finding.m_problem + '\n';
@@ -115,6 +116,29 @@ TEST(DriftTest, InstallingLetsTheVersionGrow) {
     EXPECT_EQ(s_drift(files), "readme: the words of README differ\n");
     files.m_readme.reset();
     EXPECT_EQ(s_drift(files), "readme: README is missing there\n");
+}
+
+TEST(DriftTest, NamesTheRulesWhoseNamesDiffer) {
+    using Kind = Rules::RuleKey::Kind;
+    auto ours = s_set();
+    auto files = s_set();
+    Rules::RuleNames const names{{{Kind::decide, 9001}, {"A", "Why."}},
+                                 {{Kind::adjust, 'a'}, {"B", ""}}};
+    ours.m_names.m_content = files.m_names.m_content = Rules::namesText(names);
+    EXPECT_TRUE(Rules::driftFindings(ours, files).empty());
+    files.m_names.m_content =
+        Rules::namesText({{{Kind::decide, 9001}, {"A", "Because."}}, {{Kind::node, 3}, {"C", ""}}});
+    std::string text;
+    for (auto const& finding : Rules::driftFindings(ours, files)) {
+        EXPECT_EQ(finding.m_file, Rules::Finding::File::names);
+        text += finding.m_problem + '\n';
+    }
+    EXPECT_EQ(text, "the name or the sentence of elite rule 9001 differs\n"
+                    "the name of elite rule 'a' is missing in the files\n"
+                    "the name of node 3 is only in the files\n");
+    files.m_names.m_content = *ours.m_names.m_content + "# more\n";
+    ASSERT_EQ(Rules::driftFindings(ours, files).size(), 1U);
+    EXPECT_EQ(Rules::driftFindings(ours, files).front().m_problem, "the text of qv.names differs");
 }
 
 Bytes s_bytes(RuleSet const& set) {

@@ -3,6 +3,7 @@
 
 #include "ErrorKind.h"
 #include "rules/model/RuleFolder.h"
+#include "rules/model/RuleNames.h"
 #include "support/EliteHeader.h"
 #include "support/TemporaryFolder.h"
 
@@ -93,17 +94,62 @@ TEST(RuleFolderTest, AFolderIsWrittenAsItWasRead) {
     set.m_nodes.resize(3, DTNode{});
     set.m_treeTail = "tail";
     set.m_elite = EliteFile{plainEliteHeader(), {}, "x"};
+    set.m_names.m_content = "names\n";
     writeFolder(folder.path() / "a" / "b", set);
     auto const read = readFolder(folder.path() / "a" / "b");
     EXPECT_EQ(read.version(), 4);
     EXPECT_EQ(read.m_nodes.size(), 3U);
     EXPECT_EQ(read.m_treeTail, "tail");
     EXPECT_EQ(read.m_elite->m_tail, "x");
+    EXPECT_EQ(read.m_names.m_content, "names\n");
+    EXPECT_EQ(s_fileCount(folder.path() / "a" / "b"), ruleFileNames.size());
+}
+
+TEST(RuleFolderTest, GivesEachFileOfASetByItsName) {
+    RuleSet set;
+    EXPECT_EQ(ruleFile(set, treeFileName), "");
+    for (auto const* const name : {eliteFileName, versionFileName, namesFileName}) {
+        EXPECT_EQ(ruleFile(set, name), std::nullopt) << name;
+    }
+    set.setVersion(4);
+    set.m_elite = EliteFile{{}, {}, "x"};
+    set.m_names.m_content = "names\n";
+    EXPECT_EQ(ruleFile(set, eliteFileName), "x");
+    EXPECT_EQ(ruleFile(set, versionFileName), set.m_readme);
+    EXPECT_EQ(ruleFile(set, namesFileName), "names\n");
+    EXPECT_EQ(std::string(ruleFileNames.back()), versionFileName) << "loads begin when it changes";
+}
+
+// Neither a pipe, which nobody writes into, nor anything else keeps the rules from being read.
+TEST(RuleFolderTest, WhateverStandsInPlaceOfTheNamesTheRulesAreRead) {
+    Testing::TemporaryFolder const folder;
+    writeFolder(folder.path(), RuleSet());
+    auto const path = folder.path() / namesFileName;
+    auto const problem = [&folder] {
+        auto const set = readFolder(folder.path());
+        EXPECT_EQ(set.m_names.m_content, std::nullopt);
+        return set.m_names.m_problem;
+    };
+    EXPECT_EQ(problem(), "");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0644), 0);
+    EXPECT_EQ(problem(), "is no regular file");
+    fs::remove(path);
+    fs::create_directory(path);
+    EXPECT_EQ(problem(), "is no regular file");
+    fs::remove(path);
+    fs::create_symlink(namesFileName, path);
+    EXPECT_EQ(problem(), "cannot be opened: Too many levels of symbolic links");
+    fs::remove(path);
+    replaceFile(path, "");
+    fs::resize_file(path, maxNamesFileSize); // sparse
+    EXPECT_EQ(readFolder(folder.path()).m_names.m_content->size(), maxNamesFileSize);
+    fs::resize_file(path, maxNamesFileSize + 1);
+    EXPECT_EQ(problem(), "has more than 8388608 bytes");
 }
 
 TEST(RuleFolderTest, FilesThatTheSetDoesNotHaveAreRemoved) {
     Testing::TemporaryFolder const folder;
-    for (auto const name : {eliteFileName, versionFileName}) {
+    for (auto const* const name : ruleFileNames) {
         replaceFile(folder.path() / name, "stale");
     }
     writeFolder(folder.path(), RuleSet());

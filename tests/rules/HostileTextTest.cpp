@@ -15,7 +15,7 @@ rc::Gen<std::string> s_piece() {
         "version", "elite", "first", "also-tree", "adjust", "decide", "type", "code", "support",
         "always", "when", "and", "tree", "node", "confidence", "counts", "leaf", "slots", "readme",
         "elite-tail", "tree-tail", "bits", "inf", "test", "first_forged", "chain_broken", "yes",
-        "n/a");
+        "n/a", "name", "because", "names-file");
     auto const sign = rc::gen::element<std::string>("{", "}", ":", "==", "!=", "->", "(", ")", "\n",
                                                     "#", "'", "'d'", "\"", "\"00\"", "=", "\\");
     auto const number =
@@ -47,6 +47,7 @@ RC_GTEST_PROP(HostileTextTest, AGoodTextWithAStrangePieceIsCompiledOrRefused, ()
     set.setVersion(1);
     genTree(set);
     set.m_elite = genElite();
+    set.m_names.m_content = Rules::namesText(genNames(set));
     auto text = Rules::ruleText(set);
     text.insert(*rc::gen::inRange<std::size_t>(0, text.size() + 1), *s_piece());
     auto const compiled = Rules::compileRules(text);

@@ -6,6 +6,8 @@
 #include "rules/language/RuleText.h"
 #include "rules/model/Binary.h"
 
+#include <algorithm>
+
 namespace Quorvane::Testing {
 namespace {
 
@@ -62,12 +64,51 @@ RC_GTEST_PROP(RoundTripTest, EveryReadmeComesBackByteForByte, ()) {
     RC_ASSERT(s_throughText(set).m_readme == set.m_readme);
 }
 
+RC_GTEST_PROP(RoundTripTest, EveryFileOfNamesComesBackByteForByte, ()) {
+    RuleSet set;
+    genTree(set);
+    set.m_elite = genElite();
+    auto read = s_read(set);
+    auto names = Rules::namesText(genNames(read));
+    if (*rc::gen::inRange(0, 3) == 0) {
+        names.insert(*rc::gen::inRange<std::size_t>(0, names.size() + 1), genBytes(20));
+    }
+    read.m_names.m_content = names;
+    auto const again = s_throughText(read);
+    RC_ASSERT(again.m_names.m_content == names);
+    RC_ASSERT(Rules::writeTree(again) == Rules::writeTree(set));
+    RC_ASSERT(Rules::writeElite(*again.m_elite) == Rules::writeElite(*set.m_elite));
+}
+
+bool s_hasRule(Rules::EliteFile const& elite, Rules::RuleKey const& key) {
+    auto const type =
+        key.m_kind == Rules::RuleKey::Kind::decide ? EliteType::deciding : EliteType::adjusting;
+    return key.m_kind != Rules::RuleKey::Kind::node &&
+           std::any_of(elite.m_rules.begin(), elite.m_rules.end(), [&](EliteNodes const& rule) {
+               return rule.type == type && rule.code == key.m_number;
+           });
+}
+
+RC_GTEST_PROP(RoundTripTest, TheNamesOfRulesThatAreThereStandAtTheRules, ()) {
+    RuleSet set;
+    set.m_elite = genElite();
+    auto read = s_read(set);
+    auto const names = genNames(read);
+    bool const areAllThere = std::all_of(names.begin(), names.end(), [&read](auto const& named) {
+        return s_hasRule(*read.m_elite, named.first);
+    });
+    read.m_names.m_content = Rules::namesText(names);
+    auto const isAtTheRules = Rules::ruleText(read).find("names-file") == std::string::npos;
+    RC_ASSERT(isAtTheRules == (areAllThere && !names.empty()));
+}
+
 RC_GTEST_PROP(RoundTripTest, TheTextOfATextIsTheSameText, ()) {
     RuleSet set;
     set.setVersion(*genInteger(100));
     genTree(set);
     set.m_elite = genElite();
-    auto const read = s_read(set);
+    auto read = s_read(set);
+    read.m_names.m_content = Rules::namesText(genNames(set));
     RC_ASSERT(Rules::ruleText(s_throughText(read)) == Rules::ruleText(read));
 }
 

@@ -4,6 +4,7 @@
 // every odd value that a loader lets pass mixed in.
 #pragma once
 
+#include "rules/model/RuleNames.h"
 #include "rules/model/RuleSet.h"
 #include "support/EliteHeader.h"
 
@@ -122,6 +123,36 @@ inline Rules::EliteFile genElite() {
     elite.m_header->reserved3 = genReserved<12>();
     elite.m_tail = *rc::gen::inRange(0, 4) == 0 ? genBytes(90) : Bytes();
     return elite;
+}
+
+// A name that can be used, and perhaps a sentence.
+inline Rules::RuleName genName() {
+    auto const words =
+        rc::gen::container<std::string>(rc::gen::element('a', 'Z', '(', '#', '\'', ' '));
+    auto const sentences =
+        rc::gen::container<std::string>(rc::gen::element('a', '"', '\\', ';', '{'));
+    return {"N" + (*words).substr(0, 50) + ".", (*sentences).substr(0, Rules::maxSentenceLength)};
+}
+
+inline Rules::RuleKey genRuleKey() {
+    using Kind = Rules::RuleKey::Kind;
+    return {*rc::gen::element(Kind::decide, Kind::adjust, Kind::node), *genInteger(200)};
+}
+
+// Of rules that are there, and of others.
+inline Rules::RuleNames genNames(RuleSet const& set) {
+    Rules::RuleNames names;
+    for (int count = *rc::gen::inRange(0, 4); count > 0; --count) {
+        names[genRuleKey()] = genName();
+    }
+    for (auto const& rule : set.m_elite ? set.m_elite->m_rules : std::vector<EliteNodes>()) {
+        if (rule.type == EliteType::adjusting || rule.type == EliteType::deciding) {
+            auto const kind = rule.type == EliteType::deciding ? Rules::RuleKey::Kind::decide
+                                                               : Rules::RuleKey::Kind::adjust;
+            names[{kind, rule.code}] = genName();
+        }
+    }
+    return names;
 }
 
 } // namespace Quorvane::Testing

@@ -50,6 +50,37 @@ INSTANTIATE_TEST_SUITE_P(
                  "        chain_broken == yes: confidence 0.1 support 5\n"
                  "    }\n"
                  "}\n"},
+        TextCase{"Named", "version 1\n"
+                          "\n"
+                          "elite first\n"
+                          "decide 0.97 code 9001 support 1.5\n"
+                          "    name \"A consumer line\"\n"
+                          "    because \"\xc3\x9c\xc3\xb6 says \\\"pc\\\" and \\\\.\"\n"
+                          "    when first_forged == yes and hops_helo_no_domain != 0\n"
+                          "decide 0.96 code 9001 always\n"
+                          "adjust 0.1 code 'a'\n"
+                          "    name \"An addend\"\n"
+                          "    always\n"
+                          "\n"
+                          "tree\n"
+                          "    name \"All\" {\n"
+                          "    first_forged == yes: confidence 0 support 1 counts 5 0 5\n"
+                          "        name \"Forged\"\n"
+                          "        because \"Why.\" {\n"
+                          "        chain_broken == yes: confidence 0 support 1\n"
+                          "            name \"Broken\"\n"
+                          "    }\n"
+                          "}\n"},
+        TextCase{"NamesOfNobody",
+                 "version 1\n"
+                 "\n"
+                 "names-file \"Names of Quorvane Deep Header rules, format 1\\n\"\n"
+                 "names-file \"decide 5\\n\"\n"
+                 "names-file \"name A rule\\n\"\n"
+                 "\n"
+                 "tree leaf 0\n"},
+        TextCase{"ADamagedFileOfNames", "names-file \"hello\\x00\"\n"},
+        TextCase{"AnEmptyFileOfNames", "names-file \"\"\n"},
         TextCase{"RootThatSaysMore",
                  "tree when message_id_has_dot != yes: confidence 0.25 support 99 counts 10 4 6\n"},
         TextCase{"NumbersOutOfOrder",

@@ -319,6 +319,32 @@ class Page(showpage.ShowPageTest):
         self.assertEqual(self.browser.find("#found").text, "")
         self.assertGreater(len(self.shown_nodes()), 3)
 
+    def test_names_rules_and_nodes_and_finds_them_by_their_names(self):
+        self.open()
+        self.browser.find("#open-all").click()
+        self.assertEqual(self.browser.find("#elite tr[data-code='o'] .named").text,
+                         "Both names are the author's The author's domain owns both names of the "
+                         "machine, which is hard to arrange from a borrowed one.")
+        self.assertEqual(self.browser.find("#node-16 .named b").text,
+                         "A sender that runs its own mail")
+        self.assertEqual(self.browser.find_all("#node-4 .named"), [])
+        self.browser.find("#search").send_keys("runs its own mail")
+        self.assertEqual(self.shown_nodes(), [2, 13, 14, 15, 16])
+
+    def test_a_name_and_its_sentence_are_text(self):
+        sentence = "</span><img src=x onerror=alert(1)> \u05e9\u05dc\u05d5\u05dd &amp; {}"
+        rules = f"""version 1
+            elite first
+            decide 0.97 code 1 name "<b>&lt</b>" because "{sentence}" always
+            tree name "<i>" because "{sentence}" {{
+                15 == yes: confidence 0.01 support 50
+                15 != yes: confidence 0.99 support 50
+            }}"""
+        self.open(text=rules)
+        self.assertEqual([one.text for one in self.browser.find_all(".named")],
+                         [f"<b>&lt</b> {sentence}", f"<i> {sentence}"])
+        self.assertEqual(self.browser.find_all("#elite img, #tree img, #elite .named i"), [])
+
     def test_shows_measured_traffic_beside_that_of_the_training(self):
         self.open("--on", showpage.EXAMPLES, "--dns-data", showpage.EXAMPLES / "dns.zone")
         paths = [record["explain"]["tree"]["path"] for record in showpage.records()]

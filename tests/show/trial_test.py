@@ -19,6 +19,11 @@ def sentence(text):
     return text[:1].upper() + text[1:] + "."
 
 
+def named(record):
+    """What follows the number of a rule or node: its name in brackets."""
+    return f" ({record['ruleName']})" if "ruleName" in record else ""
+
+
 class InAFile(showpage.ShowPageTest):
     """Messages that were judged when the page was written."""
 
@@ -45,11 +50,22 @@ class InAFile(showpage.ShowPageTest):
                          [[fact["attribute"], fact["value"], fact["words"]]
                           for fact in explain["facts"]])
         self.assertEqual([(node[1], node[3]) for node in answer["walk"]],
-                         [(f"node {node['node']}", node["test"] or "-")
+                         [(f"node {node['node']}{named(node)}", node["test"] or "-")
                           for node in explain["tree"]["nodes"]])
+        if record["node"] != 0:
+            rule = "node" if explain["tree"]["use"] == "walked" else "elite rule"
+            self.assertIn(f"Decided by {rule} {record['node']}{named(record)}", answer["text"])
+        self.assertIn(record.get("ruleSentence", ""), answer["text"])
+        for rule in explain["rules"]:
+            if rule["fired"]:
+                self.assertIn(f"rule {rule['code']}{named(rule)} (", answer["text"])
         for way in explain["needed"]:
             self.assertIn(f"{way['verdict']}: {way['change']}", answer["text"])
-        self.assertEqual("Needed for another verdict" in answer["text"], bool(explain["needed"]))
+        note = (explain["singleChanges"] or {"text": ""})["text"]
+        if note:
+            self.assertIn(sentence(note), answer["text"])
+        self.assertEqual("Needed for another verdict" in answer["text"],
+                         bool(explain["needed"] or note))
         self.assert_marks(answer, record)
 
     def assert_marks(self, answer, record):
@@ -78,7 +94,8 @@ class InAFile(showpage.ShowPageTest):
 
     def test_shows_the_first_message_until_another_is_chosen(self):
         self.open(showpage.EXAMPLES / "zimbra.eml", showpage.EXAMPLES / "no-received-header.eml")
-        self.assertIn("Decided by node 16 of the tree.", self.answer()["text"])
+        self.assertIn("Decided by node 16 (A sender that runs its own mail) of the tree.",
+                      self.answer()["text"])
         self.assertEqual(self.titles(), ["none", "zimbra.eml", "no-received-header.eml"])
         answer = self.choose(1)
         self.assertEqual((answer["why"], answer["hops"], answer["path"]),
@@ -297,7 +314,7 @@ class Served(showpage.ShowPageTest):
         self.assertIn("odd & <b>.eml", answer["text"])
         self.assertIn("announced, dsl-203-0-113-17.pool.provider.example, looks dynamically",
                       answer["text"])
-        self.assertIn("Decided by elite rule 9001.", answer["text"])
+        self.assertIn("Decided by elite rule 9001 (Straight from a consumer line).", answer["text"])
         self.assertEqual((len(answer["hops"]), answer["fired"], answer["chosen"]),
                          (1, ["9001"], ["9001"]))
 

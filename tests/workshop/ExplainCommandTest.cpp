@@ -116,6 +116,55 @@ TEST_F(ExplainCommand, NamesTheThresholdAtWhichAnEliteRuleWouldHaveDecided) {
                 HasSubstr("a spam threshold of 0.97 or less"));
 }
 
+TEST_F(ExplainCommand, SaysWhichSingleChangesWouldHaveLetSpamPass) {
+    auto const explain = explained({"status_indicated=yes"}).at(0)["explain"];
+    EXPECT_EQ(explain["singleChanges"], Json::parse(R"({"allTried":true,"list":[
+        {"attribute":"from_matches_envelope","value":"yes","verdict":"ham","node":6},
+        {"attribute":"from_matches_envelope","value":"unknown","verdict":"ham","node":6},
+        {"attribute":"status_indicated","value":"no","verdict":"ham","node":6}],"text":""})"));
+    ASSERT_EQ(explain["needed"].size(), 3U) << "a single change is not listed twice";
+    EXPECT_EQ(explain["needed"][1], Json::parse(R"({"verdict":"ham",
+                  "change":"from_matches_envelope is unknown (it is no); then node 6 decides",
+                  "words":["the author's domain cannot be compared with the envelope sender's domain: one of them is missing"]})"));
+}
+
+TEST_F(ExplainCommand, SaysWhereTheMessageWouldHaveHadNoVerdict) {
+    auto const text = run({"first_reverse_dynamic=yes"}).m_output;
+    EXPECT_THAT(text, HasSubstr("    none: hop_behind_first is yes (it is no); then node 5 gives "
+                                "no verdict\n      there was a hop after the first relay\n"));
+    auto const without = m_folder.write("no-tree.qvr", "version 1\nelite first\n"
+                                                       "decide 0.97 code 901 when "
+                                                       "chain_broken == yes\ntree {\n}\n");
+    EXPECT_THAT(runProgram(QV_RULES_PROGRAM, {"explain", without, "chain_broken=yes"}).m_output,
+                HasSubstr("none: chain_broken is no (it is yes); then no rule decides\n"));
+}
+
+TEST_F(ExplainCommand, SaysWhenNoSingleChangeLetsSpamPass) {
+    auto const always = m_folder.write("always.qvr", "version 1\nelite first\n"
+                                                     "decide 0.97 code 901 when "
+                                                     "chain_broken == yes\n"
+                                                     "decide 0.96 code 902 always\ntree {\n}\n");
+    auto const text =
+        runProgram(QV_RULES_PROGRAM, {"explain", always, "chain_broken=yes"}).m_output;
+    EXPECT_THAT(text, HasSubstr("  Another verdict: no change of a single attribute would have let "
+                                "this message pass.\n"));
+    EXPECT_THAT(text, Not(HasSubstr("Needed for another verdict")));
+    EXPECT_THAT(run({"first_reverse_dynamic=no"}).m_output, Not(HasSubstr("Another verdict:")))
+        << "ham";
+}
+
+TEST_F(ExplainCommand, SaysWhenThereAreTooManySingleChangesToTry) {
+    std::string many = "version 1\nelite last\ndecide 0.97 code 901 always\n";
+    for (int value = 1; value <= 1200; ++value) {
+        many += "decide 0.2 code 902 when hops_helo_no_domain == " + std::to_string(value) + "\n";
+    }
+    auto const result =
+        runProgram(QV_RULES_PROGRAM, {"explain", m_folder.write("many.qvr", many + "tree {\n}\n"),
+                                      "chain_broken=yes"});
+    EXPECT_THAT(result.m_output, HasSubstr("  Another verdict: the rules name too many values to "
+                                           "try every change of a single attribute.\n"));
+}
+
 TEST_F(ExplainCommand, ExplainsEveryMessageOfAnMbox) {
     auto const mbox = "From a Mon Jan  1 00:00:00 2024\n" + std::string(message) + "\n";
     auto const record = explained({"-", "--dns", "off"}, mbox + mbox);

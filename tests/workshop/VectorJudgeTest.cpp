@@ -64,7 +64,7 @@ TEST(VectorJudge, SaysWhatAScanOfTheMessageSays) {
         hostSettings.m_dns = "off";
         hostSettings.m_judging = settings;
         VectorJudge const judge(rules, settings);
-        s_compare(*setUpHost(hostSettings, engineOf(rules)), judge, decided);
+        s_compare(*setUpHost(hostSettings, loadedRules(rules)), judge, decided);
     }
     EXPECT_GT(decided, 50);
 }

@@ -18,8 +18,8 @@ NEW = OLD.replace("0.93", "0.97").replace("0.02", "0.06").replace("0.5", "0.6")
 
 
 class DifferencePage(mailpages.MailPageTest):
-    def diff(self, form, *mail, status=1, new=NEW, name="new.qvr"):
-        return self.report(form, status, "diff", self.write("old.qvr", OLD),
+    def diff(self, form, *mail, status=1, old=OLD, new=NEW, name="new.qvr"):
+        return self.report(form, status, "diff", self.write("old.qvr", old),
                            self.write(name, new), *mail)
 
     def many(self):
@@ -126,6 +126,17 @@ class DifferencePage(mailpages.MailPageTest):
         for size in (mailpages.WIDE, browser.PHONE):
             self.browser.open(self.diff("html", *self.many()), size)
             self.assert_jumps_stay()
+
+    def test_gives_the_names_and_sentences_of_the_rules(self):
+        sentence = "<img src=x> Why it is there."
+        old = OLD.replace("confidence 0.02 support 60",
+                          f'confidence 0.02 support 60 name "A <b> server" because "{sentence}"')
+        self.assertNotEqual(old, OLD)
+        self.browser.open(self.diff("html", *self.many(), old=old))
+        first = self.texts("#changes ~ .deciders > li")[0]
+        self.assertIn("Before: node 4 (A <b> server), 0.02 spam", first)
+        self.assertIn(sentence, first)
+        self.assertEqual(self.browser.find_all("main img"), [])
 
     def test_foreign_names_are_text(self):
         self.browser.open(self.diff("html", *self.many(), name="<b>&amp;.qvr"))

@@ -19,9 +19,9 @@ tree {
 
 
 class EvaluationPage(mailpages.MailPageTest):
-    def evaluate(self, form, *mail, rules="r.qvr"):
+    def evaluate(self, form, *mail, rules="r.qvr", text=RULES):
         """The file with a report on `mail`: pairs of an option and [CORPUS=]PATH."""
-        return self.report(form, 0, "evaluate", self.write(rules, RULES), *mail)
+        return self.report(form, 0, "evaluate", self.write(rules, text), *mail)
 
     def many(self):
         spam = self.mail("spam", *[message(DYNAMIC)] * 40, *[message(SERVER)] * 3)
@@ -88,6 +88,17 @@ class EvaluationPage(mailpages.MailPageTest):
             self.assertTrue(all(e.is_displayed() for e in self.browser.find_all(".corpus")))
         finally:
             self.browser.command("Emulation.setScriptExecutionDisabled", value=False)
+
+    def test_gives_the_names_and_sentences_of_the_rules(self):
+        sentence = "<img src=x> Why it is there."
+        text = RULES.replace("confidence 0.99 support 50",
+                             f'confidence 0.99 support 50 name "A <b> line" because "{sentence}"')
+        self.assertNotEqual(text, RULES)
+        self.browser.open(self.evaluate("html", *self.many(), text=text))
+        rules = "".join(self.texts(".deciders > li"))
+        self.assertIn("node 3 (A <b> line) 40 spam", rules)
+        self.assertIn(sentence, rules)
+        self.assertEqual(self.browser.find_all("main img, main .decider b"), [])
 
     def test_foreign_names_are_text(self):
         self.browser.open(self.evaluate("html", *self.many(), rules="<b>&amp;.qvr"))

@@ -114,9 +114,9 @@ const QvAnswer = (() => {
 
   // The keys that have a place of their own, or that are only for programs.
   const known = {
-    rule: ["code", "type", "outcome", "text", "failedTest", "replacedBy", "weight", "support",
-      "level", "tests", "fired"],
-    node: ["node", "test", "words", "confidence", "support", "counts"],
+    rule: ["code", "ruleName", "ruleSentence", "type", "outcome", "text", "failedTest",
+      "replacedBy", "weight", "support", "level", "tests", "fired"],
+    node: ["node", "ruleName", "test", "words", "confidence", "support", "counts"],
     needed: ["verdict", "change", "words"],
   };
 
@@ -139,13 +139,21 @@ const QvAnswer = (() => {
   // What else the record says of a rule, a node or a way to another verdict.
   const more = (kind, object) => listOf("ul", named(object, known[kind]));
 
-  function decider({node, explain: {rules, tree}}) {
+  // What a rule or node is called, if it is.
+  const nameOf = ({ruleName}) => ruleName === undefined ? "" : ` (${ruleName})`;
+
+  function decider(record) {
+    const {node, ruleSentence, explain: {rules, tree}} = record;
     if (node === 0) {
       return [];
     }
     const place = rules.findIndex(({outcome}) => outcome === "chosen");
-    return [tree.use === "walked" ? make("p", {}, "Decided by ", linkTo(node), " of the tree.")
-      : make("p", {}, "Decided by elite ", linkToRule(rules[place], place), ".")];
+    const [before, link, after] = tree.use === "walked"
+      ? ["Decided by ", linkTo(node), " of the tree."]
+      : ["Decided by elite ", linkToRule(rules[place], place), "."];
+    return [make("p", {}, before, link, nameOf(record), after),
+      ...ruleSentence === undefined ? []
+        : [make("p", {className: "reason"}, make("bdi", {textContent: ruleSentence}))]];
   }
 
   function trail({trail: hops}) {
@@ -180,7 +188,7 @@ const QvAnswer = (() => {
     const fired = [...rules.entries()].filter(([, rule]) => rule.fired);
     return section("Elite rules that fired", ...listOf("ul", fired.map(([place, rule]) => {
       const effect = eliteRows.get(place).querySelector(".effect").firstChild.textContent;
-      return make("li", {}, linkToRule(rule, place), ` (${effect}): ${rule.text}`,
+      return make("li", {}, linkToRule(rule, place), nameOf(rule), ` (${effect}): ${rule.text}`,
         ...wordsOf(rule.tests.map(({words}) => words)), ...more("rule", rule));
     })));
   }
@@ -188,7 +196,7 @@ const QvAnswer = (() => {
   function path({tree}) {
     const rows = tree.nodes.map((visited) => [
       "", nodeItem(visited.node)?.querySelector(".badge").cloneNode(true) ?? "",
-      linkTo(visited.node),
+      make("span", {}, linkTo(visited.node), nameOf(visited)),
       make("span", {}, visited.words ?? "All mail", ...more("node", visited)),
       code(visited.test ?? "-"),
     ]);
@@ -197,10 +205,12 @@ const QvAnswer = (() => {
     make("p", {className: "muted", textContent: `The walk ends here: ${tree.text}.`}));
   }
 
-  function needed({needed: ways}) {
-    return section("Needed for another verdict", ...listOf("ul", ways.map((way) =>
-      make("li", {}, make("b", {textContent: way.verdict}), `: ${way.change}`,
-        ...wordsOf(way.words), ...more("needed", way)))));
+  function needed({needed: ways, singleChanges}) {
+    const note = singleChanges?.text ?? "";
+    return section("Needed for another verdict",
+      ...listOf("ul", ways.map((way) => make("li", {}, make("b", {textContent: way.verdict}),
+        `: ${way.change}`, ...wordsOf(way.words), ...more("needed", way)))),
+      ...note === "" ? [] : [make("p", {textContent: sentence(note)})]);
   }
 
   // --- the whole ---
