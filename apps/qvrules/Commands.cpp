@@ -2,13 +2,45 @@
 #include "apps/qvrules/Commands.h"
 
 #include "apps/commandline/Program.h"
+#include "apps/input/Inputs.h"
 #include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 #include "rules/language/AttributePage.h"
+#include "rules/model/RuleError.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace Quorvane::RulesApp {
+
+namespace {
+
+// Whether the first thing at the path is a message. A pipe has been read already.
+bool s_holdsMail(std::string const& path) {
+    std::error_code error;
+    auto const status = std::filesystem::status(path, error);
+    if (!std::filesystem::is_regular_file(status) && !std::filesystem::is_directory(status)) {
+        return false;
+    }
+    Interrupt const interrupt;
+    InputItem item;
+    try {
+        return Inputs({path}, interrupt).next(item) && item.m_problem.empty();
+    } catch (Interrupted const&) {
+        return false;
+    }
+}
+
+// "RULES INPUT"
+std::string s_order(CommandLine const& line) {
+    std::string order;
+    for (auto const& argument : line.command().m_arguments) {
+        order += " " + std::string(argument.m_name);
+    }
+    return order;
+}
+
+} // namespace
 
 SettingsStore settingsStore(CommandLine const& line) {
     SettingsStore settings;
@@ -30,6 +62,19 @@ MessageFacts messageFacts(CommandLine const& line) {
 int listAttributes(CommandLine const& /*line*/) {
     printOutput(Rules::attributePage());
     return ExitStatus::ok;
+}
+
+Rules::LoadedRules loadRulesOf(CommandLine const& line, std::string_view argument) {
+    auto const path = line.text(argument);
+    try {
+        return Rules::loadRules(path);
+    } catch (Rules::RuleError const&) {
+        if (!s_holdsMail(path)) {
+            throw;
+        }
+    }
+    throw UsageError(path + " seems to be a message, where rules are expected: qvrules " +
+                     std::string(line.command().m_name) + s_order(line));
 }
 
 bool hasFacts(CommandLine const& line) {

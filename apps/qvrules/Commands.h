@@ -8,6 +8,7 @@
 #include "apps/commandline/CommandLine.h"
 #include "apps/commandline/ProgramError.h"
 #include "apps/settings/SettingsTable.h"
+#include "rules/language/LoadRules.h"
 
 namespace Quorvane::RulesApp {
 
@@ -32,5 +33,9 @@ SettingsStore settingsStore(CommandLine const& line);
 HostSettings hostSettings(CommandLine const& line);
 MessageFacts messageFacts(CommandLine const& line);
 bool hasFacts(CommandLine const& line);
+
+// The rules that an argument names. A RuleError, and a UsageError when it names a message: then the
+// arguments are probably swapped.
+Rules::LoadedRules loadRulesOf(CommandLine const& line, std::string_view argument);
 
 } // namespace Quorvane::RulesApp

@@ -4,7 +4,6 @@
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/VectorJudge.h"
-#include "rules/language/LoadRules.h"
 
 namespace Quorvane::RulesApp {
 
@@ -28,8 +27,8 @@ int diff(CommandLine const& line) {
     auto const output = line.text("output", "-");
     requireWritable(output);
     auto const& settings = mail.m_host.m_judging;
-    auto const before = Rules::loadRules(line.text("OLD"));
-    auto const after = Rules::loadRules(line.text("NEW"));
+    auto const before = loadRulesOf(line, "OLD");
+    auto const after = loadRulesOf(line, "NEW");
     Workshop::VectorJudge const judgeBefore(before.m_set, settings);
     Workshop::VectorJudge const judgeAfter(after.m_set, settings);
     TrainingMailCounts counts;
@@ -38,7 +37,7 @@ int diff(CommandLine const& line) {
     Reports::ComparedSets const sets{{line.text("OLD"), before.m_set, settings},
                                      {line.text("NEW"), after.m_set, settings}};
     writeOutput(output, s_report(line.text("format"))(difference, sets));
-    return difference.m_groups.empty() ? ExitStatus::ok : ExitStatus::findings;
+    return counts.exitStatus(difference.m_groups.empty() ? ExitStatus::ok : ExitStatus::findings);
 }
 
 } // namespace Quorvane::RulesApp

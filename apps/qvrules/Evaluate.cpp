@@ -4,7 +4,6 @@
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/VectorJudge.h"
-#include "rules/language/LoadRules.h"
 
 namespace Quorvane::RulesApp {
 
@@ -28,14 +27,14 @@ int evaluate(CommandLine const& line) {
     }
     auto const output = line.text("output", "-");
     requireWritable(output);
-    auto const rules = Rules::loadRules(line.text("RULES"));
+    auto const rules = loadRulesOf(line, "RULES");
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
     auto const evaluation = Rules::evaluate(gathered.m_sorted, judge, gathered.m_sortedSamples);
     Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, mail.m_host.m_judging};
     writeOutput(output, s_report(line.text("format"))(evaluation, shown));
-    return ExitStatus::ok;
+    return counts.exitStatus(ExitStatus::ok);
 }
 
 } // namespace Quorvane::RulesApp

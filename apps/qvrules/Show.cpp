@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/commandline/Terminal.h"
 #include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
@@ -10,7 +11,6 @@
 #include "apps/show/PageServer.h"
 #include "apps/show/Traffic.h"
 #include "apps/workshop/MailVectors.h"
-#include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
 
 #include <optional>
@@ -32,6 +32,7 @@ struct ShowArguments {
     std::optional<std::string> m_serve;
     HostSettings m_settings;
     MessageFacts m_facts; // of those messages
+    bool m_hasColour = false;
 };
 
 ShowArguments s_arguments(CommandLine const& line) {
@@ -43,7 +44,8 @@ ShowArguments s_arguments(CommandLine const& line) {
             line.texts("message"),
             line.has("serve") ? std::optional(line.text("serve")) : std::nullopt,
             hostSettings(line),
-            messageFacts(line)};
+            messageFacts(line),
+            wantsColour(line) && (!line.has("output") || line.text(colorRow.m_name) == "always")};
 }
 
 // Any corpus name will do: it is not used here.
@@ -98,7 +100,8 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
     if (arguments.m_format == "html") {
         return Show::htmlDrawing(drawing, extras);
     }
-    return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output == "-"));
+    return Show::textDrawing(drawing,
+                             Show::terminalStyle(arguments.m_output == "-", arguments.m_hasColour));
 }
 
 Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& settings,
@@ -139,7 +142,8 @@ bool s_needsEngine(ShowArguments const& arguments) {
     return !arguments.m_on.empty() || !arguments.m_vectors.empty() || s_takesMessages(arguments);
 }
 
-void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set) {
+// The exit status.
+int s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set) {
     auto const& settings = arguments.m_settings;
     auto const rules = Show::shownRules(arguments.m_rules, set);
     bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
@@ -161,6 +165,7 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }
+    return counts.exitStatus(ExitStatus::ok);
 }
 
 // Throws a UsageError for options that exclude each other.
@@ -186,13 +191,12 @@ int show(CommandLine const& line) {
     s_check(arguments, hasFacts(line));
     auto const port = s_port(arguments.m_serve.value_or(""));
     requireWritable(arguments.m_output);
-    auto const set = Rules::loadRules(arguments.m_rules).m_set;
+    auto const set = loadRulesOf(line, "RULES").m_set;
     if (s_needsEngine(arguments)) {
-        s_showRunning(arguments, port, set);
-    } else {
-        auto const rules = Show::shownRules(arguments.m_rules, set);
-        writeOutput(arguments.m_output, s_drawn(arguments, {rules}, {}));
+        return s_showRunning(arguments, port, set);
     }
+    auto const rules = Show::shownRules(arguments.m_rules, set);
+    writeOutput(arguments.m_output, s_drawn(arguments, {rules}, {}));
     return ExitStatus::ok;
 }
 

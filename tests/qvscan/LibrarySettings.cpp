@@ -73,7 +73,7 @@ int s_run(CommandLine const& line) {
         one.m_setting->m_set(host, one.m_text);
     }
     Interrupt interrupt;
-    return ScanRun(options, host, interrupt).run();
+    return ScanRun(options, host, interrupt, false).run();
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -47,6 +48,9 @@ class ScanTest : public testing::Test {
     static std::string spam();
     static std::string none();
     static std::string ham();
+
+    // What cannot be packed well, so that a part of the packed form is a part of the text.
+    static std::string noise(std::uint32_t number = 1);
 
     TemporaryFolder m_folder;
     std::string m_program = QV_SCAN_PROGRAM;
