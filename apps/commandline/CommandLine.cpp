@@ -15,8 +15,9 @@ namespace {
 
 using Texts = CommandLine::Texts;
 
+// "-:2" and "-/x" are parts of standard input.
 bool s_looksLikeOption(std::string const& word) {
-    return word.size() > 1 && word[0] == '-';
+    return word.size() > 1 && word[0] == '-' && word[1] != ':' && word[1] != '/';
 }
 
 std::string s_label(CommandRow const& command, OptionRow const& row) {

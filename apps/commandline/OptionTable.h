@@ -61,6 +61,6 @@ struct ProgramTable {
 
 // Rows of every program; help is also an option of every command.
 inline constexpr OptionRow helpRow{"help", "", "show this help", 0, 'h'};
-inline constexpr OptionRow versionRow{"version", "", "show the version"};
+inline constexpr OptionRow versionRow{"version", "", "show the version", 0, 'V'};
 
 } // namespace Quorvane

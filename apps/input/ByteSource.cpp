@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/ByteSource.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <string_view>
 #include <unistd.h>
 #include <utility>
 
@@ -15,7 +13,7 @@ namespace {
 
 class DescriptorSource : public ByteSource {
   public:
-    DescriptorSource(int descriptor, bool isOwner, Interrupt& interrupt)
+    DescriptorSource(int descriptor, bool isOwner, Interrupt const& interrupt)
         : m_descriptor(descriptor), m_isOwner(isOwner), m_interrupt(interrupt) {}
     DescriptorSource(DescriptorSource const&) = delete;
     DescriptorSource& operator=(DescriptorSource const&) = delete;
@@ -48,7 +46,7 @@ class DescriptorSource : public ByteSource {
     int m_descriptor;
     bool m_isOwner;
     bool m_isAtEnd = false;
-    Interrupt& m_interrupt;
+    Interrupt const& m_interrupt;
     std::uint64_t m_position = 0;
 };
 
@@ -74,24 +72,6 @@ class ReplayedSource : public ByteSource {
     std::unique_ptr<ByteSource> m_rest;
 };
 
-// First bytes of the packed formats (RFC 1952, RFC 8878, the .xz file format 1.1.0).
-constexpr std::string_view s_magics[] = {{"\x1F\x8B", 2},
-                                         {"\xFD"
-                                          "7zXZ\0",
-                                          6},
-                                         {"\x28\xB5\x2F\xFD", 4}};
-constexpr std::size_t longestMagic = 6;
-
-bool s_isPacked(std::string_view start) {
-    return std::any_of(std::begin(s_magics), std::end(s_magics),
-                       [&](std::string_view magic) { return start.starts_with(magic); });
-}
-
-std::unique_ptr<ByteSource> s_unpacked(std::unique_ptr<ByteSource> source) {
-    bool const isPacked = s_isPacked(peekStart(source, longestMagic));
-    return isPacked ? unpack(std::move(source)) : std::move(source);
-}
-
 } // namespace
 
 std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size) {
@@ -105,7 +85,7 @@ std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size) {
     return start;
 }
 
-std::unique_ptr<ByteSource> openInput(std::string const& path, Interrupt& interrupt) {
+std::unique_ptr<ByteSource> openBytes(std::string const& path, Interrupt const& interrupt) {
     bool const isStandardInput = path == "-";
     // A named pipe without a writer must not block the program where it ignores signals.
     int const descriptor =
@@ -113,7 +93,7 @@ std::unique_ptr<ByteSource> openInput(std::string const& path, Interrupt& interr
     if (descriptor < 0) {
         throw InputError(std::strerror(errno));
     }
-    return s_unpacked(std::make_unique<DescriptorSource>(descriptor, !isStandardInput, interrupt));
+    return std::make_unique<DescriptorSource>(descriptor, !isStandardInput, interrupt);
 }
 
 } // namespace Quorvane

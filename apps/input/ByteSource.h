@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ByteSource: the bytes of a file or pipe in pieces, unpacked if it is gzip, xz or
-// zstd (recognised by its first bytes, not by its name). One object, one thread.
+// ByteSource: bytes in pieces, of a file or pipe, or unpacked from one. One object, one thread.
 #pragma once
 
 #include "apps/input/Interrupt.h"
@@ -31,13 +30,9 @@ class ByteSource {
     virtual std::uint64_t position() const = 0;
 };
 
-// A file, or for "-" standard input, which is left open at the end. Throws an InputError when it
-// cannot be opened. `interrupt` outlives the source.
-std::unique_ptr<ByteSource> openInput(std::string const& path, Interrupt& interrupt);
-
-// Unpacks gzip, xz and zstd. Throws an InputError when the start of `packed` is damaged; later
-// damage shows in read.
-std::unique_ptr<ByteSource> unpack(std::unique_ptr<ByteSource> packed);
+// The bytes of a file as they are, or for "-" of standard input, which is left open at the end.
+// Throws an InputError when it cannot be opened. `interrupt` outlives the source.
+std::unique_ptr<ByteSource> openBytes(std::string const& path, Interrupt const& interrupt);
 
 // The first bytes, `size` of them unless the end comes before. `source` returns them again.
 std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size);

@@ -2,6 +2,7 @@
 #include "apps/input/FileWalker.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 
@@ -13,11 +14,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view indexPrefixes[] = {"dovecot", "courierimap", "maildirsize",
                                               "maildirfolder", "subscriptions"};
-
-bool s_isIndexFile(std::string_view name) {
-    return std::any_of(std::begin(indexPrefixes), std::end(indexPrefixes),
-                       [name](std::string_view prefix) { return name.starts_with(prefix); });
-}
 
 // One of the three may be missing: copies and archives leave empty folders out.
 bool s_isMaildir(fs::path const& folder) {
@@ -37,7 +33,7 @@ bool s_isWanted(fs::directory_entry const& entry, bool isMaildir) {
     if (isMaildir) {
         return isFolder && name != "tmp" && (name == "cur" || name == "new" || name[0] == '.');
     }
-    return name[0] != '.' && (isFolder || (entry.is_regular_file(error) && !s_isIndexFile(name)));
+    return isFolder ? name[0] != '.' : entry.is_regular_file(error) && isMailFileName(name);
 }
 
 std::vector<fs::path> s_list(fs::path const& folder, std::error_code& error) {
@@ -56,23 +52,26 @@ std::vector<fs::path> s_list(fs::path const& folder, std::error_code& error) {
 
 } // namespace
 
-FileWalker::FileWalker(std::vector<std::string> paths) {
-    for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
-        m_pending.push_back({*path, true});
-    }
+bool isMailFileName(std::string_view name) {
+    return !name.empty() && name[0] != '.' &&
+           std::none_of(std::begin(indexPrefixes), std::end(indexPrefixes),
+                        [name](std::string_view prefix) { return name.starts_with(prefix); });
+}
+
+FileWalker::FileWalker(std::vector<std::string> const& paths) {
+    std::transform(paths.rbegin(), paths.rend(), std::back_inserter(m_pending), inputName);
 }
 
 bool FileWalker::next(Entry& entry) {
     while (!m_pending.empty()) {
-        auto const pending = std::move(m_pending.back());
+        entry = {std::move(m_pending.back()), {}};
         m_pending.pop_back();
-        entry = {pending.m_path.string(), {}};
         std::error_code error;
-        bool const isStandardInput = entry.m_path == "-" && pending.m_isNamed;
-        if (isStandardInput || !fs::is_directory(pending.m_path, error)) {
+        auto const& path = entry.m_name.m_path;
+        if (path == "-" || !fs::is_directory(path, error)) {
             return true;
         }
-        entry.m_error = openFolder(pending.m_path);
+        entry.m_error = openFolder(path);
         if (!entry.m_error.empty()) {
             return true;
         }
@@ -88,7 +87,7 @@ std::string FileWalker::openFolder(fs::path const& folder) {
         return error.message();
     }
     for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
-        m_pending.push_back({*path, false});
+        m_pending.push_back({path->string(), {}, 0});
     }
     return {};
 }

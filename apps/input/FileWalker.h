@@ -7,19 +7,26 @@
 // current path are in memory. One object, one thread.
 #pragma once
 
+#include "apps/input/InputName.h"
+
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Quorvane {
 
+// Whether a file of this name, without its folder, may hold mail: hidden files and the index files
+// of IMAP servers do not.
+bool isMailFileName(std::string_view name);
+
 class FileWalker {
   public:
-    // "-" means standard input and is returned as it is.
-    explicit FileWalker(std::vector<std::string> paths);
+    // As InputName.h reads them; "-" means standard input and is returned as it is.
+    explicit FileWalker(std::vector<std::string> const& paths);
 
     struct Entry {
-        std::string m_path;
+        InputName m_name;
         // Not empty: why the path or folder cannot be opened.
         std::string m_error;
     };
@@ -28,15 +35,10 @@ class FileWalker {
     bool next(Entry& entry);
 
   private:
-    struct Pending {
-        std::filesystem::path m_path;
-        bool m_isNamed = false; // on the command line: taken whatever it is
-    };
-
     std::string openFolder(std::filesystem::path const& folder);
 
     // The next one is the last.
-    std::vector<Pending> m_pending;
+    std::vector<InputName> m_pending;
 };
 
 } // namespace Quorvane

@@ -31,7 +31,8 @@ void InputSize::count(std::stop_token const& stop, std::vector<std::string> cons
     FileWalker files(paths);
     std::uint64_t bytes = 0;
     for (FileWalker::Entry entry; files.next(entry);) {
-        if (stop.stop_requested() || (entry.m_error.empty() && !s_addSize(entry.m_path, bytes))) {
+        if (stop.stop_requested() ||
+            (entry.m_error.empty() && !s_addSize(entry.m_name.m_path, bytes))) {
             return;
         }
     }

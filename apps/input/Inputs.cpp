@@ -2,6 +2,7 @@
 #include "apps/input/Inputs.h"
 
 #include "apps/commandline/ProgramError.h"
+#include "apps/input/HeaderCheck.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -33,23 +34,30 @@ void s_setProblem(InputItem& item, int exitStatus, std::string text) {
 
 } // namespace
 
-Inputs::Inputs(std::vector<std::string> paths, Interrupt& interrupt)
-    : m_interrupt(interrupt), m_files(s_orStandardInput(std::move(paths))) {}
+Inputs::Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt,
+               std::optional<std::filesystem::path> copies)
+    : m_interrupt(interrupt), m_files(s_orStandardInput(paths)), m_copies(std::move(copies)) {}
 
-Inputs::Inputs(std::string path, std::unique_ptr<ByteSource> source, Interrupt& interrupt)
-    : m_interrupt(interrupt), m_files({}), m_path(std::move(path)),
-      m_reader(std::make_unique<MessageReader>(std::move(source), m_path == "-")) {}
+Inputs::Inputs(std::string path, OpenInput opened, Interrupt const& interrupt)
+    : m_interrupt(interrupt), m_files({}), m_name{std::move(path), {}, 0}, m_source(m_name.m_path),
+      m_archive(std::move(opened.m_archive)) {
+    if (opened.m_bytes) {
+        startReading(std::move(opened.m_bytes));
+    }
+}
 
 bool Inputs::next(InputItem& item) {
-    for (;;) {
-        item = InputItem();
-        if (!m_reader && !openNext(item)) {
+    item = InputItem();
+    while (item.m_problem.empty() && item.m_headers.empty()) {
+        if (m_reader) {
+            readMessage(item);
+        } else if (m_archive) {
+            openMember(item);
+        } else if (!openNext(item)) {
             return false;
         }
-        if (!item.m_problem.empty() || readNext(item)) {
-            return true;
-        }
     }
+    return true;
 }
 
 // False when there is no input left; a problem in `item` when it cannot be opened.
@@ -58,53 +66,158 @@ bool Inputs::openNext(InputItem& item) {
     if (!m_files.next(entry)) {
         return false;
     }
-    item.m_source = m_path = entry.m_path;
+    m_name = std::move(entry.m_name);
+    item.m_source = m_source = m_name.source();
     if (!entry.m_error.empty()) {
         s_setProblem(item, ExitStatus::noInput, "cannot be opened: " + entry.m_error);
         return true;
     }
     try {
-        m_reader = std::make_unique<MessageReader>(openInput(m_path, m_interrupt), m_path == "-");
+        auto opened = openInput(m_name.m_path, m_interrupt);
+        if (opened.m_bytes && !m_name.m_member.empty()) {
+            throw InputError("it is no archive");
+        }
+        m_archive = std::move(opened.m_archive);
+        if (opened.m_bytes) {
+            startReading(std::move(opened.m_bytes));
+        }
     } catch (InputError const& error) {
         s_setProblem(item, ExitStatus::noInput, std::string("cannot be opened: ") + error.what());
     }
     return true;
 }
 
-// False when the open input has ended.
-bool Inputs::readNext(InputItem& item) {
-    HeaderSection section;
-    item.m_source = m_path;
+void Inputs::startReading(std::unique_ptr<ByteSource> source) {
+    m_reader = std::make_unique<MessageReader>(std::move(source),
+                                               ReaderOptions{m_source == "-", m_copies});
+}
+
+// The next file of an archive, if there is one.
+void Inputs::openMember(InputItem& item) {
+    Archive::Member member;
     try {
-        if (!m_reader->next(section)) {
-            close();
-            return false;
+        if (!m_archive->next(member)) {
+            if (!m_name.m_member.empty()) {
+                item.m_source = m_name.source();
+                s_setProblem(item, ExitStatus::noInput,
+                             "cannot be opened: there is no such file in the archive");
+            }
+            closeFile();
+            return;
         }
     } catch (InputError const& error) {
-        close();
-        s_setProblem(item, ExitStatus::noInput, std::string("cannot be read: ") + error.what());
+        item.m_source = m_name.m_path;
+        s_setProblem(item, ExitStatus::noInput, std::string("cannot be read on: ") + error.what());
+        closeFile();
+        return;
+    }
+    if (isWanted(member.m_name)) {
+        openMember(member, item);
+    }
+}
+
+// A member whose real name ends in ":N" is meant by that.
+bool Inputs::isWanted(std::string const& member) {
+    if (m_name.m_member.empty()) {
         return true;
     }
+    if (m_name.m_number != 0 && member == m_name.m_member + ":" + std::to_string(m_name.m_number)) {
+        m_name.m_number = 0;
+        m_isFound = true;
+    }
+    m_isFound = m_isFound || member == m_name.m_member;
+    return m_isFound;
+}
+
+void Inputs::openMember(Archive::Member& member, InputItem& item) {
+    m_source = m_name.m_path + (member.m_name.empty() ? "" : "/" + member.m_name);
+    if (member.m_source) {
+        startReading(std::move(member.m_source));
+        return;
+    }
+    item.m_source = m_source;
+    s_setProblem(item, ExitStatus::noInput, "cannot be read: " + member.m_problem);
+    closeSource();
+}
+
+// The next message of what is being read, if there is one.
+void Inputs::readMessage(InputItem& item) {
+    item.m_source = m_source;
+    HeaderSection section;
+    try {
+        if (!m_reader->next(section)) {
+            noteMissing(item);
+            closeSource();
+            return;
+        }
+    } catch (InputError const& error) {
+        closeSource();
+        s_setProblem(item, ExitStatus::noInput, std::string("cannot be read: ") + error.what());
+        return;
+    }
+    m_lastNumber = section.m_number;
+    if (m_name.m_number != 0 && section.m_number != m_name.m_number) {
+        return;
+    }
+    takeMessage(section, item);
+    if (m_name.m_number != 0) {
+        closeSource();
+    }
+}
+
+// A certain message of a mailbox is wanted, and it has not come.
+void Inputs::noteMissing(InputItem& item) const {
+    if (m_name.m_number == 0 || m_lastNumber == m_name.m_number) {
+        return;
+    }
+    item.m_source += ":" + std::to_string(m_name.m_number);
+    s_setProblem(item, ExitStatus::noInput,
+                 m_lastNumber == 0
+                     ? "cannot be opened: it is a single message, no mailbox"
+                     : "cannot be opened: the mailbox has " + std::to_string(m_lastNumber) +
+                           (m_lastNumber == 1 ? " message" : " messages"));
+}
+
+void Inputs::takeMessage(HeaderSection& section, InputItem& item) {
     if (section.m_number != 0) {
         item.m_source += ":" + std::to_string(section.m_number);
     }
-    if (section.m_isTooLong) {
-        s_setProblem(item, ExitStatus::badData,
-                     "not a message: its header section is longer than " +
-                         std::to_string(maxHeaderSection >> 20) + " MiB");
+    if (!section.m_problem.empty()) {
+        s_setProblem(item, ExitStatus::badData, section.m_problem);
+    } else if (!hasHeaderField(section.m_text)) {
+        s_setProblem(item, ExitStatus::badData, noHeaderField);
     } else {
         item.m_headers = std::move(section.m_text);
+        item.m_copy = std::move(section.m_copy);
     }
-    return true;
 }
 
-void Inputs::close() {
-    m_closedBytes += std::max(m_reader->position(), s_size(m_path));
+// The end of a file, or of a file in an archive.
+void Inputs::closeSource() {
+    m_lastNumber = 0;
+    if (!m_archive || m_isFound) {
+        closeFile();
+    } else {
+        m_reader.reset();
+    }
+}
+
+void Inputs::closeFile() {
+    m_closedBytes += std::max(openPosition(), s_size(m_name.m_path));
     m_reader.reset();
+    m_archive.reset();
+    m_isFound = false;
+}
+
+std::uint64_t Inputs::openPosition() const {
+    if (m_archive) {
+        return m_archive->position();
+    }
+    return m_reader ? m_reader->position() : 0;
 }
 
 std::uint64_t Inputs::position() const {
-    return m_closedBytes + (m_reader ? m_reader->position() : 0);
+    return m_closedBytes + openPosition();
 }
 
 } // namespace Quorvane

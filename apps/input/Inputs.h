@@ -4,33 +4,41 @@
 // takes its place in the sequence. One object, one thread.
 #pragma once
 
+#include "apps/input/Archive.h"
 #include "apps/input/FileWalker.h"
 #include "apps/input/MessageReader.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Quorvane {
 
 struct InputItem {
-    // PATH; PATH:N for the N-th message of an mbox; "-" for standard input.
+    // PATH, or "-" for standard input; PATH/MEMBER for a file in an archive; with :N for the N-th
+    // message of an mbox.
     std::string m_source;
-    // The header section, unchecked: it may hold no header field at all.
+    // The header section, with at least one header field.
     std::string m_headers;
     // Not empty: this is not a message but a problem, described for people.
     std::string m_problem;
     // Of a problem: ExitStatus::badData or noInput.
     int m_exitStatus = 0;
+    // The whole message, if copies are wanted and it could be read to its end.
+    std::shared_ptr<MessageCopy const> m_copy = {};
 };
 
 class Inputs {
   public:
-    // No path means standard input. `interrupt` outlives the object.
-    Inputs(std::vector<std::string> paths, Interrupt& interrupt);
+    // No path means standard input. `interrupt` outlives the object. `copies`: copies of the
+    // messages are wanted; large ones are kept in this folder.
+    Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt,
+           std::optional<std::filesystem::path> copies = std::nullopt);
     // One input that is open already.
-    Inputs(std::string path, std::unique_ptr<ByteSource> source, Interrupt& interrupt);
+    Inputs(std::string path, OpenInput opened, Interrupt const& interrupt);
 
     // False at the end. Throws Interrupted.
     bool next(InputItem& item);
@@ -40,13 +48,26 @@ class Inputs {
 
   private:
     bool openNext(InputItem& item);
-    bool readNext(InputItem& item);
-    void close();
+    void openMember(InputItem& item);
+    void openMember(Archive::Member& member, InputItem& item);
+    bool isWanted(std::string const& member);
+    void startReading(std::unique_ptr<ByteSource> source);
+    void readMessage(InputItem& item);
+    void takeMessage(HeaderSection& section, InputItem& item);
+    void noteMissing(InputItem& item) const;
+    void closeSource();
+    void closeFile();
+    std::uint64_t openPosition() const;
 
-    Interrupt& m_interrupt;
+    Interrupt const& m_interrupt;
     FileWalker m_files;
-    std::string m_path;
-    std::unique_ptr<MessageReader> m_reader;
+    std::optional<std::filesystem::path> m_copies;
+    InputName m_name;     // what is wanted of the file that is open
+    std::string m_source; // what is being read
+    std::unique_ptr<Archive> m_archive;
+    std::unique_ptr<MessageReader> m_reader; // of the file, or of a file in the archive
+    bool m_isFound = false;                  // the wanted file of the archive
+    std::size_t m_lastNumber = 0;            // of the messages that have been read
     std::uint64_t m_closedBytes = 0;
 };
 

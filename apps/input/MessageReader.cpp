@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/MessageReader.h"
 
+#include <new>
 #include <utility>
 
 namespace Quorvane {
@@ -16,23 +17,52 @@ bool s_isQuotedSeparator(LinePiece const& piece) {
            piece.m_text.substr(quotes, separator.size()) == separator;
 }
 
+void s_drop(HeaderSection& section, std::string problem) {
+    section.m_text = std::string();
+    section.m_problem = std::move(problem);
+}
+
 void s_append(HeaderSection& section, std::string_view text) {
-    auto const room = maxHeaderSection - section.m_text.size();
-    section.m_isTooLong = section.m_isTooLong || text.size() > room;
-    section.m_text.append(text.substr(0, room));
+    auto const size = section.m_text.size() + text.size();
+    if (size > maxHeaderSection) {
+        s_drop(section, "not a message: its header section is longer than " +
+                            std::to_string(maxHeaderSection >> 20) + " MiB");
+        return;
+    }
+    try {
+        section.m_text.append(text);
+    } catch (std::bad_alloc const&) {
+        s_drop(section, noMemoryFor(size) + " or more");
+    }
+}
+
+void s_copy(HeaderSection& section, std::string_view text) {
+    if (section.m_copy) {
+        section.m_copy->append(text);
+    }
 }
 
 } // namespace
 
-MessageReader::MessageReader(std::unique_ptr<ByteSource> source, bool drain)
-    : m_source(std::move(source)), m_pieces(*m_source), m_drain(drain) {}
+std::string noMemoryFor(std::size_t size) {
+    return "not enough memory for its header section of " + std::to_string(size) + " bytes";
+}
+
+MessageReader::MessageReader(std::unique_ptr<ByteSource> source, ReaderOptions options)
+    : m_source(std::move(source)), m_pieces(*m_source), m_options(std::move(options)) {}
 
 bool MessageReader::next(HeaderSection& section) {
+    if (m_thrown) {
+        std::rethrow_exception(std::exchange(m_thrown, nullptr));
+    }
     if (!m_hasBegun) {
         m_hasBegun = true;
         m_isMbox = m_pieces.peek(separator.size()) == separator;
     }
     section = HeaderSection();
+    if (m_options.m_copies) {
+        section.m_copy = std::make_shared<MessageCopy>(*m_options.m_copies);
+    }
     return m_isMbox ? nextOfMbox(section) : single(section);
 }
 
@@ -42,7 +72,10 @@ bool MessageReader::single(HeaderSection& section) {
     }
     m_isAtEnd = true;
     readHeaders(section);
-    if (m_drain) {
+    if (section.m_copy) {
+        copyBody(section);
+    }
+    if (m_options.m_drain) {
         m_pieces.drain();
     }
     return true;
@@ -51,26 +84,29 @@ bool MessageReader::single(HeaderSection& section) {
 // The previous body is skipped only now: its message must not wait for it, nor be lost when it
 // cannot be read.
 bool MessageReader::nextOfMbox(HeaderSection& section) {
-    if (!m_isAtEnd) {
-        skipBody();
+    if (!m_isPastSeparator) {
+        readBody(nullptr);
     }
-    if (m_isAtEnd) {
+    if (!m_isPastSeparator) {
         return false;
     }
+    m_isPastSeparator = false;
     section.m_number = ++m_number;
     readHeaders(section);
+    if (section.m_copy) {
+        copyBody(section);
+    }
     return true;
 }
 
 void MessageReader::readHeaders(HeaderSection& section) {
     LinePiece piece;
-    while (!(section.m_isTooLong && !m_isMbox)) {
-        if (!m_pieces.next(piece)) {
-            m_isAtEnd = true;
-            return;
-        }
+    while ((section.m_problem.empty() || m_isMbox) && m_pieces.next(piece)) {
         bool const isQuoted = m_isMbox && s_isQuotedSeparator(piece);
-        s_append(section, piece.m_text.substr(isQuoted ? 1 : 0));
+        s_copy(section, piece.m_text);
+        if (section.m_problem.empty()) {
+            s_append(section, piece.m_text.substr(isQuoted ? 1 : 0));
+        }
         if (piece.isEmptyLine()) {
             return;
         }
@@ -86,19 +122,40 @@ void MessageReader::skipLine(LinePiece piece) {
     }
 }
 
-// Reads up to and including the next separator line. What comes before counts as following an empty
-// line: the end of a header section, or the start of the input.
-void MessageReader::skipBody() {
+// A message whose body cannot be read has its headers all the same.
+void MessageReader::copyBody(HeaderSection& section) {
+    if (!section.m_problem.empty()) {
+        section.m_copy.reset();
+        return;
+    }
+    try {
+        readBody(section.m_copy.get());
+    } catch (InputError const&) {
+        section.m_copy.reset();
+        m_thrown = std::current_exception();
+    }
+}
+
+// Reads up to and including the next separator line of an mbox, or to the end. What comes before
+// counts as following an empty line: the end of a header section, or the start of the input. The
+// empty line that an mbox has after each message is no part of the message.
+void MessageReader::readBody(MessageCopy* copy) {
+    std::string emptyLine;
     bool followsEmptyLine = true;
     LinePiece piece;
     while (m_pieces.next(piece)) {
-        if (followsEmptyLine && piece.startsWith(separator)) {
+        if (m_isMbox && followsEmptyLine && piece.startsWith(separator)) {
             skipLine(piece);
+            m_isPastSeparator = true;
             return;
         }
         followsEmptyLine = piece.isEmptyLine();
+        if (copy != nullptr) {
+            copy->append(emptyLine);
+            emptyLine = m_isMbox && followsEmptyLine ? piece.m_text : std::string_view();
+            copy->append(emptyLine.empty() ? piece.m_text : std::string_view());
+        }
     }
-    m_isAtEnd = true;
 }
 
 } // namespace Quorvane

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/OrderedPool.h"
 
+#include "apps/commandline/ProgramError.h"
+
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace Quorvane {
@@ -37,7 +40,7 @@ bool OrderedPool::submit(InputItem item) {
         return isStopping() || m_inOrder.empty() ||
                (m_inOrder.size() < m_maxBatches && m_bytes < maxWaitingBytes);
     });
-    m_open->m_bytes += item.m_headers.size();
+    m_open->m_bytes += item.m_headers.size() + (item.m_copy ? item.m_copy->cost() : 0);
     m_open->m_items.push_back(std::move(item));
     if (m_open->m_items.size() >= batchItems || m_open->m_bytes >= batchBytes) {
         queueOpen();
@@ -112,16 +115,32 @@ void OrderedPool::run() {
 }
 
 // An exception for a message is delivered in its turn.
-OrderedPool::Hand OrderedPool::resultFor(InputItem const& item) const {
+OrderedPool::Hand OrderedPool::resultFor(InputItem const& item) {
     try {
-        return m_work(item);
+        try {
+            std::shared_lock const lock(m_memory);
+            return m_work(item);
+        } catch (std::bad_alloc const&) {
+            return resultAlone(item);
+        }
     } catch (...) {
         return [thrown = std::current_exception()]() -> bool { std::rethrow_exception(thrown); };
     }
 }
 
+// Perhaps a message on another thread has taken the memory. One that does not fit alone is a
+// problem like one that cannot be read.
+OrderedPool::Hand OrderedPool::resultAlone(InputItem const& item) {
+    std::lock_guard const lock(m_memory);
+    try {
+        return m_work(item);
+    } catch (std::bad_alloc const&) {
+        return m_work({item.m_source, {}, noMemoryFor(item.m_headers.size()), ExitStatus::badData});
+    }
+}
+
 // A result that the request to stop may have spoilt is dropped.
-void OrderedPool::workOn(Batch& batch) const {
+void OrderedPool::workOn(Batch& batch) {
     for (auto const& item : batch.m_items) {
         auto result = resultFor(item);
         if (m_stop.stop_requested()) {

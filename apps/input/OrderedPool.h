@@ -17,6 +17,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <shared_mutex>
 #include <stop_token>
 #include <thread>
 #include <vector>
@@ -51,8 +52,9 @@ class OrderedPool {
     void queueOpen();
     Batch* nextBatch(std::unique_lock<std::mutex>& lock);
     void run();
-    Hand resultFor(InputItem const& item) const;
-    void workOn(Batch& batch) const;
+    Hand resultFor(InputItem const& item);
+    Hand resultAlone(InputItem const& item);
+    void workOn(Batch& batch);
     void deliver(std::unique_lock<std::mutex>& lock);
     bool handOn(Batch const& batch);
     bool isStopping() const { return m_isStopped || m_stop.stop_requested(); }
@@ -68,6 +70,7 @@ class OrderedPool {
     std::deque<std::unique_ptr<Batch>> m_inOrder;
     std::deque<Batch*> m_queue;
     std::size_t m_bytes = 0;
+    std::shared_mutex m_memory; // shared by threads at work, alone with what needs much memory
     bool m_isDelivering = false;
     bool m_isClosed = false;
     bool m_isStopped = false;

@@ -8,6 +8,7 @@
 #include "apps/commandline/CommandLine.h"
 #include "apps/commandline/ProgramError.h"
 #include "apps/settings/SettingsTable.h"
+#include "rules/language/LoadRules.h"
 
 #include <filesystem>
 
@@ -50,5 +51,9 @@ void readNumberOption(CommandLine const& line, std::string const& name, Number& 
         throw UsageError("--" + name + ": " + error.what());
     }
 }
+
+// The rules that an argument names; says on standard error when their names cannot be used. A
+// RuleError, and a UsageError when it names a message: then the arguments are probably swapped.
+Rules::LoadedRules loadRulesOf(CommandLine const& line, std::string_view argument);
 
 } // namespace Quorvane::RulesApp

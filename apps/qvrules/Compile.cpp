@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/NamedRules.h"
+#include "apps/qvrules/NameWarning.h"
 #include "apps/qvrules/Output.h"
 #include "apps/text/Utf8.h"
 #include "rules/check/Checker.h"

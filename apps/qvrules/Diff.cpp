@@ -2,7 +2,6 @@
 #include "apps/evaluation/Report.h"
 #include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/VectorJudge.h"
@@ -29,8 +28,8 @@ int diff(CommandLine const& line) {
     auto const output = outputOf(line, "output", drawnMark);
     requireWritable(output);
     auto const settings = mail.m_host.m_judging;
-    auto const before = loadNamedRules(line.text("OLD"));
-    auto const after = loadNamedRules(line.text("NEW"));
+    auto const before = loadRulesOf(line, "OLD");
+    auto const after = loadRulesOf(line, "NEW");
     Workshop::VectorJudge const judgeBefore(before.m_set, settings);
     Workshop::VectorJudge const judgeAfter(after.m_set, settings);
     settleDns(mail.m_host, judgeBefore.needsLookups() || judgeAfter.needsLookups());
@@ -41,7 +40,7 @@ int diff(CommandLine const& line) {
         {line.text("OLD"), before.m_set, before.m_names.m_names, settings},
         {line.text("NEW"), after.m_set, after.m_names.m_names, settings}};
     writeOutput(output, s_report(line.text("format"))(difference, sets));
-    return difference.m_groups.empty() ? ExitStatus::ok : ExitStatus::findings;
+    return counts.exitStatus(difference.m_groups.empty() ? ExitStatus::ok : ExitStatus::findings);
 }
 
 } // namespace Quorvane::RulesApp

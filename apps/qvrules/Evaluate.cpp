@@ -2,7 +2,6 @@
 #include "apps/evaluation/Report.h"
 #include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/workshop/VectorJudge.h"
@@ -29,7 +28,7 @@ int evaluate(CommandLine const& line) {
     }
     auto const output = outputOf(line, "output", drawnMark);
     requireWritable(output);
-    auto const rules = loadNamedRules(line.text("RULES"));
+    auto const rules = loadRulesOf(line, "RULES");
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
     settleDns(mail.m_host, judge.needsLookups());
     TrainingMailCounts counts;
@@ -38,7 +37,7 @@ int evaluate(CommandLine const& line) {
     Reports::EvaluatedRules const shown{line.text("RULES"), rules.m_set, rules.m_names.m_names,
                                         mail.m_host.m_judging};
     writeOutput(output, s_report(line.text("format"))(evaluation, shown));
-    return ExitStatus::ok;
+    return counts.exitStatus(ExitStatus::ok);
 }
 
 } // namespace Quorvane::RulesApp

@@ -1,82 +1,114 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
+#include "apps/commandline/Terminal.h"
 #include "apps/host/HostSetup.h"
 #include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/NamedRules.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/ExplainInput.h"
 #include "apps/workshop/MailVectors.h"
 
+#include <iostream>
+#include <unistd.h>
 #include <utility>
 
 namespace Quorvane::RulesApp {
 
 namespace {
 
-// The answers of DNS are shown, whether or not the rules test them.
-HostSettings s_settings(CommandLine const& line) {
-    auto settings = hostSettings(line);
-    settleDns(settings, true);
-    return settings;
+struct ExplainArguments {
+    std::string m_asked;
+    bool m_isJson = false;
+    bool m_hasColour = false;
+    bool m_wantsPager = false;
+    bool m_hasFacts = false;
+    MessageFacts m_facts;
+    HostSettings m_settings;
+};
+
+ExplainArguments s_arguments(CommandLine const& line) {
+    ExplainArguments arguments;
+    arguments.m_asked = line.text("INPUT");
+    arguments.m_isJson = line.text("format") == "json";
+    arguments.m_hasColour = wantsColour(line);
+    // A person who types the message needs the terminal.
+    bool const isTyped = arguments.m_asked == "-" && ::isatty(STDIN_FILENO) == 1;
+    arguments.m_wantsPager = !arguments.m_isJson && !isTyped && !line.has(noPagerRow.m_name);
+    arguments.m_hasFacts = hasFacts(line);
+    arguments.m_facts = messageFacts(line);
+    arguments.m_settings = hostSettings(line);
+    // The answers of DNS are shown, whether or not the rules test them.
+    settleDns(arguments.m_settings, true);
+    return arguments;
 }
 
 class Explainer {
   public:
-    Explainer(CommandLine const& line, LoadedRules rules, Interrupt const& interrupt)
-        : m_interrupt(interrupt), m_isJson(line.text("format") == "json"),
-          m_facts(messageFacts(line)), m_host(setUpHost(s_settings(line), std::move(rules))) {}
+    Explainer(ExplainArguments const& arguments, LoadedRules rules, Interrupt const& interrupt)
+        : m_arguments(arguments), m_interrupt(interrupt),
+          m_host(setUpHost(arguments.m_settings, std::move(rules))) {}
 
-    void explain(Workshop::AskedItem const& item) const {
+    void explain(Workshop::AskedItem const& item) {
+        if (!item.m_problem.empty()) {
+            std::cerr << toPrintable(item.m_source + ": " + item.m_problem) << '\n';
+            m_status = m_status == ExitStatus::ok ? item.m_exitStatus : m_status;
+            return;
+        }
         auto const depth = RecordDepth::alternatives;
-        auto const record = item.m_headers ? m_host->scan(*item.m_headers, m_facts, depth)
-                                           : m_host->judge(item.m_vector, depth);
+        auto const record = item.m_headers
+                                ? m_host->scan(*item.m_headers, m_arguments.m_facts, depth)
+                                : m_host->judge(item.m_vector, depth);
         if (m_interrupt.signalNumber() != 0) {
             throw Interrupted();
         }
         print(item.m_source, record);
     }
 
+    int exitStatus() const { return m_status; }
+
   private:
     void print(std::string const& source, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
         auto const& names = m_host->ruleNames();
-        printOutput(m_isJson ? jsonExplanation(source, record, settings, names)
-                             : textRecord(source, record, names, false) +
-                                   textExplain(record, settings, names));
+        printOutput(m_arguments.m_isJson
+                        ? jsonExplanation(source, record, settings, names)
+                        : textRecord(source, record, names, m_arguments.m_hasColour) +
+                              textExplain(record, settings, names));
     }
 
+    ExplainArguments const& m_arguments;
     Interrupt const& m_interrupt;
-    bool m_isJson;
-    MessageFacts m_facts;
     std::shared_ptr<ScanHost const> m_host;
+    int m_status = ExitStatus::ok; // for the first problem
 };
 
-void s_explain(CommandLine const& line, Workshop::ExplainInput& input, Interrupt const& interrupt) {
-    auto const rules = loadNamedRules(line.text("RULES"));
+int s_explain(ExplainArguments const& arguments, LoadedRules rules, Interrupt& interrupt) {
+    Workshop::ExplainInput input(arguments.m_asked, interrupt);
+    if (input.isVectors() && arguments.m_hasFacts) {
+        throw UsageError(arguments.m_asked + ": facts about a message do not apply to vectors; "
+                                             "leave out --env-from and the like");
+    }
     LookupEnd const lookupEnd(interrupt.token());
-    Explainer const explainer(line, loadedRules(rules.m_set), interrupt);
+    Explainer explainer(arguments, std::move(rules), interrupt);
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
+    return explainer.exitStatus();
 }
 
 } // namespace
 
 int explain(CommandLine const& line) {
-    auto const asked = line.text("INPUT");
-    Interrupt interrupt;
+    auto rules = loadedRules(loadRulesOf(line, "RULES").m_set);
+    auto const arguments = s_arguments(line);
+    Pager const pager(arguments.m_wantsPager);
+    Interrupt interrupt; // after what may come from pipes
     try {
-        Workshop::ExplainInput input(asked, interrupt);
-        if (input.isVectors() && hasFacts(line)) {
-            throw UsageError(asked + ": facts about a message do not apply to vectors; leave out "
-                                     "--env-from and the like");
-        }
-        s_explain(line, input, interrupt);
+        return s_explain(arguments, std::move(rules), interrupt);
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }
-    return ExitStatus::ok;
 }
 
 } // namespace Quorvane::RulesApp

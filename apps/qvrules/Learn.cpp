@@ -148,6 +148,27 @@ Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings
     return Rules::learnTree(table, settings, plan, report);
 }
 
+// What to say when there is no spam to learn from, or no ham.
+std::string s_missing(std::string const& label, std::string const& how) {
+    return "there is no " + label + " to learn from; a tree tells spam from ham, so give " + how;
+}
+
+void s_requireOptionsForBoth(CommandLine const& line) {
+    for (std::string const label : {"spam", "ham"}) {
+        if (!line.has(label) && !line.has(label + "-vectors") && !line.has("vectors")) {
+            throw UsageError(
+                s_missing(label, "--" + label + ", --" + label + "-vectors or --vectors"));
+        }
+    }
+}
+
+void s_requireBoth(Rules::LabelCounts const& total) {
+    if (total.m_spam == 0 || total.m_ham == 0) {
+        throw Rules::LearnError(
+            s_missing(total.m_spam == 0 ? "spam" : "ham", "mail of both that can be judged"));
+    }
+}
+
 } // namespace
 
 int learn(CommandLine const& line) {
@@ -159,6 +180,9 @@ int learn(CommandLine const& line) {
     }
     if (!line.has("output") && !line.has("table")) {
         throw UsageError("give -o SRC for rules or --table FILE for the vectors");
+    }
+    if (!output.empty()) {
+        s_requireOptionsForBoth(line);
     }
     // Check everything else before hours of scanning.
     auto const settings = s_settings(line);
@@ -173,12 +197,13 @@ int learn(CommandLine const& line) {
         s_writeTable(tableOutput, table);
     }
     if (line.has("output")) {
+        s_requireBoth(table.total());
         auto const learned = s_learn(table, settings, plan);
         writeOutput(output,
                     before + Rules::learnedComment(table, settings, learned) + s_treeText(learned));
         s_report(learned, counts, table);
     }
-    return ExitStatus::ok;
+    return counts.exitStatus(ExitStatus::ok);
 }
 
 } // namespace Quorvane::RulesApp

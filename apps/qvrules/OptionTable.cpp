@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvrules/Commands.h"
 
+#include "apps/commandline/Terminal.h"
 #include "apps/settings/SettingSources.h"
 #include "apps/settings/SettingsTable.h"
 
@@ -136,6 +137,7 @@ CommandRow const showCommand{
     {{"format", "text|dot|svg|html", "for a terminal (default), for Graphviz, a picture, a page"},
      outputRow,
      forceRow,
+     colorRow,
      {"on", "PATH", "mail on which to measure how much reaches each node", Takes::several},
      {"vectors", "FILE", "CSV of vectors to measure on; - for standard input", Takes::several},
      {"message", "FILE", "message to judge and to explain in the page", Takes::several},
@@ -153,12 +155,13 @@ CommandRow const explainCommand{
     "explain",
     "Explain verdicts in plain words",
     {rulesArgument,
-     {"INPUT", "PATH", "message, table of vectors, vector, or - for standard input",
+     {"INPUT", "PATH", "message, FILE:N, table of vectors, vector, or - for standard input",
       Takes::required}},
-    {formatRow},
-    "INPUT is a message or an mbox; a table of vectors from \"qvscan --format csv\";\n"
-    "or, if there is no such file, a vector: NAME=VALUE,... Attributes that are not\n"
-    "named have the values of a scan that finds nothing else.\n\n"
+    {formatRow, colorRow, noPagerRow},
+    "INPUT is a message, an mbox, message N of an mbox, or an archive; a table of\n"
+    "vectors from \"qvscan --format csv\"; or, if there is no such file, a vector:\n"
+    "NAME=VALUE,... Attributes that are not named have the values of a scan that finds\n"
+    "nothing else.\n\n"
     "The value not-analysed means that there was no such hop, n/a that the question\n"
     "does not apply, unknown that a part of the comparison is missing.\n\n"
     "Examples: qvrules explain my.qvr strange.eml\n"

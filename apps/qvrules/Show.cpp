@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
+#include "apps/commandline/Terminal.h"
 #include "apps/host/HostSetup.h"
 #include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/NamedRules.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/settings/SettingValue.h"
@@ -34,6 +34,7 @@ struct ShowArguments {
     std::optional<std::string> m_serve;
     HostSettings m_settings;
     MessageFacts m_facts; // of those messages
+    bool m_hasColour = false;
 };
 
 ShowArguments s_arguments(CommandLine const& line) {
@@ -45,7 +46,8 @@ ShowArguments s_arguments(CommandLine const& line) {
             line.texts("message"),
             line.has("serve") ? std::optional(line.text("serve")) : std::nullopt,
             hostSettings(line),
-            messageFacts(line)};
+            messageFacts(line),
+            wantsColour(line) && (!line.has("output") || line.text(colorRow.m_name) == "always")};
 }
 
 // Any corpus name will do: it is not used here.
@@ -102,7 +104,8 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
     if (arguments.m_format == "html") {
         return Show::htmlDrawing(drawing, extras);
     }
-    return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output.m_path == "-"));
+    return Show::textDrawing(
+        drawing, Show::terminalStyle(arguments.m_output.m_path == "-", arguments.m_hasColour));
 }
 
 Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& settings,
@@ -143,7 +146,8 @@ bool s_needsEngine(ShowArguments const& arguments) {
     return !arguments.m_on.empty() || !arguments.m_vectors.empty() || s_takesMessages(arguments);
 }
 
-void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set) {
+// The exit status.
+int s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set) {
     auto settings = arguments.m_settings;
     settleDns(settings, true); // the page shows the answers of DNS
     auto const rules = Show::shownRules(arguments.m_rules, set);
@@ -166,6 +170,7 @@ void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet cons
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }
+    return counts.exitStatus(ExitStatus::ok);
 }
 
 // Throws a UsageError for options that exclude each other.
@@ -191,13 +196,12 @@ int show(CommandLine const& line) {
     s_check(arguments, hasFacts(line));
     auto const port = s_port(arguments.m_serve.value_or(""));
     requireWritable(arguments.m_output);
-    auto const set = loadNamedRules(arguments.m_rules).m_set;
+    auto const set = loadRulesOf(line, "RULES").m_set;
     if (s_needsEngine(arguments)) {
-        s_showRunning(arguments, port, set);
-    } else {
-        auto const rules = Show::shownRules(arguments.m_rules, set);
-        writeOutput(arguments.m_output, s_drawn(arguments, {rules}, {}));
+        return s_showRunning(arguments, port, set);
     }
+    auto const rules = Show::shownRules(arguments.m_rules, set);
+    writeOutput(arguments.m_output, s_drawn(arguments, {rules}, {}));
     return ExitStatus::ok;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
 #include "apps/qvrules/Commands.h"
-#include "apps/qvrules/NamedRules.h"
+#include "apps/qvrules/NameWarning.h"
 #include "apps/story/NamedJson.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/CaseRunner.h"

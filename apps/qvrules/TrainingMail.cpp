@@ -2,6 +2,8 @@
 #include "apps/qvrules/TrainingMail.h"
 
 #include "apps/commandline/Progress.h"
+#include "apps/input/InputName.h"
+#include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/model/RuleError.h"
 #include "rules/vectors/VectorCsv.h"
@@ -69,14 +71,30 @@ class TrainingMailReader {
 
     Rules::ComparedMail read() {
         for (auto const& inputs : m_mail.m_inputs) {
+            requirePaths(inputs);
+        }
+        for (auto const& inputs : m_mail.m_inputs) {
             inputs.m_areVectors ? readTables(inputs) : readMessages(inputs);
         }
+        reportLeftOut();
         m_found.m_sorted = m_sorted.finish();
         m_found.m_unsorted = m_unsorted.finish();
         return std::move(m_found);
     }
 
   private:
+    // A path that is mistyped shows at once, not after hours.
+    static void requirePaths(MailInputs const& inputs) {
+        for (auto const& text : inputs.m_paths) {
+            auto const path = s_corpusPath(text).m_path;
+            std::error_code error;
+            if (path != "-" && !std::filesystem::exists(inputName(path).m_path, error)) {
+                throw Rules::RuleError(Rules::RuleError::Kind::noInput,
+                                       path + ": cannot be opened: " + std::strerror(ENOENT));
+            }
+        }
+    }
+
     void readMessages(MailInputs const& inputs) {
         if (!m_scanner) {
             m_scanner = std::make_unique<Workshop::MailVectors>(m_mail.m_host,
@@ -93,6 +111,10 @@ class TrainingMailReader {
 
     void add(Workshop::MailVector const& mail, MailInputs const& inputs,
              std::string const& corpus) {
+        if (!mail.m_problem.empty()) {
+            leaveOut(mail);
+            return;
+        }
         auto& table = tableOf(inputs);
         auto& samples = inputs.m_isSorted ? m_found.m_sortedSamples : m_found.m_unsortedSamples;
         auto const label = inputs.m_label.value_or(Rules::MailLabel::ham);
@@ -111,6 +133,20 @@ class TrainingMailReader {
                       apart ? corpus + ", no reverse names" : corpus);
         }
         m_progress->update(m_counts.m_messages);
+    }
+
+    void leaveOut(Workshop::MailVector const& mail) {
+        m_counts.m_leftOutStatus = m_counts.exitStatus(mail.m_exitStatus);
+        ++m_counts.m_leftOut;
+        m_progress->clear();
+        std::cerr << toPrintable(mail.m_source + ": " + mail.m_problem) << '\n';
+    }
+
+    void reportLeftOut() const {
+        if (m_counts.m_leftOut != 0) {
+            std::cerr << "qvrules: " << m_counts.m_leftOut
+                      << (m_counts.m_leftOut == 1 ? " input was" : " inputs were") << " left out\n";
+        }
     }
 
     static void keepSample(std::vector<std::string>& sources, std::string const& source) {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/Options.h"
 
+#include "apps/commandline/Terminal.h"
 #include "apps/settings/SettingSources.h"
+
+#include <algorithm>
+#include <unistd.h>
 
 namespace Quorvane {
 
@@ -17,10 +21,23 @@ Exit status: 0 no spam, 1 spam found, 64 usage error, 65 not a message,
 In --explain, not-analysed means that there was no such hop, n/a that the
 question does not apply, unknown that a part of the comparison is missing.)";
 
+constexpr OptionRow extractRow{"extract", "DIR",
+                               "write the messages of these results as files into this folder"};
+
+// Text on a terminal, JSON elsewhere.
+OutputFormat s_format(CommandLine const& line) {
+    auto const format = line.text("format", ::isatty(STDOUT_FILENO) == 1 ? "text" : "json");
+    return format == "text"   ? OutputFormat::text
+           : format == "json" ? OutputFormat::json
+                              : OutputFormat::csv;
+}
+
 std::vector<OptionRow> s_options() {
     OptionRow const output[] = {
         {"format", "text|json|csv", "output format (default: text on a terminal, otherwise json)"},
         {"explain", "", "show how each verdict was reached"},
+        colorRow,
+        noPagerRow,
         {"progress", "",
          "show progress, then the number of failed look-ups (default: on a terminal)"},
         {"no-progress", "", "do not show them"},
@@ -29,6 +46,10 @@ std::vector<OptionRow> s_options() {
     for (auto const& row : output) {
         rows.push_back(row.in("Output"));
     }
+    for (auto const& row : filterRows()) {
+        rows.push_back(row.in("Selection"));
+    }
+    rows.push_back(extractRow.in("Selection"));
     addRows(rows, factsOf(factRows()), "Message");
     addRows(rows, factsOf(settingRows()), "Settings");
     for (auto const& row : {configRow, showConfigRow, helpRow, versionRow}) {
@@ -45,12 +66,18 @@ ProgramTable const& scanTable() {
         {"",
          "Judges e-mail by its Received headers.",
          {{"PATH", "PATH",
-           "message, mbox, Maildir or folder of messages, also packed with gzip, xz or zstd; - for "
-           "standard input (default)",
+           "message, mbox, Maildir, folder or archive (tar, zip) of messages, also packed with "
+           "gzip, "
+           "bzip2, xz or zstd; FILE:N for message N; - for standard input (default)",
            Takes::repeatable | Takes::anyText}},
          s_options(),
          footer}};
     return table;
+}
+
+bool isTyped(std::vector<std::string> const& paths) {
+    bool const isInput = paths.empty() || std::find(paths.begin(), paths.end(), "-") != paths.end();
+    return isInput && ::isatty(STDIN_FILENO) == 1;
 }
 
 ScanOptions scanOptions(CommandLine const& line) {
@@ -60,17 +87,17 @@ ScanOptions scanOptions(CommandLine const& line) {
     FactsStore facts;
     takeOptions(line, facts);
     options.m_facts = facts.values();
-    if (line.has("format")) {
-        auto const format = line.text("format");
-        options.m_format = format == "text"   ? OutputFormat::text
-                           : format == "json" ? OutputFormat::json
-                                              : OutputFormat::csv;
-    }
+    options.m_filter = Filter(line);
+    options.m_format = s_format(line);
     options.m_explain = line.has("explain");
+    options.m_colour = wantsColour(line);
+    options.m_extractTo = line.text(extractRow.m_name);
     if (line.has("progress") || line.has("no-progress")) {
         options.m_progress = !line.has("no-progress");
     }
     options.m_paths = line.texts("PATH");
+    options.m_wantsPager = options.m_explain && options.m_format == OutputFormat::text &&
+                           !line.has(noPagerRow.m_name) && !isTyped(options.m_paths);
     return options;
 }
 

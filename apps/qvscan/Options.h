@@ -4,6 +4,7 @@
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
+#include "apps/qvscan/Filter.h"
 #include "apps/settings/SettingsTable.h"
 
 #include <optional>
@@ -17,15 +18,23 @@ enum class OutputFormat { text, json, csv };
 struct ScanOptions {
     SettingsStore m_settings;
     MessageFacts m_facts;
-    // Empty: text on a terminal, JSON elsewhere.
-    std::optional<OutputFormat> m_format;
+    OutputFormat m_format = OutputFormat::text;
     bool m_explain = false;
+    bool m_colour = false;
+    // An explanation for people, who want to read it page by page.
+    bool m_wantsPager = false;
+    Filter m_filter;
+    // Empty: messages are not extracted.
+    std::string m_extractTo;
     // Empty: on a terminal, when work is long.
     std::optional<bool> m_progress;
     std::vector<std::string> m_paths;
 };
 
 ProgramTable const& scanTable();
+
+// Whether standard input is one of the inputs, and a person has to type it.
+bool isTyped(std::vector<std::string> const& paths);
 
 // Throws a UsageError, and a SettingsError for a bad settings file.
 ScanOptions scanOptions(CommandLine const& line);

@@ -10,7 +10,6 @@
 #include "platform/Resolver.h"
 #include "rules/vectors/VectorCsv.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <unistd.h>
 #include <utility>
@@ -18,17 +17,6 @@
 namespace Quorvane {
 
 namespace {
-
-OutputFormat s_format(ScanOptions const& options) {
-    bool const isTerminal = ::isatty(STDOUT_FILENO) == 1;
-    return options.m_format.value_or(isTerminal ? OutputFormat::text : OutputFormat::json);
-}
-
-// no-color.org: any value but the empty one requests plain text.
-bool s_wantsColour() {
-    auto const* const noColour = std::getenv("NO_COLOR");
-    return (noColour == nullptr || *noColour == '\0') && ::isatty(STDOUT_FILENO) == 1;
-}
 
 // What the output shows has to be asked for.
 HostSettings s_settings(ScanOptions const& options, HostSettings settings) {
@@ -47,16 +35,20 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 } // namespace
 
-ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt)
-    : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()),
+ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt,
+                 bool pagerRuns)
+    : m_options(options), m_interrupt(interrupt), m_pagerRuns(pagerRuns),
       m_host(setUpHost(s_settings(options, settings), "--root, or root in the settings file,")),
-      m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
+      m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {
+    if (!options.m_extractTo.empty()) {
+        m_extraction.emplace(options.m_extractTo);
+    }
+}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
     auto const& settings = m_host->settings().m_judging;
     auto const& names = m_host->ruleNames();
-    switch (m_format) {
+    switch (m_options.m_format) {
     case OutputFormat::json:
         return m_options.m_explain ? jsonExplanation(item.m_source, record, settings, names)
                                    : jsonRecord(item.m_source, record, names);
@@ -68,7 +60,7 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
     case OutputFormat::text:
         break;
     }
-    auto const text = textRecord(item.m_source, record, names, m_colour);
+    auto const text = textRecord(item.m_source, record, names, m_options.m_colour);
     return m_options.m_explain ? text + textExplain(record, settings, names) : text;
 }
 
@@ -76,20 +68,22 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     if (!item.m_problem.empty()) {
         return s_problem(item.m_source, item.m_problem, item.m_exitStatus);
     }
-    auto const headers = HeaderReader::read(item.m_headers);
-    if (headers.headers().empty()) {
-        return s_problem(item.m_source, "not a message: it has no header field",
-                         ExitStatus::badData);
-    }
     auto const depth = m_options.m_explain ? RecordDepth::alternatives : RecordDepth::result;
-    auto const record = m_host->scan(headers, m_options.m_facts, depth);
+    auto const headers = HeaderReader::read(item.m_headers);
     ScanResult result;
-    result.m_output = render(item, record);
+    if (!m_options.m_filter.isInPeriod(headers)) {
+        return result;
+    }
+    auto const record = m_host->scan(headers, m_options.m_facts, depth);
     result.m_isSpam = record.verdict.isSpam;
+    if (m_options.m_filter.letsThrough(record)) {
+        result.m_output = render(item, record);
+        result.m_copy = item.m_copy;
+    }
     return result;
 }
 
-bool ScanRun::take(ScanResult const& result) {
+bool ScanRun::take(ScanResult const& result, std::string const& source) {
     m_foundSpam = m_foundSpam || result.m_isSpam;
     note(result.m_exitStatus);
     ++m_messages;
@@ -98,7 +92,12 @@ bool ScanRun::take(ScanResult const& result) {
         m_progress->clear();
     }
     m_errors.write(result.m_errors);
-    return m_output.write(result.m_output);
+    return m_output.write(result.m_output) && extract(result, source);
+}
+
+// False when no message can be extracted any more.
+bool ScanRun::extract(ScanResult const& result, std::string const& source) {
+    return result.m_copy == nullptr || m_extraction->write(*result.m_copy, m_messages, source);
 }
 
 // Of several problems the first one counts.
@@ -112,7 +111,7 @@ int ScanRun::exitStatus() const {
     if (int const number = m_interrupt.signalNumber(); number != 0) {
         return ExitStatus::interrupted + number;
     }
-    if (m_output.error() != 0) {
+    if (m_output.error() != 0 || (m_extraction && !m_extraction->error().empty())) {
         return ExitStatus::cannotWrite;
     }
     if (m_problem != 0) {
@@ -122,7 +121,7 @@ int ScanRun::exitStatus() const {
 }
 
 bool ScanRun::showsProgress() const {
-    return m_options.m_progress.value_or(::isatty(STDERR_FILENO) == 1);
+    return m_options.m_progress.value_or(::isatty(STDERR_FILENO) == 1 && !m_pagerRuns);
 }
 
 void ScanRun::startProgress() {
@@ -140,7 +139,7 @@ void ScanRun::reportNames() {
 
 // A program that waits silently seems to hang.
 void ScanRun::reportWaiting() {
-    if (m_options.m_paths.empty() && ::isatty(STDIN_FILENO) == 1) {
+    if (isTyped(m_options.m_paths)) {
         m_errors.write("qvscan: waiting for a message on standard input; Ctrl-D ends it, and "
                        "qvscan --help shows the options\n");
     }
@@ -158,7 +157,9 @@ void ScanRun::reportLookups() {
 }
 
 void ScanRun::submitAll(OrderedPool& pool) {
-    Inputs inputs(m_options.m_paths, m_interrupt);
+    Inputs inputs(m_options.m_paths, m_interrupt,
+                  m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)
+                               : std::nullopt);
     try {
         for (InputItem item; m_interrupt.signalNumber() == 0 && inputs.next(item);) {
             if (m_progress) {
@@ -174,7 +175,7 @@ void ScanRun::submitAll(OrderedPool& pool) {
 }
 
 int ScanRun::run() {
-    if (m_format == OutputFormat::csv) {
+    if (m_options.m_format == OutputFormat::csv) {
         m_output.write(Rules::csvHeader() + "\n");
     }
     reportNames();
@@ -184,7 +185,9 @@ int ScanRun::run() {
     OrderedPool pool(
         m_host->settings().m_jobs,
         [this](InputItem const& item) {
-            return [this, result = judge(item)] { return take(result); };
+            return [this, result = judge(item), source = item.m_source] {
+                return take(result, source);
+            };
         },
         m_interrupt.token());
     submitAll(pool);
@@ -194,6 +197,9 @@ int ScanRun::run() {
     if (m_output.error() != 0) {
         m_errors.write(std::string("qvscan: cannot write: ") + std::strerror(m_output.error()) +
                        "\n");
+    }
+    if (m_extraction && !m_extraction->error().empty()) {
+        m_errors.write("qvscan: " + toPrintable(m_extraction->error()) + "\n");
     }
     return exitStatus();
 }

@@ -11,10 +11,12 @@
 #include "apps/input/InputSize.h"
 #include "apps/input/Interrupt.h"
 #include "apps/input/OrderedPool.h"
+#include "apps/qvscan/Extraction.h"
 #include "apps/qvscan/Options.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Quorvane {
@@ -25,12 +27,16 @@ struct ScanResult {
     std::string m_errors;
     bool m_isSpam = false;
     int m_exitStatus = 0; // of a problem
+    // To be extracted; null: it is not.
+    std::shared_ptr<MessageCopy const> m_copy = {};
 };
 
 class ScanRun {
   public:
-    // Throws a SettingsError. `options` and `interrupt` outlive the object.
-    ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt);
+    // Throws a ProgramError. `options` and `interrupt` outlive the object. `pagerRuns`: the
+    // terminal belongs to a pager.
+    ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt,
+            bool pagerRuns);
 
     // The exit status.
     int run();
@@ -39,7 +45,8 @@ class ScanRun {
     ScanResult judge(InputItem const& item) const;
     std::string render(InputItem const& item, ScanRecord const& record) const;
     void submitAll(OrderedPool& pool);
-    bool take(ScanResult const& result);
+    bool take(ScanResult const& result, std::string const& source);
+    bool extract(ScanResult const& result, std::string const& source);
     bool showsProgress() const;
     void startProgress();
     void reportNames();
@@ -50,8 +57,8 @@ class ScanRun {
 
     ScanOptions const& m_options;
     Interrupt& m_interrupt;
-    OutputFormat m_format;
-    bool m_colour;
+    bool m_pagerRuns;
+    std::optional<Extraction> m_extraction;
     std::shared_ptr<ScanHost const> m_host;
     Output m_output;
     Output m_errors;

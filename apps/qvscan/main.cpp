@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
+#include "apps/commandline/Terminal.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvscan/ScanRun.h"
 #include "apps/settings/SettingFiles.h"
@@ -20,8 +21,9 @@ int s_run(CommandLine const& line) {
     }
     warnAbout(options.m_settings, "qvscan");
     auto const settings = withFiles(options.m_settings.values()); // while signals end the program
+    Pager const pager(options.m_wantsPager);
     Interrupt interrupt;
-    return ScanRun(options, settings, interrupt).run();
+    return ScanRun(options, settings, interrupt, pager.isRunning()).run();
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <clocale>
-#include <cstdlib>
 #include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -30,8 +29,9 @@ bool s_isUtf8Locale() {
 
 } // namespace
 
-TextStyle terminalStyle(bool isStandardOutput) {
+TextStyle terminalStyle(bool isStandardOutput, bool hasColour) {
     TextStyle style;
+    style.m_hasColour = hasColour;
     style.m_isUtf8 = s_isUtf8Locale();
     if (!isStandardOutput || ::isatty(STDOUT_FILENO) != 1) {
         return style;
@@ -40,8 +40,6 @@ TextStyle terminalStyle(bool isStandardOutput) {
     if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
         style.m_width = std::max<std::size_t>(size.ws_col, minWidth);
     }
-    auto const* const noColour = std::getenv("NO_COLOR");
-    style.m_hasColour = noColour == nullptr || *noColour == '\0';
     return style;
 }
 

@@ -18,10 +18,9 @@ struct TextStyle {
     bool m_isUtf8 = false;
 };
 
-// Of standard output: its width, colours unless NO_COLOR is set, and the character set of the
-// locale. Anything that is not a terminal is 100 columns wide and gets no colours.
-// `isStandardOutput`: false when a file is written instead.
-TextStyle terminalStyle(bool isStandardOutput);
+// Of standard output: its width, and the character set of the locale. Anything that is not a
+// terminal is 100 columns wide. `isStandardOutput`: false when a file is written instead.
+TextStyle terminalStyle(bool isStandardOutput, bool hasColour);
 
 // `text`, with blanks after or before it up to `width` columns.
 std::string padded(std::string text, std::size_t width);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/CaseReader.h"
 
+#include "apps/input/HeaderCheck.h"
 #include "apps/settings/TomlSettings.h"
 #include "apps/workshop/VectorText.h"
-#include "platform/HeaderReader.h"
 #include "rules/language/Nearest.h"
 #include "rules/model/Files.h"
 #include "rules/model/RuleError.h"
@@ -126,8 +126,8 @@ class CaseReader {
     }
 
     void takeMessage(std::string message, toml::node const& node) {
-        if (HeaderReader::read(message).headers().empty()) {
-            fail(node, "not a message: it has no header field");
+        if (!hasHeaderField(message)) {
+            fail(node, noHeaderField);
         }
         m_case.m_headers = std::move(message);
         noteInput(node);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/ExplainInput.h"
 
-#include "apps/workshop/MailVectors.h"
+#include "apps/input/Inputs.h"
 #include "apps/workshop/VectorText.h"
+#include "platform/HeaderReader.h"
 #include "rules/model/RuleError.h"
 #include "rules/vectors/VectorCsv.h"
 
@@ -39,7 +40,7 @@ class SourceBuffer : public std::streambuf {
 bool s_isVector(std::string const& argument) {
     std::error_code error;
     return argument != standardInput && argument.find('=') != std::string::npos &&
-           !std::filesystem::exists(argument, error);
+           !std::filesystem::exists(inputName(argument).m_path, error);
 }
 
 } // namespace
@@ -51,9 +52,14 @@ ExplainInput::ExplainInput(std::string argument, Interrupt& interrupt)
         m_vector = parseVector(m_argument);
         return;
     }
+    auto const name = inputName(m_argument);
+    if (!name.isWhole()) {
+        return;
+    }
     try {
-        m_source = openInput(m_argument, interrupt);
-        bool const isTable = peekStart(m_source, tableStart.size()) == tableStart;
+        m_opened = openInput(name.m_path, interrupt);
+        bool const isTable =
+            m_opened.m_bytes && peekStart(m_opened.m_bytes, tableStart.size()) == tableStart;
         m_kind = isTable ? Kind::table : Kind::messages;
     } catch (InputError const& error) {
         throw Rules::RuleError(Rules::RuleError::Kind::noInput,
@@ -65,7 +71,7 @@ ExplainInput::ExplainInput(std::string argument, Interrupt& interrupt)
 
 void ExplainInput::read(std::function<void(AskedItem const&)> const& sink) {
     if (m_kind == Kind::vector) {
-        sink({"vector", std::nullopt, m_vector});
+        sink({.m_source = "vector", .m_vector = m_vector});
         return;
     }
     try {
@@ -73,10 +79,10 @@ void ExplainInput::read(std::function<void(AskedItem const&)> const& sink) {
             readMessages(sink);
             return;
         }
-        SourceBuffer buffer(*m_source);
+        SourceBuffer buffer(*m_opened.m_bytes);
         std::istream stream(&buffer);
         Rules::readVectorRows(stream, m_argument, [&](Rules::VectorCsvRow const& row) {
-            sink({std::string(row.m_source), std::nullopt, row.m_vector});
+            sink({.m_source = std::string(row.m_source), .m_vector = row.m_vector});
         });
     } catch (InputError const& error) {
         throw Rules::RuleError(Rules::RuleError::Kind::noInput,
@@ -85,9 +91,12 @@ void ExplainInput::read(std::function<void(AskedItem const&)> const& sink) {
 }
 
 void ExplainInput::readMessages(std::function<void(AskedItem const&)> const& sink) {
-    Inputs inputs(m_argument, std::move(m_source), m_interrupt);
+    bool const isOpen = m_opened.m_bytes || m_opened.m_archive;
+    auto inputs = isOpen ? Inputs(m_argument, std::move(m_opened), m_interrupt)
+                         : Inputs({m_argument}, m_interrupt);
     for (InputItem item; inputs.next(item);) {
-        sink({item.m_source, messageHeaders(item), std::nullopt});
+        sink(
+            {item.m_source, item.m_problem, item.m_exitStatus, HeaderReader::read(item.m_headers)});
     }
 }
 

@@ -3,14 +3,17 @@
 // ExplainInput: what is to be explained, from one argument of a command line:
 //
 //   -             standard input
-//   a file        that exists, packed (gzip, xz, zstd) or not
+//   a file        that exists, packed (gzip, bzip2, xz, zstd) or not; an archive (tar, zip); a part
+//   of
+//                 one of these, as reports name it (InputName.h)
 //   NAME=VALUE,…  any other argument with a "=": an attribute vector (VectorText.h)
 //
 // Standard input or file is a table of vectors when it begins with "source,", as the tables of
 // `qvscan --format csv` do; otherwise it is a message or an mbox. One object, one thread.
 #pragma once
 
-#include "apps/input/ByteSource.h"
+#include "apps/input/Archive.h"
+#include "apps/input/InputName.h"
 #include "platform/HeaderContainer.h"
 #include "rules/vectors/VectorTable.h"
 
@@ -23,10 +26,13 @@ namespace Quorvane::Workshop {
 
 struct AskedItem {
     std::string m_source; // as qvscan names it; "vector" for one from the command line
+    // Not empty: it is no message or cannot be read; with the exit status for that.
+    std::string m_problem = {};
+    int m_exitStatus = 0;
     // Of a message; empty when the item is a vector.
-    std::optional<HeaderContainer> m_headers;
+    std::optional<HeaderContainer> m_headers = {};
     // Empty for the row of a message that could not be judged.
-    std::optional<Rules::AttributeVector> m_vector;
+    std::optional<Rules::AttributeVector> m_vector = {};
 };
 
 class ExplainInput {
@@ -37,8 +43,8 @@ class ExplainInput {
     // Whether it holds vectors, not messages.
     bool isVectors() const { return m_kind != Kind::messages; }
 
-    // Passes all items to `sink`, in order. Call it once. A RuleError for what is neither a message
-    // nor a table; Interrupted.
+    // Passes all items to `sink`, in order. Call it once. A RuleError for a table that is damaged;
+    // Interrupted.
     void read(std::function<void(AskedItem const&)> const& sink);
 
   private:
@@ -49,7 +55,7 @@ class ExplainInput {
     std::string m_argument;
     Interrupt& m_interrupt;
     Kind m_kind = Kind::messages;
-    std::unique_ptr<ByteSource> m_source; // null for a vector
+    OpenInput m_opened; // unless it is a vector, or a part of a file
     Rules::AttributeVector m_vector{};
 };
 

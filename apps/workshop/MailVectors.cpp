@@ -5,6 +5,7 @@
 #include "apps/host/HostSetup.h"
 #include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
+#include "apps/input/HeaderCheck.h"
 #include "apps/input/OrderedPool.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
@@ -45,12 +46,11 @@ void requireReadable(InputItem const& item) {
 
 HeaderContainer messageHeaders(InputItem const& item) {
     requireReadable(item);
-    auto headers = HeaderReader::read(item.m_headers);
-    if (headers.headers().empty()) {
+    if (!hasHeaderField(item.m_headers)) {
         throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                               item.m_source + ": not a message: it has no header field");
+                               item.m_source + ": " + noHeaderField);
     }
-    return headers;
+    return HeaderReader::read(item.m_headers);
 }
 
 // The engine does not start without a tree; an empty tree decides nothing.
@@ -87,7 +87,12 @@ void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) 
 MailVector MailVectors::vectorOf(InputItem const& item) const {
     MailVector vector;
     vector.m_source = item.m_source;
-    vector.m_vector = attributesOf(messageHeaders(item));
+    if (!item.m_problem.empty()) {
+        vector.m_problem = item.m_problem;
+        vector.m_exitStatus = item.m_exitStatus;
+        return vector;
+    }
+    vector.m_vector = attributesOf(HeaderReader::read(item.m_headers));
     if (m_wantsRewritten) {
         if (auto const rewritten = Rules::withoutReverseNames(item.m_headers, m_isOwnRelay)) {
             vector.m_withoutReverseName = attributesOf(HeaderReader::read(*rewritten));

@@ -24,6 +24,10 @@ namespace Quorvane::Workshop {
 
 struct MailVector {
     std::string m_source;
+    // Not empty: the input is left out, since it is no message or cannot be read; with the exit
+    // status for that.
+    std::string m_problem;
+    int m_exitStatus = 0;
     // Empty when the message has no public hop and so nothing to judge.
     std::optional<Rules::AttributeVector> m_vector;
     // Of the same message as a gateway that records no reverse names would have recorded it; empty
@@ -48,8 +52,7 @@ class MailVectors {
 
     using Sink = std::function<void(MailVector const&)>;
 
-    // Scans all messages of the paths. A path that cannot be opened, or an input that is not a
-    // message, is a RuleError: figures from half of the mail would mislead.
+    // Scans all messages of the paths; a problem takes its place among them.
     void scan(std::vector<std::string> const& paths, Sink const& sink);
 
   private:

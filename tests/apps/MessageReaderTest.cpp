@@ -29,7 +29,7 @@ class PieceSource : public ByteSource {
 
 // "number:text" of each section.
 std::vector<std::string> s_sections(std::string const& text, std::size_t piece) {
-    MessageReader reader(std::make_unique<PieceSource>(text, piece), false);
+    MessageReader reader(std::make_unique<PieceSource>(text, piece), {});
     std::vector<std::string> sections;
     for (HeaderSection section; reader.next(section);) {
         sections.push_back(std::to_string(section.m_number) + ":" + section.m_text);
@@ -90,22 +90,27 @@ TEST(MessageReader, ALineBreakAtTheEndOfTheBufferIsSeen) {
     }
 }
 
-TEST(MessageReader, AHeaderSectionBeyondTheLimitIsCutAndTheNextRecordRead) {
-    auto const text = "From x\nA: " + std::string(maxHeaderSection, 'b') + "\n\nFrom y\nC: d\n\n";
-    MessageReader reader(std::make_unique<PieceSource>(text, 1 << 20), false);
-    HeaderSection section;
-    ASSERT_TRUE(reader.next(section));
-    EXPECT_TRUE(section.m_isTooLong);
-    EXPECT_EQ(section.m_text.size(), maxHeaderSection);
-    ASSERT_TRUE(reader.next(section));
-    EXPECT_FALSE(section.m_isTooLong);
-    EXPECT_EQ(section.m_text, "C: d\n\n");
+TEST(MessageReader, AHeaderSectionBeyondTheLimitIsReportedAndTheNextRecordRead) {
+    std::string const most(maxHeaderSection - 5, 'b'); // with "A: " and two line breaks
+    for (bool const isBeyond : {false, true}) {
+        auto const text =
+            "From x\nA: " + most + (isBeyond ? "b" : "") + "\n\nFrom y\nC: d\n\n";
+        MessageReader reader(std::make_unique<PieceSource>(text, 1 << 20), {});
+        HeaderSection section;
+        ASSERT_TRUE(reader.next(section));
+        EXPECT_EQ(section.m_text.size(), isBeyond ? 0 : maxHeaderSection);
+        EXPECT_EQ(section.m_problem,
+                  isBeyond ? "not a message: its header section is longer than 16 MiB" : "");
+        ASSERT_TRUE(reader.next(section));
+        EXPECT_EQ(section.m_problem, "");
+        EXPECT_EQ(section.m_text, "C: d\n\n");
+    }
 }
 
 TEST(MessageReader, ASingleMessageIsNotReadBeyondItsHeaders) {
     auto source = std::make_unique<PieceSource>("A: b\n\n" + std::string(1 << 20, 'x'), 4096);
     auto const& looked = *source;
-    MessageReader reader(std::move(source), false);
+    MessageReader reader(std::move(source), {});
     HeaderSection section;
     ASSERT_TRUE(reader.next(section));
     EXPECT_LE(looked.position(), 4096U);
@@ -115,7 +120,7 @@ TEST(MessageReader, ASingleMessageIsNotReadBeyondItsHeaders) {
 // What stands after a record that cannot be read on does not take the record with it.
 TEST(MessageReader, ARecordOfAnMboxIsNotReadBeyondItsHeadersEither) {
     auto const text = "From x\nA: b\n\n" + std::string(1000, 'x') + "\n\nFrom x\nC: d\n\n";
-    MessageReader reader(std::make_unique<PieceSource>(text, 14), false);
+    MessageReader reader(std::make_unique<PieceSource>(text, 14), {});
     HeaderSection section;
     EXPECT_TRUE(reader.next(section));
     EXPECT_EQ(section.m_text, "A: b\n\n");
@@ -128,7 +133,7 @@ TEST(MessageReader, ARecordOfAnMboxIsNotReadBeyondItsHeadersEither) {
 TEST(MessageReader, ADrainedMessageIsReadToItsEnd) {
     auto source = std::make_unique<PieceSource>("A: b\n\n" + std::string(1 << 20, 'x'), 4096);
     auto const& looked = *source;
-    MessageReader reader(std::move(source), true);
+    MessageReader reader(std::move(source), {true, {}});
     HeaderSection section;
     ASSERT_TRUE(reader.next(section));
     EXPECT_EQ(looked.position(), 6U + (1U << 20));

@@ -84,7 +84,7 @@ TEST_F(Input, AHeaderSectionBeyondTheLimitIsNoMessage) {
     auto const result = scan({file});
     EXPECT_EQ(result.m_status, 65);
     EXPECT_EQ(result.m_errors,
-              "qvscan: " + file + ": not a message: its header section is longer than 64 MiB\n");
+              "qvscan: " + file + ": not a message: its header section is longer than 16 MiB\n");
 }
 
 TEST_F(Input, AFolderIsReadRecursivelyByName) {

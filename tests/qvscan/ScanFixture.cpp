@@ -123,4 +123,14 @@ std::string ScanTest::ham() {
     return s_message("mail.example.net");
 }
 
+std::string ScanTest::noise(std::uint32_t number) {
+    std::string text;
+    for (int i = 0; i < 400000; ++i) {
+        number = number * 1664525U + 1013904223U;
+        text += static_cast<char>('a' + (number >> 24U) % 26U);
+        text += i % 60 == 59 ? "\n" : "";
+    }
+    return text + "\n\n";
+}
+
 } // namespace Quorvane::Testing

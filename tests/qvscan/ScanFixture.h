@@ -8,6 +8,7 @@
 #include "support/Program.h"
 #include "support/TemporaryFolder.h"
 
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -53,6 +54,9 @@ class ScanTest : public testing::Test {
     static std::string spam();
     static std::string none();
     static std::string ham();
+
+    // What cannot be packed well, so that a part of the packed form is a part of the text.
+    static std::string noise(std::uint32_t number = 1);
 
     TemporaryFolder m_folder;
 };

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <fstream>
 #include <sched.h>
 #include <stdexcept>
 #include <sys/ioctl.h>
@@ -172,6 +173,16 @@ void ChildProcess::signalUntilEnd(int number) const {
 
 void ChildProcess::signal(int number) const {
     ::kill(m_child, number);
+}
+
+long ChildProcess::peakKilobytesNow() const {
+    std::ifstream status("/proc/" + std::to_string(m_child) + "/status");
+    for (std::string word; status >> word;) {
+        if (long kilobytes = 0; word == "VmHWM:" && status >> kilobytes) {
+            return kilobytes;
+        }
+    }
+    throw std::runtime_error("the program has ended");
 }
 
 int ChildProcess::wait() {

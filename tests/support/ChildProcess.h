@@ -42,6 +42,8 @@ class ChildProcess {
     // The exit status; 128 and the signal's number when one ended it. The program's input stays
     // open meanwhile.
     int wait();
+    // So far, of the program alone.
+    long peakKilobytesNow() const;
     // REQUIRES: wait was called.
     long peakKilobytes() const { return m_peakKilobytes; }
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvrules/NamedRules.h"
+#include "apps/qvrules/NameWarning.h"
 
 #include "apps/text/Utf8.h"
+#include "rules/format/RuleFiles.h"
 
+#include <filesystem>
 #include <iostream>
 
 namespace Quorvane::RulesApp {
@@ -16,12 +18,6 @@ void warnAboutNames(std::string const& path, std::string const& problem) {
                           ? (std::filesystem::path(path) / namesFileName).string()
                           : path;
     std::cerr << toPrintable(file + ": " + problem) << "; rules are shown without names\n";
-}
-
-Rules::LoadedRules loadNamedRules(std::string const& path) {
-    auto rules = Rules::loadRules(path);
-    warnAboutNames(path, rules.m_names.m_problem);
-    return rules;
 }
 
 } // namespace Quorvane::RulesApp

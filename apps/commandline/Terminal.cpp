@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/commandline/Terminal.h"
+
+#include <array>
+#include <boost/algorithm/string/split.hpp>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace Quorvane {
+
+namespace {
+
+bool s_isOnPath(std::string const& program) {
+    auto const* const path = std::getenv("PATH");
+    std::string const list = path == nullptr ? "" : path;
+    std::vector<std::string> folders;
+    boost::algorithm::split(folders, list, [](char c) { return c == ':'; });
+    for (auto const& folder : folders) {
+        if (!folder.empty() && ::access((folder + "/" + program).c_str(), X_OK) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Empty: none is to be started.
+std::string s_pagerCommand() {
+    if (auto const* const pager = std::getenv("PAGER"); pager != nullptr) {
+        std::string const command = pager;
+        return command == "cat" ? std::string() : command;
+    }
+    return s_isOnPath("less") ? "less" : "";
+}
+
+// Our signal handling is not the pager's. Unless they say otherwise, less ends by itself when all
+// fits the screen (F), shows colours (R) and leaves the text on the screen (X).
+[[noreturn]] void s_becomePager(std::string const& command, int input) {
+    ::dup2(input, STDIN_FILENO);
+    std::signal(SIGPIPE, SIG_DFL);
+    ::setenv("LESS", "FRX", 0);
+    ::execl("/bin/sh", "sh", "-c", command.c_str(), static_cast<char*>(nullptr));
+    ::_exit(127);
+}
+
+} // namespace
+
+bool wantsColour(CommandLine const& line) {
+    auto const choice = line.text(colorRow.m_name, "auto");
+    auto const* const noColour = std::getenv("NO_COLOR");
+    bool const isAllowed = noColour == nullptr || *noColour == '\0';
+    return choice == "always" || (choice == "auto" && isAllowed && ::isatty(STDOUT_FILENO) == 1);
+}
+
+Pager::Pager(bool isWanted) {
+    if (isWanted && ::isatty(STDOUT_FILENO) == 1) {
+        if (auto const command = s_pagerCommand(); !command.empty()) {
+            start(command);
+        }
+    }
+}
+
+void Pager::start(std::string const& command) {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        return; // the terminal shows it, too
+    }
+    m_process = ::fork();
+    if (m_process == 0) {
+        s_becomePager(command, ends[0]);
+    }
+    if (m_process > 0) {
+        ::dup2(ends[1], STDOUT_FILENO);
+        // Errors among the results, not across the pager's screen.
+        if (::isatty(STDERR_FILENO) == 1) {
+            ::dup2(ends[1], STDERR_FILENO);
+        }
+    }
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+// The pager ends at the end of its input, and takes Ctrl-C for itself.
+Pager::~Pager() {
+    if (!isRunning()) {
+        return;
+    }
+    std::signal(SIGINT, SIG_IGN);
+    int const nothing = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    for (int const output : {STDOUT_FILENO, STDERR_FILENO}) {
+        ::dup2(nothing, output);
+    }
+    while (::waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+} // namespace Quorvane
