@@ -136,11 +136,12 @@ Judgement Session::scan(MailServer& server) {
     try {
         auto const headers = HeaderReader::read(std::exchange(m_message.m_headers, {}));
         auto const known = facts(server, headers);
-        auto record = m_snapshot->m_host->scan(headers, known, RecordDepth::steps);
+        auto const& host = *m_snapshot->m_host;
+        auto record = host.scan(headers, known, RecordDepth::steps);
         if (record.failure) {
             m_service.reportError(*record.failure);
         }
-        auto judgement = judgementOf(std::move(record), m_snapshot->milter());
+        auto judgement = judgementOf(std::move(record), m_snapshot->milter(), host.ruleNames());
         judgement.m_hop = known.m_currentReceived;
         return judgement;
     } catch (std::exception const& error) {

@@ -255,7 +255,7 @@ TEST_F(RuleNamesOfHost, ComeWithTheRules) {
     EXPECT_EQ(nameOfNode3(*m_host), "");
     EXPECT_EQ(m_host->namesProblem(), "");
     writeName("One");
-    auto const first = setUpHost(m_first);
+    auto const first = setUpHost(m_first, "root");
     EXPECT_EQ(nameOfNode3(*first), "One");
     writeName("Two");
     EXPECT_EQ(withNewerRules(first), first) << "names alone are no reason to load";
@@ -269,13 +269,13 @@ TEST_F(RuleNamesOfHost, KeepNoRulesFromBeingLoaded) {
     auto const file = s_folder().path("root") + ruleDirectory + "/qv.names: ";
     s_folder().write(namesFile(), "damaged");
     installRules(0.42);
-    auto const damaged = setUpHost(m_first);
+    auto const damaged = setUpHost(m_first, "root");
     EXPECT_EQ(confidence(*damaged), 0.42);
     EXPECT_EQ(damaged->namesProblem(), file + "line 1: this is no file of rule names of format 1");
     std::filesystem::remove(s_folder().path(namesFile()));
     ASSERT_EQ(::mkfifo(s_folder().path(namesFile()).c_str(), 0644), 0);
     installRules(0.43);
-    auto const pipe = setUpHost(m_first);
+    auto const pipe = setUpHost(m_first, "root");
     EXPECT_EQ(confidence(*pipe), 0.43);
     EXPECT_EQ(pipe->namesProblem(), file + "is no regular file");
 }

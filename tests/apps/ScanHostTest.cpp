@@ -32,7 +32,7 @@ class ScanHostTest : public ResolverFixture {
     static std::vector<std::string> lookups(HostSettings const& settings) {
         static char const* const words[] = {"notAsked", "answered", "doesNotExist", "failed",
                                             "late"};
-        ScanHost const host(settings, engineOf(Rules::RuleSet{}));
+        ScanHost const host(settings, loadedRules(Rules::RuleSet{}));
         MessageFacts facts;
         facts.m_client = IPAddress("192.0.2.55");
         facts.m_currentReceived = "from mail.example.org (unknown [192.0.2.55]) by mx.example.net";
