@@ -181,7 +181,7 @@ int learn(CommandLine const& line) {
     if (!line.has("output") && !line.has("table")) {
         throw UsageError("give -o SRC for rules or --table FILE for the vectors");
     }
-    if (!output.empty()) {
+    if (line.has("output")) {
         s_requireOptionsForBoth(line);
     }
     // Check everything else before hours of scanning.
