@@ -8,6 +8,7 @@
 #include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/signalfd.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace Quorvane {
@@ -22,6 +23,14 @@ sigset_t s_signals() {
     return signals;
 }
 
+// Without one of its descriptors the program would wait for signals forever.
+int s_opened(int descriptor) {
+    if (descriptor < 0) {
+        throw std::system_error(errno, std::generic_category(), "signals");
+    }
+    return descriptor;
+}
+
 // Waits until one of them can be read.
 template<typename... Descriptors>
 void s_waitFor(Descriptors... descriptors) {
@@ -34,10 +43,10 @@ void s_waitFor(Descriptors... descriptors) {
 
 Interrupt::Interrupt() {
     auto const signals = s_signals();
+    m_signals = s_opened(::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
+    m_came = s_opened(::eventfd(0, EFD_CLOEXEC));
+    m_end = s_opened(::eventfd(0, EFD_CLOEXEC));
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    m_signals = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
-    m_came = ::eventfd(0, EFD_CLOEXEC);
-    m_end = ::eventfd(0, EFD_CLOEXEC);
     m_watch = std::thread(&Interrupt::watch, this);
 }
 

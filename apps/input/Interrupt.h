@@ -23,6 +23,7 @@ class Interrupted : public std::exception {
 
 class Interrupt {
   public:
+    // A std::system_error when no descriptors are left; the program is then meant to end.
     Interrupt();
     Interrupt(Interrupt const&) = delete;
     Interrupt& operator=(Interrupt const&) = delete;
