@@ -103,7 +103,9 @@ std::optional<Bytes> readFileIfThere(fs::path const& path) {
         s_fail(Kind::noInput, path, "cannot be read", errno);
     }
     if (content.size() > maxRuleFileSize) {
-        throw RuleError(Kind::badData, path.string() + ": larger than any rule file can be");
+        throw RuleError(Kind::badData, path.string() + ": larger than " +
+                                           std::to_string(maxRuleFileSize >> 20U) +
+                                           " MiB, so it is not what is expected here");
     }
     return content;
 }

@@ -48,6 +48,9 @@ class HostSetupTest : public testing::Test {
         m_host = setUpHost(m_first, "root");
     }
 
+    // Other tests of the process scan, too.
+    ~HostSetupTest() override { TrustedMTASetRef::install({}, {}); }
+
     // Rules of a newer version, with one leaf for all messages of one hop.
     static void installRules(double confidence) { installRules(leaf(37, 0, confidence)); }
 

@@ -44,8 +44,8 @@ DEFAULT_RULES = (pathlib.Path(os.environ["QV_DEFAULT_TEXT"]).read_text()
                  .replace("{", "{{").replace("}", "}}"))
 
 # The line of a message in the log, with `log-details`.
-LOGGED = re.compile(r" queue=(?P<queue>\S+) verdict=(?P<verdict>\S+) node=(?P<node>\d+) \S+ \S+"
-                    r" vector=(?P<vector>[-0-9,]*)(?: hop=(?P<hop>.*))?$")
+LOGGED = re.compile(r" queue=(?P<queue>\S+) verdict=(?P<verdict>\S+) node=(?P<node>\d+)(?: rule=\"[^\"]*\")?"
+                    r" \S+ \S+ vector=(?P<vector>[-0-9,]*)(?: hop=(?P<hop>.*))?$")
 
 
 def free_port():

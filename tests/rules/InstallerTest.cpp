@@ -144,7 +144,8 @@ TEST_F(InstallerTest, AVersionThatIsKeptCanBeBroughtBackAndThatCanBeUndone) {
 TEST_F(InstallerTest, NothingButTheLinksAndTheSetsIsLeftInTheFolder) {
     install(s_set(2));
     install(s_set(4));
-    EXPECT_EQ(names(), (std::set<std::string>{"README", "current", "qv.dt", "qv2.dt", "sets"}));
+    EXPECT_EQ(names(),
+              (std::set<std::string>{"README", "current", "qv.dt", "qv.names", "qv2.dt", "sets"}));
 }
 
 TEST_F(InstallerTest, TheOldestSetsGo) {
@@ -250,7 +251,8 @@ TEST_F(InstallerTest, AnInstallationThatIsKilledLeavesAWholeSetAtEveryMoment) {
     }
     install(s_set(8));
     EXPECT_EQ(s_markIn(m_rules), 8);
-    EXPECT_EQ(names(), (std::set<std::string>{"README", "current", "qv.dt", "qv2.dt", "sets"}));
+    EXPECT_EQ(names(),
+              (std::set<std::string>{"README", "current", "qv.dt", "qv.names", "qv2.dt", "sets"}));
     for (auto const& entry : fs::directory_iterator(m_rules / "sets")) {
         EXPECT_NE(s_markIn(entry.path()), 0) << entry.path();
     }

@@ -5,7 +5,7 @@ import unittest
 
 import browser
 import mailpages
-from mailpages import DYNAMIC, HOSTILE, SERVER, UNNAMED, message
+from mailpages import DYNAMIC, HOSTILE, HOSTILE_SHOWN, SERVER, UNNAMED, message
 
 OLD = """version 1
 tree {
@@ -55,7 +55,7 @@ class DifferencePage(mailpages.MailPageTest):
                                 for verdict in ("spam", "none", "ham")])
         self.assertEqual(len(self.texts("#changes ~ .way li:has(> details)")), len(report["changes"]))
         self.assertEqual(self.texts("#ways ~ .pair tbody th"),
-                         [HOSTILE, "site", "called ham, now without verdict",
+                         [HOSTILE_SHOWN, "site", "called ham, now without verdict",
                           "without verdict, now called spam"])
 
     def test_says_in_words_what_changes_and_then_by_which_rules(self):
@@ -133,8 +133,8 @@ class DifferencePage(mailpages.MailPageTest):
                           f'confidence 0.02 support 60 name "A <b> server" because "{sentence}"')
         self.assertNotEqual(old, OLD)
         self.browser.open(self.diff("html", *self.many(), old=old))
-        first = self.texts("#changes ~ .deciders > li")[0]
-        self.assertIn("Before: node 4 (A <b> server), 0.02 spam", first)
+        first = self.texts("#changes ~ .way .deciders > li")[0]
+        self.assertIn("node 4 (A <b> server), 0.02 spam", first)
         self.assertIn(sentence, first)
         self.assertEqual(self.browser.find_all("main img"), [])
 

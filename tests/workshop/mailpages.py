@@ -9,6 +9,8 @@ import browser
 WIDE = (1400, 900)
 DYNAMIC, SERVER, UNNAMED = "1-2-0-192.dyn.example.net", "mail.example.net", "unknown"
 HOSTILE = "<img src onerror>\"& '<!--\u202eabc"
+# The same as pages show it.
+HOSTILE_SHOWN = HOSTILE.replace("\u202e", "\\u202E")
 
 def message(reverse, address="192.0.2.7"):
     return (f"From x@example.org Mon Jan  1 10:00:00 2024\nReceived: from pc.example.net ({reverse} "
