@@ -159,7 +159,7 @@ TEST(Help, ListsTheCommandsOfAProgram) {
                                           "  mark                       Marks things\n"
                                           "\nOptions:\n"
                                           "  -h, --help                 show this help\n"
-                                          "  --version                  show the version\n"
+                                          "  -V, --version              show the version\n"
                                           "\nThe end.\n");
 }
 

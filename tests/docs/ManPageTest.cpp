@@ -32,7 +32,7 @@ std::string s_section(std::string const& page, std::string const& title) {
 
 Names s_items(std::string const& page) {
     Names options;
-    for (auto const& name : captures(s_plain(page), R"(^\.It (Fl [a-z] , )?Fl (-[a-z-]+))", 2)) {
+    for (auto const& name : captures(s_plain(page), R"(^\.It (Fl [a-zA-Z] , )?Fl (-[a-z-]+))", 2)) {
         options.insert("-" + name);
     }
     return options;
@@ -77,7 +77,8 @@ class ManPageExamples : public testing::TestWithParam<char const*> {
         m_folder.write("strange.eml", message);
         m_folder.write("Maildir/cur/1.host:2,S", message);
         m_folder.write("Maildir/new/2.host", message);
-        m_folder.write("archive.mbox", "From a Mon Jan  1 00:00:00 2024\n" + message);
+        auto const record = "From a Mon Jan  1 00:00:00 2024\n" + message + "\n";
+        m_folder.write("archive.mbox", record + record + record);
         m_folder.write("site.toml", "spam-threshold = 0.9\n");
         m_folder.write("cases.toml", "[[case]]\nname = \"a server\"\nverdict = \"none\"\n"
                                      "vector.first_helo_matches_reverse = \"yes\"\n");
@@ -88,7 +89,7 @@ class ManPageExamples : public testing::TestWithParam<char const*> {
             }
         }
         m_folder.write("my.qvr", readFile(QV_STARTER_TEXT));
-        run("gzip archive.mbox");
+        run("gzip -k archive.mbox; tar czf mail.tar.gz Maildir");
         run("qvrules install my.qvr");
     }
 

@@ -165,25 +165,24 @@ TEST_F(LearnCommand, SaysWhatIsWrongWithTheInput) {
     auto const bad = m_folder.write("bad.csv", "source,label\n");
     auto const noMail = m_folder.write("no.eml", "just words\n");
     auto const out = path("out.qvr");
-    auto const ham = path("alpha/ham.mbox");
+    Arguments const mail{"--ham", path("alpha/ham.mbox"), "--spam", path("alpha/spam.mbox")};
     Case const cases[] = {
         {{"-o", out}, usage, "--ham"},
-        {{"--ham", ham}, usage, "-o SRC"},
-        {{"--ham", ham, "-o", out, "--impurity", "odd"}, usage, "odd"},
-        {{"--ham", ham, "-o", out, "--augment", "odd"}, usage, "odd"},
-        {{"--ham", path("absent"), "-o", out}, noInput, "absent"},
-        {{"--ham", noMail, "-o", out}, badData, "no.eml"},
+        {mail, usage, "-o SRC"},
+        {with(mail, {"-o", out, "--impurity", "odd"}), usage, "odd"},
+        {with(mail, {"-o", out, "--augment", "odd"}), usage, "odd"},
+        {with(mail, {"-o", out, "--ham", path("absent")}), noInput, "absent"},
         {{"--vectors", path("absent.csv"), "-o", out}, noInput, "absent.csv"},
         {{"--vectors", bad, "-o", out}, badData, "bad.csv:1:"},
-        {{"--ham", ham, "-o", out, "--prune", "some"}, usage, "'some'"},
-        {{"--ham", ham, "-o", out, "--exclude", "nothing"}, usage, "'nothing'"},
-        {{"--ham", ham, "-o", out, "--max-nodes", "498"}, usage, "497"},
-        {{"--ham", ham, "-o", out, "--min-gain", "nan"}, usage, "\"nan\" is not a number"},
-        {{"--ham", ham, "-o", out, "--min-gain", "-1"}, usage, "minimum gain"},
-        {{"--ham", ham, "-o", out, "--dns", "system"}, usage, "--lookups"},
-        {{"--ham", ham, "-o", out, "--dns-data", noMail}, usage, "--lookups"},
-        {{"--ham", ham, "-o", out, "--trusted-mta", "x"}, usage, "trusted-mta"},
-        {{"--ham", ham, "-o", out, "--with", noMail}, badData, "no.eml"},
+        {with(mail, {"-o", out, "--prune", "some"}), usage, "'some'"},
+        {with(mail, {"-o", out, "--exclude", "nothing"}), usage, "'nothing'"},
+        {with(mail, {"-o", out, "--max-nodes", "498"}), usage, "497"},
+        {with(mail, {"-o", out, "--min-gain", "nan"}), usage, "\"nan\" is not a number"},
+        {with(mail, {"-o", out, "--min-gain", "-1"}), usage, "minimum gain"},
+        {with(mail, {"-o", out, "--dns", "system"}), usage, "--lookups"},
+        {with(mail, {"-o", out, "--dns-data", noMail}), usage, "--lookups"},
+        {with(mail, {"-o", out, "--trusted-mta", "x"}), usage, "trusted-mta"},
+        {with(mail, {"-o", out, "--with", noMail}), badData, "no.eml"},
     };
     for (auto const& one : cases) {
         auto const result = run(one.m_arguments);
@@ -191,6 +190,47 @@ TEST_F(LearnCommand, SaysWhatIsWrongWithTheInput) {
         EXPECT_THAT(result.m_errors, HasSubstr(one.m_text));
         EXPECT_FALSE(std::filesystem::exists(out));
     }
+}
+
+// Nothing is learned from one kind alone: the options say so before the mail is read, and where
+// they do not, the mail does.
+TEST_F(LearnCommand, NeedsSpamAndHam) {
+    auto const out = path("out.qvr");
+    auto const ham = path("alpha/ham.mbox");
+    auto const local = m_folder.write("local.eml", "Received: from a (b [10.0.0.1]) by c\n\n");
+    ASSERT_EQ(run({"--ham", ham, "--table", path("ham.csv")}).m_status, 0) << "a table needs one";
+    struct Case {
+        Arguments m_arguments;
+        int m_status;
+        char const* m_missing;
+    };
+    Case const cases[] = {
+        {{"--ham", path("absent")}, usage, "there is no spam"},
+        {{"--spam", path("absent")}, usage, "there is no ham"},
+        {{"--ham-vectors", path("absent")}, usage, "there is no spam"},
+        {{"--ham", ham, "--spam", local}, badData, "there is no spam"},
+        {{"--ham", local, "--spam", ham}, badData, "there is no ham"},
+        {{"--vectors", path("ham.csv")}, badData, "there is no spam"},
+    };
+    for (auto const& one : cases) {
+        auto const result = run(with(one.m_arguments, {"-o", out}));
+        EXPECT_EQ(result.m_status, one.m_status) << result.m_errors;
+        EXPECT_THAT(result.m_errors, HasSubstr(one.m_missing));
+        EXPECT_FALSE(std::filesystem::exists(out));
+    }
+}
+
+TEST_F(LearnCommand, LeavesOutWhatIsNoMessageAndCountsIt) {
+    auto const empty = m_folder.write("empty.eml", "");
+    auto const words = m_folder.write("words.eml", "just words\n");
+    ASSERT_EQ(run(with(mail(), {"-o", path("all.qvr")})).m_status, 0);
+    auto const result = run(
+        with(with({"--ham", "alpha=" + empty, "alpha=" + words}, mail()), {"-o", path("a.qvr")}));
+    EXPECT_EQ(result.m_status, badData);
+    EXPECT_THAT(result.m_errors, HasSubstr(empty + ": not a message: it has no header field\n" +
+                                           words + ": not a message: it has no header field\n" +
+                                           "qvrules: 2 inputs were left out\n"));
+    EXPECT_EQ(read("a.qvr"), read("all.qvr"));
 }
 
 // What would only come out after hours of scanning is looked at first: here before the mail, which
@@ -215,7 +255,8 @@ TEST_F(LearnCommand, LooksAtEverythingElseBeforeTheMail) {
         {{"-o", path("out.qvr"), "--with", tree}, badData, "tree.qvr: it already has a tree"},
     };
     for (auto const& one : cases) {
-        auto const result = run(with({"--ham", path("absent.mbox")}, one.m_arguments));
+        auto const result = run(
+            with({"--ham", path("absent.mbox"), "--spam", path("absent.mbox")}, one.m_arguments));
         EXPECT_EQ(result.m_status, one.m_status) << result.m_errors;
         EXPECT_THAT(result.m_errors, HasSubstr(one.m_text));
     }
