@@ -32,6 +32,13 @@ std::string s_duration(double seconds) {
     return std::to_string(whole / 3600) + ":" + (minutes.size() < 2 ? "0" : "") + minutes + " h";
 }
 
+// 0: unknown.
+double s_share(WorkState const& state) {
+    auto const done = state.m_units ? state.m_done.value_or(0) : state.m_bytesDone;
+    auto const total = (state.m_units ? state.m_units : state.m_bytesTotal).value_or(0);
+    return total == 0 ? 0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
+}
+
 } // namespace
 
 std::string progressLine(WorkState const& state) {
@@ -40,10 +47,7 @@ std::string progressLine(WorkState const& state) {
         auto const rate = static_cast<double>(*state.m_done) / state.m_seconds;
         line += "  " + groupedText(static_cast<std::uint64_t>(std::lround(rate))) + "/s";
     }
-    auto const total = state.m_bytesTotal.value_or(0);
-    if (total > 0 && state.m_bytesRead > 0) {
-        auto const share =
-            std::min(1.0, static_cast<double>(state.m_bytesRead) / static_cast<double>(total));
+    if (auto const share = s_share(state); share > 0) {
         line += "  " + std::to_string(static_cast<int>(share * 100)) + " %  " +
                 s_duration(state.m_seconds * (1 - share) / share) + " left";
     }
@@ -70,6 +74,8 @@ void Progress::begin(std::string const& what) {
     m_what = toPrintable(what);
     m_start = std::chrono::steady_clock::now();
     m_done = -1;
+    m_units = -1;
+    m_bytes = 0;
 }
 
 void Progress::run() {
@@ -88,7 +94,10 @@ void Progress::draw() {
     if (auto const done = m_done.load(); done >= 0) {
         state.m_done = static_cast<std::uint64_t>(done);
     }
-    state.m_bytesRead = m_bytes;
+    if (auto const units = m_units.load(); units >= 0) {
+        state.m_units = static_cast<std::uint64_t>(units);
+    }
+    state.m_bytesDone = m_bytes;
     state.m_bytesTotal = m_total();
     std::chrono::duration<double> const passed = std::chrono::steady_clock::now() - m_start;
     state.m_seconds = passed.count();

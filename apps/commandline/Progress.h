@@ -20,20 +20,22 @@ namespace Quorvane {
 // Where the work stands.
 struct WorkState {
     std::string m_what = "messages";
-    std::optional<std::uint64_t> m_done; // empty: the work is not counted
+    std::optional<std::uint64_t> m_done;  // empty: the work is not counted
+    std::optional<std::uint64_t> m_units; // that there are in all, if that is known by now
     double m_seconds = 0;
-    std::uint64_t m_bytesRead = 0;
+    std::uint64_t m_bytesDone = 0;
     std::optional<std::uint64_t> m_bytesTotal;
 };
 
-// "12,345 messages  4,115/s  41 %  4 s left"; without share and time if the total is unknown.
+// "12,345 messages  4,115/s  41 %  4 s left"; without share and time if no total is known. The
+// share is that of the units, or else that of the bytes.
 std::string progressLine(WorkState const& state);
 
 class Progress {
   public:
     using Total = std::function<std::optional<std::uint64_t>()>;
 
-    // Draws nothing for the first two seconds. `total`: the number of bytes to read, if known.
+    // Draws nothing for the first two seconds. `total`: the number of bytes to work on, if known.
     explicit Progress(
         std::string program, Total total = [] { return std::nullopt; });
     Progress(Progress const&) = delete;
@@ -44,7 +46,10 @@ class Progress {
     void update(std::uint64_t done) { m_done = static_cast<std::int64_t>(done); }
     // Other work begins: its unit, or its name if nothing is counted.
     void begin(std::string const& what);
-    void readTo(std::uint64_t bytes) { m_bytes = bytes; }
+    // All units are known: reading has come to its end.
+    void expect(std::uint64_t units) { m_units = static_cast<std::int64_t>(units); }
+    // The bytes that are done.
+    void doneTo(std::uint64_t bytes) { m_bytes = bytes; }
     // Removes the line, so that something else can be written.
     void clear();
 
@@ -55,7 +60,8 @@ class Progress {
     std::string m_program;
     Total m_total;
     bool m_isTerminal;
-    std::atomic<std::int64_t> m_done{0}; // negative: nothing is counted
+    std::atomic<std::int64_t> m_done{0};   // negative: nothing is counted
+    std::atomic<std::int64_t> m_units{-1}; // negative: not known yet
     std::atomic<std::uint64_t> m_bytes{0};
     std::mutex m_mutex;
     std::string m_what = "messages";

@@ -7,6 +7,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -14,6 +16,13 @@
 namespace Quorvane {
 
 namespace {
+
+// Empty: it is no terminal.
+std::optional<dev_t> s_terminal(int descriptor) {
+    struct stat facts {};
+    bool const isTerminal = ::isatty(descriptor) == 1 && ::fstat(descriptor, &facts) == 0;
+    return isTerminal ? std::optional(facts.st_rdev) : std::nullopt;
+}
 
 bool s_isOnPath(std::string const& program) {
     auto const* const path = std::getenv("PATH");
@@ -48,6 +57,11 @@ std::string s_pagerCommand() {
 }
 
 } // namespace
+
+bool outputsShareTerminal() {
+    auto const output = s_terminal(STDOUT_FILENO);
+    return output && output == s_terminal(STDERR_FILENO);
+}
 
 bool wantsColour(CommandLine const& line) {
     auto const choice = line.text(colorRow.m_name, "auto");

@@ -19,6 +19,10 @@ inline constexpr OptionRow noPagerRow{"no-pager", "",
 // (no-color.org).
 bool wantsColour(CommandLine const& line);
 
+// Whether standard output and standard error are the same terminal: what one of them draws stands
+// in the way of the other.
+bool outputsShareTerminal();
+
 // While it lives, a pager shows what the program writes to its terminal: the one that PAGER names,
 // or else less. At its end it waits until the person has seen enough. One object per process, made
 // before threads and signal handling.

@@ -57,6 +57,7 @@ bool Inputs::next(InputItem& item) {
             return false;
         }
     }
+    item.m_position = position();
     return true;
 }
 
@@ -216,6 +217,7 @@ std::uint64_t Inputs::openPosition() const {
     return m_reader ? m_reader->position() : 0;
 }
 
+// All bytes of a finished file count, read or not.
 std::uint64_t Inputs::position() const {
     return m_closedBytes + openPosition();
 }

@@ -27,6 +27,8 @@ struct InputItem {
     std::string m_problem;
     // Of a problem: ExitStatus::badData or noInput.
     int m_exitStatus = 0;
+    // Bytes on disk of all inputs up to its end, or a little further, as files are read in blocks.
+    std::uint64_t m_position = 0;
     // The whole message, if copies are wanted and it could be read to its end.
     std::shared_ptr<MessageCopy const> m_copy = {};
 };
@@ -43,9 +45,6 @@ class Inputs {
     // False at the end. Throws Interrupted.
     bool next(InputItem& item);
 
-    // Bytes on disk done so far; all bytes of a finished file count, read or not.
-    std::uint64_t position() const;
-
   private:
     bool openNext(InputItem& item);
     void openMember(InputItem& item);
@@ -58,6 +57,7 @@ class Inputs {
     void closeSource();
     void closeFile();
     std::uint64_t openPosition() const;
+    std::uint64_t position() const;
 
     Interrupt const& m_interrupt;
     FileWalker m_files;

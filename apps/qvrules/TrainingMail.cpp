@@ -3,6 +3,7 @@
 
 #include "apps/commandline/Progress.h"
 #include "apps/input/InputName.h"
+#include "apps/input/InputSize.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/MailVectors.h"
 #include "rules/model/RuleError.h"
@@ -99,14 +100,32 @@ class TrainingMailReader {
         if (!m_scanner) {
             m_scanner = std::make_unique<Workshop::MailVectors>(m_mail.m_host,
                                                                 m_mail.m_copies != Copies::none);
-            m_progress.emplace("qvrules"); // its thread leaves signals to the scanner
+            // Their threads leave signals to the scanner.
+            m_size = std::make_unique<InputSize>(mailPaths());
+            m_progress.emplace("qvrules", [this] { return m_size->bytes(); });
         }
         for (auto const& text : inputs.m_paths) {
             auto const input = s_corpusPath(text);
+            auto const before = m_bytes;
             m_scanner->scan({input.m_path}, [&](Workshop::MailVector const& mail) {
+                m_bytes = before + mail.m_position;
+                m_progress->doneTo(m_bytes);
                 add(mail, inputs, input.m_corpus);
             });
         }
+    }
+
+    // All inputs of messages.
+    std::vector<std::string> mailPaths() const {
+        std::vector<std::string> paths;
+        for (auto const& inputs : m_mail.m_inputs) {
+            for (auto const& text : inputs.m_paths) {
+                if (!inputs.m_areVectors) {
+                    paths.push_back(s_corpusPath(text).m_path);
+                }
+            }
+        }
+        return paths;
     }
 
     void add(Workshop::MailVector const& mail, MailInputs const& inputs,
@@ -201,6 +220,8 @@ class TrainingMailReader {
     Rules::VectorTableBuilder m_unsorted;
     Rules::ComparedMail m_found;
     std::unique_ptr<Workshop::MailVectors> m_scanner;
+    std::unique_ptr<InputSize> m_size;
+    std::uint64_t m_bytes = 0; // of mail, done
     std::optional<Progress> m_progress;
 };
 

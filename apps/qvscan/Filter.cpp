@@ -69,8 +69,9 @@ std::optional<NamedTime> s_time(CommandLine const& line, OptionRow const& row) {
     return time;
 }
 
-// As --only names them.
-std::string s_kindOf(ScanRecord const& record) {
+} // namespace
+
+std::string resultKind(ScanRecord const& record) {
     if (record.failure) {
         return "error";
     }
@@ -79,8 +80,6 @@ std::string s_kindOf(ScanRecord const& record) {
     }
     return record.verdict.isSpam ? "spam" : record.verdict.isHam ? "ham" : "none";
 }
-
-} // namespace
 
 std::vector<OptionRow> filterRows() {
     return {onlyRow, ruleRow, sinceRow, untilRow};
@@ -107,7 +106,7 @@ bool Filter::isInPeriod(HeaderContainer const& headers) const {
 }
 
 bool Filter::letsThrough(ScanRecord const& record) const {
-    return (m_kinds.empty() || m_kinds.contains(s_kindOf(record))) &&
+    return (m_kinds.empty() || m_kinds.contains(resultKind(record))) &&
            (m_rules.empty() || m_rules.contains(record.verdict.node));
 }
 

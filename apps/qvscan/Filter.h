@@ -19,6 +19,10 @@ namespace Quorvane {
 // The options of a filter.
 std::vector<OptionRow> filterRows();
 
+// What kind of result it is, as --only names them: "spam", "ham", "none", "unjudged" (the rules
+// were not asked) or "error" (the scan failed).
+std::string resultKind(ScanRecord const& record);
+
 class Filter {
   public:
     // Everything is wanted.

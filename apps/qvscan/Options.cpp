@@ -41,6 +41,10 @@ std::vector<OptionRow> s_options() {
         {"progress", "",
          "show progress, then the number of failed look-ups (default: on a terminal)"},
         {"no-progress", "", "do not show them"},
+        {"summary", "", "count at the end what was found (default: on a terminal)"},
+        {"no-summary", "", "do not count it"},
+        {"find-relays", "",
+         "write settings for relays that may be the site's own instead of verdicts"},
     };
     std::vector<OptionRow> rows;
     for (auto const& row : output) {
@@ -95,6 +99,10 @@ ScanOptions scanOptions(CommandLine const& line) {
     if (line.has("progress") || line.has("no-progress")) {
         options.m_progress = !line.has("no-progress");
     }
+    if (line.has("summary") || line.has("no-summary")) {
+        options.m_summary = !line.has("no-summary");
+    }
+    options.m_findsRelays = line.has("find-relays");
     options.m_paths = line.texts("PATH");
     options.m_wantsPager = options.m_explain && options.m_format == OutputFormat::text &&
                            !line.has(noPagerRow.m_name) && !isTyped(options.m_paths);

@@ -28,6 +28,10 @@ struct ScanOptions {
     std::string m_extractTo;
     // Empty: on a terminal, when work is long.
     std::optional<bool> m_progress;
+    // Empty: on a terminal, after more than one message.
+    std::optional<bool> m_summary;
+    // Instead of verdicts: which relays may be the site's own.
+    bool m_findsRelays = false;
     std::vector<std::string> m_paths;
 };
 

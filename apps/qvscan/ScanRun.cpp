@@ -68,14 +68,16 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     if (!item.m_problem.empty()) {
         return s_problem(item.m_source, item.m_problem, item.m_exitStatus);
     }
-    auto const depth = m_options.m_explain ? RecordDepth::alternatives : RecordDepth::result;
     auto const headers = HeaderReader::read(item.m_headers);
     ScanResult result;
     if (!m_options.m_filter.isInPeriod(headers)) {
         return result;
     }
-    auto const record = m_host->scan(headers, m_options.m_facts, depth);
+    auto const record = m_host->scan(headers, m_options.m_facts, depth());
     result.m_isSpam = record.verdict.isSpam;
+    if (mayShowSummary()) {
+        result.m_figures = figuresOf(record, m_host->settings().m_judging);
+    }
     if (m_options.m_filter.letsThrough(record)) {
         result.m_output = render(item, record);
         result.m_copy = item.m_copy;
@@ -87,12 +89,25 @@ bool ScanRun::take(ScanResult const& result, std::string const& source) {
     m_foundSpam = m_foundSpam || result.m_isSpam;
     note(result.m_exitStatus);
     ++m_messages;
-    if (m_progress) {
-        m_progress->update(m_messages);
-        m_progress->clear();
-    }
+    count(result);
     m_errors.write(result.m_errors);
     return m_output.write(result.m_output) && extract(result, source);
+}
+
+// A record that is written elsewhere leaves the progress line alone.
+void ScanRun::count(ScanResult const& result) {
+    if (m_progress) {
+        m_progress->update(m_messages);
+        m_progress->doneTo(result.m_position);
+        if (m_sharesTerminal || !result.m_errors.empty()) {
+            m_progress->clear();
+        }
+    }
+    if (result.m_exitStatus != 0) {
+        m_summary.addProblem();
+    } else if (result.m_figures) {
+        m_summary.add(*result.m_figures);
+    }
 }
 
 // False when no message can be extracted any more.
@@ -122,6 +137,22 @@ int ScanRun::exitStatus() const {
 
 bool ScanRun::showsProgress() const {
     return m_options.m_progress.value_or(::isatty(STDERR_FILENO) == 1 && !m_pagerRuns);
+}
+
+// Nobody knows before the end whether there is more than one message.
+bool ScanRun::mayShowSummary() const {
+    return m_options.m_summary.value_or(::isatty(STDERR_FILENO) == 1);
+}
+
+bool ScanRun::showsSummary() const {
+    return m_options.m_summary.value_or(mayShowSummary() && m_messages > 1);
+}
+
+// A summary says why messages were not judged, which takes the steps.
+RecordDepth ScanRun::depth() const {
+    return m_options.m_explain ? RecordDepth::alternatives
+           : mayShowSummary()  ? RecordDepth::steps
+                               : RecordDepth::result;
 }
 
 void ScanRun::startProgress() {
@@ -156,18 +187,31 @@ void ScanRun::reportLookups() {
     }
 }
 
+// A program that asks for it reads it after the records; a person, where the pager is read, or else
+// apart from them.
+void ScanRun::reportSummary() {
+    Summary::Run const run{m_host->ruleNames(), m_host->ruleVersion(),
+                           Resolver::instance().counters()};
+    if (m_options.m_summary && m_options.m_format == OutputFormat::json) {
+        m_output.write(m_summary.json(run));
+    } else {
+        (m_pagerRuns ? m_output : m_errors).write("\n" + m_summary.text(run));
+    }
+}
+
 void ScanRun::submitAll(OrderedPool& pool) {
     Inputs inputs(m_options.m_paths, m_interrupt,
                   m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)
                                : std::nullopt);
+    std::uint64_t submitted = 0;
     try {
-        for (InputItem item; m_interrupt.signalNumber() == 0 && inputs.next(item);) {
-            if (m_progress) {
-                m_progress->readTo(inputs.position());
-            }
+        for (InputItem item; m_interrupt.signalNumber() == 0 && inputs.next(item); ++submitted) {
             if (!pool.submit(std::move(item))) {
                 return;
             }
+        }
+        if (m_progress) {
+            m_progress->expect(submitted);
         }
     } catch (Interrupted const&) {
         // What was submitted is still judged and written.
@@ -185,7 +229,9 @@ int ScanRun::run() {
     OrderedPool pool(
         m_host->settings().m_jobs,
         [this](InputItem const& item) {
-            return [this, result = judge(item), source = item.m_source] {
+            auto judged = judge(item);
+            judged.m_position = item.m_position;
+            return [this, result = std::move(judged), source = item.m_source] {
                 return take(result, source);
             };
         },
@@ -193,7 +239,11 @@ int ScanRun::run() {
     submitAll(pool);
     pool.finish();
     m_progress.reset();
-    reportLookups();
+    if (showsSummary()) {
+        reportSummary();
+    } else {
+        reportLookups();
+    }
     if (m_output.error() != 0) {
         m_errors.write(std::string("qvscan: cannot write: ") + std::strerror(m_output.error()) +
                        "\n");

@@ -6,6 +6,7 @@
 
 #include "apps/commandline/Output.h"
 #include "apps/commandline/Progress.h"
+#include "apps/commandline/Terminal.h"
 #include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
 #include "apps/input/InputSize.h"
@@ -13,6 +14,7 @@
 #include "apps/input/OrderedPool.h"
 #include "apps/qvscan/Extraction.h"
 #include "apps/qvscan/Options.h"
+#include "apps/qvscan/Summary.h"
 
 #include <cstdint>
 #include <memory>
@@ -26,7 +28,9 @@ struct ScanResult {
     std::string m_output;
     std::string m_errors;
     bool m_isSpam = false;
-    int m_exitStatus = 0; // of a problem
+    int m_exitStatus = 0;         // of a problem
+    std::uint64_t m_position = 0; // of the input, as in InputItem
+    std::optional<MessageFigures> m_figures = {};
     // To be extracted; null: it is not.
     std::shared_ptr<MessageCopy const> m_copy = {};
 };
@@ -48,10 +52,15 @@ class ScanRun {
     bool take(ScanResult const& result, std::string const& source);
     bool extract(ScanResult const& result, std::string const& source);
     bool showsProgress() const;
+    bool mayShowSummary() const;
+    bool showsSummary() const;
+    RecordDepth depth() const;
+    void count(ScanResult const& result);
     void startProgress();
     void reportNames();
     void reportWaiting();
     void reportLookups();
+    void reportSummary();
     void note(int problem);
     int exitStatus() const;
 
@@ -67,6 +76,8 @@ class ScanRun {
     std::uint64_t m_messages = 0; // judged, or with a problem
     std::unique_ptr<InputSize> m_size;
     std::unique_ptr<Progress> m_progress; // null: none is shown
+    bool m_sharesTerminal = outputsShareTerminal();
+    Summary m_summary;
 };
 
 } // namespace Quorvane

@@ -2,6 +2,7 @@
 #include "apps/commandline/Program.h"
 #include "apps/commandline/Terminal.h"
 #include "apps/host/RuleLoader.h"
+#include "apps/qvscan/RelayFinder.h"
 #include "apps/qvscan/ScanRun.h"
 #include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
@@ -23,6 +24,9 @@ int s_run(CommandLine const& line) {
     auto const settings = withFiles(options.m_settings.values()); // while signals end the program
     Pager const pager(options.m_wantsPager);
     Interrupt interrupt;
+    if (options.m_findsRelays) {
+        return findRelays(options, settings, interrupt);
+    }
     return ScanRun(options, settings, interrupt, pager.isRunning()).run();
 }
 

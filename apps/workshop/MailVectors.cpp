@@ -87,6 +87,7 @@ void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) 
 MailVector MailVectors::vectorOf(InputItem const& item) const {
     MailVector vector;
     vector.m_source = item.m_source;
+    vector.m_position = item.m_position;
     if (!item.m_problem.empty()) {
         vector.m_problem = item.m_problem;
         vector.m_exitStatus = item.m_exitStatus;

@@ -14,6 +14,7 @@
 #include "rules/learn/NoReverseName.h"
 #include "rules/vectors/VectorTable.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -28,6 +29,7 @@ struct MailVector {
     // status for that.
     std::string m_problem;
     int m_exitStatus = 0;
+    std::uint64_t m_position = 0; // of the input, as in InputItem
     // Empty when the message has no public hop and so nothing to judge.
     std::optional<Rules::AttributeVector> m_vector;
     // Of the same message as a gateway that records no reverse names would have recorded it; empty
