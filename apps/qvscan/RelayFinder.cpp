@@ -28,8 +28,8 @@ namespace {
 
 // A chain of relays of one site is not longer.
 constexpr int maxPasses = 6;
-// A relay of the site carries more than one message in a thousand.
-constexpr std::uint64_t leastShare = 1000;
+// A relay of the site carries more than one message in 250.
+constexpr std::uint64_t leastShare = 250;
 // One relay that carries a quarter of all mail may be the site's own, whatever its name.
 constexpr std::uint64_t commonShare = 4;
 constexpr std::uint64_t fewMessages = 20;

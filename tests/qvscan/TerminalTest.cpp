@@ -3,6 +3,8 @@
 #include "qvscan/ScanFixture.h"
 
 #include <chrono>
+#include <fstream>
+#include <string_view>
 #include <sys/stat.h>
 
 namespace Quorvane::Testing {
@@ -98,7 +100,7 @@ class Terminal : public ScanTest {
 
 TEST_F(Terminal, ShowsAlignedColouredText) {
     auto const box = mbox();
-    auto const text = screen(program() + box);
+    auto const text = screen(program() + "--no-summary " + box);
     EXPECT_NE(text.find("\x1B[31mspam"), std::string::npos) << text;
     EXPECT_NE(text.find("\x1B[32mham"), std::string::npos) << text;
     auto const plain = s_plain(text);
@@ -154,10 +156,43 @@ TEST_F(Terminal, ControlCEndsIt) {
 }
 
 TEST_F(Terminal, ProgressIsDrawnWhileWorkIsLongAndTakenAway) {
-    start(program() + mbox() + " " + pipe() + " > /dev/null");
+    start(program() + "--no-summary " + mbox() + " " + pipe() + " > /dev/null");
     captureWith("3 messages  ");
     tmux({"send-keys", "C-c"});
     EXPECT_EQ(s_plain(finish()).find("messages"), std::string::npos);
+}
+
+// What the terminal got since the line was drawn: it is never taken away before it is drawn again.
+TEST_F(Terminal, ProgressStaysWhileRecordsGoElsewhere) {
+    auto const path = pipe();
+    start(program() + "--no-summary " + mbox() + " " + path + " > /dev/null");
+    std::ofstream more(path);
+    captureWith("3 messages  ");
+    auto const log = m_folder.path("log");
+    tmux({"pipe-pane", "cat > " + log});
+    more << separator << spam() << "\n" << separator << ham() << std::flush;
+    captureWith("4 messages  ");
+    tmux({"pipe-pane"});
+    auto const drawn = m_folder.read("log");
+    constexpr std::string_view clear = "\r\x1B[K";
+    for (auto at = drawn.find(clear); at != std::string::npos; at = drawn.find(clear, at + 1)) {
+        EXPECT_EQ(drawn.substr(at + clear.size(), 1).find_first_not_of("0123456789"),
+                  std::string::npos)
+            << drawn;
+    }
+    tmux({"send-keys", "C-c"});
+    finish();
+}
+
+TEST_F(Terminal, ARunOfSeveralMessagesEndsWithASummary) {
+    auto const several = s_plain(screen(program() + mbox()));
+    EXPECT_NE(several.find("3 messages: 1 spam, 1 ham, 1 without a verdict, 0 not judged\n"),
+              std::string::npos)
+        << several;
+    EXPECT_EQ(s_plain(screen(program() + "--no-summary " + mbox())).find("3 messages"),
+              std::string::npos);
+    auto const one = s_plain(screen(program() + m_folder.write("one", spam())));
+    EXPECT_EQ(one.find("1 message"), std::string::npos) << one;
 }
 
 } // namespace
