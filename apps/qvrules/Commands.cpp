@@ -54,7 +54,6 @@ std::filesystem::path ruleFolder(CommandLine const& line) {
     return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
 }
 
-
 SettingsStore settingsStore(CommandLine const& line) {
     SettingsStore settings;
     SettingsSection* const sections[] = {&settings};

@@ -154,7 +154,8 @@ int s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const
     bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
     TrainingMailCounts counts;
     auto const loaded = loadedRules(set);
-    auto const table = isMeasured ? s_mail(arguments, loaded.m_engine, counts) : Rules::VectorTable();
+    auto const table =
+        isMeasured ? s_mail(arguments, loaded.m_engine, counts) : Rules::VectorTable();
     Interrupt interrupt; // after the measuring, which reads signals of its own
     LookupEnd const lookupEnd(interrupt.token());
     try {

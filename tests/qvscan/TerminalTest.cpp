@@ -79,7 +79,6 @@ class Terminal : public ScanTest {
     }
 
     std::string mbox() const {
-        constexpr char separator[] = "From x@example.invalid Mon Jan  1 00:00:00 2024\n";
         return m_folder.write("box", separator + spam() + "\n" + separator + ham() + "\n" +
                                          separator + none());
     }
