@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Terminal.h"
 
+#include "apps/text/LineWrap.h"
+
+#include <algorithm>
 #include <array>
 #include <boost/algorithm/string/split.hpp>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -14,6 +18,9 @@
 namespace Quorvane {
 
 namespace {
+
+// Narrower than this nothing can be laid out.
+constexpr std::size_t minWidth = 40;
 
 bool s_isOnPath(std::string const& program) {
     auto const* const path = std::getenv("PATH");
@@ -54,6 +61,19 @@ bool wantsColour(CommandLine const& line) {
     auto const* const noColour = std::getenv("NO_COLOR");
     bool const isAllowed = noColour == nullptr || *noColour == '\0';
     return choice == "always" || (choice == "auto" && isAllowed && ::isatty(STDOUT_FILENO) == 1);
+}
+
+std::optional<std::size_t> terminalWidth() {
+    winsize size{};
+    if (::isatty(STDOUT_FILENO) != 1 || ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 ||
+        size.ws_col == 0) {
+        return std::nullopt;
+    }
+    return std::max<std::size_t>(size.ws_col, minWidth);
+}
+
+std::string forTerminal(std::string const& text, std::optional<std::size_t> width) {
+    return width ? wrappedLines(text, *width) : text;
 }
 
 Pager::Pager(bool isWanted) {

@@ -12,6 +12,7 @@
 #include "apps/workshop/MailVectors.h"
 
 #include <iostream>
+#include <optional>
 #include <unistd.h>
 #include <utility>
 
@@ -23,6 +24,7 @@ struct ExplainArguments {
     std::string m_asked;
     bool m_isJson = false;
     bool m_hasColour = false;
+    std::optional<std::size_t> m_width; // of the terminal
     bool m_wantsPager = false;
     bool m_hasFacts = false;
     MessageFacts m_facts;
@@ -34,6 +36,7 @@ ExplainArguments s_arguments(CommandLine const& line) {
     arguments.m_asked = line.text("INPUT");
     arguments.m_isJson = line.text("format") == "json";
     arguments.m_hasColour = wantsColour(line);
+    arguments.m_width = terminalWidth();
     // A person who types the message needs the terminal.
     bool const isTyped = arguments.m_asked == "-" && ::isatty(STDIN_FILENO) == 1;
     arguments.m_wantsPager = !arguments.m_isJson && !isTyped && !line.has(noPagerRow.m_name);
@@ -76,7 +79,8 @@ class Explainer {
         printOutput(m_arguments.m_isJson
                         ? jsonExplanation(source, record, settings, names)
                         : textRecord(source, record, names, m_arguments.m_hasColour) +
-                              textExplain(record, settings, names));
+                              forTerminal(textExplain(record, settings, names),
+                                          m_arguments.m_width));
     }
 
     ExplainArguments const& m_arguments;
