@@ -179,7 +179,7 @@ class Page(unittest.TestCase):
         shown, logged = block("The log", "message:", ""), LOG.read_text()
         self.assertIn(" message: queue=", logged)
         self.assertEqual(re.findall(r"(\w+)=", shown),
-                         re.findall(r"(\w+)=\S", logged.split(" message: ")[1])[:5])
+                         re.findall(r"(\w+)=\S", logged.split(" message: ")[1])[:6])
         run(block("The log", "qvscan"))
         (HERE / "my.qvr").write_text(RULES.format(version=9))
         explain, diff = block("The log", "qvrules").splitlines()

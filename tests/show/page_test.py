@@ -321,15 +321,14 @@ class Page(showpage.ShowPageTest):
 
     def test_names_rules_and_nodes_and_finds_them_by_their_names(self):
         self.open()
-        self.browser.find("#open-all").click()
         self.assertEqual(self.browser.find("#elite tr[data-code='o'] .named").text,
                          "Both names are the author's The author's domain owns both names of the "
                          "machine, which is hard to arrange from a borrowed one.")
-        self.assertEqual(self.browser.find("#node-16 .named b").text,
-                         "A sender that runs its own mail")
         self.assertEqual(self.browser.find_all("#node-4 .named"), [])
         self.browser.find("#search").send_keys("runs its own mail")
         self.assertEqual(self.shown_nodes(), [2, 13, 14, 15, 16])
+        self.assertEqual(self.browser.find("#node-16 .named b").text,
+                         "A sender that runs its own mail")
 
     def test_a_name_and_its_sentence_are_text(self):
         sentence = "</span><img src=x onerror=alert(1)> \u05e9\u05dc\u05d5\u05dd &amp; {}"
@@ -342,7 +341,7 @@ class Page(showpage.ShowPageTest):
             }}"""
         self.open(text=rules)
         self.assertEqual([one.text for one in self.browser.find_all(".named")],
-                         [f"<b>&lt</b> {sentence}", f"<i> {sentence}"])
+                         [f"<i> {sentence}", f"<b>&lt</b> {sentence}"])
         self.assertEqual(self.browser.find_all("#elite img, #tree img, #elite .named i"), [])
 
     def test_shows_measured_traffic_beside_that_of_the_training(self):

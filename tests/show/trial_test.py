@@ -165,7 +165,7 @@ class InAFile(showpage.ShowPageTest):
         data = json.loads(page[start:end])
         explain = data["messages"][0]["explain"]
         fired = next(rule for rule in explain["rules"] if rule["fired"])
-        fired["ruleName"] = HOSTILE
+        fired["nickname"] = HOSTILE
         explain["tree"]["nodes"][-1]["alias"] = "last of all"
         explain["needed"].append({"verdict": "ham", "change": "rule 9002 gone", "words": [],
                                   "byRule": {"code": 9002, "tests": [HOSTILE, "two"]},
@@ -175,7 +175,7 @@ class InAFile(showpage.ShowPageTest):
         for size in (showpage.browser.DESKTOP, showpage.browser.PHONE):
             self.browser.open(path, size)
             answer = self.answer()
-            self.assertIn(f"rule name: {HOSTILE}", answer["text"])
+            self.assertIn(f"nickname: {HOSTILE}", answer["text"])
             self.assertIn("ham: rule 9002 gone", answer["text"])
             for line in ("by rule:", "code: 9002", "two"):
                 self.assertIn(line, answer["text"])
