@@ -76,11 +76,11 @@ class Explainer {
     void print(std::string const& source, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
         auto const& names = m_host->ruleNames();
-        printOutput(m_arguments.m_isJson
-                        ? jsonExplanation(source, record, settings, names)
-                        : textRecord(source, record, names, m_arguments.m_hasColour) +
-                              forTerminal(textExplain(record, settings, names),
-                                          m_arguments.m_width));
+        printOutput(
+            m_arguments.m_isJson
+                ? jsonExplanation(source, record, settings, names)
+                : textRecord(source, record, names, m_arguments.m_hasColour) +
+                      forTerminal(textExplain(record, settings, names), m_arguments.m_width));
     }
 
     ExplainArguments const& m_arguments;
@@ -104,8 +104,8 @@ int s_explain(ExplainArguments const& arguments, LoadedRules rules, Interrupt& i
 } // namespace
 
 int explain(CommandLine const& line) {
-    auto rules = loadedRules(loadRulesOf(line, "RULES").m_set);
     auto const arguments = s_arguments(line);
+    auto rules = loadedRules(loadRulesOf(line, "RULES").m_set);
     Pager const pager(arguments.m_wantsPager);
     Interrupt interrupt; // after what may come from pipes
     try {

@@ -88,8 +88,8 @@ int s_port(std::string const& text) {
     try {
         return text.empty() ? 0 : static_cast<int>(readInteger(text, 1, highest));
     } catch (SettingsError const&) {
-        throw UsageError("--serve takes a port from 1 to 65535, or nothing, not \"" + text +
-                         "\"; give the rules before it");
+        throw UsageError("--serve: \"" + text +
+                         "\" is not a port from 1 to 65535; give the rules before this option");
     }
 }
 

@@ -17,7 +17,7 @@ std::size_t s_indentation(std::string_view line, std::size_t width) {
     auto const gap = line.rfind("  ");
     if (gap != std::string_view::npos && gap > start) {
         auto const column = columns(line.substr(0, line.find_first_not_of(' ', gap)));
-        if (column <= width / 2) {
+        if (column <= width * 2 / 3) {
             return column;
         }
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a person sees: qvscan in a real terminal, played by tmux.
-#include "qvscan/ScanFixture.h"
 #include "support/Terminal.h"
+#include "qvscan/ScanFixture.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -65,7 +65,8 @@ TEST_F(TerminalScan, NoColorMeansNoColour) {
     auto const text = m_terminal.screen("NO_COLOR=1 " + program() + mbox());
     EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
     EXPECT_NE(text.find("spam  0.99"), std::string::npos) << text;
-    EXPECT_NE(m_terminal.screen("NO_COLOR= " + program() + mbox()).find("\x1B[31mspam"), std::string::npos);
+    EXPECT_NE(m_terminal.screen("NO_COLOR= " + program() + mbox()).find("\x1B[31mspam"),
+              std::string::npos);
 }
 
 TEST_F(TerminalScan, TheEndOfATypedMessageIsTypedOnce) {
@@ -132,8 +133,8 @@ TEST_F(TerminalScan, AnExplanationIsPaged) {
     EXPECT_NE(plainText(own).find("status 66"), std::string::npos) << own;
     // Without one of the person's own it is less, with options that suit.
     pager("less");
-    auto const less = m_terminal.screen("env -u PAGER -u LESS PATH=" + m_folder.path("pagers") + ":$PATH " + program() +
-                                        "--explain " + box + ":1");
+    auto const less = m_terminal.screen("env -u PAGER -u LESS PATH=" + m_folder.path("pagers") +
+                                        ":$PATH " + program() + "--explain " + box + ":1");
     EXPECT_NE(plainText(less).find("LESS FRX\n"), std::string::npos) << less;
     EXPECT_NE(plainText(less).find("paged: spam  0.99"), std::string::npos) << less;
 }
@@ -171,8 +172,7 @@ TEST_F(TerminalScan, ExplanationsFitTheTerminalAndKeepTheirWords) {
     };
     auto const box = mbox();
     Terminal narrow(m_folder, 60);
-    auto const shown =
-        plainText(narrow.screen(program() + "--explain --no-pager " + box + ":1"));
+    auto const shown = plainText(narrow.screen(program() + "--explain --no-pager " + box + ":1"));
     auto const explanation = shown.substr(0, shown.find("status "));
     auto const wide = scan({"--format", "text", "--explain", box + ":1"}).m_output;
     EXPECT_EQ(words(explanation), words(wide)) << shown;

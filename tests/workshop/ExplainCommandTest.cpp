@@ -261,9 +261,10 @@ TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
 }
 
 TEST_F(ExplainCommand, TakesAPartOfAnInputAsReportsNameIt) {
-    auto const box = m_folder.write("box", std::string("From a\n") + message + "\nFrom b\n" + message);
-    auto const archive =
-        m_folder.write("mail.tar", archiveOf({"ustar"}, {{"one.eml", message}, {"box", readFile(box)}}));
+    auto const box =
+        m_folder.write("box", std::string("From a\n") + message + "\nFrom b\n" + message);
+    auto const archive = m_folder.write(
+        "mail.tar", archiveOf({"ustar"}, {{"one.eml", message}, {"box", readFile(box)}}));
     for (auto const& name : {box + ":2", archive + "/one.eml", archive + "/box:1"}) {
         auto const records = explained({name, "--dns", "off"});
         ASSERT_EQ(records.size(), 1U) << name;
@@ -283,17 +284,20 @@ TEST_F(ExplainCommand, GoesOnAfterWhatIsNoMessage) {
 
 TEST_F(ExplainCommand, IsColouredPagedAndBrokenToTheWidthOfATerminal) {
     auto const file = m_folder.write("one.eml", message);
-    auto const command = std::string(QV_RULES_PROGRAM) + " explain " + m_rules + " " + file +
-                         " --dns off ";
+    auto const command =
+        std::string(QV_RULES_PROGRAM) + " explain " + m_rules + " " + file + " --dns off ";
     Terminal terminal(m_folder, 60);
     auto const paged = terminal.screen("PAGER=\"sed 's/^/paged: /'\" " + command);
-    EXPECT_THAT(plainText(paged), HasSubstr("paged: none  0.9 ")) << paged;
+    EXPECT_THAT(plainText(paged), HasSubstr("paged: spam  0.96 ")) << paged;
     auto const shown = terminal.screen("env -u NO_COLOR " + command + "--no-pager");
-    EXPECT_THAT(shown, HasSubstr("\x1B[2mnone")) << shown;
-    EXPECT_THAT(plainText(shown), HasSubstr("\n  Because: not sure enough: 0.96")) << shown;
+    EXPECT_THAT(shown, HasSubstr("\x1B[31mspam")) << shown;
+    EXPECT_THAT(plainText(shown),
+                HasSubstr("\n  In words: the reverse name of the first relay,\n    "
+                          "192-0-2-7.dyn.example.net, looks dynamically assigned;\n"))
+        << shown;
     auto const plain = terminal.screen(command + "--no-pager --color never");
     EXPECT_EQ(plain.find('\x1B'), std::string::npos);
-    EXPECT_THAT(run({file, "--dns", "off", "--color", "always"}).m_output, HasSubstr("\x1B[2m"));
+    EXPECT_THAT(run({file, "--dns", "off", "--color", "always"}).m_output, HasSubstr("\x1B[31m"));
 }
 
 // The first thing that is wrong is the order, not each line of the message as a rule.
@@ -306,8 +310,9 @@ TEST_F(ExplainCommand, SwappedArgumentsAreOneSentence) {
         Arguments m_words;
         std::string m_error;
     } const cases[] = {
-        {{"explain", file, m_rules}, file + " seems to be a message, where rules are expected: "
-                                            "qvrules explain RULES INPUT"},
+        {{"explain", file, m_rules},
+         file + " seems to be a message, where rules are expected: "
+                "qvrules explain RULES INPUT"},
         {{"explain", folder, m_rules}, folder + " seems to be a message"},
         {{"evaluate", file, "--ham", m_rules}, "qvrules evaluate RULES"},
         {{"diff", m_rules, file, "--on", m_rules}, "qvrules diff OLD NEW"},
