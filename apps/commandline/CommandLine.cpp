@@ -170,7 +170,8 @@ void CommandLine::add(OptionRow const& row, std::string const& text) {
     }
     if (!isRead && isWord && std::find(literals.begin(), literals.end(), text) == literals.end()) {
         throw UsageError(s_label(*m_command, row) + ": \"" + text + "\" is not one of " +
-                         std::string(row.m_valueName));
+                         std::string(row.m_valueName) +
+                         Rules::didYouMean(text, {literals.begin(), literals.end()}));
     }
     auto& texts = m_given[std::string(row.m_name)];
     if (!row.is(Takes::repeatable)) {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Terminal.h"
 
+#include "apps/text/LineWrap.h"
+
+#include <algorithm>
 #include <array>
 #include <boost/algorithm/string/split.hpp>
 #include <cerrno>
@@ -8,6 +11,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,6 +20,9 @@
 namespace Quorvane {
 
 namespace {
+
+// Narrower than this nothing can be laid out.
+constexpr std::size_t minWidth = 40;
 
 // Empty: it is no terminal.
 std::optional<dev_t> s_terminal(int descriptor) {
@@ -68,6 +75,19 @@ bool wantsColour(CommandLine const& line) {
     auto const* const noColour = std::getenv("NO_COLOR");
     bool const isAllowed = noColour == nullptr || *noColour == '\0';
     return choice == "always" || (choice == "auto" && isAllowed && ::isatty(STDOUT_FILENO) == 1);
+}
+
+std::optional<std::size_t> terminalWidth() {
+    winsize size{};
+    if (::isatty(STDOUT_FILENO) != 1 || ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 ||
+        size.ws_col == 0) {
+        return std::nullopt;
+    }
+    return std::max<std::size_t>(size.ws_col, minWidth);
+}
+
+std::string forTerminal(std::string const& text, std::optional<std::size_t> width) {
+    return width ? wrappedLines(text, *width) : text;
 }
 
 Pager::Pager(bool isWanted) {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Terminal: what programs do for people who look at their output: colours, and a pager.
+// Terminal: what programs do for people who look at their output: colours, lines that fit, and a
+// pager.
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 
@@ -18,6 +21,11 @@ inline constexpr OptionRow noPagerRow{"no-pager", "",
 // What --color says. By default a terminal gets colours unless NO_COLOR is set and not empty
 // (no-color.org).
 bool wantsColour(CommandLine const& line);
+
+// The columns of the terminal that standard output is; empty when it is none or does not say.
+std::optional<std::size_t> terminalWidth();
+// `text` with lines broken to that width; as it is when there is none.
+std::string forTerminal(std::string const& text, std::optional<std::size_t> width);
 
 // Whether standard output and standard error are the same terminal: what one of them draws stands
 // in the way of the other.

@@ -16,7 +16,7 @@ int check(CommandLine const& line) {
     auto const settings = settingsStore(line).values().m_judging;
     auto const path = line.text("PATH");
     auto const against = line.text("against");
-    auto const rules = Rules::loadRules(path);
+    auto const rules = readRulesOf(line, "PATH");
     auto findings = Rules::checkRules(rules.m_set, settings);
     if (!against.empty()) {
         auto drift = Rules::driftFindings(rules.m_set, Rules::readFolder(against));

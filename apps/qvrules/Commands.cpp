@@ -6,16 +6,30 @@
 #include "apps/qvrules/NameWarning.h"
 #include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
+#include "platform/HeaderReader.h"
 #include "rules/format/RuleFiles.h"
 #include "rules/language/AttributePage.h"
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 namespace Quorvane::RulesApp {
 
 namespace {
+
+// What all mail has some of. A rule text may have lines with a colon, too.
+bool s_isMail(std::string_view headers) {
+    constexpr std::string_view usual[] = {"received", "from",       "to",
+                                          "date",     "message-id", "subject"};
+    auto const container = HeaderReader::read(headers);
+    return std::any_of(container.headers().begin(), container.headers().end(),
+                       [&](Header const& header) {
+                           return std::find(std::begin(usual), std::end(usual),
+                                            header.typeLowerCase()) != std::end(usual);
+                       });
+}
 
 // Whether the first thing at the path is a message. A pipe has been read already.
 bool s_holdsMail(std::string const& path) {
@@ -27,7 +41,7 @@ bool s_holdsMail(std::string const& path) {
     Interrupt const interrupt;
     InputItem item;
     try {
-        return Inputs({path}, interrupt).next(item) && item.m_problem.empty();
+        return Inputs({path}, interrupt).next(item) && s_isMail(item.m_headers);
     } catch (Interrupted const&) {
         return false;
     }
@@ -42,6 +56,16 @@ std::string s_order(CommandLine const& line) {
     return order;
 }
 
+void s_readOption(CommandLine const& line, std::string const& name, auto const& read) {
+    try {
+        if (line.has(name)) {
+            read(line.text(name));
+        }
+    } catch (SettingsError const& error) {
+        throw UsageError("--" + name + ": " + error.what());
+    }
+}
+
 } // namespace
 
 std::filesystem::path ruleFolder(CommandLine const& line) {
@@ -53,7 +77,6 @@ std::filesystem::path ruleFolder(CommandLine const& line) {
     }
     return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
 }
-
 
 SettingsStore settingsStore(CommandLine const& line) {
     SettingsStore settings;
@@ -79,12 +102,29 @@ int listAttributes(CommandLine const& /*line*/) {
     return ExitStatus::ok;
 }
 
+void readNumberOption(CommandLine const& line, std::string const& name, double& number, double low,
+                      double high) {
+    s_readOption(line, name,
+                 [&](std::string const& text) { number = readNumber(text, low, high); });
+}
+
+void readNumberOption(CommandLine const& line, std::string const& name, int& number, int low,
+                      int high) {
+    s_readOption(line, name, [&](std::string const& text) {
+        number = static_cast<int>(readInteger(text, low, high));
+    });
+}
+
 Rules::LoadedRules loadRulesOf(CommandLine const& line, std::string_view argument) {
+    auto rules = readRulesOf(line, argument);
+    warnAboutNames(line.text(argument), rules.m_names.m_problem);
+    return rules;
+}
+
+Rules::LoadedRules readRulesOf(CommandLine const& line, std::string_view argument) {
     auto const path = line.text(argument);
     try {
-        auto rules = Rules::loadRules(path);
-        warnAboutNames(path, rules.m_names.m_problem);
-        return rules;
+        return Rules::loadRules(path);
     } catch (Rules::RuleError const&) {
         if (!s_holdsMail(path)) {
             throw;

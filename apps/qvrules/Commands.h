@@ -40,20 +40,17 @@ HostSettings hostSettings(CommandLine const& line);
 MessageFacts messageFacts(CommandLine const& line);
 bool hasFacts(CommandLine const& line);
 
-// The number that an option gives; keeps `number` if it is not given. Throws a UsageError.
-template<typename Number>
-void readNumberOption(CommandLine const& line, std::string const& name, Number& number) {
-    try {
-        if (line.has(name)) {
-            readSetting(line.text(name), number);
-        }
-    } catch (SettingsError const& error) {
-        throw UsageError("--" + name + ": " + error.what());
-    }
-}
+// The number that an option gives, from `low` to `high`; keeps `number` if it is not given. Throws
+// a UsageError.
+void readNumberOption(CommandLine const& line, std::string const& name, double& number, double low,
+                      double high);
+void readNumberOption(CommandLine const& line, std::string const& name, int& number, int low,
+                      int high);
 
-// The rules that an argument names; says on standard error when their names cannot be used. A
-// RuleError, and a UsageError when it names a message: then the arguments are probably swapped.
+// The rules that an argument names. A RuleError, and a UsageError when it names a message: then the
+// arguments are probably swapped.
+Rules::LoadedRules readRulesOf(CommandLine const& line, std::string_view argument);
+// The same; says on standard error when their names cannot be used.
 Rules::LoadedRules loadRulesOf(CommandLine const& line, std::string_view argument);
 
 } // namespace Quorvane::RulesApp

@@ -23,7 +23,7 @@ int compile(CommandLine const& line) {
     }
     auto const folder = line.text("output");
     requireRuleFolder(folder, line.has("force"));
-    Rules::writeFolder(folder, Rules::loadRules(source).m_set);
+    Rules::writeFolder(folder, readRulesOf(line, "SRC").m_set);
     return ExitStatus::ok;
 }
 

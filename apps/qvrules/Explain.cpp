@@ -12,6 +12,7 @@
 #include "apps/workshop/MailVectors.h"
 
 #include <iostream>
+#include <optional>
 #include <unistd.h>
 #include <utility>
 
@@ -23,6 +24,7 @@ struct ExplainArguments {
     std::string m_asked;
     bool m_isJson = false;
     bool m_hasColour = false;
+    std::optional<std::size_t> m_width; // of the terminal
     bool m_wantsPager = false;
     bool m_hasFacts = false;
     MessageFacts m_facts;
@@ -34,6 +36,7 @@ ExplainArguments s_arguments(CommandLine const& line) {
     arguments.m_asked = line.text("INPUT");
     arguments.m_isJson = line.text("format") == "json";
     arguments.m_hasColour = wantsColour(line);
+    arguments.m_width = terminalWidth();
     // A person who types the message needs the terminal.
     bool const isTyped = arguments.m_asked == "-" && ::isatty(STDIN_FILENO) == 1;
     arguments.m_wantsPager = !arguments.m_isJson && !isTyped && !line.has(noPagerRow.m_name);
@@ -73,10 +76,11 @@ class Explainer {
     void print(std::string const& source, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
         auto const& names = m_host->ruleNames();
-        printOutput(m_arguments.m_isJson
-                        ? jsonExplanation(source, record, settings, names)
-                        : textRecord(source, record, names, m_arguments.m_hasColour) +
-                              textExplain(record, settings, names));
+        printOutput(
+            m_arguments.m_isJson
+                ? jsonExplanation(source, record, settings, names)
+                : textRecord(source, record, names, m_arguments.m_hasColour) +
+                      forTerminal(textExplain(record, settings, names), m_arguments.m_width));
     }
 
     ExplainArguments const& m_arguments;
@@ -100,8 +104,8 @@ int s_explain(ExplainArguments const& arguments, LoadedRules rules, Interrupt& i
 } // namespace
 
 int explain(CommandLine const& line) {
-    auto rules = loadedRules(loadRulesOf(line, "RULES").m_set);
     auto const arguments = s_arguments(line);
+    auto rules = loadedRules(loadRulesOf(line, "RULES").m_set);
     Pager const pager(arguments.m_wantsPager);
     Interrupt interrupt; // after what may come from pipes
     try {

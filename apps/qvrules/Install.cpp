@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <limits>
 
 namespace Quorvane::RulesApp {
 
@@ -47,9 +48,9 @@ void s_refuseUnloadable(std::string const& source, Rules::RuleSet const& set) {
 }
 
 // Rules with the version that they get in `folder`.
-Rules::LoadedRules s_rulesFor(std::filesystem::path const& folder, std::string const& source) {
-    auto rules = Rules::loadRules(source);
-    s_refuseUnloadable(source, rules.m_set);
+Rules::LoadedRules s_rulesFor(std::filesystem::path const& folder, CommandLine const& line) {
+    auto rules = readRulesOf(line, "PATH");
+    s_refuseUnloadable(line.text("PATH"), rules.m_set);
     rules.m_set.setVersion(Rules::versionFor(folder, rules.m_set));
     return rules;
 }
@@ -65,7 +66,7 @@ bool s_isSound(std::string const& source, Rules::LoadedRules const& rules) {
 
 int s_rollBack(std::filesystem::path const& folder, CommandLine const& line) {
     std::int32_t version = 0;
-    readNumberOption(line, "to", version);
+    readNumberOption(line, "to", version, 0, std::numeric_limits<int>::max());
     s_report(folder,
              Rules::rollBack(folder, line.has("to") ? std::optional(version) : std::nullopt));
     return ExitStatus::ok;
@@ -92,7 +93,7 @@ int install(CommandLine const& line) {
         return s_rollBack(folder, line);
     }
     auto const source = line.text("PATH");
-    auto const rules = s_rulesFor(folder, source);
+    auto const rules = s_rulesFor(folder, line);
     if (!s_isSound(source, rules) && !line.has("force")) {
         std::cerr << "nothing was installed; correct the errors, or add --force\n";
         return ExitStatus::findings;

@@ -5,7 +5,9 @@
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
 #include "apps/settings/SettingValue.h"
+#include "rules/format/AttributeTable.h"
 #include "rules/language/Compiler.h"
+#include "rules/language/Nearest.h"
 #include "rules/language/RuleText.h"
 #include "rules/learn/Learner.h"
 #include "rules/learn/TreeRecords.h"
@@ -13,7 +15,9 @@
 #include "rules/vectors/LearnError.h"
 #include "rules/vectors/VectorCsv.h"
 
+#include <algorithm>
 #include <iostream>
+#include <limits>
 #include <sstream>
 
 namespace Quorvane::RulesApp {
@@ -28,23 +32,31 @@ void s_turnLookupsOff(CommandLine const& line, HostSettings& host) {
     host.m_dns = "off";
 }
 
+void s_requireAttribute(std::string const& name) {
+    std::vector<std::string_view> names;
+    for (auto const& facts : attributeTable) {
+        names.push_back(facts.m_name);
+    }
+    if (std::find(names.begin(), names.end(), name) == names.end()) {
+        auto const nearest = Rules::didYouMean(name, names);
+        throw UsageError("--exclude: \"" + name + "\" is not an attribute" +
+                         (nearest.empty() ? "; \"qvrules attributes\" lists them" : nearest));
+    }
+}
+
 Rules::LearnSettings s_settings(CommandLine const& line) {
     Rules::LearnSettings settings;
     settings.m_impurity =
         line.text("impurity") == "gini" ? Rules::ImpurityKind::gini : Rules::ImpurityKind::entropy;
-    readNumberOption(line, "min-node-support", settings.m_minSupport);
-    readNumberOption(line, "min-gain", settings.m_minGain);
-    readNumberOption(line, "max-nodes", settings.m_maxNodes);
+    readNumberOption(line, "min-node-support", settings.m_minSupport, 0, 100);
+    readNumberOption(line, "min-gain", settings.m_minGain, 0, 1);
+    readNumberOption(line, "max-nodes", settings.m_maxNodes, 1, Rules::maxLearnedNodes);
     if (line.has("lookups")) {
         settings.m_attributes.fill(true);
     }
-    try {
-        for (auto const& name : line.texts("exclude")) {
-            Rules::selectAttribute(settings.m_attributes, name, false);
-        }
-        Rules::checkSettings(settings);
-    } catch (Rules::LearnError const& error) {
-        throw UsageError(error.what()); // here the command line is wrong
+    for (auto const& name : line.texts("exclude")) {
+        s_requireAttribute(name);
+        Rules::selectAttribute(settings.m_attributes, name, false);
     }
     return settings;
 }
@@ -60,17 +72,13 @@ Rules::PruningPlan s_pruning(CommandLine const& line) {
     if (text == "none") {
         return 0.0;
     }
-    double alpha = -1.0;
     try {
-        readSetting(text, alpha);
+        return readNumber(text, 0, std::numeric_limits<double>::max());
     } catch (SettingsError const&) {
-        // It is refused below.
+        throw UsageError("--prune: \"" + text +
+                         "\" is not one of minimum|one-se|none, nor a number from 0 on" +
+                         Rules::didYouMean(text, {"minimum", "one-se", "none"}));
     }
-    if (!(alpha >= 0.0)) {
-        throw UsageError("--prune takes minimum, one-se, none or a number from 0 on, not '" + text +
-                         "'");
-    }
-    return alpha;
 }
 
 TrainingMail s_trainingMail(CommandLine const& line) {

@@ -88,8 +88,8 @@ int s_port(std::string const& text) {
     try {
         return text.empty() ? 0 : static_cast<int>(readInteger(text, 1, highest));
     } catch (SettingsError const&) {
-        throw UsageError("--serve takes a port from 1 to 65535, or nothing, not \"" + text +
-                         "\"; give the rules before it");
+        throw UsageError("--serve: \"" + text +
+                         "\" is not a port from 1 to 65535; give the rules before this option");
     }
 }
 
@@ -154,7 +154,8 @@ int s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const
     bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
     TrainingMailCounts counts;
     auto const loaded = loadedRules(set);
-    auto const table = isMeasured ? s_mail(arguments, loaded.m_engine, counts) : Rules::VectorTable();
+    auto const table =
+        isMeasured ? s_mail(arguments, loaded.m_engine, counts) : Rules::VectorTable();
     Interrupt interrupt; // after the measuring, which reads signals of its own
     LookupEnd const lookupEnd(interrupt.token());
     try {

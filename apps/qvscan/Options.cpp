@@ -95,6 +95,7 @@ ScanOptions scanOptions(CommandLine const& line) {
     options.m_format = s_format(line);
     options.m_explain = line.has("explain");
     options.m_colour = wantsColour(line);
+    options.m_width = terminalWidth();
     options.m_extractTo = line.text(extractRow.m_name);
     if (line.has("progress") || line.has("no-progress")) {
         options.m_progress = !line.has("no-progress");

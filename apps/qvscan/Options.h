@@ -21,6 +21,8 @@ struct ScanOptions {
     OutputFormat m_format = OutputFormat::text;
     bool m_explain = false;
     bool m_colour = false;
+    // Of the terminal; empty: lines are as long as they are.
+    std::optional<std::size_t> m_width;
     // An explanation for people, who want to read it page by page.
     bool m_wantsPager = false;
     Filter m_filter;

@@ -2,6 +2,7 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/commandline/ProgramError.h"
+#include "apps/commandline/Terminal.h"
 #include "apps/host/LookupEnd.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
@@ -61,7 +62,9 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
         break;
     }
     auto const text = textRecord(item.m_source, record, names, m_options.m_colour);
-    return m_options.m_explain ? text + textExplain(record, settings, names) : text;
+    return m_options.m_explain
+               ? text + forTerminal(textExplain(record, settings, names), m_options.m_width)
+               : text;
 }
 
 ScanResult ScanRun::judge(InputItem const& item) const {

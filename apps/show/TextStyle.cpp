@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/TextStyle.h"
 
+#include "apps/commandline/Terminal.h"
 #include "apps/text/Utf8.h"
 
-#include <algorithm>
 #include <clocale>
 #include <langinfo.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace Quorvane::Show {
 
 namespace {
-
-// Narrower than this nothing can be laid out.
-constexpr std::size_t minWidth = 40;
 
 bool s_isUtf8Locale() {
     // Beside the locale of the process, in which other threads may be reading.
@@ -33,12 +28,8 @@ TextStyle terminalStyle(bool isStandardOutput, bool hasColour) {
     TextStyle style;
     style.m_hasColour = hasColour;
     style.m_isUtf8 = s_isUtf8Locale();
-    if (!isStandardOutput || ::isatty(STDOUT_FILENO) != 1) {
-        return style;
-    }
-    winsize size{};
-    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
-        style.m_width = std::max<std::size_t>(size.ws_col, minWidth);
+    if (isStandardOutput) {
+        style.m_width = terminalWidth().value_or(style.m_width);
     }
     return style;
 }

@@ -113,6 +113,8 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"make", "-x"}, "unknown option -x"},
         {{"make", "--force=1"}, "--force takes no value"},
         {{"make", "--format", "xml"}, "--format: \"xml\" is not one of text|json"},
+        {{"make", "--format", "jsn"},
+         "--format: \"jsn\" is not one of text|json; did you mean \"json\"?"},
         {{"mark", "x"}, "unexpected argument \"x\""},
     };
     for (auto const& row : cases) {

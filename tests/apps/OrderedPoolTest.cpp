@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <gtest/gtest.h>
+#include <new>
 #include <stdexcept>
 
 namespace Quorvane::Testing {
@@ -70,6 +71,57 @@ TEST(OrderedPool, WhatIsThrownForAMessageComesOutInItsTurn) {
     }
     ASSERT_EQ(taken.size(), 100U);
     EXPECT_EQ(taken.back(), "99");
+}
+
+// A message that the memory is too small for becomes a problem that bears its name; the others are
+// judged as ever.
+TEST(OrderedPool, AMessageThatDoesNotFitIsAProblemInItsTurn) {
+    std::vector<std::string> taken;
+    OrderedPool pool(4, [&taken](InputItem const& item) -> OrderedPool::Hand {
+        if (item.m_source == "100" && item.m_problem.empty()) {
+            throw std::bad_alloc();
+        }
+        return [&taken, text = item.m_source + item.m_problem] {
+            taken.push_back(text);
+            return true;
+        };
+    });
+    EXPECT_EQ(s_submit(pool, 200), 200);
+    pool.finish();
+    ASSERT_EQ(taken.size(), 200U);
+    EXPECT_EQ(taken[99], "99");
+    EXPECT_EQ(taken[100], "100not enough memory for its header section of 0 bytes");
+    EXPECT_EQ(taken[101], "101");
+}
+
+// Two messages may fit one after another where they do not fit at once.
+TEST(OrderedPool, AMessageThatDoesNotFitIsTriedAgainAlone) {
+    std::atomic<int> atWork{0};
+    std::atomic<int> failures{0};
+    std::vector<std::string> taken;
+    OrderedPool pool(4, [&](InputItem const& item) -> OrderedPool::Hand {
+        struct Counted {
+            explicit Counted(std::atomic<int>& count) : m_count(count), m_others(count++) {}
+            ~Counted() { --m_count; }
+            std::atomic<int>& m_count;
+            int m_others;
+        };
+        Counted const counted(atWork);
+        if (item.m_source == "7" && failures++ == 0) {
+            throw std::bad_alloc();
+        }
+        if (item.m_source == "7") {
+            EXPECT_EQ(counted.m_others, 0) << "another message is being judged";
+        }
+        return [&taken, text = item.m_source + item.m_problem] {
+            taken.push_back(text);
+            return true;
+        };
+    });
+    EXPECT_EQ(s_submit(pool, 1000), 1000);
+    pool.finish();
+    ASSERT_EQ(taken.size(), 1000U);
+    EXPECT_EQ(taken[7], "7");
 }
 
 // The third message is in hand when the stop is requested.

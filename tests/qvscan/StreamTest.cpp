@@ -11,8 +11,6 @@ namespace Quorvane::Testing {
 
 namespace {
 
-constexpr char separator[] = "From x@example.invalid Mon Jan  1 00:00:00 2024\n";
-
 class Stream : public ScanTest {
   protected:
     // An mbox of `count` messages, spam, ham and undecided in turn.
@@ -73,6 +71,29 @@ TEST_F(Stream, AFullDiskIsAnError) {
     auto const result = runProgram("/bin/sh", {"-c", command});
     EXPECT_EQ(result.m_status, 73);
     EXPECT_EQ(result.m_errors, "qvscan: cannot write: No space left on device\n");
+}
+
+// The machine has memory for most messages, not for one with a header section of 15 MiB.
+TEST_F(Stream, AMessageTooLargeForTheMemoryIsNamedAndTheOthersAreJudged) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers reserve more addresses than any machine has memory";
+#endif
+    std::string large;
+    while (large.size() < (std::size_t{15} << 20)) {
+        large += "X:\n";
+    }
+    auto const box = m_folder.write("box", separator + spam() + "\n" + separator + large + spam() +
+                                               "\n" + separator + ham());
+    auto command = "ulimit -v 400000; exec " + std::string(QV_SCAN_PROGRAM);
+    for (auto const& word : arguments({"--jobs", "2", box})) {
+        command += " " + word;
+    }
+    auto const result = runProgram("/bin/sh", {"-c", command});
+    EXPECT_EQ(result.m_status, 65);
+    EXPECT_EQ(summary(result), (Arguments{box + ":1 spam", box + ":3 ham"}));
+    EXPECT_EQ(
+        result.m_errors.find("qvscan: " + box + ":2: not enough memory for its header section"), 0U)
+        << result.m_errors;
 }
 
 // The first message is complete once the separator of the second is there; its record comes while

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a person sees: qvscan in a real terminal, played by tmux.
+#include "support/Terminal.h"
 #include "qvscan/ScanFixture.h"
 
-#include <chrono>
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <string_view>
 #include <sys/stat.h>
 
@@ -11,77 +15,14 @@ namespace Quorvane::Testing {
 
 namespace {
 
-// Far longer than anything takes on a loaded machine.
-constexpr std::chrono::seconds patience{120};
-
-// The text of a screen without escape sequences.
-std::string s_plain(std::string const& text) {
-    std::string plain;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '\x1B') {
-            at = text.find('m', at);
-        } else {
-            plain += text[at];
-        }
-    }
-    return plain;
-}
-
-class Terminal : public ScanTest {
+class TerminalScan : public ScanTest {
   protected:
-    ~Terminal() override { tmux({"kill-server"}); }
-
-    // Runs a shell command in a terminal of 120 columns.
-    void start(std::string const& command) {
-        // A server of its own: one that was asked to end may still answer.
-        ++m_runs;
-        auto const script =
-            m_folder.write("run.sh", "trap : INT; " + command + "; echo \"status $?\"; exec cat\n");
-        tmux({"-f", "/dev/null", "new-session", "-d", "-x", "120", "-y", "40", "sh " + script});
-    }
-
-    // The screen with its escape sequences.
-    std::string capture() const { return tmux({"capture-pane", "-p", "-e"}); }
-
-    // The screen once it shows `text`; the test has failed when it never does.
-    std::string captureWith(std::string const& text) const {
-        auto const deadline = std::chrono::steady_clock::now() + patience;
-        auto shown = capture();
-        while (s_plain(shown).find(text) == std::string::npos) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                ADD_FAILURE() << "the terminal never shows \"" << text << "\" but\n" << shown;
-                break;
-            }
-            shown = capture();
-        }
-        return shown;
-    }
-
-    // Waits for the end of the command; the last screen.
-    std::string finish() const {
-        auto const shown = captureWith("status ");
-        tmux({"kill-server"});
-        return shown;
-    }
-
-    std::string screen(std::string const& command) {
-        start(command);
-        return finish();
-    }
-
-    std::string tmux(Arguments const& arguments) const {
-        Arguments all{"-S", socket()};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        return runProgram(QV_TMUX_PROGRAM, all).m_output;
-    }
-
     // qvscan with the fixture's rules.
     std::string program() const {
         return std::string(QV_SCAN_PROGRAM) + " --root " + root() + " --dns off ";
     }
 
     std::string mbox() const {
-        constexpr char separator[] = "From x@example.invalid Mon Jan  1 00:00:00 2024\n";
         return m_folder.write("box", separator + spam() + "\n" + separator + ham() + "\n" +
                                          separator + none());
     }
@@ -92,18 +33,23 @@ class Terminal : public ScanTest {
         return path;
     }
 
-  private:
-    std::string socket() const { return m_folder.path() / ("tmux" + std::to_string(m_runs)); }
+    // A program that shows what a pager gets, in the folder of that name.
+    std::string pager(std::string const& name) const {
+        auto path = m_folder.write("pagers/" + name,
+                                   "#!/bin/sh\necho \"LESS $LESS\"; sed 's/^/paged: /'\n");
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        return path;
+    }
 
-    int m_runs = 0;
+    Terminal m_terminal{m_folder};
 };
 
-TEST_F(Terminal, ShowsAlignedColouredText) {
+TEST_F(TerminalScan, ShowsAlignedColouredText) {
     auto const box = mbox();
-    auto const text = screen(program() + "--no-summary " + box);
+    auto const text = m_terminal.screen(program() + "--no-summary " + box);
     EXPECT_NE(text.find("\x1B[31mspam"), std::string::npos) << text;
     EXPECT_NE(text.find("\x1B[32mham"), std::string::npos) << text;
-    auto const plain = s_plain(text);
+    auto const plain = plainText(text);
     EXPECT_NE(plain.find("spam  0.99      3      192.0.2.7                        " + box +
                          ":1\n"
                          "ham   0.02      4      192.0.2.7                        " +
@@ -117,62 +63,136 @@ TEST_F(Terminal, ShowsAlignedColouredText) {
         << plain;
 }
 
-TEST_F(Terminal, NoColorMeansNoColour) {
-    auto const text = screen("NO_COLOR=1 " + program() + mbox());
+TEST_F(TerminalScan, NoColorMeansNoColour) {
+    auto const text = m_terminal.screen("NO_COLOR=1 " + program() + mbox());
     EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
     EXPECT_NE(text.find("spam  0.99"), std::string::npos) << text;
-    EXPECT_NE(screen("NO_COLOR= " + program() + mbox()).find("\x1B[31mspam"), std::string::npos);
-}
-
-TEST_F(Terminal, TheEndOfATypedMessageIsTypedOnce) {
-    start(program());
-    tmux({"send-keys", "From: a@b.example", "Enter", "C-d"});
-    EXPECT_NE(s_plain(finish()).find("none  -"), std::string::npos);
-}
-
-TEST_F(Terminal, ItSaysThatItWaitsForAMessage) {
-    start(program());
-    captureWith("qvscan: waiting for a message on standard input; Ctrl-D ends it");
-    tmux({"send-keys", "From: a@b.example", "Enter", "C-d"});
-    finish();
-    // Whoever names an input, or pipes one in, knows where it comes from.
-    EXPECT_EQ(s_plain(screen(program() + mbox())).find("waiting"), std::string::npos);
-    EXPECT_EQ(s_plain(screen("cat " + mbox() + " | " + program())).find("waiting"),
+    EXPECT_NE(m_terminal.screen("NO_COLOR= " + program() + mbox()).find("\x1B[31mspam"),
               std::string::npos);
 }
 
-TEST_F(Terminal, FormatAskedForIsTheFormat) {
-    EXPECT_NE(screen(program() + "--format json " + mbox()).find("{\"source\":"),
+TEST_F(TerminalScan, TheEndOfATypedMessageIsTypedOnce) {
+    m_terminal.start(program());
+    m_terminal.type({"From: a@b.example", "Enter", "C-d"});
+    EXPECT_NE(plainText(m_terminal.finish()).find("none  -"), std::string::npos);
+}
+
+TEST_F(TerminalScan, ItSaysThatItWaitsForAMessage) {
+    m_terminal.start(program());
+    m_terminal.captureWith("qvscan: waiting for a message on standard input; Ctrl-D ends it");
+    m_terminal.type({"From: a@b.example", "Enter", "C-d"});
+    m_terminal.finish();
+    // Whoever names an input, or pipes one in, knows where it comes from.
+    EXPECT_EQ(plainText(m_terminal.screen(program() + mbox())).find("waiting"), std::string::npos);
+    EXPECT_EQ(plainText(m_terminal.screen("cat " + mbox() + " | " + program())).find("waiting"),
+              std::string::npos);
+}
+
+TEST_F(TerminalScan, FormatAskedForIsTheFormat) {
+    EXPECT_NE(m_terminal.screen(program() + "--format json " + mbox()).find("{\"source\":"),
               std::string::npos);
 }
 
 // The terminal's driver turns the key into a signal. The program has shown its first records and
 // waits for the rest of its input, a pipe that nobody writes to.
-TEST_F(Terminal, ControlCEndsIt) {
-    start(program() + mbox() + " " + pipe());
-    captureWith(":3\n");
-    tmux({"send-keys", "C-c"});
-    EXPECT_NE(s_plain(finish()).find("status 130"), std::string::npos);
+TEST_F(TerminalScan, ControlCEndsIt) {
+    m_terminal.start(program() + mbox() + " " + pipe());
+    m_terminal.captureWith(":3\n");
+    m_terminal.type({"C-c"});
+    EXPECT_NE(plainText(m_terminal.finish()).find("status 130"), std::string::npos);
 }
 
-TEST_F(Terminal, ProgressIsDrawnWhileWorkIsLongAndTakenAway) {
-    start(program() + "--no-summary " + mbox() + " " + pipe() + " > /dev/null");
-    captureWith("3 messages  ");
-    tmux({"send-keys", "C-c"});
-    EXPECT_EQ(s_plain(finish()).find("messages"), std::string::npos);
+TEST_F(TerminalScan, ProgressIsDrawnWhileWorkIsLongAndTakenAway) {
+    m_terminal.start(program() + "--no-summary " + mbox() + " " + pipe() + " > /dev/null");
+    m_terminal.captureWith("3 messages  ");
+    m_terminal.type({"C-c"});
+    EXPECT_EQ(plainText(m_terminal.finish()).find("messages"), std::string::npos);
+}
+
+TEST_F(TerminalScan, ColorIsWhatIsAskedFor) {
+    constexpr char red[] = "\x1B[31mspam";
+    EXPECT_EQ(m_terminal.screen(program() + "--color never " + mbox()).find('\x1B'),
+              std::string::npos);
+    EXPECT_NE(m_terminal.screen("NO_COLOR=1 " + program() + "--color always " + mbox()).find(red),
+              std::string::npos);
+    auto const text = [this](char const* colour) {
+        return scan({"--format", "text", "--color", colour}, spam()).m_output;
+    };
+    EXPECT_NE(text("always").find(red), std::string::npos);
+    EXPECT_EQ(text("auto").find('\x1B'), std::string::npos) << "there is no terminal";
+    EXPECT_EQ(scan({"--format", "json", "--color", "always"}, spam()).m_output.find('\x1B'),
+              std::string::npos);
+}
+
+TEST_F(TerminalScan, AnExplanationIsPaged) {
+    auto const box = mbox();
+    auto const own = m_terminal.screen("PAGER=" + pager("own") + " " + program() + "--explain " +
+                                       box + ":1 " + m_folder.path("missing"));
+    EXPECT_NE(plainText(own).find("paged: spam  0.99"), std::string::npos) << own;
+    EXPECT_NE(own.find("\x1B[31mspam"), std::string::npos) << "colours as without a pager";
+    EXPECT_NE(plainText(own).find("paged: qvscan: " + m_folder.path("missing")), std::string::npos)
+        << own;
+    EXPECT_NE(plainText(own).find("status 66"), std::string::npos) << own;
+    // Without one of the person's own it is less, with options that suit.
+    pager("less");
+    auto const less = m_terminal.screen("env -u PAGER -u LESS PATH=" + m_folder.path("pagers") +
+                                        ":$PATH " + program() + "--explain " + box + ":1");
+    EXPECT_NE(plainText(less).find("LESS FRX\n"), std::string::npos) << less;
+    EXPECT_NE(plainText(less).find("paged: spam  0.99"), std::string::npos) << less;
+}
+
+TEST_F(TerminalScan, OnlyExplanationsForPeopleArePaged) {
+    auto const box = mbox();
+    auto const own = "PAGER=" + pager("own") + " " + program();
+    for (auto const& command :
+         {own + box, own + "--explain --no-pager " + box, own + "--explain --format json " + box,
+          own + "--explain " + box + " | cat", "PAGER= " + program() + "--explain " + box,
+          "PAGER=cat " + program() + "--explain " + box}) {
+        auto const text = plainText(m_terminal.screen(command));
+        EXPECT_EQ(text.find("paged: "), std::string::npos) << command << '\n' << text;
+        EXPECT_NE(text.find("spam"), std::string::npos) << command << '\n' << text;
+    }
+}
+
+// Whoever has seen enough leaves the pager, and the program ends with it.
+TEST_F(TerminalScan, APagerThatEndsEarlyEndsItQuietly) {
+    std::string box;
+    for (int i = 0; i < 2000; ++i) {
+        box += separator + spam() + "\n";
+    }
+    auto const text = plainText(m_terminal.screen("PAGER='head -n 2' " + program() + "--explain " +
+                                                  m_folder.write("many", box)));
+    EXPECT_NE(text.find("status 1"), std::string::npos) << text;
+    EXPECT_EQ(text.find("qvscan:"), std::string::npos) << text;
+}
+
+// A terminal cuts lines that are too long in the middle of a word.
+TEST_F(TerminalScan, ExplanationsFitTheTerminalAndKeepTheirWords) {
+    auto const words = [](std::string const& text) {
+        std::istringstream stream(text.substr(text.find("Because:")));
+        return Arguments(std::istream_iterator<std::string>(stream), {});
+    };
+    auto const box = mbox();
+    Terminal narrow(m_folder, 60);
+    auto const shown = plainText(narrow.screen(program() + "--explain --no-pager " + box + ":1"));
+    auto const explanation = shown.substr(0, shown.find("status "));
+    auto const wide = scan({"--format", "text", "--explain", box + ":1"}).m_output;
+    EXPECT_EQ(words(explanation), words(wide)) << shown;
+    EXPECT_GT(std::count(explanation.begin(), explanation.end(), '\n'),
+              std::count(wide.begin(), wide.end(), '\n'));
 }
 
 // What the terminal got since the line was drawn: it is never taken away before it is drawn again.
-TEST_F(Terminal, ProgressStaysWhileRecordsGoElsewhere) {
+TEST_F(TerminalScan, ProgressStaysWhileRecordsGoElsewhere) {
     auto const path = pipe();
-    start(program() + "--no-summary " + mbox() + " " + path + " > /dev/null");
+    m_terminal.start(program() + "--no-summary " + mbox() + " " + path + " > /dev/null");
     std::ofstream more(path);
-    captureWith("3 messages  ");
+    m_terminal.captureWith("3 messages  ");
     auto const log = m_folder.path("log");
-    tmux({"pipe-pane", "cat > " + log});
+    m_terminal.record(log);
     more << separator << spam() << "\n" << separator << ham() << std::flush;
-    captureWith("4 messages  ");
-    tmux({"pipe-pane"});
+    m_terminal.captureWith("4 messages  ");
+    m_terminal.record("");
     auto const drawn = m_folder.read("log");
     constexpr std::string_view clear = "\r\x1B[K";
     for (auto at = drawn.find(clear); at != std::string::npos; at = drawn.find(clear, at + 1)) {
@@ -180,18 +200,18 @@ TEST_F(Terminal, ProgressStaysWhileRecordsGoElsewhere) {
                   std::string::npos)
             << drawn;
     }
-    tmux({"send-keys", "C-c"});
-    finish();
+    m_terminal.type({"C-c"});
+    m_terminal.finish();
 }
 
-TEST_F(Terminal, ARunOfSeveralMessagesEndsWithASummary) {
-    auto const several = s_plain(screen(program() + mbox()));
+TEST_F(TerminalScan, ARunOfSeveralMessagesEndsWithASummary) {
+    auto const several = plainText(m_terminal.screen(program() + mbox()));
     EXPECT_NE(several.find("3 messages: 1 spam, 1 ham, 1 without a verdict, 0 not judged\n"),
               std::string::npos)
         << several;
-    EXPECT_EQ(s_plain(screen(program() + "--no-summary " + mbox())).find("3 messages"),
+    EXPECT_EQ(plainText(m_terminal.screen(program() + "--no-summary " + mbox())).find("3 messages"),
               std::string::npos);
-    auto const one = s_plain(screen(program() + m_folder.write("one", spam())));
+    auto const one = plainText(m_terminal.screen(program() + m_folder.write("one", spam())));
     EXPECT_EQ(one.find("1 message"), std::string::npos) << one;
 }
 

@@ -90,6 +90,26 @@ TEST_F(EvaluateCommand, MeasuresCopiesWithoutReverseNamesApart) {
     EXPECT_EQ(json["corpora"][1]["verdictsOnSpam"]["none"], 4);
 }
 
+// The commands measure what is left, and say so.
+TEST_F(EvaluateCommand, LeavesOutWhatIsNoMessageAndCountsIt) {
+    auto const empty = m_folder.write("site/empty", "");
+    auto const ham = m_folder.path("site/ham.mbox");
+    auto const whole = run({"--ham", ham});
+    auto const result = run({"--ham", empty, ham});
+    EXPECT_EQ(result.m_status, 65);
+    EXPECT_EQ(result.m_errors, empty + ": not a message: it has no header field\n" +
+                                   "qvrules: 1 input was left out\n");
+    EXPECT_EQ(result.m_output, whole.m_output);
+    for (Arguments const& command :
+         {Arguments{"diff", m_rules, m_rules, "--on", empty, ham, "--dns", "off"},
+          Arguments{"show", m_rules, "--on", empty, ham}}) {
+        auto const other = runProgram(QV_RULES_PROGRAM, command);
+        EXPECT_EQ(other.m_status, 65) << command[0];
+        EXPECT_EQ(other.m_errors, result.m_errors) << command[0];
+        EXPECT_FALSE(other.m_output.empty()) << command[0];
+    }
+}
+
 TEST_F(EvaluateCommand, NothingToMeasureIsNoResult) {
     std::filesystem::create_directory(m_folder.path() / "empty");
     auto const empty = (m_folder.path() / "empty").string();

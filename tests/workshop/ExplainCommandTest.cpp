@@ -2,7 +2,9 @@
 //
 // `qvrules explain` as its users see it; tests/qvrules/golden/explain.txt holds its texts.
 #include "CommandTest.h"
+#include "support/ArchiveWriter.h"
 #include "support/JsonLines.h"
+#include "support/Terminal.h"
 
 #include <gmock/gmock.h>
 
@@ -256,6 +258,85 @@ TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
         runProgram(QV_RULES_PROGRAM, {"explain", m_folder.path() / "bad", "chain_broken=yes"});
     EXPECT_EQ(result.m_status, 78);
     EXPECT_THAT(result.m_errors, HasSubstr("no host can load these rules"));
+}
+
+TEST_F(ExplainCommand, TakesAPartOfAnInputAsReportsNameIt) {
+    auto const box =
+        m_folder.write("box", std::string("From a\n") + message + "\nFrom b\n" + message);
+    auto const archive = m_folder.write(
+        "mail.tar", archiveOf({"ustar"}, {{"one.eml", message}, {"box", readFile(box)}}));
+    for (auto const& name : {box + ":2", archive + "/one.eml", archive + "/box:1"}) {
+        auto const records = explained({name, "--dns", "off"});
+        ASSERT_EQ(records.size(), 1U) << name;
+        EXPECT_EQ(records[0]["source"], name);
+    }
+    EXPECT_EQ(explained({archive, "--dns", "off"}).size(), 3U);
+}
+
+// What is no message is reported in its place, and the rest is explained.
+TEST_F(ExplainCommand, GoesOnAfterWhatIsNoMessage) {
+    auto const box = m_folder.write("box", std::string("From a\nwords\n\nFrom b\n") + message);
+    auto const result = run({box, "--dns", "off", "--format", "json"});
+    EXPECT_EQ(result.m_status, 65);
+    EXPECT_EQ(result.m_errors, box + ":1: not a message: it has no header field\n");
+    ASSERT_EQ(jsonLines(result.m_output).size(), 1U);
+}
+
+TEST_F(ExplainCommand, IsColouredPagedAndBrokenToTheWidthOfATerminal) {
+    auto const file = m_folder.write("one.eml", message);
+    auto const command =
+        std::string(QV_RULES_PROGRAM) + " explain " + m_rules + " " + file + " --dns off ";
+    Terminal terminal(m_folder, 60);
+    auto const paged = terminal.screen("PAGER=\"sed 's/^/paged: /'\" " + command);
+    EXPECT_THAT(plainText(paged), HasSubstr("paged: spam  0.96 ")) << paged;
+    auto const shown = terminal.screen("env -u NO_COLOR " + command + "--no-pager");
+    EXPECT_THAT(shown, HasSubstr("\x1B[31mspam")) << shown;
+    EXPECT_THAT(plainText(shown),
+                HasSubstr("\n  In words: the reverse name of the first relay,\n    "
+                          "192-0-2-7.dyn.example.net, looks dynamically assigned;\n"))
+        << shown;
+    auto const plain = terminal.screen(command + "--no-pager --color never");
+    EXPECT_EQ(plain.find('\x1B'), std::string::npos);
+    EXPECT_THAT(run({file, "--dns", "off", "--color", "always"}).m_output, HasSubstr("\x1B[31m"));
+}
+
+// The first thing that is wrong is the order, not each line of the message as a rule.
+TEST_F(ExplainCommand, SwappedArgumentsAreOneSentence) {
+    auto const file = m_folder.write("one.eml", message);
+    auto const folder = m_folder.path("Maildir");
+    m_folder.write("Maildir/cur/1", message);
+    m_folder.write("Maildir/new/2", message);
+    struct {
+        Arguments m_words;
+        std::string m_error;
+    } const cases[] = {
+        {{"explain", file, m_rules},
+         file + " seems to be a message, where rules are expected: "
+                "qvrules explain RULES INPUT"},
+        {{"explain", folder, m_rules}, folder + " seems to be a message"},
+        {{"evaluate", file, "--ham", m_rules}, "qvrules evaluate RULES"},
+        {{"diff", m_rules, file, "--on", m_rules}, "qvrules diff OLD NEW"},
+        {{"show", file}, "qvrules show RULES"},
+        {{"check", file}, "qvrules check PATH"},
+        {{"install", file, "--root", m_folder.path()}, "qvrules install PATH"},
+        {{"compile", file, "-o", m_folder.path("out")}, "qvrules compile SRC"},
+    };
+    for (auto const& row : cases) {
+        auto const result = runProgram(QV_RULES_PROGRAM, row.m_words);
+        EXPECT_EQ(result.m_status, 64) << row.m_error;
+        EXPECT_EQ(std::count(result.m_errors.begin(), result.m_errors.end(), '\n'), 2)
+            << result.m_errors;
+        EXPECT_THAT(result.m_errors, HasSubstr(row.m_error));
+    }
+}
+
+TEST_F(ExplainCommand, RulesWithMistakesAreNotTakenForMail) {
+    for (auto const* const text : {"version: 1\n", "elite: first\ntree {\n"}) {
+        auto const file = m_folder.write("bad.qvr", text);
+        auto const result = runProgram(QV_RULES_PROGRAM, {"explain", file, "chain_broken=yes"});
+        EXPECT_EQ(result.m_status, 65) << text;
+        EXPECT_THAT(result.m_errors, HasSubstr(file + ":1:"));
+    }
 }
 
 } // namespace
