@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -54,6 +55,13 @@ bool wantsColour(CommandLine const& line) {
     auto const* const noColour = std::getenv("NO_COLOR");
     bool const isAllowed = noColour == nullptr || *noColour == '\0';
     return choice == "always" || (choice == "auto" && isAllowed && ::isatty(STDOUT_FILENO) == 1);
+}
+
+std::optional<std::size_t> terminalWidth() {
+    winsize size{};
+    bool const isKnown = ::isatty(STDOUT_FILENO) == 1 &&
+                         ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? std::optional<std::size_t>(size.ws_col) : std::nullopt;
 }
 
 Pager::Pager(bool isWanted) {

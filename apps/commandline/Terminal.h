@@ -5,6 +5,8 @@
 
 #include "apps/commandline/CommandLine.h"
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 
@@ -18,6 +20,9 @@ inline constexpr OptionRow noPagerRow{"no-pager", "",
 // What --color says. By default a terminal gets colours unless NO_COLOR is set and not empty
 // (no-color.org).
 bool wantsColour(CommandLine const& line);
+
+// The columns of the terminal that standard output is; empty when it is none, or does not tell.
+std::optional<std::size_t> terminalWidth();
 
 // While it lives, a pager shows what the program writes to its terminal: the one that PAGER names,
 // or else less. At its end it waits until the person has seen enough. One object per process, made

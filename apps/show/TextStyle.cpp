@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/TextStyle.h"
 
+#include "apps/commandline/Terminal.h"
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
 #include <clocale>
 #include <langinfo.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
+#include <optional>
 
 namespace Quorvane::Show {
 
@@ -33,20 +33,10 @@ TextStyle terminalStyle(bool isStandardOutput, bool hasColour) {
     TextStyle style;
     style.m_hasColour = hasColour;
     style.m_isUtf8 = s_isUtf8Locale();
-    if (!isStandardOutput || ::isatty(STDOUT_FILENO) != 1) {
-        return style;
-    }
-    winsize size{};
-    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) {
-        style.m_width = std::max<std::size_t>(size.ws_col, minWidth);
+    if (auto const width = isStandardOutput ? terminalWidth() : std::nullopt) {
+        style.m_width = std::max(*width, minWidth);
     }
     return style;
-}
-
-std::string padded(std::string text, std::size_t width) {
-    auto const taken = columns(text);
-    text.append(width > taken ? width - taken : 0, ' ');
-    return text;
 }
 
 std::string rightAligned(std::string const& text, std::size_t width) {

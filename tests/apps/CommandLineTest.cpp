@@ -26,6 +26,7 @@ ProgramTable const tool{"tool",
                            {"note", "TEXT", "any text", Takes::anyText},
                            {"relay", "PREFIX", "a relay", Takes::anyText | Takes::repeatable},
                            {"serve", "[PORT]", "serve it"},
+                           {"explain", "[=all|some]", "explain it"},
                            {"force", "", "in spite of errors"}}},
                          {"mark", "Marks things", {}, {}}}};
 
@@ -86,6 +87,15 @@ TEST(CommandLine, AValueInBracketsMayBeLeftOut) {
     EXPECT_EQ(s_full({"--serve"}).text("serve", "none"), "");
 }
 
+TEST(CommandLine, AValueAfterAnEqualsSignIsNeverTheNextWord) {
+    auto const line = s_full({"--explain", "all"});
+    EXPECT_EQ(line.text("explain", "none"), "");
+    EXPECT_EQ(line.texts("MORE"), Texts{"all"});
+    EXPECT_EQ(s_full({"--explain=all"}).text("explain"), "all");
+    EXPECT_EQ(s_full({"--explain=all", "--explain"}).text("explain", "none"), "");
+    EXPECT_FALSE(s_full({}).has("explain"));
+}
+
 TEST(CommandLine, AfterTwoDashesEveryWordIsAnArgument) {
     auto const line = s_full({"--", "--force", "--", "-o"});
     EXPECT_EQ(line.texts("MORE"), (Texts{"--force", "--", "-o"}));
@@ -113,6 +123,7 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"make", "-x"}, "unknown option -x"},
         {{"make", "--force=1"}, "--force takes no value"},
         {{"make", "--format", "xml"}, "--format: \"xml\" is not one of text|json"},
+        {{"make", "--explain=al"}, "--explain: \"al\" is not one of all|some"},
         {{"mark", "x"}, "unexpected argument \"x\""},
     };
     for (auto const& row : cases) {
@@ -148,6 +159,7 @@ TEST(Help, ShowsArgumentsAndOptionsInLinesThatFit) {
               "  --note TEXT                any text\n"
               "  --relay PREFIX             a relay\n"
               "  --serve [PORT]             serve it\n"
+              "  --explain[=all|some]       explain it\n"
               "  --force                    in spite of errors\n");
 }
 

@@ -93,8 +93,7 @@ TEST(MessageReader, ALineBreakAtTheEndOfTheBufferIsSeen) {
 TEST(MessageReader, AHeaderSectionBeyondTheLimitIsReportedAndTheNextRecordRead) {
     std::string const most(maxHeaderSection - 5, 'b'); // with "A: " and two line breaks
     for (bool const isBeyond : {false, true}) {
-        auto const text =
-            "From x\nA: " + most + (isBeyond ? "b" : "") + "\n\nFrom y\nC: d\n\n";
+        auto const text = "From x\nA: " + most + (isBeyond ? "b" : "") + "\n\nFrom y\nC: d\n\n";
         MessageReader reader(std::make_unique<PieceSource>(text, 1 << 20), {});
         HeaderSection section;
         ASSERT_TRUE(reader.next(section));
