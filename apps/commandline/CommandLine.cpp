@@ -6,6 +6,7 @@
 #include "rules/language/Nearest.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <optional>
 #include <utility>
 
@@ -93,7 +94,7 @@ class Reader {
         if (isNeeded && !isValue(true)) {
             throw UsageError(row.dashed() + " needs a value: " + std::string(row.m_valueName));
         }
-        if (row.isFlag() || !isValue(isNeeded)) {
+        if (row.isFlag() || row.isValueAttached() || !isValue(isNeeded)) {
             m_line.add(row, "");
             return;
         }
@@ -163,14 +164,15 @@ CommandLine::Texts CommandLine::texts(std::string_view name) const {
 void CommandLine::add(OptionRow const& row, std::string const& text) {
     auto const literals = literalsOf(row.m_valueName);
     auto const isWord = !literals.empty() && literals == alternativesOf(row.m_valueName);
-    bool const isRead = row.isFlag() || row.isValueOptional() || row.is(Takes::anyText);
+    bool const isLeftOut = row.isValueOptional() && text.empty();
+    bool const isRead = row.isFlag() || isLeftOut || row.is(Takes::anyText);
     // Probably an unset variable of a script; it must not mean the folder that hosts read.
     if (!isRead && text.empty()) {
         throw UsageError(s_label(*m_command, row) + ": the value is empty");
     }
     if (!isRead && isWord && std::find(literals.begin(), literals.end(), text) == literals.end()) {
         throw UsageError(s_label(*m_command, row) + ": \"" + text + "\" is not one of " +
-                         std::string(row.m_valueName) +
+                         boost::algorithm::join(literals, "|") +
                          Rules::didYouMean(text, {literals.begin(), literals.end()}));
     }
     auto& texts = m_given[std::string(row.m_name)];

@@ -38,7 +38,7 @@ std::string s_optionRow(OptionRow const& row) {
     auto start = row.m_letter == '\0' ? std::string() : std::string{'-', row.m_letter, ',', ' '};
     start += row.dashed();
     if (!row.isFlag()) {
-        start += ' ' + std::string(row.m_valueName);
+        start += (row.isValueAttached() ? "" : " ") + std::string(row.m_valueName);
     }
     return s_row(start + (row.is(Takes::several) ? " ..." : ""), row.m_help);
 }

@@ -23,7 +23,8 @@ inline constexpr unsigned anyText = 8;
 
 struct OptionRow {
     std::string_view m_name; // without "--"; of an argument, its name in the help
-    // As ValueNames.h has it; empty for a flag; in brackets when it may be left out.
+    // As ValueNames.h has it; empty for a flag; in brackets when it may be left out, "[=all]" when
+    // it can only follow after "=", so that the next word is not taken for it.
     std::string_view m_valueName;
     std::string_view m_help;
     unsigned m_traits = 0;
@@ -36,6 +37,7 @@ struct OptionRow {
     bool isValueOptional() const {
         return m_valueName.starts_with('[') && m_valueName.ends_with(']');
     }
+    bool isValueAttached() const { return m_valueName.starts_with("[="); }
     std::string dashed() const { return "--" + std::string(m_name); }
     OptionRow in(std::string_view group) const {
         auto row = *this;

@@ -8,6 +8,9 @@ namespace Quorvane {
 
 std::vector<std::string> alternativesOf(std::string_view valueName) {
     std::vector<std::string> alternatives;
+    if (valueName.starts_with("[=")) {
+        valueName = valueName.substr(2, valueName.size() - 3);
+    }
     if (!valueName.empty()) {
         boost::algorithm::split(alternatives, valueName, [](char c) { return c == '|'; });
     }

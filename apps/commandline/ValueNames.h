@@ -2,7 +2,8 @@
 //
 // Value names: how an option table names the values of an option, "text|json", "FILE",
 // "system|off|HOST[@PORT]". Alternatives are separated by "|"; one with a capital letter stands for
-// a value of the user, any other is written literally. Pure functions.
+// a value of the user, any other is written literally. Those of "[=all]" stand between "[=" and
+// "]". Pure functions.
 #pragma once
 
 #include <string>

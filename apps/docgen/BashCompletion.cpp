@@ -69,7 +69,7 @@ std::string s_prefix(ProgramTable const& program, CommandRow const& command) {
 std::string s_valueCases(ProgramTable const& program, CommandRow const& command) {
     std::string text;
     for (auto const& option : command.m_options) {
-        if (option.isFlag()) {
+        if (option.isFlag() || option.isValueAttached()) {
             continue;
         }
         auto const start = s_prefix(program, command) + ":";
@@ -83,6 +83,9 @@ std::vector<std::string> s_optionWords(CommandRow const& command) {
     std::vector<std::string> words;
     for (auto const& option : command.m_options) {
         words.push_back(option.dashed());
+        for (auto const& value : literalsOf(option.isValueAttached() ? option.m_valueName : "")) {
+            words.push_back(option.dashed() + "=" + value);
+        }
     }
     return words;
 }

@@ -9,14 +9,14 @@ namespace Quorvane::Docs {
 
 namespace {
 
-// " Cm text | Cm json | Ar HOST[@PORT]"; nothing for a flag.
+// " Cm text | Cm json | Ar HOST[@PORT]"; nothing for a flag; of "[=all]" with the brackets.
 std::string s_value(std::string_view valueName) {
     std::string text;
     for (auto const& alternative : alternativesOf(valueName)) {
         text += text.empty() ? "" : " |";
         text += (isLiteral(alternative) ? " Cm " : " Ar ") + mdocText(alternative);
     }
-    return text;
+    return valueName.starts_with("[=") ? " Ns Oo Ns = Ns" + text + " Oc" : text;
 }
 
 std::string s_letter(OptionRow const& option) {

@@ -41,7 +41,8 @@ std::string s_action(std::string_view valueName) {
 }
 
 std::string s_option(OptionRow const& option) {
-    auto const name = option.dashed() + (option.isFlag() ? "" : "=");
+    bool const isAttached = option.isValueAttached();
+    auto const name = option.dashed() + (option.isFlag() ? "" : isAttached ? "=-" : "=");
     auto text = "'" + std::string(option.is(Takes::repeatable) ? "*" : "") + name;
     if (option.m_letter != '\0') {
         auto const letter = std::string{'-', option.m_letter};
@@ -50,7 +51,8 @@ std::string s_option(OptionRow const& option) {
     }
     text += "[" + s_escaped(option.m_help) + "]";
     if (!option.isFlag()) {
-        text += ":" + s_escaped(option.m_valueName) + ":" + s_action(option.m_valueName);
+        text += (isAttached ? "::" : ":") + s_escaped(option.m_valueName) + ":" +
+                s_action(option.m_valueName);
     }
     return text + "'";
 }

@@ -23,6 +23,7 @@ namespace {
 struct ExplainArguments {
     std::string m_asked;
     bool m_isJson = false;
+    ExplainLength m_length = ExplainLength::brief;
     bool m_hasColour = false;
     std::optional<std::size_t> m_width; // of the terminal
     bool m_wantsPager = false;
@@ -35,6 +36,7 @@ ExplainArguments s_arguments(CommandLine const& line) {
     ExplainArguments arguments;
     arguments.m_asked = line.text("INPUT");
     arguments.m_isJson = line.text("format") == "json";
+    arguments.m_length = line.has("all") ? ExplainLength::full : ExplainLength::brief;
     arguments.m_hasColour = wantsColour(line);
     arguments.m_width = terminalWidth();
     // A person who types the message needs the terminal.
@@ -67,20 +69,21 @@ class Explainer {
         if (m_interrupt.signalNumber() != 0) {
             throw Interrupted();
         }
-        print(item.m_source, record);
+        print(item, record);
     }
 
     int exitStatus() const { return m_status; }
 
   private:
-    void print(std::string const& source, ScanRecord const& record) const {
+    void print(Workshop::AskedItem const& item, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
         auto const& names = m_host->ruleNames();
-        printOutput(
-            m_arguments.m_isJson
-                ? jsonExplanation(source, record, settings, names)
-                : textRecord(source, record, names, m_arguments.m_hasColour) +
-                      forTerminal(textExplain(record, settings, names), m_arguments.m_width));
+        auto const headers = item.m_headers.value_or(HeaderContainer());
+        printOutput(m_arguments.m_isJson
+                        ? jsonExplanation(item.m_source, headers, record, settings, names)
+                        : forTerminal(textExplain({item.m_source, headers, record, settings, names},
+                                                  m_arguments.m_length, m_arguments.m_hasColour),
+                                      m_arguments.m_width));
     }
 
     ExplainArguments const& m_arguments;

@@ -157,7 +157,12 @@ CommandRow const explainCommand{
     {rulesArgument,
      {"INPUT", "PATH", "message, FILE:N, table of vectors, vector, or - for standard input",
       Takes::required}},
-    {formatRow, colorRow, noPagerRow},
+    {formatRow,
+     {"all", "",
+      "also show the attributes, all rules that fired and the path in the tree (JSON has them "
+      "anyway)"},
+     colorRow,
+     noPagerRow},
     "INPUT is a message, an mbox, message N of an mbox, or an archive; a table of\n"
     "vectors from \"qvscan --format csv\"; or, if there is no such file, a vector:\n"
     "NAME=VALUE,... Attributes that are not named have the values of a scan that finds\n"

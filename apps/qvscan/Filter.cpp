@@ -3,7 +3,7 @@
 
 #include "apps/commandline/ProgramError.h"
 #include "apps/commandline/ValueNames.h"
-#include "apps/qvscan/ReceivedDate.h"
+#include "apps/headers/ReceivedDate.h"
 #include "apps/settings/SettingValue.h"
 #include "rules/language/Nearest.h"
 

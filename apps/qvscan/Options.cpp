@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/qvscan/Options.h"
 
+#include "apps/commandline/ProgramError.h"
 #include "apps/commandline/Terminal.h"
 #include "apps/settings/SettingSources.h"
 
@@ -18,24 +19,46 @@ constexpr std::string_view footer =
 Exit status: 0 no spam, 1 spam found, 64 usage error, 65 not a message,
 66 cannot open input, 70 internal error, 73 cannot write output,
 78 bad settings or rules.
-In --explain, not-analysed means that there was no such hop, n/a that the
+In --explain=all, not-analysed means that there was no such hop, n/a that the
 question does not apply, unknown that a part of the comparison is missing.)";
 
 constexpr OptionRow extractRow{"extract", "DIR",
                                "write the messages of these results as files into this folder"};
 
+constexpr OptionRow csvRow{"csv", "vectors|verdicts",
+                           "what CSV has of each message: its attributes (default), or its verdict "
+                           "for a spreadsheet"};
+
 // Text on a terminal, JSON elsewhere.
 OutputFormat s_format(CommandLine const& line) {
     auto const format = line.text("format", ::isatty(STDOUT_FILENO) == 1 ? "text" : "json");
-    return format == "text"   ? OutputFormat::text
-           : format == "json" ? OutputFormat::json
-                              : OutputFormat::csv;
+    if (format != "csv" && line.has(csvRow.m_name)) {
+        throw UsageError("--csv is for --format csv");
+    }
+    if (format == "csv") {
+        return line.text(csvRow.m_name) == "verdicts" ? OutputFormat::verdictCsv
+                                                      : OutputFormat::csv;
+    }
+    return format == "text" ? OutputFormat::text : OutputFormat::json;
+}
+
+// An explanation is no table.
+std::vector<Column> s_columns(CommandLine const& line, OutputFormat format) {
+    auto const row = columnsRow();
+    if (line.has(row.m_name) && (format != OutputFormat::text || line.has("explain"))) {
+        throw UsageError(row.dashed() + " is for --format text without --explain");
+    }
+    return chosenColumns(line);
 }
 
 std::vector<OptionRow> s_options() {
     OptionRow const output[] = {
         {"format", "text|json|csv", "output format (default: text on a terminal, otherwise json)"},
-        {"explain", "", "show how each verdict was reached"},
+        csvRow,
+        columnsRow(),
+        {"explain", "[=all]",
+         "show why each verdict was reached; all: also the attributes, all rules that fired and "
+         "the path in the tree"},
         colorRow,
         noPagerRow,
         {"progress", "",
@@ -93,7 +116,9 @@ ScanOptions scanOptions(CommandLine const& line) {
     options.m_facts = facts.values();
     options.m_filter = Filter(line);
     options.m_format = s_format(line);
+    options.m_columns = s_columns(line, options.m_format);
     options.m_explain = line.has("explain");
+    options.m_explainsAll = line.text("explain") == "all";
     options.m_colour = wantsColour(line);
     options.m_width = terminalWidth();
     options.m_extractTo = line.text(extractRow.m_name);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
+#include "apps/qvscan/ColumnChoice.h"
 #include "apps/qvscan/Filter.h"
 #include "apps/settings/SettingsTable.h"
 
@@ -13,13 +14,15 @@
 
 namespace Quorvane {
 
-enum class OutputFormat { text, json, csv };
+enum class OutputFormat { text, json, csv, verdictCsv };
 
 struct ScanOptions {
     SettingsStore m_settings;
     MessageFacts m_facts;
     OutputFormat m_format = OutputFormat::text;
+    std::vector<Column> m_columns; // of text
     bool m_explain = false;
+    bool m_explainsAll = false; // in text, too
     bool m_colour = false;
     // Of the terminal; empty: lines are as long as they are.
     std::optional<std::size_t> m_width;

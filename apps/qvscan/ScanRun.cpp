@@ -2,8 +2,8 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/commandline/ProgramError.h"
-#include "apps/commandline/Terminal.h"
 #include "apps/host/LookupEnd.h"
+#include "apps/qvscan/VerdictCsv.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/text/Utf8.h"
@@ -39,6 +39,7 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt,
                  bool pagerRuns)
     : m_options(options), m_interrupt(interrupt), m_pagerRuns(pagerRuns),
+      m_columns(options.m_columns, options.m_width, options.m_colour),
       m_host(setUpHost(s_settings(options, settings), "--root, or root in the settings file,")),
       m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {
     if (!options.m_extractTo.empty()) {
@@ -46,25 +47,46 @@ ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Inter
     }
 }
 
-std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
+// The line before all results. An explanation needs none.
+std::string ScanRun::heading() const {
+    switch (m_options.m_format) {
+    case OutputFormat::json:
+        return {};
+    case OutputFormat::csv:
+        return Rules::csvHeader() + "\n";
+    case OutputFormat::verdictCsv:
+        return verdictCsvHeader();
+    case OutputFormat::text:
+        break;
+    }
+    return m_options.m_explain ? "" : m_columns.heading();
+}
+
+std::string ScanRun::render(std::string const& source, HeaderContainer const& headers,
+                            ScanRecord const& record) const {
     auto const& settings = m_host->settings().m_judging;
     auto const& names = m_host->ruleNames();
     switch (m_options.m_format) {
     case OutputFormat::json:
-        return m_options.m_explain ? jsonExplanation(item.m_source, record, settings, names)
-                                   : jsonRecord(item.m_source, record, names);
+        return m_options.m_explain ? jsonExplanation(source, headers, record, settings, names)
+                                   : jsonRecord(source, headers, record, names);
     case OutputFormat::csv:
-        return Rules::csvField(item.m_source) +
+        return Rules::csvField(source) +
                Rules::csvValues(record.isJudged() ? std::optional(record.attributes)
                                                   : std::nullopt) +
                "\n";
+    case OutputFormat::verdictCsv:
+        return verdictCsvLine({source, summaryOf(headers), record, names});
     case OutputFormat::text:
         break;
     }
-    auto const text = textRecord(item.m_source, record, names, m_options.m_colour);
-    return m_options.m_explain
-               ? text + forTerminal(textExplain(record, settings, names), m_options.m_width)
-               : text;
+    if (!m_options.m_explain) {
+        return m_columns.line({source, summaryOf(headers), record, names});
+    }
+    auto const length = m_options.m_explainsAll ? ExplainLength::full : ExplainLength::brief;
+    return forTerminal(
+        textExplain({source, headers, record, settings, names}, length, m_options.m_colour),
+        m_options.m_width);
 }
 
 ScanResult ScanRun::judge(InputItem const& item) const {
@@ -82,7 +104,7 @@ ScanResult ScanRun::judge(InputItem const& item) const {
         result.m_figures = figuresOf(record, m_host->settings().m_judging);
     }
     if (m_options.m_filter.letsThrough(record)) {
-        result.m_output = render(item, record);
+        result.m_output = render(item.m_source, headers, record);
         result.m_copy = item.m_copy;
     }
     return result;
@@ -222,9 +244,7 @@ void ScanRun::submitAll(OrderedPool& pool) {
 }
 
 int ScanRun::run() {
-    if (m_options.m_format == OutputFormat::csv) {
-        m_output.write(Rules::csvHeader() + "\n");
-    }
+    m_output.write(heading());
     reportNames();
     reportWaiting();
     startProgress();

@@ -15,6 +15,7 @@
 #include "apps/qvscan/Extraction.h"
 #include "apps/qvscan/Options.h"
 #include "apps/qvscan/Summary.h"
+#include "apps/qvscan/TextColumns.h"
 
 #include <cstdint>
 #include <memory>
@@ -47,7 +48,9 @@ class ScanRun {
 
   private:
     ScanResult judge(InputItem const& item) const;
-    std::string render(InputItem const& item, ScanRecord const& record) const;
+    std::string heading() const;
+    std::string render(std::string const& source, HeaderContainer const& headers,
+                       ScanRecord const& record) const;
     void submitAll(OrderedPool& pool);
     bool take(ScanResult const& result, std::string const& source);
     bool extract(ScanResult const& result, std::string const& source);
@@ -67,6 +70,7 @@ class ScanRun {
     ScanOptions const& m_options;
     Interrupt& m_interrupt;
     bool m_pagerRuns;
+    TextColumns const m_columns;
     std::optional<Extraction> m_extraction;
     std::shared_ptr<ScanHost const> m_host;
     Output m_output;

@@ -4,6 +4,7 @@
 #include "apps/qvscan/Filter.h"
 #include "apps/story/NamedJson.h"
 #include "apps/story/OwnRelay.h"
+#include "apps/story/ResultText.h"
 #include "apps/story/RuleNaming.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
@@ -96,7 +97,7 @@ MessageFigures figuresOf(ScanRecord const& record, DeepHeaderSettings const& set
     }
     figures.m_decision = record.verdict.decision;
     figures.m_node = record.verdict.node;
-    figures.m_relay = record.receivers.front().ip;
+    figures.m_relay = relayAddress(record);
     figures.m_relayName = record.receivers.front().reverseName;
     figures.m_senderDomain = record.headerFrom.domain();
     figures.m_isByOwnRelay = possibleOwnRelay(record) != nullptr;

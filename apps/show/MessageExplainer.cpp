@@ -70,14 +70,15 @@ std::string MessageExplainer::answer(PageQuestion const& question) const {
     }
     auto const record =
         host.judge(Workshop::parseVector(question.m_text), RecordDepth::alternatives);
-    return jsonExplanation("vector", record, settings.m_judging, host.ruleNames());
+    return jsonExplanation("vector", HeaderContainer(), record, settings.m_judging,
+                           host.ruleNames());
 }
 
 std::string MessageExplainer::explain(ScanHost const& host, std::string const& source,
                                       std::string_view message) const {
     auto const headers = Workshop::messageHeaders({source, std::string(message), {}, 0});
     auto const record = host.scan(headers, m_facts, RecordDepth::alternatives);
-    return jsonExplanation(source, record, host.settings().m_judging, host.ruleNames());
+    return jsonExplanation(source, headers, record, host.settings().m_judging, host.ruleNames());
 }
 
 void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,

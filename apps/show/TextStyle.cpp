@@ -34,12 +34,6 @@ TextStyle terminalStyle(bool isStandardOutput, bool hasColour) {
     return style;
 }
 
-std::string padded(std::string text, std::size_t width) {
-    auto const taken = columns(text);
-    text.append(width > taken ? width - taken : 0, ' ');
-    return text;
-}
-
 std::string rightAligned(std::string const& text, std::size_t width) {
     auto const taken = columns(text);
     return std::string(width > taken ? width - taken : 0, ' ') + text;

@@ -22,8 +22,7 @@ struct TextStyle {
 // terminal is 100 columns wide. `isStandardOutput`: false when a file is written instead.
 TextStyle terminalStyle(bool isStandardOutput, bool hasColour);
 
-// `text`, with blanks after or before it up to `width` columns.
-std::string padded(std::string text, std::size_t width);
+// `text`, with blanks before it up to `width` columns.
 std::string rightAligned(std::string const& text, std::size_t width);
 
 // Lines of at most `width` columns, broken at blanks; a longer word is broken where it must.

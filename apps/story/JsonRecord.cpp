@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/JsonRecord.h"
 
+#include "apps/headers/MessageSummary.h"
+#include "apps/headers/ReceivedDate.h"
 #include "apps/story/NamedJson.h"
+#include "apps/story/OwnRelay.h"
+#include "apps/story/ResultText.h"
 #include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "apps/story/StepText.h"
+#include "apps/story/TrailTimes.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/Utf8.h"
 #include "rules/format/RuleTests.h"
@@ -49,15 +54,34 @@ Json s_hops(ScanRecord const& record) {
     return hops;
 }
 
+Json s_textOrNull(std::string const& text) {
+    return text.empty() ? Json() : Json(toUtf8(text));
+}
+
+Json s_orNull(auto const& value) {
+    return value ? Json(*value) : Json();
+}
+
+Json s_time(HopTime const& time) {
+    return {{"time", time.m_time ? s_textOrNull(timestamp(*time.m_time)) : Json()},
+            {"delay", s_orNull(time.m_delay)},
+            {"delayText", time.m_delay ? Json(delayText(*time.m_delay)) : Json()},
+            {"protocol", s_textOrNull(time.m_with.m_protocol)},
+            {"tls", s_textOrNull(time.m_with.m_tls)}};
+}
+
 // All hops and their roles.
-Json s_trail(ScanRecord const& record) {
+Json s_trail(ScanRecord const& record, HeaderContainer const& headers) {
     auto trail = Json::array();
-    for (auto const& hop : record.trail) {
+    auto const times = trailTimes(record.trail, headers);
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        auto const& hop = record.trail[i];
         Json entry = {{"role", roleName(hop.role)},
                       {"text", roleText(hop)},
                       {"current", hop.isCurrent},
                       {"vouched", hop.isVouched}};
         entry.update(s_fields(hop));
+        entry.update(s_time(times[i]));
         trail.push_back(std::move(entry));
     }
     return trail;
@@ -192,6 +216,14 @@ Json s_value(std::size_t attribute, std::int32_t value) {
 }
 
 // Null for other verdicts than spam.
+Json s_ownRelay(ScanRecord const& record) {
+    auto const* const hop = possibleOwnRelay(record);
+    if (hop == nullptr) {
+        return {};
+    }
+    return {{"address", hop->address.asString(true)}, {"text", toUtf8(ownRelayNote(record))}};
+}
+
 Json s_singleChanges(ScanRecord const& record, Rules::RuleNames const& names) {
     if (!record.singleChanges) {
         return {};
@@ -236,8 +268,8 @@ Json s_facts(ScanRecord const& record) {
     return facts;
 }
 
-Json s_explain(ScanRecord const& record, DeepHeaderSettings const& settings,
-               Rules::RuleNames const& names) {
+Json s_explain(ScanRecord const& record, HeaderContainer const& headers,
+               DeepHeaderSettings const& settings, Rules::RuleNames const& names) {
     auto const story = describeRules(record, names);
     return {{"messageIdDomain", toUtf8(record.messageIdDomain)},
             {"headerFrom", s_domain(record.headerFrom)},
@@ -258,27 +290,40 @@ Json s_explain(ScanRecord const& record, DeepHeaderSettings const& settings,
             {"story", toUtf8(story.m_sentences)},
             {"because", toUtf8(reasonText(record, settings))},
             {"needed", s_needed(requirements(record, settings, names))},
-            {"trail", s_trail(record)},
+            {"trail", s_trail(record, headers)},
             {"lookups", s_lookups(record)},
             {"rules", s_rules(record, story)},
             {"values", s_values(record)},
             {"facts", s_facts(record)},
-            {"singleChanges", s_singleChanges(record, names)}};
+            {"singleChanges", s_singleChanges(record, names)},
+            {"ownRelay", s_ownRelay(record)}};
 }
 
-Json s_verdict(std::string const& source, ScanRecord const& record) {
+// What tells people which message it is.
+Json s_message(HeaderContainer const& headers) {
+    auto const summary = summaryOf(headers);
+    return {{"date", s_orNull(summary.m_date)},
+            {"messageId", s_orNull(summary.m_messageId)},
+            {"from", s_orNull(summary.m_from)},
+            {"subject", s_orNull(summary.m_subject)}};
+}
+
+Json s_verdict(std::string const& source, HeaderContainer const& headers,
+               ScanRecord const& record) {
     auto const& verdict = record.verdict;
     Json json = {{"source", toUtf8(source)},
                  {"verdict", verdictName(verdict)},
                  {"node", verdict.node},
-                 {"confidence", verdict.confidence},
+                 {"confidence", verdict.node == 0 ? Json() : Json(verdict.confidence)},
                  {"support", verdict.support},
                  {"adjust", verdict.adjust},
                  {"adjustReason", toUtf8(verdict.adjustReason)},
                  {"spam", verdict.isSpam},
                  {"ham", verdict.isHam},
                  {"ips", toUtf8(verdict.ips)},
-                 {"reasons", toUtf8(record.answer.getReasons())}};
+                 {"reasons", toUtf8(record.answer.getReasons())},
+                 {"addresses", toUtf8(judgedAddresses(verdict))},
+                 {"message", s_message(headers)}};
     if (record.failure) {
         json["error"] = toUtf8(*record.failure);
     }
@@ -291,15 +336,16 @@ std::string s_line(Json const& json) {
 
 } // namespace
 
-std::string jsonRecord(std::string const& source, ScanRecord const& record,
-                       Rules::RuleNames const& names) {
-    return s_line(named(s_verdict(source, record), deciderName(names, record.verdict)));
+std::string jsonRecord(std::string const& source, HeaderContainer const& headers,
+                       ScanRecord const& record, Rules::RuleNames const& names) {
+    return s_line(named(s_verdict(source, headers, record), deciderName(names, record.verdict)));
 }
 
-std::string jsonExplanation(std::string const& source, ScanRecord const& record,
-                            DeepHeaderSettings const& settings, Rules::RuleNames const& names) {
-    auto json = s_verdict(source, record);
-    json["explain"] = s_explain(record, settings, names);
+std::string jsonExplanation(std::string const& source, HeaderContainer const& headers,
+                            ScanRecord const& record, DeepHeaderSettings const& settings,
+                            Rules::RuleNames const& names) {
+    auto json = s_verdict(source, headers, record);
+    json["explain"] = s_explain(record, headers, settings, names);
     return s_line(named(std::move(json), deciderName(names, record.verdict)));
 }
 

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "platform/DeepHeaderSettings.h"
+#include "platform/HeaderContainer.h"
 #include "rules/model/RuleNames.h"
 #include "ScanRecord.h"
 
@@ -14,12 +15,13 @@
 
 namespace Quorvane {
 
-// The verdict, with its line break.
-std::string jsonRecord(std::string const& source, ScanRecord const& record,
-                       Rules::RuleNames const& names);
+// The verdict, with its line break. `headers`: of the message; empty for a vector.
+std::string jsonRecord(std::string const& source, HeaderContainer const& headers,
+                       ScanRecord const& record, Rules::RuleNames const& names);
 
 // The same with the key "explain". REQUIRES: a record of depth `alternatives`.
-std::string jsonExplanation(std::string const& source, ScanRecord const& record,
-                            DeepHeaderSettings const& settings, Rules::RuleNames const& names);
+std::string jsonExplanation(std::string const& source, HeaderContainer const& headers,
+                            ScanRecord const& record, DeepHeaderSettings const& settings,
+                            Rules::RuleNames const& names);
 
 } // namespace Quorvane

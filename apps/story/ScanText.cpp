@@ -1,96 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/ScanText.h"
 
+#include "apps/story/OwnRelay.h"
+#include "apps/story/ResultText.h"
 #include "apps/story/RuleNaming.h"
 #include "apps/story/RuleStory.h"
 #include "apps/story/StepText.h"
+#include "apps/story/TextTable.h"
+#include "apps/story/TrailTable.h"
 #include "apps/story/VerdictStory.h"
-#include "apps/text/NumberText.h"
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace Quorvane {
 
 namespace {
 
-// Columns fit what is usual; longer text pushes the rest of its line.
-constexpr std::size_t verdictWidth = 4;
-constexpr std::size_t confidenceWidth = 8;
-constexpr std::size_t nodeWidth = 5;
-constexpr std::size_t addressWidth = 31; // two IPv4 addresses
-
-std::string s_padded(std::string text, std::size_t width) {
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
-}
-
-std::string_view s_colour(std::string_view verdict) {
-    if (verdict == "spam") {
-        return "\x1B[31m";
-    }
-    return verdict == "ham" ? "\x1B[32m" : "\x1B[2m";
-}
-
-std::string s_verdict(RecordedVerdict const& answer, bool colour) {
-    std::string const verdict = verdictName(answer);
-    auto const padded = s_padded(verdict, verdictWidth);
-    return colour ? std::string(s_colour(verdict)) + padded + "\x1B[0m" : padded;
-}
-
-using Row = std::vector<std::string>;
-
-// Columns as wide as their widest cell, in characters; the last one is not padded.
-std::string s_table(std::vector<Row> const& rows) {
-    std::vector<std::size_t> widths(rows.empty() ? 0 : rows.front().size());
-    for (auto const& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], columns(row[i]));
-        }
-    }
-    std::string text;
-    for (auto const& row : rows) {
-        text += "   ";
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            bool const isLast = i + 1 == row.size();
-            text +=
-                " " + row[i] + (isLast ? "" : std::string(widths[i] - columns(row[i]) + 1, ' '));
-        }
-        text += "\n";
-    }
-    return text;
-}
-
-std::string s_cell(std::string const& bytes) {
-    return bytes.empty() ? "-" : toPrintable(bytes);
-}
-
-std::string s_trail(ScanRecord const& record) {
-    if (record.trail.empty()) {
-        return {};
-    }
-    std::vector<Row> rows{
-        {"#", "recorded by", "address", "announced", "reverse name", "receiver", "taken for"}};
-    std::size_t number = 0;
-    for (auto const& hop : record.trail) {
-        rows.push_back({hop.isCurrent ? "now" : std::to_string(++number),
-                        hop.isVouched ? "our side" : "the sender?",
-                        s_cell(hop.address.asString(true)), s_cell(hop.from),
-                        s_cell(hop.reverseName), s_cell(hop.by), roleText(hop)});
-    }
-    return "  Trail, newest hop first (a sender could have invented what our side did not "
-           "record):\n" +
-           s_table(rows);
-}
-
-std::string s_attributes(ScanRecord const& record) {
-    std::vector<Row> rows;
-    for (auto const& line : attributeLines(record)) {
-        rows.push_back({line.m_name, line.m_value, toPrintable(line.m_words)});
-    }
-    return rows.empty() ? "" : "  Attributes that are not at their default:\n" + s_table(rows);
-}
+// What a brief explanation shows of lists, so that it has about 15 lines.
+constexpr std::size_t fewHops = 4;
+constexpr std::size_t fewRequirements = 3;
 
 std::string s_line(std::string const& text) {
     return "    " + text + "\n";
@@ -103,6 +32,19 @@ std::string s_words(std::string const& words) {
 
 std::string s_titled(std::string const& title, std::string const& lines) {
     return lines.empty() ? "" : "  " + title + "\n" + lines;
+}
+
+// The end of a list that goes on; empty when nothing is left.
+std::string s_more(std::size_t left) {
+    return left == 0 ? "" : s_line("... and " + std::to_string(left) + " more");
+}
+
+std::string s_attributes(ScanRecord const& record) {
+    std::vector<TextRow> rows;
+    for (auto const& line : attributeLines(record)) {
+        rows.push_back({line.m_name, line.m_value, toPrintable(line.m_words)});
+    }
+    return rows.empty() ? "" : "  Attributes that are not at their default:\n" + textTable(rows);
 }
 
 // Only those that left something open: an answer shows in the attributes.
@@ -159,6 +101,25 @@ std::string s_requirements(std::vector<Requirement> const& list) {
     return s_titled("Needed for another verdict:", lines);
 }
 
+// In words where there are any, one line each.
+std::string s_briefRequirement(Requirement const& requirement) {
+    std::string text;
+    for (auto const& words : requirement.m_words) {
+        text += (text.empty() ? "" : ", and ") + words;
+    }
+    return s_line(requirement.m_verdict + ": " +
+                  toPrintable(text.empty() ? requirement.m_text : text));
+}
+
+std::string s_briefRequirements(std::vector<Requirement> const& list) {
+    auto const shown = list.size() > fewRequirements ? fewRequirements - 1 : list.size();
+    std::string lines;
+    for (std::size_t i = 0; i < shown; ++i) {
+        lines += s_briefRequirement(list[i]);
+    }
+    return s_titled("Needed for another verdict:", lines + s_more(list.size() - shown));
+}
+
 std::string s_note(ScanRecord const& record) {
     auto const note = singleChangeNote(record);
     return note.empty() ? note : "  Another verdict: " + note + ".\n";
@@ -166,13 +127,14 @@ std::string s_note(ScanRecord const& record) {
 
 // "  Rule 9001 (A consumer line): Why it is there."
 std::string s_decider(RecordedVerdict const& verdict, Rules::RuleNames const& names) {
-    auto const* const name = deciderName(names, verdict);
-    if (name == nullptr) {
+    if (verdict.node == 0) {
         return {};
     }
+    auto const* const name = deciderName(names, verdict);
+    bool const hasSentence = name != nullptr && !name->m_sentence.empty();
     return (verdict.decision == Decision::elite ? "  Rule " : "  Node ") +
-           std::to_string(verdict.node) + inBrackets(name) +
-           (name->m_sentence.empty() ? "" : ": " + toPrintable(name->m_sentence)) + "\n";
+           ruleText(verdict, names) + (hasSentence ? ": " + toPrintable(name->m_sentence) : ".") +
+           "\n";
 }
 
 std::string s_inWords(RuleStory const& story) {
@@ -183,36 +145,42 @@ std::string s_inWords(RuleStory const& story) {
     return text.empty() ? text : text + ".\n";
 }
 
-} // namespace
-
-std::string textRecord(std::string const& source, ScanRecord const& record,
-                       Rules::RuleNames const& names, bool colour) {
-    auto const& answer = record.verdict;
-    bool const isDecided = answer.node != 0;
-    auto const confidence = isDecided ? numberText(answer.confidence) : "-";
-    auto const node = isDecided ? std::to_string(answer.node) : "-";
-    auto line = s_verdict(answer, colour) + "  " + s_padded(confidence, confidenceWidth) + "  " +
-                s_padded(node, nodeWidth) + "  " + s_padded(s_cell(answer.ips), addressWidth) +
-                "  " + toPrintable(source);
-    if (auto const name = inBrackets(deciderName(names, answer)); !name.empty()) {
-        line += ' ' + name;
-    }
-    if (record.failure) {
-        line += "  (" + toPrintable(*record.failure) + ")";
-    }
-    return line + "\n";
+std::string s_title(ExplainedScan const& scan, bool colour) {
+    auto const& verdict = scan.m_record.verdict;
+    auto const text = verdictText(verdict);
+    return (colour ? inColourOf(verdict, text) : text) + "  " + toPrintable(scan.m_source) + "\n";
 }
 
-std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& settings,
-                        Rules::RuleNames const& names) {
+std::string s_trail(ExplainedScan const& scan, ExplainLength length) {
+    auto const& trail = scan.m_record.trail;
+    bool const isCut = length == ExplainLength::brief && trail.size() > fewHops + 1;
+    auto const places = tellingHops(trail, isCut ? fewHops : trail.size());
+    return s_titled("Trail, newest hop first (a sender could have invented what our side did not "
+                    "record):",
+                    trailTable(scan.m_record, scan.m_headers, places) +
+                        s_more(trail.size() - places.size()));
+}
+
+std::string s_ownRelay(ScanRecord const& record) {
+    auto const note = ownRelayNote(record);
+    return note.empty() ? note : "  Note: " + toPrintable(note) + ".\n";
+}
+
+} // namespace
+
+std::string textExplain(ExplainedScan const& scan, ExplainLength length, bool colour) {
+    auto const& [source, headers, record, settings, names] = scan;
     auto const story = describeRules(record, names);
-    auto text = "  Because: " + toPrintable(reasonText(record, settings)) + ".\n" +
-                s_decider(record.verdict, names) + s_inWords(story) + s_trail(record);
-    if (record.isJudged()) {
-        text += s_lookups(record) + s_attributes(record) + s_elite(story, record) +
-                s_path(story, record.tree.end);
+    auto const needed = requirements(record, settings, names);
+    bool const isFull = length == ExplainLength::full;
+    auto text = s_title(scan, colour) + "  Because: " + toPrintable(reasonText(record, settings)) +
+                ".\n" + s_decider(record.verdict, names) + s_inWords(story) +
+                s_trail(scan, length) + s_ownRelay(record) + s_lookups(record) +
+                (isFull ? s_requirements(needed) : s_briefRequirements(needed)) + s_note(record);
+    if (isFull && record.isJudged()) {
+        text += s_attributes(record) + s_elite(story, record) + s_path(story, record.tree.end);
     }
-    return text + s_requirements(requirements(record, settings, names)) + s_note(record) + "\n";
+    return text + "\n";
 }
 
 } // namespace Quorvane

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One scan as text for people: its result on one line, and its explanation. Pure functions.
+// One scan explained as text for people. A pure function.
 #pragma once
 
 #include "platform/DeepHeaderSettings.h"
+#include "platform/HeaderContainer.h"
 #include "rules/model/RuleNames.h"
 #include "ScanRecord.h"
 
@@ -11,15 +12,23 @@
 
 namespace Quorvane {
 
-// Verdict, confidence, node, addresses, source and the name of what decided on one line, aligned,
-// with its line break. `colour`: with the escape sequences of terminals (ECMA-48).
-std::string textRecord(std::string const& source, ScanRecord const& record,
-                       Rules::RuleNames const& names, bool colour);
+// What is explained. REQUIRES: a record of depth `alternatives`; all outlive the call.
+struct ExplainedScan {
+    std::string const& m_source;
+    HeaderContainer const& m_headers; // of the message; empty for a vector
+    ScanRecord const& m_record;
+    DeepHeaderSettings const& m_settings;
+    Rules::RuleNames const& m_names;
+};
 
-// The trail as a table, the attributes, the rules that fired, the reason and what another verdict
-// would have needed: indented lines, and an empty one at the end. REQUIRES: a record of depth
-// `alternatives`.
-std::string textExplain(ScanRecord const& record, DeepHeaderSettings const& settings,
-                        Rules::RuleNames const& names);
+enum class ExplainLength {
+    brief, // about 15 lines: of long lists their most telling part
+    full,  // the whole lists, then the attributes, the rules that fired and the path in the tree
+};
+
+// Verdict and source on one line; then, indented, the reason, what decided and why, the trail as a
+// table, and what another verdict would have needed. An empty line ends it. `colour`: of the
+// verdict, with the escape sequences of terminals (ECMA-48).
+std::string textExplain(ExplainedScan const& scan, ExplainLength length, bool colour);
 
 } // namespace Quorvane

@@ -121,6 +121,14 @@ bool s_isSameChange(Alternative const& one, Alternative const& other) {
            one.changes[0].value == other.changes[0].value;
 }
 
+// No other threshold can be set.
+void s_addThreshold(std::vector<Requirement>& list, std::string const& verdict, double threshold) {
+    if (isShare(threshold)) {
+        list.push_back(
+            {verdict, "a " + verdict + " threshold of " + numberText(threshold) + " or less", {}});
+    }
+}
+
 // A node decided, but neither threshold was reached: at which thresholds would it have been?
 void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verdict,
                      DeepHeaderSettings const& settings) {
@@ -128,10 +136,8 @@ void s_addThresholds(std::vector<Requirement>& list, RecordedVerdict const& verd
         !isSupported(verdict.support, settings.minSupport)) {
         return;
     }
-    list.push_back(
-        {"spam", "a spam threshold of " + numberText(verdict.spamScore) + " or less", {}});
-    list.push_back(
-        {"ham", "a ham threshold of " + numberText(1.0 - verdict.confidence) + " or less", {}});
+    s_addThreshold(list, "spam", verdict.spamScore);
+    s_addThreshold(list, "ham", 1.0 - verdict.confidence);
 }
 
 // The fewest changes that lead to ham may be a single one, which is in the list already.

@@ -28,6 +28,22 @@ std::string spamText(double confidence) {
                                : "unknown share of spam " + noShareText(confidence);
 }
 
+std::string probabilityText(double probability) {
+    if (!isShare(probability)) {
+        return noShareText(probability);
+    }
+    auto const percent = probability * 100.0;
+    if (percent > 0.0 && percent < 0.1) {
+        return "<0.1 %";
+    }
+    if (percent < 100.0 && percent > 99.9) {
+        return percent < 99.95 ? "99.9 %" : ">99.9 %";
+    }
+    bool const hasFraction = percent < 1.0 || percent > 90.0;
+    auto const rounded = hasFraction ? std::round(percent * 10.0) / 10.0 : std::round(percent);
+    return numberText(rounded) + " %";
+}
+
 std::string exactNumberText(double value) {
     std::array<char, 32> text{};
     auto const end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;

@@ -20,6 +20,10 @@ std::string noShareText(double number);
 // "0.97 spam", "unknown share of spam (97)".
 std::string spamText(double confidence);
 
+// A probability in per cent, "2 %", "56 %", "99.9 %": with a digit after the point where it is near
+// 0 or 1, and never as 0 or 100 % unless it is. A number that is no share is shown in parentheses.
+std::string probabilityText(double probability);
+
 // The shortest text that reads back as the same number.
 std::string exactNumberText(double value);
 

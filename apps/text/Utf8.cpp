@@ -97,4 +97,20 @@ std::size_t columns(std::string_view text) {
     return static_cast<std::size_t>(g_utf8_strlen(text.data(), static_cast<gssize>(text.size())));
 }
 
+std::string padded(std::string text, std::size_t width) {
+    auto const taken = columns(text);
+    text.append(width > taken ? width - taken : 0, ' ');
+    return text;
+}
+
+std::string shortened(std::string const& text, std::size_t width) {
+    constexpr std::string_view mark = "...";
+    if (columns(text) <= width) {
+        return text;
+    }
+    auto const kept = width > mark.size() ? width - mark.size() : 0;
+    auto const* const end = g_utf8_offset_to_pointer(text.data(), static_cast<glong>(kept));
+    return std::string(text.data(), end) + std::string(mark.substr(0, width));
+}
+
 } // namespace Quorvane

@@ -24,5 +24,9 @@ std::string toPrintableLines(std::string_view text);
 
 // The number of characters in valid UTF-8: the columns that it takes on most terminals.
 std::size_t columns(std::string_view text);
+// `text`, with blanks after it up to `width` columns.
+std::string padded(std::string text, std::size_t width);
+// `text` if it has no more than `width` columns, else its start and "..." in their place.
+std::string shortened(std::string const& text, std::size_t width);
 
 } // namespace Quorvane

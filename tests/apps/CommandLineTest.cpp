@@ -26,6 +26,7 @@ ProgramTable const tool{"tool",
                            {"note", "TEXT", "any text", Takes::anyText},
                            {"relay", "PREFIX", "a relay", Takes::anyText | Takes::repeatable},
                            {"serve", "[PORT]", "serve it"},
+                           {"explain", "[=all|some]", "explain it"},
                            {"force", "", "in spite of errors"}}},
                          {"mark", "Marks things", {}, {}}}};
 
@@ -86,6 +87,15 @@ TEST(CommandLine, AValueInBracketsMayBeLeftOut) {
     EXPECT_EQ(s_full({"--serve"}).text("serve", "none"), "");
 }
 
+TEST(CommandLine, AValueAfterAnEqualsSignIsNeverTheNextWord) {
+    auto const line = s_full({"--explain", "all"});
+    EXPECT_EQ(line.text("explain", "none"), "");
+    EXPECT_EQ(line.texts("MORE"), Texts{"all"});
+    EXPECT_EQ(s_full({"--explain=all"}).text("explain"), "all");
+    EXPECT_EQ(s_full({"--explain=all", "--explain"}).text("explain", "none"), "");
+    EXPECT_FALSE(s_full({}).has("explain"));
+}
+
 TEST(CommandLine, AfterTwoDashesEveryWordIsAnArgument) {
     auto const line = s_full({"--", "--force", "--", "-o"});
     EXPECT_EQ(line.texts("MORE"), (Texts{"--force", "--", "-o"}));
@@ -115,6 +125,8 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"make", "--format", "xml"}, "--format: \"xml\" is not one of text|json"},
         {{"make", "--format", "jsn"},
          "--format: \"jsn\" is not one of text|json; did you mean \"json\"?"},
+        {{"make", "--explain=al"},
+         "--explain: \"al\" is not one of all|some; did you mean \"all\"?"},
         {{"mark", "x"}, "unexpected argument \"x\""},
     };
     for (auto const& row : cases) {
@@ -150,6 +162,7 @@ TEST(Help, ShowsArgumentsAndOptionsInLinesThatFit) {
               "  --note TEXT                any text\n"
               "  --relay PREFIX             a relay\n"
               "  --serve [PORT]             serve it\n"
+              "  --explain[=all|some]       explain it\n"
               "  --force                    in spite of errors\n");
 }
 

@@ -26,6 +26,24 @@ TEST(NumberText, ExactNumbersReadBackAsTheSame) {
     EXPECT_EQ(exactNumberText(-std::numeric_limits<double>::max()), "-1.7976931348623157e+308");
 }
 
+TEST(NumberText, ProbabilitiesAreShortAndOnlyCertainWhereTheyAre) {
+    struct {
+        double m_probability;
+        char const* m_text;
+    } const cases[] = {
+        {0.0, "0 %"},       {0.0004, "<0.1 %"},
+        {0.004, "0.4 %"},   {0.02058, "2 %"},
+        {0.5574, "56 %"},   {0.9, "90 %"},
+        {0.95, "95 %"},     {0.9853, "98.5 %"},
+        {0.9994, "99.9 %"}, {0.9999, ">99.9 %"},
+        {1.0, "100 %"},     {97.0, "(97)"},
+        {-0.5, "(-0.5)"},   {std::numeric_limits<double>::quiet_NaN(), "(no number)"},
+    };
+    for (auto const& row : cases) {
+        EXPECT_EQ(probabilityText(row.m_probability), row.m_text) << row.m_probability;
+    }
+}
+
 TEST(NumberText, CountsAreGrouped) {
     EXPECT_EQ(groupedText(0), "0");
     EXPECT_EQ(groupedText(999), "999");

@@ -74,6 +74,16 @@ TEST(Utf8, PrintableTextHoldsNoControls) {
 TEST(Utf8, ColumnsCountCharacters) {
     EXPECT_EQ(columns(""), 0U);
     EXPECT_EQ(columns("├─ 3"), 4U);
+    EXPECT_EQ(padded("├─", 4), "├─  ");
+    EXPECT_EQ(padded("abc", 2), "abc");
+}
+
+TEST(Utf8, ShortenedTextKeepsItsStartAndWholeCharacters) {
+    EXPECT_EQ(shortened("abcdef", 6), "abcdef");
+    EXPECT_EQ(shortened("abcdefg", 6), "abc...");
+    EXPECT_EQ(shortened("éééé", 4), "éééé");
+    EXPECT_EQ(shortened("ééééé", 4), "é...");
+    EXPECT_EQ(shortened("abc", 2), "..");
 }
 
 } // namespace

@@ -22,7 +22,48 @@ TEST_F(JsonRecord, HoldsItsKeysInOrder) {
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(s_keys(found[0]),
               (Arguments{"source", "verdict", "node", "confidence", "support", "adjust",
-                         "adjustReason", "spam", "ham", "ips", "reasons"}));
+                         "adjustReason", "spam", "ham", "ips", "reasons", "addresses", "message"}));
+}
+
+TEST_F(JsonRecord, TellsWhichMessageItIs) {
+    auto const message = "Date: Mon, 1 Jan 2024 10:00:00 +0000\n"
+                         "Subject: =?utf-8?q?caf=C3=A9?=\n one\n" +
+                         spam();
+    auto const found = records(scan({}, message)).at(0)["message"];
+    EXPECT_EQ(s_keys(found), (Arguments{"date", "messageId", "from", "subject"}));
+    EXPECT_EQ(found["date"], "Mon, 1 Jan 2024 10:00:00 +0000");
+    EXPECT_EQ(found["messageId"], "<1@Host.Example.NET>");
+    EXPECT_EQ(found["from"], "Ann <ann@example.net>");
+    EXPECT_EQ(found["subject"], "caf\xC3\xA9 one");
+    EXPECT_EQ(explained({}, message)["message"], found);
+    for (auto const& item : records(scan({}, "To: x\n\n")).at(0)["message"].items()) {
+        EXPECT_TRUE(item.value().is_null()) << item.key();
+    }
+}
+
+TEST_F(JsonRecord, TextOfTheMessageIsAsciiWhateverItHolds) {
+    auto const result = scan({}, "Subject: a\x1B[31m\xFF\"\xE2\x80\xAE\nFrom: =?utf-8?q?=00?=\n\n");
+    EXPECT_NE(result.m_output.find(R"("subject":"a\u001b[31m\u00ff\"\u202e")"), std::string::npos)
+        << result.m_output;
+    EXPECT_NE(result.m_output.find(R"("from":"\u0000")"), std::string::npos) << result.m_output;
+}
+
+TEST_F(JsonRecord, ListsTheAddressesOneByOne) {
+    EXPECT_EQ(records(scan({}, hop("a.example", "b.example", "198.51.100.9") + spam()))
+                  .at(0)["addresses"],
+              Json::array({"198.51.100.9", "192.0.2.7"}));
+    EXPECT_EQ(records(scan({}, spam())).at(0)["addresses"], Json::array({"192.0.2.7"}));
+    EXPECT_EQ(records(scan({}, "To: x\n\n")).at(0)["addresses"], Json::array());
+}
+
+TEST_F(JsonRecord, WithoutADecisionNothingIsSure) {
+    for (auto const& message : {std::string("To: x\n\n"), hop("a", "b", "10.0.0.1") + "\n"}) {
+        auto const record = records(scan({}, message)).at(0);
+        EXPECT_EQ(record["node"], 0);
+        EXPECT_TRUE(record["confidence"].is_null());
+    }
+    EXPECT_EQ(records(scan({"--min-support", "11"}, spam())).at(0)["confidence"], Json());
+    EXPECT_EQ(records(scan({}, none())).at(0)["confidence"], 0.5) << "a node decided";
 }
 
 TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
@@ -57,6 +98,10 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
     EXPECT_EQ(s_keys(explain["hops"][0]),
               (Arguments{"from", "reverseName", "by", "address", "privateIP", "authenticated",
                          "receiveTime", "isForged"}));
+    EXPECT_EQ(s_keys(explain["trail"][0]),
+              (Arguments{"role", "text", "current", "vouched", "from", "reverseName", "by",
+                         "address", "privateIP", "authenticated", "receiveTime", "isForged", "time",
+                         "delay", "delayText", "protocol", "tls"}));
     EXPECT_EQ(
         s_keys(explain["receivers"][0]),
         (Arguments{"helo", "ip", "reverseName", "hasIP", "heloIsDomain", "heloIsIP", "heloDynamic",
@@ -183,7 +228,7 @@ TEST_F(JsonRecord, ShowsTheRecordOfAScanThatEndedEarly) {
         explained({}, hop("a.example", "b.example", "10.0.0.1") + "From: a@b.example\n\n");
     EXPECT_EQ(record["verdict"], "none");
     EXPECT_EQ(record["node"], 0);
-    EXPECT_EQ(record["confidence"], -1.0);
+    EXPECT_EQ(record["confidence"], Json());
     EXPECT_EQ(record["reasons"], " No untrusted public ip! ");
     auto const& explain = record["explain"];
     EXPECT_EQ(explain["hops"].size(), 1U);

@@ -129,8 +129,7 @@ TEST_F(OptionEffect, ProgressSumsUpFailedLookups) {
 }
 
 TEST_F(OptionEffect, FormatsDiffer) {
-    EXPECT_EQ(scan({"--format", "text"}, ham()).m_output,
-              "ham   0.02      4      192.0.2.7                        -\n");
+    EXPECT_EQ(scan({"--format", "text"}, ham()).m_output.find("verdict "), 0U);
     auto const csv = scan({"--format", "csv"}, ham()).m_output;
     EXPECT_EQ(csv.find("source,first_helo_is_domain,"), 0U);
     EXPECT_NE(csv.find("\n-,1,3,0,"), std::string::npos) << csv;

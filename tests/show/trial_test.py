@@ -39,9 +39,13 @@ class InAFile(showpage.ShowPageTest):
         self.assertIn(record["source"], answer["text"])
         self.assertEqual(answer["why"], sentence(explain["because"]))
         self.assertEqual(answer["facts"], [sentence(fact) for fact in explain["story"]])
-        self.assertEqual([hop[2:] for hop in answer["hops"]],
+        self.assertEqual([hop[3:8] + hop[9:] for hop in answer["hops"]],
                          [[hop[name] or "-" for name in
-                           ("address", "from", "reverseName", "by", "text")]
+                           ("delayText", "address", "from", "reverseName", "by", "text")]
+                          for hop in explain["trail"]])
+        self.assertEqual([(hop[2], hop[8]) for hop in answer["hops"]],
+                         [((hop["time"] or "-").replace("T", " ").replace("Z", ""),
+                           ", ".join(filter(None, (hop["protocol"], hop["tls"]))) or "-")
                           for hop in explain["trail"]])
         self.assertEqual([hop[1] for hop in answer["hops"]],
                          ["our side" if hop["vouched"] else "the sender?"
@@ -108,7 +112,7 @@ class InAFile(showpage.ShowPageTest):
         answer = self.answer()
         self.assertGreater(len(answer["hops"]), len(answer["judged"]))
         self.assertEqual(answer["judged"],
-                         [hop[0] for hop in answer["hops"] if hop[6].endswith("judged")])
+                         [hop[0] for hop in answer["hops"] if hop[9].endswith("judged")])
 
     def test_numbers_hops_after_the_one_that_the_host_adds(self):
         self.open(SPAM, options=["--current-received",
@@ -240,7 +244,7 @@ class InAFile(showpage.ShowPageTest):
             self.assertIn("<b>&'\".qvr", self.browser.run("return document.title"))
             answer = self.answer()
             self.assertIn("a<b>&'\".eml", answer["text"])
-            self.assertIn(HOSTILE, [hop[3] for hop in answer["hops"]])
+            self.assertIn(HOSTILE, [hop[5] for hop in answer["hops"]])
             self.assertIn(name, answer["text"])
             self.assertEqual(self.browser.find_all("img, #answer script, #answer bdi b"), [])
             self.assert_fits()
@@ -345,7 +349,7 @@ class Served(showpage.ShowPageTest):
             self.wait_for(lambda: str(message) in self.answer()["text"])
             answer = self.answer()
             self.assertEqual(answer["why"], sentence(record["explain"]["because"]))
-            names += [[hop[3] for hop in answer["hops"]]]
+            names += [[hop[5] for hop in answer["hops"]]]
             self.assertEqual(names[-1], [hop["from"] or "-" for hop in record["explain"]["trail"]])
         self.assertEqual(names[0], ["\u2192\u00e9\u00e9.example"])
 

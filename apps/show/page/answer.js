@@ -156,16 +156,22 @@ const QvAnswer = (() => {
         : [make("p", {className: "reason"}, make("bdi", {textContent: ruleSentence}))]];
   }
 
+  // "2024-05-14 07:12:53" of the record's time.
+  const timeOf = ({time}) => time === null ? "-" : time.replace("T", " ").replace("Z", "");
+  const withOf = ({protocol, tls}) => [protocol, tls].filter((text) => text !== null).join(", ");
+
   function trail({trail: hops}) {
     const judged = ["firstPublic", "analysed"];
     let number = 0;
     const rows = hops.map((hop) => [
       judged.includes(hop.role) ? "judged" : "", hop.current ? "now" : String(number += 1),
-      hop.vouched ? "our side" : "the sender?", hop.address ?? "-", hop.from || "-",
-      hop.reverseName || "-", hop.by || "-", hop.text,
+      hop.vouched ? "our side" : "the sender?", timeOf(hop), hop.delayText ?? "-",
+      hop.address ?? "-", hop.from || "-", hop.reverseName || "-", hop.by || "-",
+      withOf(hop) || "-", hop.text,
     ]);
     return rows.length === 0 ? [] : section("Trail, newest hop first", ...table("Trail", ["#",
-      "recorded by", "address", "announced", "reverse name", "receiver", "taken for"], rows),
+      "recorded by", "time (UTC)", "delay", "address", "announced", "reverse name", "receiver",
+      "with", "taken for"], rows),
     make("p", {className: "muted",
       textContent: "A sender could have invented what our side did not record."}));
   }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/qvscan/ReceivedDate.h"
+#include "apps/headers/ReceivedDate.h"
 
 #include <algorithm>
 #include <gmime/gmime.h>
@@ -25,6 +25,16 @@ bool s_isNewest(Header const& header) {
     return header.typeLowerCase() == "received";
 }
 
+std::string s_formatted(std::int64_t seconds, char const* format) {
+    Time const date(g_date_time_new_from_unix_utc(seconds), g_date_time_unref);
+    if (!date) {
+        return {};
+    }
+    std::unique_ptr<char, void (*)(void*)> const text(g_date_time_format(date.get(), format),
+                                                      g_free);
+    return text.get();
+}
+
 } // namespace
 
 std::optional<std::int64_t> receivedDate(HeaderContainer const& headers) {
@@ -33,18 +43,25 @@ std::optional<std::int64_t> receivedDate(HeaderContainer const& headers) {
     if (newest == all.end()) {
         return std::nullopt;
     }
-    auto const value = newest->value();
+    return hopDate(newest->value());
+}
+
+std::optional<std::int64_t> hopDate(std::string const& value) {
     auto const semicolon = value.rfind(';');
     if (semicolon == std::string::npos) {
         return std::nullopt;
     }
     auto const text = value.substr(semicolon + 1, longestDate);
-    auto* const date = g_mime_utils_header_decode_date(text.c_str());
-    if (date == nullptr) {
-        return std::nullopt;
-    }
-    Time const owned(date, g_date_time_unref);
-    return g_date_time_to_unix(date);
+    Time const date(g_mime_utils_header_decode_date(text.c_str()), g_date_time_unref);
+    return date ? std::optional<std::int64_t>(g_date_time_to_unix(date.get())) : std::nullopt;
+}
+
+std::string dateText(std::int64_t seconds) {
+    return s_formatted(seconds, "%Y-%m-%d %H:%M:%S");
+}
+
+std::string timestamp(std::int64_t seconds) {
+    return s_formatted(seconds, "%Y-%m-%dT%H:%M:%SZ");
 }
 
 std::optional<NamedTime> namedTime(std::string const& text) {

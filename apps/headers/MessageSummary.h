@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// MessageSummary: what tells people which message it is. Plain data, and hostile: it came out of
+// the message.
+#pragma once
+
+#include "platform/HeaderContainer.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace Quorvane {
+
+// The texts are UTF-8 on one line, with encoded words decoded. Empty: there is no such field.
+struct MessageSummary {
+    std::optional<std::string> m_date; // as the sender wrote it
+    std::optional<std::string> m_messageId;
+    std::optional<std::string> m_from;
+    std::optional<std::string> m_subject;
+    std::optional<std::int64_t> m_received; // seconds since 1970 (ReceivedDate.h)
+};
+
+// Of several fields of one name the last counts, as it does for the verdict.
+MessageSummary summaryOf(HeaderContainer const& headers);
+
+} // namespace Quorvane

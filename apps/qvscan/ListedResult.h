@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// ListedResult: one result, as lists of results show it. Points to what it is made of.
+#pragma once
+
+#include "apps/headers/MessageSummary.h"
+#include "rules/model/RuleNames.h"
+#include "ScanRecord.h"
+
+#include <string>
+
+namespace Quorvane {
+
+struct ListedResult {
+    std::string const& m_source;
+    MessageSummary const& m_message;
+    ScanRecord const& m_record;
+    Rules::RuleNames const& m_names;
+};
+
+} // namespace Quorvane

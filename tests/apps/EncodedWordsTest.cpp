@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "apps/headers/EncodedWords.h"
+
+#include <gtest/gtest.h>
+
+namespace Quorvane::Testing {
+
+namespace {
+
+TEST(EncodedWords, AreDecodedAndAllElseStaysAsItIs) {
+    struct {
+        std::string m_bytes;
+        std::string m_text;
+    } const cases[] = {
+        {"plain = text_with ? marks", "plain = text_with ? marks"},
+        {"", ""},
+        {"=?utf-8?q?caf=C3=A9_au_lait?=", "caf\xC3\xA9 au lait"},
+        {"=?ISO-8859-1?Q?caf=E9?= today", "caf\xC3\xA9 today"},
+        {"=?UTF-8?B?R3LDvMOfZQ==?=", "Gr\xC3\xBC\xC3\x9F"
+                                     "e"},
+        {"=?utf-8*de?q?a=3Fb?=", "a?b"},
+        // Blanks between words are for the line's length alone.
+        {"=?utf-8?q?a?= \t =?utf-8?q?b?= c", "ab c"},
+        {"=?utf-8?q?a?= x =?utf-8?q?b?=", "a x b"},
+        {"=?utf-8?q??=", ""},
+        {"=?utf-8?q?=4?=", "=4"},
+        // Not a word, or in a character set that does not exist.
+        {"=?utf-8?x?abc?=", "=?utf-8?x?abc?="},
+        {"=?utf-8?q?a b?=", "=?utf-8?q?a b?="},
+        {"=?utf-8?q?open", "=?utf-8?q?open"},
+        {"=?no-such-set?q?abc?=", "=?no-such-set?q?abc?="},
+        {"=?../x//TRANSLIT?q?abc?=", "=?../x//TRANSLIT?q?abc?="},
+        {"=?utf-8?q?=FF?=", "=?utf-8?q?=FF?="},
+        {"=?", "=?"},
+        {"=?a?q", "=?a?q"},
+        // Other bytes are shown as Latin-1.
+        {"\xE9", "\xC3\xA9"},
+    };
+    for (auto const& row : cases) {
+        EXPECT_EQ(decodedWords(row.m_bytes), row.m_text) << row.m_bytes;
+    }
+}
+
+} // namespace
+
+} // namespace Quorvane::Testing
