@@ -176,6 +176,10 @@ const QvAnswer = (() => {
       textContent: "A sender could have invented what our side did not record."}));
   }
 
+  // A relay that should perhaps not have been judged.
+  const ownRelay = ({ownRelay: relay}) => relay === null ? []
+    : [make("p", {className: "note", textContent: sentence(relay.text)})];
+
   // Only those without an answer: answers show in the attributes.
   function lookups({lookups: all}) {
     return section("DNS could not say (counts as not existing)", ...listOf("ul",
@@ -234,7 +238,7 @@ const QvAnswer = (() => {
     part("explanation").replaceChildren(...decider(record),
       ...section("What led there", ...listOf("ol", explain.story.map((words) =>
         make("li", {className: "fact", textContent: sentence(words)})))),
-      ...trail(explain), ...lookups(explain), ...attributes(explain), ...firedRules(explain),
+      ...trail(explain), ...ownRelay(explain), ...lookups(explain), ...attributes(explain), ...firedRules(explain),
       ...path(explain), ...needed(explain));
     markTree(record);
     markElite(record);
