@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -27,12 +28,10 @@ bool s_isOnPath(std::string const& program) {
     std::string const list = path == nullptr ? "" : path;
     std::vector<std::string> folders;
     boost::algorithm::split(folders, list, [](char c) { return c == ':'; });
-    for (auto const& folder : folders) {
-        if (!folder.empty() && ::access((folder + "/" + program).c_str(), X_OK) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(folders.begin(), folders.end(), [&program](std::string const& folder) {
+        auto const file = std::filesystem::path(folder) / program;
+        return !folder.empty() && ::access(file.c_str(), X_OK) == 0;
+    });
 }
 
 // Empty: none is to be started.

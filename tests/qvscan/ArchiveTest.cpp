@@ -196,7 +196,6 @@ TEST_F(Archive, MemoryDoesNotDependOnTheNumberOfFiles) {
             files.push_back({std::to_string(i) + ".eml", ham()});
         }
         auto const file = archive({"zip"}, files);
-        EXPECT_EQ(records(scan({file})).size(), files.size());
         return peakKilobytes(file, "/" + files.back().m_name);
     };
     auto const few = peak(500);
