@@ -20,9 +20,6 @@ namespace Quorvane {
 
 namespace {
 
-// Narrower than this nothing can be laid out.
-constexpr std::size_t minWidth = 40;
-
 bool s_isOnPath(std::string const& program) {
     auto const* const path = std::getenv("PATH");
     std::string const list = path == nullptr ? "" : path;
@@ -64,15 +61,13 @@ bool wantsColour(CommandLine const& line) {
 
 std::optional<std::size_t> terminalWidth() {
     winsize size{};
-    if (::isatty(STDOUT_FILENO) != 1 || ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 ||
-        size.ws_col == 0) {
-        return std::nullopt;
-    }
-    return std::max<std::size_t>(size.ws_col, minWidth);
+    bool const isKnown = ::isatty(STDOUT_FILENO) == 1 &&
+                         ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? std::optional<std::size_t>(size.ws_col) : std::nullopt;
 }
 
 std::string forTerminal(std::string const& text, std::optional<std::size_t> width) {
-    return width ? wrappedLines(text, *width) : text;
+    return width ? wrappedLines(text, std::max(*width, narrowestText)) : text;
 }
 
 Pager::Pager(bool isWanted) {
