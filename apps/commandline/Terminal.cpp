@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <optional>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -20,9 +21,6 @@
 namespace Quorvane {
 
 namespace {
-
-// Narrower than this nothing can be laid out.
-constexpr std::size_t minWidth = 40;
 
 // Empty: it is no terminal.
 std::optional<dev_t> s_terminal(int descriptor) {
@@ -36,12 +34,10 @@ bool s_isOnPath(std::string const& program) {
     std::string const list = path == nullptr ? "" : path;
     std::vector<std::string> folders;
     boost::algorithm::split(folders, list, [](char c) { return c == ':'; });
-    for (auto const& folder : folders) {
-        if (!folder.empty() && ::access((folder + "/" + program).c_str(), X_OK) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(folders.begin(), folders.end(), [&program](std::string const& folder) {
+        auto const file = std::filesystem::path(folder) / program;
+        return !folder.empty() && ::access(file.c_str(), X_OK) == 0;
+    });
 }
 
 // Empty: none is to be started.
@@ -79,15 +75,13 @@ bool wantsColour(CommandLine const& line) {
 
 std::optional<std::size_t> terminalWidth() {
     winsize size{};
-    if (::isatty(STDOUT_FILENO) != 1 || ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 ||
-        size.ws_col == 0) {
-        return std::nullopt;
-    }
-    return std::max<std::size_t>(size.ws_col, minWidth);
+    bool const isKnown = ::isatty(STDOUT_FILENO) == 1 &&
+                         ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? std::optional<std::size_t>(size.ws_col) : std::nullopt;
 }
 
 std::string forTerminal(std::string const& text, std::optional<std::size_t> width) {
-    return width ? wrappedLines(text, *width) : text;
+    return width ? wrappedLines(text, std::max(*width, narrowestText)) : text;
 }
 
 Pager::Pager(bool isWanted) {

@@ -22,9 +22,11 @@ inline constexpr OptionRow noPagerRow{"no-pager", "",
 // (no-color.org).
 bool wantsColour(CommandLine const& line);
 
-// The columns of the terminal that standard output is; empty when it is none or does not say.
+// The columns of the terminal that standard output is; empty when it is none, or does not tell.
 std::optional<std::size_t> terminalWidth();
-// `text` with lines broken to that width; as it is when there is none.
+// Narrower than this nothing can be laid out.
+inline constexpr std::size_t narrowestText = 40;
+// `text` with lines broken to that width, or to the narrowest; as it is when there is none.
 std::string forTerminal(std::string const& text, std::optional<std::size_t> width);
 
 // Whether standard output and standard error are the same terminal: what one of them draws stands

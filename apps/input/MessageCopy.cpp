@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/MessageCopy.h"
 
+#include "apps/commandline/Output.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -16,14 +18,9 @@ constexpr std::size_t mostInMemory = std::size_t{1} << 20;
 
 // An errno; 0: all is written.
 int s_write(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        auto const count = ::write(file, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR) {
-            return errno;
-        }
-        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
-    return 0;
+    Output output(file);
+    output.write(bytes);
+    return output.error();
 }
 
 int s_copy(int from, int to) {

@@ -18,7 +18,7 @@ constexpr OptionRow rootRow{"root", "DIR", "the rules below DIR instead of /"};
 constexpr OptionRow outputRow{"output", "FILE", "output file (default: standard output)", 0, 'o'};
 constexpr OptionRow forceRow{"force", "", "replace a file that this command did not write"};
 constexpr OptionRow mailRows[] = {
-    {"ham", "[CORPUS=]PATH", "wanted mail: files, mboxes, folders, Maildirs", Takes::several},
+    {"ham", "[CORPUS=]PATH", "wanted mail: mboxes, Maildirs, folders, archives", Takes::several},
     {"spam", "[CORPUS=]PATH", "unwanted mail", Takes::several},
     {"vectors", "[CORPUS=]FILE", "CSV of vectors with a label column; - for standard input",
      Takes::several},
@@ -190,7 +190,7 @@ CommandRow const diffCommand{
     "Show which verdicts change between two rule sets",
     {{"OLD", "PATH", "rule text, or folder of rule files", Takes::required},
      {"NEW", "PATH", "the rules to compare with OLD", Takes::required}},
-    {{"on", "[CORPUS=]PATH", "unsorted mail: files, mboxes, folders, Maildirs", Takes::several},
+    {{"on", "[CORPUS=]PATH", "unsorted mail: mboxes, Maildirs, folders, archives", Takes::several},
      {"on-vectors", "[CORPUS=]FILE", "CSV of vectors without labels: unsorted", Takes::several},
      {"format", "text|json|html", "output format: text (default), JSON, or a page"},
      outputRow,

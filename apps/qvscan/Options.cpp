@@ -93,9 +93,8 @@ ProgramTable const& scanTable() {
         {"",
          "Judges e-mail by its Received headers.",
          {{"PATH", "PATH",
-           "message, mbox, Maildir, folder or archive (tar, zip) of messages, also packed with "
-           "gzip, "
-           "bzip2, xz or zstd; FILE:N for message N; - for standard input (default)",
+           "message, mbox, Maildir, folder or archive (tar, zip) of messages, also packed (gzip, "
+           "bzip2, xz, zstd); FILE:N for message N; - for standard input (default)",
            Takes::repeatable | Takes::anyText}},
          s_options(),
          footer}};

@@ -4,6 +4,7 @@
 #include "apps/commandline/Terminal.h"
 #include "apps/text/Utf8.h"
 
+#include <algorithm>
 #include <clocale>
 #include <langinfo.h>
 
@@ -29,7 +30,7 @@ TextStyle terminalStyle(bool isStandardOutput, bool hasColour) {
     style.m_hasColour = hasColour;
     style.m_isUtf8 = s_isUtf8Locale();
     if (isStandardOutput) {
-        style.m_width = terminalWidth().value_or(style.m_width);
+        style.m_width = std::max(terminalWidth().value_or(style.m_width), narrowestText);
     }
     return style;
 }

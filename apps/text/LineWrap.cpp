@@ -11,12 +11,25 @@ namespace {
 
 constexpr std::size_t furtherIn = 2;
 
+// Colours take no columns.
+std::size_t s_columns(std::string_view text) {
+    auto count = columns(text);
+    for (std::size_t end = 0;;) {
+        auto const start = text.find('\x1B', end);
+        if (start == std::string_view::npos) {
+            return count;
+        }
+        end = std::min(text.find('m', start), text.size() - 1) + 1;
+        count -= end - start;
+    }
+}
+
 // Where what follows a break begins.
 std::size_t s_indentation(std::string_view line, std::size_t width) {
     auto const start = std::min(line.find_first_not_of(' '), line.size());
     auto const gap = line.rfind("  ");
     if (gap != std::string_view::npos && gap > start) {
-        auto const column = columns(line.substr(0, line.find_first_not_of(' ', gap)));
+        auto const column = s_columns(line.substr(0, line.find_first_not_of(' ', gap)));
         if (column <= width * 2 / 3) {
             return column;
         }
@@ -31,7 +44,7 @@ std::string s_wrapped(std::string_view line, std::size_t width) {
     while (!line.empty()) {
         auto const wordStart = std::min(line.find_first_not_of(' '), line.size());
         auto const wordEnd = std::min(line.find(' ', wordStart), line.size());
-        auto const wordWidth = columns(line.substr(wordStart, wordEnd - wordStart));
+        auto const wordWidth = s_columns(line.substr(wordStart, wordEnd - wordStart));
         if (taken > indentation && taken + wordStart + wordWidth > width) {
             text += '\n' + std::string(indentation, ' ');
             taken = indentation;
@@ -53,7 +66,7 @@ std::string wrappedLines(std::string_view text, std::size_t width) {
     while (!text.empty()) {
         auto const end = std::min(text.find('\n'), text.size());
         auto const line = text.substr(0, end);
-        lines += columns(line) > width ? s_wrapped(line, width) : line;
+        lines += s_columns(line) > width ? s_wrapped(line, width) : line;
         lines += text.substr(end, 1);
         text.remove_prefix(std::min(end + 1, text.size()));
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/ExplainInput.h"
 
+#include "apps/commandline/ProgramError.h"
 #include "apps/input/Inputs.h"
 #include "apps/workshop/VectorText.h"
 #include "platform/HeaderReader.h"
@@ -10,6 +11,7 @@
 #include <array>
 #include <filesystem>
 #include <istream>
+#include <new>
 #include <streambuf>
 #include <utility>
 
@@ -95,8 +97,12 @@ void ExplainInput::readMessages(std::function<void(AskedItem const&)> const& sin
     auto inputs = isOpen ? Inputs(m_argument, std::move(m_opened), m_interrupt)
                          : Inputs({m_argument}, m_interrupt);
     for (InputItem item; inputs.next(item);) {
-        sink(
-            {item.m_source, item.m_problem, item.m_exitStatus, HeaderReader::read(item.m_headers)});
+        try {
+            sink({item.m_source, item.m_problem, item.m_exitStatus,
+                  HeaderReader::read(item.m_headers)});
+        } catch (std::bad_alloc const&) {
+            sink({item.m_source, noMemoryFor(item.m_headers.size()), ExitStatus::badData});
+        }
     }
 }
 

@@ -3,9 +3,9 @@
 // ExplainInput: what is to be explained, from one argument of a command line:
 //
 //   -             standard input
-//   a file        that exists, packed (gzip, bzip2, xz, zstd) or not; an archive (tar, zip); a part
-//   of
-//                 one of these, as reports name it (InputName.h)
+//   a file        that exists, or an archive (tar, zip), packed (gzip, bzip2, xz, zstd) or not; or
+//   a
+//                 part of it, as reports name it (InputName.h)
 //   NAME=VALUE,…  any other argument with a "=": an attribute vector (VectorText.h)
 //
 // Standard input or file is a table of vectors when it begins with "source,", as the tables of

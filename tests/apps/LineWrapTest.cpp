@@ -25,6 +25,7 @@ WrapCase const cases[] = {
     {"characters count, not bytes",
      "\u00E4\u00F6\u00FC\u00E4\u00F6\u00FC \u00E4\u00F6\u00FC\u00E4\u00F6",
      "\u00E4\u00F6\u00FC\u00E4\u00F6\u00FC \u00E4\u00F6\u00FC\u00E4\u00F6"},
+    {"colours take no room", "\x1B[31mone\x1B[0m two three\n", "\x1B[31mone\x1B[0m two\n  three\n"},
     {"each line by itself", "one\n\ntwo two two two\n\n", "one\n\ntwo two two\n  two\n\n"},
     {"nothing", "", ""},
 };

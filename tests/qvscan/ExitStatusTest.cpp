@@ -249,9 +249,11 @@ TEST_F(ExitStatus, HelpAndVersionNeedNoRules) {
     auto const help = run({"--help"});
     EXPECT_EQ(help.m_status, 0);
     EXPECT_NE(help.m_output.find("Usage: qvscan"), std::string::npos);
-    auto const version = run({"--version"});
-    EXPECT_EQ(version.m_status, 0);
-    EXPECT_EQ(version.m_output.find("qvscan "), 0U);
+    for (auto const* const option : {"--version", "-V"}) {
+        auto const version = run({option});
+        EXPECT_EQ(version.m_status, 0);
+        EXPECT_EQ(version.m_output.find("qvscan "), 0U);
+    }
 }
 
 } // namespace

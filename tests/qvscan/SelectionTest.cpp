@@ -77,6 +77,19 @@ TEST_F(Selection, OnlyWritesTheResultsOfItsKinds) {
     }
 }
 
+// A header that no hop can be read from makes every scan fail.
+TEST_F(Selection, ScansThatFailedAreAKindOfTheirOwn) {
+    auto const box = mail();
+    Arguments const failing{"--current-received", "by ", box, "--only"};
+    auto const count = [&](char const* kinds) {
+        auto arguments = failing;
+        arguments.emplace_back(kinds);
+        return records(scan(arguments)).size();
+    };
+    EXPECT_EQ(count("error"), 4U);
+    EXPECT_EQ(count("spam,ham,none,unjudged"), 0U);
+}
+
 TEST_F(Selection, AnEliteRuleIsChosenByItsCode) {
     auto const file = m_folder.write("one", ham());
     Arguments const fired{"--max-elite-level", "2", "--message-status", "3", file};

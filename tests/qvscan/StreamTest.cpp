@@ -73,18 +73,18 @@ TEST_F(Stream, AFullDiskIsAnError) {
     EXPECT_EQ(result.m_errors, "qvscan: cannot write: No space left on device\n");
 }
 
-// The machine has memory for most messages, not for one with a header section of 15 MiB.
+// The machine has memory for most messages, not for one with a header section of 8 MiB.
 TEST_F(Stream, AMessageTooLargeForTheMemoryIsNamedAndTheOthersAreJudged) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "sanitizers reserve more addresses than any machine has memory";
 #endif
     std::string large;
-    while (large.size() < (std::size_t{15} << 20)) {
+    while (large.size() < (std::size_t{8} << 20)) {
         large += "X:\n";
     }
     auto const box = m_folder.write("box", separator + spam() + "\n" + separator + large + spam() +
                                                "\n" + separator + ham());
-    auto command = "ulimit -v 400000; exec " + std::string(QV_SCAN_PROGRAM);
+    auto command = "ulimit -v 250000; exec " + std::string(QV_SCAN_PROGRAM);
     for (auto const& word : arguments({"--jobs", "2", box})) {
         command += " " + word;
     }

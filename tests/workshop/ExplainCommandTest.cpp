@@ -282,6 +282,24 @@ TEST_F(ExplainCommand, GoesOnAfterWhatIsNoMessage) {
     ASSERT_EQ(jsonLines(result.m_output).size(), 1U);
 }
 
+TEST_F(ExplainCommand, NamesAMessageTooLargeForTheMemoryAndGoesOn) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers reserve more addresses than any machine has memory";
+#endif
+    std::string large;
+    while (large.size() < (std::size_t{8} << 20)) {
+        large += "X:\n";
+    }
+    auto const box = m_folder.write("box", "From a\n" + large + message + "\nFrom b\n" + message);
+    auto const result = runProgram(
+        "/bin/sh", {"-c", "ulimit -v 250000; exec " + std::string(QV_RULES_PROGRAM) + " explain " +
+                              m_rules + " " + box + " --dns off --format json"});
+    EXPECT_EQ(result.m_status, 65);
+    EXPECT_THAT(result.m_errors,
+                testing::StartsWith(box + ":1: not enough memory for its header section of "));
+    ASSERT_EQ(jsonLines(result.m_output).size(), 1U);
+}
+
 TEST_F(ExplainCommand, IsColouredPagedAndBrokenToTheWidthOfATerminal) {
     auto const file = m_folder.write("one.eml", message);
     auto const command =
