@@ -2,6 +2,7 @@
 // Verdicts as a table for a spreadsheet, in which nothing of a message becomes a formula.
 #include "qvscan/ScanFixture.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace Quorvane::Testing {
