@@ -235,7 +235,7 @@ TEST_F(TextExplain, TellsAnAuthenticatedHopAndTheCurrentOne) {
         "Received: from a.example (a.example [203.0.113.7])\n\t(authenticated bits=0)\n"
         "\tby mx.example.org (Postfix) with ESMTP id 1\n\n");
     EXPECT_EQ(row(text, "203.0.113.5"),
-              "now our side 203.0.113.5 c.example c.example mx.example.org first public hop, "
+              "now our side - - 203.0.113.5 c.example c.example mx.example.org - first public hop, "
               "judged");
     EXPECT_NE(row(text, "203.0.113.7").find("authenticated submission, skipped"),
               std::string::npos);
