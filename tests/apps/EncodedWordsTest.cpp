@@ -22,7 +22,7 @@ TEST(EncodedWords, AreDecodedAndAllElseStaysAsItIs) {
         // Blanks between words are for the line's length alone.
         {"=?utf-8?q?a?= \t =?utf-8?q?b?= c", "ab c"},
         {"=?utf-8?q?a?= x =?utf-8?q?b?=", "a x b"},
-        {"=?utf-8?q??=", ""},
+        {"=?utf-8?q?\?=", ""},
         {"=?utf-8?q?=4?=", "=4"},
         // Not a word, or in a character set that does not exist.
         {"=?utf-8?x?abc?=", "=?utf-8?x?abc?="},

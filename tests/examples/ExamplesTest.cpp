@@ -94,8 +94,13 @@ ProgramResult s_scanHere(std::vector<std::string> arguments,
 }
 
 TEST_P(Example, IsExplainedInTheWordsThatWereApproved) {
-    auto const result = s_scanHere({"--format", "text", "--explain"}, {GetParam()});
+    auto const result = s_scanHere({"--format", "text", "--explain=all"}, {GetParam()});
     expectGolden(golden / (GetParam() + ".txt"), result.m_output);
+}
+
+TEST_P(Example, IsExplainedInFewLinesUnlessAllIsAskedFor) {
+    auto const text = s_scanHere({"--format", "text", "--explain"}, {GetParam()}).m_output;
+    EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 15) << text;
 }
 
 std::string s_testName(testing::TestParamInfo<std::string> const& info) {

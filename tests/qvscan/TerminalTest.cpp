@@ -49,24 +49,41 @@ TEST_F(TerminalScan, ShowsAlignedColouredText) {
     auto const text = m_terminal.screen(program() + "--no-summary " + box);
     EXPECT_NE(text.find("\x1B[31mspam"), std::string::npos) << text;
     EXPECT_NE(text.find("\x1B[32mham"), std::string::npos) << text;
-    auto const plain = plainText(text);
-    EXPECT_NE(plain.find("spam  0.99      3      192.0.2.7                        " + box +
-                         ":1\n"
-                         "ham   0.02      4      192.0.2.7                        " +
-                         box +
-                         ":2\n"
-                         "none  0.5       5      192.0.2.7                        " +
-                         box +
-                         ":3\n"
-                         "status 1\n"),
-              std::string::npos)
-        << plain;
+    auto plain = plainText(text);
+    EXPECT_EQ(plain.find("verdict      rule "), 0U) << plain;
+    auto const line = [](std::string const& verdict, char rule) {
+        return "\n" + verdict + "    " + rule + std::string(20, ' ');
+    };
+    EXPECT_NE(plain.find(line("spam 99 %", '3')), std::string::npos) << plain;
+    EXPECT_NE(plain.find(line("ham 2 %  ", '4')), std::string::npos) << plain;
+    EXPECT_NE(plain.find(line("none 50 %", '5')), std::string::npos) << plain;
+    std::erase(plain, '\n');
+    EXPECT_NE(plain.find("  2024-01-01 10:00  " + box + ":3status 1"), std::string::npos) << plain;
+}
+
+// The terminal has 120 columns.
+TEST_F(TerminalScan, ColumnsAreFittedIntoItAndTheSourceIsNeverCut) {
+    auto const message =
+        m_folder.write("m.eml", hop("a.example", std::string(150, 'r') + ".example", "192.0.2.7") +
+                                    "From: a@" + std::string(60, 's') + ".example\n\n");
+    auto const shown = plainText(
+        m_terminal.screen("cd " + m_folder.path().string() + "; " + program() + "m.eml"));
+    auto const line = shown.substr(0, shown.find("m.eml\n") + 5);
+    EXPECT_NE(line.find("rrr...  sss"), std::string::npos) << shown;
+    EXPECT_NE(line.find("sss...  2024-01-01 10:00  m.eml"), std::string::npos) << shown;
+    EXPECT_LE(line.size() - line.rfind('\n') - 1, 120U) << shown;
+    auto const folder = m_folder.path().string() + "/" + std::string(130, 'f');
+    auto const name = folder + "/m.eml";
+    m_terminal.screen("mkdir " + folder + "; cp " + message + " " + name);
+    auto wrapped = plainText(m_terminal.screen(program() + name));
+    std::erase(wrapped, '\n');
+    EXPECT_NE(wrapped.find(std::string(130, 'f') + "/m.eml"), std::string::npos) << wrapped;
 }
 
 TEST_F(TerminalScan, NoColorMeansNoColour) {
     auto const text = m_terminal.screen("NO_COLOR=1 " + program() + mbox());
     EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
-    EXPECT_NE(text.find("spam  0.99"), std::string::npos) << text;
+    EXPECT_NE(text.find("spam 99 %"), std::string::npos) << text;
     EXPECT_NE(m_terminal.screen("NO_COLOR= " + program() + mbox()).find("\x1B[31mspam"),
               std::string::npos);
 }

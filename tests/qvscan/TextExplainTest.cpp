@@ -3,6 +3,7 @@
 #include "qvscan/ScanFixture.h"
 #include "rules/format/RuleFiles.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace Quorvane::Testing {
@@ -10,12 +11,22 @@ namespace Quorvane::Testing {
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 class TextExplain : public ScanTest {
   protected:
-    std::string explain(Arguments arguments, std::string const& message) const {
-        arguments.insert(arguments.end(), {"--format", "text", "--explain"});
+    std::string explain(Arguments arguments, std::string const& message,
+                        std::string const& option = "--explain=all") const {
+        arguments.insert(arguments.end(), {"--format", "text", option});
         return scan(arguments, message).m_output;
+    }
+
+    std::string brief(Arguments const& arguments, std::string const& message) const {
+        return explain(arguments, message, "--explain");
+    }
+
+    static std::ptrdiff_t lines(std::string const& text) {
+        return std::count(text.begin(), text.end(), '\n');
     }
 
     // The words of the row of the trail that has `address`, blanks made single.
@@ -35,13 +46,83 @@ class TextExplain : public ScanTest {
     }
 };
 
-TEST_F(TextExplain, NamesWhatDecidedAtTheEndOfTheLine) {
-    auto const line = [this] { return scan({"--format", "text"}, spam()).m_output; };
-    auto const bare = line();
-    writeNames({{{Kind::node, 3}, {"A dynamic name", "Not in the line."}}});
-    EXPECT_EQ(line(), bare.substr(0, bare.size() - 1) + "  (A dynamic name)\n");
-    writeNames({{{Kind::decide, 3}, {"An elite rule of that number", ""}}});
-    EXPECT_EQ(line(), bare);
+TEST_F(TextExplain, BeginsWithTheVerdictAndWhatDecided) {
+    auto const start = [this](std::string const& message) {
+        auto const text = brief({}, message);
+        return text.substr(0, text.find("\n  In words"));
+    };
+    EXPECT_EQ(start(spam()), "spam 99 %  -\n"
+                             "  Because: 0.99 spam reaches the spam threshold 0.95.\n"
+                             "  Node 3.");
+    writeNames({{{Kind::node, 3}, {"A dynamic name", "Why it is there."}},
+                {{Kind::decide, 3}, {"An elite rule of that number", ""}}});
+    EXPECT_THAT(start(spam()), HasSubstr("\n  Node 3 (A dynamic name): Why it is there."));
+    EXPECT_THAT(brief({}, "To: x\n\n"), testing::StartsWith("none  -\n  Because: "));
+    EXPECT_THAT(brief({}, "To: x\n\n"), Not(HasSubstr("Node")));
+}
+
+TEST_F(TextExplain, SaysTheVerdictItsFactsTheTrailAndWhatWouldChangeItAndNoMore) {
+    EXPECT_EQ(
+        brief({}, spam()),
+        "spam 99 %  -\n"
+        "  Because: 0.99 spam reaches the spam threshold 0.95.\n"
+        "  Node 3.\n"
+        "  In words: the reverse name of the first relay, dsl-192-0-2-7.dyn.example.net, looks "
+        "dynamically assigned.\n"
+        "  Trail, newest hop first (a sender could have invented what our side did not "
+        "record):\n"
+        "    #  recorded by  time (UTC)           delay  address    announced       reverse "
+        "name                   receiver        with   taken for\n"
+        "    1  our side     2024-01-01 10:00:00  -      192.0.2.7  pc.example.net  "
+        "dsl-192-0-2-7.dyn.example.net  mx.example.org  ESMTP  first public hop, judged\n"
+        "  Needed for another verdict:\n"
+        "    ham: the reverse name of the first relay does not look dynamically assigned\n"
+        "    none: no reverse name was recorded for the first relay\n"
+        "\n");
+}
+
+TEST_F(TextExplain, AllOfItIsTheSameWithMoreAfterIt) {
+    auto const message = hop("a.example", "b.example", "192.0.2.9") + spam();
+    auto const all = explain({}, message);
+    auto const short_ = brief({}, message);
+    auto const trailEnd = short_.find("  Needed");
+    EXPECT_EQ(all.substr(0, trailEnd), short_.substr(0, trailEnd));
+    Arguments const parts{
+        "  Trail, ", "  Needed for another verdict:", "  Attributes that are not at their default:",
+        "  Elite rules that fired:", "  Path through the tree:"};
+    std::size_t at = 0;
+    for (auto const& part : parts) {
+        auto const found = all.find("\n" + part);
+        EXPECT_GT(found, at) << part;
+        EXPECT_NE(found, std::string::npos) << part;
+        at = found;
+    }
+    for (auto const& part : {parts[2], parts[3], parts[4]}) {
+        EXPECT_THAT(short_, Not(HasSubstr(part)));
+    }
+}
+
+TEST_F(TextExplain, JsonHoldsEverythingHoweverMuchOfTheTextIsAskedFor) {
+    EXPECT_EQ(scan({"--explain"}, spam()).m_output, scan({"--explain=all"}, spam()).m_output);
+    EXPECT_EQ(scan({"--explain=some"}, spam()).m_status, 64);
+}
+
+TEST_F(TextExplain, HasFewLinesHoweverLongTheTrailIs) {
+    std::string trail;
+    for (int i = 1; i <= 9; ++i) {
+        trail += hop("p.example", "p.example", "10.0.0." + std::to_string(i));
+    }
+    auto const text = brief({}, trail + spam());
+    EXPECT_LE(lines(text), 15) << text;
+    for (std::string const address : {"10.0.0.1", "10.0.0.2", "10.0.0.3"}) {
+        EXPECT_THAT(row(text, address), HasSubstr("private address"));
+    }
+    EXPECT_THAT(row(text, "192.0.2.7"), testing::StartsWith("10 our side "))
+        << "what was judged is shown wherever it stands";
+    EXPECT_THAT(text, HasSubstr("first public hop, judged\n    ... and 6 more\n"));
+    EXPECT_EQ(text.find("10.0.0.4"), std::string::npos);
+    EXPECT_THAT(explain({}, trail + spam()), Not(HasSubstr(" more\n")));
+    EXPECT_THAT(row(explain({}, trail + spam()), "10.0.0.9"), HasSubstr("private address"));
 }
 
 TEST_F(TextExplain, GivesTheReasonOfTheRuleThatDecidedFirst) {
@@ -128,20 +209,24 @@ TEST_F(TextExplain, TellsWhatEachHopWasTakenFor) {
                                   hop("l.example", "l.example", "203.0.113.2", "f.example") +
                                   hop("s.example", "s.example", "198.51.100.9", "l.example") +
                                   hop("z.example", "z.example", "203.0.113.9", "s.example") + "\n");
-    EXPECT_EQ(row(text, "2001:db8::1"), "1 our side 2001:db8::1 own.example own.example "
-                                        "mx.example.org our own relay, skipped");
-    EXPECT_EQ(row(text, "198.51.100.1"), "2 our side 198.51.100.1 t.example t.example "
-                                         "mx.example.org trusted relay, skipped");
-    EXPECT_EQ(row(text, "10.0.0.1"),
-              "3 our side 10.0.0.1 p.example p.x mx.example.org private address");
-    EXPECT_EQ(row(text, "203.0.113.1"), "4 our side 203.0.113.1 f.example f.example "
-                                        "mx.example.org first public hop, judged");
-    EXPECT_EQ(row(text, "203.0.113.2"),
-              "5 the sender? 203.0.113.2 l.example l.example f.example public, judged");
-    EXPECT_EQ(row(text, "198.51.100.9"), "6 the sender? 198.51.100.9 s.example s.example "
-                                         "l.example reputation score 7: the walk ends here");
-    EXPECT_EQ(row(text, "203.0.113.9"),
-              "7 the sender? 203.0.113.9 z.example z.example s.example not looked at");
+    EXPECT_EQ(row(text, "2001:db8::1"),
+              "1 our side 2024-01-01 10:00:00 0 s 2001:db8::1 own.example own.example "
+              "mx.example.org ESMTP our own relay, skipped");
+    EXPECT_EQ(row(text, "198.51.100.1"),
+              "2 our side 2024-01-01 10:00:00 0 s 198.51.100.1 t.example t.example "
+              "mx.example.org ESMTP trusted relay, skipped");
+    EXPECT_EQ(row(text, "10.0.0.1"), "3 our side 2024-01-01 10:00:00 0 s 10.0.0.1 p.example p.x "
+                                     "mx.example.org ESMTP private address");
+    EXPECT_EQ(row(text, "203.0.113.1"),
+              "4 our side 2024-01-01 10:00:00 0 s 203.0.113.1 f.example f.example "
+              "mx.example.org ESMTP first public hop, judged");
+    EXPECT_EQ(row(text, "203.0.113.2"), "5 the sender? 2024-01-01 10:00:00 0 s 203.0.113.2 "
+                                        "l.example l.example f.example ESMTP public, judged");
+    EXPECT_EQ(row(text, "198.51.100.9"),
+              "6 the sender? 2024-01-01 10:00:00 0 s 198.51.100.9 s.example s.example "
+              "l.example ESMTP reputation score 7: the walk ends here");
+    EXPECT_EQ(row(text, "203.0.113.9"), "7 the sender? 2024-01-01 10:00:00 - 203.0.113.9 z.example "
+                                        "z.example s.example ESMTP not looked at");
 }
 
 TEST_F(TextExplain, TellsAnAuthenticatedHopAndTheCurrentOne) {
@@ -150,7 +235,7 @@ TEST_F(TextExplain, TellsAnAuthenticatedHopAndTheCurrentOne) {
         "Received: from a.example (a.example [203.0.113.7])\n\t(authenticated bits=0)\n"
         "\tby mx.example.org (Postfix) with ESMTP id 1\n\n");
     EXPECT_EQ(row(text, "203.0.113.5"),
-              "now our side 203.0.113.5 c.example c.example mx.example.org first public hop, "
+              "now our side - - 203.0.113.5 c.example c.example mx.example.org - first public hop, "
               "judged");
     EXPECT_NE(row(text, "203.0.113.7").find("authenticated submission, skipped"),
               std::string::npos);

@@ -39,7 +39,6 @@ TEST_F(TrailTimes, GiveTheTimeOfEachHopAndTheDelaySinceTheOneBefore) {
         {"12:00:30 +0000", "10:00:00 +0000", 7230, "2 h"},
         {"20:00:00 -1200", "10:00:00 +1200", 122400, "1 d 10 h"},
         {"10:00:00 +0000", "10:01:00 +0000", -60, "-1 min, backwards"},
-        {"10:00:00 +0000", "no time", nullptr, nullptr},
     };
     for (auto const& row : cases) {
         auto const hops = explained({}, trail({std::string("; Mon, 1 Jan 2024 ") + row.m_newer,
@@ -89,13 +88,13 @@ TEST_F(TrailTimes, BelongToTheirHopsWhenTheHostAddsOne) {
 TEST_F(TrailTimes, StandInTheTableOfTheText) {
     auto const shown = text(trail({" with ESMTPS id 1; Mon, 1 Jan 2024 10:00:00 +0000",
                                    " with ESMTP; Mon, 1 Jan 2024 10:05:00 +0000", ""}));
-    EXPECT_THAT(shown, HasSubstr("    #  recorded by  time (UTC)           delay             "
+    EXPECT_THAT(shown, HasSubstr("    #  recorded by  time (UTC)           delay              "
                                  "address    announced  reverse name  receiver    with         "
                                  "taken for\n"
-                                 "    1  our side     2024-01-01 10:00:00  -5 min, backwards "
+                                 "    1  our side     2024-01-01 10:00:00  -5 min, backwards  "
                                  "192.0.2.7  a.example  a.example     mx.example  ESMTPS, TLS  "
                                  "first public hop, judged\n"
-                                 "    2  the sender?  2024-01-01 10:05:00  -                 "));
+                                 "    2  the sender?  2024-01-01 10:05:00  -                  "));
     EXPECT_THAT(shown, HasSubstr("    3  the sender?  -                    -   "));
 }
 

@@ -2,6 +2,7 @@
 // Verdicts as a table for a spreadsheet, in which nothing of a message becomes a formula.
 #include "qvscan/ScanFixture.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace Quorvane::Testing {
@@ -25,11 +26,11 @@ class VerdictCsv : public ScanTest {
 };
 
 TEST_F(VerdictCsv, HasAColumnForEachFactAndARowForEachMessage) {
-    writeNames({{{Kind::node, 3}, {"A dynamic, \xc3\xbc name", ""}}});
+    writeNames({{{Kind::node, 3}, {"A dynamic, long name", ""}}});
     auto const text = table(separator + spam() + "\n" + separator + "Subject: x, y\n\n");
     EXPECT_EQ(text, "source,verdict,confidence,node,ruleName,relay,relayName,senderDomain,received,"
                     "date,messageId,from,subject,error\n"
-                    "'-:1,spam,0.99,3,\"A dynamic, \xc3\xbc name\",192.0.2.7,"
+                    "'-:1,spam,0.99,3,\"A dynamic, long name\",192.0.2.7,"
                     "dsl-192-0-2-7.dyn.example.net,example.net,2024-01-01 10:00:00,,"
                     "<1@Host.Example.NET>,Ann <ann@example.net>,,\n"
                     "'-:2,none,,,,,,,,,,,\"x, y\",\n");
@@ -57,7 +58,7 @@ TEST_F(VerdictCsv, AMessageTakesOneLineWhateverItsTextHolds) {
 TEST_F(VerdictCsv, TellsWhyAScanFailed) {
     EXPECT_THAT(scan({"--format", "csv", "--csv", "verdicts", "--current-received", "by "}, spam())
                     .m_output,
-                HasSubstr(",Error deep header scanning "));
+                HasSubstr(",\"Error deep header scanning "));
 }
 
 TEST_F(VerdictCsv, VectorsAreWhatCsvHasWithoutTheOption) {

@@ -6,9 +6,10 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
+#include <poll.h>
 #include <sched.h>
 #include <stdexcept>
-#include <sys/ioctl.h>
+#include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -147,15 +148,17 @@ void ChildProcess::closeOutput() {
     s_close(m_output);
 }
 
+// A pipe has room for whole pages, which the writes need not fill: only its write end tells.
 bool ChildProcess::fillOutput() {
-    // A pipe has room for whole pages only.
-    auto const enough = ::fcntl(m_output, F_GETPIPE_SZ) - ::getpagesize();
-    for (int count = 0; count < enough; ::sched_yield()) {
-        if (hasEnded() || ::ioctl(m_output, FIONREAD, &count) != 0) {
-            return false;
-        }
+    auto const path = "/proc/self/fd/" + std::to_string(m_output);
+    int writeEnd = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    pollfd room{writeEnd, POLLOUT, 0};
+    while (::poll(&room, 1, 0) != 0 && !hasEnded()) {
+        ::sched_yield();
     }
-    return true;
+    bool const isFull = room.revents == 0;
+    s_close(writeEnd);
+    return isFull;
 }
 
 bool ChildProcess::hasEnded() const {

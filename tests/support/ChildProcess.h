@@ -32,8 +32,8 @@ class ChildProcess {
     std::string readErrors() const;
     std::string readErrorLine() const;
     void closeOutput();
-    // Waits until so many bytes have been written that the next write finds no room for them. False
-    // when the program ends before.
+    // Waits until what the program has written fills its output. False when the program ends
+    // before.
     bool fillOutput();
 
     void signal(int number) const;

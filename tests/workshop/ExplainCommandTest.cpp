@@ -99,7 +99,8 @@ TEST_F(ExplainCommand, ShowsOneOfTwoEqualRulesAsChosen) {
                                                    "decide 0.97 code 901 always\n"
                                                    "decide 0.97 code 901 always\n"
                                                    "tree {\n}\n");
-    auto const text = runProgram(QV_RULES_PROGRAM, {"explain", equal, "chain_broken=yes"}).m_output;
+    auto const text =
+        runProgram(QV_RULES_PROGRAM, {"explain", equal, "chain_broken=yes", "--all"}).m_output;
     EXPECT_THAT(text, HasSubstr("rule 901 says 0.97 spam (replaced by rule 901): always\n"));
     EXPECT_THAT(text, HasSubstr("rule 901 says 0.97 spam: always\n"));
 }
@@ -130,15 +131,44 @@ TEST_F(ExplainCommand, SaysWhichSingleChangesWouldHaveLetSpamPass) {
                   "words":["the author's domain cannot be compared with the envelope sender's domain: one of them is missing"]})"));
 }
 
+TEST_F(ExplainCommand, ShowsAttributesRulesAndPathWhenAllIsAskedFor) {
+    auto const brief = run({"first_reverse_dynamic=yes,hop_behind_first=no"}).m_output;
+    EXPECT_EQ(brief, "spam 96 %  vector\n"
+                     "  Because: 0.96 spam reaches the spam threshold 0.95.\n"
+                     "  Node 4.\n"
+                     "  In words: the reverse name of the first relay looks dynamically assigned; "
+                     "there was no hop after the first relay.\n"
+                     "  Needed for another verdict:\n"
+                     "    ham: the reverse name of the first relay does not look dynamically "
+                     "assigned\n"
+                     "    none: no reverse name was recorded for the first relay\n"
+                     "    none: there was a hop after the first relay\n\n");
+    auto const all = run({"first_reverse_dynamic=yes,hop_behind_first=no", "--all"}).m_output;
+    EXPECT_THAT(all, HasSubstr("\n  Attributes that are not at their default:\n"));
+    EXPECT_THAT(all, HasSubstr("\n  Path through the tree:\n"));
+    EXPECT_EQ(explained({"first_reverse_dynamic=yes"}),
+              explained({"first_reverse_dynamic=yes", "--all"}));
+}
+
+TEST_F(ExplainCommand, TellsTheTimesOfTheTrailOfAMessage) {
+    auto const text = run({"-", "--dns", "off"}, message).m_output;
+    EXPECT_THAT(text, HasSubstr("  2024-01-01 10:00:00  "));
+    auto const record = explained({"-", "--dns", "off"}, message).at(0);
+    EXPECT_EQ(record["explain"]["trail"][0]["time"], "2024-01-01T10:00:00Z");
+    EXPECT_EQ(record["message"]["from"], "Ann <ann@example.net>");
+    EXPECT_EQ(explained({"chain_broken=yes"}).at(0)["message"]["from"], Json());
+}
+
 TEST_F(ExplainCommand, SaysWhereTheMessageWouldHaveHadNoVerdict) {
-    auto const text = run({"first_reverse_dynamic=yes"}).m_output;
+    auto const text = run({"first_reverse_dynamic=yes", "--all"}).m_output;
     EXPECT_THAT(text, HasSubstr("    none: hop_behind_first is yes (it is no); then node 5 gives "
                                 "no verdict\n      there was a hop after the first relay\n"));
     auto const without = m_folder.write("no-tree.qvr", "version 1\nelite first\n"
                                                        "decide 0.97 code 901 when "
                                                        "chain_broken == yes\ntree {\n}\n");
-    EXPECT_THAT(runProgram(QV_RULES_PROGRAM, {"explain", without, "chain_broken=yes"}).m_output,
-                HasSubstr("none: chain_broken is no (it is yes); then no rule decides\n"));
+    EXPECT_THAT(
+        runProgram(QV_RULES_PROGRAM, {"explain", without, "chain_broken=yes", "--all"}).m_output,
+        HasSubstr("none: chain_broken is no (it is yes); then no rule decides\n"));
 }
 
 TEST_F(ExplainCommand, SaysWhenNoSingleChangeLetsSpamPass) {
@@ -212,7 +242,7 @@ TEST_F(ExplainCommand, FollowsTheSettings) {
 
 TEST_F(ExplainCommand, HostileNamesSteerNoTerminal) {
     auto const hostile = "Received: from a\x1B[2Jb{value}.example (x\x07y [192.0.2.7]) by mx\n\n";
-    auto const text = run({"-", "--dns", "off"}, hostile).m_output;
+    auto const text = run({"-", "--dns", "off", "--all"}, hostile).m_output;
     EXPECT_EQ(text.find('\x1B'), std::string::npos);
     EXPECT_EQ(text.find('\x07'), std::string::npos);
     EXPECT_THAT(text, HasSubstr("announced, a\\x1B2jb{value}.example, "));
