@@ -2,8 +2,8 @@
 #include "platform/EmailAddress.h"
 
 #include "platform/internal/AddressText.h"
+#include "platform/internal/MailLibrary.h"
 
-#include <csignal>
 #include <cstddef>
 #include <gmime/gmime.h>
 #include <memory>
@@ -20,29 +20,9 @@ struct Unref {
 
 using List = std::unique_ptr<InternetAddressList, Unref>;
 
-// GMime starts a library for encrypted mail, which makes the process ignore SIGPIPE from then on.
-// What SIGPIPE does is for the host to decide.
-void s_startGMime() {
-    struct sigaction before {};
-    sigaction(SIGPIPE, nullptr, &before);
-    g_mime_init();
-    sigaction(SIGPIPE, &before, nullptr);
-}
-
-// The classes of addresses are made here once, and not by whichever thread parses first while
-// others read them.
-bool s_initialise() {
-    s_startGMime();
-    g_type_class_ref(INTERNET_ADDRESS_TYPE_MAILBOX);
-    g_type_class_ref(INTERNET_ADDRESS_TYPE_GROUP);
-    g_type_class_ref(INTERNET_ADDRESS_LIST_TYPE);
-    return true;
-}
-
 // Lives as long as the process and is only read once made.
 GMimeParserOptions* s_makeOptions(GMimeRfcComplianceMode mode) {
-    static bool const initialised = s_initialise();
-    (void)initialised;
+    startMailLibrary();
     auto* const options = g_mime_parser_options_new();
     g_mime_parser_options_set_address_compliance_mode(options, mode);
     return options;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/headers/MessageSummary.h"
 
-#include "apps/headers/EncodedWords.h"
 #include "apps/headers/ReceivedDate.h"
+#include "apps/text/Utf8.h"
+#include "platform/HeaderText.h"
 
 #include <algorithm>
 
@@ -28,7 +29,7 @@ std::string s_text(std::string value) {
     std::erase_if(value, [](char c) { return c == '\r' || c == '\n'; });
     std::replace(value.begin(), value.end(), '\t', ' ');
     auto const start = std::min(value.find_first_not_of(' '), value.size());
-    return decodedWords(std::string_view(value).substr(start));
+    return toUtf8(headerText(toUtf8(std::string_view(value).substr(start))));
 }
 
 } // namespace

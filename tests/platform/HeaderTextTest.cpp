@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/headers/EncodedWords.h"
+#include "platform/HeaderText.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@ namespace Quorvane::Testing {
 
 namespace {
 
-TEST(EncodedWords, AreDecodedAndAllElseStaysAsItIs) {
+TEST(HeaderText, HasEncodedWordsAsText) {
     struct {
         std::string m_bytes;
         std::string m_text;
@@ -37,7 +37,7 @@ TEST(EncodedWords, AreDecodedAndAllElseStaysAsItIs) {
         {"\xE9", "\xC3\xA9"},
     };
     for (auto const& row : cases) {
-        EXPECT_EQ(decodedWords(row.m_bytes), row.m_text) << row.m_bytes;
+        EXPECT_EQ(headerText(row.m_bytes), row.m_text) << row.m_bytes;
     }
 }
 

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/HeaderText.h"
+
+#include "platform/internal/MailLibrary.h"
+
+#include <algorithm>
+#include <gmime/gmime.h>
+#include <memory>
+
+namespace Quorvane {
+
+std::string headerText(std::string_view value) {
+    startMailLibrary();
+    std::string text(value);
+    std::replace(text.begin(), text.end(), '\0', ' '); // would end the text
+    std::unique_ptr<char, void (*)(void*)> const decoded(
+        g_mime_utils_header_decode_text(nullptr, text.c_str()), g_free);
+    return decoded.get();
+}
+
+} // namespace Quorvane
