@@ -83,9 +83,6 @@ std::vector<std::string> s_optionWords(CommandRow const& command) {
     std::vector<std::string> words;
     for (auto const& option : command.m_options) {
         words.push_back(option.dashed());
-        for (auto const& value : literalsOf(option.isValueAttached() ? option.m_valueName : "")) {
-            words.push_back(option.dashed() + "=" + value);
-        }
     }
     return words;
 }

@@ -124,7 +124,7 @@ std::string s_tlsVersion(std::string_view comments) {
     constexpr std::string_view name = "tls";
     for (auto at = comments.find(name); at != npos; at = comments.find(name, at + 1)) {
         bool const isStart = at == 0 || std::string_view(" (=:").find(comments[at - 1]) != npos;
-        auto const version = isStart ? s_version(comments.substr(at + name.size())) : "";
+        auto version = isStart ? s_version(comments.substr(at + name.size())) : "";
         if (!version.empty()) {
             return version;
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/NodeText.h"
 #include "apps/show/TextStyle.h"
+#include "apps/text/Utf8.h"
 
 #include <gmock/gmock.h>
 #include <limits>

@@ -195,7 +195,7 @@ class InAFile(showpage.ShowPageTest):
         path = self.page("--message", showpage.EXAMPLES / "mailing-list.eml", "--dns", "off",
                          source=showpage.DEFAULT)
         explained = showpage.rules("explain", showpage.DEFAULT, showpage.EXAMPLES /
-                                   "mailing-list.eml", "--dns", "off")
+                                   "mailing-list.eml", "--dns", "off", "--all")
         ways = re.findall(r"^    ((?:spam|ham): .*)$", explained, re.MULTILINE)
         self.assertGreater(len(ways), 2)
         for size in (WIDE, showpage.browser.PHONE):
