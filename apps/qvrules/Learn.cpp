@@ -33,10 +33,9 @@ void s_turnLookupsOff(CommandLine const& line, HostSettings& host) {
 }
 
 void s_requireAttribute(std::string const& name) {
-    std::vector<std::string_view> names;
-    for (auto const& facts : attributeTable) {
-        names.push_back(facts.m_name);
-    }
+    std::vector<std::string_view> names(std::size(attributeTable));
+    std::transform(std::begin(attributeTable), std::end(attributeTable), names.begin(),
+                   [](auto const& facts) { return facts.m_name; });
     if (std::find(names.begin(), names.end(), name) == names.end()) {
         auto const nearest = Rules::didYouMean(name, names);
         throw UsageError("--exclude: \"" + name + "\" is not an attribute" +
@@ -163,9 +162,11 @@ std::string s_missing(std::string const& label, std::string const& how) {
 
 void s_requireOptionsForBoth(CommandLine const& line) {
     for (std::string const label : {"spam", "ham"}) {
-        if (!line.has(label) && !line.has(label + "-vectors") && !line.has("vectors")) {
+        auto const vectors = std::string(label).append("-vectors");
+        if (!line.has(label) && !line.has(vectors) && !line.has("vectors")) {
             throw UsageError(
-                s_missing(label, "--" + label + ", --" + label + "-vectors or --vectors"));
+                s_missing(label, std::string("--").append(label).append(", --").append(vectors) +
+                                     " or --vectors"));
         }
     }
 }

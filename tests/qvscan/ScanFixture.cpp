@@ -3,7 +3,10 @@
 
 #include "rules/format/AttributeTable.h"
 #include "rules/model/RuleFolder.h"
+#include "support/ChildProcess.h"
 #include "support/EliteHeader.h"
+
+#include <algorithm>
 
 namespace Quorvane::Testing {
 
@@ -88,6 +91,25 @@ ProgramResult ScanTest::scan(Arguments const& arguments, std::string const& inpu
     Arguments all{"--root", root(), "--dns", "off", "--format", "json"};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return run(all, input);
+}
+
+// The program then waits for standard input. What it used is only known while it runs: at its end
+// the memory of the test that started it counts as well.
+long ScanTest::peakKilobytes(std::string const& path, std::string const& last,
+                             std::string const& jobs) const {
+    ChildProcess const child(QV_SCAN_PROGRAM, {"--root", root(), "--dns", "off", "--format", "json",
+                                               "--jobs", jobs, path, "-"});
+    auto const wanted = Json(path + last).dump();
+    std::string recent;
+    for (auto piece = child.readSome(); !piece.empty(); piece = child.readSome()) {
+        recent.erase(0, recent.size() - std::min(recent.size(), wanted.size()));
+        recent += piece;
+        if (recent.find(wanted) != std::string::npos) {
+            return child.peakKilobytesNow();
+        }
+    }
+    ADD_FAILURE() << "there is no record of " << wanted;
+    return 0;
 }
 
 std::vector<Json> ScanTest::records(ProgramResult const& result) {

@@ -38,6 +38,10 @@ class ScanTest : public testing::Test {
 
     // With --root, DNS off and --format json; these may be overridden by `arguments`.
     ProgramResult scan(Arguments const& arguments, std::string const& input = {}) const;
+    // The most memory that a scan of the file needs, once it has given the last record, whose
+    // source ends in `last`.
+    long peakKilobytes(std::string const& path, std::string const& last,
+                       std::string const& jobs) const;
     // Just the arguments.
     static ProgramResult run(Arguments const& arguments, std::string const& input = {});
 

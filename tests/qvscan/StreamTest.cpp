@@ -45,10 +45,7 @@ TEST_F(Stream, MemoryStaysFlat) {
     GTEST_SKIP() << "sanitizers keep memory of their own for each allocation";
 #endif
     auto const peak = [this](int count) {
-        ChildProcess child(QV_SCAN_PROGRAM, arguments({"--jobs", "4", mbox(count)}));
-        child.readAll();
-        EXPECT_EQ(child.wait(), 1);
-        return child.peakKilobytes();
+        return peakKilobytes(mbox(count), ":" + std::to_string(count), "4");
     };
     auto const small = peak(2000);
     auto const large = peak(100000);

@@ -10,7 +10,7 @@
 #include <sched.h>
 #include <stdexcept>
 #include <string>
-#include <sys/resource.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -190,12 +190,10 @@ long ChildProcess::peakKilobytesNow() const {
 
 int ChildProcess::wait() {
     int status = 0;
-    rusage used{};
-    while (::wait4(m_child, &status, 0, &used) < 0 && errno == EINTR) {
+    while (::waitpid(m_child, &status, 0) < 0 && errno == EINTR) {
     }
     m_child = -1;
     s_close(m_input);
-    m_peakKilobytes = used.ru_maxrss;
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 

@@ -44,8 +44,6 @@ class ChildProcess {
     int wait();
     // So far, of the program alone.
     long peakKilobytesNow() const;
-    // REQUIRES: wait was called.
-    long peakKilobytes() const { return m_peakKilobytes; }
 
   private:
     bool hasEnded() const;
@@ -54,7 +52,6 @@ class ChildProcess {
     int m_input = -1;
     int m_output = -1;
     int m_errors = -1;
-    long m_peakKilobytes = 0;
 };
 
 } // namespace Quorvane::Testing
