@@ -84,9 +84,9 @@ TEST_F(TextExplain, SaysTheVerdictItsFactsTheTrailAndWhatWouldChangeItAndNoMore)
 TEST_F(TextExplain, AllOfItIsTheSameWithMoreAfterIt) {
     auto const message = hop("a.example", "b.example", "192.0.2.9") + spam();
     auto const all = explain({}, message);
-    auto const short_ = brief({}, message);
-    auto const trailEnd = short_.find("  Needed");
-    EXPECT_EQ(all.substr(0, trailEnd), short_.substr(0, trailEnd));
+    auto const few = brief({}, message);
+    auto const trailEnd = few.find("  Needed");
+    EXPECT_EQ(all.substr(0, trailEnd), few.substr(0, trailEnd));
     Arguments const parts{
         "  Trail, ", "  Needed for another verdict:", "  Attributes that are not at their default:",
         "  Elite rules that fired:", "  Path through the tree:"};
@@ -98,7 +98,7 @@ TEST_F(TextExplain, AllOfItIsTheSameWithMoreAfterIt) {
         at = found;
     }
     for (auto const& part : {parts[2], parts[3], parts[4]}) {
-        EXPECT_THAT(short_, Not(HasSubstr(part)));
+        EXPECT_THAT(few, Not(HasSubstr(part)));
     }
 }
 
