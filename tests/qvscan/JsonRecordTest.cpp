@@ -45,7 +45,7 @@ TEST_F(JsonRecord, TextOfTheMessageIsAsciiWhateverItHolds) {
     auto const result = scan({}, "Subject: a\x1B[31m\xFF\"\xE2\x80\xAE\nFrom: =?utf-8?q?=00?=\n\n");
     EXPECT_NE(result.m_output.find(R"("subject":"a\u001b[31m\u00ff\"\u202e")"), std::string::npos)
         << result.m_output;
-    EXPECT_NE(result.m_output.find(R"("from":"\u0000")"), std::string::npos) << result.m_output;
+    EXPECT_NE(result.m_output.find(R"("from":"?")"), std::string::npos) << result.m_output;
 }
 
 TEST_F(JsonRecord, ListsTheAddressesOneByOne) {
@@ -94,7 +94,8 @@ TEST_F(JsonRecord, ExplainHoldsItsKeysInOrder) {
                                           "rules",
                                           "values",
                                           "facts",
-                                          "singleChanges"}));
+                                          "singleChanges",
+                                          "ownRelay"}));
     EXPECT_EQ(s_keys(explain["hops"][0]),
               (Arguments{"from", "reverseName", "by", "address", "privateIP", "authenticated",
                          "receiveTime", "isForged"}));

@@ -66,8 +66,8 @@ TEST_F(TerminalScan, ColumnsAreFittedIntoItAndTheSourceIsNeverCut) {
     auto const message =
         m_folder.write("m.eml", hop("a.example", std::string(150, 'r') + ".example", "192.0.2.7") +
                                     "From: a@" + std::string(60, 's') + ".example\n\n");
-    auto const shown = plainText(
-        m_terminal.screen("cd " + m_folder.path().string() + "; " + program() + "m.eml"));
+    auto const shown =
+        plainText(m_terminal.screen("cd " + m_folder.path().string() + "; " + program() + "m.eml"));
     auto const line = shown.substr(0, shown.find("m.eml\n") + 5);
     EXPECT_NE(line.find("rrr...  sss"), std::string::npos) << shown;
     EXPECT_NE(line.find("sss...  2024-01-01 10:00  m.eml"), std::string::npos) << shown;

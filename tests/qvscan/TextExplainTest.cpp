@@ -107,6 +107,17 @@ TEST_F(TextExplain, JsonHoldsEverythingHoweverMuchOfTheTextIsAskedFor) {
     EXPECT_EQ(scan({"--explain=some"}, spam()).m_status, 64);
 }
 
+TEST_F(TextExplain, AsksAboutARelayWithTheDomainOfTheReceivingHost) {
+    auto const message = hop("gate", "gate.example.org", "203.0.113.5") + spam();
+    constexpr char note[] = "gate.example.org has the domain of mx.example.org, which received "
+                            "from it: is it a relay of this site? Then add --internal 203.0.113.5";
+    EXPECT_THAT(scan({"--format", "text", "--explain"}, message).m_output,
+                HasSubstr(std::string("  Note: ") + note + ".\n"));
+    EXPECT_EQ(explained({}, message)["explain"]["ownRelay"],
+              Json({{"address", "203.0.113.5"}, {"text", note}}));
+    EXPECT_EQ(explained({"--internal", "203.0.113.5"}, message)["explain"]["ownRelay"], Json());
+}
+
 TEST_F(TextExplain, HasFewLinesHoweverLongTheTrailIs) {
     std::string trail;
     for (int i = 1; i <= 9; ++i) {

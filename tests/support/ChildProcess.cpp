@@ -10,7 +10,6 @@
 #include <sched.h>
 #include <stdexcept>
 #include <string>
-#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
