@@ -28,14 +28,12 @@ std::string s_item(Figures const& one, EvaluatedRules const& rules, std::uint64_
     for (auto const& sample : one.m_samples) {
         samples.push_back("<code>" + Page::isolated(sample) + "</code>");
     }
-    return folded("<strong>" +
-                      Page::text(Workshop::deciderText(rules.m_ruleNames, one.m_decider)) +
-                      "</strong> " + groupedText(one.m_reached.m_spam) + " spam, " +
-                      groupedText(one.m_reached.m_ham) + " ham; " + s_wrong(one) +
-                      "; confidence " + Rules::fixedText(one.m_confidence, 4) +
-                      Charts::deciderBar(one.m_reached, most),
-                  deciderTests(rules, one.m_decider) +
-                      sampleList("Judged wrongly, for example:", samples));
+    return folded(
+        "<strong>" + Page::text(Workshop::deciderText(rules.m_ruleNames, one.m_decider)) +
+            "</strong> " + groupedText(one.m_reached.m_spam) + " spam, " +
+            groupedText(one.m_reached.m_ham) + " ham; " + s_wrong(one) + "; confidence " +
+            Rules::fixedText(one.m_confidence, 4) + Charts::deciderBar(one.m_reached, most),
+        deciderTests(rules, one.m_decider) + sampleList("Judged wrongly, for example:", samples));
 }
 
 std::string s_list(std::vector<Figures> const& deciders, EvaluatedRules const& rules) {
