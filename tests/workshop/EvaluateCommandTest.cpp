@@ -3,6 +3,8 @@
 // `qvrules evaluate` as its users see it.
 #include "CommandTest.h"
 #include "support/JsonLines.h"
+#include "support/SilentDnsServer.h"
+#include "support/Terminal.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -190,6 +192,24 @@ TEST_F(EvaluateCommand, RefusesBadRulesAndMissingMail) {
     EXPECT_EQ(folder.m_errors, m_folder.path().string() + ": cannot be read: Is a directory\n");
     auto const bad = m_folder.write("bad.qvr", "tree {\n");
     EXPECT_EQ(runProgram(QV_RULES_PROGRAM, {"evaluate", bad, "--ham", bad}).m_status, 65);
+}
+
+// The last message waits for a name server that never answers.
+TEST_F(EvaluateCommand, ShowsWhatShareOfTheMailIsDone) {
+    SilentDnsServer const server;
+    std::string box;
+    for (int i = 0; i < 2000; ++i) {
+        box += "From x@example.org Mon Jan  1 10:00:00 2024\nFrom: ann@example.net\n\n";
+    }
+    box += s_message("mail.example.net") + std::string(1'000'000, 'x') + "\n";
+    auto const path = m_folder.write("large.mbox", box);
+    Terminal terminal(m_folder);
+    terminal.start(std::string(QV_RULES_PROGRAM) + " evaluate " + m_rules + " --dns " +
+                   server.address() + " --dns-timeout 100 --ham " + path + " --spam " + path +
+                   " > /dev/null");
+    EXPECT_THAT(plainText(terminal.captureWith(" %  ")), HasSubstr(" messages  "));
+    terminal.type({"C-c"});
+    EXPECT_THAT(plainText(terminal.finish()), HasSubstr("status 130"));
 }
 
 } // namespace
