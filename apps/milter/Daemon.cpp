@@ -9,6 +9,7 @@
 #include "apps/milter/PidFile.h"
 #include "apps/milter/ServiceLogger.h"
 #include "apps/milter/StatusServer.h"
+#include "apps/milter/StopWatch.h"
 #include "apps/settings/SettingSources.h"
 #include "platform/LogMessages.h"
 
@@ -19,6 +20,7 @@
 #include <sys/resource.h>
 #include <systemd/sd-daemon.h>
 #include <thread>
+#include <unistd.h>
 
 namespace Quorvane::Milter {
 
@@ -123,9 +125,18 @@ bool s_finishCallbacks(Service& service) {
     return isDone;
 }
 
+int s_runLibrary(Service& service, PidFile& pidFile) {
+    StopWatch const watch([&service, &pidFile] {
+        bool const isDone = s_finishCallbacks(service);
+        pidFile.remove();
+        ::_exit(isDone ? ExitStatus::ok : ExitStatus::internal);
+    });
+    return smfi_main();
+}
+
 // Until SIGTERM, which libmilter takes. It then returns without waiting for callbacks.
-int s_serveSessions(Service& service) {
-    int const result = smfi_main();
+int s_serveSessions(Service& service, PidFile& pidFile) {
+    int const result = s_runLibrary(service, pidFile);
     bool const isDone = s_finishCallbacks(service);
     return result == MI_SUCCESS && isDone ? ExitStatus::ok : ExitStatus::internal;
 }
@@ -160,7 +171,7 @@ int serve(std::string const& path, bool foreground) {
     s_raiseFileLimit();
     Logger::install(serviceLogger(settings.m_log, foreground));
     s_openSocket(settings);
-    PidFile const pidFile(settings.m_pidFile);
+    PidFile pidFile(settings.m_pidFile);
     becomeUser(settings.m_user);
     // Callbacks that are still under way when the process ends use it. Made by the user that will
     // reload: what that user may not read is found out now.
@@ -174,7 +185,7 @@ int serve(std::string const& path, bool foreground) {
     logMessage(LogId::started, settings.m_socket);
     background.ready();
     ::sd_notify(0, "READY=1");
-    return s_serveSessions(*service);
+    return s_serveSessions(*service, pidFile);
 }
 
 } // namespace Quorvane::Milter

@@ -23,6 +23,10 @@ PidFile::PidFile(std::string path) : m_path(std::move(path)) {
 
 // The daemon may have lost the right to do so; a number that is left behind harms nobody.
 PidFile::~PidFile() {
+    remove();
+}
+
+void PidFile::remove() {
     if (!m_path.empty()) {
         ::unlink(m_path.c_str());
     }

@@ -14,6 +14,9 @@ class PidFile {
     PidFile& operator=(PidFile const&) = delete;
     ~PidFile();
 
+    // Before the object ends.
+    void remove();
+
   private:
     std::string m_path;
 };

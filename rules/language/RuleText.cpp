@@ -93,7 +93,7 @@ std::string hexLines(char const* word, std::string_view bytes) {
 std::string ruleText(RuleSet const& set) {
     auto const names = s_usualNames(set.m_names);
     NamePrinter atRules(names);
-    auto const text = s_ruleText(set, "", atRules);
+    auto text = s_ruleText(set, "", atRules);
     bool const isUsual = !names.empty() && atRules.hasPrintedAll();
     if (!set.m_names.m_content || isUsual) {
         return text;

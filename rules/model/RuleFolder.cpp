@@ -47,16 +47,16 @@ std::optional<Bytes> ruleFile(RuleSet const& set, std::string_view name) {
     return name == namesFileName ? set.m_names.m_content : set.m_readme;
 }
 
-RuleSet readFolder(std::filesystem::path const& named) {
-    s_checkIsNoFile(named);
-    auto const folder = s_realFolder(named);
+RuleSet readFolder(std::filesystem::path const& folder) {
+    s_checkIsNoFile(folder);
+    auto const real = s_realFolder(folder);
     RuleSet set;
-    readTree(readRuleFile(folder / treeFileName), set);
-    if (auto const elite = readRuleFileIfThere(folder / eliteFileName)) {
+    readTree(readRuleFile(real / treeFileName), set);
+    if (auto const elite = readRuleFileIfThere(real / eliteFileName)) {
         set.m_elite = readElite(*elite);
     }
-    set.m_readme = readRuleFileIfThere(folder / versionFileName);
-    set.m_names = readNamesFile(folder);
+    set.m_readme = readRuleFileIfThere(real / versionFileName);
+    set.m_names = readNamesFile(real);
     return set;
 }
 

@@ -13,7 +13,7 @@ import threading
 import time
 import unittest
 
-from milter import FailingDnsServer, MilterTest, SilentDnsServer, check, wait_for
+from milter import SANITIZED, FailingDnsServer, MilterTest, SilentDnsServer, check, wait_for
 from protocol import MailServer
 
 MESSAGE = """
@@ -208,6 +208,15 @@ class Life(MilterTest):
         with socket.socket(socket.AF_UNIX) as client:
             client.connect(str(daemon.socket))
             self.assertEqual(daemon.stop(), 0, "".join(daemon.log))
+
+    @unittest.skipIf(SANITIZED, "sanitizers have to be loaded first")
+    def test_term_ends_it_even_when_libmilter_never_returns(self):
+        daemon = self.daemon()
+        daemon.configure(own=f'pid-file = "{daemon.pid_file}"')
+        daemon.start(env={**os.environ, "LD_PRELOAD": os.environ["QV_STUCK_LIBRARY"]})
+        self.assertTrue(daemon.pid_file.exists())
+        self.assertEqual(daemon.stop(), 0, "".join(daemon.log))
+        self.assertFalse(daemon.pid_file.exists())
 
     def test_term_waits_for_a_message_that_waits_for_dns(self):
         with SilentDnsServer() as server:

@@ -99,6 +99,10 @@ class FailingDnsServer(socketserver.UDPServer):
         self.server_close()
 
 
+# Seconds; far longer than a daemon takes to end on a loaded machine.
+PATIENCE = 120
+
+
 def wait_for(condition, what, seconds=30):
     """Returns what `condition` returns as soon as it is true."""
     end = time.monotonic() + seconds
@@ -224,7 +228,11 @@ class Daemon:
 
     def _wake(self):
         """libmilter looks whether it has to end when somebody connects, or every 5 seconds."""
+        end = time.monotonic() + PATIENCE
         while self.process.poll() is None:
+            if time.monotonic() > end:
+                self.process.kill()
+                raise AssertionError("qvmilter does not end:\n" + "".join(self.log))
             with socket.socket(socket.AF_UNIX) as client:
                 client.connect_ex(str(self.socket))
             time.sleep(0.02)
