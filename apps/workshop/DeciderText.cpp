@@ -93,7 +93,10 @@ std::vector<DeciderTest> vectorFacts(Rules::AttributeVector const& vector) {
     record.attributes = vector;
     std::vector<DeciderTest> facts;
     for (auto const& [name, value, words] : attributeLines(record)) {
-        facts.push_back({name + " is " + value, words});
+        auto text = name;
+        text += " is ";
+        text += value;
+        facts.push_back({text, words});
     }
     return facts;
 }

@@ -232,10 +232,12 @@ TEST_F(InstallerTest, InstallationsAtTheSameTimeWaitForOneAnother) {
 // A process that installs sets for ever.
 pid_t s_beginInstalling(fs::path const& folder) {
     auto const child = ::fork();
-    for (std::int32_t mark = 1; child == 0; ++mark) {
+    if (child != 0) {
+        return child;
+    }
+    for (std::int32_t mark = 1;; ++mark) {
         installRules(folder, s_set(mark), "");
     }
-    return child;
 }
 
 TEST_F(InstallerTest, AnInstallationThatIsKilledLeavesAWholeSetAtEveryMoment) {
@@ -263,9 +265,9 @@ TEST_F(InstallerTest, WhatAKilledInstallationLeftIsRemovedByTheNext) {
     fs::create_directories(m_rules / "sets" / ".new" / "deep");
     fs::create_directories(m_rules / "sets" / ".old");
     std::ofstream(m_rules / "sets" / ".new" / eliteFileName) << "old";
-    std::ofstream(m_rules / ".qv.dt.a1B2c3");
+    std::ofstream(m_rules / ".qv.dt.a1B2c3") << "old";
     fs::create_symlink("sets/7", m_rules / ".current.new");
-    std::ofstream(m_rules / ".mine.a1B2c3"); // not ours
+    std::ofstream(m_rules / ".mine.a1B2c3") << "not ours";
     install(s_set(3));
     EXPECT_EQ(names(), (std::set<std::string>{".mine.a1B2c3", "README", "current", "qv.dt",
                                               "qv.names", "qv2.dt", "sets"}));
