@@ -9,7 +9,6 @@
 //   getResults     Verdict.cpp        EliteNodes.cpp and DecisionTree.cpp turn it into the answer
 #include "adapter/DeepHeaderAdapter.h"
 #include "include2/DeepHeaderException.h"
-#include "platform/File.h"
 #include "scanner/records/RecordAccess.h"
 
 namespace Quorvane {
@@ -43,20 +42,10 @@ RefDeepHeaderAdapter* s_adapterInstance = nullptr;
 
 // --- construction -------------------------------------------------------------------------------
 
-// An engine without elite rules is a valid one. An installation puts another set in force in one
-// step; when that happened between the two files, both are read again.
+// An engine without elite rules is a valid one.
 DeepHeaderAdapter::DeepHeaderAdapter() : m_dtNodes{}, m_eliteHeader{} {
-    auto const realFolder = [] { return File::realFolder(ruleDirectory, treeFileName); };
-    std::string folder;
-    int result = 0;
-    do {
-        folder = realFolder();
-        m_eliteHeader = EliteFileHeader{};
-        m_eliteNodes.clear();
-        loadEliteNodes();
-        result = loadDTRules();
-    } while (realFolder() != folder);
-    s_requireLoaded(result);
+    loadEliteNodes();
+    s_requireLoaded(loadDTRules());
 }
 
 DeepHeaderAdapter::DeepHeaderAdapter(std::istream& tree, std::istream* elite)

@@ -17,7 +17,6 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
-#include <vector>
 
 namespace Quorvane {
 
@@ -45,10 +44,6 @@ class QV_API DeepHeaderEngine {
     // What the rules say of a message of which only these attributes are known.
     ScanRecord judge(std::array<std::int32_t, 38> const& attributes,
                      DeepHeaderSettings const& settings, RecordDepth depth) const;
-
-    // The numbers of the attributes that the rules test, in their order. A program whose rules test
-    // nothing that depends on DNS need not let its resolver ask.
-    std::vector<std::int32_t> testedAttributes() const;
 
   private:
     explicit DeepHeaderEngine(RefDeepHeaderAdapter const& engine);

@@ -102,7 +102,6 @@ struct RecordedLookup {
         reverseName,    // does the reverse name of the first public hop have its address?
         announcedName,  // does the name that this hop announced exist?
         envelopeDomain, // does the domain of the envelope sender exist?
-        relayScore,     // what does a DNS list say of a relay? Asked by the host, before the scan.
     };
     Question question = Question::reverseName;
     std::string name;

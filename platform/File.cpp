@@ -29,10 +29,6 @@ std::string s_join(std::string const& dir, std::string const& name) {
     return dir.back() == '/' ? dir + name : dir + '/' + name;
 }
 
-std::string s_belowRoot(std::string const& path) {
-    return path.compare(0, 1, "/") == 0 ? s_root() + path : path;
-}
-
 } // namespace
 
 void setRoot(std::string const& folder) {
@@ -48,22 +44,15 @@ std::string const& root() {
     return s_root();
 }
 
-Path::Path(std::string const& dir, std::string const& name)
-    : m_path(s_belowRoot(s_join(dir, name))) {}
+Path::Path(std::string const& dir, std::string const& name) : m_path(s_join(dir, name)) {
+    if (m_path.compare(0, 1, "/") == 0) {
+        m_path.insert(0, root());
+    }
+}
 
 bool Path::exists() const {
     std::error_code error;
     return std::filesystem::exists(m_path, error);
-}
-
-std::string realFolder(std::string const& dir, std::string const& name) {
-    std::error_code error;
-    return std::filesystem::canonical(s_belowRoot(s_join(dir, name)), error).parent_path();
-}
-
-bool Path::isRegularFile() const {
-    std::error_code error;
-    return std::filesystem::is_regular_file(m_path, error);
 }
 
 } // namespace Quorvane::File

@@ -22,10 +22,6 @@ QV_API void setRoot(std::string const& folder);
 // The root folder without a trailing slash: "" stands for "/".
 QV_API std::string const& root();
 
-// The folder that holds the file `name` of `dir`, below the root folder, once all links are
-// followed; empty when there is no such file.
-QV_API std::string realFolder(std::string const& dir, std::string const& name);
-
 // A joined path below the root folder. A value: copy freely, share read-only.
 class QV_API Path {
   public:
@@ -33,7 +29,6 @@ class QV_API Path {
     Path(std::string const& dir, std::string const& name);
 
     bool exists() const;
-    bool isRegularFile() const;
     // NUL-terminated; valid as long as this object.
     operator const char*() const { return m_path.c_str(); }
 
@@ -41,18 +36,12 @@ class QV_API Path {
     std::string m_path;
 };
 
-// The standard input file stream over a Path. It is not open when the path is no regular file: a
-// pipe would keep whoever reads it waiting, where no signal may reach it.
+// The standard input file stream over a Path.
 template<typename CharT>
 class basic_ifstream : public std::basic_ifstream<CharT> {
   public:
-    explicit basic_ifstream(Path const& path, std::ios_base::openmode mode = std::ios_base::in) {
-        if (path.isRegularFile()) {
-            this->open(static_cast<char const*>(path), mode);
-        } else {
-            this->setstate(std::ios_base::failbit);
-        }
-    }
+    explicit basic_ifstream(Path const& path, std::ios_base::openmode mode = std::ios_base::in)
+        : std::basic_ifstream<CharT>(static_cast<char const*>(path), mode) {}
 };
 
 } // namespace Quorvane::File

@@ -104,10 +104,6 @@ void Resolver::configure(ResolverSettings const& settings) {
     configure(prepare(settings));
 }
 
-void Resolver::stop() {
-    m_slot->engine()->m_stop.request_stop();
-}
-
 ResolverMessage Resolver::submit(RecordType type, std::string const& name,
                                  RecordClass recordClass) {
     return start(type, name, recordClass).wait();

@@ -77,7 +77,6 @@ struct ResolverSettings {
     // are skipped; no wildcards. Aliases (CNAME) are followed, up to 8 in a row.
     std::vector<std::string> m_zoneData;
     // From the call to the answer, for each look-up; late answers count as empty. 1 ms to 10 min.
-    // LookupDeadline.h sets one end for several.
     std::chrono::milliseconds m_deadline{2000};
 };
 
@@ -128,10 +127,6 @@ class QV_API Resolver {
     // look-up puts default settings in force; when the system's configuration cannot be used then,
     // look-ups count as failed until a call.
     void configure(ResolverSettings const& settings);
-
-    // For a host that ends: scans under way end soon. Look-ups that are waited for end at once, and
-    // later ones are not asked; they count as failed. Until other settings are put in force.
-    void stop();
 
     // Blocking look-up. One trailing dot is ignored. An address literal, an empty name and a name
     // that is not a domain name do not resolve, and nothing is asked for them: names hold no blanks

@@ -2,7 +2,6 @@
 #include "DeepHeaderEngine.h"
 
 #include "adapter/RecordedScan.h"
-#include "adapter/TestedAttributes.h"
 #include "DeepHeaderScanner.h"
 
 namespace Quorvane {
@@ -31,11 +30,6 @@ ScanRecord DeepHeaderEngine::judge(std::array<std::int32_t, 38> const& attribute
                                    DeepHeaderSettings const& settings, RecordDepth depth) const {
     RefDeepHeaderAdapter engine(*m_engine);
     return recordJudgement(*engine.operator->(), attributes, settings, depth);
-}
-
-std::vector<std::int32_t> DeepHeaderEngine::testedAttributes() const {
-    RefDeepHeaderAdapter engine(*m_engine);
-    return Quorvane::testedAttributes(*engine.operator->());
 }
 
 } // namespace Quorvane

@@ -2,14 +2,10 @@
 #include "apps/commandline/Program.h"
 
 #include "apps/commandline/Help.h"
-#include "apps/commandline/Output.h"
-#include "apps/commandline/StandardDescriptors.h"
 #include "apps/text/Utf8.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iostream>
-#include <unistd.h>
 
 namespace Quorvane {
 
@@ -47,7 +43,6 @@ std::string s_helpCommand(ProgramTable const& program, Words const& words) {
 
 int runProgram(ProgramTable const& program, int argc, char const* const* argv,
                int (*run)(CommandLine const& line)) {
-    openClosedDescriptors();
     Words const words(argv + std::min(argc, 1), argv + argc);
     try {
         return s_run(program, words, run);
@@ -64,12 +59,9 @@ int runProgram(ProgramTable const& program, int argc, char const* const* argv,
 }
 
 void printOutput(std::string const& text) {
-    Output output(STDOUT_FILENO);
-    output.write(text);
-    if (output.error() != 0) {
-        throw ProgramError(ExitStatus::cannotWrite,
-                           std::string("standard output: cannot be written: ") +
-                               std::strerror(output.error()));
+    std::cout << text << std::flush;
+    if (!std::cout) {
+        throw ProgramError(ExitStatus::cannotWrite, "standard output: cannot be written");
     }
 }
 

@@ -4,7 +4,6 @@
 #include "apps/page/Escape.h"
 #include "apps/page/Table.h"
 #include "apps/text/NumberText.h"
-#include "rules/evaluate/Concerns.h"
 #include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Reports {
@@ -58,42 +57,37 @@ std::string s_figure(Comparison const& what, Rules::Evaluation const& evaluation
 
 std::string s_area(Rules::CorpusFigures const& figures) {
     auto const total = figures.judged();
-    if (total.m_spam == 0 || total.m_ham == 0) {
-        return "&ndash;";
-    }
-    return "<span>" + Rules::fixedText(figures.m_roc.area(), 4) +
-           (Rules::isBelowGuessing(figures) ? " <strong class=\"flag\">below 0.5</strong>" : "") +
-           "</span>";
+    return total.m_spam == 0 || total.m_ham == 0 ? "&ndash;"
+                                                 : Rules::fixedText(figures.m_roc.area(), 4);
 }
 
 std::string s_withInterval(Rules::Rate const& rate) {
     return rate.m_total == 0 ? shareText(rate)
-                             : "<span>" + shareText(rate) + " <span class=\"interval muted\">" +
-                                   Rules::intervalText(rate) + "</span></span>";
+                             : shareText(rate) + "<br><span class=\"muted\">" +
+                                   Rules::intervalText(rate) + "</span>";
 }
 
 void s_addRow(Page::Table& table, Rules::CorpusFigures const& figures) {
     auto const judged = figures.judged();
-    table.row({Page::isolated(figures.m_name), s_withInterval(figures.caught()),
-               s_withInterval(figures.falsePositives()), s_withInterval(figures.passed()),
-               s_withInterval(figures.missed()), s_area(figures), shareText(figures.judgeable()),
-               groupedText(judged.m_spam), groupedText(judged.m_ham)});
+    table.row({Page::isolated(figures.m_name), groupedText(judged.m_spam),
+               groupedText(judged.m_ham), shareText(figures.judgeable()),
+               s_withInterval(figures.caught()), s_withInterval(figures.falsePositives()),
+               s_withInterval(figures.passed()), s_withInterval(figures.missed()),
+               s_area(figures)});
 }
 
 } // namespace
 
 std::string comparisonSection(Rules::Evaluation const& evaluation) {
-    Page::Table table("The corpora side by side",
-                      {{"Corpus"},
-                       {"Spam called spam", true},
-                       {"Ham called spam", true},
-                       {"Ham called ham", true},
-                       {"Spam called ham", true},
-                       {"ROC area", true},
-                       {"Judgeable", true},
-                       {"Spam", true},
-                       {"Ham", true}},
-                      Page::Narrow::cards);
+    Page::Table table("The corpora side by side", {{"Corpus"},
+                                                   {"Spam", true},
+                                                   {"Ham", true},
+                                                   {"Judgeable", true},
+                                                   {"Spam called spam", true},
+                                                   {"Ham called spam", true},
+                                                   {"Ham called ham", true},
+                                                   {"Spam called ham", true},
+                                                   {"ROC area", true}});
     for (auto const& corpus : evaluation.m_corpora) {
         s_addRow(table, corpus);
     }

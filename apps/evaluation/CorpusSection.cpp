@@ -205,7 +205,7 @@ std::string corpusSection(Rules::CorpusFigures const& figures, std::string const
                           EvaluatedRules const& rules) {
     auto section = "<section class=\"corpus\" id=\"" + id + "\" aria-labelledby=\"" + id +
                    "-name\">\n<h2 id=\"" + id + "-name\">" + Page::isolated(figures.m_name) +
-                   "</h2>\n" + s_lead(figures) + concernList(figures);
+                   "</h2>\n" + s_lead(figures);
     if (figures.judged().total() != 0) {
         section += s_verdictBlock(figures, id) + s_rocBlock(figures, id, rules) +
                    s_reliabilityBlock(figures, id);

@@ -28,12 +28,11 @@ std::string s_item(Figures const& one, Rules::RuleSet const& set, std::uint64_t 
     for (auto const& sample : one.m_samples) {
         samples.push_back("<code>" + Page::isolated(sample) + "</code>");
     }
-    return folded(
-        "<strong>" + Workshop::deciderName(one.m_decider) + "</strong> " +
-            groupedText(one.m_reached.m_spam) + " spam, " + groupedText(one.m_reached.m_ham) +
-            " ham; " + s_wrong(one) + "; confidence " + Rules::fixedText(one.m_confidence, 4) +
-            Charts::deciderBar(one.m_reached, most),
-        deciderTests(set, one.m_decider) + sampleList("Judged wrongly, for example:", samples));
+    return "<p class=\"decider\"><strong>" + Workshop::deciderName(one.m_decider) + "</strong> " +
+           groupedText(one.m_reached.m_spam) + " spam, " + groupedText(one.m_reached.m_ham) +
+           " ham; " + s_wrong(one) + "; confidence " + Rules::fixedText(one.m_confidence, 4) +
+           "</p>\n" + Charts::deciderBar(one.m_reached, most) + deciderTests(set, one.m_decider) +
+           sampleList("Judged wrongly, for example:", samples);
 }
 
 std::string s_list(std::vector<Figures> const& deciders, Rules::RuleSet const& set) {

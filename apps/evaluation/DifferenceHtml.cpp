@@ -2,16 +2,19 @@
 #include "apps/charts/Charts.h"
 #include "apps/evaluation/Parts.h"
 #include "apps/page/Escape.h"
-#include "apps/page/Jumps.h"
 #include "apps/page/Page.h"
 #include "apps/page/Table.h"
 #include "apps/text/NumberText.h"
+
+#include <algorithm>
 
 namespace Quorvane::Reports {
 
 namespace {
 
 using Rules::MailKind;
+
+constexpr char arrow[] = "\xE2\x86\x92";
 
 std::string s_header(Rules::Difference const& difference, ComparedSets const& sets) {
     auto const changed = difference.changed();
@@ -68,7 +71,7 @@ struct Way {
 std::string s_wayTable(Rules::Difference const& difference) {
     std::map<std::string, Way> ways;
     for (auto const& group : difference.m_groups) {
-        auto& way = ways[changeWords(group)];
+        auto& way = ways[changeText(group, arrow)];
         way.m_counts += group.m_counts;
         for (auto const kind : Rules::mailKinds) {
             auto const gain = improvement(kind, group.m_before.m_verdict, group.m_after.m_verdict);
@@ -76,14 +79,12 @@ std::string s_wayTable(Rules::Difference const& difference) {
             way.m_worse += gain < 0 ? group.m_counts.of(kind) : 0;
         }
     }
-    Page::Table table("Changes by kind",
-                      {{"Verdict"},
-                       {"Spam", true},
-                       {"Ham", true},
-                       {"Unsorted", true},
-                       {"Better", true},
-                       {"Worse", true}},
-                      Page::Narrow::cards);
+    Page::Table table("Changes by kind", {{"Verdict"},
+                                          {"Spam", true},
+                                          {"Ham", true},
+                                          {"Unsorted", true},
+                                          {"Better", true},
+                                          {"Worse", true}});
     for (auto const& [name, way] : ways) {
         table.row({name, groupedText(way.m_counts.of(MailKind::spam)),
                    groupedText(way.m_counts.of(MailKind::ham)),
@@ -123,13 +124,36 @@ std::string s_confidenceSection(Rules::ConfidenceChanges const& changes) {
                        signedText(changes.m_largest) + ".</p>\n" + table.html());
 }
 
-std::string s_jumps(Rules::Difference const& difference) {
-    std::vector<Page::Jump> jumps{{"verdicts", "Verdicts"}, {"changes", "What changes"}};
-    if (!difference.m_groups.empty()) {
-        jumps.insert(jumps.begin() + 1, {"ways", "Which way"});
+std::string s_ruling(std::string const& when, Rules::JudgedVector const& judged,
+                     Rules::RuleSet const& set) {
+    return "<p class=\"decider\">" + when + ": " + Page::text(rulingText(judged)) + "</p>\n" +
+           (judged.m_decider.m_number == 0 ? "" : deciderTests(set, judged.m_decider));
+}
+
+std::string s_item(Rules::ChangeGroup const& group, ComparedSets const& sets) {
+    std::vector<std::string> samples;
+    for (auto const& sample : group.m_samples) {
+        samples.push_back(std::string(Rules::mailKindName(sample.m_kind)) + " <code>" +
+                          Page::isolated(sample.m_source) + "</code>");
     }
-    jumps.push_back({"confidence", "Other confidence"});
-    return Page::jumps(jumps);
+    return "<p class=\"decider\"><strong>" + changeText(group, arrow) + "</strong> " +
+           kindsText(group.m_counts) + "</p>\n" +
+           sideBySide(s_ruling("Before", group.m_before, sets.m_before.m_set),
+                      s_ruling("After", group.m_after, sets.m_after.m_set)) +
+           sampleList("For example:", samples);
+}
+
+// Each kind of change with the rules before and after it, most messages first.
+std::string s_groupSection(Rules::Difference const& difference, ComparedSets const& sets) {
+    auto const& groups = difference.m_groups;
+    std::vector<std::string> items;
+    for (std::size_t i = 0; i < std::min(groups.size(), pageChanges); ++i) {
+        items.push_back(s_item(groups[i], sets));
+    }
+    return section("changes", "What changes, and by which rules",
+                   items.empty()
+                       ? emptyNote("No verdict changes.")
+                       : ruleList(items, groups.size() - items.size(), " kinds of change"));
 }
 
 } // namespace
@@ -138,11 +162,10 @@ std::string differenceHtml(Rules::Difference const& difference, ComparedSets con
     Page::Document document;
     document.m_title = "From " + sets.m_before.m_name + " to " + sets.m_after.m_name;
     document.m_style = std::string(Charts::style()) + std::string(pageStyle());
-    document.m_script = differenceScript();
-    document.m_body =
-        s_header(difference, sets) + s_jumps(difference) + "<main>\n" +
-        s_verdictSection(difference) + s_sumSection(difference) + changeSection(difference, sets) +
-        s_confidenceSection(difference.m_confidence) + "</main>\n<footer class=\"end\"></footer>\n";
+    document.m_body = s_header(difference, sets) + "<main>\n" + s_verdictSection(difference) +
+                      s_sumSection(difference) + s_groupSection(difference, sets) +
+                      s_confidenceSection(difference.m_confidence) +
+                      "</main>\n<footer class=\"end\"></footer>\n";
     return Page::html(document);
 }
 

@@ -64,7 +64,7 @@ void s_addSum(std::ostream& text, Rules::Difference const& difference) {
          << groupedText(changed.of(MailKind::unsorted)) << " unsorted\n";
     std::map<std::string, KindCounts> byChange;
     for (auto const& group : difference.m_groups) {
-        byChange[changeText(group)] += group.m_counts;
+        byChange[changeText(group, "->")] += group.m_counts;
     }
     for (auto const& [change, counts] : byChange) {
         text << "  " << std::setw(16) << change << kindsText(counts) << '\n';
@@ -102,7 +102,7 @@ void s_addGroups(std::ostream& text, Rules::Difference const& difference,
                  << " more kinds of change; --format json lists all\n\n";
             return;
         }
-        text << changeText(group) << ": " << kindsText(group.m_counts) << '\n';
+        text << changeText(group, "->") << ": " << kindsText(group.m_counts) << '\n';
         s_addRuling(text, "before: ", group.m_before, sets.m_before.m_set);
         s_addRuling(text, "after:  ", group.m_after, sets.m_after.m_set);
         for (auto const& sample : group.m_samples) {

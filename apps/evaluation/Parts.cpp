@@ -4,7 +4,6 @@
 #include "apps/page/Escape.h"
 #include "apps/text/NumberText.h"
 #include "apps/workshop/DeciderText.h"
-#include "rules/evaluate/Concerns.h"
 #include "rules/evaluate/FigureText.h"
 
 namespace Quorvane::Reports {
@@ -24,18 +23,9 @@ std::string kindsText(Rules::KindCounts const& counts) {
     return text.empty() ? "none" : text;
 }
 
-std::string changeText(Rules::ChangeGroup const& group) {
-    return Rules::verdictName(group.m_before.m_verdict) + std::string(" -> ") +
+std::string changeText(Rules::ChangeGroup const& group, std::string const& arrow) {
+    return Rules::verdictName(group.m_before.m_verdict) + (' ' + arrow + ' ') +
            Rules::verdictName(group.m_after.m_verdict);
-}
-
-std::string changeWords(Rules::ChangeGroup const& group) {
-    auto const word = [](Rules::Verdict verdict) {
-        return verdict == Rules::Verdict::none
-                   ? std::string("without verdict")
-                   : std::string("called ") + Rules::verdictName(verdict);
-    };
-    return word(group.m_before.m_verdict) + ", now " + word(group.m_after.m_verdict);
 }
 
 std::string rulingText(Rules::JudgedVector const& judged) {
@@ -80,14 +70,6 @@ std::vector<std::string> withRate(std::vector<std::string> cells, Rules::Rate co
     return cells;
 }
 
-std::string concernList(Rules::CorpusFigures const& figures) {
-    std::string items;
-    for (auto const& concern : Rules::concerns(figures)) {
-        items += "<li>" + Page::text(concern) + "</li>\n";
-    }
-    return items.empty() ? items : "<ul class=\"concerns\">\n" + items + "</ul>\n";
-}
-
 std::string tile(std::string_view nameText, std::string const& value, std::string const& note) {
     return "<div class=\"panel\"><dt>" + Page::text(nameText) + "</dt><dd class=\"figure\">" +
            value + "</dd><dd class=\"muted\">" + note + "</dd></div>\n";
@@ -97,10 +79,6 @@ std::string rateTile(std::string_view nameText, Rules::Rate const& rate) {
     auto const counts = groupedText(rate.m_hits) + " of " + groupedText(rate.m_total) + "<br>";
     return tile(nameText, shareText(rate),
                 rate.m_total == 0 ? "no messages" : counts + Rules::intervalText(rate));
-}
-
-std::string folded(std::string const& summary, std::string const& content) {
-    return "<details><summary>" + summary + "</summary>\n" + content + "</details>\n";
 }
 
 std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
@@ -123,9 +101,10 @@ std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decide
         words += "<li>" + Page::text(test.m_words) + "</li>\n";
     }
     if (tests.empty()) {
-        return "<p>always</p>\n";
+        return "<p class=\"tests\">always</p>\n";
     }
-    return "<ul>\n" + words + "</ul>\n<p class=\"tests\">" + tests + "</p>\n";
+    return "<p class=\"tests\">" + tests + "</p>\n<details><summary>In words</summary>\n<ul>\n" +
+           words + "</ul>\n</details>\n";
 }
 
 std::string sampleList(std::string const& title, std::vector<std::string> const& samples) {

@@ -12,10 +12,9 @@
 
 namespace Quorvane::Reports {
 
-// evaluation.css, evaluation.js and difference.js.
+// evaluation.css and evaluation.js.
 std::string_view pageStyle();
 std::string_view pageScript();
-std::string_view differenceScript();
 
 // "1,234 spam and 56 ham".
 std::string labelsText(Rules::LabelCounts const& counts);
@@ -24,10 +23,7 @@ std::string labelsText(Rules::LabelCounts const& counts);
 std::string kindsText(Rules::KindCounts const& counts);
 
 // "none -> spam".
-std::string changeText(Rules::ChangeGroup const& group);
-
-// "without verdict, now called spam".
-std::string changeWords(Rules::ChangeGroup const& group);
+std::string changeText(Rules::ChangeGroup const& group, std::string const& arrow);
 
 // "node 12, 0.5 spam, adjusted by +0.1", "no rule decided".
 std::string rulingText(Rules::JudgedVector const& judged);
@@ -52,23 +48,17 @@ std::string sideBySide(std::string const& left, std::string const& right);
 // `cells`, and four more: hits, total, share, interval. Without messages: zeros and dashes.
 std::vector<std::string> withRate(std::vector<std::string> cells, Rules::Rate const& rate);
 
-// The concerns about a corpus as a list; nothing without any.
-std::string concernList(Rules::CorpusFigures const& figures);
-
 // A figure of the page's head, within <dl class="tiles">; `note` is HTML.
 std::string tile(std::string_view nameText, std::string const& value, std::string const& note);
 // A rate with its counts and interval.
 std::string rateTile(std::string_view nameText, Rules::Rate const& rate);
-
-// What opens when its summary, of phrasing content, is clicked.
-std::string folded(std::string const& summary, std::string const& content);
 
 // Rules, or kinds of change, as a list. It says that `hidden` more, called `what`, are in the JSON
 // report.
 std::string ruleList(std::vector<std::string> const& items, std::size_t hidden,
                      std::string const& what);
 
-// The tests that lead to a decider: in words, and as the rule language writes them.
+// The tests that lead to a decider: as the rule language writes them, and folded up in words.
 std::string deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider);
 
 // Examples of messages below a title; nothing without any.
@@ -76,9 +66,6 @@ std::string sampleList(std::string const& title, std::vector<std::string> const&
 
 // All corpora side by side.
 std::string comparisonSection(Rules::Evaluation const& evaluation);
-
-// Each kind of change with the rules before and after it, most messages first.
-std::string changeSection(Rules::Difference const& difference, ComparedSets const& sets);
 
 // One corpus, or all together: what the thresholds give, ROC curves, reliability. `id` is its
 // anchor on the page.

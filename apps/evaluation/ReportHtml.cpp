@@ -2,7 +2,6 @@
 #include "apps/charts/Charts.h"
 #include "apps/evaluation/Parts.h"
 #include "apps/page/Escape.h"
-#include "apps/page/Jumps.h"
 #include "apps/page/Page.h"
 #include "apps/text/NumberText.h"
 #include "rules/evaluate/FigureText.h"
@@ -24,45 +23,6 @@ std::string s_tiles(Rules::CorpusFigures const& together) {
            "</dl>\n";
 }
 
-std::string s_id(std::size_t corpus) {
-    return "corpus-" + std::to_string(corpus + 1);
-}
-
-std::string s_link(std::string const& id, std::string const& name) {
-    return "<a href=\"#" + id + "\">" + Page::isolated(name) + "</a>";
-}
-
-// What a reader must not overlook in any of the corpora.
-std::string s_concerns(Rules::Evaluation const& evaluation) {
-    std::string items;
-    auto const add = [&items](Rules::CorpusFigures const& figures, std::string const& id) {
-        if (auto const list = concernList(figures); !list.empty()) {
-            items += "<p>" + s_link(id, figures.m_name) + "</p>\n" + list;
-        }
-    };
-    auto const& corpora = evaluation.m_corpora;
-    for (std::size_t i = 0; i < corpora.size(); ++i) {
-        add(corpora[i], s_id(i));
-    }
-    if (corpora.size() > 1) {
-        add(evaluation.m_together, "together");
-    }
-    return items.empty() ? items
-                         : "<section class=\"panel concern-box\" aria-labelledby=\"concerns\">\n"
-                           "<h2 id=\"concerns\">Look at this first</h2>\n" +
-                               items + "</section>\n";
-}
-
-std::string s_jumps(Rules::Evaluation const& evaluation) {
-    bool const isOne = evaluation.m_corpora.size() == 1;
-    std::vector<Page::Jump> jumps{{s_id(0), "Figures"}};
-    if (!isOne) {
-        jumps = {{"comparison", "Side by side"}, {"corpora", "Each corpus"}};
-    }
-    jumps.insert(jumps.end(), {{"uses", "What decides"}, {"errors", "What is wrong"}});
-    return Page::jumps(jumps);
-}
-
 std::string s_header(Rules::Evaluation const& evaluation, EvaluatedRules const& rules) {
     auto const corpora = evaluation.m_corpora.size();
     auto const messages = evaluation.m_together.judgeable().m_total;
@@ -74,8 +34,15 @@ std::string s_header(Rules::Evaluation const& evaluation, EvaluatedRules const& 
            numberText(rules.m_settings.spamThreshold) +
            " on; called ham where the confidence that it is ham is " +
            numberText(rules.m_settings.hamThreshold) + " or more.</p>\n" +
-           s_tiles(evaluation.m_together) + s_concerns(evaluation) + "</header>\n" +
-           s_jumps(evaluation);
+           s_tiles(evaluation.m_together) + "</header>\n";
+}
+
+std::string s_link(std::string const& id, std::string const& name) {
+    return "<li><a href=\"#" + id + "\">" + Page::isolated(name) + "</a></li>\n";
+}
+
+std::string s_id(std::size_t corpus) {
+    return "corpus-" + std::to_string(corpus + 1);
 }
 
 // All corpora stand on the page; the script shows one at a time.
@@ -84,18 +51,15 @@ std::string s_corpora(Rules::Evaluation const& evaluation, EvaluatedRules const&
     if (corpora.size() == 1) {
         return corpusSection(corpora.front(), s_id(0), rules);
     }
-    auto const link = [](std::string const& id, std::string const& name) {
-        return "<li>" + s_link(id, name) + "</li>\n";
-    };
-    auto links = link("together", evaluation.m_together.m_name);
+    auto links = s_link("together", evaluation.m_together.m_name);
     auto sections = corpusSection(evaluation.m_together, "together", rules);
     for (std::size_t i = 0; i < corpora.size(); ++i) {
-        links += link(s_id(i), corpora[i].m_name);
+        links += s_link(s_id(i), corpora[i].m_name);
         sections += corpusSection(corpora[i], s_id(i), rules);
     }
     return comparisonSection(evaluation) +
-           "<nav class=\"corpora no-print\" id=\"corpora\" aria-label=\"Corpora\">\n<ul>\n" +
-           links + "</ul>\n</nav>\n" + sections;
+           "<nav class=\"corpora no-print\" aria-label=\"Corpora\">\n<ul>\n" + links +
+           "</ul>\n</nav>\n" + sections;
 }
 
 constexpr char notes[] =

@@ -2,7 +2,6 @@
 #include "apps/evaluation/Report.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/DeciderText.h"
-#include "rules/evaluate/Concerns.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>
@@ -73,9 +72,7 @@ Json s_corpus(Rules::CorpusFigures const& figures) {
             {"passed", s_rate(figures.passed())},
             {"missed", s_rate(figures.missed())},
             {"roc", s_roc(figures)},
-            {"reliability", s_reliability(figures)},
-            {"calibrationGap", Rules::calibrationGap(figures)},
-            {"concerns", Rules::concerns(figures)}};
+            {"reliability", s_reliability(figures)}};
 }
 
 Json s_deciders(Rules::Evaluation const& evaluation, Rules::RuleSet const& set) {

@@ -2,7 +2,6 @@
 #include "apps/evaluation/Report.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/DeciderText.h"
-#include "rules/evaluate/Concerns.h"
 #include "rules/evaluate/FigureText.h"
 
 #include <cmath>
@@ -49,9 +48,6 @@ void s_addReliability(std::ostream& text, Rules::CorpusFigures const& figures) {
 
 void s_addCorpus(std::ostream& text, Rules::CorpusFigures const& figures) {
     text << toPrintable(figures.m_name) << '\n';
-    for (auto const& concern : Rules::concerns(figures)) {
-        text << "  note: " << concern << '\n';
-    }
     s_line(text, "judgeable", Rules::rateText(figures.judgeable()));
     s_line(text, "spam called spam", Rules::rateText(figures.caught()));
     s_line(text, "ham called spam", Rules::rateText(figures.falsePositives()));

@@ -31,10 +31,7 @@
         showNamed();
       });
     }
-    addEventListener("hashchange", () => {
-      showNamed();
-      document.getElementById(location.hash.slice(1))?.scrollIntoView();
-    });
+    addEventListener("hashchange", showNamed);
     show(sections[0].id);
     showNamed();
   }

@@ -2,40 +2,35 @@
 #include "apps/host/HostSetup.h"
 
 #include "apps/host/RuleLoader.h"
-#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingsTable.h"
 #include "include2/Exception.h"
 #include "platform/DynamicIdentifier.h"
 #include "platform/Resolver.h"
 #include "platform/TrustedMTASet.h"
-#include "rules/format/AttributeTable.h"
 
-#include <algorithm>
-#include <sstream>
+#include <cerrno>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <fstream>
 #include <utility>
 
 namespace Quorvane {
 
 namespace {
 
-// A host may read the file again, and on a thread that no signal reaches.
-std::string s_text(std::string const& path, std::optional<std::string> const& text) {
-    if (text) {
-        return *text;
-    }
-    requireRegularFile(path, "give a file that can be read again");
-    return readSettingFile(path);
-}
-
 // All lines, comments and empty ones too: errors refer to their numbers.
-std::vector<std::string> s_lines(std::string const& text) {
-    std::istringstream stream(text);
+std::vector<std::string> s_lines(std::string const& path) {
+    std::ifstream file(path);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);) {
+    for (std::string line; std::getline(file, line);) {
         if (!line.empty() && line.back() == '\r') {
             line.pop_back();
         }
         lines.push_back(line);
+    }
+    if (!file.is_open() || file.bad()) {
+        throw SettingsError(path + ": cannot be read: " + std::strerror(errno));
     }
     return lines;
 }
@@ -44,7 +39,7 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
     ResolverSettings resolver;
     if (settings.m_dns == "off") {
         resolver.m_mode = ResolverSettings::Mode::off;
-    } else if (settings.m_dns != "system" && settings.m_dns != dnsAsNeeded) {
+    } else if (settings.m_dns != "system") {
         resolver.m_mode = ResolverSettings::Mode::servers;
         resolver.m_servers = {settings.m_dns};
     }
@@ -53,9 +48,12 @@ ResolverSettings s_resolverSettings(HostSettings const& settings) {
         resolver.m_servers.clear();
     }
     if (!settings.m_dnsData.empty()) {
-        resolver.m_zoneData = s_lines(s_text(settings.m_dnsData, settings.m_zoneText));
+        resolver.m_zoneData = s_lines(settings.m_dnsData);
     }
-    resolver.m_deadline = settings.lookupTime();
+    // The lists are asked at once, then the names of the scan: each round gets half of the time.
+    auto const share = settings.m_dnsLists.empty() ? 1.0 : 0.5;
+    resolver.m_deadline =
+        std::chrono::milliseconds(std::lround(settings.m_dnsTimeout * share * 1000));
     resolver.m_zoneData.insert(resolver.m_zoneData.end(), settings.m_zoneLines.begin(),
                                settings.m_zoneLines.end());
     return resolver;
@@ -80,32 +78,13 @@ std::string s_located(Exception const& error) {
 
 boost::shared_ptr<Telvanis::DynamicIdentifier> s_patterns(HostSettings const& settings) {
     using Telvanis::DynamicIdentifier;
-    auto const& path = settings.m_dynamicPatterns;
     try {
-        return path.empty()
+        return settings.m_dynamicPatterns.empty()
                    ? DynamicIdentifier::builtIn()
-                   : DynamicIdentifier::compile(s_text(path, settings.m_patternText), path);
+                   : DynamicIdentifier::load(settings.m_dynamicPatterns);
     } catch (Exception const& error) {
         throw SettingsError(s_located(error));
     }
-}
-
-// Whether "auto" is to be decided by the rules: lists of relays are asked whatever these test, and
-// local data costs nothing.
-bool s_dependsOnRules(HostSettings const& settings) {
-    return settings.m_dns == dnsAsNeeded && settings.m_dnsLists.empty() &&
-           settings.m_dnsData.empty() && settings.m_zoneLines.empty();
-}
-
-PreparedResolver s_silentResolver() {
-    ResolverSettings settings;
-    settings.m_mode = ResolverSettings::Mode::off;
-    return Resolver::prepare(settings);
-}
-
-// REQUIRES: s_dependsOnRules(settings).
-PreparedResolver s_resolverFor(HostSettings const& settings, DeepHeaderEngine const& engine) {
-    return needsLookups(engine) ? s_resolver(settings) : s_silentResolver();
 }
 
 // The tables of the process for all scans, built but not yet in force.
@@ -113,15 +92,7 @@ class PreparedPlatform {
   public:
     explicit PreparedPlatform(HostSettings const& settings)
         : m_trusted(settings.m_trusted, settings.m_antiSpam, settings.m_internal),
-          m_patterns(s_patterns(settings)),
-          m_resolver(s_dependsOnRules(settings) ? nullptr : s_resolver(settings)) {}
-
-    // Completes it, once the rules are known.
-    void fit(HostSettings const& settings, DeepHeaderEngine const& engine) {
-        if (m_resolver == nullptr) {
-            m_resolver = s_resolverFor(settings, engine);
-        }
-    }
+          m_patterns(s_patterns(settings)), m_resolver(s_resolver(settings)) {}
 
     // Only swaps pointers.
     void publish() {
@@ -136,43 +107,20 @@ class PreparedPlatform {
     PreparedResolver m_resolver;
 };
 
-LoadedRules s_rules(std::string const& rootName) {
-    try {
-        return loadRules();
-    } catch (NoRulesError const& error) {
-        throw NoRulesError(error.what() + ("; " + rootName) + " says below which folder to look");
-    }
-}
-
 } // namespace
-
-bool needsLookups(DeepHeaderEngine const& engine) {
-    auto const tested = engine.testedAttributes();
-    return std::any_of(tested.begin(), tested.end(), [](std::int32_t attribute) {
-        return dependsOnDns(attributeTable.at(static_cast<std::size_t>(attribute)));
-    });
-}
-
-void settleDns(HostSettings& settings, bool isNeeded) {
-    if (settings.m_dns == dnsAsNeeded) {
-        settings.m_dns = isNeeded ? "system" : "off";
-    }
-}
 
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, DeepHeaderEngine engine) {
     PreparedPlatform platform(settings);
-    platform.fit(settings, engine);
     auto host = std::make_shared<ScanHost const>(settings, std::move(engine));
     platform.publish();
     return host;
 }
 
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
                                           std::shared_ptr<Logger> logger) {
     PreparedPlatform platform(settings);
     useRoot(settings.m_root);
-    auto rules = s_rules(rootName);
-    platform.fit(settings, rules.m_engine);
+    auto rules = loadRules();
     auto host =
         std::make_shared<ScanHost const>(settings, std::move(rules.m_engine), rules.m_version);
     if (logger != nullptr) {
@@ -188,10 +136,6 @@ std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> h
         return host;
     }
     auto rules = loadRules();
-    if (s_dependsOnRules(host->settings()) &&
-        needsLookups(rules.m_engine) != needsLookups(host->engine())) {
-        Resolver::instance().configure(s_resolverFor(host->settings(), rules.m_engine));
-    }
     return std::make_shared<ScanHost const>(
         host->judgingWith(std::move(rules.m_engine), rules.m_version));
 }

@@ -15,22 +15,13 @@
 #include "platform/Logger.h"
 
 #include <memory>
-#include <string>
 
 namespace Quorvane {
 
-// Whether an answer of DNS can change a verdict of the engine's rules.
-bool needsLookups(DeepHeaderEngine const& engine);
-
-// For programs that know better than the host of this process whether look-ups are of use, as they
-// show attributes or judge with other rules: makes "auto" mean that names are asked, or not.
-void settleDns(HostSettings& settings, bool isNeeded);
-
-// A host with the rules below the root folder of the settings, which the program's users set by
-// `rootName` ("--root"). `logger`, when not null, becomes the process's logger. The root folder is
-// set once: a later call with another one is refused, and so are rules that are newer than those in
-// force and cannot be loaded.
-std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
+// A host with the rules below the root folder of the settings. `logger`, when not null, becomes the
+// process's logger. The root folder is set once: a later call with another one is refused, and so
+// are rules that are newer than those in force and cannot be loaded.
+std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings,
                                           std::shared_ptr<Logger> logger = nullptr);
 
 // The same host, or one with the rules of a newer version if such are installed by now. A

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <exception>
 #include <optional>
-#include <utility>
 
 namespace Quorvane {
 
@@ -68,14 +67,12 @@ std::vector<IPAddress> RelayScores::askedRelays(HeaderContainer const& headers,
     return relays;
 }
 
-std::vector<RecordedLookup> RelayScores::describe(HeaderContainer const& headers,
-                                                  IPAddress const& client,
-                                                  MessageProperties& properties) const {
+void RelayScores::describe(HeaderContainer const& headers, IPAddress const& client,
+                           MessageProperties& properties) const {
     auto& analysis = properties.receivedHeaderAnalysis();
     analysis.reputation(m_table);
     auto score = m_table == nullptr ? 0 : m_table->score(client).value_or(0);
-    auto answers = askLists(askedRelays(headers, client));
-    for (auto const& entry : answers.m_known) {
+    for (auto const& entry : askLists(askedRelays(headers, client))) {
         analysis.push_back(entry);
         if (entry.m_received.address() == client) {
             score = entry.m_score;
@@ -84,36 +81,31 @@ std::vector<RecordedLookup> RelayScores::describe(HeaderContainer const& headers
     if (!client.isNull()) {
         properties.clientScore(static_cast<std::uint32_t>(score));
     }
-    return std::move(answers.m_lookups);
 }
 
 // RFC 5782 sections 2.1 and 2.4 say how a list is asked.
-RelayScores::Answers RelayScores::askLists(std::vector<IPAddress> const& relays) const {
-    using Question = RecordedLookup::Question;
-    Answers answers;
-    std::vector<PendingLookup> pending;
+std::vector<AnalysedReceived> RelayScores::askLists(std::vector<IPAddress> const& relays) const {
+    std::vector<PendingLookup> lookups;
     for (auto const& relay : relays) {
         for (auto const& list : m_lists) {
-            auto name = relay.reversedLabels() + list.m_zone;
-            pending.push_back(Resolver::instance().start(RecordType::A, name, RecordClass::IN));
-            answers.m_lookups.push_back({Question::relayScore, std::move(name), {}});
+            lookups.push_back(Resolver::instance().start(
+                RecordType::A, relay.reversedLabels() + list.m_zone, RecordClass::IN));
         }
     }
-    std::size_t next = 0;
+    std::vector<AnalysedReceived> known;
+    auto lookup = lookups.begin();
     for (auto const& relay : relays) {
         std::optional<std::int32_t> lowest;
         for (auto const& list : m_lists) {
-            auto const answer = pending.at(next).wait();
-            answers.m_lookups.at(next++).result = answer.result();
-            if (auto const score = s_score(answer, list.m_answers)) {
+            if (auto const score = s_score((lookup++)->wait(), list.m_answers)) {
                 lowest = std::min(lowest.value_or(*score), *score);
             }
         }
         if (lowest) {
-            answers.m_known.push_back({Received(relay), *lowest});
+            known.push_back({Received(relay), *lowest});
         }
     }
-    return answers;
+    return known;
 }
 
 } // namespace Quorvane

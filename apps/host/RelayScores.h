@@ -10,7 +10,6 @@
 #include "platform/HeaderContainer.h"
 #include "platform/MessageProperties.h"
 #include "platform/ReputationTable.h"
-#include "ScanRecord.h"
 
 #include <cstdint>
 #include <memory>
@@ -29,11 +28,11 @@ class RelayScores {
                 std::vector<DnsList> const& lists);
 
     // Writes what is known of the client, which may be null, and of the relays that the Received
-    // headers name. All look-ups run side by side; the result says how each ended. A list that does
-    // not answer in time says nothing. Of several lists that know a relay the lowest score counts,
-    // so that a block list overrules a list of good relays.
-    std::vector<RecordedLookup> describe(HeaderContainer const& headers, IPAddress const& client,
-                                         MessageProperties& properties) const;
+    // headers name. All look-ups run side by side, and a list that does not answer in time says
+    // nothing. Of several lists that know a relay the lowest score counts, so that a block list
+    // overrules a list of good relays.
+    void describe(HeaderContainer const& headers, IPAddress const& client,
+                  MessageProperties& properties) const;
 
   private:
     struct List {
@@ -41,12 +40,7 @@ class RelayScores {
         ReputationTable m_answers;
     };
 
-    struct Answers {
-        std::vector<AnalysedReceived> m_known;
-        std::vector<RecordedLookup> m_lookups;
-    };
-
-    Answers askLists(std::vector<IPAddress> const& relays) const;
+    std::vector<AnalysedReceived> askLists(std::vector<IPAddress> const& relays) const;
     std::vector<IPAddress> askedRelays(HeaderContainer const& headers,
                                        IPAddress const& client) const;
 

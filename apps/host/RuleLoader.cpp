@@ -12,9 +12,9 @@
 #include "rules/model/RuleError.h"
 
 #include <array>
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -56,6 +56,21 @@ void LoadLogger::log(int messageId, int reserved, char const* format, ...) {
     }
 }
 
+// While rules are installed their version is 0, so that nobody loads half of two sets. That takes a
+// quarter of a second; a host that starts just then looks again before it gives up.
+DeepHeaderEngine s_loadAfterInstallation(LoadLogger const& logger) {
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    for (;;) {
+        DeepHeaderScanner().init();
+        auto engine = DeepHeaderEngine::inForce();
+        if (!engine.isEmpty() || !logger.text().empty() ||
+            std::chrono::steady_clock::now() >= deadline) {
+            return engine;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
 // A version that is not a number above 0 is never newer than "nothing loaded", and the library then
 // has nothing to log.
 std::string s_whyNotLoaded(std::string const& logged) {
@@ -80,29 +95,9 @@ void useRoot(std::string const& folder) {
     }
 }
 
-void useOwnRulesIfNoneAreInstalled(SettingsSection& settings) {
-    namespace fs = std::filesystem;
-    constexpr std::string_view root = "root";
-    auto const hasRules = [](fs::path const& folder) {
-        std::error_code error;
-        return fs::exists(folder / (ruleDirectory + 1) / treeFileName, error);
-    };
-    if (settings.origin(root) != defaultOrigin || hasRules("/")) {
-        return;
-    }
-    std::error_code error;
-    auto const program = fs::read_symlink("/proc/self/exe", error);
-    auto const own = program.parent_path().parent_path() / "share/qvdeepheader/root";
-    if (hasRules(own)) {
-        settings.set(root, {own.string()}, "came with the program, as none are installed");
-    }
-}
-
 std::optional<std::int32_t> installedVersion() {
-    File::Path const path(ruleDirectory, versionFileName);
-    auto const readme = path.isRegularFile()
-                            ? Rules::readFileIfThere(static_cast<char const*>(path))
-                            : std::nullopt;
+    auto const readme =
+        Rules::readFileIfThere(File::root() + ruleDirectory + '/' + versionFileName);
     return readme ? Rules::readmeVersion(*readme) : std::nullopt;
 }
 
@@ -113,11 +108,11 @@ LoadedRules loadRules() {
     Logger::install(logger);
     // However the load ends.
     std::shared_ptr<void> const restore(nullptr, [&](void*) { Logger::install(before); });
-    DeepHeaderScanner().init();
-    auto engine = DeepHeaderEngine::inForce();
+    auto engine = s_loadAfterInstallation(*logger);
     if (engine.isEmpty() || !logger->text().empty()) {
         throw NoRulesError("no usable rules in " + File::root() + ruleDirectory + ": " +
-                           s_whyNotLoaded(logger->text()));
+                           s_whyNotLoaded(logger->text()) +
+                           "; --root says below which folder to look");
     }
     return {engine, version};
 }

@@ -3,7 +3,6 @@
 // The rules of a host: those below the process's root folder, and those in memory.
 #pragma once
 
-#include "apps/settings/SettingsSection.h"
 #include "apps/settings/SettingValue.h"
 #include "DeepHeaderEngine.h"
 #include "rules/model/RuleSet.h"
@@ -17,11 +16,6 @@ namespace Quorvane {
 // The first call sets the folder below which rules are read. A later call with another folder is a
 // SettingsError, as loaded rules and paths would no longer match.
 void useRoot(std::string const& folder);
-
-// For a program that is tried before any rules are installed: when `settings` say nothing about the
-// root and no rules are installed in "/", the root becomes that of the rules which came with the
-// program, in share/qvdeepheader/root beside its bin folder.
-void useOwnRulesIfNoneAreInstalled(SettingsSection& settings);
 
 struct LoadedRules {
     DeepHeaderEngine m_engine;

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/host/ScanHost.h"
 
-#include "platform/LookupDeadline.h"
-
-#include <iterator>
 #include <utility>
 
 namespace Quorvane {
@@ -26,6 +23,15 @@ ScanHost ScanHost::judgingWith(DeepHeaderEngine engine, std::optional<std::int32
     return host;
 }
 
+RefMessageProperties ScanHost::messageProperties(HeaderContainer const& headers,
+                                                 MessageFacts const& facts) const {
+    RefMessageProperties properties(true);
+    properties->clientScore(facts.m_clientScore);
+    properties->status(facts.m_messageStatus);
+    m_scores->describe(headers, facts.m_client, *properties.operator->());
+    return properties;
+}
+
 ScanRecord ScanHost::judge(std::optional<std::array<std::int32_t, 38>> const& attributes,
                            RecordDepth depth) const {
     if (attributes) {
@@ -36,30 +42,14 @@ ScanRecord ScanHost::judge(std::optional<std::array<std::int32_t, 38>> const& at
     return record;
 }
 
-std::vector<RecordedLookup> ScanHost::describeRelays(HeaderContainer const& headers,
-                                                     IPAddress const& client,
-                                                     MessageProperties& properties) const {
-    LookupDeadline const end(m_settings.lookupTime() / 2);
-    return m_scores->describe(headers, client, properties);
-}
-
 ScanRecord ScanHost::scan(HeaderContainer const& headers, MessageFacts const& facts,
                           RecordDepth depth) const {
-    LookupDeadline const end(m_settings.lookupTime());
-    RefMessageProperties properties(true);
-    properties->clientScore(facts.m_clientScore);
-    properties->status(facts.m_messageStatus);
-    auto lookups = describeRelays(headers, facts.m_client, *properties.operator->());
     auto const current =
         facts.m_currentReceived ? Header("Received", *facts.m_currentReceived) : Header();
     DeepHeaderQuery query(headers, current, m_settings.m_judging, facts.m_currentIsForged,
-                          facts.m_envelopeFrom, facts.m_headerFrom, facts.m_recipient, properties);
-    auto record = m_engine.scan(query, depth);
-    if (depth != RecordDepth::result) {
-        std::move(record.lookups.begin(), record.lookups.end(), std::back_inserter(lookups));
-        record.lookups = std::move(lookups);
-    }
-    return record;
+                          facts.m_envelopeFrom, facts.m_headerFrom, facts.m_recipient,
+                          messageProperties(headers, facts));
+    return m_engine.scan(query, depth);
 }
 
 } // namespace Quorvane

@@ -17,7 +17,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace Quorvane {
 
@@ -28,9 +27,7 @@ class ScanHost {
     ScanHost(HostSettings settings, DeepHeaderEngine engine,
              std::optional<std::int32_t> version = std::nullopt);
 
-    // `headers`: the header section as HeaderReader split it. All look-ups together take no longer
-    // than the settings say: DNS lists are asked first and get at most half of the time, the names
-    // of the scan get what is left. The record holds the look-ups in lists, too.
+    // `headers`: the header section as HeaderReader split it.
     ScanRecord scan(HeaderContainer const& headers, MessageFacts const& facts,
                     RecordDepth depth) const;
 
@@ -40,7 +37,6 @@ class ScanHost {
                      RecordDepth depth) const;
 
     HostSettings const& settings() const { return m_settings; }
-    DeepHeaderEngine const& engine() const { return m_engine; }
     std::optional<std::int32_t> ruleVersion() const { return m_version; }
 
     // The same host with other thresholds, or other rules. It shares the rest.
@@ -48,9 +44,8 @@ class ScanHost {
     ScanHost judgingWith(DeepHeaderEngine engine, std::optional<std::int32_t> version) const;
 
   private:
-    std::vector<RecordedLookup> describeRelays(HeaderContainer const& headers,
-                                               IPAddress const& client,
-                                               MessageProperties& properties) const;
+    RefMessageProperties messageProperties(HeaderContainer const& headers,
+                                           MessageFacts const& facts) const;
 
     HostSettings m_settings;
     DeepHeaderEngine m_engine;

@@ -6,7 +6,6 @@
 #include <csignal>
 #include <poll.h>
 #include <pthread.h>
-#include <sys/eventfd.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -22,59 +21,50 @@ sigset_t s_signals() {
     return signals;
 }
 
-// Waits until one of them can be read.
-template<typename... Descriptors>
-void s_waitFor(Descriptors... descriptors) {
-    std::array waiting{pollfd{descriptors, POLLIN, 0}...};
-    while (::poll(waiting.data(), waiting.size(), -1) < 0 && errno == EINTR) {
-    }
-}
-
 } // namespace
 
 Interrupt::Interrupt() {
     auto const signals = s_signals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    m_signals = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
-    m_came = ::eventfd(0, EFD_CLOEXEC);
-    m_end = ::eventfd(0, EFD_CLOEXEC);
-    m_watch = std::thread(&Interrupt::watch, this);
+    m_descriptor = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 
 Interrupt::~Interrupt() {
-    ::eventfd_write(m_end, 1);
-    m_watch.join();
-    for (int const descriptor : {m_signals, m_came, m_end}) {
-        ::close(descriptor);
-    }
+    ::close(m_descriptor);
     auto const signals = s_signals();
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
-// A thread of its own sees the signal while the others read, scan or wait. The next one reaches it,
-// too, with its usual effect: it ends the program.
-void Interrupt::watch() {
-    s_waitFor(m_signals, m_end);
-    signalfd_siginfo info{};
-    if (::read(m_signals, &info, sizeof info) != sizeof info) {
-        return;
+void Interrupt::wait() {
+    pollfd waiting{m_descriptor, POLLIN, 0};
+    while (signalNumber() == 0) {
+        ::poll(&waiting, 1, -1);
     }
-    m_signal = static_cast<int>(info.ssi_signo);
-    ::eventfd_write(m_came, 1);
-    auto const signals = s_signals();
-    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
-    m_stop.request_stop();
-    s_waitFor(m_end);
 }
 
-void Interrupt::wait() const {
-    s_waitFor(m_came);
-}
-
-void Interrupt::waitForInput(int descriptor) const {
-    s_waitFor(descriptor, m_came);
+void Interrupt::waitForInput(int descriptor) {
+    std::array<pollfd, 2> waiting{{{descriptor, POLLIN, 0}, {m_descriptor, POLLIN, 0}}};
+    while (::poll(waiting.data(), waiting.size(), -1) < 0 && errno == EINTR) {
+    }
     if (signalNumber() != 0) {
         throw Interrupted();
+    }
+}
+
+int Interrupt::signalNumber() {
+    if (m_signal == 0) {
+        take();
+    }
+    return m_signal;
+}
+
+// From the first signal on the signals have their usual effect again.
+void Interrupt::take() {
+    signalfd_siginfo info{};
+    if (::read(m_descriptor, &info, sizeof info) == sizeof info) {
+        m_signal = static_cast<int>(info.ssi_signo);
+        auto const signals = s_signals();
+        pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
     }
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Interrupt: turns SIGINT and SIGTERM into a state that can be queried and waited for, so that a
-// program ends cleanly: it stops what it has begun and writes what is done. A second signal ends
-// the program at once, whatever it does.
+// Interrupt: turns SIGINT and SIGTERM into a state that can be queried, so that a program ends
+// cleanly: it stops reading, and finishes and writes what it has begun. A second signal ends the
+// program at once.
 //
 // Construct it before any other thread: threads inherit the blocked signals. Safe to ask from many
 // threads.
@@ -10,8 +10,6 @@
 
 #include <atomic>
 #include <exception>
-#include <stop_token>
-#include <thread>
 
 namespace Quorvane {
 
@@ -30,24 +28,18 @@ class Interrupt {
     ~Interrupt();
 
     // Waits until a signal comes.
-    void wait() const;
+    void wait();
     // Waits until `descriptor` can be read; throws Interrupted when a signal came first.
-    void waitForInput(int descriptor) const;
+    void waitForInput(int descriptor);
 
     // The number of the signal that came; 0: none.
-    int signalNumber() const { return m_signal; }
-    // Stop is requested when a signal comes, on a thread of this object's own.
-    std::stop_token token() const { return m_stop.get_token(); }
+    int signalNumber();
 
   private:
-    void watch();
+    void take();
 
-    int m_signals; // delivers the signals
-    int m_came;    // readable once a signal has come
-    int m_end;     // readable once the object ends
+    int m_descriptor;
     std::atomic<int> m_signal{0};
-    std::stop_source m_stop;
-    std::thread m_watch;
 };
 
 } // namespace Quorvane

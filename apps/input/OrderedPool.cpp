@@ -17,9 +17,8 @@ constexpr std::size_t batchBytes = std::size_t{1} << 20;
 
 } // namespace
 
-OrderedPool::OrderedPool(unsigned int threads, Work work, std::stop_token stop)
-    : m_work(std::move(work)), m_open(std::make_unique<Batch>()), m_stop(std::move(stop)),
-      m_onStop(m_stop, [this] { wakeAll(); }) {
+OrderedPool::OrderedPool(unsigned int threads, Work work)
+    : m_work(std::move(work)), m_open(std::make_unique<Batch>()) {
     threads = threads != 0 ? threads : std::max(1U, std::thread::hardware_concurrency());
     m_maxBatches = threads * batchesPerThread;
     for (unsigned int i = 0; i < threads; ++i) {
@@ -34,7 +33,7 @@ OrderedPool::~OrderedPool() {
 bool OrderedPool::submit(InputItem item) {
     std::unique_lock lock(m_mutex);
     m_hasRoom.wait(lock, [this] {
-        return isStopping() || m_inOrder.empty() ||
+        return m_isStopped || m_inOrder.empty() ||
                (m_inOrder.size() < m_maxBatches && m_bytes < maxWaitingBytes);
     });
     m_open->m_bytes += item.m_headers.size();
@@ -43,14 +42,7 @@ bool OrderedPool::submit(InputItem item) {
         queueOpen();
     }
     m_hasWork.notify_one();
-    return !isStopping();
-}
-
-// Under the lock, so that no thread is between its look at the state and its wait.
-void OrderedPool::wakeAll() {
-    std::lock_guard const lock(m_mutex);
-    m_hasRoom.notify_all();
-    m_hasWork.notify_all();
+    return !m_isStopped;
 }
 
 // REQUIRES: m_mutex is held.
@@ -83,13 +75,12 @@ void OrderedPool::close() {
 // The batch to work on next. A thread that would have to wait takes the open one, full or not:
 // input may come slowly. Null at the end. REQUIRES: m_mutex is held.
 OrderedPool::Batch* OrderedPool::nextBatch(std::unique_lock<std::mutex>& lock) {
-    m_hasWork.wait(lock, [this] {
-        return m_isClosed || isStopping() || !m_queue.empty() || !m_open->m_items.empty();
-    });
+    m_hasWork.wait(lock,
+                   [this] { return m_isClosed || !m_queue.empty() || !m_open->m_items.empty(); });
     if (m_queue.empty() && !m_open->m_items.empty()) {
         queueOpen();
     }
-    if (m_queue.empty() || m_stop.stop_requested()) {
+    if (m_queue.empty()) {
         return nullptr;
     }
     auto* const batch = m_queue.front();
@@ -112,22 +103,14 @@ void OrderedPool::run() {
 }
 
 // An exception for a message is delivered in its turn.
-OrderedPool::Hand OrderedPool::resultFor(InputItem const& item) const {
-    try {
-        return m_work(item);
-    } catch (...) {
-        return [thrown = std::current_exception()]() -> bool { std::rethrow_exception(thrown); };
-    }
-}
-
-// A result that the request to stop may have spoilt is dropped.
-void OrderedPool::workOn(Batch& batch) const {
+void OrderedPool::workOn(Batch& batch) {
     for (auto const& item : batch.m_items) {
-        auto result = resultFor(item);
-        if (m_stop.stop_requested()) {
-            return;
+        try {
+            batch.m_results.push_back(m_work(item));
+        } catch (...) {
+            batch.m_results.emplace_back(
+                [thrown = std::current_exception()]() -> bool { std::rethrow_exception(thrown); });
         }
-        batch.m_results.push_back(std::move(result));
     }
 }
 
@@ -145,8 +128,7 @@ void OrderedPool::deliver(std::unique_lock<std::mutex>& lock) {
         lock.unlock();
         bool const isGoingOn = isWanted && handOn(*batch);
         lock.lock();
-        bool const isWhole = batch->m_results.size() == batch->m_items.size();
-        m_isStopped = m_isStopped || !isGoingOn || !isWhole;
+        m_isStopped = m_isStopped || !isGoingOn;
         m_hasRoom.notify_one();
     }
     m_isDelivering = false;

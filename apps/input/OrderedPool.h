@@ -4,8 +4,7 @@
 // messages. The queue is bounded, in number and in bytes: submit waits.
 //
 // One thread submits. `work` is called on many threads at once; what it returns is called on one
-// thread at a time, in order. An exception of either ends the pool; finish rethrows it. So does a
-// request to stop: the results that are there by then are delivered, up to the first that is not.
+// thread at a time, in order. An exception of either ends the pool; finish rethrows it.
 #pragma once
 
 #include "apps/input/Inputs.h"
@@ -17,7 +16,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -30,12 +28,12 @@ class OrderedPool {
     using Work = std::function<Hand(InputItem const&)>;
 
     // 0 threads: one per core.
-    OrderedPool(unsigned int threads, Work work, std::stop_token stop = {});
+    OrderedPool(unsigned int threads, Work work);
     OrderedPool(OrderedPool const&) = delete;
     OrderedPool& operator=(OrderedPool const&) = delete;
     ~OrderedPool();
 
-    // False when no more results are wanted, after an exception and after a request to stop.
+    // False when no more results are wanted, or after an exception.
     bool submit(InputItem item);
     // Waits for what was submitted; rethrows an exception.
     void finish();
@@ -51,12 +49,9 @@ class OrderedPool {
     void queueOpen();
     Batch* nextBatch(std::unique_lock<std::mutex>& lock);
     void run();
-    Hand resultFor(InputItem const& item) const;
-    void workOn(Batch& batch) const;
+    void workOn(Batch& batch);
     void deliver(std::unique_lock<std::mutex>& lock);
     bool handOn(Batch const& batch);
-    bool isStopping() const { return m_isStopped || m_stop.stop_requested(); }
-    void wakeAll();
     void close();
 
     Work m_work;
@@ -73,8 +68,6 @@ class OrderedPool {
     bool m_isStopped = false;
     std::exception_ptr m_thrown;
     std::vector<std::thread> m_threads;
-    std::stop_token m_stop;
-    std::stop_callback<std::function<void()>> m_onStop; // ends before the others do
 };
 
 } // namespace Quorvane

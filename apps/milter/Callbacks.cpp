@@ -54,33 +54,35 @@ class Context : public MailServer {
     SMFICTX* m_context;
 };
 
-// Mail servers that do not wait for the replies of these callbacks make sessions much faster. For
-// older ones, which do wait, libmilter replies.
+// Mail servers that do not wait for the replies of these callbacks make sessions much faster.
 constexpr unsigned long unansweredSteps =
     SMFIP_NR_CONN | SMFIP_NR_HELO | SMFIP_NR_MAIL | SMFIP_NR_RCPT | SMFIP_NR_HDR;
 // Of a message only the envelope and the headers matter; values come as they stand.
 constexpr unsigned long wantedSteps =
     SMFIP_NOBODY | SMFIP_NOEOH | SMFIP_NODATA | SMFIP_NOUNKNOWN | SMFIP_HDR_LEADSPC;
 
-// Bytes that a mail server may send at once; more ends the session. libmilter's own limit is below
-// the length of a header that Postfix takes (header_size_limit, 102400 bytes).
-constexpr std::size_t longestStep = 1U << 18U;
-
 constexpr unsigned long neededActions = SMFIF_ADDHDRS | SMFIF_CHGHDRS;
 
-// A mail server may go on with another client on the same connection. It then closes the session,
-// and the next step begins another.
-Session& s_session(SMFICTX* context) {
-    auto* session = static_cast<Session*>(smfi_getpriv(context));
-    if (session == nullptr) {
-        session = new Session(*s_service);
-        smfi_setpriv(context, session);
+struct SessionState {
+    explicit SessionState(Service& service) : m_session(service) {}
+
+    Session m_session;
+    unsigned long m_steps = 0; // what was negotiated
+};
+
+SessionState& s_state(SMFICTX* context) {
+    auto* state = static_cast<SessionState*>(smfi_getpriv(context));
+    if (state == nullptr) {
+        state = new SessionState(*s_service);
+        smfi_setpriv(context, state);
     }
-    return *session;
+    return *state;
 }
 
 sfsistat s_status(Reply reply) {
     switch (reply) {
+    case Reply::carryOn:
+        return SMFIS_CONTINUE;
     case Reply::accept:
         return SMFIS_ACCEPT;
     case Reply::reject:
@@ -93,27 +95,19 @@ sfsistat s_status(Reply reply) {
     return SMFIS_TEMPFAIL;
 }
 
-void s_noteFailure(SMFICTX* context, char const* what) {
-    if (auto* const session = static_cast<Session*>(smfi_getpriv(context)); session != nullptr) {
-        session->failMessage();
-    }
-    s_service->reportError(what);
-}
-
-// Runs one step of a session, unless the daemon is about to end. No exception passes through
-// libmilter, which is C: a step that fails (memory) fails the message. Most steps have no reply, so
-// only the end of the message can tell the mail server.
+// Runs one step of a session, which the mail server may not wait for. No exception passes through
+// libmilter, which is C: a step that fails (memory) fails the message.
 template<typename Step>
-void s_run(SMFICTX* context, Step step) {
+sfsistat s_step(SMFICTX* context, unsigned long unanswered, Step step) {
     auto const pass = s_service->callbacks().enter(std::numeric_limits<std::size_t>::max());
-    if (!pass.isIn()) {
-        return;
-    }
     try {
-        step(s_session(context));
+        auto& state = s_state(context);
+        auto const reply = step(state.m_session);
+        return (state.m_steps & unanswered) != 0 ? SMFIS_NOREPLY : s_status(reply);
     } catch (std::exception const& error) {
-        s_noteFailure(context, error.what());
+        s_service->reportError(error.what());
     }
+    return SMFIS_TEMPFAIL;
 }
 
 std::string s_text(char const* text) {
@@ -140,8 +134,8 @@ IPAddress s_address(_SOCK_ADDR const* socket) {
 
 // What a session reads of the client; mail servers send other macros unless asked.
 void s_askForMacros(SMFICTX* context) {
-    std::string connect = "j v Z _ {client_addr} {client_name} {client_ptr} {client_resolve}";
-    std::string mail = "i r s {auth_type} {auth_ssf} {tls_version} {cipher} {cipher_bits}";
+    std::string connect = "j v _ {client_addr} {client_name} {client_ptr} {client_resolve}";
+    std::string mail = "i r {auth_type} {tls_version} {cipher} {cipher_bits}";
     std::string end = "i";
     smfi_setsymlist(context, SMFIM_CONNECT, connect.data());
     smfi_setsymlist(context, SMFIM_ENVFROM, mail.data());
@@ -162,63 +156,75 @@ sfsistat s_onNegotiate(SMFICTX* context, unsigned long actions, unsigned long st
     *wantedActions = actions & (neededActions | SMFIF_QUARANTINE | SMFIF_SETSYMLIST);
     *wanted = steps & (wantedSteps | unansweredSteps);
     *reserved1 = *reserved2 = 0;
-    return SMFIS_CONTINUE;
+    auto const given = *wanted;
+    return s_step(context, 0, [context, given](Session&) {
+        s_state(context).m_steps = given;
+        return Reply::carryOn;
+    });
 }
 
 sfsistat s_onConnect(SMFICTX* context, char* hostName, _SOCK_ADDR* address) {
-    s_run(context, [&](Session& session) {
+    return s_step(context, SMFIP_NR_CONN, [&](Session& session) {
         Context server(context);
         session.connect(server, s_text(hostName), s_address(address));
+        return Reply::carryOn;
     });
-    return SMFIS_NOREPLY;
 }
 
 sfsistat s_onHelo(SMFICTX* context, char* name) {
-    s_run(context, [name](Session& session) { session.helo(s_text(name)); });
-    return SMFIS_NOREPLY;
+    return s_step(context, SMFIP_NR_HELO, [name](Session& session) {
+        session.helo(s_text(name));
+        return Reply::carryOn;
+    });
 }
 
 sfsistat s_onEnvelopeFrom(SMFICTX* context, char** arguments) {
-    s_run(context, [&](Session& session) {
+    return s_step(context, SMFIP_NR_MAIL, [&](Session& session) {
         Context server(context);
         session.envelopeFrom(server, s_text(arguments[0]));
+        return Reply::carryOn;
     });
-    return SMFIS_NOREPLY;
 }
 
 sfsistat s_onRecipient(SMFICTX* context, char** arguments) {
-    s_run(context, [arguments](Session& session) { session.recipient(s_text(arguments[0])); });
-    return SMFIS_NOREPLY;
+    return s_step(context, SMFIP_NR_RCPT, [arguments](Session& session) {
+        session.recipient(s_text(arguments[0]));
+        return Reply::carryOn;
+    });
 }
 
 sfsistat s_onHeader(SMFICTX* context, char* name, char* value) {
-    s_run(context, [name, value](Session& session) { session.header(name, value); });
-    return SMFIS_NOREPLY;
+    return s_step(context, SMFIP_NR_HDR, [name, value](Session& session) {
+        session.header(s_text(name), s_text(value));
+        return Reply::carryOn;
+    });
 }
 
 sfsistat s_onEndOfMessage(SMFICTX* context) {
-    auto reply = Reply::tempfail;
-    s_run(context, [&](Session& session) {
+    return s_step(context, 0, [context](Session& session) {
         Context server(context);
-        reply = session.endOfMessage(server);
+        return session.endOfMessage(server);
     });
-    return s_status(reply);
 }
 
 sfsistat s_onAbort(SMFICTX* context) {
-    s_run(context, [](Session& session) { session.abort(); });
-    return SMFIS_CONTINUE;
+    return s_step(context, 0, [](Session& session) {
+        session.abort();
+        return Reply::carryOn;
+    });
 }
 
 sfsistat s_onClose(SMFICTX* context) {
-    delete static_cast<Session*>(smfi_getpriv(context));
+    auto const pass = s_service->callbacks().enter(std::numeric_limits<std::size_t>::max());
+    delete static_cast<SessionState*>(smfi_getpriv(context));
     smfi_setpriv(context, nullptr);
     return SMFIS_CONTINUE;
 }
 
 } // namespace
 
-bool registerFilter() {
+bool registerFilter(Service& service) {
+    s_service = &service;
     static char name[] = "qvmilter";
     smfiDesc filter{};
     filter.xxfi_name = name;
@@ -233,12 +239,7 @@ bool registerFilter() {
     filter.xxfi_eom = s_onEndOfMessage;
     filter.xxfi_abort = s_onAbort;
     filter.xxfi_close = s_onClose;
-    smfi_setmaxdatasize(longestStep);
     return smfi_register(filter) == MI_SUCCESS;
-}
-
-void useService(Service& service) {
-    s_service = &service;
 }
 
 } // namespace Quorvane::Milter

@@ -8,10 +8,8 @@
 
 namespace Quorvane::Milter {
 
-// Registers the filter with libmilter. False when libmilter refuses.
-bool registerFilter();
-
-// `service` serves all sessions and is never destroyed. Call it before libmilter serves.
-void useService(Service& service);
+// Registers the filter with libmilter. `service` serves all sessions and is never destroyed while
+// callbacks run. False when libmilter refuses.
+bool registerFilter(Service& service);
 
 } // namespace Quorvane::Milter

@@ -21,17 +21,14 @@ bool s_isPostfix(MailServer& server) {
     return server.macro("v").starts_with("Postfix");
 }
 
-// RFC 3848: SMTP, ESMTP, ESMTPS, ESMTPA, ESMTPSA. Postfix does not tell HELO from EHLO.
-std::string s_protocol(MailServer& server, Client const& client) {
+// RFC 3848: SMTP, ESMTP, ESMTPS, ESMTPA, ESMTPSA.
+std::string s_protocol(MailServer& server) {
+    bool const hasTls = !server.macro("{tls_version}").empty();
+    bool const isAuthenticated = !server.macro("{auth_type}").empty();
     auto given = server.macro("r"); // Sendmail says it all
     if (!given.empty()) {
         return given;
     }
-    if (client.m_helo.empty()) {
-        return "SMTP";
-    }
-    bool const hasTls = !server.macro("{tls_version}").empty();
-    bool const isAuthenticated = !server.macro("{auth_type}").empty();
     return std::string("ESMTP") + (hasTls ? "S" : "") + (isAuthenticated ? "A" : "");
 }
 
@@ -50,7 +47,7 @@ std::string s_postfixText(MailServer& server, Client const& client) {
     auto const name = client.m_name.empty() ? "unknown" : client.m_name;
     return "from " + (client.m_helo.empty() ? name : client.m_helo) + " (" + name + ' ' +
            s_literal(client.m_address) + ')' + s_tls(server) + "\n\tby " + server.macro("j") +
-           " (Postfix) with " + s_protocol(server, client) + " id " + server.macro("i");
+           " (Postfix) with " + s_protocol(server) + " id " + server.macro("i");
 }
 
 // What Sendmail writes in the parentheses: the macro "_" where it is known.
@@ -60,33 +57,13 @@ std::string s_sendmailClient(MailServer& server, Client const& client) {
     }
     auto const name = client.m_reverse.empty() ? client.m_name : client.m_reverse;
     return name + (name.empty() ? "" : " ") + s_literal(client.m_address) +
-           (forgedFlag(server, client) == 1 ? " (may be forged)" : "");
+           (forgedFlag(client) == 1 ? " (may be forged)" : "");
 }
 
-// Its version and that of its configuration, as in (8.17.1.9/8.17.1.9).
-std::string s_sendmailVersion(MailServer& server) {
-    auto const version = server.macro("v");
-    auto const configuration = server.macro("Z");
-    return version.empty()
-               ? ""
-               : " (" + version + (configuration.empty() ? "" : '/' + configuration) + ')';
-}
-
-// By this mark a relay knows authenticated submissions.
-std::string s_sendmailLogin(MailServer& server) {
-    if (server.macro("{auth_type}").empty()) {
-        return {};
-    }
-    auto const bits = server.macro("{auth_ssf}");
-    return "\n\t(authenticated" + (bits.empty() ? "" : " bits=" + bits) + ')';
-}
-
-// from HELO (NAME [ADDRESS] (may be forged)) by SERVER (VERSION) with ESMTPS id ID
+// from HELO (NAME [ADDRESS] (may be forged)) by SERVER with ESMTPS id ID
 std::string s_sendmailText(MailServer& server, Client const& client) {
-    auto const from = "from " + (client.m_helo.empty() ? server.macro("s") : client.m_helo) + " (";
-    return from + s_sendmailClient(server, client) + ')' + s_sendmailLogin(server) + "\n\tby " +
-           server.macro("j") + s_sendmailVersion(server) + " with " + s_protocol(server, client) +
-           " id " + server.macro("i");
+    return "from " + client.m_helo + " (" + s_sendmailClient(server, client) + ")\n\tby " +
+           server.macro("j") + " with " + s_protocol(server) + " id " + server.macro("i");
 }
 
 } // namespace
@@ -113,10 +90,7 @@ std::string receivedText(MailServer& server, Client const& client) {
     return s_isPostfix(server) ? s_postfixText(server, client) : s_sendmailText(server, client);
 }
 
-std::int32_t forgedFlag(MailServer& server, Client const& client) {
-    if (s_isPostfix(server) && client.m_name.empty()) {
-        return 0; // the hop has no name
-    }
+std::int32_t forgedFlag(Client const& client) {
     if (!client.m_resolved.empty()) {
         return client.m_resolved == "FORGED" ? 1 : 0;
     }

@@ -33,9 +33,8 @@ std::string heloNameOf(std::string name);
 // hop. REQUIRES: called while a callback of the message runs.
 std::string receivedText(MailServer& server, Client const& client);
 
-// Whether the client's name in that text is forged: its addresses do not include the client's. 0
-// no, or there is no name: Postfix writes "unknown" instead of a forged one; 1 yes; -1 the mail
-// server does not say.
-std::int32_t forgedFlag(MailServer& server, Client const& client);
+// Whether the reverse name is forged: it names the client, and its addresses do not include the
+// client's. 0 no, 1 yes, -1 the mail server does not say.
+std::int32_t forgedFlag(Client const& client);
 
 } // namespace Quorvane::Milter

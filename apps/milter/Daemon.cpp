@@ -2,6 +2,7 @@
 #include "apps/milter/Daemon.h"
 
 #include "apps/commandline/ProgramError.h"
+#include "apps/host/HostSetup.h"
 #include "apps/milter/Accounts.h"
 #include "apps/milter/Background.h"
 #include "apps/milter/Callbacks.h"
@@ -9,14 +10,12 @@
 #include "apps/milter/PidFile.h"
 #include "apps/milter/ServiceLogger.h"
 #include "apps/milter/StatusServer.h"
-#include "apps/settings/SettingSources.h"
 #include "platform/LogMessages.h"
 
 #include <atomic>
 #include <csignal>
 #include <libmilter/mfapi.h>
 #include <memory>
-#include <sys/resource.h>
 #include <systemd/sd-daemon.h>
 #include <thread>
 
@@ -26,10 +25,8 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// For what a message takes besides its look-ups.
-constexpr std::chrono::seconds workTime{5};
-// libmilter sends the reply of a callback after it has returned, and does not say when.
-constexpr std::chrono::milliseconds replyTime{100};
+// Above the time that the look-ups of a message may take by default.
+constexpr std::chrono::seconds drainTime{10};
 
 sigset_t s_signals(std::initializer_list<int> numbers) {
     sigset_t signals;
@@ -98,74 +95,47 @@ std::unique_ptr<StatusServer> s_statusServer(Service& service, std::string const
                             [&service] { return service.health(); }});
 }
 
-// Each session takes a file descriptor, and the usual limit of 1024 is there for programs that use
-// select.
-void s_raiseFileLimit() {
-    rlimit limit{};
-    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0) {
-        limit.rlim_cur = limit.rlim_max;
-        static_cast<void>(::setrlimit(RLIMIT_NOFILE, &limit));
-    }
-}
-
-// Waits for the callbacks that are under way; the mail server asks again about later messages.
-bool s_finishCallbacks(Service& service) {
-    auto& callbacks = service.callbacks();
-    callbacks.close();
-    logMessage(LogId::stopping, "");
-    std::chrono::duration<double> const lookups(
-        service.current()->m_settings.m_host.values().m_dnsTimeout);
-    auto const time = std::chrono::ceil<std::chrono::milliseconds>(lookups) + workTime;
-    auto const told = std::chrono::microseconds(time + replyTime).count();
-    ::sd_notifyf(0, "STOPPING=1\nEXTEND_TIMEOUT_USEC=%lld", static_cast<long long>(told));
-    bool const isDone = callbacks.waitUntilEmpty(time);
-    std::this_thread::sleep_until(callbacks.lastLeft() + replyTime);
-    return isDone;
+// In the background nobody reads standard error.
+LogTarget s_logTarget(MilterSettings const& settings, bool foreground) {
+    bool const isLost = !foreground && settings.m_log == LogTarget::standardError;
+    return isLost ? LogTarget::syslog : settings.m_log;
 }
 
 // Until SIGTERM, which libmilter takes. It then returns without waiting for callbacks.
 int s_serveSessions(Service& service) {
     int const result = smfi_main();
-    bool const isDone = s_finishCallbacks(service);
+    ::sd_notify(0, "STOPPING=1");
+    logMessage(LogId::stopping, "");
+    bool const isDone = service.callbacks().waitUntilEmpty(drainTime);
     return result == MI_SUCCESS && isDone ? ExitStatus::ok : ExitStatus::internal;
-}
-
-// What one thread is enough for, as root if need be.
-void s_openSocket(MilterSettings const& settings) {
-    if (!registerFilter()) {
-        throw SettingsError("libmilter does not take the filter");
-    }
-    smfi_settimeout(static_cast<int>(settings.m_idleTimeoutSeconds));
-    openSocket(settings);
 }
 
 } // namespace
 
-void checkSettings(std::string const& path) {
-    auto const settings = readFileSettings(path);
-    warnAbout(settings.m_host, "qvmilter");
-    setUpHost(settings);
+void checkSettings(CommandLine const& line) {
+    auto const settings = readFileSettings(line);
+    setUpHost(settings.m_host.values());
 }
 
-int serve(std::string const& path, bool foreground) {
-    auto const file = readFileSettings(path);
+int serve(CommandLine const& line) {
+    auto const file = readFileSettings(line);
     auto const& settings = file.m_milter.values();
-    Background background(foreground);
+    Background background(line.has("foreground"));
     // Before there are threads: libmilter waits for the others on a thread of its own.
     auto const signals = s_signals({SIGHUP, SIGTERM, SIGINT, SIGUSR1});
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    s_raiseFileLimit();
-    Logger::install(serviceLogger(settings.m_log, foreground));
-    s_openSocket(settings);
     PidFile const pidFile(settings.m_pidFile);
-    becomeUser(settings.m_user);
-    // Callbacks that are still under way when the process ends use it. Made by the user that will
-    // reload: what that user may not read is found out now.
-    static auto* const service = new Service(path);
-    useService(*service);
+    Logger::install(serviceLogger(s_logTarget(settings, line.has("foreground"))));
+    // Callbacks that are still under way when the process ends use it.
+    static auto* const service = new Service(line);
     Resolver::instance().observe([](LookupResult result, std::chrono::nanoseconds time) {
         service->metrics().lookup(result, time);
     });
+    if (!registerFilter(*service)) {
+        throw SettingsError("libmilter does not take the filter");
+    }
+    openSocket(settings);
+    becomeUser(settings.m_user);
     auto const status = s_statusServer(*service, settings.m_metrics);
     Caretaker const caretaker(*service);
     logMessage(LogId::started, settings.m_socket);

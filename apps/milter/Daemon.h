@@ -3,15 +3,15 @@
 // Daemon: the life of the process, from its socket to its last callback.
 #pragma once
 
-#include <string>
+#include "apps/commandline/CommandLine.h"
 
 namespace Quorvane::Milter {
 
-// Serves until SIGTERM; the exit status. SIGUSR1 reloads. `path`: of the settings file, from "/"
-// on. Throws a SettingsError when it cannot start. Called once.
-int serve(std::string const& path, bool foreground);
+// Serves until SIGTERM; the exit status. SIGUSR1 reloads. Throws a SettingsError when it cannot
+// start. Called once.
+int serve(CommandLine const& line);
 
 // Reads the settings, all that they name, and the rules; throws what is wrong with them.
-void checkSettings(std::string const& path);
+void checkSettings(CommandLine const& line);
 
 } // namespace Quorvane::Milter

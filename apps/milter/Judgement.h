@@ -20,7 +20,6 @@ struct Judgement {
     RecordedVerdict m_verdict; // of the rules; none when there was a failure
     std::optional<Failure> m_failure;
     std::optional<ScanRecord> m_record; // empty: there was no scan
-    std::optional<std::string> m_hop;   // of the client, as CurrentHop.h writes it
 };
 
 // What a scan found. Look-ups that failed take the verdict away, unless the settings trust it.

@@ -9,8 +9,8 @@
 
 namespace Quorvane::Milter {
 
-// What becomes of a message.
-enum class Reply { accept, tempfail, reject, discard };
+// What a callback answers.
+enum class Reply { carryOn, accept, tempfail, reject, discard };
 
 class MailServer {
   public:

@@ -27,20 +27,6 @@ prometheus::Histogram::BucketBoundaries const& s_times() {
     return times;
 }
 
-// The words of the record, the header and the log in the style of Prometheus: "does_not_exist",
-// "dns_failure".
-std::string s_labelValue(std::string const& word) {
-    std::string value;
-    for (char const c : word) {
-        if (c >= 'A' && c <= 'Z') {
-            value += {'_', static_cast<char>(c - 'A' + 'a')};
-        } else {
-            value += c == '-' ? '_' : c;
-        }
-    }
-    return value;
-}
-
 } // namespace
 
 struct Metrics::Families {
@@ -94,33 +80,9 @@ struct Metrics::Families {
                                             .Help("Time of DNS look-ups")
                                             .Register(m_registry)
                                             .Add({}, s_times());
-
-    prometheus::Counter& of(Failure failure) {
-        return m_failures.Add({{"class", s_labelValue(failureWord(failure))}});
-    }
-    prometheus::Counter& of(LookupResult result) {
-        return m_lookups.Add({{"result", s_labelValue(lookupName(result))}});
-    }
-    prometheus::Counter& ofReload(bool isDone) {
-        return m_reloads.Add({{"result", isDone ? "done" : "refused"}});
-    }
 };
 
-// What alerts look at is there from the start: Prometheus cannot see a counter rise that was not
-// there before.
-Metrics::Metrics() : m_families(std::make_unique<Families>()) {
-    for (auto const failure : {Failure::noRules, Failure::scanFailed, Failure::dnsFailed,
-                               Failure::oddMessage, Failure::overload}) {
-        m_families->of(failure);
-    }
-    for (auto const result : {LookupResult::answered, LookupResult::doesNotExist,
-                              LookupResult::failed, LookupResult::late}) {
-        m_families->of(result);
-    }
-    for (bool const isDone : {true, false}) {
-        m_families->ofReload(isDone);
-    }
-}
+Metrics::Metrics() : m_families(std::make_unique<Families>()) {}
 
 Metrics::~Metrics() = default;
 
@@ -133,7 +95,7 @@ void Metrics::message(Judgement const& judgement, Action const& action, double s
         .Add({{"verdict", verdictName(judgement.m_verdict)}, {"action", actionWord(action)}})
         .Increment();
     if (judgement.m_failure) {
-        m_families->of(*judgement.m_failure).Increment();
+        m_families->m_failures.Add({{"class", failureWord(*judgement.m_failure)}}).Increment();
     }
     if (judgement.m_record) {
         m_families->m_scanTimes.Observe(seconds);
@@ -142,7 +104,7 @@ void Metrics::message(Judgement const& judgement, Action const& action, double s
 
 void Metrics::lookup(LookupResult result, std::chrono::duration<double> time) {
     if (result != LookupResult::notAsked) {
-        m_families->of(result).Increment();
+        m_families->m_lookups.Add({{"result", lookupName(result)}}).Increment();
         m_families->m_dnsTimes.Observe(time.count());
     }
 }
@@ -157,7 +119,7 @@ void Metrics::rules(std::int32_t version, std::chrono::system_clock::time_point 
 }
 
 void Metrics::reloaded(bool isDone) {
-    m_families->ofReload(isDone).Increment();
+    m_families->m_reloads.Add({{"result", isDone ? "done" : "refused"}}).Increment();
 }
 
 std::string Metrics::text() const {

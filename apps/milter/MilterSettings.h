@@ -31,7 +31,6 @@ struct MilterSettings {
     std::string m_user;
     std::string m_pidFile;
     LogTarget m_log = LogTarget::standardError;
-    int m_logDetails = 0; // with the attributes of each message, and the hop of its client
     // Address and port of the metrics and the health page; empty: neither.
     std::string m_metrics;
 
@@ -55,10 +54,7 @@ struct MilterSettings {
     std::uint32_t m_maxHeaders = 1000;
     std::uint32_t m_maxHeaderBytes = 1U << 20U; // of all headers of a message
     std::uint32_t m_maxHops = 100;
-    std::uint32_t m_maxScans = 256;     // at once
-    std::uint32_t m_maxSessions = 1000; // at once
-    // A mail server says nothing while the body of a message comes in, however slowly.
-    std::uint32_t m_idleTimeoutSeconds = 7200;
+    std::uint32_t m_maxScans = 256; // at once
     std::uint32_t m_ruleCheckSeconds = 60;
 };
 

@@ -89,14 +89,9 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
         {"user", text, "USER", "run as this user once the socket is open"}),
     settingRow<&MilterSettings::m_pidFile>(
         {"pid-file", path, "FILE", "holds the process number while the daemon runs"}),
-    settingRow<&MilterSettings::m_log>({"log", text, "stderr|journal|syslog",
-                                        "where messages go; instead of stderr syslog in the "
-                                        "background, and the journal where systemd "
-                                        "has tied stderr to it (stderr)"}),
-    settingRow<&MilterSettings::m_logDetails>(
-        {"log-details", integer, "0|1",
-         "1: the log also has the attributes of each message and the hop of its client (0)"},
-        s_checkFlag),
+    settingRow<&MilterSettings::m_log>(
+        {"log", text, "stderr|journal|syslog",
+         "where messages go; in the background syslog instead of stderr (stderr)"}),
     settingRow<&MilterSettings::m_metrics>(
         {"metrics", text, "HOST:PORT",
          "serve /metrics and /health at this address of this machine (off)"},
@@ -113,16 +108,14 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
     settingRow<&MilterSettings::m_onNoRules>(
         {"on-no-rules", text, failureValues, "no rules could be loaded yet (accept)"}),
     settingRow<&MilterSettings::m_onScanFailure>(
-        {"on-scan-failure", text, failureValues,
-         "the scan failed, as for want of memory (accept)"}),
+        {"on-scan-failure", text, failureValues, "the scan failed (accept)"}),
     settingRow<&MilterSettings::m_onDnsFailure>(
         {"on-dns-failure", text, failureValues,
          "look-ups failed or came late, and trust-failed-lookups is 0 (accept)"}),
     settingRow<&MilterSettings::m_onOddMessage>(
         {"on-odd-message", text, failureValues, "the message is beyond a limit (accept)"}),
     settingRow<&MilterSettings::m_onOverload>(
-        {"on-overload", text, failureValues,
-         "max-scans messages are being judged, or max-sessions sessions are open (accept)"}),
+        {"on-overload", text, failureValues, "max-scans messages are being judged (accept)"}),
     settingRow<&MilterSettings::m_trustFailedLookups>(
         {"trust-failed-lookups", integer, "0|1",
          "1: a verdict counts although look-ups failed; 0: it does not (0)"},
@@ -144,13 +137,6 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
         s_checkCount),
     settingRow<&MilterSettings::m_maxScans>(
         {"max-scans", integer, "N", "messages judged at once (256)"}, s_checkCount),
-    settingRow<&MilterSettings::m_maxSessions>(
-        {"max-sessions", integer, "N", "sessions open at once whose messages are judged (1000)"},
-        s_checkCount),
-    settingRow<&MilterSettings::m_idleTimeoutSeconds>(
-        {"idle-timeout", integer, "SECONDS",
-         "end sessions in which the mail server says nothing for so long (7200)"},
-        s_checkCount),
     settingRow<&MilterSettings::m_ruleCheckSeconds>(
         {"rule-check", integer, "SECONDS", "time between two looks for newer rules (60)"},
         s_checkCount),

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// ScanGate: counts what is under way, lets no more in than a limit, and waits for the end of it
-// once it is closed. Any thread.
+// ScanGate: counts what is under way, lets no more in than a limit, and waits for the end of it.
+// Any thread.
 #pragma once
 
 #include <chrono>
@@ -13,8 +13,6 @@ namespace Quorvane::Milter {
 
 class ScanGate {
   public:
-    using TimePoint = std::chrono::steady_clock::time_point;
-
     // One that is under way, until the object ends.
     class Pass {
       public:
@@ -35,17 +33,11 @@ class ScanGate {
 
     Pass enter(std::size_t limit) {
         std::lock_guard const lock(m_mutex);
-        if (m_isClosed || m_count >= limit) {
+        if (m_count >= limit) {
             return Pass(nullptr);
         }
         ++m_count;
         return Pass(this);
-    }
-
-    // From now on nobody is let in.
-    void close() {
-        std::lock_guard const lock(m_mutex);
-        m_isClosed = true;
     }
 
     // False when some are still under way after that time.
@@ -54,26 +46,17 @@ class ScanGate {
         return m_emptied.wait_for(lock, time, [this] { return m_count == 0; });
     }
 
-    // When the last one ended that has ended by now.
-    TimePoint lastLeft() const {
-        std::lock_guard const lock(m_mutex);
-        return m_lastLeft;
-    }
-
   private:
     void leave() {
         std::lock_guard const lock(m_mutex);
-        m_lastLeft = std::chrono::steady_clock::now();
         if (--m_count == 0) {
             m_emptied.notify_all();
         }
     }
 
-    mutable std::mutex m_mutex; // guards all that follows
+    std::mutex m_mutex; // guards m_count
     std::condition_variable m_emptied;
     std::size_t m_count = 0;
-    bool m_isClosed = false;
-    TimePoint m_lastLeft;
 };
 
 } // namespace Quorvane::Milter

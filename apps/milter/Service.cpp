@@ -5,10 +5,6 @@
 #include "apps/text/NumberText.h"
 #include "platform/Logger.h"
 #include "platform/LogMessages.h"
-#include "rules/vectors/VectorCsv.h"
-
-#include <algorithm>
-#include <optional>
 
 namespace Quorvane::Milter {
 
@@ -19,41 +15,18 @@ std::string s_rulesText(Snapshot const& snapshot) {
     return version ? "rule version " + std::to_string(*version) : "rules without a version";
 }
 
-// " vector=1,0,2,... hop=from a.example (...) by ...". The vector is that of a row of CSV; the hop
-// is on one line, and last, since a client may have written some of it.
-std::string s_detailsText(Judgement const& judgement) {
-    if (!judgement.m_record) {
-        return {};
-    }
-    auto const& record = *judgement.m_record;
-    auto const values =
-        Rules::csvValues(record.isJudged() ? std::optional(record.attributes) : std::nullopt);
-    auto text = " vector=" + values.substr(1);
-    if (judgement.m_hop) {
-        auto hop = *judgement.m_hop;
-        std::erase(hop, '\n');
-        std::replace(hop.begin(), hop.end(), '\t', ' ');
-        text += " hop=" + hop;
-    }
-    return text;
-}
-
-std::string s_queueText(std::string const& queueId) {
-    return "queue=" + (queueId.empty() ? std::string("-") : queueId);
-}
-
 // "queue=4VdW3k verdict=spam node=17 action=header time=1.2ms"
 std::string s_logText(MessageReport const& report) {
     auto const& judgement = report.m_judgement;
-    auto text = s_queueText(report.m_queueId) + " verdict=" + verdictName(judgement.m_verdict);
+    auto text = "queue=" + (report.m_queueId.empty() ? std::string("-") : report.m_queueId) +
+                " verdict=" + verdictName(judgement.m_verdict);
     if (judgement.m_failure) {
         text += std::string(" error=") + failureWord(*judgement.m_failure);
     } else {
         text += " node=" + std::to_string(judgement.m_verdict.node);
     }
     return text + " action=" + actionWord(report.m_action) +
-           " time=" + numberText(report.m_seconds * 1000, 3) + "ms" +
-           (report.m_isDetailed ? s_detailsText(judgement) : "");
+           " time=" + numberText(report.m_seconds * 1000, 3) + "ms";
 }
 
 } // namespace
@@ -65,7 +38,7 @@ void logMessage(int messageId, std::string const& text) noexcept {
     }
 }
 
-Service::Service(std::string const& path) : m_snapshot(path) {
+Service::Service(CommandLine const& line) : m_snapshot(line) {
     if (m_snapshot.whyNoRules().empty()) {
         noteRules();
     } else {
@@ -105,11 +78,6 @@ void Service::lookForRules() {
 void Service::report(MessageReport const& report) {
     m_metrics.message(report.m_judgement, report.m_action, report.m_seconds);
     logMessage(LogId::messageJudged, s_logText(report));
-}
-
-void Service::reportExempted(std::string const& queueId, char const* why) {
-    m_metrics.exempted();
-    logMessage(LogId::messageJudged, s_queueText(queueId) + " exempt=" + why);
 }
 
 void Service::reportError(std::string const& text) {

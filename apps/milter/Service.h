@@ -20,19 +20,16 @@ struct MessageReport {
     Judgement const& m_judgement;
     Action const& m_action;
     double m_seconds;
-    bool m_isDetailed;
 };
 
 class Service {
   public:
-    // `path`: of the settings file. A SettingsError when the settings are wrong; without rules it
-    // serves, and says so in the log.
-    explicit Service(std::string const& path);
+    // A SettingsError when the settings are wrong; without rules it serves, and says so in the log.
+    explicit Service(CommandLine const& line);
 
     std::shared_ptr<Snapshot const> current() const { return m_snapshot.current(); }
     Metrics& metrics() { return m_metrics; }
-    // Sessions that are open, scans under way, and callbacks of sessions.
-    ScanGate& sessions() { return m_sessions; }
+    // Scans under way, and callbacks of sessions.
     ScanGate& scans() { return m_scans; }
     ScanGate& callbacks() { return m_callbacks; }
 
@@ -41,8 +38,6 @@ class Service {
     void lookForRules();
 
     void report(MessageReport const& report);
-    // A message of an exempted client: "network", "authenticated".
-    void reportExempted(std::string const& queueId, char const* why);
     void reportError(std::string const& text);
 
     // "ok", or why the daemon judges nothing.
@@ -53,7 +48,6 @@ class Service {
 
     SnapshotInForce m_snapshot;
     Metrics m_metrics;
-    ScanGate m_sessions;
     ScanGate m_scans;
     ScanGate m_callbacks;
 };

@@ -3,15 +3,11 @@
 
 #include "platform/LineLogger.h"
 
-#include <cstdlib>
 #include <spdlog/logger.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/sinks/syslog_sink.h>
 #include <spdlog/sinks/systemd_sink.h>
-#include <string>
-#include <sys/stat.h>
 #include <syslog.h>
-#include <unistd.h>
 
 namespace Quorvane::Milter {
 
@@ -27,24 +23,6 @@ spdlog::level::level_enum s_level(LogLevel level) {
         break;
     }
     return spdlog::level::err;
-}
-
-// systemd says which device and inode standard error has when it leads to the journal
-// (systemd.exec(5)); a program in between may have sent it elsewhere. Called at start.
-bool s_isJournal(int descriptor) {
-    auto const* const named = std::getenv("JOURNAL_STREAM"); // NOLINT(concurrency-mt-unsafe)
-    struct stat facts {};
-    return named != nullptr && ::fstat(descriptor, &facts) == 0 &&
-           named == std::to_string(facts.st_dev) + ':' + std::to_string(facts.st_ino);
-}
-
-LogTarget s_targetInUse(LogTarget target, bool foreground) {
-    if (target != LogTarget::standardError) {
-        return target;
-    }
-    return !foreground                  ? LogTarget::syslog
-           : s_isJournal(STDERR_FILENO) ? LogTarget::journal
-                                        : target;
 }
 
 spdlog::sink_ptr s_sink(LogTarget target) {
@@ -76,8 +54,8 @@ class ServiceLogger : public LineLogger {
 
 } // namespace
 
-std::shared_ptr<Logger> serviceLogger(LogTarget target, bool foreground) {
-    return std::make_shared<ServiceLogger>(s_targetInUse(target, foreground));
+std::shared_ptr<Logger> serviceLogger(LogTarget target) {
+    return std::make_shared<ServiceLogger>(target);
 }
 
 } // namespace Quorvane::Milter

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The daemon's logger: to the journal, to syslog or to standard error.
+// The daemon's logger: to the journal, to syslog or to standard error. Lines on standard error
+// carry their level as systemd reads it (sd-daemon(3)), which keeps it in the journal.
 #pragma once
 
 #include "apps/milter/MilterSettings.h"
@@ -10,8 +11,6 @@
 
 namespace Quorvane::Milter {
 
-// Standard error gives way to syslog in the background, where nobody reads it, and to the journal
-// where systemd has tied it to that: the journal itself keeps the levels of the lines.
-std::shared_ptr<Logger> serviceLogger(LogTarget target, bool foreground);
+std::shared_ptr<Logger> serviceLogger(LogTarget target);
 
 } // namespace Quorvane::Milter

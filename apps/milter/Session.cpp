@@ -13,7 +13,7 @@ namespace Quorvane::Milter {
 
 namespace {
 
-bool s_isNamed(std::string_view name, std::string_view other) {
+bool s_isNamed(std::string const& name, char const* other) {
     return stringCompareNoCase(name, other, 0) == 0;
 }
 
@@ -40,9 +40,7 @@ bool s_removeAll(MailServer& server, char const* name, int count) {
 
 } // namespace
 
-Session::Session(Service& service)
-    : m_service(service), m_snapshot(service.current()),
-      m_place(service.sessions().enter(m_snapshot->milter().m_maxSessions)) {
+Session::Session(Service& service) : m_service(service), m_snapshot(service.current()) {
     m_service.metrics().sessions(1);
 }
 
@@ -51,15 +49,11 @@ Session::~Session() {
 }
 
 void Session::connect(MailServer& server, std::string const& hostName, IPAddress const& address) {
-    m_isClientKnown = false;
     m_client = clientOf(server, hostName, address);
-    m_isClientKnown = true;
 }
 
 void Session::helo(std::string const& name) {
-    bool const wasKnown = std::exchange(m_isClientKnown, false);
     m_client.m_helo = heloNameOf(name);
-    m_isClientKnown = wasKnown;
 }
 
 void Session::envelopeFrom(MailServer& server, std::string const& address) {
@@ -74,14 +68,10 @@ void Session::recipient(std::string const& address) {
     }
 }
 
-// Headers named like ours are counted first: they go, whatever becomes of the message.
-void Session::header(std::string_view name, std::string_view value) {
+void Session::header(std::string const& name, std::string const& value) {
     auto const& limits = m_snapshot->milter();
     m_message.m_foreignResults += s_isNamed(name, resultHeader) ? 1 : 0;
     m_message.m_foreignReasons += s_isNamed(name, reasonsHeader) ? 1 : 0;
-    if (!m_place.isIn()) {
-        return;
-    }
     auto const size = m_message.m_headers.size() + name.size() + value.size() + 3;
     if (++m_message.m_headerCount > limits.m_maxHeaders || size > limits.m_maxHeaderBytes) {
         m_message.m_isOdd = true;
@@ -97,16 +87,12 @@ void Session::abort() {
     m_message = {};
 }
 
-// Why the message is not judged, for the log; null: it is.
-char const* Session::exemption() const {
+bool Session::isExempt() const {
     auto const& settings = m_snapshot->milter();
-    if (settings.m_exemptAuthenticated != 0 && m_message.m_isAuthenticated) {
-        return "authenticated";
-    }
-    bool const isListed =
-        std::any_of(settings.m_exempt.begin(), settings.m_exempt.end(),
-                    [this](IPPrefix const& prefix) { return prefix.contains(m_client.m_address); });
-    return isListed ? "network" : nullptr;
+    return (settings.m_exemptAuthenticated != 0 && m_message.m_isAuthenticated) ||
+           std::any_of(
+               settings.m_exempt.begin(), settings.m_exempt.end(),
+               [this](IPPrefix const& prefix) { return prefix.contains(m_client.m_address); });
 }
 
 // What stands there before us, a sender may have written.
@@ -115,7 +101,6 @@ bool Session::removeForeign(MailServer& server) const {
            s_removeAll(server, reasonsHeader, m_message.m_foreignReasons);
 }
 
-// The milter protocol knows no status of a message, so that one stays 0.
 MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) const {
     MessageFacts facts;
     facts.m_envelopeFrom = EmailAddress::rfc5322Parse(m_message.m_envelopeFrom, true);
@@ -124,43 +109,26 @@ MessageFacts Session::facts(MailServer& server, HeaderContainer const& headers) 
     if (!m_client.m_address.isNull()) {
         facts.m_client = m_client.m_address;
         facts.m_currentReceived = receivedText(server, m_client);
-        facts.m_currentIsForged = forgedFlag(server, m_client);
+        facts.m_currentIsForged = forgedFlag(m_client);
     }
     return facts;
 }
 
-Judgement Session::scan(MailServer& server) const {
-    try {
-        auto const headers = HeaderReader::read(m_message.m_headers);
-        auto const known = facts(server, headers);
-        auto record = m_snapshot->m_host->scan(headers, known, RecordDepth::steps);
-        if (record.failure) {
-            m_service.reportError(*record.failure);
-        }
-        auto judgement = judgementOf(std::move(record), m_snapshot->milter());
-        judgement.m_hop = known.m_currentReceived;
-        return judgement;
-    } catch (std::exception const& error) {
-        m_service.reportError(error.what());
-        return failureOf(Failure::scanFailed);
-    }
-}
-
 Judgement Session::judge(MailServer& server) const {
-    if (!m_place.isIn()) {
-        return failureOf(Failure::overload);
-    }
     if (m_message.m_isOdd) {
         return failureOf(Failure::oddMessage);
-    }
-    if (m_message.m_hasFailed || !m_isClientKnown) {
-        return failureOf(Failure::scanFailed);
     }
     if (m_snapshot->m_host == nullptr) {
         return failureOf(Failure::noRules);
     }
     auto const pass = m_service.scans().enter(m_snapshot->milter().m_maxScans);
-    return pass.isIn() ? scan(server) : failureOf(Failure::overload);
+    if (!pass.isIn()) {
+        return failureOf(Failure::overload);
+    }
+    auto const headers = HeaderReader::read(m_message.m_headers);
+    return judgementOf(
+        m_snapshot->m_host->scan(headers, facts(server, headers), RecordDepth::steps),
+        m_snapshot->milter());
 }
 
 Reply Session::apply(MailServer& server, Judgement const& judgement, Action const& action) const {
@@ -193,17 +161,15 @@ Reply Session::finish(MailServer& server) {
     if (!removeForeign(server)) {
         return Reply::tempfail;
     }
-    if (auto const* const why = exemption(); why != nullptr) {
-        m_service.reportExempted(server.macro("i"), why);
+    if (isExempt()) {
+        m_service.metrics().exempted();
         return Reply::accept;
     }
     auto const start = std::chrono::steady_clock::now();
-    auto const& settings = m_snapshot->milter();
     auto const judgement = judge(server);
-    auto const action = actionOn(judgement, settings);
+    auto const action = actionOn(judgement, m_snapshot->milter());
     std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
-    m_service.report(
-        {server.macro("i"), judgement, action, time.count(), settings.m_logDetails != 0});
+    m_service.report({server.macro("i"), judgement, action, time.count()});
     return apply(server, judgement, action);
 }
 

@@ -4,8 +4,7 @@
 // another, and what becomes of each. It knows nothing of libmilter; Callbacks.h translates.
 //
 // One thread at a time, but not always the same. Memory is bounded by the limits of the settings,
-// whatever is sent: of a message that is beyond one, and of sessions beyond their number, nothing
-// more is kept.
+// whatever is sent.
 #pragma once
 
 #include "apps/milter/CurrentHop.h"
@@ -15,7 +14,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 
 namespace Quorvane::Milter {
 
@@ -33,9 +31,7 @@ class Session {
     void envelopeFrom(MailServer& server, std::string const& address);
     void recipient(std::string const& address);
     // `value` as it stands in the message after the colon.
-    void header(std::string_view name, std::string_view value);
-    // A step of the message was lost: it counts as a scan that failed.
-    void failMessage() { m_message.m_hasFailed = true; }
+    void header(std::string const& name, std::string const& value);
     // Judges the message and does what the settings say. Throws nothing.
     Reply endOfMessage(MailServer& server);
     // Gives the memory of the message back; the next one begins afresh in any case.
@@ -49,25 +45,21 @@ class Session {
         std::size_t m_headerCount = 0;
         std::size_t m_hopCount = 0;
         bool m_isOdd = false; // beyond a limit
-        bool m_hasFailed = false;
         bool m_isAuthenticated = false;
         // Headers named like ours.
         int m_foreignResults = 0;
         int m_foreignReasons = 0;
     };
 
-    char const* exemption() const;
+    bool isExempt() const;
     bool removeForeign(MailServer& server) const;
     MessageFacts facts(MailServer& server, HeaderContainer const& headers) const;
-    Judgement scan(MailServer& server) const;
     Judgement judge(MailServer& server) const;
     Reply apply(MailServer& server, Judgement const& judgement, Action const& action) const;
     Reply finish(MailServer& server);
 
     Service& m_service;
     std::shared_ptr<Snapshot const> m_snapshot;
-    ScanGate::Pass m_place;
-    bool m_isClientKnown = false;
     Client m_client;
     Message m_message;
 };

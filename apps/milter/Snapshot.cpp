@@ -3,7 +3,6 @@
 
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
-#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 
 #include <utility>
@@ -13,8 +12,8 @@ namespace Quorvane::Milter {
 namespace {
 
 // They are used up when the program starts.
-constexpr std::string_view fixedSettings[] = {
-    "socket", "socket-group", "socket-mode", "user", "pid-file", "log", "metrics", "idle-timeout"};
+constexpr std::string_view fixedSettings[] = {"socket",   "socket-group", "socket-mode", "user",
+                                              "pid-file", "log",          "metrics"};
 
 void s_checkFixed(MilterStore const& before, MilterStore const& now) {
     for (auto const name : fixedSettings) {
@@ -27,29 +26,21 @@ void s_checkFixed(MilterStore const& before, MilterStore const& now) {
 
 } // namespace
 
-std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings) {
-    auto host = settings.m_host.values();
-    if (settings.m_milter.values().m_logDetails != 0) {
-        settleDns(host, true); // the log shows the attributes that come from DNS
-    }
-    return Quorvane::setUpHost(host, "root in the settings file");
-}
-
-FileSettings readFileSettings(std::string const& path) {
-    requireRegularFile(path, "a daemon reads its settings again at each reload");
+FileSettings readFileSettings(CommandLine const& line) {
     FileSettings settings;
     SettingsSection* const sections[] = {&settings.m_host, &settings.m_milter};
-    loadSettingsFile(path, "qvmilter", sections);
+    readSettings(line, "qvmilter", sections);
     return settings;
 }
 
-SnapshotInForce::SnapshotInForce(std::string path) : m_path(std::move(path)) {
-    auto settings = readFileSettings(m_path);
+SnapshotInForce::SnapshotInForce(CommandLine line) : m_line(std::move(line)) {
+    auto settings = readFileSettings(m_line);
     try {
-        put(settings, setUpHost(settings));
+        auto host = setUpHost(settings.m_host.values());
+        put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
     } catch (NoRulesError const& error) {
         m_whyNoRules = error.what();
-        put(settings, nullptr);
+        put({std::move(settings), nullptr, {}});
     }
 }
 
@@ -58,41 +49,30 @@ std::shared_ptr<Snapshot const> SnapshotInForce::current() const {
     return m_current;
 }
 
-void SnapshotInForce::put(FileSettings const& settings, std::shared_ptr<ScanHost const> host) {
-    auto const loaded = loadTime(host.get());
-    auto next = std::make_shared<Snapshot const>(Snapshot{settings, std::move(host), loaded});
+void SnapshotInForce::put(Snapshot snapshot) {
+    auto next = std::make_shared<Snapshot const>(std::move(snapshot));
     std::lock_guard const lock(m_mutex);
     m_current.swap(next);
 }
 
-// A reload that finds no newer rules goes on with those it has.
-Snapshot::Time SnapshotInForce::loadTime(ScanHost const* host) const {
-    if (host == nullptr) {
-        return {};
-    }
-    auto const before = current();
-    bool const areSame = before != nullptr && before->m_host != nullptr &&
-                         before->m_host->ruleVersion() == host->ruleVersion();
-    return areSame ? before->m_rulesLoaded : Snapshot::Clock::now();
-}
-
 void SnapshotInForce::reload() {
-    auto settings = readFileSettings(m_path);
+    auto settings = readFileSettings(m_line);
     s_checkFixed(current()->m_settings.m_milter, settings.m_milter);
-    auto host = setUpHost(settings);
+    auto host = setUpHost(settings.m_host.values());
     m_whyNoRules.clear();
-    put(settings, std::move(host));
+    put({std::move(settings), std::move(host), std::chrono::system_clock::now()});
 }
 
 bool SnapshotInForce::loadNewerRules() {
     auto const before = current();
     auto const& settings = before->m_settings;
-    auto host = before->m_host == nullptr ? setUpHost(settings) : withNewerRules(before->m_host);
+    auto host = before->m_host == nullptr ? setUpHost(settings.m_host.values())
+                                          : withNewerRules(before->m_host);
     if (host == before->m_host) {
         return false;
     }
     m_whyNoRules.clear();
-    put(settings, std::move(host));
+    put({settings, std::move(host), std::chrono::system_clock::now()});
     return true;
 }
 

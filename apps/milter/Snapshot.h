@@ -4,6 +4,7 @@
 // puts another one in its place, and sessions keep the one they began with.
 #pragma once
 
+#include "apps/commandline/CommandLine.h"
 #include "apps/host/ScanHost.h"
 #include "apps/milter/MilterTable.h"
 #include "apps/settings/SettingsTable.h"
@@ -22,18 +23,12 @@ struct FileSettings {
 };
 
 // A SettingsError for what is wrong with the file.
-FileSettings readFileSettings(std::string const& path);
-
-// Puts the settings for all programs in force (apps/host/HostSetup.h).
-std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings);
+FileSettings readFileSettings(CommandLine const& line);
 
 struct Snapshot {
-    using Clock = std::chrono::system_clock;
-    using Time = Clock::time_point;
-
     FileSettings m_settings;
     std::shared_ptr<ScanHost const> m_host; // null: no rules could be loaded yet
-    Time m_rulesLoaded;
+    std::chrono::system_clock::time_point m_rulesLoaded;
 
     MilterSettings const& milter() const { return m_settings.m_milter.values(); }
 };
@@ -41,9 +36,9 @@ struct Snapshot {
 // The snapshot in force. current may be called from any thread; the others from one.
 class SnapshotInForce {
   public:
-    // `path`: of the settings file, which each reload reads again. Rules that cannot be loaded are
-    // no error here (whyNoRules says so); a SettingsError for all else.
-    explicit SnapshotInForce(std::string path);
+    // `line`: names the settings file, which each reload reads again. Rules that cannot be loaded
+    // are no error here (start says so); a SettingsError for all else.
+    explicit SnapshotInForce(CommandLine line);
 
     std::shared_ptr<Snapshot const> current() const;
 
@@ -57,11 +52,9 @@ class SnapshotInForce {
     std::string const& whyNoRules() const { return m_whyNoRules; }
 
   private:
-    // `host` null: there are no rules yet.
-    void put(FileSettings const& settings, std::shared_ptr<ScanHost const> host);
-    Snapshot::Time loadTime(ScanHost const* host) const;
+    void put(Snapshot snapshot);
 
-    std::string m_path;
+    CommandLine m_line;
     mutable std::mutex m_mutex; // guards m_current
     std::shared_ptr<Snapshot const> m_current;
     std::string m_whyNoRules;

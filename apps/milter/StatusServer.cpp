@@ -5,7 +5,6 @@
 #include "platform/IPAddress.h"
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http.hpp>
@@ -24,7 +23,6 @@ using Request = Http::request<Http::empty_body>;
 using Answer = Http::response<Http::string_body>;
 
 constexpr std::chrono::seconds patience{5};
-constexpr std::chrono::milliseconds retryTime{100};
 
 Answer s_answer(Http::status status, std::string text) {
     Answer answer(status, 11, std::move(text));
@@ -126,12 +124,9 @@ struct StatusServer::Server {
 
     void accept() {
         m_acceptor.async_accept([this](boost::system::error_code error, tcp::socket socket) {
-            if (error) { // no file descriptors left: the client stays in the queue
-                m_pause.expires_after(retryTime);
-                m_pause.async_wait([this](boost::system::error_code) { accept(); });
-                return;
+            if (!error) {
+                std::make_shared<StatusClient>(std::move(socket), m_pages)->start();
             }
-            std::make_shared<StatusClient>(std::move(socket), m_pages)->start();
             accept();
         });
     }
@@ -139,7 +134,6 @@ struct StatusServer::Server {
     Pages m_pages;
     boost::asio::io_context m_io;
     tcp::acceptor m_acceptor;
-    boost::asio::steady_timer m_pause{m_io};
     std::thread m_thread;
 };
 

@@ -4,7 +4,6 @@
 #include "apps/milter/Snapshot.h"
 
 #include <csignal>
-#include <filesystem>
 #include <malloc.h>
 
 namespace Quorvane::Milter {
@@ -12,19 +11,17 @@ namespace Quorvane::Milter {
 namespace {
 
 int s_run(CommandLine const& line) {
-    auto const path = line.text("config");
     if (line.has("show-config")) {
-        auto const settings = readFileSettings(path);
+        auto const settings = readFileSettings(line);
         printOutput(settings.m_host.asToml() + '\n' + settings.m_milter.asToml());
         return ExitStatus::ok;
     }
     if (line.has("check")) {
-        checkSettings(path);
-        printOutput(path + ": settings and rules are in order\n");
+        checkSettings(line);
+        printOutput(line.text("config") + ": settings and rules are in order\n");
         return ExitStatus::ok;
     }
-    // In the background the current folder is another.
-    return serve(std::filesystem::absolute(path).string(), line.has("foreground"));
+    return serve(line);
 }
 
 } // namespace

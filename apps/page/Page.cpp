@@ -2,7 +2,6 @@
 #include "apps/page/Page.h"
 
 #include "apps/page/Escape.h"
-#include "apps/text/MadeBy.h"
 
 #include <array>
 #include <glib.h>
@@ -58,7 +57,6 @@ std::string html(Document const& document) {
     page += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
             "<meta name=\"color-scheme\" content=\"light dark\">\n"
             "<meta name=\"referrer\" content=\"no-referrer\">\n";
-    page += std::string("<meta name=\"generator\" content=\"") + madeBy + "\">\n";
     page += "<title>" + text(document.m_title) + "</title>\n";
     page += s_element("style", style);
     page += "</head>\n<body>\n" + document.m_body;

@@ -4,25 +4,20 @@
 // page. A plain value.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace Quorvane::Page {
 
 struct Column {
-    std::string m_name; // plain text, ours, without characters of HTML
+    std::string m_name; // HTML
     bool m_isNumber = false;
 };
-
-// What a narrow screen shows: the table, scrolling below the first column, or a card for each row,
-// so that no figure is out of sight.
-enum class Narrow : std::uint8_t { scrolls, cards };
 
 class Table {
   public:
     // `label`: plain text for screen readers, what the table holds.
-    Table(std::string const& label, std::vector<Column> columns, Narrow narrow = Narrow::scrolls);
+    Table(std::string const& label, std::vector<Column> const& columns);
 
     // HTML for each column; the first cell names the row.
     void row(std::vector<std::string> const& cells);
@@ -30,11 +25,8 @@ class Table {
     std::string html() const;
 
   private:
-    std::string cardName(Column const& column) const;
-
-    std::vector<Column> m_columns;
-    Narrow m_narrow;
     std::string m_head;
+    std::vector<bool> m_isNumber;
     std::string m_rows;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/commandline/Program.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/FindingOutput.h"
+#include "apps/qvrules/Output.h"
 #include "apps/text/Utf8.h"
 #include "rules/check/Checker.h"
 #include "rules/check/Drift.h"
@@ -13,7 +13,7 @@
 namespace Quorvane::RulesApp {
 
 int check(CommandLine const& line) {
-    auto const settings = settingsStore(line).values().m_judging;
+    auto const settings = hostSettings(line).m_judging;
     auto const path = line.text("PATH");
     auto const against = line.text("against");
     auto const rules = Rules::loadRules(path);
@@ -23,9 +23,9 @@ int check(CommandLine const& line) {
         std::move(drift.begin(), drift.end(), std::back_inserter(findings));
     }
     CheckedRules const checked{path, rules, against};
-    printOutput(line.text("format") == "json"
-                    ? findingsAsJson(checked, findings)
-                    : toPrintableLines(findingsAsText(checked, findings)));
+    writeOutput("-", line.text("format") == "json"
+                         ? findingsAsJson(checked, findings)
+                         : toPrintableLines(findingsAsText(checked, findings)));
     return findings.empty() ? ExitStatus::ok : ExitStatus::findings;
 }
 

@@ -2,25 +2,12 @@
 #include "apps/qvrules/Commands.h"
 
 #include "apps/commandline/Program.h"
-#include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
-#include "rules/format/RuleFiles.h"
 #include "rules/language/AttributePage.h"
-#include "rules/model/RuleError.h"
 
 #include <algorithm>
 
 namespace Quorvane::RulesApp {
-
-std::filesystem::path ruleFolder(CommandLine const& line) {
-    auto const root = line.text("root", "/");
-    std::error_code error;
-    if (!std::filesystem::is_directory(root, error)) {
-        throw Rules::RuleError(Rules::RuleError::Kind::noInput,
-                               root + ": is not a folder; make it first, or correct --root");
-    }
-    return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
-}
 
 SettingsStore settingsStore(CommandLine const& line) {
     SettingsStore settings;
@@ -30,9 +17,7 @@ SettingsStore settingsStore(CommandLine const& line) {
 }
 
 HostSettings hostSettings(CommandLine const& line) {
-    auto const settings = settingsStore(line);
-    warnAbout(settings, "qvrules");
-    return withFiles(settings.values());
+    return settingsStore(line).values();
 }
 
 MessageFacts messageFacts(CommandLine const& line) {

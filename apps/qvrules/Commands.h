@@ -9,8 +9,6 @@
 #include "apps/commandline/ProgramError.h"
 #include "apps/settings/SettingsTable.h"
 
-#include <filesystem>
-
 namespace Quorvane::RulesApp {
 
 ProgramTable const& rulesTable();
@@ -19,7 +17,6 @@ int compile(CommandLine const& line);
 int decompile(CommandLine const& line);
 int check(CommandLine const& line);
 int install(CommandLine const& line);
-int status(CommandLine const& line);
 int learn(CommandLine const& line);
 int evaluate(CommandLine const& line);
 int show(CommandLine const& line);
@@ -31,24 +28,9 @@ int listAttributes(CommandLine const& line);
 
 // Options of several commands. Each throws a UsageError, and a SettingsError for a bad settings
 // file.
-// The rule folder below --root, like DESTDIR of an installer. A RuleError when there is no such
-// root.
-std::filesystem::path ruleFolder(CommandLine const& line);
 SettingsStore settingsStore(CommandLine const& line);
 HostSettings hostSettings(CommandLine const& line);
 MessageFacts messageFacts(CommandLine const& line);
 bool hasFacts(CommandLine const& line);
-
-// The number that an option gives; keeps `number` if it is not given. Throws a UsageError.
-template<typename Number>
-void readNumberOption(CommandLine const& line, std::string const& name, Number& number) {
-    try {
-        if (line.has(name)) {
-            readSetting(line.text(name), number);
-        }
-    } catch (SettingsError const& error) {
-        throw UsageError("--" + name + ": " + error.what());
-    }
-}
 
 } // namespace Quorvane::RulesApp

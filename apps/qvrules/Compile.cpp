@@ -20,16 +20,15 @@ int compile(CommandLine const& line) {
                                source + ": is a folder; compile takes a rule text, "
                                         "which \"qvrules decompile\" makes from a folder\n");
     }
-    auto const folder = line.text("output");
-    requireRuleFolder(folder, line.has("force"));
-    Rules::writeFolder(folder, Rules::loadRules(source).m_set);
+    auto const rules = Rules::loadRules(source);
+    Rules::writeFolder(line.text("output"), rules.m_set);
     return ExitStatus::ok;
 }
 
 int decompile(CommandLine const& line) {
     auto const folder = line.text("DIR");
     auto const set = Rules::readFolder(folder);
-    writeOutput(outputOf(line, "output", noMark), Rules::ruleText(set));
+    writeOutput(line.text("output", "-"), Rules::ruleText(set));
     if (auto const problem = Rules::loadProblem(set)) {
         std::cerr << toPrintable(folder)
                   << ": engines refuse these rules, and compile refuses the text "

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/evaluation/Report.h"
-#include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -22,18 +21,17 @@ Report* s_report(std::string_view format) {
 } // namespace
 
 int diff(CommandLine const& line) {
-    TrainingMail mail{mailInputs(line), Copies::none, hostSettings(line)};
+    TrainingMail const mail{mailInputs(line), Copies::none, hostSettings(line)};
     if (mail.m_inputs.empty()) {
         throw UsageError("give mail (--on, --ham, --spam) or vectors (--vectors, --on-vectors)");
     }
-    auto const output = outputOf(line, "output", drawnMark);
+    auto const output = line.text("output", "-");
     requireWritable(output);
-    auto const settings = mail.m_host.m_judging;
+    auto const& settings = mail.m_host.m_judging;
     auto const before = Rules::loadRules(line.text("OLD"));
     auto const after = Rules::loadRules(line.text("NEW"));
     Workshop::VectorJudge const judgeBefore(before.m_set, settings);
     Workshop::VectorJudge const judgeAfter(after.m_set, settings);
-    settleDns(mail.m_host, judgeBefore.needsLookups() || judgeAfter.needsLookups());
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
     auto const difference = Rules::compare(gathered, judgeBefore, judgeAfter);

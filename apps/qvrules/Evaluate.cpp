@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/evaluation/Report.h"
-#include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -22,16 +21,15 @@ Report* s_report(std::string_view format) {
 } // namespace
 
 int evaluate(CommandLine const& line) {
-    TrainingMail mail{mailInputs(line), line.has("augment") ? Copies::apart : Copies::none,
-                      hostSettings(line)};
+    TrainingMail const mail{mailInputs(line), line.has("augment") ? Copies::apart : Copies::none,
+                            hostSettings(line)};
     if (mail.m_inputs.empty()) {
         throw UsageError("give mail (--ham, --spam) or vectors (--vectors)");
     }
-    auto const output = outputOf(line, "output", drawnMark);
+    auto const output = line.text("output", "-");
     requireWritable(output);
     auto const rules = Rules::loadRules(line.text("RULES"));
     Workshop::VectorJudge const judge(rules.m_set, mail.m_host.m_judging);
-    settleDns(mail.m_host, judge.needsLookups());
     TrainingMailCounts counts;
     auto const gathered = gatherMessages(mail, counts);
     auto const evaluation = Rules::evaluate(gathered.m_sorted, judge, gathered.m_sortedSamples);

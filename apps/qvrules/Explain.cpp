@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/commandline/Program.h"
 #include "apps/host/HostSetup.h"
-#include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/workshop/ExplainInput.h"
@@ -14,46 +13,34 @@ namespace Quorvane::RulesApp {
 
 namespace {
 
-// The answers of DNS are shown, whether or not the rules test them.
-HostSettings s_settings(CommandLine const& line) {
-    auto settings = hostSettings(line);
-    settleDns(settings, true);
-    return settings;
-}
-
 class Explainer {
   public:
-    Explainer(CommandLine const& line, DeepHeaderEngine const& engine, Interrupt const& interrupt)
-        : m_interrupt(interrupt), m_isJson(line.text("format") == "json"),
-          m_facts(messageFacts(line)), m_host(setUpHost(s_settings(line), engine)) {}
+    Explainer(CommandLine const& line, DeepHeaderEngine const& engine)
+        : m_isJson(line.text("format") == "json"), m_facts(messageFacts(line)),
+          m_host(setUpHost(hostSettings(line), engine)) {}
 
     void explain(Workshop::AskedItem const& item) const {
         auto const depth = RecordDepth::alternatives;
-        auto const record = item.m_headers ? m_host->scan(*item.m_headers, m_facts, depth)
-                                           : m_host->judge(item.m_vector, depth);
-        if (m_interrupt.signalNumber() != 0) {
-            throw Interrupted();
-        }
-        print(item.m_source, record);
+        print(item.m_source, item.m_headers ? m_host->scan(*item.m_headers, m_facts, depth)
+                                            : m_host->judge(item.m_vector, depth));
     }
 
   private:
     void print(std::string const& source, ScanRecord const& record) const {
         auto const& settings = m_host->settings().m_judging;
-        printOutput(m_isJson ? jsonExplanation(source, record, settings)
+        writeOutput("-", m_isJson
+                             ? jsonExplanation(source, record, settings)
                              : textRecord(source, record, false) + textExplain(record, settings));
     }
 
-    Interrupt const& m_interrupt;
     bool m_isJson;
     MessageFacts m_facts;
     std::shared_ptr<ScanHost const> m_host;
 };
 
-void s_explain(CommandLine const& line, Workshop::ExplainInput& input, Interrupt const& interrupt) {
+void s_explain(CommandLine const& line, Workshop::ExplainInput& input) {
     auto const engine = engineOf(Rules::loadRules(line.text("RULES")).m_set);
-    LookupEnd const lookupEnd(interrupt.token());
-    Explainer const explainer(line, engine, interrupt);
+    Explainer const explainer(line, engine);
     input.read([&](Workshop::AskedItem const& item) { explainer.explain(item); });
 }
 
@@ -68,7 +55,7 @@ int explain(CommandLine const& line) {
             throw UsageError(asked + ": facts about a message do not apply to vectors; leave out "
                                      "--env-from and the like");
         }
-        s_explain(line, input, interrupt);
+        s_explain(line, input);
     } catch (Interrupted const&) {
         throw Workshop::ScanInterrupted{interrupt.signalNumber()};
     }

@@ -3,6 +3,7 @@
 #include "apps/qvrules/FindingOutput.h"
 #include "apps/text/Utf8.h"
 #include "rules/check/Checker.h"
+#include "rules/format/RuleFiles.h"
 #include "rules/install/Installer.h"
 #include "rules/model/RuleError.h"
 
@@ -15,22 +16,16 @@ namespace {
 
 using Rules::Finding;
 using Rules::Findings;
-using Sets = std::vector<Rules::InstalledSet>;
 
-std::string s_versionText(std::int32_t version) {
-    return "version " + std::to_string(version);
+// Below the root, like DESTDIR of an installer.
+std::filesystem::path s_folder(std::string const& root) {
+    return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
 }
 
-void s_report(std::filesystem::path const& folder, Sets const& sets) {
-    std::cout << toPrintable(folder.string()) << ": " << s_versionText(sets.front().m_version)
-              << " is in force";
-    if (auto const restored = sets.front().m_restored) {
-        std::cout << ": the rules of " << s_versionText(*restored) << " are back";
-    }
-    if (auto const before = sets.front().m_before) {
-        std::cout << (sets.front().m_restored ? "; --rollback again leads to "
-                                              : "; --rollback leads back to ")
-                  << s_versionText(*before);
+void s_report(std::filesystem::path const& folder, Rules::Installation const& done) {
+    std::cout << folder.string() << ": version " << done.m_version << " is in force";
+    if (done.m_previous) {
+        std::cout << ", version " << *done.m_previous << " is kept for --rollback";
     }
     std::cout << '\n';
 }
@@ -46,64 +41,30 @@ void s_refuseUnloadable(std::string const& source, Rules::RuleSet const& set) {
     }
 }
 
-// Rules with the version that they get in `folder`.
-Rules::LoadedRules s_rulesFor(std::filesystem::path const& folder, std::string const& source) {
-    auto rules = Rules::loadRules(source);
-    s_refuseUnloadable(source, rules.m_set);
-    rules.m_set.setVersion(Rules::versionFor(folder, rules.m_set));
-    return rules;
-}
+} // namespace
 
-// False when there are errors.
-bool s_isSound(std::string const& source, Rules::LoadedRules const& rules) {
+int install(CommandLine const& line) {
+    auto const folder = s_folder(line.text("root", "/"));
+    auto const source = line.text("PATH");
+    bool const isRollback = line.has("rollback");
+    if (isRollback != source.empty()) {
+        throw UsageError("install takes either a PATH or --rollback");
+    }
+    if (isRollback) {
+        s_report(folder, Rules::rollBack(folder));
+        return ExitStatus::ok;
+    }
+    auto const rules = Rules::loadRules(source);
+    s_refuseUnloadable(source, rules.m_set);
     auto const findings = Rules::checkRules(rules.m_set, programDefaults());
     if (!findings.empty()) {
         std::cerr << toPrintableLines(findingsAsText({source, rules, ""}, findings));
     }
-    return std::none_of(findings.begin(), findings.end(), s_isError);
-}
-
-int s_rollBack(std::filesystem::path const& folder, CommandLine const& line) {
-    std::int32_t version = 0;
-    readNumberOption(line, "to", version);
-    s_report(folder,
-             Rules::rollBack(folder, line.has("to") ? std::optional(version) : std::nullopt));
-    return ExitStatus::ok;
-}
-
-void s_checkUsage(CommandLine const& line) {
-    if (line.has("rollback") != line.text("PATH").empty()) {
-        throw UsageError("install takes either a PATH or --rollback");
-    }
-    if (line.has("to") && !line.has("rollback")) {
-        throw UsageError("--to needs --rollback");
-    }
-    if (line.has("dry-run") && line.has("rollback")) {
-        throw UsageError("--dry-run goes with a PATH; \"qvrules status\" shows what is kept");
-    }
-}
-
-} // namespace
-
-int install(CommandLine const& line) {
-    s_checkUsage(line);
-    auto const folder = ruleFolder(line);
-    if (line.has("rollback")) {
-        return s_rollBack(folder, line);
-    }
-    auto const source = line.text("PATH");
-    auto const rules = s_rulesFor(folder, source);
-    if (!s_isSound(source, rules) && !line.has("force")) {
+    if (!line.has("force") && std::any_of(findings.begin(), findings.end(), s_isError)) {
         std::cerr << "nothing was installed; correct the errors, or add --force\n";
         return ExitStatus::findings;
     }
-    if (line.has("dry-run")) {
-        std::cout << toPrintable(folder.string()) << ": "
-                  << s_versionText(rules.m_set.version().value_or(0))
-                  << " would be in force; nothing was changed\n";
-        return ExitStatus::ok;
-    }
-    s_report(folder, Rules::installRules(folder, rules.m_set, source));
+    s_report(folder, Rules::installRules(folder, rules.m_set));
     return ExitStatus::ok;
 }
 

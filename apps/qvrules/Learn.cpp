@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Progress.h"
-#include "apps/host/HostSetup.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
 #include "apps/qvrules/TrainingMail.h"
@@ -28,13 +27,25 @@ void s_turnLookupsOff(CommandLine const& line, HostSettings& host) {
     host.m_dns = "off";
 }
 
+// Keeps the default if nothing is given.
+template<typename Number>
+void s_readNumber(CommandLine const& line, std::string const& name, Number& number) {
+    try {
+        if (line.has(name)) {
+            readSetting(line.text(name), number);
+        }
+    } catch (SettingsError const& error) {
+        throw UsageError("--" + name + ": " + error.what());
+    }
+}
+
 Rules::LearnSettings s_settings(CommandLine const& line) {
     Rules::LearnSettings settings;
     settings.m_impurity =
         line.text("impurity") == "gini" ? Rules::ImpurityKind::gini : Rules::ImpurityKind::entropy;
-    readNumberOption(line, "min-node-support", settings.m_minSupport);
-    readNumberOption(line, "min-gain", settings.m_minGain);
-    readNumberOption(line, "max-nodes", settings.m_maxNodes);
+    s_readNumber(line, "min-node-support", settings.m_minSupport);
+    s_readNumber(line, "min-gain", settings.m_minGain);
+    s_readNumber(line, "max-nodes", settings.m_maxNodes);
     if (line.has("lookups")) {
         settings.m_attributes.fill(true);
     }
@@ -76,18 +87,16 @@ Rules::PruningPlan s_pruning(CommandLine const& line) {
 TrainingMail s_trainingMail(CommandLine const& line) {
     TrainingMail mail{mailInputs(line), line.has("augment") ? Copies::together : Copies::none,
                       hostSettings(line)};
-    if (line.has("lookups")) {
-        settleDns(mail.m_host, true);
-    } else {
+    if (!line.has("lookups")) {
         s_turnLookupsOff(line, mail.m_host);
     }
     return mail;
 }
 
-void s_writeTable(Output const& output, Rules::VectorTable const& table) {
+void s_writeTable(std::string const& path, Rules::VectorTable const& table) {
     std::ostringstream text;
     Rules::writeVectorCsv(text, table);
-    writeOutput(output, text.str());
+    writeOutput(path, text.str());
 }
 
 std::string s_treeText(Rules::LearnedTree const& learned) {
@@ -152,27 +161,26 @@ Rules::LearnedTree s_learn(Rules::VectorTable const& table, Rules::LearnSettings
 
 int learn(CommandLine const& line) {
     auto const mail = s_trainingMail(line);
-    auto const output = outputOf(line, "output", learnedMark);
-    auto const tableOutput = outputOf(line, "table", tableMark);
+    auto const output = line.text("output");
+    auto const tablePath = line.text("table");
     if (mail.m_inputs.empty()) {
         throw UsageError("give training mail (--ham, --spam) or vectors (--vectors)");
     }
-    if (!line.has("output") && !line.has("table")) {
+    if (output.empty() && tablePath.empty()) {
         throw UsageError("give -o SRC for rules or --table FILE for the vectors");
     }
     // Check everything else before hours of scanning.
     auto const settings = s_settings(line);
     auto const plan = s_pruning(line);
     auto const before = s_textBefore(line.text("with"));
-    for (auto const& file : {output, tableOutput}) {
-        requireWritable(file);
-    }
+    requireWritable(output);
+    requireWritable(tablePath);
     TrainingMailCounts counts;
     auto const table = gatherMail(mail, counts).m_sorted;
-    if (line.has("table")) {
-        s_writeTable(tableOutput, table);
+    if (!tablePath.empty()) {
+        s_writeTable(tablePath, table);
     }
-    if (line.has("output")) {
+    if (!output.empty()) {
         auto const learned = s_learn(table, settings, plan);
         writeOutput(output,
                     before + Rules::learnedComment(table, settings, learned) + s_treeText(learned));

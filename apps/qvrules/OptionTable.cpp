@@ -13,9 +13,7 @@ namespace {
 constexpr OptionRow rulesArgument{"RULES", "PATH", "rule text, or folder of rule files",
                                   Takes::required};
 constexpr OptionRow formatRow{"format", "text|json", "output format: text (default) or JSON"};
-constexpr OptionRow rootRow{"root", "DIR", "the rules below DIR instead of /"};
 constexpr OptionRow outputRow{"output", "FILE", "output file (default: standard output)", 0, 'o'};
-constexpr OptionRow forceRow{"force", "", "replace a file that this command did not write"};
 constexpr OptionRow mailRows[] = {
     {"ham", "[CORPUS=]PATH", "wanted mail: files, mboxes, folders, Maildirs", Takes::several},
     {"spam", "[CORPUS=]PATH", "unwanted mail", Takes::several},
@@ -29,8 +27,7 @@ CommandRow const compileCommand{
     "compile",
     "Compile a rule text into rule files",
     {{"SRC", "SRC", "rule text", Takes::required}},
-    {{"output", "DIR", "folder for README, qv.dt and qv2.dt", Takes::required, 'o'},
-     {"force", "", "replace a README that is not of rules"}},
+    {{"output", "DIR", "folder for README, qv.dt and qv2.dt", Takes::required, 'o'}},
     "Each file is replaced atomically; files that the rules do not need are removed.\n"
     "For a folder that running hosts read, use \"qvrules install\".\n\n"
     "Example: qvrules compile my.qvr -o /tmp/rules"};
@@ -39,8 +36,7 @@ CommandRow const decompileCommand{
     "decompile",
     "Convert rule files back into a rule text",
     {{"DIR", "DIR", "folder with qv.dt, qv2.dt and README", Takes::required}},
-    {{"output", "SRC", "rule text to write (default: standard output)", 0, 'o'},
-     {"force", "", "replace a file that is there"}},
+    {{"output", "SRC", "rule text to write (default: standard output)", 0, 'o'}},
     "Compiling the text gives the same bytes, even if the files are damaged.\n\n"
     "Example: qvrules decompile /var/spool/etc/antispam -o now.qvr"};
 
@@ -61,27 +57,13 @@ CommandRow const installCommand{
     "install",
     "Install rules; running hosts reload them",
     {{"PATH", "PATH", "rule text, or folder of rule files"}},
-    {rootRow,
-     {"rollback", "", "restore the rules before those in force; each call leads one step back"},
-     {"to", "VERSION", "with --rollback: restore the rules of this version"},
-     {"dry-run", "", "check the rules and say what would be installed; change nothing"},
+    {{"root", "DIR", "install below DIR instead of /"},
+     {"rollback", "", "restore the previous rules"},
      {"force", "", "install even with errors, if the rules can be loaded"}},
     "The rules are written to /var/spool/etc/antispam with a higher version number,\n"
-    "so that running hosts reload them. They are put in force in one step: there is\n"
-    "no moment without rules. The last ten sets are kept.\n\n"
+    "so that running hosts reload them. The previous rules are kept.\n\n"
     "Examples: qvrules install my.qvr\n"
-    "          qvrules install --rollback --root /srv/test\n"
-    "          qvrules install --rollback --to 12"};
-
-CommandRow const statusCommand{
-    "status",
-    "Show the rules in force",
-    {},
-    {rootRow, formatRow},
-    "Shows the version in force, since when, its size and where it is from, what is\n"
-    "kept for \"qvrules install --rollback\", and the running programs that use the\n"
-    "library.\n\n"
-    "Example: qvrules status --root /srv/test"};
+    "          qvrules install --rollback --root /srv/test"};
 
 CommandRow const learnCommand{
     "learn",
@@ -89,7 +71,6 @@ CommandRow const learnCommand{
     {},
     {{"output", "SRC", "rule text to write; - for standard output", 0, 'o'},
      {"table", "FILE", "write the vectors, with counts, as CSV"},
-     forceRow,
      {"with", "SRC", "start the output with this rule text (version, elite rules)"},
      {"augment", "no-reverse-name",
       "also learn from copies of the mail as a gateway without reverse DNS records it"},
@@ -120,8 +101,7 @@ CommandRow const evaluateCommand{
       "also measure copies of the mail as a gateway without reverse DNS records it, as separate "
       "corpora"},
      {"format", "text|json|html", "output format: text (default), JSON, or a page with charts"},
-     outputRow,
-     forceRow},
+     outputRow},
     "For each corpus and for all together: how much mail can be judged, the verdicts\n"
     "at the thresholds, the ROC curve, how reliable confidences are, which rules\n"
     "decide and which are wrong, with sample messages. Use mail that the rules were\n"
@@ -135,7 +115,6 @@ CommandRow const showCommand{
     {rulesArgument},
     {{"format", "text|dot|svg|html", "for a terminal (default), for Graphviz, a picture, a page"},
      outputRow,
-     forceRow,
      {"on", "PATH", "mail on which to measure how much reaches each node", Takes::several},
      {"vectors", "FILE", "CSV of vectors to measure on; - for standard input", Takes::several},
      {"message", "FILE", "message to judge and to explain in the page", Takes::several},
@@ -185,8 +164,7 @@ CommandRow const diffCommand{
     {{"on", "[CORPUS=]PATH", "unsorted mail: files, mboxes, folders, Maildirs", Takes::several},
      {"on-vectors", "[CORPUS=]FILE", "CSV of vectors without labels: unsorted", Takes::several},
      {"format", "text|json|html", "output format: text (default), JSON, or a page"},
-     outputRow,
-     forceRow},
+     outputRow},
     "Shows which messages change verdict between OLD and NEW, which node or elite\n"
     "rule decides in each, whether the change is right where mail is sorted, and how\n"
     "confidences change elsewhere. The exit status is 1 if a verdict changes.\n\n"
@@ -238,7 +216,6 @@ constexpr std::string_view footer =
     "  qvrules check my.qvr                  find errors\n"
     "  qvrules install my.qvr                install; running hosts reload\n"
     "  qvrules install --rollback            restore the previous rules\n"
-    "  qvrules status                        show what is in force\n"
     "  qvrules learn --ham A --spam B -o my.qvr   learn a tree from mail\n"
     "  qvrules evaluate my.qvr --ham A --spam B   measure rules on mail\n"
     "  qvrules show my.qvr                   draw the rules\n"
@@ -259,7 +236,7 @@ ProgramTable s_table() {
          {},
          {helpRow, versionRow, configRow, showConfigRow},
          footer},
-        {compileCommand, decompileCommand, s_judging(checkCommand), installCommand, statusCommand,
+        {compileCommand, decompileCommand, s_judging(checkCommand), installCommand,
          s_measuring(learnCommand), s_measuring(evaluateCommand), s_explaining(showCommand),
          s_explaining(explainCommand), testCommand, s_measuring(diffCommand), attributesCommand}};
     for (auto& command : table.m_commands) {

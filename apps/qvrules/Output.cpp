@@ -2,9 +2,7 @@
 #include "apps/qvrules/Output.h"
 
 #include "apps/commandline/Program.h"
-#include "rules/format/RuleFiles.h"
 #include "rules/model/Files.h"
-#include "rules/model/Readme.h"
 #include "rules/model/RuleError.h"
 
 #include <cerrno>
@@ -38,48 +36,20 @@ void s_writeInto(std::string const& path, std::string const& text) {
     }
 }
 
-constexpr std::size_t markReach = 65536;
-
-bool s_hasMark(std::string const& path, std::string_view mark) {
-    std::ifstream file(path, std::ios::binary);
-    std::string start(markReach, '\0');
-    file.read(start.data(), static_cast<std::streamsize>(start.size()));
-    start.resize(static_cast<std::size_t>(file.gcount()));
-    return mark != noMark && start.find(mark) != std::string::npos;
-}
-
-void s_requireOurs(Output const& output) {
-    std::error_code error;
-    auto const size = std::filesystem::file_size(output.m_path, error);
-    if (!output.m_isForced && !error && size > 0 && !s_hasMark(output.m_path, output.m_mark)) {
-        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
-                               output.m_path +
-                                   ": is there already, and is not replaced; give another name, "
-                                   "or add --force");
-    }
-}
-
 } // namespace
 
-Output outputOf(CommandLine const& line, std::string_view option, std::string_view mark) {
-    return {line.text(option, "-"), mark, line.has("force")};
-}
-
-void writeOutput(Output const& output, std::string const& text) {
-    auto const& path = output.m_path;
+void writeOutput(std::string const& path, std::string const& text) {
     if (path == "-") {
         printOutput(text);
     } else if (s_isReplaced(path)) {
-        s_requireOurs(output);
         Rules::replaceFile(path, text);
     } else {
         s_writeInto(path, text);
     }
 }
 
-void requireWritable(Output const& output) {
-    auto const& path = output.m_path;
-    if (path == "-") {
+void requireWritable(std::string const& path) {
+    if (path.empty() || path == "-") {
         return;
     }
     std::error_code ignored;
@@ -88,23 +58,8 @@ void requireWritable(Output const& output) {
     }
     auto const parent = std::filesystem::path(path).parent_path();
     auto const folder = parent.empty() ? std::string("./") : parent.string() + '/';
-    if (s_isReplaced(path)) {
-        if (::access(folder.c_str(), W_OK | X_OK) != 0) {
-            s_refuse(path, errno);
-        }
-        s_requireOurs(output);
-    }
-}
-
-void requireRuleFolder(std::string const& folder, bool isForced) {
-    auto const readme = std::filesystem::path(folder) / versionFileName;
-    std::error_code error; // making the folder says what is wrong with it
-    if (!isForced && std::filesystem::exists(readme, error) &&
-        !Rules::readmeVersion(Rules::readFile(readme))) {
-        throw Rules::RuleError(Rules::RuleError::Kind::cannotWrite,
-                               readme.string() +
-                                   ": is not the README of rules, and is not replaced; give "
-                                   "another folder, or add --force");
+    if (s_isReplaced(path) && ::access(folder.c_str(), W_OK | X_OK) != 0) {
+        s_refuse(path, errno);
     }
 }
 

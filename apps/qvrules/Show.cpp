@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/commandline/Program.h"
-#include "apps/host/HostSetup.h"
-#include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/qvrules/Commands.h"
 #include "apps/qvrules/Output.h"
@@ -15,6 +12,7 @@
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"
 
+#include <iostream>
 #include <optional>
 
 namespace Quorvane::RulesApp {
@@ -24,7 +22,7 @@ namespace {
 struct ShowArguments {
     std::string m_rules; // text or folder
     std::string m_format;
-    Output m_output;
+    std::string m_output;
     // Mail and tables of vectors to measure the traffic on.
     std::vector<std::string> m_on;
     std::vector<std::string> m_vectors;
@@ -39,7 +37,7 @@ struct ShowArguments {
 ShowArguments s_arguments(CommandLine const& line) {
     return {line.text("RULES"),
             line.text("format", "text"),
-            outputOf(line, "output", drawnMark),
+            line.text("output", "-"),
             line.texts("on"),
             line.texts("vectors"),
             line.texts("message"),
@@ -58,15 +56,13 @@ std::vector<std::string> s_asCorpus(std::vector<std::string> const& paths) {
     return named;
 }
 
-Rules::VectorTable s_mail(ShowArguments const& arguments, DeepHeaderEngine const& engine,
-                          TrainingMailCounts& counts) {
+Rules::VectorTable s_mail(ShowArguments const& arguments, TrainingMailCounts& counts) {
     TrainingMail mail;
     if (!arguments.m_on.empty()) {
         mail.m_inputs.push_back({s_asCorpus(arguments.m_on)});
     }
     mail.m_inputs.push_back({s_asCorpus(arguments.m_vectors), true});
     mail.m_host = arguments.m_settings;
-    settleDns(mail.m_host, needsLookups(engine));
     return gatherMessages(mail, counts).m_unsorted;
 }
 
@@ -102,7 +98,7 @@ std::string s_drawn(ShowArguments const& arguments, Show::Drawing const& drawing
     if (arguments.m_format == "html") {
         return Show::htmlDrawing(drawing, extras);
     }
-    return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output.m_path == "-"));
+    return Show::textDrawing(drawing, Show::terminalStyle(arguments.m_output == "-"));
 }
 
 Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& settings,
@@ -116,9 +112,6 @@ Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& se
         if (!arguments.m_serve) {
             message.m_record = explainer.explain(message.m_source, message.m_headers);
         }
-        if (interrupt.signalNumber() != 0) {
-            throw Interrupted();
-        }
         extras.m_messages.push_back(std::move(message));
     });
     return extras;
@@ -130,7 +123,7 @@ void s_serve(std::string const& page, Show::MessageExplainer const& explainer, i
         page,
         [&explainer](Show::PageQuestion const& question) { return explainer.answer(question); },
         port);
-    printOutput("The page is at " + server.address() + " until Ctrl-C.\n");
+    std::cout << "The page is at " << server.address() << " until Ctrl-C." << std::endl;
     server.run(interrupt);
 }
 
@@ -144,16 +137,14 @@ bool s_needsEngine(ShowArguments const& arguments) {
 }
 
 void s_showRunning(ShowArguments const& arguments, int port, Rules::RuleSet const& set) {
-    auto settings = arguments.m_settings;
-    settleDns(settings, true); // the page shows the answers of DNS
+    auto const& settings = arguments.m_settings;
     auto const rules = Show::shownRules(arguments.m_rules, set);
     bool const isMeasured = !arguments.m_on.empty() || !arguments.m_vectors.empty();
     TrainingMailCounts counts;
-    auto const engine = engineOf(set);
-    auto const table = isMeasured ? s_mail(arguments, engine, counts) : Rules::VectorTable();
+    auto const table = isMeasured ? s_mail(arguments, counts) : Rules::VectorTable();
     Interrupt interrupt; // after the measuring, which reads signals of its own
-    LookupEnd const lookupEnd(interrupt.token());
     try {
+        auto const engine = engineOf(set);
         auto const traffic = s_traffic(engine, settings.m_judging, table, counts);
         Show::MessageExplainer const explainer(settings, engine, arguments.m_facts);
         Show::Drawing const drawing{rules, isMeasured ? &traffic : nullptr};
@@ -173,8 +164,8 @@ void s_check(ShowArguments const& arguments, bool areFactsGiven) {
     if (!arguments.m_messages.empty() && arguments.m_format != "html" && !arguments.m_serve) {
         throw UsageError("--message is for a page: add --format html or --serve");
     }
-    bool const wantsFile = arguments.m_format == "dot" || arguments.m_format == "svg" ||
-                           arguments.m_output.m_path != "-";
+    bool const wantsFile =
+        arguments.m_format == "dot" || arguments.m_format == "svg" || arguments.m_output != "-";
     if (arguments.m_serve && wantsFile) {
         throw UsageError("--serve shows the page in a browser: leave out --format and -o");
     }

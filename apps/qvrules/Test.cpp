@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/commandline/Program.h"
 #include "apps/qvrules/Commands.h"
+#include "apps/qvrules/Output.h"
 #include "apps/text/Utf8.h"
 #include "apps/workshop/CaseRunner.h"
 #include "rules/model/RuleError.h"
@@ -154,7 +154,7 @@ int test(CommandLine const& line) {
             cases.push_back({file.m_path, &one, runner.run(one, file.m_path, file.m_rules)});
         }
     }
-    printOutput(line.text("format") == "json" ? s_json(cases) : s_text(cases));
+    writeOutput("-", line.text("format") == "json" ? s_json(cases) : s_text(cases));
     return s_failures(cases) == 0 ? ExitStatus::ok : ExitStatus::findings;
 }
 

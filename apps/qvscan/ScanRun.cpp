@@ -2,7 +2,6 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/commandline/ProgramError.h"
-#include "apps/host/LookupEnd.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
 #include "apps/text/Utf8.h"
@@ -30,14 +29,6 @@ bool s_wantsColour() {
     return (noColour == nullptr || *noColour == '\0') && ::isatty(STDOUT_FILENO) == 1;
 }
 
-// What the output shows has to be asked for.
-HostSettings s_settings(ScanOptions const& options, HostSettings settings) {
-    if (options.m_explain || options.m_format == OutputFormat::csv) {
-        settleDns(settings, true);
-    }
-    return settings;
-}
-
 ScanResult s_problem(std::string const& source, std::string const& text, int status) {
     ScanResult result;
     result.m_errors = "qvscan: " + toPrintable(source) + ": " + toPrintable(text) + "\n";
@@ -47,10 +38,9 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
 
 } // namespace
 
-ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt)
+ScanRun::ScanRun(ScanOptions const& options, Interrupt& interrupt)
     : m_options(options), m_interrupt(interrupt), m_format(s_format(options)),
-      m_colour(s_wantsColour()),
-      m_host(setUpHost(s_settings(options, settings), "--root, or root in the settings file,")),
+      m_colour(s_wantsColour()), m_host(setUpHost(options.m_settings.values())),
       m_output(STDOUT_FILENO), m_errors(STDERR_FILENO) {}
 
 std::string ScanRun::render(InputItem const& item, ScanRecord const& record) const {
@@ -61,8 +51,8 @@ std::string ScanRun::render(InputItem const& item, ScanRecord const& record) con
                                    : jsonRecord(item.m_source, record);
     case OutputFormat::csv:
         return Rules::csvField(item.m_source) +
-               Rules::csvValues(record.isJudged() ? std::optional(record.attributes)
-                                                  : std::nullopt) +
+               (record.isJudged() ? Rules::csvValues(record.attributes)
+                                  : std::string(attributeCount, ',')) +
                "\n";
     case OutputFormat::text:
         break;
@@ -142,8 +132,7 @@ void ScanRun::reportWaiting() {
 // A failed look-up counts as a name that does not exist, which can change a verdict.
 void ScanRun::reportLookups() {
     auto const counters = Resolver::instance().counters();
-    if (m_interrupt.signalNumber() == 0 && showsProgress() &&
-        counters.m_failed + counters.m_late > 0) {
+    if (showsProgress() && counters.m_failed + counters.m_late > 0) {
         m_errors.write("qvscan: DNS: " + std::to_string(counters.m_failed) +
                        " look-ups failed and " + std::to_string(counters.m_late) +
                        " came too late; their names count as not existing\n");
@@ -172,13 +161,9 @@ int ScanRun::run() {
     }
     reportWaiting();
     startProgress();
-    LookupEnd const lookupEnd(m_interrupt.token());
-    OrderedPool pool(
-        m_host->settings().m_jobs,
-        [this](InputItem const& item) {
-            return [this, result = judge(item)] { return take(result); };
-        },
-        m_interrupt.token());
+    OrderedPool pool(m_host->settings().m_jobs, [this](InputItem const& item) {
+        return [this, result = judge(item)] { return take(result); };
+    });
     submitAll(pool);
     pool.finish();
     m_progress.reset();

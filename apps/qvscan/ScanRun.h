@@ -4,7 +4,6 @@
 // One object per process; run is called once.
 #pragma once
 
-#include "apps/commandline/Output.h"
 #include "apps/commandline/Progress.h"
 #include "apps/host/HostSetup.h"
 #include "apps/input/Inputs.h"
@@ -12,6 +11,7 @@
 #include "apps/input/Interrupt.h"
 #include "apps/input/OrderedPool.h"
 #include "apps/qvscan/Options.h"
+#include "apps/qvscan/Output.h"
 
 #include <cstdint>
 #include <memory>
@@ -30,7 +30,7 @@ struct ScanResult {
 class ScanRun {
   public:
     // Throws a SettingsError. `options` and `interrupt` outlive the object.
-    ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt);
+    ScanRun(ScanOptions const& options, Interrupt& interrupt);
 
     // The exit status.
     int run();

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandline/Program.h"
-#include "apps/host/RuleLoader.h"
 #include "apps/qvscan/ScanRun.h"
-#include "apps/settings/SettingFiles.h"
-#include "apps/settings/SettingSources.h"
 
 #include <csignal>
 
@@ -12,16 +9,13 @@ namespace Quorvane {
 namespace {
 
 int s_run(CommandLine const& line) {
-    auto options = scanOptions(line);
-    useOwnRulesIfNoneAreInstalled(options.m_settings);
+    auto const options = scanOptions(line);
     if (line.has("show-config")) {
         printOutput(options.m_settings.asToml());
         return ExitStatus::ok;
     }
-    warnAbout(options.m_settings, "qvscan");
-    auto const settings = withFiles(options.m_settings.values()); // while signals end the program
     Interrupt interrupt;
-    return ScanRun(options, settings, interrupt).run();
+    return ScanRun(options, interrupt).run();
 }
 
 } // namespace

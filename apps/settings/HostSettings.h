@@ -12,7 +12,6 @@
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,9 +30,6 @@ inline DeepHeaderSettings programDefaults() {
     return settings;
 }
 
-// A value of the setting "dns".
-inline constexpr char dnsAsNeeded[] = "auto";
-
 struct HostSettings {
     // The rule files are looked up below this folder.
     std::string m_root = "/";
@@ -47,22 +43,14 @@ struct HostSettings {
     std::vector<DnsList> m_dnsLists;
     // File of patterns; empty: the built-in list.
     std::string m_dynamicPatterns;
-    // "auto", "system", "off" or a server. "auto" asks like "system" when a rule tests what comes
-    // from DNS, and otherwise nothing.
-    std::string m_dns = dnsAsNeeded;
+    // "system", "off" or a server.
+    std::string m_dns = "system";
     // Seconds that the look-ups of one message may take in all.
     double m_dnsTimeout = 2.0;
-    std::chrono::milliseconds lookupTime() const {
-        return std::chrono::ceil<std::chrono::milliseconds>(
-            std::chrono::duration<double>(m_dnsTimeout));
-    }
     // File of zone lines; empty: none. When it is given, nothing else is asked.
     std::string m_dnsData;
     // More zone lines, from the program itself; they follow those of the file.
     std::vector<std::string> m_zoneLines;
-    // What the two files hold, if they have been read already (SettingFiles.h).
-    std::optional<std::string> m_patternText;
-    std::optional<std::string> m_zoneText;
     // Scanning threads; 0: one for each core.
     unsigned int m_jobs = 0;
 };

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/settings/SettingSources.h"
 
-#include "apps/settings/SettingFiles.h"
 #include "apps/settings/TomlSettings.h"
-#include "apps/text/Utf8.h"
 #include "rules/language/Nearest.h"
+#include "rules/model/Files.h"
+#include "rules/model/RuleError.h"
 
 #include <algorithm>
-#include <iostream>
 #include <iterator>
 
 namespace Quorvane {
@@ -24,6 +23,14 @@ bool s_isProgramTable(std::string_view title) {
            std::end(programTables);
 }
 
+std::string s_read(std::string const& path) {
+    try {
+        return Rules::readFile(path);
+    } catch (Rules::RuleError const& error) {
+        throw SettingsError(error.what());
+    }
+}
+
 class FileReader {
   public:
     FileReader(std::string const& path, std::string_view program,
@@ -31,7 +38,7 @@ class FileReader {
         : m_path(path), m_program(program), m_sections(sections) {}
 
     void read() const {
-        for (auto const& [name, node] : parseToml(m_path, readSettingFile(m_path))) {
+        for (auto const& [name, node] : parseToml(m_path, s_read(m_path))) {
             auto* const section = find(name.str());
             bool const isTable = !name.str().empty() && section != nullptr;
             if (isTable || s_isProgramTable(name.str())) {
@@ -118,12 +125,6 @@ void takeOptions(CommandLine const& line, SettingsSection& section) {
         } catch (SettingsError const& error) {
             throw UsageError(std::string("--") + error.what());
         }
-    }
-}
-
-void warnAbout(SettingsStore const& settings, std::string_view program) {
-    for (auto const& warning : settingWarnings(settings)) {
-        std::cerr << program << ": " << toPrintable(warning) << '\n';
     }
 }
 

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
-#include "apps/settings/SettingsTable.h"
+#include "apps/settings/SettingsSection.h"
 
 #include <span>
 #include <string>
@@ -32,9 +32,6 @@ void loadSettingsFile(std::string const& path, std::string_view program,
 
 // Puts the options that were given into the section. Throws a UsageError.
 void takeOptions(CommandLine const& line, SettingsSection& section);
-
-// Shows what is allowed and hardly meant, on standard error.
-void warnAbout(SettingsStore const& settings, std::string_view program);
 
 // The file that --config names, then the options. Throws a SettingsError for what is wrong in the
 // file, a UsageError for a wrong option.

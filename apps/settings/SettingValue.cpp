@@ -31,15 +31,6 @@ double readNumber(std::string const& text) {
     return value;
 }
 
-double readNumber(std::string const& text, double low, double high) {
-    auto const value = readNumber(text);
-    if (value < low || value > high) {
-        throw SettingsError("\"" + text + "\" is not a number from " + exactNumberText(low) +
-                            " to " + exactNumberText(high));
-    }
-    return value;
-}
-
 long long readInteger(std::string const& text, long long low, long long high) {
     long long value = 0;
     if (!s_parses(text, value) || value < low || value > high) {
@@ -72,10 +63,7 @@ void readSetting(std::string const& text, ReputationTable::Entry& field) {
                             "\" is not a score; write PREFIX=N, as in 192.0.2.0/24=7");
     }
     readSetting(text.substr(0, equals), field.first);
-    if (!s_parses(text.substr(equals + 1), field.second) || field.second < lowestScore ||
-        field.second > highestScore) {
-        throw SettingsError("\"" + text + "\": a score is a whole number from 0 to 9");
-    }
+    readSetting(text.substr(equals + 1), field.second);
 }
 
 SettingTexts settingTexts(std::string const& value) {

@@ -17,22 +17,14 @@
 
 namespace Quorvane {
 
-// The scale of reputation scores is 0 to 9. One step beyond each end is taken as well: a score
-// threshold of -1 or 10 is one that no score of the scale reaches, as the library compares scores
-// without a sign.
-inline constexpr int lowestScore = -1;
-inline constexpr int highestScore = 10;
-
 // A value that is wrong for its setting, or an error in a settings file.
 class SettingsError : public ProgramError {
   public:
     explicit SettingsError(std::string const& text) : ProgramError(ExitStatus::config, text) {}
 };
 
-// They throw a SettingsError that shows the text and what is expected. The ends of a range belong
-// to it.
+// Both throw a SettingsError that shows the text and what is expected.
 double readNumber(std::string const& text);
-double readNumber(std::string const& text, double low, double high);
 long long readInteger(std::string const& text, long long low, long long high);
 
 // Each reads a text into a field of a record, or throws a SettingsError. A list gets one more

@@ -87,7 +87,7 @@ SettingTexts SettingsSection::texts(std::string_view name) const {
 
 std::string SettingsSection::origin(std::string_view name) const {
     auto const found = m_origins.find(name);
-    return found == m_origins.end() ? std::string(defaultOrigin) : found->second;
+    return found == m_origins.end() ? "default" : found->second;
 }
 
 std::string SettingsSection::asToml() const {

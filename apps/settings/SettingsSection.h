@@ -18,9 +18,6 @@
 
 namespace Quorvane {
 
-// Of a value that nobody has set.
-inline constexpr std::string_view defaultOrigin = "default";
-
 class SettingsSection {
   public:
     virtual ~SettingsSection() = default;

@@ -1,38 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/settings/SettingsTable.h"
 
-#include "apps/text/NumberText.h"
 #include "platform/IPAddress.h"
-#include "rules/format/RuleTests.h"
 
 #include <array>
-#include <cstdint>
-#include <limits>
 
 namespace Quorvane {
 
 namespace {
 
-template<int Low, int High>
-void s_checkNumber(std::string const& text) {
-    readNumber(text, Low, High);
+void s_checkJobs(std::string const& text) {
+    readInteger(text, 0, 1024); // more is a typing error
 }
 
-// Probabilities, and beyond them the numbers with which the library itself says "never", up to its
-// default.
-void s_checkThreshold(std::string const& text) {
-    if (auto const value = readNumber(text); value < 0 || value > treeOffThreshold) {
-        throw SettingsError("\"" + text + "\" is not a probability; write a number from 0 to 1");
-    }
+void s_checkFlag(std::string const& text) {
+    readInteger(text, 0, 1);
 }
-
-template<int Low, int High>
-void s_checkInteger(std::string const& text) {
-    readInteger(text, Low, High);
-}
-
-constexpr int mostJobs = 1024; // more is a typing error
-constexpr int highestLevel = std::numeric_limits<std::int32_t>::max();
 
 void s_checkTimeout(std::string const& text) {
     if (auto const seconds = readNumber(text); seconds < 0.01 || seconds > 600) {
@@ -42,12 +25,12 @@ void s_checkTimeout(std::string const& text) {
 
 void s_checkDns(std::string const& text) {
     auto const at = text.find('@');
-    if (text == "auto" || text == "system" || text == "off") {
+    if (text == "system" || text == "off") {
         return;
     }
     if (!IPAddress::isValidIPAddress(text.substr(0, at))) {
         throw SettingsError("\"" + text +
-                            "\" is not a resolver; write auto, system, off, or the address of " +
+                            "\" is not a resolver; write system, off, or the address of " +
                             "a name server, as in 192.0.2.53 or 192.0.2.53@5353");
     }
     if (at != std::string::npos) {
@@ -60,37 +43,31 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
         {"root", SettingKind::path, "DIR", "read the rules from DIR/var/spool/etc/antispam (/)"}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::spamThreshold>(
         {"spam-threshold", SettingKind::number, "X", "minimum probability for spam, 0..1 (0.95)",
-         true},
-        s_checkThreshold),
+         true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::hamThreshold>(
         {"ham-threshold", SettingKind::number, "X", "minimum probability for ham, 0..1 (0.95)",
-         true},
-        s_checkThreshold),
+         true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::minSupport>(
         {"min-support", SettingKind::number, "X",
-         "minimum percentage of training mail for a rule, 0..100 (0.15)", true},
-        s_checkNumber<0, 100>),
+         "minimum percentage of training mail for a rule (0.15)", true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::maxEliteLevel>(
-        {"max-elite-level", SettingKind::integer, "N",
-         "ignore elite rules of a higher level; -1: all of them (1)", true},
-        s_checkInteger<-1, highestLevel>),
+        {"max-elite-level", SettingKind::integer, "N", "ignore elite rules of a higher level (1)",
+         true}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::scoreThreshold>(
         {"score-threshold", SettingKind::integer, "N",
-         "reputation score at which a relay ends the walk, 0..9 (6)"},
-        s_checkInteger<lowestScore, highestScore>),
+         "reputation score at which a relay ends the walk, 0..9 (6)"}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::walkToLeaf>(
         {"walk-to-leaf", SettingKind::integer, "0|1",
          "0: stop at the first node sure enough of spam (1)", true},
-        s_checkInteger<0, 1>),
+        s_checkFlag),
     settingRow<&HostSettings::m_trusted>(
         {"trusted-mta", SettingKind::list, "PREFIX", "trusted relay: skipped along the trail"}),
     settingRow<&HostSettings::m_antiSpam>({"trusted-antispam-mta", SettingKind::list, "PREFIX",
                                            "relay that already filters mail: ends the walk"}),
     settingRow<&HostSettings::m_internal>(
         {"internal", SettingKind::list, "PREFIX", "the site's own relays; their hops are skipped"}),
-    settingRow<&HostSettings::m_scores>(
-        {"score", SettingKind::list, "PREFIX=N",
-         "reputation score of relays, 0..9; the longest prefix wins"}),
+    settingRow<&HostSettings::m_scores>({"score", SettingKind::list, "PREFIX=N",
+                                         "reputation score of relays; the longest prefix wins"}),
     settingRow<&HostSettings::m_dnsLists>(
         {"dns-list", SettingKind::list, "LIST",
          "DNS list, for relays without a score: \"ZONE ANSWER=N ...\"; the lowest score wins"}),
@@ -98,8 +75,7 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
         {"dynamic-patterns", SettingKind::path, "FILE",
          "patterns of dynamic host names, instead of the built-in list"}),
     settingRow<&HostSettings::m_dns>(
-        {"dns", SettingKind::text, "auto|system|off|HOST[@PORT]",
-         "which resolver answers look-ups; auto: like system if rules or output need it (auto)"},
+        {"dns", SettingKind::text, "system|off|HOST[@PORT]", "which resolver answers look-ups"},
         s_checkDns),
     settingRow<&HostSettings::m_dnsTimeout>(
         {"dns-timeout", SettingKind::number, "SECONDS",
@@ -109,8 +85,7 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
         {"dns-data", SettingKind::path, "FILE",
          "zone file that answers all look-ups; no server is asked"}),
     settingRow<&HostSettings::m_jobs>(
-        {"jobs", SettingKind::integer, "N", "scanning threads (0: one per core)"},
-        s_checkInteger<0, mostJobs>),
+        {"jobs", SettingKind::integer, "N", "scanning threads (0: one per core)"}, s_checkJobs),
 });
 
 constexpr auto facts = std::to_array<SettingRow<MessageFacts>>({
@@ -132,21 +107,6 @@ constexpr auto facts = std::to_array<SettingRow<MessageFacts>>({
 });
 
 } // namespace
-
-std::vector<std::string> settingWarnings(SettingsStore const& settings) {
-    auto const& judging = settings.values().m_judging;
-    std::vector<std::string> warnings;
-    auto const add = [&](std::string_view name, double threshold, std::string_view verdict) {
-        if (threshold > 1) {
-            warnings.push_back(std::string(name) + " " + numberText(threshold) + " (" +
-                               settings.origin(name) + ") is above 1: no message can be called " +
-                               std::string(verdict) + "; thresholds are probabilities, as in 0.95");
-        }
-    };
-    add("spam-threshold", judging.spamThreshold, "spam");
-    add("ham-threshold", judging.hamThreshold, "ham");
-    return warnings;
-}
 
 std::span<SettingRow<HostSettings> const> settingRows() {
     return settings;

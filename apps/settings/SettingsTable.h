@@ -9,8 +9,6 @@
 #include "apps/settings/SettingsSection.h"
 
 #include <span>
-#include <string>
-#include <vector>
 
 namespace Quorvane {
 
@@ -22,9 +20,6 @@ class SettingsStore : public Settings<HostSettings> {
   public:
     SettingsStore() : Settings("", settingRows()) {}
 };
-
-// One line for each setting that is allowed and hardly meant; a program shows them.
-std::vector<std::string> settingWarnings(SettingsStore const& settings);
 
 class FactsStore : public Settings<MessageFacts> {
   public:

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/NodeText.h"
-#include "apps/text/MadeBy.h"
 #include "apps/text/Utf8.h"
 #include "rules/evaluate/FigureText.h"
 
@@ -44,8 +43,7 @@ class DotWriter {
     explicit DotWriter(Drawing const& drawing) : m_drawing(drawing) {}
 
     std::string write() {
-        m_text = std::string("// ") + madeBy +
-                 "\ndigraph rules {\n"
+        m_text = "digraph rules {\n"
                  "    graph [rankdir=LR, ranksep=0.6, nodesep=0.12, fontname=\"Helvetica\", "
                  "fontsize=11, labelloc=t, labeljust=l, tooltip=\" \", label=" +
                  s_label(headLines(), "\\l") +

@@ -27,7 +27,6 @@ std::string textTree(Drawing const& drawing, TextStyle const& style);
 // Styles and scripts of the drawings, files of page/.
 std::string_view shadesStyle();
 std::string_view svgStyle();
-std::string_view pictureStyle();
 std::string_view pageStyle();
 std::string_view pageScript();
 

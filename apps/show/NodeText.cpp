@@ -2,19 +2,15 @@
 #include "apps/show/NodeText.h"
 
 #include "apps/text/NumberText.h"
-#include "rules/evaluate/FigureText.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace Quorvane::Show {
 
-std::string percentText(double share, Digits digits) {
+std::string percentText(double share) {
     if (!isShare(share)) {
         return "unknown " + noShareText(share);
-    }
-    if (digits == Digits::fixed) {
-        return Rules::percentText(share);
     }
     auto const percent = 100.0 * std::abs(share); // there is a zero with a minus sign
     // Close to certainty the digits that count stand after the nines.
@@ -22,16 +18,13 @@ std::string percentText(double share, Digits digits) {
     return numberText(percent, isNearAll ? 4 : 3) + " %";
 }
 
-std::string spamShareText(double confidence, Digits digits) {
-    return isShare(confidence) ? percentText(confidence, digits) + " spam" : spamText(confidence);
+std::string spamShareText(double confidence) {
+    return isShare(confidence) ? percentText(confidence) + " spam" : spamText(confidence);
 }
 
-std::string supportText(double percentage, Digits digits) {
-    if (!isShare(percentage / 100.0)) {
-        return "unknown " + noShareText(percentage);
-    }
-    return digits == Digits::fixed ? Rules::percentText(percentage / 100.0)
-                                   : numberText(std::abs(percentage)) + " %";
+std::string supportText(double percentage) {
+    return isShare(percentage / 100.0) ? numberText(std::abs(percentage)) + " %"
+                                       : "unknown " + noShareText(percentage);
 }
 
 std::string countText(std::int64_t count) {
@@ -59,13 +52,13 @@ double shareOf(Drawing const& drawing, ShownNode const& node) {
     return node.m_share.value_or(0.0);
 }
 
-std::string nodeLine(Drawing const& drawing, ShownNode const& node, Digits digits) {
-    auto text = spamShareText(node.m_record.confidence, digits);
+std::string nodeLine(Drawing const& drawing, ShownNode const& node) {
+    auto text = spamShareText(node.m_record.confidence);
     if (node.m_share && !node.isRoot()) {
-        text += ", " + percentText(*node.m_share, digits) + " of the training mail";
+        text += ", " + percentText(*node.m_share) + " of the training mail";
     }
     if (drawing.m_traffic != nullptr) {
-        text += ", " + percentText(shareOf(drawing, node), digits) + " measured";
+        text += ", " + percentText(shareOf(drawing, node)) + " measured";
     }
     return text;
 }
@@ -82,15 +75,6 @@ std::string countsLine(ShownNode const& node) {
     }
     return countText(record.value1) + " messages: " + countText(record.value2) + " spam, " +
            countText(record.value3) + " ham";
-}
-
-std::optional<double> trainingSpam(ShownNode const& node) {
-    auto const& record = node.m_record;
-    if (!node.isCounted() || record.value2 < 0 || record.value3 < 0) {
-        return {};
-    }
-    double const spam = record.value2;
-    return spam / (spam + static_cast<double>(record.value3));
 }
 
 std::string eliteConditions(ShownElite const& rule) {
@@ -115,15 +99,14 @@ std::vector<std::string> eliteLines(ShownRules const& rules) {
     return lines;
 }
 
-std::vector<std::string> eliteFigures(ShownElite const& rule, Traffic const* traffic,
-                                      Digits digits) {
+std::vector<std::string> eliteFigures(ShownElite const& rule, Traffic const* traffic) {
     bool const isDeciding = rule.m_rule.type == EliteType::deciding;
-    std::vector<std::string> figures{isDeciding ? supportText(rule.m_rule.support, digits) : "",
+    std::vector<std::string> figures{isDeciding ? supportText(rule.m_rule.support) : "",
                                      std::to_string(rule.m_rule.level)};
     if (traffic != nullptr) {
         auto const use = rule.m_place ? traffic->elite(*rule.m_place) : Traffic::Use{};
-        figures.push_back(percentText(traffic->share(use.m_reached), digits));
-        figures.push_back(isDeciding ? percentText(traffic->share(use.m_decided), digits) : "");
+        figures.push_back(percentText(traffic->share(use.m_reached)));
+        figures.push_back(isDeciding ? percentText(traffic->share(use.m_decided)) : "");
     }
     return figures;
 }

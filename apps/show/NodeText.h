@@ -9,25 +9,20 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace Quorvane::Show {
 
-// How many digits a percentage has: three significant ones at most (more close to certainty), or
-// two after the point, as all rates of pages have.
-enum class Digits : std::uint8_t { significant, fixed };
-
-// A probability or share, 0..1, as "97 %", "0.15 %", "99.94 %", or fixed as "97.00 %"; "unknown
-// (97)".
-std::string percentText(double share, Digits digits = Digits::significant);
+// A probability or share, 0..1, as "97 %", "0.15 %", "99.6 %": three significant digits at most;
+// "unknown (97)".
+std::string percentText(double share);
 
 // "97 % spam", "unknown share of spam (97)".
-std::string spamShareText(double confidence, Digits digits = Digits::significant);
+std::string spamShareText(double confidence);
 
 // A percentage, 0..100, as "14.28 %"; "unknown (-1)".
-std::string supportText(double percentage, Digits digits = Digits::significant);
+std::string supportText(double percentage);
 
 // "1,234,567"; "unknown (-1)".
 std::string countText(std::int64_t count);
@@ -43,21 +38,17 @@ std::size_t shadeOf(double spamShare);
 double shareOf(Drawing const& drawing, ShownNode const& node);
 
 // "97 % spam, 12 % of the training mail, 8.3 % measured".
-std::string nodeLine(Drawing const& drawing, ShownNode const& node,
-                     Digits digits = Digits::significant);
+std::string nodeLine(Drawing const& drawing, ShownNode const& node);
 // "1,234 messages: 1,100 spam, 134 ham"; that they are unknown when one of the counts is below 0;
 // empty when the file has no counts.
 std::string countsLine(ShownNode const& node);
-// The part of spam among the training mail that came here, 0..1; empty without such counts.
-std::optional<double> trainingSpam(ShownNode const& node);
 // "always", or the tests of a rule joined by "and".
 std::string eliteConditions(ShownElite const& rule);
 // "elite rule 9001: 97 % spam, when NAME is VALUE and ..." for each of the first rules, which are
 // as many as one can read, and how many there are after them.
 std::vector<std::string> eliteLines(ShownRules const& rules);
 // Its columns of figures: support, level and, if measured, how often it fired and decided.
-std::vector<std::string> eliteFigures(ShownElite const& rule, Traffic const* traffic,
-                                      Digits digits = Digits::significant);
+std::vector<std::string> eliteFigures(ShownElite const& rule, Traffic const* traffic);
 // "Nodes that no message can reach: 4 5"; empty when there are none.
 std::string unreachedText(ShownRules const& rules);
 

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/page/Escape.h"
-#include "apps/page/Jumps.h"
 #include "apps/page/Page.h"
 #include "apps/show/NodeText.h"
 #include "apps/show/Page.h"
-#include "apps/show/SvgText.h"
-#include "apps/show/TreePicture.h"
 #include "apps/text/NumberText.h"
 
 namespace Quorvane::Show {
@@ -36,11 +33,9 @@ std::string s_facts(Drawing const& drawing) {
 }
 
 std::string s_jumps(std::string const& messages) {
-    std::vector<Page::Jump> jumps{{"nodes", "The tree"}, {"rules", "Elite rules"}};
-    if (!messages.empty()) {
-        jumps.insert(jumps.begin(), {"try", "Messages", true});
-    }
-    return Page::jumps(jumps);
+    return std::string("<nav class=\"jumps no-print\" aria-label=\"Parts of the page\">") +
+           (messages.empty() ? "" : "<a class=\"scripted-only\" href=\"#try\">Messages</a>") +
+           "<a href=\"#rules\">Elite rules</a><a href=\"#nodes\">The tree</a></nav>\n";
 }
 
 // A page in a file has nobody to ask.
@@ -58,62 +53,32 @@ std::string s_problem(ShownRules const& rules) {
                : "";
 }
 
-std::string s_barsLegend(Drawing const& drawing) {
-    std::string const text =
-        "In the outline a bar is as long as the share of the training mail that reaches the node; "
-        "its orange part is spam and its blue part ham, as in the whole bars of the drawing.";
-    return drawing.m_traffic == nullptr
-               ? text + " The thicker a line of the drawing, the more of this mail goes there."
-               : text + " The second bar is the measured mail; the thicker a line of the drawing, "
-                        "the more of the measured mail goes there.";
-}
-
 std::string s_legend(Drawing const& drawing) {
     std::string shades;
     for (std::size_t shade = 0; shade < shadeCount; ++shade) {
         shades += "<span class=\"s" + std::to_string(shade) + "\"></span>";
     }
-    return "<p class=\"legend\">sure of ham <span class=\"shades\" aria-hidden=\"true\">" + shades +
-           "</span> sure of spam</p>\n<details class=\"muted\"><summary>How to read "
-           "this</summary>\n"
-           "<p>The walk enters the first child whose test holds; the deepest node that it reaches "
-           "decides. Colours show the probability of spam "
-           "that a node gives. " +
-           s_barsLegend(drawing) +
-           " In tests: <code>not-analysed</code> means that there was no such hop, "
+    std::string const mail = drawing.m_traffic != nullptr
+                                 ? "training mail (grey) and of the measured mail (blue)"
+                                 : "training mail";
+    return "<p class=\"muted\">The walk enters the first child whose test holds; the deepest node "
+           "that it reaches decides. Colours show the probability of spam that a node gives, bars "
+           "how much of the " +
+           mail +
+           " reaches it. In tests: <code>not-analysed</code> means that there was no such hop, "
            "<code>n/a</code> that the question does not arise, <code>unknown</code> that a part of "
-           "the comparison is missing.</p></details>\n";
+           "the comparison is missing.</p>\n<p class=\"legend\">sure of ham <span class=\"shades\" "
+           "aria-hidden=\"true\">" +
+           shades + "</span> sure of spam</p>\n";
 }
 
-constexpr char search[] =
-    R"(<div class="controls scripted-only no-print"><input id="search" type="search" placeholder="Search: words, attribute, node, rule" aria-label="Search tree and elite rules"><span id="found" role="status"></span></div>
-)";
-
-constexpr char zoom[] =
-    R"(<div class="controls scripted-only no-print" role="group" aria-label="Size of the drawing"><button id="zoom-out" type="button" aria-label="Smaller">&minus;</button><button id="zoom-in" type="button" aria-label="Larger">+</button><button id="zoom-fit" type="button">Whole tree</button><button id="zoom-read" type="button">Readable</button><output id="zoom"></output><span class="muted keys">Ctrl and the wheel; + - 0 1</span></div>
-)";
-
-constexpr char levels[] =
-    R"(<div class="controls scripted-only no-print"><button id="open-level" type="button">Open a level</button><button id="close-all" type="button">Close all</button></div>
-)";
-
-// Screen readers read the outline, which says the same and more.
-std::string s_picture(Drawing const& drawing) {
-    auto const picture = treePicture(drawing, Digits::fixed);
-    constexpr double frame = 8.0; // for the outlines of marked boxes
-    return "<div id=\"drawing\" class=\"scroll\" role=\"region\" tabindex=\"0\" "
-           "aria-label=\"Drawing of the tree\"><svg aria-hidden=\"true\" viewBox=\"" +
-           svgNumber(-frame) + ' ' + svgNumber(-frame) + ' ' +
-           svgNumber(picture.m_width + 2 * frame) + ' ' + svgNumber(picture.m_height + 2 * frame) +
-           "\">\n" + picture.m_svg + "</svg></div>\n";
-}
-
-std::string s_treeSection(Drawing const& drawing) {
-    auto const unreached = unreachedText(drawing.m_rules);
-    return std::string("<section>\n<h2 id=\"nodes\">The tree</h2>\n") + search +
-           "<div class=\"tree-parts\">\n<div>\n" + zoom + s_picture(drawing) + s_legend(drawing) +
-           "</div>\n<div>\n" + levels + pageTree(drawing) +
-           (unreached.empty() ? "" : "<p>" + unreached + "</p>\n") + "</div>\n</div>\n</section>\n";
+std::string s_controls() {
+    return "<div class=\"controls scripted-only no-print\"><input id=\"search\" type=\"search\" "
+           "placeholder=\"Search: words, attribute, node, rule\" "
+           "aria-label=\"Search tree and elite rules\">"
+           "<button id=\"open-all\" type=\"button\">Open all</button>"
+           "<button id=\"close-all\" type=\"button\">Close all</button>"
+           "<span id=\"found\" role=\"status\"></span></div>\n";
 }
 
 } // namespace
@@ -121,21 +86,23 @@ std::string s_treeSection(Drawing const& drawing) {
 std::string htmlDrawing(Drawing const& drawing, PageExtras const& extras) {
     auto const& rules = drawing.m_rules;
     auto const messages = pageMessages(extras);
+    auto const unreached = unreachedText(rules);
     Page::Document document;
     document.m_title = "Rules: " + rules.m_name;
-    document.m_style =
-        std::string(shadesStyle()) + std::string(pictureStyle()) + std::string(pageStyle());
+    document.m_style = std::string(shadesStyle()) + std::string(pageStyle());
     document.m_script = pageScript();
     document.m_asksOrigin = extras.m_served.has_value();
-    document.m_body = "<header class=\"top\">\n<h1>Rules</h1>\n<p class=\"muted\">" +
-                      Page::isolated(rules.m_name) + "</p>\n" + s_facts(drawing) +
-                      s_problem(rules) + s_whereToJudge(rules, extras) + "</header>\n" +
-                      s_jumps(messages) + "<main>\n" + messages + s_treeSection(drawing) +
-                      "<section>\n<h2 id=\"rules\">Elite rules</h2>\n" + pageEliteTable(drawing) +
-                      "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
-                      "page loads nothing and sends nothing" +
-                      (extras.m_served ? " but messages to the program that serves it" : "") +
-                      ".</footer>\n" + Page::dataElement("data", pageData(extras));
+    document.m_body =
+        "<header class=\"top\">\n<h1>Rules</h1>\n<p class=\"muted\">" +
+        Page::isolated(rules.m_name) + "</p>\n" + s_facts(drawing) + s_problem(rules) +
+        s_jumps(messages) + s_whereToJudge(rules, extras) + "</header>\n<main>\n" + messages +
+        "<section>\n<h2 id=\"rules\">Elite rules</h2>\n" + pageEliteTable(drawing) +
+        "</section>\n<section>\n<h2 id=\"nodes\">The tree</h2>\n" + s_legend(drawing) +
+        s_controls() + pageTree(drawing) + (unreached.empty() ? "" : "<p>" + unreached + "</p>\n") +
+        "</section>\n</main>\n<footer class=\"end\">Written by qvrules show. The "
+        "page loads nothing and sends nothing" +
+        (extras.m_served ? " but messages to the program that serves it" : "") + ".</footer>\n" +
+        Page::dataElement("data", pageData(extras));
     return Page::html(document);
 }
 

@@ -27,16 +27,11 @@ std::string s_figures(ShownElite const& rule, Traffic const* traffic) {
     constexpr std::array headings{"support", "level", "fired", "decided"};
     std::string cells;
     std::size_t column = 0;
-    for (auto const& figure : eliteFigures(rule, traffic, Digits::fixed)) {
+    for (auto const& figure : eliteFigures(rule, traffic)) {
         cells += std::string("<td class=\"number\" data-name=\"") + headings.at(column++) + "\">" +
                  figure + "</td>";
     }
     return cells;
-}
-
-std::string s_effect(ShownElite const& rule) {
-    bool const decides = rule.m_place && rule.m_rule.type == EliteType::deciding;
-    return decides ? spamShareText(rule.m_rule.weight, Digits::fixed) : rule.m_effect;
 }
 
 std::string s_row(ShownElite const& rule, Traffic const* traffic) {
@@ -49,7 +44,7 @@ std::string s_row(ShownElite const& rule, Traffic const* traffic) {
                           : rule.m_code;
     return "<tr" + place + " data-code=\"" + Page::text(code) +
            "\"><th scope=\"row\" class=\"code\">" + Page::text(rule.m_code) + "</th>" +
-           s_cell("effect", Page::text(s_effect(rule))) + s_cell("when", s_conditions(rule)) +
+           s_cell("effect", Page::text(rule.m_effect)) + s_cell("when", s_conditions(rule)) +
            s_figures(rule, traffic) + "</tr>\n";
 }
 
@@ -62,8 +57,7 @@ std::string pageEliteTable(Drawing const& drawing) {
     }
     std::string html = "<p>Elite rules are tested before the tree. ";
     html += rules.m_eliteHeader ? selectModeText(*rules.m_eliteHeader) : "";
-    html += "</p>\n<div class=\"scroll elite-part\" role=\"region\" aria-label=\"Elite rules\" "
-            "tabindex=\"0\">"
+    html += "</p>\n<div class=\"scroll\" role=\"region\" aria-label=\"Elite rules\" tabindex=\"0\">"
             "<table id=\"elite\">\n<thead><tr><th>Rule</th><th>Does</th><th>When all of this "
             "holds</th><th class=\"number\">Support</th><th class=\"number\">Level</th>";
     html += drawing.m_traffic != nullptr

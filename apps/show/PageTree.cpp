@@ -20,24 +20,10 @@ std::string s_width(double share) {
     return Rules::fixedText(100.0 * std::clamp(std::abs(share), 0.0, 1.0), 2);
 }
 
-std::string s_bar(std::string const& parts) {
+std::string s_bar(double share, std::string const& kind) {
     return R"(<svg class="bar" viewBox="0 0 100 5" preserveAspectRatio="none" aria-hidden="true">)"
-           R"(<rect class="rail" width="100" height="5"/>)" +
-           parts + "</svg>";
-}
-
-std::string s_part(std::string const& kind, double share, double from = 0.0) {
-    return "<rect class=\"" + kind + "\" x=\"" + s_width(from) + "\" width=\"" + s_width(share) +
-           "\" height=\"5\"/>";
-}
-
-// As long as the share of the mail that comes to the node, spam before ham.
-std::string s_mailBar(ShownNode const& node) {
-    auto const spam = trainingSpam(node);
-    auto const share = *node.m_share;
-    return s_bar(spam ? s_part("mail-spam", share * *spam) +
-                            s_part("mail-ham", share * (1.0 - *spam), share * *spam)
-                      : s_part("training", share));
+           R"(<rect class="rail" width="100" height="5"/><rect class=")" +
+           kind + "\" width=\"" + s_width(share) + "\" height=\"5\"/></svg>";
 }
 
 std::string s_capital(std::string text) {
@@ -108,9 +94,9 @@ class TreePageWriter {
     static std::string badge(ShownNode const& node) {
         double const confidence = node.m_record.confidence;
         auto const shade = "badge s" + std::to_string(shadeOf(confidence));
-        return isShare(confidence) ? s_span(shade, percentText(confidence, Digits::fixed) +
-                                                       s_span("hidden-text", " spam"))
-                                   : s_span(shade, "?");
+        return isShare(confidence)
+                   ? s_span(shade, percentText(confidence) + s_span("hidden-text", " spam"))
+                   : s_span(shade, "?");
     }
 
     static std::string what(ShownNode const& node) {
@@ -133,31 +119,21 @@ class TreePageWriter {
         if (double const confidence = node.m_record.confidence; !isShare(confidence)) {
             html += s_span("share", spamShareText(confidence));
         }
-        html += node.m_share ? s_mailBar(node) : "";
-        html += s_span("share", training(node));
+        if (node.m_share) {
+            html += s_bar(*node.m_share, "training") +
+                    s_span("share",
+                           percentText(*node.m_share) + " of the training mail" + support(node));
+        } else {
+            html += s_span("share", "support " + supportText(node.m_record.support));
+        }
         if (auto const counts = countsLine(node); !counts.empty()) {
             html += s_span("counts", counts);
         }
         return s_span("figures", html + measured(node));
     }
 
-    // The support says the same as the share, unless somebody wrote another one.
-    static std::string training(ShownNode const& node) {
-        auto const support = supportText(node.m_record.support, Digits::fixed);
-        if (!node.m_share) {
-            return "support " + support;
-        }
-        auto const share = percentText(*node.m_share, Digits::fixed);
-        return share + " of the training mail" +
-               (node.isRoot() || isSame(*node.m_share, node.m_record.support)
-                    ? ""
-                    : ", support " + support);
-    }
-
-    // Files hold the support as a rounded percentage.
-    static bool isSame(double share, double percentage) {
-        constexpr double rounding = 0.02;
-        return std::abs(100.0 * share - percentage) <= rounding;
+    static std::string support(ShownNode const& node) {
+        return node.isRoot() ? "" : ", support " + supportText(node.m_record.support);
     }
 
     std::string measured(ShownNode const& node) const {
@@ -166,14 +142,11 @@ class TreePageWriter {
         }
         auto const& traffic = *m_drawing.m_traffic;
         auto const& use = traffic.node(node.m_number);
-        auto const reached = traffic.share(use.m_reached);
         auto const decided =
-            use.m_decided == 0
-                ? ""
-                : ", decided " + percentText(traffic.share(use.m_decided), Digits::fixed);
-        return s_bar(s_part("measured", reached)) +
-               s_span("share",
-                      percentText(reached, Digits::fixed) + " of the measured mail" + decided);
+            use.m_decided == 0 ? "" : ", decided " + percentText(traffic.share(use.m_decided));
+        return s_bar(traffic.share(use.m_reached), "measured") +
+               s_span("share", percentText(traffic.share(use.m_reached)) + " of the measured mail" +
+                                   decided);
     }
 
     Drawing const& m_drawing;

@@ -33,9 +33,7 @@ constexpr auto roles = std::to_array<Words>({
 static_assert(roles.size() == static_cast<std::size_t>(HopRole::notLookedAt) + 1);
 
 constexpr auto questions =
-    std::to_array<char const*>({"reverseName", "announcedName", "envelopeDomain", "relayScore"});
-static_assert(questions.size() ==
-              static_cast<std::size_t>(RecordedLookup::Question::relayScore) + 1);
+    std::to_array<char const*>({"reverseName", "announcedName", "envelopeDomain"});
 
 constexpr auto lookupResults = std::to_array<Words>({
     {"notAsked", "not asked"},

@@ -9,27 +9,11 @@ namespace Quorvane {
 
 namespace {
 
-// "\x1B", and "\u202E" from U+0100 on.
-void s_appendEscape(std::string& out, gunichar character) {
+void s_appendHex(std::string& out, gunichar character) {
     static constexpr char digits[] = "0123456789ABCDEF";
-    bool const isByte = character <= 0xFF;
-    out += isByte ? "\\x" : "\\u";
-    for (int shift = isByte ? 4 : 12; shift >= 0; shift -= 4) {
-        out += digits[(character >> shift) & 0x0F];
-    }
-}
-
-// Controls of terminals, U+0080 to U+009F among them.
-bool s_isControl(gunichar character) {
-    return character < 0x20 || (character >= 0x7F && character <= 0x9F);
-}
-
-// Characters that make a text look like another one: the Bidi_Control ones (Unicode Standard Annex
-// 9, section 2), which turn its order around, and the two line breaks that Unicode adds.
-bool s_isDeceptive(gunichar character) {
-    return character == 0x061C || character == 0x200E || character == 0x200F ||
-           (character >= 0x2028 && character <= 0x202E) ||
-           (character >= 0x2066 && character <= 0x2069);
+    out += "\\x";
+    out += digits[character >> 4];
+    out += digits[character & 0x0F];
 }
 
 } // namespace
@@ -70,8 +54,9 @@ std::string toPrintable(std::string_view bytes) {
     for (auto const* at = text.data(); at != text.data() + text.size();) {
         auto const* const next = g_utf8_next_char(at);
         auto const character = g_utf8_get_char(at);
-        if (s_isControl(character) || s_isDeceptive(character)) {
-            s_appendEscape(out, character);
+        // U+0080 to U+009F control terminals too.
+        if (character < 0x20 || (character >= 0x7F && character <= 0x9F)) {
+            s_appendHex(out, character);
         } else {
             out.append(at, next);
         }

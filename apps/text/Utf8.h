@@ -15,8 +15,8 @@ namespace Quorvane {
 std::string toUtf8(std::string_view bytes);
 std::vector<std::string> toUtf8(std::vector<std::string> const& texts);
 
-// The same with control characters as \xNN, and those that turn the order of a text around or break
-// its line as \uNNNN, so that hostile text can neither control a terminal nor look like another.
+// The same with control characters as \xNN, so that hostile text can neither control a terminal
+// nor forge a second line.
 std::string toPrintable(std::string_view bytes);
 // The same for text of several lines: its line breaks are kept. The names in such lines must not
 // hold line breaks of their own.

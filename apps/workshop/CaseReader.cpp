@@ -9,7 +9,6 @@
 #include "rules/model/RuleError.h"
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <span>
 #include <utility>
@@ -165,7 +164,7 @@ class CaseReader {
 
     double number(toml::node const& node) const {
         auto const found = node.value<double>();
-        if (!found || !node.is_number() || std::isnan(*found)) {
+        if (!found || !node.is_number()) {
             fail(node, "confidence is a number, or a range as in [0.9, 1.0]");
         }
         return *found;

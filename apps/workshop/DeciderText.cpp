@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/DeciderText.h"
 
-#include "apps/story/RuleStory.h"
 #include "rules/format/RuleTests.h"
 #include "rules/language/RuleText.h"
 #include "rules/language/Sentences.h"
@@ -73,16 +72,6 @@ std::vector<DeciderTest> deciderTests(Rules::RuleSet const& set, Rules::Decider 
         }
     }
     return {};
-}
-
-std::vector<DeciderTest> vectorFacts(Rules::AttributeVector const& vector) {
-    ScanRecord record;
-    record.attributes = vector;
-    std::vector<DeciderTest> facts;
-    for (auto const& [name, value, words] : attributeLines(record)) {
-        facts.push_back({name + " is " + value, words});
-    }
-    return facts;
 }
 
 std::string deciderConditions(Rules::RuleSet const& set, Rules::Decider const& decider) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What decided, for people: which node or elite rule, the tests that lead to it, and what the
-// message has. Pure functions.
+// What decided, for people: which node or elite rule, and the tests that lead to it. Pure
+// functions.
 #pragma once
 
 #include "rules/evaluate/JudgedVector.h"
@@ -23,10 +23,7 @@ struct DeciderTest {
 // The tests that lead to a decider; empty when the set does not have it.
 std::vector<DeciderTest> deciderTests(Rules::RuleSet const& set, Rules::Decider const& decider);
 
-// What a vector has that a scan does not start with, as "NAME is VALUE" and in words.
-std::vector<DeciderTest> vectorFacts(Rules::AttributeVector const& vector);
-
-// The texts of the tests as one: "first_reverse_dynamic == yes and ...".
+// Their texts as one: "first_reverse_dynamic == yes and ...".
 std::string deciderConditions(Rules::RuleSet const& set, Rules::Decider const& decider);
 
 } // namespace Quorvane::Workshop

@@ -3,7 +3,6 @@
 
 #include "apps/commandline/ProgramError.h"
 #include "apps/host/HostSetup.h"
-#include "apps/host/LookupEnd.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/input/OrderedPool.h"
 #include "platform/HeaderReader.h"
@@ -60,16 +59,12 @@ MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
     Inputs inputs(paths, m_interrupt);
-    LookupEnd const lookupEnd(m_interrupt.token());
-    OrderedPool pool(
-        m_host->settings().m_jobs,
-        [this, &sink](InputItem const& item) {
-            return [&sink, vector = vectorOf(item)] {
-                sink(vector);
-                return true;
-            };
-        },
-        m_interrupt.token());
+    OrderedPool pool(m_host->settings().m_jobs, [this, &sink](InputItem const& item) {
+        return [&sink, vector = vectorOf(item)] {
+            sink(vector);
+            return true;
+        };
+    });
     try {
         InputItem item;
         while (m_interrupt.signalNumber() == 0 && inputs.next(item) &&

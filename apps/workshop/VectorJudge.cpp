@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/workshop/VectorJudge.h"
 
-#include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 
 namespace Quorvane::Workshop {
@@ -21,10 +20,6 @@ Rules::JudgedVector VectorJudge::operator()(Rules::AttributeVector const& vector
     judged.m_adjust = verdict.adjust;
     judged.m_score = verdict.spamScore;
     return judged;
-}
-
-bool VectorJudge::needsLookups() const {
-    return Quorvane::needsLookups(m_engine);
 }
 
 } // namespace Quorvane::Workshop

@@ -22,9 +22,6 @@ class VectorJudge {
     // early takes another way at another threshold.
     Rules::JudgedVector operator()(Rules::AttributeVector const& vector) const;
 
-    // Whether an answer of DNS can change a verdict.
-    bool needsLookups() const;
-
   private:
     DeepHeaderEngine m_engine;
     DeepHeaderSettings m_settings;

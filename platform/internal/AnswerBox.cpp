@@ -11,14 +11,13 @@ void AnswerBox::put(std::size_t slot, Answer&& answer) noexcept {
     m_arrived.notify_one();
 }
 
-std::optional<AnswerBox::Arrival> AnswerBox::take(TimePoint deadline, std::stop_token stop) {
+std::optional<AnswerBox::Arrival> AnswerBox::take(TimePoint deadline) {
     std::unique_lock<std::mutex> lock(m_mutex);
-    std::optional<Arrival> arrival;
-    m_arrived.wait_until(lock, std::move(stop), deadline, [this, &arrival] {
-        arrival = arrival ? std::move(arrival) : takeArrived();
-        return arrival.has_value();
-    });
-    return arrival;
+    std::optional<Arrival> arrival = takeArrived();
+    while (!arrival && m_arrived.wait_until(lock, deadline) == std::cv_status::no_timeout) {
+        arrival = takeArrived();
+    }
+    return arrival ? std::move(arrival) : takeArrived();
 }
 
 std::optional<AnswerBox::Arrival> AnswerBox::takeArrived() {

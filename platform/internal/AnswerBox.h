@@ -13,7 +13,6 @@
 #include <cstddef>
 #include <mutex>
 #include <optional>
-#include <stop_token>
 #include <string>
 
 namespace Quorvane::Dns {
@@ -39,15 +38,15 @@ class AnswerBox {
     // REQUIRES: `slot` < slots. Wakes the thread that waits.
     void put(std::size_t slot, Answer&& answer) noexcept;
 
-    // Waits for an answer and takes it out. Nothing when none came before the deadline or the
-    // request to stop; what is there already is given even after them.
-    std::optional<Arrival> take(TimePoint deadline, std::stop_token stop);
+    // Waits for an answer and takes it out. Nothing when none came before the deadline; what is
+    // there already is given even after it.
+    std::optional<Arrival> take(TimePoint deadline);
 
   private:
     std::optional<Arrival> takeArrived();
 
     std::mutex m_mutex;
-    std::condition_variable_any m_arrived;
+    std::condition_variable m_arrived;
     std::array<std::optional<Answer>, slots> m_answers;
 };
 

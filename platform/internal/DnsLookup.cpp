@@ -2,9 +2,7 @@
 #include "platform/internal/DnsLookup.h"
 
 #include "platform/internal/DnsName.h"
-#include "platform/LookupDeadline.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace Quorvane::Dns {
@@ -21,9 +19,7 @@ std::vector<RecordType> s_typesToAsk(RecordType type) {
 
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally)
     : m_context(engine.m_context), m_tally(std::move(tally)),
-      m_start(std::chrono::steady_clock::now()),
-      m_deadline(std::min(m_start + engine.m_deadline, LookupDeadline::current())),
-      m_stop(engine.m_stop.get_token()) {}
+      m_start(std::chrono::steady_clock::now()), m_deadline(m_start + engine.m_deadline) {}
 
 // Delegates, so that the destructor cancels what was asked when memory runs out half-way.
 Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally, RecordType type,
@@ -32,8 +28,8 @@ Lookup::Lookup(Engine const& engine, std::shared_ptr<Tally> tally, RecordType ty
     if (name.empty()) {
         return;
     }
-    m_failed = engine.m_broken || m_stop.stop_requested();
-    if (!m_context || m_stop.stop_requested()) {
+    m_failed = engine.m_broken;
+    if (!m_context) {
         return;
     }
     m_box = std::make_shared<AnswerBox>();
@@ -51,7 +47,7 @@ Lookup::~Lookup() {
 
 ResolverMessage Lookup::wait() {
     while (m_open > 0 && m_message.isEmpty()) {
-        auto arrival = m_box->take(m_deadline, m_stop);
+        auto arrival = m_box->take(m_deadline);
         if (!arrival) {
             break;
         }
@@ -106,7 +102,7 @@ void Lookup::cancelOpen() {
 // For a look-up without records: one that got some ignores the rest.
 LookupResult Lookup::end() const {
     if (m_open > 0) {
-        return m_stop.stop_requested() ? LookupResult::failed : LookupResult::late;
+        return LookupResult::late;
     }
     if (m_failed) {
         return LookupResult::failed;

@@ -13,7 +13,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -26,8 +25,6 @@ struct Engine {
     std::chrono::milliseconds m_deadline{0};
     // Look-ups count as failed: the system's configuration cannot be used.
     bool m_broken = false;
-    // Once stop is requested look-ups count as failed, those that wait too.
-    std::stop_source m_stop;
 };
 
 // Counts of the process; outlives every look-up.
@@ -72,7 +69,6 @@ class Lookup {
     std::shared_ptr<Tally> m_tally;
     AnswerBox::TimePoint m_start;
     AnswerBox::TimePoint m_deadline;
-    std::stop_token m_stop;
     std::shared_ptr<AnswerBox> m_box;
     std::array<Question, AnswerBox::slots> m_questions;
     std::size_t m_open = 0;

@@ -122,7 +122,7 @@ class EliteChecker {
                 "give the rule a letter or a digit");
         }
         if (!std::isfinite(rule.weight) || std::abs(rule.weight) > 1.0) {
-            add(Severity::error, "elite-weight",
+            add(Severity::warning, "elite-weight",
                 "a weight of " + numberText(rule.weight) + " cannot be added to a probability",
                 "use a number between -1 and 1");
         }
@@ -130,7 +130,7 @@ class EliteChecker {
 
     void deciding(EliteNodes const& rule) {
         if (!(rule.weight >= 0.0 && rule.weight <= 1.0)) {
-            add(Severity::error, "elite-weight", notAProbability(rule.weight),
+            add(Severity::warning, "elite-weight", notAProbability(rule.weight),
                 "use a number from 0 to 1");
         }
         if (!isSupported(rule.support, m_settings.minSupport)) {
@@ -138,7 +138,7 @@ class EliteChecker {
                 belowMinimum(rule.support, m_settings.minSupport) + ", so the rule never fires",
                 "use the percentage of messages that the rule matches, or leave it out");
         } else if (rule.support > 100.0) {
-            add(Severity::error, "elite-support", notAPercentage(rule.support),
+            add(Severity::warning, "elite-support", notAPercentage(rule.support),
                 "use a number from 0 to 100");
         }
         if (rule.code == noDecisionCode) {

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "rules/check/Checker.h"
 #include "rules/check/Checks.h"
 #include "rules/format/RuleTests.h"
-
-#include <algorithm>
 
 namespace Quorvane::Rules {
 
@@ -58,11 +55,11 @@ void s_checkLoading(DTNode const& node, std::int32_t number, Findings& findings)
 void s_checkFigures(DTNode const& node, std::int32_t number, double minSupport,
                     Findings& findings) {
     if (!(node.confidence >= 0.0 && node.confidence <= 1.0)) {
-        findings.push_back({Severity::error, "node-confidence", inTree,
+        findings.push_back({Severity::warning, "node-confidence", inTree,
                             notAProbability(node.confidence), "use a number from 0 to 1", number});
     }
     if (node.support > 100.0) {
-        findings.push_back({Severity::error, "node-support", inTree, notAPercentage(node.support),
+        findings.push_back({Severity::warning, "node-support", inTree, notAPercentage(node.support),
                             "use a number from 0 to 100", number});
     } else if (!isSupported(node.support, minSupport)) {
         findings.push_back(
@@ -81,37 +78,18 @@ void s_checkFigures(DTNode const& node, std::int32_t number, double minSupport,
     }
 }
 
-template<typename Check>
-void s_checkNodes(RuleSet const& set, Check const& check) {
-    std::int32_t number = 0;
-    for (auto const& node : set.m_nodes) {
-        if (isCheckedNode(number)) {
-            check(node, number);
-        }
-        ++number;
-    }
-}
-
 } // namespace
 
 void checkTreeFile(RuleSet const& set, DeepHeaderSettings const& settings, Findings& findings) {
     s_checkFile(set, findings);
-    s_checkNodes(set, [&](DTNode const& node, std::int32_t number) {
-        s_checkLoading(node, number, findings);
-        s_checkFigures(node, number, settings.minSupport, findings);
-    });
-}
-
-std::optional<std::string> loadProblem(RuleSet const& set) {
-    Findings findings;
-    s_checkFile(set, findings);
-    s_checkNodes(set, [&findings](DTNode const& node, std::int32_t number) {
-        s_checkLoading(node, number, findings);
-    });
-    auto const refusal = std::find_if(findings.begin(), findings.end(), [](Finding const& finding) {
-        return finding.m_severity == Finding::Severity::error;
-    });
-    return refusal == findings.end() ? std::nullopt : std::optional(refusal->m_problem);
+    std::int32_t number = 0;
+    for (auto const& node : set.m_nodes) {
+        if (isCheckedNode(number)) {
+            s_checkLoading(node, number, findings);
+            s_checkFigures(node, number, settings.minSupport, findings);
+        }
+        ++number;
+    }
 }
 
 } // namespace Quorvane::Rules

@@ -96,4 +96,15 @@ Findings checkRules(RuleSet const& set, DeepHeaderSettings const& settings) {
     return findings;
 }
 
+std::optional<std::string> loadProblem(RuleSet const& set) {
+    Findings findings;
+    checkTreeFile(set, DeepHeaderSettings(), findings);
+    for (auto const& finding : findings) {
+        if (finding.m_severity == Finding::Severity::error) {
+            return finding.m_problem;
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace Quorvane::Rules

@@ -12,7 +12,7 @@ namespace Quorvane::Rules {
 
 struct Finding {
     enum class Severity {
-        error,      // an engine refuses the set or loses a part of it, or a number is out of range
+        error,      // an engine refuses the set, or loses a part of it
         warning,    // the set loads, and does not do what it seems to say
         difference, // the rule files in use differ from the rules
     };

@@ -70,7 +70,7 @@ class Comparison {
                               : key.second == MailLabel::spam ? MailKind::spam
                                                               : MailKind::ham;
             for (auto const& source : sources) {
-                m_rows[key.first].m_samples.push_back({kind, source, key.first});
+                m_rows[key.first].m_samples.push_back({kind, source});
             }
         }
     }

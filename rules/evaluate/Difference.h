@@ -44,7 +44,6 @@ struct KindCounts : ByKind<std::uint64_t> {
 struct KnownSource {
     MailKind m_kind;
     std::string m_source;
-    AttributeVector m_vector;
 };
 
 // Messages whose verdict changes, with the same ruling before and the same ruling after.

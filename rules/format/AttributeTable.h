@@ -217,13 +217,6 @@ constexpr bool isIndexedInOrder() {
 } // namespace Detail
 static_assert(Detail::isIndexedInOrder());
 
-// Whether an answer of DNS decides the value. Whether a reverse name is forged is asked while the
-// first hop is read.
-constexpr bool dependsOnDns(AttributeFacts const& facts) {
-    return facts.m_writer == AttributeWriter::attributesWithLookup ||
-           facts.m_index == Attribute::firstForged;
-}
-
 // The index of the attribute called `name`; empty when there is none.
 constexpr std::optional<std::size_t> attributeIndex(std::string_view name) {
     for (auto const& facts : attributeTable) {

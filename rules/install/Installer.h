@@ -2,66 +2,46 @@
 //
 // Rule sets replaced under running hosts.
 //
-// Each installed set is a folder of its own, which never changes. Hosts look for three fixed names,
-// and these are links into the set in force:
+// A host reads the version in README, and when it is greater than its own it loads qv2.dt and then
+// qv.dt. No host may load files of two sets. So an installation
+//   1. writes and syncs the new files beside the old ones, and keeps the old set in "previous/";
+//   2. closes the gate: README gets version 0, which no host loads, so that no load begins;
+//   3. waits until the loads that had begun are over (`settle`);
+//   4. renames the new files over the old ones, README with the greater version last.
+// Running hosts keep scanning with their rules all the time. A host that starts between 2 and 4
+// finds nothing to load and has to look again. Two cases are not covered: a host that pauses for
+// longer than `settle` in the middle of a load (it mixes two sets until it next looks), and hosts
+// of a folder whose README had no version, which load whenever they look and cannot be stopped.
 //
-//   README -> current/README        current -> sets/42
-//   qv.dt  -> current/qv.dt         sets/42/README, qv.dt, qv2.dt, origin
-//   qv2.dt -> current/qv2.dt        sets/41/..., the sets to go back to
-//
-// An installation writes the new set, syncs it, and then renames one link over `current`. At every
-// moment, and after a crash at every moment, a host finds the old set or the new one. A host that
-// reads while the link is replaced takes both rule files from one set, as the library looks where
-// the links lead before it opens them. What remains: a program that opens the fixed names one by
-// one (cp, tar) may get files of two sets, and an installation that replaces `keptSets` sets while
-// a host is between two files makes that load fail; the host keeps its rules and looks again.
-//
-// Files that somebody put in the place of the links are taken into a set of their own first.
-//
-// One installation runs at a time: the folder is locked (flock). The next one removes what a killed
-// one left. Errors are RuleErrors; after an error the old set is in force.
+// One installation runs at a time: the folder is locked (flock). An interrupted one leaves the gate
+// closed; installing or rolling back again opens it. Signals that end a program are held back
+// between 2 and 4. Errors are RuleErrors; after an error the old set is in use.
 #pragma once
 
 #include "rules/model/RuleSet.h"
 
-#include <cstddef>
+#include <chrono>
 #include <filesystem>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace Quorvane::Rules {
 
-// The set in force and those to go back to. Enough to undo a bad week; each takes some kilobytes.
-inline constexpr std::size_t keptSets = 10;
+// How long a host that has just looked at README may still be reading the two rule files.
+inline constexpr std::chrono::milliseconds usualSettle{250};
 
-struct InstalledSet {
-    std::int32_t m_version = 0; // 0: README names none
-    std::filesystem::file_time_type m_installed;
-    std::string m_source; // what was installed, as the caller named it; empty: not known
-    // The version whose rules these are, if they were brought back.
-    std::optional<std::int32_t> m_restored;
-    // The version to which a rollback leads from here; empty when it is no longer kept.
-    std::optional<std::int32_t> m_before;
-    std::filesystem::path m_folder;
+struct Installation {
+    std::int32_t m_version;
+    // Empty when nothing was replaced that could be restored.
+    std::optional<std::int32_t> m_previous;
 };
 
-// What is kept in `folder`, the set in force first and then from the newest to the oldest. Empty
-// when nothing was installed there.
-std::vector<InstalledSet> installedSets(std::filesystem::path const& folder);
+// Installs `set` in `folder`, which is created if needed. The version is the set's own, or one more
+// than every version found in the folder if that is greater.
+Installation installRules(std::filesystem::path const& folder, RuleSet set,
+                          std::chrono::milliseconds settle = usualSettle);
 
-// The version that a set would get in `folder`: its own, or one more than every version found there
-// if that is greater. A RuleError when the version cannot grow.
-std::int32_t versionFor(std::filesystem::path const& folder, RuleSet const& set);
-
-// Puts `set` in force in `folder`, which is created if needed, and returns the sets as
-// installedSets does. `source` says where the set is from.
-std::vector<InstalledSet> installRules(std::filesystem::path const& folder, RuleSet set,
-                                       std::string const& source);
-
-// Brings back the rules of `version`, or without one those before the set in force: each call leads
-// one step further back. They get a greater version, so that hosts take them up.
-std::vector<InstalledSet> rollBack(std::filesystem::path const& folder,
-                                   std::optional<std::int32_t> version = std::nullopt);
+// Restores the previous set with a greater version, and keeps the present one as the previous, so
+// that doing it twice leads back.
+Installation rollBack(std::filesystem::path const& folder,
+                      std::chrono::milliseconds settle = usualSettle);
 
 } // namespace Quorvane::Rules

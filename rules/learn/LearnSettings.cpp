@@ -9,8 +9,10 @@ namespace Quorvane::Rules {
 
 AttributeSelection defaultAttributes() {
     AttributeSelection selection;
-    for (auto const& facts : attributeTable) {
-        selection.at(facts.m_index) = !dependsOnDns(facts);
+    selection.fill(true);
+    for (auto const index : {Attribute::firstHeloResolves, Attribute::firstForged,
+                             Attribute::envelopeDomainResolves}) {
+        selection.at(index) = false;
     }
     return selection;
 }

@@ -57,18 +57,8 @@ Bytes s_readAll(Descriptor const& file, fs::path const& path) {
             content.append(block.data(), static_cast<std::size_t>(got));
         }
         if (content.size() > maxRuleFileSize) {
-            throw RuleError(Kind::badData, path.string() + ": larger than " +
-                                               std::to_string(maxRuleFileSize >> 20U) +
-                                               " MiB, so it is not what is expected here");
+            throw RuleError(Kind::badData, path.string() + ": larger than any rule file can be");
         }
-    }
-}
-
-void s_requireRegularFile(fs::path const& path) {
-    std::error_code error;
-    auto const status = fs::status(path, error);
-    if (fs::exists(status) && !fs::is_regular_file(status)) {
-        throw RuleError(Kind::noInput, path.string() + ": is no regular file");
     }
 }
 
@@ -111,16 +101,6 @@ Bytes readFile(fs::path const& path) {
         return std::move(*content);
     }
     s_fail(Kind::noInput, path, "cannot be opened", ENOENT);
-}
-
-std::optional<Bytes> readRuleFileIfThere(fs::path const& path) {
-    s_requireRegularFile(path);
-    return readFileIfThere(path);
-}
-
-Bytes readRuleFile(fs::path const& path) {
-    s_requireRegularFile(path);
-    return readFile(path);
 }
 
 StagedFile::StagedFile(fs::path path, std::string_view content)

@@ -12,20 +12,14 @@
 
 namespace Quorvane::Rules {
 
-// Far above any rule set (5,001 elite rules of 100 conditions are 6.2 MB), and above a settings
-// file with a million scores (30 MB). A larger file, such as /dev/zero, is a mistake, and reading
-// it would only fill the memory.
+// Far above any rule set (5,001 elite rules of 100 conditions are 6.2 MB). A larger file is not a
+// rule file, and reading it would only fill the memory.
 inline constexpr std::size_t maxRuleFileSize = 64U << 20U;
 
 // The content of `path`; empty when there is no such file.
 std::optional<Bytes> readFileIfThere(std::filesystem::path const& path);
 // The same; no such file is an error.
 Bytes readFile(std::filesystem::path const& path);
-
-// The same of a file in a rule folder: it must be a regular file. Engines count anything else, such
-// as a pipe, as missing.
-std::optional<Bytes> readRuleFileIfThere(std::filesystem::path const& path);
-Bytes readRuleFile(std::filesystem::path const& path);
 
 // A new file written and synced beside the old one, mode 644, waiting to replace it.
 class StagedFile {

@@ -20,27 +20,16 @@ void s_checkIsNoFile(std::filesystem::path const& folder) {
     }
 }
 
-// Where the files really are: links may lead to another set while they are read.
-std::filesystem::path s_realFolder(std::filesystem::path const& folder) {
-    std::error_code error;
-    auto const tree = std::filesystem::canonical(folder / treeFileName, error);
-    // Errors name the folder as it was given, unless the files are somewhere else.
-    return error || std::filesystem::equivalent(tree.parent_path(), folder, error)
-               ? folder
-               : tree.parent_path();
-}
-
 } // namespace
 
-RuleSet readFolder(std::filesystem::path const& named) {
-    s_checkIsNoFile(named);
-    auto const folder = s_realFolder(named);
+RuleSet readFolder(std::filesystem::path const& folder) {
+    s_checkIsNoFile(folder);
     RuleSet set;
-    readTree(readRuleFile(folder / treeFileName), set);
-    if (auto const elite = readRuleFileIfThere(folder / eliteFileName)) {
+    readTree(readFile(folder / treeFileName), set);
+    if (auto const elite = readFileIfThere(folder / eliteFileName)) {
         set.m_elite = readElite(*elite);
     }
-    set.m_readme = readRuleFileIfThere(folder / versionFileName);
+    set.m_readme = readFileIfThere(folder / versionFileName);
     return set;
 }
 

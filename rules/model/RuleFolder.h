@@ -9,7 +9,7 @@
 
 namespace Quorvane::Rules {
 
-// Reads a folder; if its files are links into another, all are read from where the tree is. A missing qv.dt is an error (no engine would load), and so is a file instead of
+// Reads a folder. A missing qv.dt is an error (no engine would load), and so is a file instead of
 // the folder; a missing qv2.dt or README is kept as missing.
 RuleSet readFolder(std::filesystem::path const& folder);
 

@@ -232,12 +232,9 @@ std::string csvField(std::string const& text) {
     return quoted + '"';
 }
 
-std::string csvValues(std::optional<AttributeVector> const& vector) {
-    if (!vector) {
-        return std::string(attributeCount, ',');
-    }
+std::string csvValues(AttributeVector const& vector) {
     std::string text;
-    for (auto const value : *vector) {
+    for (auto const value : vector) {
         text += ',' + std::to_string(value);
     }
     return text;
@@ -257,7 +254,7 @@ void writeVectorCsv(std::ostream& output, VectorTable const& table) {
     for (std::size_t i = 0; i < table.corpora().size(); ++i) {
         unjudged.push_back(table.unjudgedOf(i));
     }
-    s_writeRows(output, csvValues(std::nullopt), unjudged, table);
+    s_writeRows(output, std::string(attributeCount, ','), unjudged, table);
     for (auto const& row : table.rows()) {
         s_writeRows(output, csvValues(row.m_vector), row.m_byCorpus, table);
     }

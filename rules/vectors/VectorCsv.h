@@ -53,11 +53,10 @@ void readVectorRows(std::istream& input, std::string const& name,
                     std::function<void(VectorCsvRow const&)> const& sink);
 
 // The parts of every line, without its line break: "source" and the names of the attributes; a
-// field (RFC 4180); the attributes of a vector, each after a comma, and all of them empty for a
-// message that could not be judged.
+// field (RFC 4180); the attributes of a vector, each after a comma.
 std::string csvHeader();
 std::string csvField(std::string const& text);
-std::string csvValues(std::optional<AttributeVector> const& vector);
+std::string csvValues(AttributeVector const& vector);
 
 // Writes what readVectorCsv reads back: one row for each distinct vector, label and corpus, with
 // its count, and before them the messages without a vector. Rows are sorted, so equal tables give

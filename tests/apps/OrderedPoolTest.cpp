@@ -72,27 +72,6 @@ TEST(OrderedPool, WhatIsThrownForAMessageComesOutInItsTurn) {
     EXPECT_EQ(taken.back(), "99");
 }
 
-// The third message is in hand when the stop is requested.
-TEST(OrderedPool, ARequestToStopDeliversWhatIsDoneAndDropsTheRest) {
-    std::vector<std::string> taken;
-    std::stop_source stop;
-    OrderedPool pool(
-        1,
-        [&](InputItem const& item) {
-            if (item.m_source == "3") {
-                stop.request_stop();
-            }
-            return [&taken, source = item.m_source] {
-                taken.push_back(source);
-                return true;
-            };
-        },
-        stop.get_token());
-    EXPECT_LT(s_submit(pool, 1000000), 1000000);
-    pool.finish();
-    EXPECT_EQ(taken, (std::vector<std::string>{"0", "1", "2"}));
-}
-
 } // namespace
 
 } // namespace Quorvane::Testing

@@ -73,24 +73,6 @@ TEST_F(RelayScoresTest, ComeFromTheListsThatNameTheRelay) {
     EXPECT_EQ(known(scores, {}, "192.0.2.10"), "8 192.0.2.10=8");
 }
 
-TEST_F(RelayScoresTest, SayHowEachLookupEnded) {
-    DnsServer const server(
-        {{"good.test", "10.2.0.192 A 127.0.0.3\n", false}, {"broken.test", "", true}});
-    s_ask(server.address());
-    RelayScores const scores({},
-                             {s_list("good.test 127.0.0.3=8"), s_list("broken.test 127.0.0.2=1")});
-    MessageProperties properties;
-    auto const lookups =
-        scores.describe(s_trail({"192.0.2.10", "192.0.2.11"}), IPAddress(), properties);
-    ASSERT_EQ(lookups.size(), 4U);
-    EXPECT_EQ(lookups[0].name, "10.2.0.192.good.test");
-    EXPECT_EQ(lookups[0].question, RecordedLookup::Question::relayScore);
-    EXPECT_EQ(lookups[0].result, LookupResult::answered);
-    EXPECT_EQ(lookups[1].result, LookupResult::failed);
-    EXPECT_EQ(lookups[2].result, LookupResult::doesNotExist);
-    EXPECT_EQ(lookups[3].name, "11.2.0.192.broken.test");
-}
-
 TEST_F(RelayScoresTest, AreTheLowestOfSeveralLists) {
     DnsServer const server({{"good.test", "10.2.0.192 A 127.0.0.3\n", false},
                             {"bad.test", "10.2.0.192 A 127.0.0.2\n", false}});

@@ -29,35 +29,6 @@ FLAGS = ("--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-
          "--disable-dev-shm-usage", "--no-proxy-server", "--force-color-profile=srgb")
 
 
-# For each element with text of its own: the contrast of its colour with what lies behind it.
-LEAST_CONTRAST = """
-const luminance = ([r, g, b]) => [r, g, b].map((c) => c / 255)
-  .map((c) => c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
-  .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
-const numbers = (colour) => colour.match(/[\\d.]+/g).map(Number);
-const after = (element) => {
-  const box = element.closest(".box > text")?.parentElement.querySelector("rect");
-  if (box) return numbers(getComputedStyle(box).fill);
-  for (let at = element; at; at = at.parentElement) {
-    const colour = numbers(getComputedStyle(at).backgroundColor);
-    if (colour.length < 4 || colour[3] > 0) return colour;
-  }
-  return [255, 255, 255];
-};
-let least = [99, ""];
-for (const element of document.querySelectorAll("body *")) {
-  const text = [...element.childNodes].filter((n) => n.nodeType === 3).map((n) => n.data).join("");
-  if (!text.trim() || element.closest("title, desc, script, .on-fill")) continue;
-  const style = getComputedStyle(element);
-  const ink = luminance(numbers(element.closest("svg") ? style.fill : style.color));
-  const paper = luminance(after(element));
-  const contrast = (Math.max(ink, paper) + 0.05) / (Math.min(ink, paper) + 0.05);
-  if (contrast < least[0]) least = [contrast, text];
-}
-return least;
-"""
-
-
 class Browser:
     """One Chromium. `origins`: web addresses that pages may ask, for pages that are served."""
 
@@ -198,13 +169,6 @@ class BrowserTest(unittest.TestCase):
     def assert_fits(self):
         """No part of the page is beside the screen."""
         self.assertLessEqual(self.browser.overflow(), 0, "the page scrolls sideways")
-
-    def assert_contrast(self, page):
-        """All text can be read in light and dark, as accessibility guidelines ask."""
-        for scheme in ("light", "dark"):
-            self.browser.open(page, scheme=scheme)
-            least, text = self.browser.run(LEAST_CONTRAST)
-            self.assertGreater(least, 4.5, f"{scheme}: {text}")
 
     def wait_for(self, holds):
         """Waits until a condition holds; a page that never gets there fails the test."""

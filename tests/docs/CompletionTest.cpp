@@ -83,7 +83,7 @@ TEST_P(Completion, OffersEveryOptionOfEachRuleCommand) {
 TEST_P(Completion, OffersTheValuesThatAnOptionTakes) {
     EXPECT_EQ(complete("qvscan --format "), (Names{"text", "json", "csv"}));
     EXPECT_EQ(complete("qvscan --explain --walk-to-leaf "), (Names{"0", "1"}));
-    EXPECT_EQ(complete("qvscan --dns "), (Names{"auto", "system", "off"}));
+    EXPECT_EQ(complete("qvscan --dns "), (Names{"system", "off"}));
     EXPECT_EQ(complete("qvrules check --format "), (Names{"text", "json"}));
 }
 

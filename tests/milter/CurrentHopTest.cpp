@@ -55,7 +55,7 @@ HopCase const cases[] = {
      "localhost",
      "from localhost (unknown [192.0.2.10])\n"
      "\tby mx.example.net (Postfix) with ESMTP id ",
-     0,
+     1,
      "localhost",
      "unknown"},
     {"Postfix knows no name at all",
@@ -101,7 +101,7 @@ HopCase const cases[] = {
      "mail.example.org",
      "192.0.2.10",
      "",
-     "from mail.example.org (mail.example.org [192.0.2.10])\n\tby mx (Postfix) with SMTP id ",
+     "from mail.example.org (mail.example.org [192.0.2.10])\n\tby mx (Postfix) with ESMTP id ",
      -1,
      "mail.example.org",
      "mail.example.org"},
@@ -116,8 +116,7 @@ HopCase const cases[] = {
      "good.example??good.example?[203.0.113.1]??by?x",
      "unknown"},
     {"Sendmail writes the client itself",
-     {{"v", "8.17.1.9"},
-      {"Z", "8.17.1.9/Debian-2"},
+     {{"v", "8.17.1"},
       {"j", "mx.example.net"},
       {"i", "44E7C2"},
       {"r", "ESMTPS"},
@@ -127,36 +126,8 @@ HopCase const cases[] = {
      "192.0.2.10",
      "helo.example.org",
      "from helo.example.org (mail.example.org [192.0.2.10] (may be forged))\n"
-     "\tby mx.example.net (8.17.1.9/8.17.1.9/Debian-2) with ESMTPS id 44E7C2",
+     "\tby mx.example.net with ESMTPS id 44E7C2",
      1,
-     "helo.example.org",
-     "mail.example.org"},
-    {"Sendmail names a client that said no name",
-     {{"j", "mx"},
-      {"r", "SMTP"},
-      {"s", "mail.example.org"},
-      {"_", "mail.example.org [192.0.2.10]"}},
-     "mail.example.org",
-     "192.0.2.10",
-     "",
-     "from mail.example.org (mail.example.org [192.0.2.10])\n\tby mx with SMTP id ",
-     -1,
-     "mail.example.org",
-     "mail.example.org"},
-    {"Sendmail marks an authenticated client",
-     {{"j", "mx"},
-      {"r", "ESMTPA"},
-      {"_", "mail.example.org [192.0.2.10]"},
-      {"{auth_type}", "CRAM-MD5"},
-      {"{auth_ssf}", "0"},
-      {"{client_resolve}", "OK"}},
-     "mail.example.org",
-     "192.0.2.10",
-     "helo.example.org",
-     "from helo.example.org (mail.example.org [192.0.2.10])\n"
-     "\t(authenticated bits=0)\n"
-     "\tby mx with ESMTPA id ",
-     0,
      "helo.example.org",
      "mail.example.org"},
     {"Sendmail knows no name",
@@ -197,7 +168,7 @@ TEST_P(CurrentHop, IsWrittenAsTheMailServerWillWriteIt) {
     client.m_helo = Milter::heloNameOf(expected.m_helo);
     auto const text = Milter::receivedText(server, client);
     EXPECT_EQ(text, expected.m_text);
-    EXPECT_EQ(Milter::forgedFlag(server, client), expected.m_forged);
+    EXPECT_EQ(Milter::forgedFlag(client), expected.m_forged);
     MsgReceived const hop(text);
     EXPECT_EQ(hop.from(), expected.m_from);
     EXPECT_EQ(hop.reverseName(), expected.m_reverseName);

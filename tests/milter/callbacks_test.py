@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
 """The daemon as mail servers see it: each order of callbacks, each kind of macros, each action."""
+import socket
 import subprocess
 import unittest
 
-from milter import MilterTest, SilentDnsServer
+from milter import MilterTest
 
 SPAM = "X-QV-Deep-Header: spam; node=7; confidence=0.99; support=10; ips=192.0.2.55"
 HAM = "X-QV-Deep-Header: ham; node=3; confidence=0.01; support=30; ips=192.0.2.56"
@@ -189,36 +190,29 @@ class Settings(MilterTest):
                         self.answer(script, own=f'{own}\n{key} = "{action}"', **settings), expected)
 
     def test_more_scans_than_the_limit_are_not_begun(self):
-        with SilentDnsServer() as server:
-            daemon = self.daemon(shared=f'dns = "{server.address}"\ndns-timeout = 5',
-                                 own="max-scans = 1").start()
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as silent:
+            silent.bind(("127.0.0.1", 0))
+            silent.settimeout(30)
+            daemon = self.daemon(
+                shared=f'dns = "127.0.0.1@{silent.getsockname()[1]}"\ndns-timeout = 5',
+                own="max-scans = 1").start()
             script = """
                 postfix_client("unknown", "192.0.2.55", "host.example")
                 message()"""
             first = subprocess.Popen(self.command(daemon, script), stdout=subprocess.PIPE,
                                      text=True)
-            server.wait_for_question() # it waits for an answer now
+            silent.recv(512) # it waits for an answer now
             self.assertEqual(self.play(daemon, script),
                              ["accept", "X-QV-Deep-Header: none; error=overload"])
             self.assertEqual(first.communicate()[0].splitlines(),
                              ["accept", "X-QV-Deep-Header: none; error=dns-failure"])
 
-    def test_a_verdict_counts_without_an_answer_of_dns_only_where_the_settings_say_so(self):
-        # Names of the message; a list, with a message that has no name to ask for.
-        for shared, helo, sender in (
-                ("", "host.example", "<a@example.org>"),
-                ('dns-list = ["list.example 127.0.0.2=8"]', "[192.0.2.55]", "<>")):
-            with self.subTest(shared), SilentDnsServer() as server:
-                shared = f'{shared}\ndns = "{server.address}"\ndns-timeout = 0.2'
-                script = f"""
-                    postfix_client("unknown", "192.0.2.55", "{helo}")
-                    sender("{sender}") recipient("<b@example.net>") header("Subject", "hello")
-                    finish()"""
-                self.assertEqual(self.answer(script, shared=shared),
-                                 ["accept", "X-QV-Deep-Header: none; error=dns-failure"])
-                self.assertEqual(self.answer(script, shared=shared,
-                                             own="trust-failed-lookups = true"),
-                                 ["accept", NONE])
+    def test_a_verdict_can_count_although_lookups_failed(self):
+        answer = self.answer("""
+            postfix_client("unknown", "192.0.2.55", "host.example")
+            message()""", shared='dns = "127.0.0.1@1"\ndns-timeout = 0.2',
+                             own="trust-failed-lookups = true")
+        self.assertEqual(answer[-1], NONE)
 
     def test_headers_beyond_a_limit_make_a_message_odd(self):
         odd = ["accept", "X-QV-Deep-Header: none; error=odd-message"]
@@ -242,71 +236,6 @@ class Settings(MilterTest):
         self.assertEqual(self.answer(script, shared=shared)[-1], SPAM)
         self.assertEqual(self.answer(script, shared=shared, own="max-hops = 1")[-1],
                          "X-QV-Deep-Header: none; node=0")
-
-
-class Facts(MilterTest):
-    """What the mail server knows of a message besides its headers reaches the rules."""
-    RULES = """version {{version}}
-elite first also-tree
-decide 0.99 code 7 support 10 when {condition}
-tree {{{{
-    chain_broken == yes: confidence 0.01 support 50
-    chain_broken != yes: confidence 0.5 support 50
-}}}}
-"""
-
-    def fires(self, condition, sender, recipients, header_from, helo="mail.example.org"):
-        daemon = self.daemon(rules=self.RULES.format(condition=condition)).start()
-        answer = self.play(daemon, f"""
-            postfix_client("unknown", "192.0.2.55", "{helo}")
-            sender("{sender}")
-            {" ".join(f'recipient("{recipient}")' for recipient in recipients)}
-            {" ".join(f'header("From", "{address}")' for address in header_from)}
-            finish()""")
-        self.assertIn(answer[1].split(";")[0].split()[-1], ("spam", "none"))
-        return "node=7" in answer[1]
-
-    def test_envelope_sender_and_author(self):
-        matches = "from_matches_envelope == yes"
-        for sender, header_from, expected in (
-                ("<a@example.org>", ["a@example.org"], True),
-                ("<a@example.com>", ["a@example.org"], False),
-                ("<>", ["a@example.org"], False),
-                # The last one counts, as where the library reads the headers itself.
-                ("<a@example.org>", ["a@example.com", "a@example.org"], True),
-                ("<a@example.org>", ["a@example.org", "a@example.com"], False)):
-            with self.subTest(sender=sender, header_from=header_from):
-                self.assertEqual(
-                    self.fires(matches, sender, ["<b@example.net>"], header_from), expected)
-
-    def test_first_recipient(self):
-        condition = "helo_is_recipient_not_envelope == yes"
-        for recipients, expected in ((["<b@example.net>", "<c@example.com>"], True),
-                                     (["<c@example.com>", "<b@example.net>"], False)):
-            with self.subTest(recipients):
-                self.assertEqual(self.fires(condition, "<a@example.org>", recipients,
-                                            ["a@example.org"], helo="mail.example.net"), expected)
-
-    def test_scores_of_the_client_and_of_relays(self):
-        # A relay of good reputation ends the walk: what it hands over is not judged.
-        relay = ('{"Received", "from localhost (unknown [198.51.100.7]) by a.example with SMTP; '
-                 'Tue, 14 May 2024 09:12:02 +0200"}')
-        zone = self.daemon().folder / "zone"
-        zone.write_text("55.2.0.192.list.example. A 127.0.0.2\n"
-                        "7.100.51.198.list.example. A 127.0.0.2\n")
-        listed = f'dns-list = ["list.example 127.0.0.2=%d"]\ndns-data = "{zone}"'
-        for shared, expected in (
-                ('score = ["192.0.2.55=8"]', "none; node=0"),
-                ('score = ["192.0.2.55=5"]', "spam; node=7; confidence=0.99; support=10; "
-                                             "ips=192.0.2.55,198.51.100.7"),
-                ('score = ["198.51.100.7=8"]', SPAM.split(": ")[1]),
-                (listed % 8, "none; node=0"),
-                (f'score = ["192.0.2.55=5"]\n{listed % 8}', SPAM.split(": ")[1])):
-            with self.subTest(shared):
-                answer = self.play(self.daemon(shared=shared).start(), f"""
-                    postfix_client("unknown", "192.0.2.55", "localhost")
-                    message({relay})""")
-                self.assertEqual(answer, ["accept", f"X-QV-Deep-Header: {expected}"])
 
 
 if __name__ == "__main__":

@@ -7,7 +7,6 @@ import smtplib
 import subprocess
 import tempfile
 
-from mail_server import MailServer, answers, certificate, start_tls
 from milter import free_port, wait_for
 
 MAIN = """
@@ -29,10 +28,6 @@ disable_dns_lookups = yes
 smtpd_peername_lookup = no
 smtpd_authorized_xclient_hosts = 127.0.0.0/8
 smtpd_sasl_auth_enable = yes
-smtpd_tls_security_level = may
-smtpd_tls_key_file = {key}
-smtpd_tls_cert_file = {certificate}
-smtpd_tls_received_header = yes
 smtpd_relay_restrictions = reject_unauth_destination
 virtual_mailbox_domains = static:all
 virtual_mailbox_maps = static:inbox/
@@ -46,11 +41,7 @@ minimal_backoff_time = 1s
 maximal_backoff_time = 1s
 queue_run_delay = 1s
 smtpd_milters = {milters}
-"""
-
-LOOK_UP = """
-disable_dns_lookups = no
-smtpd_peername_lookup = yes
+milter_default_action = tempfail
 """
 
 MASTER = """
@@ -67,7 +58,6 @@ proxymap unix - - n - - proxymap
 virtual unix - n n - - virtual
 error unix - - n - - error
 retry unix - - n - - error
-tlsmgr unix - - n 1000? 1 tlsmgr
 discard unix - - n - - discard
 anvil unix - - n - 1 anvil
 scache unix - - n - 1 scache
@@ -75,43 +65,44 @@ postlog unix-dgram n - n - 1 postlogd
 """
 
 
-class Postfix(MailServer):
-    """It asks the milters at these addresses, as "unix:/path" or "inet:host:port". On a private
-    machine it may look up the names of its clients itself, which have their addresses then."""
+class Postfix:
+    """It asks the milters at these addresses, as "unix:/path" or "inet:host:port"."""
 
-    def __init__(self, *milters, settings="", looks_up=False, port=None, config=None,
-                 default_action="tempfail"):
-        self.knows_addresses = looks_up
+    def __init__(self, *milters, settings=""):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="qvpostfix-"))
         self.folder.chmod(0o755)
-        self.port = port or free_port()
-        self.config = pathlib.Path(config or self.folder / "config")
-        for folder in (self.folder / "queue", self.folder / "data", self.folder / "mail", self.config):
-            folder.mkdir(mode=0o755, exist_ok=True)
+        self.port = free_port()
+        for name in ("queue", "data", "mail", "config"):
+            (self.folder / name).mkdir(mode=0o755)
         shutil.chown(self.folder / "data", "postfix")
         (self.folder / "data").chmod(0o700)
         shutil.chown(self.folder / "mail", 65534, 65534)
         self.inbox = self.folder / "mail" / "inbox"
         options = "connect_timeout=5s, command_timeout=10s, content_timeout=20s"
-        text = ", ".join(f"{{ {milter}, {options}, default_action={default_action} }}"
+        text = ", ".join(f"{{ {milter}, {options}, default_action=tempfail }}"
                          for milter in milters)
-        key, own = certificate(self.folder)
-        self.configure(MAIN.format(folder=self.folder, milters=text, key=key, certificate=own) +
-                       settings + (LOOK_UP if looks_up else ""))
-        (self.config / "master.cf").write_text(MASTER.format(port=f"127.0.0.1:{self.port}"))
+        self.configure(MAIN.format(folder=self.folder, milters=text) + settings)
+        (self.folder / "config" / "master.cf").write_text(MASTER.format(port=f"127.0.0.1:{self.port}"))
 
     def configure(self, text):
-        (self.config / "main.cf").write_text(text)
+        (self.folder / "config" / "main.cf").write_text(text)
 
     def command(self, *words, check=True):
-        return subprocess.run([*words[:1], "-c", str(self.config), *words[1:]],
+        return subprocess.run([*words[:1], "-c", str(self.folder / "config"), *words[1:]],
                               capture_output=True, text=True, check=check)
 
     def start(self):
         self.command("postfix", "check")
         self.command("postfix", "start")
-        wait_for(lambda: answers("127.0.0.1", self.port), f"Postfix, see {self.folder}/log")
+        wait_for(self._answers, f"Postfix, see {self.folder}/log")
         return self
+
+    def _answers(self):
+        try:
+            with smtplib.SMTP("127.0.0.1", self.port, timeout=5):
+                return True
+        except (OSError, smtplib.SMTPException):
+            return False
 
     def log(self):
         path = self.folder / "log"
@@ -121,24 +112,31 @@ class Postfix(MailServer):
         self.command("postfix", "stop", check=False)
         shutil.rmtree(self.folder, ignore_errors=True)
 
-    def client(self, address=None, name=None, login=None, helo="localhost", tls=False):
-        """A session with Postfix, which takes it for this client's; the client says no name if
-        `helo` is None."""
-        source = (address, 0) if self.knows_addresses else None
-        session = smtplib.SMTP("127.0.0.1", self.port, source_address=source, timeout=60)
-        if tls:
-            start_tls(session)
-        if address and not self.knows_addresses:
-            session.ehlo()
+    def client(self, address=None, name=None, login=None, helo="localhost"):
+        """A session with Postfix, which takes it for this client's."""
+        session = smtplib.SMTP("127.0.0.1", self.port, local_hostname=helo, timeout=60)
+        session.ehlo(helo)
+        if address:
             words = [f"ADDR={address}", f"NAME={name or '[UNAVAILABLE]'}",
                      f"REVERSE_NAME={name or '[UNAVAILABLE]'}"]
             words += [f"LOGIN={login}"] if login else []
             code, text = session.docmd("XCLIENT", " ".join(words))
             if code != 220:
                 raise AssertionError(f"XCLIENT: {code} {text}")
-        if helo:
             session.ehlo(helo)
         return session
+
+    def send(self, message, sender="a@example.org", recipient="b@example.net", **client):
+        """Sends one message; the reply to it."""
+        session = self.client(**client)
+        try:
+            for code, text in (session.mail(sender), session.rcpt(recipient)):
+                if code >= 400:
+                    return code, text.decode()
+            code, text = session.data(message)
+            return code, text.decode()
+        finally:
+            session.close()
 
     def delivered(self, count):
         """The messages in the mailbox, as soon as there are so many."""
@@ -147,12 +145,6 @@ class Postfix(MailServer):
             return files if len(files) >= count else None
         return [path.read_bytes() for path in wait_for(find, f"{count} messages:\n" + self.log(),
                                                        120)]
-
-    def newest(self, count):
-        """The message of this number; the last one so far."""
-        self.delivered(count)
-        files = (self.inbox / "new").glob("*")
-        return max(files, key=lambda path: path.stat().st_mtime_ns).read_bytes()
 
     def held(self):
         """Queue numbers of the messages in quarantine."""

@@ -3,18 +3,18 @@
 import email
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import tempfile
 import threading
 import unittest
 
-from mail_server import HELLO
 from milter import MilterTest, free_port, wait_for
-from pages import blocks
 from postfix import Postfix
-from postfix_test import SPAMMER
+from postfix_test import HELLO, SPAMMER
 
+PAGE = pathlib.Path(os.environ["QV_DOCS"]) / "scale-out.md"
 MESSAGES = 2000
 CLIENTS = 8
 
@@ -36,7 +36,7 @@ class ScaleOut(MilterTest):
         """A HAProxy with the page's settings before filters at these ports; its port."""
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        text = next(block for block in blocks("scale-out.md", "HAProxy before two filters")
+        text = next(block for block in re.findall(r"```[a-z]*\n(.*?)```", PAGE.read_text(), re.S)
                     if block.startswith("listen"))
         port = free_port()
         text = text.replace("127.0.0.1:8890", f"127.0.0.1:{port}")

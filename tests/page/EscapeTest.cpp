@@ -27,8 +27,7 @@ TEST(PageEscape, BytesOfAnyKindBecomeVisibleText) {
 
 TEST(PageEscape, IsolatedTextStandsInAnElementOfItsOwn) {
     std::string const turning{'\xE2', '\x80', '\xAE'};
-    EXPECT_EQ(isolated('<' + turning), "<bdi>&lt;\\u202E</bdi>");
-    EXPECT_EQ(isolated("\u05D0"), "<bdi>\u05D0</bdi>");
+    EXPECT_EQ(isolated('<' + turning), "<bdi>&lt;" + turning + "</bdi>");
 }
 
 TEST(PageEscape, DataCannotEndItsElement) {

@@ -20,13 +20,5 @@ TEST(PageTable, ScrollsInABoxThatTheKeyboardReaches) {
               "</tbody>\n</table>\n</div>\n");
 }
 
-TEST(PageTable, CellsOfACardHaveNames) {
-    Table table("x", {{"Name"}, {"Count", true}}, Narrow::cards);
-    table.row({"a", "12"});
-    EXPECT_NE(table.html().find("<table class=\"cards\">"), std::string::npos);
-    EXPECT_NE(table.html().find("<td data-name=\"Count\" class=\"number\">12</td>"),
-              std::string::npos);
-}
-
 } // namespace
 } // namespace Quorvane::Testing

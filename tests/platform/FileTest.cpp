@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 namespace Quorvane::Testing {
 namespace {
@@ -51,18 +50,6 @@ TEST_F(FileTest, ARootThatIsNoFolderIsRefusedAndNothingChanges) {
     EXPECT_THROW(File::setRoot((m_folder / "missing").string()), Exception);
     EXPECT_THROW(File::setRoot((m_folder / "text").string()), Exception);
     EXPECT_EQ(File::root(), "");
-}
-
-TEST_F(FileTest, OnlyRegularFilesAreOpened) {
-    auto const folder = m_folder.string();
-    ASSERT_EQ(::mkfifo((folder + "/pipe").c_str(), 0600), 0);
-    EXPECT_TRUE(File::basic_ifstream<char>(File::Path(folder, "text")).is_open());
-    for (auto const* const name : {"pipe", "", "missing"}) {
-        File::basic_ifstream<char> file(File::Path(folder, name));
-        EXPECT_FALSE(file.is_open()) << name;
-        EXPECT_FALSE(file.good()) << name;
-    }
-    EXPECT_FALSE(File::basic_ifstream<char>(File::Path("/dev", "null")).is_open());
 }
 
 TEST_F(FileTest, TellsWhetherAFileExists) {

@@ -4,7 +4,6 @@
 #include "platform/Host.h"
 #include "platform/ResolverFixture.h"
 #include "support/DnsServer.h"
-#include "support/SilentDnsServer.h"
 
 #include <atomic>
 #include <csignal>
@@ -85,21 +84,6 @@ TEST_F(ResolverThreadsTest, SignalsOfTheHostStayWithItsOwnThreads) {
     EXPECT_EQ(sigwait(&user, &received), 0);
     EXPECT_EQ(received, SIGUSR1);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
-}
-
-// The look-up may take ten minutes.
-TEST_F(ResolverThreadsTest, AStoppedResolverKeepsNobodyWaiting) {
-    SilentDnsServer server;
-    configure(serverSettings(server.address(), std::chrono::minutes(10)));
-    std::thread waiting([] { EXPECT_FALSE(resolves("mail.example.test")); });
-    server.takeQuestionsUntil("mail.example.test.");
-    Resolver::instance().stop();
-    waiting.join();
-    EXPECT_FALSE(resolves("later.example.test"));
-    EXPECT_EQ(failed(), 2U);
-    EXPECT_EQ(late(), 0U);
-    configure(localSettings({"mail.example.test. A 192.0.2.1"}));
-    EXPECT_TRUE(resolves("mail.example.test"));
 }
 
 } // namespace

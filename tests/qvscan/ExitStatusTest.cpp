@@ -2,8 +2,6 @@
 // Exit statuses and what stands on standard error with them.
 #include "qvscan/ScanFixture.h"
 
-#include <sys/stat.h>
-
 namespace Quorvane::Testing {
 
 namespace {
@@ -72,84 +70,6 @@ TEST_F(ExitStatus, WrongCommandLinesAre64) {
     }
 }
 
-struct RangeCase {
-    std::string m_name;
-    std::string m_value;
-    std::string m_error; // after name and value
-};
-
-RangeCase const beyondRange[] = {
-    {"spam-threshold", "96", "is not a probability; write a number from 0 to 1"},
-    {"spam-threshold", "-1", "is not a probability; write a number from 0 to 1"},
-    {"spam-threshold", "95.0000001", "is not a probability; write a number from 0 to 1"},
-    {"spam-threshold", "nan", "is not a number"},
-    {"spam-threshold", "inf", "is not a probability; write a number from 0 to 1"},
-    {"ham-threshold", "99.5", "is not a probability; write a number from 0 to 1"},
-    {"ham-threshold", "-inf", "is not a probability; write a number from 0 to 1"},
-    {"min-support", "100.5", "is not a number from 0 to 100"},
-    {"min-support", "-0.1", "is not a number from 0 to 100"},
-    {"score-threshold", "11", "is not a whole number from -1 to 10"},
-    {"score-threshold", "-2", "is not a whole number from -1 to 10"},
-    {"max-elite-level", "-2", "is not a whole number from -1 to 2147483647"},
-};
-
-TEST_F(ExitStatus, ThresholdsOutOfRangeAre64AndTheMessageSaysTheRange) {
-    for (auto const& row : beyondRange) {
-        auto const result = scan({"--" + row.m_name + "=" + row.m_value}, ham());
-        EXPECT_EQ(result.m_status, 64) << row.m_name << ' ' << row.m_value;
-        EXPECT_EQ(result.m_output, "");
-        EXPECT_EQ(result.m_errors.find("qvscan: --" + row.m_name + ": \"" + row.m_value + "\" " +
-                                       row.m_error + "\n"),
-                  0U)
-            << result.m_errors;
-    }
-    auto const score = scan({"--score", "192.0.2.0/24=77"}, ham());
-    EXPECT_EQ(score.m_status, 64);
-    EXPECT_NE(score.m_errors.find("--score: \"192.0.2.0/24=77\": a score is a whole number from 0 "
-                                  "to 9"),
-              std::string::npos)
-        << score.m_errors;
-}
-
-TEST_F(ExitStatus, ThresholdsOutOfRangeInASettingsFileAre78WithTheirPlace) {
-    for (auto const& row : beyondRange) {
-        auto const file =
-            m_folder.write("settings.toml", "jobs = 1\n" + row.m_name + " = " + row.m_value + "\n");
-        auto const result = scan({"--config", file}, ham());
-        EXPECT_EQ(result.m_status, 78) << row.m_name << ' ' << row.m_value;
-        EXPECT_EQ(result.m_output, "");
-        auto const place = file + ":2:" + std::to_string(row.m_name.size() + 4) + ": ";
-        EXPECT_EQ(result.m_errors.find("qvscan: " + place + row.m_name + ": \""), 0U)
-            << result.m_errors;
-        EXPECT_NE(result.m_errors.find(row.m_error), std::string::npos) << result.m_errors;
-    }
-    auto const file = m_folder.write("settings.toml", "score = [\"192.0.2.1=9\", \"::/0=-2\"]\n");
-    auto const score = scan({"--config", file}, ham());
-    EXPECT_EQ(score.m_status, 78);
-    EXPECT_NE(score.m_errors.find(file + ":1:25: score: "), std::string::npos) << score.m_errors;
-}
-
-// The library's own default says "never" with 95: that is no mistake of the scale, but hardly
-// meant.
-TEST_F(ExitStatus, AThresholdAboveAllProbabilitiesIsSaidToJudgeNothing) {
-    auto const result = scan({"--spam-threshold=95", "--ham-threshold=1.5"}, spam());
-    EXPECT_EQ(result.m_status, 0);
-    EXPECT_EQ(result.m_errors,
-              "qvscan: spam-threshold 95 (command line) is above 1: no message can be called spam; "
-              "thresholds are probabilities, as in 0.95\n"
-              "qvscan: ham-threshold 1.5 (command line) is above 1: no message can be called ham; "
-              "thresholds are probabilities, as in 0.95\n");
-    EXPECT_EQ(scan({"--spam-threshold=1", "--ham-threshold=1"}, spam()).m_errors, "");
-}
-
-TEST_F(ExitStatus, TheEndsOfARangeBelongToIt) {
-    for (auto const* const option :
-         {"--spam-threshold=0", "--spam-threshold=1", "--ham-threshold=0", "--min-support=100",
-          "--score-threshold=0", "--score-threshold=9", "--max-elite-level=0", "--score=::/0=0"}) {
-        EXPECT_LT(scan({option}, ham()).m_status, 2) << option;
-    }
-}
-
 TEST_F(ExitStatus, BadSettingsAre78) {
     struct {
         char const* m_text;
@@ -181,28 +101,6 @@ TEST_F(ExitStatus, MissingFilesOfSettingsAre78) {
     }
 }
 
-// They would fill the memory.
-TEST_F(ExitStatus, EndlessFilesOfSettingsAre78) {
-    for (auto const* const option : {"--config", "--dynamic-patterns", "--dns-data"}) {
-        auto const result = scan({option, "/dev/zero"}, ham());
-        EXPECT_EQ(result.m_status, 78) << option;
-        EXPECT_EQ(result.m_errors,
-                  "qvscan: /dev/zero: larger than 64 MiB, so it is not what is expected here\n");
-    }
-}
-
-TEST_F(ExitStatus, RuleFilesThatAreNoRegularFilesCountAsMissing) {
-    for (auto const* const name : {"README", "qv.dt", "qv2.dt"}) {
-        auto const file = root() + "/var/spool/etc/antispam/" + name;
-        auto const kept = m_folder.path(name);
-        std::filesystem::rename(file, kept);
-        ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
-        auto const result = scan({}, ham());
-        EXPECT_EQ(result.m_status, std::string(name) == "qv.dt" ? 78 : 0) << result.m_errors;
-        std::filesystem::rename(kept, file);
-    }
-}
-
 TEST_F(ExitStatus, RulesThatCannotBeLoadedAre78) {
     auto const empty = m_folder.path() / "empty";
     std::filesystem::create_directories(empty);
@@ -212,19 +110,6 @@ TEST_F(ExitStatus, RulesThatCannotBeLoadedAre78) {
         result.m_errors.find("no usable rules in " + empty.string() + "/var/spool/etc/antispam: "),
         std::string::npos);
     EXPECT_NE(result.m_errors.find("Error loading the deep header rules"), std::string::npos);
-}
-
-// The build tree is laid out as an installation is.
-TEST_F(ExitStatus, WithoutInstalledRulesThoseThatCameWithTheProgramAreUsed) {
-    if (std::filesystem::exists("/var/spool/etc/antispam/qv.dt")) {
-        GTEST_SKIP() << "rules are installed on this machine";
-    }
-    auto const result = run({"--dns", "off"}, ham());
-    EXPECT_EQ(result.m_status, 0) << result.m_errors;
-    EXPECT_EQ(records(result).size(), 1U);
-    auto const shown = run({"--show-config"}).m_output;
-    EXPECT_NE(shown.find("share/qvdeepheader/root\""), std::string::npos) << shown;
-    EXPECT_NE(shown.find("# came with the program, as none are installed\n"), std::string::npos);
 }
 
 TEST_F(ExitStatus, RulesOfAVersionThatNeverLoadsSayWhy) {

@@ -164,7 +164,7 @@ TEST_F(OptionEffect, ConfigFileGivesSettingsAndTheCommandLineWins) {
 }
 
 TEST_F(OptionEffect, ShownSettingsReadBackAsTheyAre) {
-    Arguments const given{"--internal", "2001:db8::/32", "--score",          "192.0.2.0/24=3",
+    Arguments const given{"--internal", "2001:db8::/32", "--score",          "192.0.2.0/24=-3",
                           "--dns",      "off",           "--spam-threshold", "1e-300"};
     auto all = given;
     all.emplace_back("--show-config");
@@ -173,7 +173,7 @@ TEST_F(OptionEffect, ShownSettingsReadBackAsTheyAre) {
     EXPECT_EQ(again.m_status, 0) << again.m_errors;
     EXPECT_NE(again.m_output.find("internal = [\"2001:db8::/32\"]"), std::string::npos);
     EXPECT_NE(again.m_output.find("spam-threshold = 1e-300"), std::string::npos);
-    EXPECT_NE(again.m_output.find("score = [\"192.0.2.0/24=3\"]"), std::string::npos);
+    EXPECT_NE(again.m_output.find("score = [\"192.0.2.0/24=-3\"]"), std::string::npos);
 }
 
 TEST_F(OptionEffect, JobsChangeNothingButTheThreads) {

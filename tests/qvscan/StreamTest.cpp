@@ -2,7 +2,6 @@
 // Long work: memory, order, signals, readers that go away, disks that are full.
 #include "qvscan/ScanFixture.h"
 #include "support/ChildProcess.h"
-#include "support/SilentDnsServer.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -89,58 +88,6 @@ TEST_F(Stream, ASignalEndsItWithWhatWasDoneWrittenDown) {
     }
 }
 
-// The server never answers, and the look-ups may take ten minutes.
-TEST_F(Stream, ASignalEndsAScanThatWaitsForDns) {
-    SilentDnsServer server;
-    auto const box = mbox(200);
-    for (int const number : {SIGINT, SIGTERM}) {
-        ChildProcess child(QV_SCAN_PROGRAM,
-                           arguments({"--dns", server.address(), "--dns-timeout", "600", box}));
-        server.takeQuestionsUntil("pc.example.net.");
-        child.signal(number);
-        EXPECT_EQ(child.wait(), 128 + number);
-        EXPECT_EQ(child.readAll(), "") << "a verdict without the answers";
-        EXPECT_EQ(child.readErrors(), "");
-    }
-}
-
-// Nobody reads its output, so that it cannot write down what it has.
-TEST_F(Stream, ASecondSignalEndsItWhateverItDoes) {
-    ChildProcess child(QV_SCAN_PROGRAM, arguments({"--explain", mbox(5000)}));
-    ASSERT_TRUE(child.fillOutput());
-    child.signalUntilEnd(SIGINT);
-    EXPECT_EQ(child.wait(), 130);
-}
-
-TEST_F(Stream, AnOutputThatDoesNotBlockLosesNothing) {
-    ChildProcess child(QV_SCAN_PROGRAM, arguments({"--explain", mbox(500)}),
-                       ChildProcess::Output::nonBlocking);
-    ASSERT_TRUE(child.fillOutput());
-    EXPECT_EQ(jsonLines(child.readAll()).size(), 500U);
-    EXPECT_EQ(child.readErrors(), "");
-    EXPECT_EQ(child.wait(), 1);
-}
-
-TEST_F(Stream, AClosedInputIs66AndAClosedOutput73) {
-    auto const run = [this](std::string const& redirection) {
-        auto command = std::string(QV_SCAN_PROGRAM);
-        for (auto const& word : arguments({})) {
-            command += " " + word;
-        }
-        return runProgram("/bin/sh", {"-c", command + " " + redirection});
-    };
-    auto const input = run("<&-");
-    EXPECT_EQ(input.m_status, 66);
-    EXPECT_EQ(input.m_errors, "qvscan: -: cannot be opened: Bad file descriptor\n");
-    auto const output = run(mbox(3) + " >&-");
-    EXPECT_EQ(output.m_status, 73);
-    EXPECT_EQ(output.m_errors, "qvscan: cannot write: Bad file descriptor\n");
-    // Its messages must not get into a file that it opens.
-    auto const silent = run(mbox(3) + " " + m_folder.path("missing") + " 2>&-");
-    EXPECT_EQ(silent.m_status, 66);
-    EXPECT_EQ(records(silent).size(), 3U);
-}
-
 TEST_F(Stream, APipeThatNobodyWritesToCanBeInterrupted) {
     auto const pipe = m_folder.path("pipe");
     ASSERT_EQ(std::system(("mkfifo " + pipe).c_str()), 0);
@@ -149,30 +96,6 @@ TEST_F(Stream, APipeThatNobodyWritesToCanBeInterrupted) {
     EXPECT_EQ(Json::parse(child.readLine())["verdict"], "ham");
     child.signal(SIGINT);
     EXPECT_EQ(child.wait(), 130);
-}
-
-// Process substitution of a shell gives pipes.
-TEST_F(Stream, SettingsMayComeFromPipes) {
-    auto command = std::string(QV_SCAN_PROGRAM) + " --root " + root() + " --format json --explain" +
-                   " --config <(echo 'spam-threshold = 0.5')" +
-                   " --dns-data <(echo 'example.net. A 192.0.2.80')" +
-                   " --dynamic-patterns <(echo '^mail')";
-    auto const result = runProgram("/bin/bash", {"-c", command}, ham());
-    auto const found = records(result);
-    ASSERT_EQ(found.size(), 1U) << result.m_errors;
-    EXPECT_EQ(found[0]["verdict"], "spam");
-    EXPECT_EQ(found[0]["explain"]["values"]["first_reverse_dynamic"], "yes");
-    EXPECT_EQ(found[0]["explain"]["values"]["envelope_domain_resolves"], "yes");
-}
-
-TEST_F(Stream, APipeOfSettingsThatNobodyWritesToCanBeInterrupted) {
-    auto const pipe = m_folder.path("pipe");
-    ASSERT_EQ(std::system(("mkfifo " + pipe).c_str()), 0);
-    for (auto const* const option : {"--config", "--dns-data", "--dynamic-patterns"}) {
-        ChildProcess child(QV_SCAN_PROGRAM, arguments({option, pipe}));
-        child.signal(SIGINT);
-        EXPECT_EQ(child.wait(), 130) << option;
-    }
 }
 
 TEST_F(Stream, ProgressIsSilentWhereNobodyAskedForIt) {

@@ -95,7 +95,7 @@ class Protocol(unittest.TestCase):
 
     def test_judges_with_the_settings_that_it_is_asked_for(self):
         text = "first_reverse_dynamic=yes,first_helo_is_domain=no"
-        for options in (["--spam-threshold=0.97"], ["--spam-threshold=95", "--ham-threshold=0"],
+        for options in (["--spam-threshold=0.97"], ["--spam-threshold=inf", "--ham-threshold=-inf"],
                         ["--walk-to-leaf=0", "--min-support=+3"], ["--max-elite-level=-1"]):
             query = "&".join(option[2:].replace("+", "%2B") for option in options)
             status, answered = self.server.post(text.encode(), query=query, **VECTOR)

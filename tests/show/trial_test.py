@@ -2,7 +2,6 @@
 """Messages in the page of a rule set, in a browser: shown in a file, and tried in a served page."""
 import json
 import pathlib
-import re
 import tempfile
 import unittest
 
@@ -11,7 +10,6 @@ import showpage
 HOSTILE = "<img/src=x/onerror=alert`1`></script><!--'&\u202eevil"
 TITLES = {"spam": "Spam", "ham": "Ham", "none": "No verdict"}
 FIRED = ("adjusted", "passedOver", "replaced", "chosen")
-WIDE = (1400, 900)
 SPAM = showpage.EXAMPLES / "spam-bot-dynamic-name.eml"
 
 
@@ -118,7 +116,7 @@ class InAFile(showpage.ShowPageTest):
                          ["replaced by rule 9001", "chosen",
                           "left out: its level is above the settings' maximum"])
         self.assertEqual((answer["fired"], answer["chosen"]), (["9001"] * 2, ["9001"]))
-        self.assertIn("rule 9001 (97.00 % spam): replaced by rule 9001", answer["text"])
+        self.assertIn("rule 9001 (97 % spam): replaced by rule 9001", answer["text"])
         self.browser.find("#answer a[href='#elite-1']").click()
         self.assertTrue(self.browser.run("return location.hash === '#elite-1'"))
 
@@ -139,63 +137,10 @@ class InAFile(showpage.ShowPageTest):
                          r"dsl-203-0-113-17\.pool\.provider\.example: "
                          r"(the look-up failed|no answer before the deadline)")
 
-    def test_shows_what_a_record_adds_by_its_name(self):
-        path = self.page("--message", showpage.EXAMPLES / "mailing-list.eml", "--dns", "off",
-                         source=showpage.DEFAULT)
-        page = path.read_text(encoding="utf-8")
-        start = page.index(">", page.index('id="data"')) + 1
-        end = page.index("</script>", start)
-        data = json.loads(page[start:end])
-        explain = data["messages"][0]["explain"]
-        fired = next(rule for rule in explain["rules"] if rule["fired"])
-        fired["ruleName"] = HOSTILE
-        explain["tree"]["nodes"][-1]["alias"] = "last of all"
-        explain["needed"].append({"verdict": "ham", "change": "rule 9002 gone", "words": [],
-                                  "byRule": {"code": 9002, "tests": [HOSTILE, "two"]},
-                                  "nothing": None})
-        text = json.dumps(data).replace("<", "\\u003c")
-        path.write_text(page[:start] + text + page[end:], encoding="utf-8")
-        for size in (showpage.browser.DESKTOP, showpage.browser.PHONE):
-            self.browser.open(path, size)
-            answer = self.answer()
-            self.assertIn(f"rule name: {HOSTILE}", answer["text"])
-            self.assertIn("ham: rule 9002 gone", answer["text"])
-            for line in ("by rule:", "code: 9002", "two"):
-                self.assertIn(line, answer["text"])
-            self.assertIn("alias: last of all", answer["walk"][-1][2])
-            self.assertNotIn("nothing", answer["text"].split("Needed for another verdict")[1])
-            # What is known has a place of its own.
-            for name in ("outcome:", "failed test:", "confidence:", "verdict:"):
-                self.assertNotIn(name, answer["text"])
-            self.assertEqual(self.browser.find_all("#answer img"), [])
-            self.assert_fits()
-
-    def test_tells_hops_path_and_what_would_change_the_verdict_on_every_screen(self):
-        path = self.page("--message", showpage.EXAMPLES / "mailing-list.eml", "--dns", "off",
-                         source=showpage.DEFAULT)
-        explained = showpage.rules("explain", showpage.DEFAULT, showpage.EXAMPLES /
-                                   "mailing-list.eml", "--dns", "off")
-        ways = re.findall(r"^    ((?:spam|ham): .*)$", explained, re.MULTILINE)
-        self.assertGreater(len(ways), 2)
-        for size in (WIDE, showpage.browser.PHONE):
-            self.browser.open(path, size)
-            answer = self.answer()
-            for way in ways:
-                self.assertIn(way, answer["text"])
-            self.assertEqual((len(answer["hops"]), len(answer["walk"])), (3, 10))
-            outside = self.browser.run("""
-                return [...document.querySelectorAll('#answer td')].filter((cell) => {
-                  const {left, right} = cell.getBoundingClientRect();
-                  return left < 0 || right > document.documentElement.clientWidth;
-                }).map((cell) => cell.textContent);""")
-            self.assertEqual(outside, [])
-
     def test_links_lead_to_their_nodes(self):
         self.open(showpage.EXAMPLES / "zimbra.eml")
         self.browser.find("#close-all").click()
-        link = self.browser.find("#answer a[href='#node-16']")
-        self.browser.run("arguments[0].scrollIntoView({block: 'center'})", link)
-        link.click()
+        self.browser.find("#answer a[href='#node-16']").click()
         self.assertEqual(self.browser.driver.switch_to.active_element.get_attribute("id"),
                          "node-16")
 
@@ -366,18 +311,18 @@ class Served(showpage.ShowPageTest):
         self.assertEqual((answer["verdict"], answer["path"]), (None, []))
         self.assertEqual(len(self.refusals()), 1)
         self.set("spam-threshold", "2")
-        self.assertEqual(self.set("ham-threshold", "0")["verdict"], "Ham")
-        self.assertIn("switch the tree off", self.set("spam-threshold", "95")["why"])
+        self.assertEqual(self.set("ham-threshold", "-inf")["verdict"], "Ham")
+        self.assertIn("switch the tree off", self.set("spam-threshold", "inf")["why"])
 
     def test_the_settings_are_at_first_those_of_the_command_line(self):
-        server = showpage.Server("--min-support", "100", "--walk-to-leaf", "0")
+        server = showpage.Server("--min-support", "101", "--walk-to-leaf", "0")
         self.browser.origins = (*self.origins, server.origin)
         try:
             self.open(server)
             fields = {field.get_attribute("name"): field.get_attribute("value")
                       for field in self.browser.find_all("#settings input")}
             self.assertEqual(fields, {"spam-threshold": "0.95", "ham-threshold": "0.95",
-                                      "min-support": "100", "max-elite-level": "1",
+                                      "min-support": "101", "max-elite-level": "1",
                                       "walk-to-leaf": "0"})
             self.assertEqual(self.ask("first_reverse_dynamic=yes")["path"], [2])
         finally:

@@ -4,10 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <fcntl.h>
-#include <sched.h>
 #include <stdexcept>
-#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -54,14 +51,10 @@ constexpr std::size_t pieceSize = 65536;
 
 } // namespace
 
-ChildProcess::ChildProcess(std::string const& program, std::vector<std::string> const& arguments,
-                           Output output) {
+ChildProcess::ChildProcess(std::string const& program, std::vector<std::string> const& arguments) {
     std::signal(SIGPIPE, SIG_IGN);
     auto const in = s_pipe();
     auto const out = s_pipe();
-    if (output == Output::nonBlocking) {
-        ::fcntl(out[1], F_SETFL, O_NONBLOCK);
-    }
     auto const err = s_pipe();
     std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -144,30 +137,6 @@ std::string ChildProcess::readErrors() const {
 
 void ChildProcess::closeOutput() {
     s_close(m_output);
-}
-
-bool ChildProcess::fillOutput() {
-    // A pipe has room for whole pages only.
-    auto const enough = ::fcntl(m_output, F_GETPIPE_SZ) - ::getpagesize();
-    for (int count = 0; count < enough; ::sched_yield()) {
-        if (hasEnded() || ::ioctl(m_output, FIONREAD, &count) != 0) {
-            return false;
-        }
-    }
-    return true;
-}
-
-bool ChildProcess::hasEnded() const {
-    siginfo_t info{};
-    ::waitid(P_PID, static_cast<id_t>(m_child), &info, WEXITED | WNOHANG | WNOWAIT);
-    return info.si_pid != 0;
-}
-
-void ChildProcess::signalUntilEnd(int number) const {
-    while (!hasEnded()) {
-        signal(number);
-        ::sched_yield();
-    }
 }
 
 void ChildProcess::signal(int number) const {

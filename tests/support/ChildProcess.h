@@ -12,11 +12,7 @@ namespace Quorvane::Testing {
 
 class ChildProcess {
   public:
-    // How the program finds its standard output.
-    enum class Output { blocking, nonBlocking };
-
-    ChildProcess(std::string const& program, std::vector<std::string> const& arguments,
-                 Output output = Output::blocking);
+    ChildProcess(std::string const& program, std::vector<std::string> const& arguments);
     ChildProcess(ChildProcess const&) = delete;
     ChildProcess& operator=(ChildProcess const&) = delete;
     // Ends the program if it still runs.
@@ -32,13 +28,8 @@ class ChildProcess {
     std::string readErrors() const;
     std::string readErrorLine() const;
     void closeOutput();
-    // Waits until so many bytes have been written that the next write finds no room for them. False
-    // when the program ends before.
-    bool fillOutput();
 
     void signal(int number) const;
-    // Until the program ends, which wait then tells.
-    void signalUntilEnd(int number) const;
     // The exit status; 128 and the signal's number when one ended it. The program's input stays
     // open meanwhile.
     int wait();
@@ -46,8 +37,6 @@ class ChildProcess {
     long peakKilobytes() const { return m_peakKilobytes; }
 
   private:
-    bool hasEnded() const;
-
     pid_t m_child = -1;
     int m_input = -1;
     int m_output = -1;

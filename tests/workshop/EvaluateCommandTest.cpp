@@ -130,10 +130,10 @@ TEST_F(EvaluateCommand, WritesEveryFormToAFile) {
     for (std::string const form : {"text", "json", "html"}) {
         auto const arguments = with(mail(), {"--format", form});
         auto const shown = run(arguments).m_output;
-        auto const written = run(with(arguments, {"-o", m_folder.path("report." + form)}));
+        auto const written = run(with(arguments, {"-o", m_folder.path("report")}));
         EXPECT_EQ(written.m_status, 0) << written.m_errors;
         EXPECT_EQ(written.m_output, "");
-        EXPECT_EQ(m_folder.read("report." + form), shown);
+        EXPECT_EQ(m_folder.read("report"), shown);
         EXPECT_THAT(shown, HasSubstr("site"));
     }
 }

@@ -194,7 +194,7 @@ TEST_F(ExplainCommand, SaysWhatItCannotExplain) {
          64,
          "--message-status: \"x\" is not a whole number"},
         {{"-", "--dns", "nowhere"}, message, 64, "\"nowhere\" is not a resolver"},
-        {{"-", "--dns-data", "no.zone"}, message, 78, "no.zone: cannot be opened"},
+        {{"-", "--dns-data", "no.zone"}, message, 78, "no.zone: cannot be read"},
     };
     for (auto const& row : cases) {
         auto const result = run(row.m_arguments, row.m_input);

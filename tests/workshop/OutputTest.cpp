@@ -104,7 +104,7 @@ TEST_F(Output, HostileNamesSteerNoTerminal) {
         {"show", m_rules, "--serve", evil},
         {"evaluate", m_rules, "--ham", "absent" + evil},
         {"evaluate", m_rules, "--spam-threshold", evil},
-        {"install", rules, "--root", m_folder.path()},
+        {"install", rules, "--root", m_folder.path() / "root"},
     };
     for (auto const& command : commands) {
         auto const result = runProgram(QV_RULES_PROGRAM, command);

@@ -6,9 +6,35 @@ import subprocess
 
 import browser
 
-WIDE = (1400, 900)
 DYNAMIC, SERVER, UNNAMED = "1-2-0-192.dyn.example.net", "mail.example.net", "unknown"
 HOSTILE = "<img src onerror>\"& '<!--\u202eabc"
+
+# For each element with text of its own: the contrast of its colour with what lies behind it.
+LEAST_CONTRAST = """
+const luminance = ([r, g, b]) => [r, g, b].map((c) => c / 255)
+  .map((c) => c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4)
+  .reduce((sum, c, i) => sum + c * [0.2126, 0.7152, 0.0722][i], 0);
+const numbers = (colour) => colour.match(/[\\d.]+/g).map(Number);
+const after = (element) => {
+  for (let at = element; at; at = at.parentElement) {
+    const colour = numbers(getComputedStyle(at).backgroundColor);
+    if (colour.length < 4 || colour[3] > 0) return colour;
+  }
+  return [255, 255, 255];
+};
+let least = [99, ""];
+for (const element of document.querySelectorAll("body *")) {
+  const text = [...element.childNodes].filter((n) => n.nodeType === 3).map((n) => n.data).join("");
+  if (!text.trim() || element.closest("title, desc, script, .on-fill")) continue;
+  const style = getComputedStyle(element);
+  const ink = luminance(numbers(element.closest("svg") ? style.fill : style.color));
+  const paper = luminance(after(element));
+  const contrast = (Math.max(ink, paper) + 0.05) / (Math.min(ink, paper) + 0.05);
+  if (contrast < least[0]) least = [contrast, text];
+}
+return least;
+"""
+
 
 def message(reverse, address="192.0.2.7"):
     return (f"From x@example.org Mon Jan  1 10:00:00 2024\nReceived: from pc.example.net ({reverse} "
@@ -25,7 +51,6 @@ class MailPageTest(browser.BrowserTest):
     def report(self, form, status, command, *arguments):
         """The file with a report that a command of qvrules wrote."""
         path = self.folder / f"page.{form}"
-        path.unlink(missing_ok=True)
         run = subprocess.run([os.environ["QV_RULES_PROGRAM"], command, *map(str, arguments),
                               "--dns", "off", "--format", form, "-o", path], check=False)
         self.assertEqual(run.returncode, status)
@@ -36,22 +61,11 @@ class MailPageTest(browser.BrowserTest):
             "return [...document.querySelectorAll(arguments[0])].map((e) => e.textContent)",
             selector)
 
-    def box(self, selector):
-        """Where an element is on the screen."""
-        return self.browser.run(
-            "return document.querySelector(arguments[0]).getBoundingClientRect().toJSON()",
-            selector)
-
-    def assert_jumps_stay(self):
-        """The links to the parts stay on the screen, and each leads to its part."""
-        for link in self.texts(".jumps a"):
-            self.browser.run("scrollTo(0, 1e6)")
-            self.assertEqual(self.box(".jumps")["top"], 0)
-            self.browser.run("[...document.querySelectorAll('.jumps a')]"
-                             ".find((a) => a.textContent === arguments[0]).click()", link)
-            place = self.browser.run("return location.hash")
-            bottom = self.browser.run("return innerHeight")
-            self.assertTrue(0 < self.box(place)["top"] < bottom, link)
+    def assert_contrast(self, page):
+        for scheme in ("light", "dark"):
+            self.browser.open(page, scheme=scheme)
+            least, text = self.browser.run(LEAST_CONTRAST)
+            self.assertGreater(least, 4.5, f"{scheme}: {text}")
 
     def assert_named(self):
         """Each drawing has a name and a description, and no id stands twice."""

@@ -2,8 +2,7 @@
 //
 // The explanation of one message as its record has it: the verdict and why, its hops, its
 // attributes, the rules that fired, the path in the tree and what another verdict would need. The
-// page adds nothing to it. What a later program adds to rules, nodes and ways to another verdict is
-// shown by its name in the record. Text of messages enters the page as text only.
+// page adds nothing to it. Text of messages enters the page as text only.
 const QvAnswer = (() => {
   "use strict";
 
@@ -52,7 +51,6 @@ const QvAnswer = (() => {
     if (path.length > 0) {
       QvTree.reveal(path, true);
     }
-    QvDrawing.follow(tree.path, tree.use === "walked" ? node : 0);
   }
 
   function markElite({explain: {rules, tree}}) {
@@ -112,33 +110,6 @@ const QvAnswer = (() => {
     return [box];
   }
 
-  // The keys that have a place of their own, or that are only for programs.
-  const known = {
-    rule: ["code", "type", "outcome", "text", "failedTest", "replacedBy", "weight", "support",
-      "level", "tests", "fired"],
-    node: ["node", "test", "words", "confidence", "support", "counts"],
-    needed: ["verdict", "change", "words"],
-  };
-
-  const isEmpty = (value) => value === null || value === "" || Array.isArray(value) && !value.length;
-  const spaced = (key) => key.replace(/[A-Z]/g, (letter) => ` ${letter.toLowerCase()}`);
-
-  // Text as it is; lists and objects as lists.
-  function listed(value) {
-    if (Array.isArray(value)) {
-      return make("ul", {}, ...value.map((one) => make("li", {}, listed(one))));
-    }
-    return value !== null && typeof value === "object" ? make("ul", {}, ...named(value, []))
-      : String(value);
-  }
-
-  const named = (object, left) => Object.entries(object)
-    .filter(([key, value]) => !left.includes(key) && !isEmpty(value))
-    .map(([key, value]) => make("li", {}, `${spaced(key)}: `, listed(value)));
-
-  // What else the record says of a rule, a node or a way to another verdict.
-  const more = (kind, object) => listOf("ul", named(object, known[kind]));
-
   function decider({node, explain: {rules, tree}}) {
     if (node === 0) {
       return [];
@@ -181,16 +152,14 @@ const QvAnswer = (() => {
     return section("Elite rules that fired", ...listOf("ul", fired.map(([place, rule]) => {
       const effect = eliteRows.get(place).querySelector(".effect").firstChild.textContent;
       return make("li", {}, linkToRule(rule, place), ` (${effect}): ${rule.text}`,
-        ...wordsOf(rule.tests.map(({words}) => words)), ...more("rule", rule));
+        ...wordsOf(rule.tests.map(({words}) => words)));
     })));
   }
 
   function path({tree}) {
-    const rows = tree.nodes.map((visited) => [
-      "", nodeItem(visited.node)?.querySelector(".badge").cloneNode(true) ?? "",
-      linkTo(visited.node),
-      make("span", {}, visited.words ?? "All mail", ...more("node", visited)),
-      code(visited.test ?? "-"),
+    const rows = tree.nodes.map(({node, test, words}) => [
+      "", nodeItem(node)?.querySelector(".badge").cloneNode(true) ?? "", linkTo(node),
+      words ?? "All mail", code(test ?? "-"),
     ]);
     return rows.length === 0 ? [] : section("Path through the tree", ...table("Path",
       ["spam", "node", "in words", "test"], rows),
@@ -200,7 +169,7 @@ const QvAnswer = (() => {
   function needed({needed: ways}) {
     return section("Needed for another verdict", ...listOf("ul", ways.map((way) =>
       make("li", {}, make("b", {textContent: way.verdict}), `: ${way.change}`,
-        ...wordsOf(way.words), ...more("needed", way)))));
+        ...wordsOf(way.words)))));
   }
 
   // --- the whole ---

@@ -9,10 +9,9 @@
   const eliteRows = Array.from(document.querySelectorAll("#elite tbody tr"));
 
   document.documentElement.classList.add("scripted");
-  QvDrawing.start(part("drawing"), (number) => QvTree.goTo(part(`node-${number}`)));
   QvTree.start(part("tree"));
   QvSearch.start(part("search"), part("found"), eliteRows);
-  part("open-level").addEventListener("click", QvTree.deeper);
+  part("open-all").addEventListener("click", () => QvTree.openTo(Infinity));
   part("close-all").addEventListener("click", () => QvTree.openTo(1));
   for (const link of document.querySelectorAll("a.to-node")) {
     link.addEventListener("click", (event) => {

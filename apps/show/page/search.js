@@ -45,7 +45,6 @@ const QvSearch = (() => {
     for (const one of rules) {
       one.element.hidden = !isOff && !foundRules.includes(one);
     }
-    QvDrawing.dim(isOff ? null : foundNodes.map(({number}) => number));
     QvTree.filter(isOff ? null : foundNodes.map(({element}) => element));
     count.textContent = isOff ? "" : summary(foundNodes.length, foundRules.length);
   }

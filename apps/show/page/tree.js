@@ -76,16 +76,6 @@ const QvTree = (() => {
     show();
   }
 
-  // Opens what is to be seen on the first level that has closed nodes.
-  function deeper() {
-    const closed = shown().filter((one) => one.hasChildren && !one.isOpen);
-    const level = Math.min(...closed.map((one) => one.level));
-    for (const one of closed) {
-      one.isOpen ||= one.level === level;
-    }
-    show();
-  }
-
   // Opens everything above the items, and nothing else when `isAlone`. A search shows them too.
   function reveal(chosen, isAlone = false) {
     if (isAlone) {
@@ -98,12 +88,6 @@ const QvTree = (() => {
       }
     }
     show();
-    bring(chosen.at(-1));
-  }
-
-  // Scrolls the outline, and not the page, to an item.
-  function bring(item) {
-    list.scrollTop = item.offsetTop - (list.clientHeight - item.offsetHeight) / 2;
   }
 
   // Shows these items and what is above them; null ends that.
@@ -130,15 +114,9 @@ const QvTree = (() => {
     one.item.tabIndex = 0;
   }
 
-  // The drawing shows where one is.
-  function point(one) {
-    takeTab(one);
-    QvDrawing.point(one.item.dataset.number);
-  }
-
   function focus(one) {
     if (one) {
-      point(one);
+      takeTab(one);
       one.item.focus();
     }
   }
@@ -147,7 +125,7 @@ const QvTree = (() => {
   function goTo(item) {
     reveal([item]);
     focus(ofItem(item));
-    item.scrollIntoView({block: "nearest"});
+    item.scrollIntoView({block: "center"});
   }
 
   const shown = () => items.filter((one) => !one.item.hidden);
@@ -192,9 +170,9 @@ const QvTree = (() => {
     // Selecting text to copy it must not open or close.
     if (getSelection().isCollapsed) {
       toggle(one);
-      point(one);
+      takeTab(one);
     }
   }
 
-  return {start, openTo, deeper, reveal, filter, goTo, all: () => items.map(({item}) => item)};
+  return {start, openTo, reveal, filter, goTo, all: () => items.map(({item}) => item)};
 })();

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/commandline/Output.h"
+#include "apps/qvscan/Output.h"
 
 #include <cerrno>
-#include <poll.h>
 #include <unistd.h>
 
 namespace Quorvane {
@@ -12,10 +11,6 @@ bool Output::write(std::string_view text) {
         auto const count = ::write(m_descriptor, text.data(), text.size());
         if (count >= 0) {
             text.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno == EAGAIN) {
-            // Somebody made it non-blocking, perhaps a program that shares the terminal or pipe.
-            pollfd waiting{m_descriptor, POLLOUT, 0};
-            ::poll(&waiting, 1, -1);
         } else if (errno != EINTR) {
             m_isClosed = true;
             m_error = errno == EPIPE ? 0 : errno;
