@@ -53,9 +53,9 @@ TEST(Utf8, PrintableLinesKeepTheirBreaksAndNoOtherControl) {
 
 TEST(Utf8, PrintableTextShowsWhatTurnsItsOrderAround) {
     // The name of a file that ends in "exe" and seems to end in "doc", and the like.
-    EXPECT_EQ(toPrintable("annual\u202Ecod.exe"), "annual\\u202Ecod.exe");
-    EXPECT_EQ(toPrintable("\u061C\u200E\u200F\u202A\u2066\u2069"),
-              "\\u061C\\u200E\\u200F\\u202A\\u2066\\u2069");
+    EXPECT_EQ(toPrintable("annual\u202Ecod.exe\u202C"), "annual\\u202Ecod.exe\\u202C");
+    EXPECT_EQ(toPrintable("\u061C\u200E\u200F\u202A\u202C\u2066\u2069"),
+              "\\u061C\\u200E\\u200F\\u202A\\u202C\\u2066\\u2069");
     EXPECT_EQ(toPrintable("two\u2028lines\u2029here"), "two\\u2028lines\\u2029here");
     // Writing that runs from right to left, and joiners that some languages need, stay.
     EXPECT_EQ(toPrintable("\u05D0\u0627\u200D\u2027\u202F\u2065\u206A"),
