@@ -11,26 +11,16 @@ import os
 import pathlib
 import statistics
 import subprocess
-import sys
 import time
 
-HERE = pathlib.Path(__file__).resolve().parent
-PROGRAMS = pathlib.Path(sys.argv[1])
-MESSAGES = int(sys.argv[2]) if len(sys.argv) > 2 else 10000
-SESSIONS = 20
-TURNS = 5
-IDLE = 1000 # sessions
-
-os.environ.update(QV_MILTER=str(PROGRAMS / "qvmilter"), QV_RULES=str(PROGRAMS / "qvrules"),
-                  QV_SCAN=str(PROGRAMS / "qvscan"), QV_EXAMPLES=str(HERE.parent / "examples"),
-                  QV_DEFAULT_TEXT=str(HERE.parent / "data/rules/default.qvr"))
-sys.path.insert(0, str(HERE.parent / "tests" / "milter"))
-# pylint: disable=wrong-import-position
+from milter_programs import MESSAGE, PROGRAMS, SESSIONS, SOURCE, messages
 from milter import Daemon, wait_for
 from postfix import Postfix
 from protocol import MailServer
 
-MESSAGE = HERE.parent / "examples" / "forwarder-many-hops.eml"
+MESSAGES = messages(10000)
+TURNS = 5
+IDLE = 1000 # sessions
 
 
 def send(postfix, count):
@@ -105,7 +95,7 @@ def report(ours, asking, without):
 
 
 def main():
-    filters = [Filter(), Filter(f'dns-data = "{HERE.parent}/examples/dns.zone"')]
+    filters = [Filter(), Filter(f'dns-data = "{SOURCE}/examples/dns.zone"')]
     ours, asking = filters
     socket = ours.daemon.folder / "empty.sock"
     empty = subprocess.Popen([str(PROGRAMS / "empty_filter"), f"unix:{socket}"])

@@ -7,26 +7,14 @@ at the same time take memory of their own, so these are compared with their own 
 bench/milter_memory.py FOLDER_WITH_PROGRAMS [MESSAGES]
 """
 import email
-import os
-import pathlib
-import sys
 import threading
 
-HERE = pathlib.Path(__file__).resolve().parent
-PROGRAMS = pathlib.Path(sys.argv[1])
-MESSAGES = int(sys.argv[2]) if len(sys.argv) > 2 else 100000
-SESSIONS = 20
-SESSION_LENGTH = 50 # messages
-
-os.environ.update(QV_MILTER=str(PROGRAMS / "qvmilter"), QV_RULES=str(PROGRAMS / "qvrules"),
-                  QV_SCAN=str(PROGRAMS / "qvscan"), QV_EXAMPLES=str(HERE.parent / "examples"),
-                  QV_DEFAULT_TEXT=str(HERE.parent / "data/rules/default.qvr"))
-sys.path.insert(0, str(HERE.parent / "tests" / "milter"))
-# pylint: disable=wrong-import-position
+from milter_programs import MESSAGE, SESSIONS, messages
 from milter import Daemon
 from protocol import MailServer
 
-MESSAGE = HERE.parent / "examples" / "forwarder-many-hops.eml"
+MESSAGES = messages(100000)
+SESSION_LENGTH = 50 # messages
 
 
 def play(daemon, headers, count):

@@ -182,4 +182,19 @@ bool OrderedPool::handOn(Batch const& batch) {
     }
 }
 
+std::optional<std::uint64_t> submitAll(OrderedPool& pool, Inputs& inputs,
+                                       Interrupt const& interrupt) {
+    std::uint64_t submitted = 0;
+    try {
+        for (InputItem item; interrupt.signalNumber() == 0 && inputs.next(item); ++submitted) {
+            if (!pool.submit(std::move(item))) {
+                return std::nullopt;
+            }
+        }
+    } catch (Interrupted const&) {
+        return std::nullopt;
+    }
+    return interrupt.signalNumber() == 0 ? std::optional(submitted) : std::nullopt;
+}
+
 } // namespace Quorvane

@@ -12,11 +12,13 @@
 
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <shared_mutex>
 #include <stop_token>
 #include <thread>
@@ -79,5 +81,10 @@ class OrderedPool {
     std::stop_token m_stop;
     std::stop_callback<std::function<void()>> m_onStop; // ends before the others do
 };
+
+// Submits all messages. Their number; empty when a signal came, or no more results are wanted: what
+// was submitted before is still worked on.
+std::optional<std::uint64_t> submitAll(OrderedPool& pool, Inputs& inputs,
+                                       Interrupt const& interrupt);
 
 } // namespace Quorvane

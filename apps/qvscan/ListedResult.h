@@ -3,7 +3,7 @@
 // ListedResult: one result, as lists of results show it. Points to what it is made of.
 #pragma once
 
-#include "apps/headers/MessageSummary.h"
+#include "apps/headers/MessageIdentity.h"
 #include "rules/model/RuleNames.h"
 #include "ScanRecord.h"
 
@@ -13,7 +13,7 @@ namespace Quorvane {
 
 struct ListedResult {
     std::string const& m_source;
-    MessageSummary const& m_message;
+    MessageIdentity const& m_message;
     ScanRecord const& m_record;
     Rules::RuleNames const& m_names;
 };

@@ -14,11 +14,9 @@
 #include "platform/HeaderReader.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <iostream>
 #include <map>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -118,7 +116,8 @@ class RelayFinder {
                 };
             },
             m_interrupt.token());
-        submitAll(pool);
+        Inputs inputs(m_options.m_paths, m_interrupt);
+        submitAll(pool, inputs, m_interrupt); // run looks at the signal
         pool.finish();
         m_isFirst = false;
         return pass;
@@ -130,17 +129,6 @@ class RelayFinder {
         }
         return s_found(
             host.scan(HeaderReader::read(item.m_headers), m_options.m_facts, RecordDepth::steps));
-    }
-
-    void submitAll(OrderedPool& pool) const {
-        Inputs inputs(m_options.m_paths, m_interrupt);
-        try {
-            for (InputItem item; m_interrupt.signalNumber() == 0 && inputs.next(item) &&
-                                 pool.submit(std::move(item));) {
-            }
-        } catch (Interrupted const&) {
-            // run looks at the signal.
-        }
     }
 
     // A problem shows in every pass.

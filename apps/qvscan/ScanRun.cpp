@@ -76,12 +76,12 @@ std::string ScanRun::render(std::string const& source, HeaderContainer const& he
                                                   : std::nullopt) +
                "\n";
     case OutputFormat::verdictCsv:
-        return verdictCsvLine({source, summaryOf(headers), record, names});
+        return verdictCsvLine({source, identityOf(headers), record, names});
     case OutputFormat::text:
         break;
     }
     if (!m_options.m_explain) {
-        return m_columns.line({source, summaryOf(headers), record, names});
+        return m_columns.line({source, identityOf(headers), record, names});
     }
     auto const length = m_options.m_explainsAll ? ExplainLength::full : ExplainLength::brief;
     return forTerminal(
@@ -203,12 +203,9 @@ void ScanRun::reportWaiting() {
 
 // A failed look-up counts as a name that does not exist, which can change a verdict.
 void ScanRun::reportLookups() {
-    auto const counters = Resolver::instance().counters();
-    if (m_interrupt.signalNumber() == 0 && showsProgress() &&
-        counters.m_failed + counters.m_late > 0) {
-        m_errors.write("qvscan: DNS: " + std::to_string(counters.m_failed) +
-                       " look-ups failed and " + std::to_string(counters.m_late) +
-                       " came too late; their names count as not existing\n");
+    auto const text = failedLookupsText(Resolver::instance().counters());
+    if (m_interrupt.signalNumber() == 0 && showsProgress() && !text.empty()) {
+        m_errors.write("qvscan: " + text);
     }
 }
 
@@ -221,25 +218,6 @@ void ScanRun::reportSummary() {
         m_output.write(m_summary.json(run));
     } else {
         (m_pagerRuns ? m_output : m_errors).write("\n" + m_summary.text(run));
-    }
-}
-
-void ScanRun::submitAll(OrderedPool& pool) {
-    Inputs inputs(m_options.m_paths, m_interrupt,
-                  m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)
-                               : std::nullopt);
-    std::uint64_t submitted = 0;
-    try {
-        for (InputItem item; m_interrupt.signalNumber() == 0 && inputs.next(item); ++submitted) {
-            if (!pool.submit(std::move(item))) {
-                return;
-            }
-        }
-        if (m_progress) {
-            m_progress->expect(submitted);
-        }
-    } catch (Interrupted const&) {
-        // What was submitted is still judged and written.
     }
 }
 
@@ -259,7 +237,13 @@ int ScanRun::run() {
             };
         },
         m_interrupt.token());
-    submitAll(pool);
+    Inputs inputs(m_options.m_paths, m_interrupt,
+                  m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)
+                               : std::nullopt);
+    auto const submitted = submitAll(pool, inputs, m_interrupt);
+    if (m_progress && submitted) {
+        m_progress->expect(*submitted);
+    }
     pool.finish();
     m_progress.reset();
     if (showsSummary()) {

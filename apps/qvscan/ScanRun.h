@@ -51,7 +51,6 @@ class ScanRun {
     std::string heading() const;
     std::string render(std::string const& source, HeaderContainer const& headers,
                        ScanRecord const& record) const;
-    void submitAll(OrderedPool& pool);
     bool take(ScanResult const& result, std::string const& source);
     bool extract(ScanResult const& result, std::string const& source);
     bool showsProgress() const;

@@ -79,14 +79,6 @@ Json s_json(std::vector<std::pair<std::string, std::uint64_t>> const& top, char 
     return list;
 }
 
-std::string s_lookupText(Resolver::Counters const& lookups) {
-    return lookups.m_failed + lookups.m_late == 0
-               ? std::string()
-               : "DNS: " + groupedText(lookups.m_failed) + " look-ups failed and " +
-                     groupedText(lookups.m_late) +
-                     " came too late; their names count as not existing\n";
-}
-
 } // namespace
 
 MessageFigures figuresOf(ScanRecord const& record, DeepHeaderSettings const& settings) {
@@ -102,6 +94,14 @@ MessageFigures figuresOf(ScanRecord const& record, DeepHeaderSettings const& set
     figures.m_senderDomain = record.headerFrom.domain();
     figures.m_isByOwnRelay = possibleOwnRelay(record) != nullptr;
     return figures;
+}
+
+std::string failedLookupsText(Resolver::Counters const& lookups) {
+    return lookups.m_failed + lookups.m_late == 0
+               ? std::string()
+               : "DNS: " + groupedText(lookups.m_failed) + " look-ups failed and " +
+                     groupedText(lookups.m_late) +
+                     " came too late; their names count as not existing\n";
 }
 
 Summary::Summary() : m_start(std::chrono::steady_clock::now()) {}
@@ -147,7 +147,7 @@ std::string Summary::text(Run const& run) const {
     text += s_list("Decided by", rules);
     text += s_list("Spam by relay", s_top(m_spamRelays));
     text += s_list("Spam by the domain of the sender", s_top(m_spamDomains));
-    text += s_lookupText(run.m_lookups);
+    text += failedLookupsText(run.m_lookups);
     if (m_byOwnRelay != 0) {
         text += s_messages(m_byOwnRelay) +
                 " came from a relay with the domain of the receiving host. If such relays are the "

@@ -34,6 +34,9 @@ struct MessageFigures {
 // REQUIRES: a record of depth `steps`.
 MessageFigures figuresOf(ScanRecord const& record, DeepHeaderSettings const& settings);
 
+// "DNS: 3 look-ups failed and 1 came too late; ...", with its line break; empty without any.
+std::string failedLookupsText(Resolver::Counters const& lookups);
+
 class Summary {
   public:
     // Time starts to count.

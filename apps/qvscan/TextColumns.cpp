@@ -63,7 +63,7 @@ std::vector<std::size_t> s_widths(std::vector<Column> const& columns,
     return widths;
 }
 
-std::string s_date(MessageSummary const& message) {
+std::string s_date(MessageIdentity const& message) {
     constexpr std::size_t toTheMinute = 16;
     return message.m_received ? dateText(*message.m_received).substr(0, toTheMinute) : "";
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/JsonRecord.h"
 
-#include "apps/headers/MessageSummary.h"
+#include "apps/headers/MessageIdentity.h"
 #include "apps/headers/ReceivedDate.h"
 #include "apps/story/NamedJson.h"
 #include "apps/story/OwnRelay.h"
@@ -301,7 +301,7 @@ Json s_explain(ScanRecord const& record, HeaderContainer const& headers,
 
 // What tells people which message it is.
 Json s_message(HeaderContainer const& headers) {
-    auto const summary = summaryOf(headers);
+    auto const summary = identityOf(headers);
     return {{"date", s_orNull(summary.m_date)},
             {"messageId", s_orNull(summary.m_messageId)},
             {"from", s_orNull(summary.m_from)},

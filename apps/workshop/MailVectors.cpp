@@ -70,14 +70,7 @@ void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) 
             };
         },
         m_interrupt.token());
-    try {
-        InputItem item;
-        while (m_interrupt.signalNumber() == 0 && inputs.next(item) &&
-               pool.submit(std::move(item))) {
-        }
-    } catch (Interrupted const&) {
-        // Its number is read below.
-    }
+    submitAll(pool, inputs, m_interrupt);
     pool.finish();
     if (int const number = m_interrupt.signalNumber(); number != 0) {
         throw ScanInterrupted{number};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/headers/ReceivedDate.h"
-#include "apps/headers/MessageSummary.h"
+#include "apps/headers/MessageIdentity.h"
 #include "platform/HeaderReader.h"
 
 #include <gtest/gtest.h>
@@ -29,8 +29,8 @@ TEST(ReceivedDate, IsWhatStandsAfterTheLastSemicolon) {
     EXPECT_EQ(timestamp(0), "1970-01-01T00:00:00Z");
 }
 
-TEST(MessageSummary, HoldsTheLastOfSeveralFieldsUnfoldedAndDecoded) {
-    auto const summary = summaryOf(
+TEST(MessageIdentity, HoldsTheLastOfSeveralFieldsUnfoldedAndDecoded) {
+    auto const summary = identityOf(
         HeaderReader::read("Received: from a by b; Tue, 14 May 2024 09:12:53 +0000\n"
                            "Received: from c by a; Tue, 14 May 2024 09:12:50 +0000\n"
                            "Subject: first\nSUBJECT: =?utf-8?q?se?=\r\n =?utf-8?q?cond?=\n"
@@ -41,7 +41,7 @@ TEST(MessageSummary, HoldsTheLastOfSeveralFieldsUnfoldedAndDecoded) {
     EXPECT_EQ(summary.m_messageId, "<1@a>");
     EXPECT_EQ(summary.m_date, "tomorrow");
     EXPECT_EQ(summary.m_received, hopDate("; Tue, 14 May 2024 09:12:53 +0000"));
-    auto const nothing = summaryOf(HeaderContainer());
+    auto const nothing = identityOf(HeaderContainer());
     EXPECT_FALSE(nothing.m_date || nothing.m_messageId || nothing.m_from || nothing.m_subject ||
                  nothing.m_received);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// MessageSummary: what tells people which message it is. Plain data, and hostile: it came out of
+// MessageIdentity: what tells people which message it is. Plain data, and hostile: it came out of
 // the message.
 #pragma once
 
@@ -13,7 +13,7 @@
 namespace Quorvane {
 
 // The texts are UTF-8 on one line, with encoded words decoded. Empty: there is no such field.
-struct MessageSummary {
+struct MessageIdentity {
     std::optional<std::string> m_date; // as the sender wrote it
     std::optional<std::string> m_messageId;
     std::optional<std::string> m_from;
@@ -22,6 +22,6 @@ struct MessageSummary {
 };
 
 // Of several fields of one name the last counts, as it does for the verdict.
-MessageSummary summaryOf(HeaderContainer const& headers);
+MessageIdentity identityOf(HeaderContainer const& headers);
 
 } // namespace Quorvane

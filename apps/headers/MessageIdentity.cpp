@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/headers/MessageSummary.h"
+#include "apps/headers/MessageIdentity.h"
 
 #include "apps/headers/ReceivedDate.h"
 #include "apps/text/Utf8.h"
@@ -11,18 +11,18 @@ namespace Quorvane {
 
 namespace {
 
-// The place of a field; null: it is none of the summary.
-std::optional<std::string>* s_place(MessageSummary& summary, std::string const& name) {
+// The place of a field; null: it does not tell.
+std::optional<std::string>* s_place(MessageIdentity& identity, std::string const& name) {
     if (name == "date") {
-        return &summary.m_date;
+        return &identity.m_date;
     }
     if (name == "message-id") {
-        return &summary.m_messageId;
+        return &identity.m_messageId;
     }
     if (name == "from") {
-        return &summary.m_from;
+        return &identity.m_from;
     }
-    return name == "subject" ? &summary.m_subject : nullptr;
+    return name == "subject" ? &identity.m_subject : nullptr;
 }
 
 std::string s_text(std::string value) {
@@ -34,15 +34,15 @@ std::string s_text(std::string value) {
 
 } // namespace
 
-MessageSummary summaryOf(HeaderContainer const& headers) {
-    MessageSummary summary;
+MessageIdentity identityOf(HeaderContainer const& headers) {
+    MessageIdentity identity;
     for (auto const& header : headers.headers()) {
-        if (auto* const place = s_place(summary, header.typeLowerCase())) {
+        if (auto* const place = s_place(identity, header.typeLowerCase())) {
             *place = s_text(header.value());
         }
     }
-    summary.m_received = receivedDate(headers);
-    return summary;
+    identity.m_received = receivedDate(headers);
+    return identity;
 }
 
 } // namespace Quorvane
