@@ -12,6 +12,8 @@
 #include "platform/File.h"
 #include "scanner/records/RecordAccess.h"
 
+#include <memory>
+
 namespace Quorvane {
 
 template class RefCounted<DeepHeaderAdapter>;
@@ -85,12 +87,17 @@ RefDeepHeaderAdapter::RefDeepHeaderAdapter(DeepHeaderAdapter* adapter)
 RefDeepHeaderAdapter::~RefDeepHeaderAdapter() = default;
 
 RefDeepHeaderAdapter RefDeepHeaderAdapter::instance(DeepHeaderAdapter* adapter) {
-    if (adapter != nullptr) {
-        delete s_adapterInstance;
-        s_adapterInstance = nullptr;
-        s_adapterInstance = new RefDeepHeaderAdapter(adapter);
+    if (adapter == nullptr) {
+        return s_adapterInstance == nullptr ? RefDeepHeaderAdapter() : *s_adapterInstance;
     }
-    return s_adapterInstance == nullptr ? RefDeepHeaderAdapter() : *s_adapterInstance;
+    // All that may fail comes first.
+    std::unique_ptr<DeepHeaderAdapter> owner(adapter);
+    auto published = std::make_unique<RefDeepHeaderAdapter>(adapter);
+    static_cast<void>(owner.release());
+    RefDeepHeaderAdapter handle(*published);
+    delete s_adapterInstance;
+    s_adapterInstance = published.release();
+    return handle;
 }
 
 // --- the scan -----------------------------------------------------------------------------------

@@ -127,11 +127,14 @@ class QV_API RefDeepHeaderAdapter : public Ref<DeepHeaderAdapter> {
     // Takes over the engine's initial reference.
     explicit RefDeepHeaderAdapter(DeepHeaderAdapter* adapter);
     RefDeepHeaderAdapter(RefDeepHeaderAdapter const&) = default;
+    RefDeepHeaderAdapter(RefDeepHeaderAdapter&&) noexcept = default;
     RefDeepHeaderAdapter& operator=(RefDeepHeaderAdapter const&) = default;
     ~RefDeepHeaderAdapter() override;
 
     // Publishes `adapter` when it is not null, then returns a counted handle to the engine in
-    // force; an empty one before the first. REQUIRES: the caller holds DeepHeaderScanner::m_Mutex.
+    // force; an empty one before the first. Owns `adapter` from the call on: when memory runs out,
+    // it is destroyed, and the engine in force stays. REQUIRES: the caller holds
+    // DeepHeaderScanner::m_Mutex.
     static RefDeepHeaderAdapter instance(DeepHeaderAdapter* adapter);
 };
 

@@ -11,6 +11,11 @@
 #include "platform/Strings.h"
 #include "platform/TrustedMTASet.h"
 
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
 namespace Quorvane {
 
 namespace {
@@ -78,6 +83,45 @@ void s_takeOtherHeader(MsgProperties& props, Header const& header, bool areAddre
         s_takeMessageIdDomain(props, header.value());
     }
 }
+
+int s_tableScore(ReceivedHeaderAnalysis const& analysis, IPAddress const& address) {
+    auto const* const table = analysis.reputation();
+    return table == nullptr ? 0 : table->score(address).value_or(0);
+}
+
+// Gives what s_getTVAS gives, for many hops: whoever writes a trail of thousands of hops must not
+// make each of them search a list of thousands of relays.
+class RelayScoreIndex {
+  public:
+    explicit RelayScoreIndex(ReceivedHeaderAnalysis const& analysis) : m_analysis(analysis) {
+        m_scores.reserve(analysis.size());
+        for (auto const& entry : analysis) {
+            auto const& address = entry.m_received.address();
+            if (!address.isNull()) {
+                m_scores.emplace_back(address.bytes(), entry.m_score);
+            }
+        }
+        // Stable: of equal addresses the first counts.
+        std::stable_sort(m_scores.begin(), m_scores.end(), s_isBefore);
+    }
+
+    // REQUIRES: `address` is not null.
+    int score(IPAddress const& address) const {
+        Entry const sought(address.bytes(), 0);
+        auto const found =
+            std::lower_bound(m_scores.begin(), m_scores.end(), sought, s_isBefore);
+        bool const isListed = found != m_scores.end() && found->first == sought.first;
+        return isListed ? found->second : s_tableScore(m_analysis, address);
+    }
+
+  private:
+    using Entry = std::pair<IPAddress::Bytes, std::int32_t>;
+
+    static bool s_isBefore(Entry const& a, Entry const& b) { return a.first < b.first; }
+
+    ReceivedHeaderAnalysis const& m_analysis;
+    std::vector<Entry> m_scores;
+};
 
 // The walk along the hops, newest first: which are taken, and where it ends.
 class TrailWalk {
@@ -152,8 +196,14 @@ class TrailWalk {
         if (m_trusted.isTrustedMTA(address)) {
             return HopRole::trusted;
         }
-        auto const score = s_getTVAS(m_message.receivedHeaderAnalysis(), address.asString(true));
-        return scoredRole(static_cast<std::uint32_t>(score));
+        return scoredRole(static_cast<std::uint32_t>(trailScore(address)));
+    }
+
+    int trailScore(IPAddress const& address) {
+        if (!m_relayScores) {
+            m_relayScores.emplace(m_message.receivedHeaderAnalysis());
+        }
+        return m_relayScores->score(address);
     }
 
     HopRole endingRole(IPAddress const& address) const {
@@ -195,7 +245,8 @@ class TrailWalk {
     MessageProperties& m_message;
     TrustedMTASetRef m_trustedRef;
     TrustedMTASet const& m_trusted;
-    std::uint32_t m_score = 0; // of the current hop
+    std::optional<RelayScoreIndex> m_relayScores; // once a hop of the trail needs it
+    std::uint32_t m_score = 0;                    // of the current hop
     bool m_isInside = true;    // all hops so far came from relays of the site
     bool m_isEnded = false;
 };
@@ -218,8 +269,7 @@ int s_getTVAS(ReceivedHeaderAnalysis& analysis, std::string const& ip) {
             return entry.m_score;
         }
     }
-    auto const* const table = analysis.reputation();
-    return table == nullptr ? 0 : table->score(IPAddress(ip)).value_or(0);
+    return s_tableScore(analysis, IPAddress(ip));
 }
 
 EmailAddress s_createEmailAddress(std::string const& text) {

@@ -20,6 +20,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 namespace Quorvane {
 
@@ -55,13 +56,9 @@ class RefCounted {
     // Without `addReference` the caller passes on the reference it holds, and `impl` may be null.
     // With it the count grows by one; a null `impl` then throws an Exception of category 4.
     RefCounted(T* impl, bool addReference) : m_impl(impl) {
-        if (!addReference) {
-            return;
+        if (addReference) {
+            s_addReference(impl);
         }
-        if (impl == nullptr) {
-            throw Exception("RefCounted constructor for RefImpl failed.", 4, nullptr, 0);
-        }
-        impl->addReference();
     }
 
     RefCounted(RefCounted const&) = delete;
@@ -79,21 +76,36 @@ class RefCounted {
     // May be null.
     T* impl() const { return m_impl; }
 
+    // Takes a reference to `impl`. REQUIRES: holds null. A null `impl` throws as the constructor does.
+    void share(T* impl) {
+        s_addReference(impl);
+        m_impl = impl;
+    }
+
   private:
+    static void s_addReference(T* impl) {
+        if (impl == nullptr) {
+            throw Exception("RefCounted constructor for RefImpl failed.", 4, nullptr, 0);
+        }
+        impl->addReference();
+    }
+
     T* m_impl;
 };
 
 // The copy step of a handle: afterwards `target` is a wrapper of its own over the implementation of
-// `source`, or null when `source` is null. What `target` held before is released first.
+// `source`, or null when `source` is null. What `target` held before is released first, but not
+// before there is memory for the new wrapper: without, `target` stays as it was.
 template<typename T>
 void RefCountedImplCopy(RefCounted<T>*& target, RefCounted<T> const* source) {
     if (target == source) {
         return;
     }
+    auto* const fresh = source == nullptr ? nullptr : new RefCounted<T>(nullptr, false);
     delete target;
-    target = nullptr;
-    if (source != nullptr) {
-        target = new RefCounted<T>(source->impl(), source->impl() != nullptr);
+    target = fresh;
+    if (source != nullptr && source->impl() != nullptr) {
+        target->share(source->impl());
     }
 }
 
@@ -107,6 +119,9 @@ class Ref {
         RefCountedImplCopy(m_wrapper, other.m_wrapper);
         return *this;
     }
+
+    // Leaves `other` empty.
+    Ref(Ref&& other) noexcept : m_wrapper(std::exchange(other.m_wrapper, nullptr)) {}
 
     virtual ~Ref() {
         delete m_wrapper;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/EmailAddress.h"
 
+#include "platform/ForkBarrier.h"
 #include "platform/internal/AddressText.h"
 #include "platform/internal/MailLibrary.h"
 
@@ -80,7 +81,9 @@ EmailAddress EmailAddress::rfc5322Parse(std::string const& text, bool lenient) {
     if (!prepared) {
         return result;
     }
-    List const list(internet_address_list_parse(s_options(lenient), prepared->m_text.c_str()));
+    auto* const options = s_options(lenient);
+    ForkBarrier const barrier;
+    List const list(internet_address_list_parse(options, prepared->m_text.c_str()));
     auto const* const mailbox = list == nullptr ? nullptr : s_firstMailbox(list.get());
     if (mailbox == nullptr) {
         return result;

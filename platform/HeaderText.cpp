@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/HeaderText.h"
 
+#include "platform/ForkBarrier.h"
 #include "platform/internal/MailLibrary.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace Quorvane {
 
 std::string headerText(std::string_view value) {
     startMailLibrary();
+    ForkBarrier const barrier;
     std::string text(value);
     std::replace(text.begin(), text.end(), '\0', ' '); // would end the text
     std::unique_ptr<char, void (*)(void*)> const decoded(

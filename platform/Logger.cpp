@@ -4,6 +4,7 @@
 // spdlog, whose headers are slow to compile.
 #include "platform/Logger.h"
 
+#include "platform/ForkBarrier.h"
 #include "platform/LineLogger.h"
 
 #include <array>
@@ -27,6 +28,7 @@ class StderrLogger : public LineLogger {
 
   private:
     void write(LogLevel level, std::string const& line) override {
+        ForkBarrier const barrier;
         m_sink.log(level == LogLevel::error ? spdlog::level::err : spdlog::level::warn, line);
     }
 
@@ -36,6 +38,7 @@ class StderrLogger : public LineLogger {
 class Slot {
   public:
     std::shared_ptr<Logger> get() {
+        ForkBarrier const barrier;
         std::lock_guard const lock(m_mutex);
         return m_logger;
     }
@@ -44,9 +47,10 @@ class Slot {
         if (logger == nullptr) {
             logger = m_default;
         }
-        std::unique_lock lock(m_mutex);
+        // The old logger's destructor may log: not under the lock.
+        ForkBarrier const barrier;
+        std::lock_guard const lock(m_mutex);
         m_logger.swap(logger);
-        lock.unlock(); // the old logger's destructor may log
     }
 
   private:

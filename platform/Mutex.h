@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Mutex: a plain, non-recursive lock. Synchronized: holds a Mutex for the length of a scope.
+// Mutex: a plain, non-recursive lock. Synchronized: holds a Mutex for the length of a scope. fork() in
+// another thread waits meanwhile, so that no child inherits the lock.
 #pragma once
 
 #include "include2/Export.h"
+#include "platform/ForkBarrier.h"
 
 #include <mutex>
 
@@ -29,6 +31,7 @@ class QV_API Synchronized {
     ~Synchronized();
 
   private:
+    [[no_unique_address]] ForkBarrier m_barrier;
     Mutex& m_mutex;
 };
 

@@ -2,6 +2,7 @@
 #include "platform/Resolver.h"
 
 #include "include2/Exception.h"
+#include "platform/ForkBarrier.h"
 #include "platform/Host.h"
 #include "platform/internal/DnsLookup.h"
 #include "platform/internal/DnsName.h"
@@ -63,6 +64,7 @@ ResolverMessage PendingLookup::wait() {
 class Resolver::Slot {
   public:
     PreparedResolver engine() {
+        ForkBarrier const barrier;
         std::lock_guard<std::mutex> const lock(m_mutex);
         if (!m_engine) {
             m_engine = s_makeDefaultEngine();
@@ -72,6 +74,7 @@ class Resolver::Slot {
 
     // The old engine may end here, which takes a while: not under the lock.
     void publish(PreparedResolver engine) {
+        ForkBarrier const barrier;
         std::lock_guard<std::mutex> const lock(m_mutex);
         m_engine.swap(engine);
     }

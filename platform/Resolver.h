@@ -4,8 +4,11 @@
 //
 // Configuration is checked when it is made, never during a scan: a look-up that fails, is refused
 // or comes late gives an empty answer and is counted. Settings are published as a whole; pending
-// look-ups finish with the ones they began with. libunbound does not survive fork(): configure
-// after becoming a daemon.
+// look-ups finish with the ones they began with.
+//
+// fork(): the child does not have the threads that answer, so look-ups there count as failed, at
+// once, until the child puts settings of its own in force; the parent goes on. Configure after
+// becoming a daemon.
 #pragma once
 
 #include "include2/Export.h"

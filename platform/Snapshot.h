@@ -21,6 +21,8 @@
 // Errors: what making a Local throws passes through read(), which then works as before.
 #pragma once
 
+#include "platform/ForkBarrier.h"
+
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -51,6 +53,7 @@ class Snapshot {
     // Puts another value in force. Safe at any time from any thread.
     void publish(std::shared_ptr<T const> value) {
         {
+            ForkBarrier const barrier;
             std::lock_guard<std::mutex> const lock(m_mutex);
             m_value.swap(value);
             m_generation.store(s_nextGeneration(), std::memory_order_release);
@@ -105,6 +108,7 @@ class Snapshot {
         std::shared_ptr<T const> value;
         std::uint64_t generation = 0;
         {
+            ForkBarrier const barrier;
             std::lock_guard<std::mutex> const lock(m_mutex);
             value = m_value;
             generation = m_generation.load(std::memory_order_relaxed);

@@ -4,6 +4,7 @@
 #include "adapter/RecordedScan.h"
 #include "adapter/TestedAttributes.h"
 #include "DeepHeaderScanner.h"
+#include "platform/NoCancellation.h"
 
 namespace Quorvane {
 
@@ -23,6 +24,7 @@ DeepHeaderEngine DeepHeaderEngine::fromStreams(std::istream& tree, std::istream*
 
 // An engine is the same for all who hold it, const or not: nothing changes it.
 ScanRecord DeepHeaderEngine::scan(DeepHeaderQuery& query, RecordDepth depth) const {
+    NoCancellation const guard;
     RefDeepHeaderAdapter engine(*m_engine);
     return recordScan(*engine.operator->(), query, depth);
 }

@@ -4,6 +4,7 @@
 #include "adapter/DeepHeaderAdapter.h"
 #include "include2/Exception.h"
 #include "platform/Logger.h"
+#include "platform/NoCancellation.h"
 #include "scanner/RuleVersion.h"
 
 namespace Quorvane {
@@ -39,6 +40,11 @@ DeepHeaderAdapter* s_buildEngine() {
     return nullptr;
 }
 
+RefDeepHeaderAdapter s_engineInForce() {
+    Synchronized const lock(DeepHeaderScanner::m_Mutex);
+    return RefDeepHeaderAdapter::instance(nullptr);
+}
+
 } // namespace
 
 Mutex DeepHeaderScanner::m_Mutex;
@@ -50,6 +56,7 @@ DeepHeaderScanner::~DeepHeaderScanner() = default;
 
 // The slow part, reading the rules, runs without the lock: scans never wait for it.
 void DeepHeaderScanner::init() {
+    NoCancellation const guard;
     try {
         auto const version = readRuleVersion();
         if (version != noRuleVersion && version <= m_version.load(std::memory_order_relaxed)) {
@@ -72,12 +79,9 @@ bool DeepHeaderScanner::ready() {
 }
 
 DeepHeaderAnswer DeepHeaderScanner::postQuery(DeepHeaderQuery& query) {
+    NoCancellation const guard;
     try {
-        RefDeepHeaderAdapter engine;
-        {
-            Synchronized const lock(m_Mutex);
-            engine = RefDeepHeaderAdapter::instance(nullptr);
-        }
+        auto engine = s_engineInForce();
         if (!engine.isEmpty()) {
             return engine->scanMessage(query);
         }

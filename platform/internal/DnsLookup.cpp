@@ -3,6 +3,7 @@
 
 #include "platform/internal/DnsName.h"
 #include "platform/LookupDeadline.h"
+#include "platform/NoCancellation.h"
 
 #include <algorithm>
 #include <utility>
@@ -50,7 +51,8 @@ Lookup::~Lookup() {
 }
 
 ResolverMessage Lookup::wait() {
-    while (m_open > 0 && m_message.isEmpty()) {
+    NoCancellation const guard;
+    while (m_open > 0 && m_message.isEmpty() && m_context->isUsable()) {
         auto arrival = m_box->take(m_deadline, m_stop);
         if (!arrival) {
             break;
@@ -106,7 +108,8 @@ void Lookup::cancelOpen() {
 // For a look-up without records: one that got some ignores the rest.
 LookupResult Lookup::end() const {
     if (m_open > 0) {
-        return m_stop.stop_requested() ? LookupResult::failed : LookupResult::late;
+        bool const isGivenUp = m_stop.stop_requested() || !m_context->isUsable();
+        return isGivenUp ? LookupResult::failed : LookupResult::late;
     }
     if (m_failed) {
         return LookupResult::failed;

@@ -2,6 +2,7 @@
 #include "platform/internal/PatternSet.h"
 
 #include "include2/Exception.h"
+#include "platform/ForkBarrier.h"
 #include "platform/internal/PatternList.h"
 
 #include <algorithm>
@@ -98,6 +99,7 @@ bool PatternSet::matches(std::string_view text) const {
     if (m_expressions.empty()) {
         return false;
     }
+    ForkBarrier const barrier;
     auto const& set = replica().m_set;
     re2::RE2::Set::ErrorInfo error{re2::RE2::Set::kOutOfMemory};
     if (set != nullptr && set->Match(s_piece(text), nullptr, &error)) {

@@ -2,6 +2,7 @@
 #include "platform/internal/UnboundContext.h"
 
 #include "include2/Exception.h"
+#include "platform/ForkBarrier.h"
 #include "platform/internal/DnsSettings.h"
 
 #include <array>
@@ -53,6 +54,7 @@ std::mutex& s_lifecycleMutex() {
 }
 
 ub_ctx* s_create() {
+    ForkBarrier const barrier;
     std::lock_guard<std::mutex> const lock(s_lifecycleMutex());
     return ub_ctx_create();
 }
@@ -100,6 +102,7 @@ void s_ignoreAnswer(void* /*data*/, int /*error*/, ub_result* result) {
 } // namespace
 
 void UnboundContext::Deleter::operator()(ub_ctx* context) const {
+    ForkBarrier const barrier;
     std::lock_guard<std::mutex> const lock(s_lifecycleMutex());
     ub_ctx_delete(context);
 }
@@ -123,9 +126,14 @@ UnboundContext::UnboundContext(ResolverSettings const& settings)
     if (!m_context) {
         s_doesNotStart("no memory, no file descriptors or no random numbers");
     }
+    ForkBarrier const barrier;
     std::lock_guard<std::mutex> const lock(s_lifecycleMutex());
     setUpUnbound(*m_context, settings);
     startThreads();
+}
+
+bool UnboundContext::isUsable() const {
+    return getpid() == m_process && !m_hasFailed.load(std::memory_order_relaxed);
 }
 
 // A child of fork has the memory of this object but none of its threads: waiting for them would
@@ -157,19 +165,19 @@ void UnboundContext::startThreads() {
     }
 }
 
-// Ends when the stop event is raised, or when libunbound's own thread is gone; look-ups then run
-// into their deadline.
+// Ends when the stop event is raised, or when libunbound's own thread is gone; look-ups then fail.
 void UnboundContext::pump() const {
     std::array<pollfd, 2> events{
         {{ub_fd(m_context.get()), POLLIN, 0}, {m_stopEvent.descriptor(), POLLIN, 0}}};
     for (;;) {
-        if (poll(events.data(), events.size(), -1) < 0) {
-            if (errno != EINTR) {
-                return;
-            }
+        if (poll(events.data(), events.size(), -1) < 0 && errno == EINTR) {
             continue;
         }
-        if (events[1].revents != 0 || ub_process(m_context.get()) != UB_NOERROR) {
+        if (events[1].revents != 0) {
+            return;
+        }
+        if (events[0].revents == 0 || ub_process(m_context.get()) != UB_NOERROR) {
+            m_hasFailed.store(true, std::memory_order_relaxed);
             return;
         }
     }
@@ -177,8 +185,11 @@ void UnboundContext::pump() const {
 
 Ticket UnboundContext::ask(RecordType type, std::string const& name, std::shared_ptr<AnswerBox> box,
                            std::size_t slot) const {
-    std::unique_ptr<Delivery> delivery(new Delivery{std::move(box), slot});
     Ticket ticket;
+    if (!isUsable()) {
+        return ticket;
+    }
+    std::unique_ptr<Delivery> delivery(new Delivery{std::move(box), slot});
     if (ub_resolve_async(m_context.get(), name.c_str(), static_cast<int>(type),
                          static_cast<int>(RecordClass::IN), delivery.get(), s_deliver,
                          &ticket.m_id) == UB_NOERROR) {
@@ -189,7 +200,7 @@ Ticket UnboundContext::ask(RecordType type, std::string const& name, std::shared
 
 // libunbound calls s_deliver exactly when it does not accept the cancellation.
 void UnboundContext::cancel(Ticket ticket) const {
-    if (ticket.m_delivery != nullptr && ub_cancel(m_context.get(), ticket.m_id) == UB_NOERROR) {
+    if (isUsable() && ticket.m_delivery != nullptr && ub_cancel(m_context.get(), ticket.m_id) == UB_NOERROR) {
         delete ticket.m_delivery;
     }
 }

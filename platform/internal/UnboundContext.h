@@ -11,6 +11,7 @@
 #include "platform/internal/AnswerBox.h"
 #include "platform/Resolver.h"
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -45,6 +46,10 @@ class UnboundContext {
     // Cancels a question. Its answer may already be on its way and then still arrives.
     void cancel(Ticket ticket) const;
 
+    // False in a child of fork: there libunbound must not be called. Parent and child share the
+    // pipe to its thread, so a question of the child would spoil those of the parent.
+    bool isUsable() const;
+
     // True when zone data may answer with an alias that libunbound leaves to the caller.
     bool hasLocalAliases() const { return m_hasZoneData; }
 
@@ -71,7 +76,8 @@ class UnboundContext {
     void startThreads();
     void pump() const;
 
-    pid_t m_process;
+    pid_t const m_process;
+    mutable std::atomic<bool> m_hasFailed{false}; // libunbound's thread is gone
     bool m_hasZoneData;
     std::unique_ptr<ub_ctx, Deleter> m_context;
     StopEvent m_stopEvent;

@@ -15,16 +15,19 @@ RefCounted<T>* s_share(RefCounted<T> const* source) {
     return new RefCounted<T>(source->impl(), true);
 }
 
-// Releases the old reference before it takes the new one. `target` and `source` are the same
-// wrapper only in a self-assignment, which changes nothing.
+// Releases the old reference before it takes the new one, but not before there is memory for the
+// wrapper. `target` and `source` are the same wrapper only in a self-assignment, which changes
+// nothing.
 template<typename T>
 void s_shareAssign(RefCounted<T>*& target, RefCounted<T> const* source) {
     if (target == source) {
         return;
     }
+    auto fresh = std::make_unique<RefCounted<T>>(nullptr, false);
     delete target;
     target = nullptr;
-    target = s_share(source);
+    fresh->share(source->impl());
+    target = fresh.release();
 }
 
 } // namespace Quorvane
