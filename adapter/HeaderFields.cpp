@@ -108,8 +108,7 @@ class RelayScoreIndex {
     // REQUIRES: `address` is not null.
     int score(IPAddress const& address) const {
         Entry const sought(address.bytes(), 0);
-        auto const found =
-            std::lower_bound(m_scores.begin(), m_scores.end(), sought, s_isBefore);
+        auto const found = std::lower_bound(m_scores.begin(), m_scores.end(), sought, s_isBefore);
         bool const isListed = found != m_scores.end() && found->first == sought.first;
         return isListed ? found->second : s_tableScore(m_analysis, address);
     }
@@ -247,7 +246,7 @@ class TrailWalk {
     TrustedMTASet const& m_trusted;
     std::optional<RelayScoreIndex> m_relayScores; // once a hop of the trail needs it
     std::uint32_t m_score = 0;                    // of the current hop
-    bool m_isInside = true;    // all hops so far came from relays of the site
+    bool m_isInside = true;                       // all hops so far came from relays of the site
     bool m_isEnded = false;
 };
 

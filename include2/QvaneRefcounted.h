@@ -76,7 +76,8 @@ class RefCounted {
     // May be null.
     T* impl() const { return m_impl; }
 
-    // Takes a reference to `impl`. REQUIRES: holds null. A null `impl` throws as the constructor does.
+    // Takes a reference to `impl`. REQUIRES: holds null. A null `impl` throws as the constructor
+    // does.
     void share(T* impl) {
         s_addReference(impl);
         m_impl = impl;

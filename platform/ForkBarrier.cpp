@@ -12,8 +12,7 @@ namespace {
 namespace intrusive = boost::intrusive;
 
 // What a thread holds while it has a barrier. It is part of the thread's own memory.
-struct Station
-    : intrusive::list_base_hook<intrusive::link_mode<intrusive::auto_unlink>> {
+struct Station : intrusive::list_base_hook<intrusive::link_mode<intrusive::auto_unlink>> {
     std::mutex m_mutex;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Mutex: a plain, non-recursive lock. Synchronized: holds a Mutex for the length of a scope. fork() in
-// another thread waits meanwhile, so that no child inherits the lock.
+// Mutex: a plain, non-recursive lock. Synchronized: holds a Mutex for the length of a scope. fork()
+// in another thread waits meanwhile, so that no child inherits the lock.
 #pragma once
 
 #include "include2/Export.h"

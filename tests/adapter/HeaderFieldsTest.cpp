@@ -226,6 +226,22 @@ TEST_F(HeaderFieldsTest, AScoreIsThatOfTheFirstEntryWithExactlyThatAddress) {
     EXPECT_EQ(s_getTVAS(analysis, ""), 0);
 }
 
+// The walk finds scores in another way than s_getTVAS.
+TEST_F(HeaderFieldsTest, OfManyRelaysTheFirstEntryWithAnAddressCounts) {
+    Message message(s_hop("192.0.2.1") + s_hop("192.0.2.2") + s_hop("192.0.2.3"));
+    auto& analysis = message.m_properties->receivedHeaderAnalysis();
+    analysis.push_back({Received(), 9});
+    for (int i = 255; i > 0; --i) {
+        IPAddress const relay("192.0.2." + std::to_string(i));
+        analysis.push_back({Received(relay), i == 2 ? 7 : 0});
+        analysis.push_back({Received(relay), 8});
+    }
+    auto const props = fields(message);
+    EXPECT_EQ(hops(props), (Hops{"192.0.2.1"}));
+    EXPECT_EQ(props.scoredHopIP, "192.0.2.2");
+    EXPECT_EQ(props.scoredHopScore, s_getTVAS(analysis, "192.0.2.2"));
+}
+
 // --- the hop at hand ----------------------------------------------------------------------------
 
 Message s_withCurrentHop(std::string const& ip) {
