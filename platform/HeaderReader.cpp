@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/HeaderReader.h"
 
+#include "platform/Strings.h"
+
 #include <algorithm>
+#include <limits>
 #include <string>
 
 namespace Quorvane {
@@ -64,33 +67,48 @@ bool s_isSkipped(std::string_view message, Line const& first) {
     return isMboxLine || s_beginsWithBlank(message, first.m_begin);
 }
 
-void s_readField(std::string_view message, Line const& first, Line const& last,
-                 HeaderContainer& headers) {
-    auto const line = s_slice(message, first.m_begin, first.m_contentEnd);
-    auto const colon = line.find(':');
-    if (colon == std::string_view::npos || s_isSkipped(message, first)) {
-        return;
+// Calls `take` with the name of each field and with all that follows its colon.
+template<typename Take>
+void s_forEachField(std::string_view message, Take take) {
+    for (std::size_t position = 0; position < message.size();) {
+        auto const first = s_lineAt(message, position);
+        if (s_isEmpty(first)) {
+            return;
+        }
+        auto const last = s_lastLine(message, first);
+        auto const line = s_slice(message, first.m_begin, first.m_contentEnd);
+        auto const colon = line.find(':');
+        if (colon != std::string_view::npos && !s_isSkipped(message, first)) {
+            take(s_withoutTrailing(s_blanks, line.substr(0, colon)),
+                 s_slice(message, first.m_begin + colon + 1, last.m_contentEnd));
+        }
+        position = last.m_end;
     }
-    auto const name = s_withoutTrailing(s_blanks, line.substr(0, colon));
-    auto const value = s_withoutTrailing(
-        s_blanksAndBreaks, s_slice(message, first.m_begin + colon + 1, last.m_contentEnd));
-    headers.append(Header(std::string(name), std::string(s_withoutLeadingBlanks(value))));
 }
 
 } // namespace
 
 HeaderContainer HeaderReader::read(std::string_view message) {
+    return read(message, std::numeric_limits<std::size_t>::max());
+}
+
+HeaderContainer HeaderReader::read(std::string_view message, std::size_t maxHops) {
     HeaderContainer headers;
-    for (std::size_t position = 0; position < message.size();) {
-        auto const first = s_lineAt(message, position);
-        if (s_isEmpty(first)) {
-            break;
+    std::size_t hops = 0;
+    s_forEachField(message, [&](std::string_view name, std::string_view text) {
+        if (stringCompareNoCase(name, "received", 0) == 0 && ++hops > maxHops) {
+            return;
         }
-        auto const last = s_lastLine(message, first);
-        s_readField(message, first, last, headers);
-        position = last.m_end;
-    }
+        auto const value = s_withoutLeadingBlanks(s_withoutTrailing(s_blanksAndBreaks, text));
+        headers.append(Header(std::string(name), std::string(value)));
+    });
     return headers;
+}
+
+std::size_t HeaderReader::countFields(std::string_view message) {
+    std::size_t count = 0;
+    s_forEachField(message, [&count](std::string_view, std::string_view) { ++count; });
+    return count;
 }
 
 std::size_t HeaderReader::sectionLength(std::string_view message) {

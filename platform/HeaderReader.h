@@ -15,15 +15,31 @@
 #include "platform/HeaderContainer.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace Quorvane {
+
+// How much of a header section a program judges. A field takes some 200 bytes of memory besides its
+// text, and who writes a message may send millions of them. The numbers are above what mail servers
+// take themselves (Postfix: 50 hops, 100 KiB for a field; Sendmail: 25 hops, 32 KiB), and real mail
+// has some tens of fields and less than 20 hops. HeaderReader itself knows no limit.
+struct HeaderLimits {
+    std::uint32_t m_maxFields = 1000;
+    std::uint32_t m_maxBytes = 1U << 20U;
+    std::uint32_t m_maxHops = 100; // the newest; only they say something about the client
+};
 
 class QV_API HeaderReader {
   public:
     // The header fields of `message` up to its first empty line or its end. Bytes after the empty
     // line are not looked at. One pass; each name and value is copied once.
     static HeaderContainer read(std::string_view message);
+    // The same with the first `maxHops` Received fields only.
+    static HeaderContainer read(std::string_view message, std::size_t maxHops);
+
+    // How many fields read gives. Allocates nothing.
+    static std::size_t countFields(std::string_view message);
 
     // Length in bytes of the header section of `message`, the empty line that ends it included;
     // the length of `message` when there is no empty line.

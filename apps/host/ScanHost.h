@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace Quorvane {
@@ -27,7 +28,13 @@ class ScanHost {
     // REQUIRES: the engine of `rules` is not empty.
     ScanHost(HostSettings settings, LoadedRules rules);
 
-    // `headers`: the header section as HeaderReader split it. All look-ups together take no longer
+    // The header fields of a section, as scan takes them: of the hops only the newest, as many as
+    // the settings say.
+    HeaderContainer read(std::string_view section) const {
+        return HeaderReader::read(section, m_settings.m_limits.m_maxHops);
+    }
+
+    // `headers`: what read gave. All look-ups together take no longer
     // than the settings say: DNS lists are asked first and get at most half of the time, the names
     // of the scan get what is left. The record holds the look-ups in lists, too.
     ScanRecord scan(HeaderContainer const& headers, MessageFacts const& facts,

@@ -38,6 +38,26 @@ bool s_isBinary(std::string_view line) {
 
 } // namespace
 
+std::string whyNotJudged(std::string_view headers, HeaderLimits const& limits) {
+    if (headers.size() > limits.m_maxBytes) {
+        return tooLong(limits);
+    }
+    if (!hasHeaderField(headers)) {
+        return noHeaderField;
+    }
+    auto const fields = HeaderReader::countFields(headers);
+    if (fields <= limits.m_maxFields) {
+        return {};
+    }
+    return "it has " + std::to_string(fields) + " header fields, and max-headers is " +
+           std::to_string(limits.m_maxFields);
+}
+
+std::string tooLong(HeaderLimits const& limits) {
+    return "its header section is longer than max-header-bytes, which is " +
+           std::to_string(limits.m_maxBytes);
+}
+
 bool hasHeaderField(std::string_view headers) {
     while (!headers.empty()) {
         auto const end = std::min(headers.find('\n'), headers.size());

@@ -35,11 +35,13 @@ void s_setProblem(InputItem& item, int exitStatus, std::string text) {
 } // namespace
 
 Inputs::Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt,
-               std::optional<std::filesystem::path> copies)
-    : m_interrupt(interrupt), m_files(s_orStandardInput(paths)), m_copies(std::move(copies)) {}
+               HeaderLimits const& limits, std::optional<std::filesystem::path> copies)
+    : m_interrupt(interrupt), m_files(s_orStandardInput(paths)), m_limits(limits),
+      m_copies(std::move(copies)) {}
 
-Inputs::Inputs(std::string path, OpenInput opened, Interrupt const& interrupt)
-    : m_interrupt(interrupt), m_files({}), m_name{std::move(path), {}, 0}, m_source(m_name.m_path),
+Inputs::Inputs(std::string path, OpenInput opened, Interrupt const& interrupt,
+               HeaderLimits const& limits)
+    : m_interrupt(interrupt), m_files({}), m_limits(limits), m_name{std::move(path), {}, 0}, m_source(m_name.m_path),
       m_archive(std::move(opened.m_archive)) {
     if (opened.m_bytes) {
         startReading(std::move(opened.m_bytes));
@@ -90,7 +92,7 @@ bool Inputs::openNext(InputItem& item) {
 
 void Inputs::startReading(std::unique_ptr<ByteSource> source) {
     m_reader = std::make_unique<MessageReader>(std::move(source),
-                                               ReaderOptions{m_source == "-", m_copies});
+                                               ReaderOptions{m_source == "-", m_copies, m_limits});
 }
 
 // The next file of an archive, if there is one.
@@ -183,10 +185,10 @@ void Inputs::takeMessage(HeaderSection& section, InputItem& item) {
     if (section.m_number != 0) {
         item.m_source += ":" + std::to_string(section.m_number);
     }
-    if (!section.m_problem.empty()) {
-        s_setProblem(item, ExitStatus::badData, section.m_problem);
-    } else if (!hasHeaderField(section.m_text)) {
-        s_setProblem(item, ExitStatus::badData, noHeaderField);
+    auto problem = section.m_problem.empty() ? whyNotJudged(section.m_text, m_limits)
+                                             : std::move(section.m_problem);
+    if (!problem.empty()) {
+        s_setProblem(item, ExitStatus::badData, std::move(problem));
     } else {
         item.m_headers = std::move(section.m_text);
         item.m_copy = std::move(section.m_copy);

@@ -35,12 +35,14 @@ struct InputItem {
 
 class Inputs {
   public:
-    // No path means standard input. `interrupt` outlives the object. `copies`: copies of the
-    // messages are wanted; large ones are kept in this folder.
+    // No path means standard input. `interrupt` outlives the object. A message beyond the limits is
+    // a problem. `copies`: copies of the messages are wanted; large ones are kept in this folder.
     Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt,
+           HeaderLimits const& limits,
            std::optional<std::filesystem::path> copies = std::nullopt);
     // One input that is open already.
-    Inputs(std::string path, OpenInput opened, Interrupt const& interrupt);
+    Inputs(std::string path, OpenInput opened, Interrupt const& interrupt,
+           HeaderLimits const& limits);
 
     // False at the end. Throws Interrupted.
     bool next(InputItem& item);
@@ -61,6 +63,7 @@ class Inputs {
 
     Interrupt const& m_interrupt;
     FileWalker m_files;
+    HeaderLimits m_limits;
     std::optional<std::filesystem::path> m_copies;
     InputName m_name;     // what is wanted of the file that is open
     std::string m_source; // what is being read

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/MessageReader.h"
 
+#include "apps/input/HeaderCheck.h"
+
 #include <new>
 #include <utility>
 
@@ -20,20 +22,6 @@ bool s_isQuotedSeparator(LinePiece const& piece) {
 void s_drop(HeaderSection& section, std::string problem) {
     section.m_text = std::string();
     section.m_problem = std::move(problem);
-}
-
-void s_append(HeaderSection& section, std::string_view text) {
-    auto const size = section.m_text.size() + text.size();
-    if (size > maxHeaderSection) {
-        s_drop(section, "not a message: its header section is longer than " +
-                            std::to_string(maxHeaderSection >> 20) + " MiB");
-        return;
-    }
-    try {
-        section.m_text.append(text);
-    } catch (std::bad_alloc const&) {
-        s_drop(section, noMemoryFor(size) + " or more");
-    }
 }
 
 void s_copy(HeaderSection& section, std::string_view text) {
@@ -99,13 +87,26 @@ bool MessageReader::nextOfMbox(HeaderSection& section) {
     return true;
 }
 
+void MessageReader::append(HeaderSection& section, std::string_view text) const {
+    auto const size = section.m_text.size() + text.size();
+    if (size > m_options.m_limits.m_maxBytes) {
+        s_drop(section, tooLong(m_options.m_limits));
+        return;
+    }
+    try {
+        section.m_text.append(text);
+    } catch (std::bad_alloc const&) {
+        s_drop(section, noMemoryFor(size) + " or more");
+    }
+}
+
 void MessageReader::readHeaders(HeaderSection& section) {
     LinePiece piece;
     while ((section.m_problem.empty() || m_isMbox) && m_pieces.next(piece)) {
         bool const isQuoted = m_isMbox && s_isQuotedSeparator(piece);
         s_copy(section, piece.m_text);
         if (section.m_problem.empty()) {
-            s_append(section, piece.m_text.substr(isQuoted ? 1 : 0));
+            append(section, piece.m_text.substr(isQuoted ? 1 : 0));
         }
         if (piece.isEmptyLine()) {
             return;

@@ -9,6 +9,7 @@
 
 #include "apps/input/LinePieces.h"
 #include "apps/input/MessageCopy.h"
+#include "platform/HeaderReader.h"
 
 #include <cstddef>
 #include <exception>
@@ -18,10 +19,6 @@
 #include <string>
 
 namespace Quorvane {
-
-// Above what mail servers accept: the largest whole message that Postfix takes by default has
-// 10 MB. Judging needs many times the memory: 35 bytes for each byte of the shortest fields.
-inline constexpr std::size_t maxHeaderSection = std::size_t{16} << 20;
 
 // Why a message with a header section of this size was not judged.
 std::string noMemoryFor(std::size_t size);
@@ -43,6 +40,8 @@ struct ReaderOptions {
     bool m_drain = false;
     // Copies are wanted; large ones are kept in this folder.
     std::optional<std::filesystem::path> m_copies = {};
+    // More bytes of a header section than these are not kept.
+    HeaderLimits m_limits = {};
 };
 
 class MessageReader {
@@ -56,6 +55,7 @@ class MessageReader {
 
   private:
     void readHeaders(HeaderSection& section);
+    void append(HeaderSection& section, std::string_view text) const;
     void readBody(MessageCopy* copy);
     void skipLine(LinePiece piece);
     bool nextOfMbox(HeaderSection& section);

@@ -52,9 +52,6 @@ struct MilterSettings {
     std::vector<IPPrefix> m_exempt;
     int m_addReasons = 0;
 
-    std::uint32_t m_maxHeaders = 1000;
-    std::uint32_t m_maxHeaderBytes = 1U << 20U; // of all headers of a message
-    std::uint32_t m_maxHops = 100;
     std::uint32_t m_maxScans = 256;     // at once
     std::uint32_t m_maxSessions = 1000; // at once
     // A mail server says nothing while the body of a message comes in, however slowly.

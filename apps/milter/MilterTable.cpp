@@ -46,10 +46,6 @@ void s_checkCount(std::string const& text) {
     readInteger(text, 1, million);
 }
 
-void s_checkHeaderBytes(std::string const& text) {
-    readInteger(text, 1024, 100 * million);
-}
-
 void s_checkSocket(std::string const& text) {
     ListenAddress::parse(text);
 }
@@ -134,14 +130,6 @@ constexpr auto table = std::to_array<SettingRow<MilterSettings>>({
         {"exempt", list, "PREFIX", "leave clients in this range alone"}),
     settingRow<&MilterSettings::m_addReasons>(
         {"add-reasons", integer, "0|1", "1: a second header says why (0)"}, s_checkFlag),
-    settingRow<&MilterSettings::m_maxHeaders>(
-        {"max-headers", integer, "N", "headers of a message (1000)"}, s_checkCount),
-    settingRow<&MilterSettings::m_maxHeaderBytes>(
-        {"max-header-bytes", integer, "N", "bytes of all headers of a message (1048576)"},
-        s_checkHeaderBytes),
-    settingRow<&MilterSettings::m_maxHops>(
-        {"max-hops", integer, "N", "newest hops of a message that are looked at (100)"},
-        s_checkCount),
     settingRow<&MilterSettings::m_maxScans>(
         {"max-scans", integer, "N", "messages judged at once (256)"}, s_checkCount),
     settingRow<&MilterSettings::m_maxSessions>(

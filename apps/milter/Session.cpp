@@ -76,14 +76,14 @@ void Session::recipient(std::string const& address) {
 
 // Headers named like ours are counted first: they go, whatever becomes of the message.
 void Session::header(std::string_view name, std::string_view value) {
-    auto const& limits = m_snapshot->milter();
+    auto const& limits = m_snapshot->limits();
     m_message.m_foreignResults += s_isNamed(name, resultHeader) ? 1 : 0;
     m_message.m_foreignReasons += s_isNamed(name, reasonsHeader) ? 1 : 0;
     if (!m_place.isIn()) {
         return;
     }
     auto const size = m_message.m_headers.size() + name.size() + value.size() + 3;
-    if (++m_message.m_headerCount > limits.m_maxHeaders || size > limits.m_maxHeaderBytes) {
+    if (++m_message.m_headerCount > limits.m_maxFields || size > limits.m_maxBytes) {
         m_message.m_isOdd = true;
         return;
     }

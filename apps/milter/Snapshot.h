@@ -36,6 +36,7 @@ struct Snapshot {
     Time m_rulesLoaded;
 
     MilterSettings const& milter() const { return m_settings.m_milter.values(); }
+    HeaderLimits const& limits() const { return m_settings.m_host.values().m_limits; }
 };
 
 // The snapshot in force. current may be called from any thread; the others from one.

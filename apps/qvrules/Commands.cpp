@@ -41,7 +41,7 @@ bool s_holdsMail(std::string const& path) {
     Interrupt const interrupt;
     InputItem item;
     try {
-        return Inputs({path}, interrupt).next(item) && s_isMail(item.m_headers);
+        return Inputs({path}, interrupt, HeaderLimits()).next(item) && s_isMail(item.m_headers);
     } catch (Interrupted const&) {
         return false;
     }

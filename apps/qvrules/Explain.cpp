@@ -93,7 +93,7 @@ class Explainer {
 };
 
 int s_explain(ExplainArguments const& arguments, LoadedRules rules, Interrupt& interrupt) {
-    Workshop::ExplainInput input(arguments.m_asked, interrupt);
+    Workshop::ExplainInput input(arguments.m_asked, arguments.m_settings.m_limits, interrupt);
     if (input.isVectors() && arguments.m_hasFacts) {
         throw UsageError(arguments.m_asked + ": facts about a message do not apply to vectors; "
                                              "leave out --env-from and the like");

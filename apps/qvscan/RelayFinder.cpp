@@ -116,7 +116,7 @@ class RelayFinder {
                 };
             },
             m_interrupt.token());
-        Inputs inputs(m_options.m_paths, m_interrupt);
+        Inputs inputs(m_options.m_paths, m_interrupt, m_settings.m_limits);
         submitAll(pool, inputs, m_interrupt); // run looks at the signal
         pool.finish();
         m_isFirst = false;
@@ -128,7 +128,7 @@ class RelayFinder {
             return std::nullopt;
         }
         return s_found(
-            host.scan(HeaderReader::read(item.m_headers), m_options.m_facts, RecordDepth::steps));
+            host.scan(host.read(item.m_headers), m_options.m_facts, RecordDepth::steps));
     }
 
     // A problem shows in every pass.

@@ -93,7 +93,7 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     if (!item.m_problem.empty()) {
         return s_problem(item.m_source, item.m_problem, item.m_exitStatus);
     }
-    auto const headers = HeaderReader::read(item.m_headers);
+    auto const headers = m_host->read(item.m_headers);
     ScanResult result;
     if (!m_options.m_filter.isInPeriod(headers)) {
         return result;
@@ -237,7 +237,7 @@ int ScanRun::run() {
             };
         },
         m_interrupt.token());
-    Inputs inputs(m_options.m_paths, m_interrupt,
+    Inputs inputs(m_options.m_paths, m_interrupt, m_host->settings().m_limits,
                   m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)
                                : std::nullopt);
     auto const submitted = submitAll(pool, inputs, m_interrupt);

@@ -8,6 +8,7 @@
 #include "apps/settings/DnsList.h"
 #include "platform/DeepHeaderSettings.h"
 #include "platform/EmailAddress.h"
+#include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
@@ -63,6 +64,8 @@ struct HostSettings {
     // What the two files hold, if they have been read already (SettingFiles.h).
     std::optional<std::string> m_patternText;
     std::optional<std::string> m_zoneText;
+    // Messages beyond these are not judged; of hops the newest are.
+    HeaderLimits m_limits;
     // Scanning threads; 0: one for each core.
     unsigned int m_jobs = 0;
 };

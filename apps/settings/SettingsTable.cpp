@@ -31,6 +31,7 @@ void s_checkInteger(std::string const& text) {
     readInteger(text, Low, High);
 }
 
+constexpr int million = 1'000'000;
 constexpr int mostJobs = 1024; // more is a typing error
 constexpr int highestLevel = std::numeric_limits<std::int32_t>::max();
 
@@ -108,6 +109,18 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
     settingRow<&HostSettings::m_dnsData>(
         {"dns-data", SettingKind::path, "FILE",
          "zone file that answers all look-ups; no server is asked"}),
+    settingRow<&HostSettings::m_limits, &HeaderLimits::m_maxFields>(
+        {"max-headers", SettingKind::integer, "N",
+         "header fields of a message; one with more is not judged (1000)"},
+        s_checkInteger<1, million>),
+    settingRow<&HostSettings::m_limits, &HeaderLimits::m_maxBytes>(
+        {"max-header-bytes", SettingKind::integer, "N",
+         "bytes of all header fields of a message; one with more is not judged (1048576)"},
+        s_checkInteger<1024, 100 * million>),
+    settingRow<&HostSettings::m_limits, &HeaderLimits::m_maxHops>(
+        {"max-hops", SettingKind::integer, "N",
+         "newest hops of a message that are looked at (100)"},
+        s_checkInteger<1, million>),
     settingRow<&HostSettings::m_jobs>(
         {"jobs", SettingKind::integer, "N", "scanning threads (0: one per core)"},
         s_checkInteger<0, mostJobs>),

@@ -76,17 +76,19 @@ std::string MessageExplainer::answer(PageQuestion const& question) const {
 
 std::string MessageExplainer::explain(ScanHost const& host, std::string const& source,
                                       std::string_view message) const {
-    auto const headers = Workshop::messageHeaders({source, std::string(message), {}, 0});
+    auto const headers = Workshop::messageHeaders(
+        host, source, message.substr(0, HeaderReader::sectionLength(message)));
     auto const record = host.scan(headers, m_facts, RecordDepth::alternatives);
     return jsonExplanation(source, headers, record, host.settings().m_judging, host.ruleNames());
 }
 
-void readMessages(std::vector<std::string> const& paths, Interrupt& interrupt,
+void readMessages(std::vector<std::string> const& paths, HeaderLimits const& limits,
+                  Interrupt& interrupt,
                   std::function<void(PageMessage message)> const& take) {
     if (paths.empty()) {
         return; // none would mean standard input
     }
-    Inputs inputs(paths, interrupt);
+    Inputs inputs(paths, interrupt, limits);
     InputItem item;
     while (inputs.next(item)) {
         Workshop::requireReadable(item);

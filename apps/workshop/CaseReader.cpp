@@ -126,8 +126,9 @@ class CaseReader {
     }
 
     void takeMessage(std::string message, toml::node const& node) {
-        if (!hasHeaderField(message)) {
-            fail(node, noHeaderField);
+        message.resize(HeaderReader::sectionLength(message));
+        if (auto const problem = whyNotJudged(message, HeaderLimits()); !problem.empty()) {
+            fail(node, problem);
         }
         m_case.m_headers = std::move(message);
         noteInput(node);

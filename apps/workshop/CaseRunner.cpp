@@ -34,7 +34,7 @@ CaseResult s_resultOf(ScanRecord const& record, ScanHost const& host) {
 
 ScanRecord s_judge(RuleCase const& one, ScanHost const& host) {
     auto const depth = RecordDepth::steps;
-    return one.m_headers ? host.scan(HeaderReader::read(*one.m_headers), one.m_facts, depth)
+    return one.m_headers ? host.scan(host.read(*one.m_headers), one.m_facts, depth)
                          : host.judge(one.m_vector, depth);
 }
 

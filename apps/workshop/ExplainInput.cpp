@@ -47,8 +47,8 @@ bool s_isVector(std::string const& argument) {
 
 } // namespace
 
-ExplainInput::ExplainInput(std::string argument, Interrupt& interrupt)
-    : m_argument(std::move(argument)), m_interrupt(interrupt) {
+ExplainInput::ExplainInput(std::string argument, HeaderLimits const& limits, Interrupt& interrupt)
+    : m_argument(std::move(argument)), m_limits(limits), m_interrupt(interrupt) {
     if (s_isVector(m_argument)) {
         m_kind = Kind::vector;
         m_vector = parseVector(m_argument);
@@ -94,12 +94,12 @@ void ExplainInput::read(std::function<void(AskedItem const&)> const& sink) {
 
 void ExplainInput::readMessages(std::function<void(AskedItem const&)> const& sink) {
     bool const isOpen = m_opened.m_bytes || m_opened.m_archive;
-    auto inputs = isOpen ? Inputs(m_argument, std::move(m_opened), m_interrupt)
-                         : Inputs({m_argument}, m_interrupt);
+    auto inputs = isOpen ? Inputs(m_argument, std::move(m_opened), m_interrupt, m_limits)
+                         : Inputs({m_argument}, m_interrupt, m_limits);
     for (InputItem item; inputs.next(item);) {
         try {
             sink({item.m_source, item.m_problem, item.m_exitStatus,
-                  HeaderReader::read(item.m_headers)});
+                  HeaderReader::read(item.m_headers, m_limits.m_maxHops)});
         } catch (std::bad_alloc const&) {
             sink({item.m_source, noMemoryFor(item.m_headers.size()), ExitStatus::badData});
         }

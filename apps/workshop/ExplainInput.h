@@ -14,7 +14,7 @@
 
 #include "apps/input/Archive.h"
 #include "apps/input/InputName.h"
-#include "platform/HeaderContainer.h"
+#include "platform/HeaderReader.h"
 #include "rules/vectors/VectorTable.h"
 
 #include <functional>
@@ -38,7 +38,7 @@ struct AskedItem {
 class ExplainInput {
   public:
     // A RuleError for what cannot be opened, or is not a vector. `interrupt` outlives the object.
-    ExplainInput(std::string argument, Interrupt& interrupt);
+    ExplainInput(std::string argument, HeaderLimits const& limits, Interrupt& interrupt);
 
     // Whether it holds vectors, not messages.
     bool isVectors() const { return m_kind != Kind::messages; }
@@ -53,6 +53,7 @@ class ExplainInput {
     void readMessages(std::function<void(AskedItem const&)> const& sink);
 
     std::string m_argument;
+    HeaderLimits m_limits;
     Interrupt& m_interrupt;
     Kind m_kind = Kind::messages;
     OpenInput m_opened; // unless it is a vector, or a part of a file

@@ -44,13 +44,13 @@ void requireReadable(InputItem const& item) {
     }
 }
 
-HeaderContainer messageHeaders(InputItem const& item) {
-    requireReadable(item);
-    if (!hasHeaderField(item.m_headers)) {
-        throw Rules::RuleError(Rules::RuleError::Kind::badData,
-                               item.m_source + ": " + noHeaderField);
+HeaderContainer messageHeaders(ScanHost const& host, std::string const& source,
+                               std::string_view headers) {
+    auto const problem = whyNotJudged(headers, host.settings().m_limits);
+    if (!problem.empty()) {
+        throw Rules::RuleError(Rules::RuleError::Kind::badData, source + ": " + problem);
     }
-    return HeaderReader::read(item.m_headers);
+    return host.read(headers);
 }
 
 // The engine does not start without a tree; an empty tree decides nothing.
@@ -59,7 +59,7 @@ MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
       m_isOwnRelay(s_ownRelays(settings)) {}
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
-    Inputs inputs(paths, m_interrupt);
+    Inputs inputs(paths, m_interrupt, m_host->settings().m_limits);
     LookupEnd const lookupEnd(m_interrupt.token());
     OrderedPool pool(
         m_host->settings().m_jobs,
@@ -86,10 +86,10 @@ MailVector MailVectors::vectorOf(InputItem const& item) const {
         vector.m_exitStatus = item.m_exitStatus;
         return vector;
     }
-    vector.m_vector = attributesOf(HeaderReader::read(item.m_headers));
+    vector.m_vector = attributesOf(m_host->read(item.m_headers));
     if (m_wantsRewritten) {
         if (auto const rewritten = Rules::withoutReverseNames(item.m_headers, m_isOwnRelay)) {
-            vector.m_withoutReverseName = attributesOf(HeaderReader::read(*rewritten));
+            vector.m_withoutReverseName = attributesOf(m_host->read(*rewritten));
         }
     }
     return vector;

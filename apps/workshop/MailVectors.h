@@ -19,6 +19,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Quorvane::Workshop {
@@ -39,8 +40,9 @@ struct MailVector {
 
 // A RuleError when the item is a problem.
 void requireReadable(InputItem const& item);
-// The header fields of a message; a RuleError also when it has none.
-HeaderContainer messageHeaders(InputItem const& item);
+// The header fields of a message; a RuleError when it has none, or too many.
+HeaderContainer messageHeaders(ScanHost const& host, std::string const& source,
+                               std::string_view headers);
 
 // Thrown when SIGINT or SIGTERM interrupts a scan.
 struct ScanInterrupted {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/input/HeaderCheck.h"
 #include "apps/input/MessageReader.h"
 
 #include <algorithm>
@@ -91,15 +92,16 @@ TEST(MessageReader, ALineBreakAtTheEndOfTheBufferIsSeen) {
 }
 
 TEST(MessageReader, AHeaderSectionBeyondTheLimitIsReportedAndTheNextRecordRead) {
-    std::string const most(maxHeaderSection - 5, 'b'); // with "A: " and two line breaks
+    HeaderLimits const limits;
+    std::string const most(limits.m_maxBytes - 5, 'b'); // with "A: " and two line breaks
     for (bool const isBeyond : {false, true}) {
         auto const text = "From x\nA: " + most + (isBeyond ? "b" : "") + "\n\nFrom y\nC: d\n\n";
         MessageReader reader(std::make_unique<PieceSource>(text, 1 << 20), {});
         HeaderSection section;
         ASSERT_TRUE(reader.next(section));
-        EXPECT_EQ(section.m_text.size(), isBeyond ? 0 : maxHeaderSection);
+        EXPECT_EQ(section.m_text.size(), isBeyond ? 0 : limits.m_maxBytes);
         EXPECT_EQ(section.m_problem,
-                  isBeyond ? "not a message: its header section is longer than 16 MiB" : "");
+                  isBeyond ? tooLong(limits) : "");
         ASSERT_TRUE(reader.next(section));
         EXPECT_EQ(section.m_problem, "");
         EXPECT_EQ(section.m_text, "C: d\n\n");

@@ -203,22 +203,22 @@ class Settings(MilterTest):
 
     def test_each_class_of_failure_has_an_action(self):
         classes = (
-            ("no-rules", "on-no-rules", {"rules": None}, ""),
-            ("odd-message", "on-odd-message", {}, "max-headers = 1"),
+            ("no-rules", "on-no-rules", {"rules": None}),
+            ("odd-message", "on-odd-message", {"shared": "max-headers = 1"}),
             ("dns-failure", "on-dns-failure",
-             {"shared": 'dns = "127.0.0.1@1"\ndns-timeout = 0.2'}, ""),
+             {"shared": 'dns = "127.0.0.1@1"\ndns-timeout = 0.2'}),
         )
         script = """
             postfix_client("unknown", "192.0.2.55", "host.example")
             message({"Subject", "hello"})
             """
-        for name, key, settings, own in classes:
+        for name, key, settings in classes:
             for action, expected in (
                     ("accept", ["accept", f"X-QV-Deep-Header: none; error={name}"]),
                     ("tempfail", ["replycode"]), ("reject", ["replycode"])):
                 with self.subTest(name, action=action):
                     self.assertEqual(
-                        self.answer(script, own=f'{own}\n{key} = "{action}"', **settings), expected)
+                        self.answer(script, own=f'{key} = "{action}"', **settings), expected)
 
     def test_more_scans_than_the_limit_are_not_begun(self):
         with SilentDnsServer() as server:
@@ -256,12 +256,12 @@ class Settings(MilterTest):
         odd = ["accept", "X-QV-Deep-Header: none; error=odd-message"]
         long_value = '{"A", string.rep("x", 400)}, {"B", string.rep("x", 400)}, ' \
                      '{"C", string.rep("x", 400)}'
-        for own, more in (("max-headers = 2", '{"A", "1"}, {"B", "2"}'),
-                          ("max-header-bytes = 1024", long_value)):
-            with self.subTest(own):
+        for shared, more in (("max-headers = 2", '{"A", "1"}, {"B", "2"}'),
+                             ("max-header-bytes = 1024", long_value)):
+            with self.subTest(shared):
                 self.assertEqual(self.answer(f"""
                     postfix_client("unknown", "192.0.2.55", "localhost")
-                    message({more})""", own=own), odd)
+                    message({more})""", shared=shared), odd)
 
     def test_hops_beyond_a_limit_are_not_looked_at(self):
         hop = ('{"Received", "from localhost (unknown [192.0.2.55]) by a.example with SMTP; '
@@ -272,7 +272,7 @@ class Settings(MilterTest):
                     {hop})"""
         shared = 'internal = ["192.0.2.10"]'
         self.assertEqual(self.answer(script, shared=shared)[-1], SPAM)
-        self.assertEqual(self.answer(script, shared=shared, own="max-hops = 1")[-1],
+        self.assertEqual(self.answer(script, shared=shared + "\nmax-hops = 1")[-1],
                          "X-QV-Deep-Header: none; node=0")
 
 

@@ -33,7 +33,7 @@ class Check(MilterTest):
             ('on-spam = "rejct"', "on-spam: \"rejct\" is not one of header, accept, reject, "
                                   "quarantine, discard"),
             ('on-spma = "reject"', 'unknown key "on-spma"; did you mean "on-spam"?'),
-            ('max-hops = "many"', "max-hops needs a whole number"),
+            ('max-sessions = "many"', "max-sessions needs a whole number"),
             ("max-scans = 0", 'max-scans: "0" is not a whole number from 1 to 1000000'),
             ('exempt = ["192.0.2.0/33"]', "exempt: "),
             ('metrics = "192.0.2.1:80"', "is not an address of this machine alone"),
@@ -270,7 +270,7 @@ class ServiceManager(MilterTest):
     def test_it_hears_of_each_reload_and_of_its_end(self):
         self.running.start()
         self.hear("READY=1")
-        for own in ("", "max-hops = 0"): # the second one is refused
+        for own in ("", "max-scans = 0"): # the second one is refused
             self.running.configure(own=own)
             before = self.monotonic_microseconds()
             self.running.reload()
@@ -301,7 +301,7 @@ class Reload(MilterTest):
 
     def test_a_reload_that_is_wrong_changes_nothing_and_says_why(self):
         daemon = self.daemon().start()
-        for own, reason in (('on-spam = "reject"\nmax-hops = 0', "max-hops"),
+        for own, reason in (('on-spam = "reject"\nmax-scans = 0', "max-scans"),
                             ('on-spam = "reject"\nsocket-mode = "600"',
                              "socket-mode cannot change while the program runs; restart it")):
             with self.subTest(own):
@@ -402,7 +402,7 @@ class Figures(MilterTest):
         cases = (
             ("no_rules", {"rules": None}),
             ("dns_failure", {"shared": 'dns = "127.0.0.1@1"\ndns-timeout = 0.2'}),
-            ("odd_message", {"own": "max-headers = 1"}),
+            ("odd_message", {"shared": "max-headers = 1"}),
         )
         for name, settings in cases:
             with self.subTest(name):

@@ -89,7 +89,7 @@ class Logs(MilterTest):
                                 r"action=header time=[0-9.e-]+ms$")
         self.assertRegex(entry, r"(?m)^PRIORITY=6$")
         self.assertRegex(entry, r"(?m)^SYSLOG_IDENTIFIER=qvmilter$")
-        self.running.configure(own="max-hops = 0")
+        self.running.configure(own="max-scans = 0")
         self.running.reload()
         self.assertIn("PRIORITY=3\n", self.hear(self.journal, "nothing was reloaded")[-1])
         self.running.stop()

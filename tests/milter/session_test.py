@@ -114,8 +114,8 @@ class OutOfMemory(MilterTest):
                                      ("reject", REPLY_CODE)):
                 with self.subTest(is_lost=is_lost, action=action):
                     daemon = self.daemon(
-                        own='max-header-bytes = 100000000\nmax-headers = 100000\n'
-                            f'on-scan-failure = "{action}"').start()
+                        shared='max-header-bytes = 100000000\nmax-headers = 100000',
+                        own=f'on-scan-failure = "{action}"').start()
                     (reply, changes), after = self.play(daemon, is_lost)
                     self.assertEqual(reply, expected)
                     self.assertEqual(changes[0][0], CHANGE) # the header from outside goes

@@ -41,7 +41,7 @@ std::vector<DeepHeaderSettings> s_manySettings() {
 // Every example message, judged by the whole engine and from its vector alone.
 void s_compare(ScanHost const& host, VectorJudge const& judge, int& decided) {
     Interrupt interrupt;
-    Inputs inputs({QV_EXAMPLES}, interrupt);
+    Inputs inputs({QV_EXAMPLES}, interrupt, HeaderLimits());
     for (InputItem item; inputs.next(item);) {
         auto const record = host.scan(HeaderReader::read(item.m_headers), {}, RecordDepth::result);
         if (!record.isJudged()) {
