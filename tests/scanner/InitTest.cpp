@@ -8,6 +8,7 @@
 #include "support/RuleFolder.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace Quorvane::Testing {
 namespace {
@@ -96,6 +97,17 @@ TEST_F(InitTest, AFailedReloadWithoutVersionKeepsReady) {
     m_rules.remove(treeFileName);
     EXPECT_FALSE(doesLoad());
     EXPECT_TRUE(m_scanner.ready());
+}
+
+// Whoever opened a pipe would wait for its writer.
+TEST_F(InitTest, APipeInPlaceOfAFileIsNoFile) {
+    for (auto const* name : {versionFileName, eliteFileName, treeFileName}) {
+        m_rules.remove(name);
+        ASSERT_EQ(::mkfifo(m_rules.path(name).c_str(), 0600), 0);
+        EXPECT_EQ(doesLoad(), std::string(name) != treeFileName) << name;
+        m_rules.remove(name);
+        m_rules.writeTree({});
+    }
 }
 
 TEST_F(InitTest, AnUnreadableReadmeCountsAsNone) {
