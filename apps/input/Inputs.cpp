@@ -41,8 +41,8 @@ Inputs::Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt
 
 Inputs::Inputs(std::string path, OpenInput opened, Interrupt const& interrupt,
                HeaderLimits const& limits)
-    : m_interrupt(interrupt), m_files({}), m_limits(limits), m_name{std::move(path), {}, 0}, m_source(m_name.m_path),
-      m_archive(std::move(opened.m_archive)) {
+    : m_interrupt(interrupt), m_files({}), m_limits(limits), m_name{std::move(path), {}, 0},
+      m_source(m_name.m_path), m_archive(std::move(opened.m_archive)) {
     if (opened.m_bytes) {
         startReading(std::move(opened.m_bytes));
     }

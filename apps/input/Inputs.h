@@ -38,8 +38,7 @@ class Inputs {
     // No path means standard input. `interrupt` outlives the object. A message beyond the limits is
     // a problem. `copies`: copies of the messages are wanted; large ones are kept in this folder.
     Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt,
-           HeaderLimits const& limits,
-           std::optional<std::filesystem::path> copies = std::nullopt);
+           HeaderLimits const& limits, std::optional<std::filesystem::path> copies = std::nullopt);
     // One input that is open already.
     Inputs(std::string path, OpenInput opened, Interrupt const& interrupt,
            HeaderLimits const& limits);

@@ -112,7 +112,7 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
     settingRow<&HostSettings::m_limits, &HeaderLimits::m_maxFields>(
         {"max-headers", SettingKind::integer, "N",
          "header fields of a message; one with more is not judged (1000)"},
-        s_checkInteger<1, million>),
+        s_checkInteger<1, 100 * million>),
     settingRow<&HostSettings::m_limits, &HeaderLimits::m_maxBytes>(
         {"max-header-bytes", SettingKind::integer, "N",
          "bytes of all header fields of a message; one with more is not judged (1048576)"},
@@ -120,7 +120,7 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
     settingRow<&HostSettings::m_limits, &HeaderLimits::m_maxHops>(
         {"max-hops", SettingKind::integer, "N",
          "newest hops of a message that are looked at (100)"},
-        s_checkInteger<1, million>),
+        s_checkInteger<1, 100 * million>),
     settingRow<&HostSettings::m_jobs>(
         {"jobs", SettingKind::integer, "N", "scanning threads (0: one per core)"},
         s_checkInteger<0, mostJobs>),

@@ -171,8 +171,8 @@ TEST_F(Archive, AFileThatUnpacksToVeryMuchNeedsLittleMemory) {
     EXPECT_EQ(result.m_status, 65);
     EXPECT_EQ(summary(result), (Arguments{file + "/body.eml spam", file + "/last ham"}));
     EXPECT_EQ(result.m_errors, "qvscan: " + file +
-                                   "/header.eml: not a message: its header section "
-                                   "is longer than 16 MiB\n");
+                                   "/header.eml: its header section is longer than "
+                                   "max-header-bytes, which is 1048576\n");
     EXPECT_LT(peakKilobytes(file, "/last", "1"), 128L << 10);
 }
 

@@ -78,13 +78,42 @@ TEST_F(Input, TheBodyOfAFileIsNotRead) {
     EXPECT_EQ(summary(scan({file})), Arguments{file + " ham"});
 }
 
-TEST_F(Input, AHeaderSectionBeyondTheLimitIsNoMessage) {
+TEST_F(Input, AHeaderSectionBeyondTheLimitIsNotRead) {
     auto const file = m_folder.write("endless", "A: b\n");
     std::filesystem::resize_file(file, std::uintmax_t{1} << 40);
     auto const result = scan({file});
     EXPECT_EQ(result.m_status, 65);
-    EXPECT_EQ(result.m_errors,
-              "qvscan: " + file + ": not a message: its header section is longer than 16 MiB\n");
+    EXPECT_EQ(result.m_errors, "qvscan: " + file +
+                                   ": its header section is longer than max-header-bytes, which is "
+                                   "1048576\n");
+}
+
+TEST_F(Input, AMessageWithMoreFieldsThanTheLimitIsNotJudged) {
+    std::string fields;
+    for (int i = 0; i < 100; ++i) {
+        fields += "X:\n";
+    }
+    auto const file = m_folder.write("many", fields + spam());
+    auto const result = scan({"--max-headers", "100", file});
+    EXPECT_EQ(result.m_status, 65);
+    EXPECT_EQ(result.m_errors.find("qvscan: " + file + ": it has 10"), 0U) << result.m_errors;
+    EXPECT_NE(result.m_errors.find(" header fields, and max-headers is 100\n"), std::string::npos)
+        << result.m_errors;
+    EXPECT_EQ(summary(scan({file})), Arguments{file + " spam"});
+}
+
+TEST_F(Input, OfMoreHopsThanTheLimitTheNewestCount) {
+    std::string hops;
+    for (int i = 0; i < 5; ++i) {
+        hops += "Received: from a.example (unknown [192.0.2.7]) by b.example\n";
+    }
+    auto const file = m_folder.write("hops", hops);
+    for (std::size_t const limit : {3U, 5U, 100U}) {
+        auto const result =
+            scan({"--explain", "--format", "json", "--max-hops", std::to_string(limit), file});
+        auto const record = Json::parse(result.m_output);
+        EXPECT_EQ(record["explain"]["trail"].size(), std::min<std::size_t>(limit, 5));
+    }
 }
 
 TEST_F(Input, AFolderIsReadRecursivelyByName) {

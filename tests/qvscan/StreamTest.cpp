@@ -82,7 +82,8 @@ TEST_F(Stream, AMessageTooLargeForTheMemoryIsNamedAndTheOthersAreJudged) {
     auto const box = m_folder.write("box", separator + spam() + "\n" + separator + large + spam() +
                                                "\n" + separator + ham());
     auto command = "ulimit -v 250000; exec " + std::string(QV_SCAN_PROGRAM);
-    for (auto const& word : arguments({"--jobs", "2", box})) {
+    for (auto const& word : arguments(
+             {"--jobs", "2", "--max-headers", "10000000", "--max-header-bytes", "16000000", box})) {
         command += " " + word;
     }
     auto const result = runProgram("/bin/sh", {"-c", command});

@@ -321,9 +321,11 @@ TEST_F(ExplainCommand, NamesAMessageTooLargeForTheMemoryAndGoesOn) {
         large += "X:\n";
     }
     auto const box = m_folder.write("box", "From a\n" + large + message + "\nFrom b\n" + message);
-    auto const result = runProgram(
-        "/bin/sh", {"-c", "ulimit -v 250000; exec " + std::string(QV_RULES_PROGRAM) + " explain " +
-                              m_rules + " " + box + " --dns off --format json"});
+    auto const result =
+        runProgram("/bin/sh", {"-c", "ulimit -v 250000; exec " + std::string(QV_RULES_PROGRAM) +
+                                         " explain " + m_rules + " " + box +
+                                         " --dns off --format json "
+                                         "--max-headers 10000000 --max-header-bytes 16000000"});
     EXPECT_EQ(result.m_status, 65);
     EXPECT_THAT(result.m_errors,
                 testing::StartsWith(box + ":1: not enough memory for its header section of "));
