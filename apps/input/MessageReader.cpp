@@ -90,7 +90,8 @@ bool MessageReader::nextOfMbox(HeaderSection& section) {
 void MessageReader::append(HeaderSection& section, std::string_view text) const {
     auto const size = section.m_text.size() + text.size();
     if (size > m_options.m_limits.m_maxBytes) {
-        s_drop(section, tooLong(m_options.m_limits));
+        s_drop(section,
+               hasHeaderField(section.m_text) ? tooLong(m_options.m_limits) : noHeaderField);
         return;
     }
     try {

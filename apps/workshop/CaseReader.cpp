@@ -126,8 +126,9 @@ class CaseReader {
     }
 
     void takeMessage(std::string message, toml::node const& node) {
-        message.resize(HeaderReader::sectionLength(message));
-        if (auto const problem = whyNotJudged(message, HeaderLimits()); !problem.empty()) {
+        auto const section =
+            std::string_view(message).substr(0, HeaderReader::sectionLength(message));
+        if (auto const problem = whyNotJudged(section, HeaderLimits()); !problem.empty()) {
             fail(node, problem);
         }
         m_case.m_headers = std::move(message);
