@@ -54,8 +54,11 @@ void s_checkMode(std::string const& text) {
     socketMode(text);
 }
 
+// Empty is the default, which --show-config prints.
 void s_checkStatusAddress(std::string const& text) {
-    StatusAddress::parse(text);
+    if (!text.empty()) {
+        StatusAddress::parse(text);
+    }
 }
 
 // It goes into an SMTP reply of one line (RFC 5321 section 4.5.3.1.5: 512 bytes with the code).

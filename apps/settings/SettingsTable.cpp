@@ -146,13 +146,13 @@ constexpr auto facts = std::to_array<SettingRow<MessageFacts>>({
 
 } // namespace
 
-std::vector<std::string> settingWarnings(SettingsStore const& settings) {
-    auto const& judging = settings.values().m_judging;
+std::vector<std::string> settingWarnings(SettingsStore const& store) {
+    auto const& judging = store.values().m_judging;
     std::vector<std::string> warnings;
     auto const add = [&](std::string_view name, double threshold, std::string_view verdict) {
         if (threshold > 1) {
             warnings.push_back(std::string(name) + " " + numberText(threshold) + " (" +
-                               settings.origin(name) + ") is above 1: no message can be called " +
+                               store.origin(name) + ") is above 1: no message can be called " +
                                std::string(verdict) + "; thresholds are probabilities, as in 0.95");
         }
     };

@@ -24,7 +24,7 @@ class SettingsStore : public Settings<HostSettings> {
 };
 
 // One line for each setting that is allowed and hardly meant; a program shows them.
-std::vector<std::string> settingWarnings(SettingsStore const& settings);
+std::vector<std::string> settingWarnings(SettingsStore const& store);
 
 class FactsStore : public Settings<MessageFacts> {
   public:

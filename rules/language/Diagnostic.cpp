@@ -38,7 +38,7 @@ std::string showErrors(std::string_view file, std::string_view source,
     for (auto const& error : errors) {
         auto const [line, column] = error.m_position;
         text += std::string(file) + ':' + std::to_string(line) + ':' + std::to_string(column) +
-                ": error: " + error.m_text + '\n';
+                ": error: " + s_printable(error.m_text) + '\n';
         auto const shown = s_printable(s_line(source, line));
         if (!shown.empty() && column <= longestLineShown) {
             text += "  " + shown + "\n  " + std::string(column - 1, ' ') + "^\n";

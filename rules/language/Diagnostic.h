@@ -23,7 +23,7 @@ struct Diagnostic {
 };
 
 // "FILE:LINE:COLUMN: error: TEXT", the line of the source and a mark below the place, for each.
-// Control characters of the source are shown as '?'.
+// Control characters of the source are shown as '?', where a text quotes them, too.
 std::string showErrors(std::string_view file, std::string_view source,
                        std::vector<Diagnostic> const& errors);
 

@@ -16,8 +16,9 @@
 namespace Quorvane::Rules {
 
 // Equal to the last bit: 0 and -0 differ, a NaN equals itself.
+// Takes copies: no reference may be bound to a field of a packed record.
 template<typename T>
-bool sameBits(T const& a, T const& b) {
+bool sameBits(T a, T b) {
     using Bits = std::array<char, sizeof(T)>;
     return std::bit_cast<Bits>(a) == std::bit_cast<Bits>(b);
 }

@@ -203,7 +203,11 @@ VectorCsvCounts readVectorCsv(std::istream& input, std::string const& name,
     CsvRecords records(input, name);
     VectorCsvCounts counts;
     VectorReader(records, defaults).read([&](Row const& row) {
-        s_add(row, table, counts);
+        try {
+            s_add(row, table, counts);
+        } catch (LearnError const& error) {
+            throw LearnError(name + ":" + std::to_string(records.line()) + ": " + error.what());
+        }
         if (progress && counts.m_rows % rowsBetweenReports == 0) {
             progress(counts.m_rows);
         }

@@ -52,6 +52,12 @@ std::string s_error(std::string const& text) {
     return "no error";
 }
 
+TEST(VectorCsv, NamesTheRowThatBringsTooManyMessages) {
+    auto const text = s_header(",label,count") + s_row("a", "1", ",spam,9007199254740992") +
+                      s_row("b", "2", ",ham,1");
+    EXPECT_THAT(s_error(text), HasSubstr("mail.csv:3: more than 2^53"));
+}
+
 TEST(VectorCsv, ReadsTablesThatWereJoined) {
     auto const one = s_header(",label,count") + s_row("a.eml", "1", ",spam,7");
     EXPECT_EQ(s_read(one + one).total(), (LabelCounts{14, 0}));

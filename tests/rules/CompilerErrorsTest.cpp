@@ -334,5 +334,14 @@ TEST(CompilerErrorsTest, TheLineIsShownWithAMarkBelowThePlace) {
               "   ^\n");
 }
 
+TEST(CompilerErrorsTest, WhatAnErrorQuotesIsShownWithoutControlCharacters) {
+    std::string const text = "version \"\x1b[31m\"\n";
+    auto const compiled = compileRules(text);
+    EXPECT_EQ(showErrors("my.qvr", text, compiled.m_errors),
+              "my.qvr:1:9: error: the version number is expected; found \"?[31m\"\n"
+              "  version \"?[31m\"\n"
+              "          ^\n");
+}
+
 } // namespace
 } // namespace Quorvane::Testing

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/LateDnsServer.h"
 
-#include "support/DnsQuestion.h"
+#include "support/DnsAnswer.h"
 
 #include <algorithm>
 #include <utility>
@@ -10,31 +10,6 @@ namespace Quorvane::Testing {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr std::size_t typeAndClassLength = 4;
-constexpr char typeA = 1;
-
-// The end of the question section, which is all that an answer repeats; 0 for what is no question.
-std::size_t s_questionEnd(std::string const& packet) {
-    auto const end = packet.find('\0', dnsHeaderLength);
-    auto const whole = end + 1 + typeAndClassLength;
-    return end != std::string::npos && whole <= packet.size() ? whole : 0;
-}
-
-// An answer with one address, or, for another type than A, with nothing.
-std::string s_answer(std::string const& packet) {
-    auto const end = s_questionEnd(packet);
-    auto answer = packet.substr(0, end);
-    auto const isAddress = packet[end - 4] == 0 && packet[end - 3] == typeA;
-    answer[2] = static_cast<char>(0x84 | (packet[2] & 1)); // an answer, authoritative
-    answer[3] = static_cast<char>(0x80);                   // recursion available, no error
-    answer.replace(6, 6, std::string{0, isAddress ? '\1' : '\0', 0, 0, 0, 0});
-    if (isAddress) {
-        // The name of the question, A, IN, 0 seconds to live, four bytes of address.
-        answer += std::string("\xC0\x0C\0\1\0\1\0\0\0\0\0\4\xC0\0\2\7", 16);
-    }
-    return answer;
-}
 
 } // namespace
 
@@ -66,7 +41,7 @@ void LateDnsServer::run() {
 }
 
 void LateDnsServer::take(LoopbackSocket::Packet packet) {
-    if (s_questionEnd(packet.m_bytes) == 0) {
+    if (questionEnd(packet.m_bytes) == 0) {
         return;
     }
     auto const name = questionName(packet.m_bytes);
@@ -84,7 +59,7 @@ void LateDnsServer::answerWhatIsDue() {
                            [now](Question const& question) { return question.m_due > now; })
             : m_waiting.begin();
     for (auto question = m_waiting.begin(); question != end; ++question) {
-        m_socket.sendTo(question->m_port, s_answer(question->m_packet));
+        m_socket.sendTo(question->m_port, addressAnswer(question->m_packet));
     }
     m_waiting.erase(m_waiting.begin(), end);
 }
