@@ -100,7 +100,7 @@ std::string withType(std::string tar, char type) {
 TEST_F(UnpackingLimit, AMapOfTwoMillionHolesIsRefused) {
     std::string const sparse = "22 GNU.sparse.major=1\n"
                                "22 GNU.sparse.minor=0\n"
-                               "31 GNU.sparse.name=sparse.eml\n"
+                               "30 GNU.sparse.name=sparse.eml\n"
                                "28 GNU.sparse.realsize=1000\n";
     constexpr std::size_t holes = 2'000'000;
     auto map = std::to_string(holes) + '\n';
