@@ -11,7 +11,7 @@ namespace {
 
 using namespace Rules;
 
-constexpr std::size_t length = 20'000'000;
+constexpr std::size_t length = 12'500'000;
 
 std::string s_repeated(std::string const& piece) {
     std::string text;
