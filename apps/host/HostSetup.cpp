@@ -2,6 +2,7 @@
 #include "apps/host/HostSetup.h"
 
 #include "apps/host/RuleLoader.h"
+#include "apps/settings/FileTrust.h"
 #include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingsTable.h"
 #include "include2/Exception.h"
@@ -171,6 +172,9 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::str
                                           std::shared_ptr<Logger> logger) {
     PreparedPlatform platform(settings);
     useRoot(settings.m_root);
+    if (settings.m_root == HostSettings().m_root) {
+        requireOwnRules(settings.m_root); // nobody chose them for this run
+    }
     auto rules = s_rules(rootName);
     platform.fit(settings, rules.m_engine);
     auto host = std::make_shared<ScanHost const>(settings, std::move(rules));

@@ -3,6 +3,7 @@
 
 #include "apps/input/FileWalker.h"
 #include "apps/input/PackedReader.h"
+#include "apps/input/Unpacker.h"
 
 #include <algorithm>
 #include <archive_entry.h>
@@ -13,56 +14,15 @@ namespace Quorvane {
 
 namespace {
 
-// One packed file, or the data of a member.
-class EntrySource : public ByteSource {
-  public:
-    explicit EntrySource(PackedReader& reader) : m_reader(reader) {}
-
-    std::size_t read(char* buffer, std::size_t size) override {
-        return m_reader.read(buffer, size);
-    }
-    std::uint64_t position() const override { return m_reader.position(); }
-
-  private:
-    PackedReader& m_reader;
-};
-
-class UnpackedSource : public ByteSource {
-  public:
-    explicit UnpackedSource(std::unique_ptr<PackedReader> reader) : m_reader(std::move(reader)) {}
-
-    std::size_t read(char* buffer, std::size_t size) override {
-        return m_reader->read(buffer, size);
-    }
-    std::uint64_t position() const override { return m_reader->position(); }
-
-  private:
-    std::unique_ptr<PackedReader> m_reader;
-};
-
-// First bytes of the packed formats (RFC 1952, bzip2, the .xz file format 1.1.0, RFC 8878).
-constexpr std::string_view s_magics[] = {{"\x1F\x8B", 2},
-                                         "BZh",
-                                         {"\xFD"
-                                          "7zXZ\0",
-                                          6},
-                                         {"\x28\xB5\x2F\xFD", 4}};
 constexpr std::string_view mboxStart = "From ";
-constexpr std::size_t longestMagic = 6;
 // A tar archive begins with such a block: a name, and bytes that are 0 after it.
 constexpr std::size_t tarBlock = 512;
 
-bool s_isPacked(std::string_view start) {
-    return std::any_of(std::begin(s_magics), std::end(s_magics),
-                       [&](std::string_view magic) { return start.starts_with(magic); });
-}
-
 // Whether libarchive has to look at it. An mbox is not read further than needed: it may come
 // slowly.
-bool s_mayBePacked(std::unique_ptr<ByteSource>& source) {
-    auto const start = peekStart(source, longestMagic);
-    if (start.starts_with(mboxStart) || s_isPacked(start)) {
-        return s_isPacked(start);
+bool s_mayBeArchive(std::unique_ptr<ByteSource>& source) {
+    if (peekStart(source, mboxStart.size()) == mboxStart) {
+        return false;
     }
     auto const zero = peekStart(source, tarBlock).find('\0');
     return zero != 0 && zero != std::string::npos;
@@ -87,7 +47,7 @@ bool s_isWanted(archive_entry* entry, std::string const& name) {
 
 } // namespace
 
-Archive::Archive(std::unique_ptr<PackedReader> packed) : m_packed(std::move(packed)) {}
+Archive::Archive(std::shared_ptr<PackedReader> packed) : m_packed(std::move(packed)) {}
 
 Archive::~Archive() = default;
 
@@ -124,7 +84,7 @@ void Archive::open(Member& member) {
         return;
     }
     try {
-        auto opened = openPacked(std::make_unique<EntrySource>(*m_packed));
+        auto opened = openPacked(std::make_unique<EntrySource>(m_packed));
         member.m_source = std::move(opened.m_bytes);
         member.m_problem =
             opened.m_archive ? "it is an archive in an archive; unpack it first" : "";
@@ -135,15 +95,16 @@ void Archive::open(Member& member) {
 
 OpenInput openPacked(std::unique_ptr<ByteSource> source) {
     OpenInput opened;
-    if (!s_mayBePacked(source)) {
-        opened.m_bytes = std::move(source);
+    opened.m_bytes = unpacked(std::move(source));
+    if (!s_mayBeArchive(opened.m_bytes)) {
         return opened;
     }
-    auto reader = std::make_unique<PackedReader>(std::move(source));
+    auto reader =
+        std::make_unique<PackedReader>(std::move(opened.m_bytes), PackedReader::Form::archive);
     if (reader->isArchive()) {
         opened.m_archive = std::make_unique<Archive>(std::move(reader));
     } else {
-        opened.m_bytes = std::make_unique<UnpackedSource>(std::move(reader));
+        opened.m_bytes = std::make_unique<EntrySource>(std::move(reader));
     }
     return opened;
 }

@@ -20,7 +20,7 @@ class PackedReader;
 class Archive {
   public:
     // REQUIRES: packed->isArchive().
-    explicit Archive(std::unique_ptr<PackedReader> packed);
+    explicit Archive(std::shared_ptr<PackedReader> packed);
     ~Archive();
 
     struct Member {
@@ -40,7 +40,7 @@ class Archive {
   private:
     void open(Member& member);
 
-    std::unique_ptr<PackedReader> m_packed;
+    std::shared_ptr<PackedReader> m_packed;
     bool m_isInDamage = false;
 };
 

@@ -66,13 +66,17 @@ void Background::ready() {
     if (m_pipe < 0) {
         return;
     }
-    static_cast<void>(::chdir("/"));
+    if (::chdir("/") != 0) {
+        s_fail("chdir");
+    }
     int const null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     ::dup2(null, STDIN_FILENO);
     ::dup2(null, STDOUT_FILENO);
     ::dup2(null, STDERR_FILENO);
     ::close(null);
-    static_cast<void>(::write(m_pipe, "", 1));
+    if (::write(m_pipe, "", 1) != 1) {
+        s_fail("write");
+    }
     ::close(m_pipe);
     m_pipe = -1;
 }

@@ -3,6 +3,7 @@
 
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
+#include "apps/settings/FileTrust.h"
 #include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 
@@ -29,6 +30,7 @@ void s_checkFixed(MilterStore const& before, MilterStore const& now) {
 
 std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings) {
     auto host = settings.m_host.values();
+    requireOwnFiles(host);
     if (settings.m_milter.values().m_logDetails != 0) {
         settleDns(host, true); // the log shows the attributes that come from DNS
     }
@@ -37,6 +39,7 @@ std::shared_ptr<ScanHost const> setUpHost(FileSettings const& settings) {
 
 FileSettings readFileSettings(std::string const& path) {
     requireRegularFile(path, "a daemon reads its settings again at each reload");
+    requireOwnFile(path);
     FileSettings settings;
     SettingsSection* const sections[] = {&settings.m_host, &settings.m_milter};
     loadSettingsFile(path, "qvmilter", sections);
@@ -87,6 +90,7 @@ void SnapshotInForce::reload() {
 bool SnapshotInForce::loadNewerRules() {
     auto const before = current();
     auto const& settings = before->m_settings;
+    requireOwnFiles(settings.m_host.values());
     auto host = before->m_host == nullptr ? setUpHost(settings) : withNewerRules(before->m_host);
     if (host == before->m_host) {
         return false;

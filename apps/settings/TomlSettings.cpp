@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/settings/TomlSettings.h"
 
+#include "apps/settings/TomlKeys.h"
 #include "apps/text/NumberText.h"
 
 #include <algorithm>
@@ -23,6 +24,14 @@ bool s_failsAssertion(std::string_view text) {
     return false;
 }
 
+toml::source_position s_place(std::string_view text, std::size_t byte) {
+    auto const before = text.substr(0, byte);
+    auto const line = std::count(before.begin(), before.end(), '\n');
+    auto const start = before.rfind('\n') + 1; // 0 when there is none
+    return {static_cast<toml::source_index>(line + 1),
+            static_cast<toml::source_index>(byte - start + 1)};
+}
+
 // The last character of the shortest prefix that fails an assertion of the parser. It reads from
 // left to right, so every longer prefix fails too.
 toml::source_position s_assertionPlace(std::string_view text) {
@@ -32,11 +41,7 @@ toml::source_position s_assertionPlace(std::string_view text) {
         auto const middle = without + (with - without) / 2;
         (s_failsAssertion(text.substr(0, middle)) ? with : without) = middle;
     }
-    auto const before = text.substr(0, without);
-    auto const line = std::count(before.begin(), before.end(), '\n');
-    auto const start = before.rfind('\n') + 1; // 0 when there is none
-    return {static_cast<toml::source_index>(line + 1),
-            static_cast<toml::source_index>(without - start + 1)};
+    return s_place(text, without);
 }
 
 // Adds one value of a setting; an error shows its place.
@@ -65,6 +70,10 @@ std::string tomlPlace(std::string const& path, toml::source_position const& at) 
 }
 
 toml::table parseToml(std::string const& path, std::string const& text) {
+    if (auto const byte = findLongKey(text)) {
+        throw SettingsError(tomlPlace(path, s_place(text, *byte)) + "a key of more than " +
+                            std::to_string(maxKeyParts) + " parts; no setting has so many");
+    }
     try {
         return toml::parse(text, path);
     } catch (toml::parse_error const& error) {

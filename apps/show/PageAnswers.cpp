@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/show/PageAnswers.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -21,10 +22,20 @@ Answer s_answer(status status, char const* type, std::string text) {
     answer.set("X-Content-Type-Options", "nosniff");
     answer.set("X-Frame-Options", "DENY");
     answer.set("Cross-Origin-Resource-Policy", "same-origin");
+    answer.set("Referrer-Policy", "no-referrer"); // it would hold the secret
     answer.set(field::content_type, type);
     answer.keep_alive(false);
     answer.prepare_payload();
     return answer;
+}
+
+// In a time that does not tell how much of it is right.
+bool s_isSame(std::string_view given, std::string_view secret) {
+    unsigned int difference = given.size() == secret.size() ? 0 : 1;
+    for (std::size_t i = 0; i < std::min(given.size(), secret.size()); ++i) {
+        difference |= static_cast<unsigned int>(given[i] ^ secret[i]);
+    }
+    return difference == 0;
 }
 
 // The type is one that a foreign page cannot send without asking first. A compressed body could
@@ -62,11 +73,31 @@ Answer tooLongAnswer() {
     return textAnswer(status::payload_too_large, "a message may have at most " + most + " MiB");
 }
 
-PageAnswers::PageAnswers(std::string page, PageServer::Explain explain, int port)
-    : m_page(std::move(page)), m_explain(std::move(explain)), m_port(':' + std::to_string(port)) {}
+PageAnswers::PageAnswers(std::string page, PageServer::Explain explain, int port,
+                         std::string secret)
+    : m_page(std::move(page)), m_explain(std::move(explain)), m_port(':' + std::to_string(port)),
+      m_secret('/' + std::move(secret)) {}
 
 std::optional<Answer> PageAnswers::toHead(PageRequest const& request) const {
     auto const& head = request.get();
+    if (auto refusal = refusedSender(head)) {
+        return refusal;
+    }
+    std::string_view const target(head.target().data(), head.target().size());
+    auto const path = target.substr(0, target.find('?'));
+    // Browsers ask for it by themselves.
+    if (path == "/favicon.ico") {
+        return Answer(status::no_content, 11);
+    }
+    if (!s_isSame(path.substr(0, m_secret.size()), m_secret)) {
+        return textAnswer(status::forbidden,
+                          "open the address that qvrules printed; it holds a secret");
+    }
+    return toPath(request, path.substr(m_secret.size()));
+}
+
+// Other hosts and other pages reach this server through the browser of its user.
+std::optional<Answer> PageAnswers::refusedSender(PageRequest::value_type const& head) const {
     std::string const host(head[field::host]);
     if (host != ownHost + m_port && host != "localhost" + m_port) {
         return textAnswer(status::forbidden, "this server is " + (ownHost + m_port));
@@ -74,16 +105,19 @@ std::optional<Answer> PageAnswers::toHead(PageRequest const& request) const {
     if (head.count(field::origin) != 0 && head[field::origin] != "http://" + host) {
         return textAnswer(status::forbidden, "requests of other pages are refused");
     }
-    std::string const target(head.target());
-    auto const path = target.substr(0, target.find('?'));
-    if (head.method() == verb::post) {
+    return std::nullopt;
+}
+
+std::optional<Answer> PageAnswers::toPath(PageRequest const& request, std::string_view path) const {
+    auto const method = request.get().method();
+    if (method == verb::post) {
         return path == explainPath
                    ? s_refusedMessage(request)
-                   : textAnswer(status::not_found, std::string("post messages to ") + explainPath);
+                   : textAnswer(status::not_found, "post messages to \"explain\" beside the page");
     }
-    if (head.method() == verb::get || head.method() == verb::head) {
+    if (method == verb::get || method == verb::head) {
         auto answer = toGet(path);
-        if (head.method() == verb::head) {
+        if (method == verb::head) {
             answer.body().clear(); // its length stays in the head
         }
         return answer;
@@ -93,15 +127,10 @@ std::optional<Answer> PageAnswers::toHead(PageRequest const& request) const {
     return answer;
 }
 
-Answer PageAnswers::toGet(std::string const& path) const {
-    if (path == "/") {
-        return s_answer(status::ok, "text/html; charset=utf-8", m_page);
-    }
-    // Browsers ask for it by themselves.
-    if (path == "/favicon.ico") {
-        return Answer(status::no_content, 11);
-    }
-    return textAnswer(status::not_found, "the page is at /");
+Answer PageAnswers::toGet(std::string_view path) const {
+    return path == "/" ? s_answer(status::ok, "text/html; charset=utf-8", m_page)
+                       : textAnswer(status::not_found, "there is one page, at the address that "
+                                                       "qvrules printed");
 }
 
 Answer PageAnswers::explanation(PageRequest const& request) const {

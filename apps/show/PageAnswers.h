@@ -10,6 +10,7 @@
 #include <boost/beast/http/string_body.hpp>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Quorvane::Show {
 
@@ -26,7 +27,8 @@ Answer tooLongAnswer();
 
 class PageAnswers {
   public:
-    PageAnswers(std::string page, PageServer::Explain explain, int port);
+    // `secret` is the first part of all paths.
+    PageAnswers(std::string page, PageServer::Explain explain, int port, std::string secret);
 
     // The answer to a request of which the head has been read; empty when its body is to be read
     // and explained.
@@ -35,11 +37,14 @@ class PageAnswers {
     Answer explanation(PageRequest const& request) const;
 
   private:
-    Answer toGet(std::string const& path) const;
+    std::optional<Answer> refusedSender(PageRequest::value_type const& head) const;
+    std::optional<Answer> toPath(PageRequest const& request, std::string_view path) const;
+    Answer toGet(std::string_view path) const;
 
     std::string m_page;
     PageServer::Explain m_explain;
-    std::string m_port; // ":8080"
+    std::string m_port;   // ":8080"
+    std::string m_secret; // "/1f3a..."
 };
 
 } // namespace Quorvane::Show

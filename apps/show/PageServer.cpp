@@ -19,9 +19,12 @@
 #include <boost/beast/http/rfc7230.hpp>
 #include <boost/beast/http/write.hpp>
 #include <boost/system/system_error.hpp>
+#include <cerrno>
 #include <chrono>
 #include <limits>
 #include <string_view>
+#include <sys/random.h>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -49,6 +52,22 @@ tcp::acceptor s_listen(boost::asio::io_context& io, int port) {
                                    ": cannot be served on; give another, or none to take any that "
                                    "is free");
     }
+}
+
+// Hexadecimal digits of 128 bits from the kernel: nobody finds them by trying.
+std::string s_newSecret() {
+    std::array<unsigned char, 16> bytes{};
+    if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
+        throw std::system_error(errno, std::generic_category(),
+                                "no random bytes for the address of the page");
+    }
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string secret;
+    for (auto const byte : bytes) {
+        secret += digits[byte >> 4U];
+        secret += digits[byte & 15U];
+    }
+    return secret;
 }
 
 // Far more than a browser of this machine needs.
@@ -204,7 +223,8 @@ void PageClient::forget(Error error) {
 struct PageServer::Server {
     Server(std::string page, Explain explain, int port)
         : m_acceptor(s_listen(m_io, port)), m_port(m_acceptor.local_endpoint().port()),
-          m_answers(std::move(page), std::move(explain), m_port) {
+          m_secret(s_newSecret()),
+          m_answers(std::move(page), std::move(explain), m_port, m_secret) {
         accept();
     }
 
@@ -256,6 +276,7 @@ struct PageServer::Server {
     boost::asio::steady_timer m_pause{m_io};
     tcp::acceptor m_acceptor;
     int m_port;
+    std::string m_secret;
     PageAnswers m_answers;
     boost::asio::thread_pool m_explaining{explainedAtOnce};
 };
@@ -266,7 +287,8 @@ PageServer::PageServer(std::string page, Explain explain, int port)
 PageServer::~PageServer() = default;
 
 std::string PageServer::address() const {
-    return std::string("http://") + ownHost + ':' + std::to_string(m_server->m_port) + '/';
+    return std::string("http://") + ownHost + ':' + std::to_string(m_server->m_port) + '/' +
+           m_server->m_secret + '/';
 }
 
 void PageServer::run(Interrupt& interrupt) {

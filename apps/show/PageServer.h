@@ -2,12 +2,14 @@
 //
 // PageServer: a page for the browser of this machine, and one address that explains messages.
 //
-//   GET /            the page
-//   POST /explain    the body a whole message (Content-Type message/rfc822) or an attribute vector
-//                    (vectorType); answers the JSON record of it, or 4xx and a line of text for
-//                    people. The address may name settings to judge with: /explain?min-support=1
+//   GET /SECRET/          the page
+//   POST /SECRET/explain  the body a whole message (Content-Type message/rfc822) or an attribute
+//                         vector (vectorType); answers the JSON record of it, or 4xx and a line of
+//                         text for people. The address may name settings to judge with:
+//                         explain?min-support=1
 //
-// It listens on 127.0.0.1 only. Every web site that a user visits can reach it by the browser, so
+// It listens on 127.0.0.1 only. Every user of the machine can reach it there, so the address holds
+// a secret, new for each server. Every web site that a user visits can reach it by the browser, so
 // requests that name another host (rebound DNS names) or come from another page (Origin) are
 // refused. The size of a body is limited while it arrives, and so is the time that a client may
 // take: clients that stall delay others by seconds at most, and only when there are many, and no
@@ -24,8 +26,9 @@
 
 namespace Quorvane::Show {
 
-// Far above any header section; the body of the message is sent, too.
-inline constexpr std::size_t maxPostedMessage = std::size_t{64} << 20;
+// The body of the message is sent, too; mail servers rarely take a message of 25 MiB. Explaining
+// keeps a few copies.
+inline constexpr std::size_t maxPostedMessage = std::size_t{32} << 20;
 
 // Types of what is posted. Unlike text/plain, no foreign page can send them without asking first
 // (fetch.spec.whatwg.org, "CORS-safelisted request-header").
@@ -51,7 +54,7 @@ class PageServer {
     PageServer& operator=(PageServer const&) = delete;
     ~PageServer();
 
-    // "http://127.0.0.1:8080/"
+    // "http://127.0.0.1:8080/SECRET/"
     std::string address() const;
 
     // Serves until SIGINT or SIGTERM.

@@ -19,8 +19,10 @@ namespace Quorvane {
 // mistake (a mailbox, a device) is well above.
 constexpr std::size_t maxPatternText = std::size_t{1} << 20U;
 
-// Expressions in a list at most; each costs some kilobytes of memory.
-constexpr std::size_t maxPatterns = 10'000;
+// Expressions in a list at most, five times those of the largest lists that are known. When names
+// are made up to fill the common automaton, each is tried by itself: that took 50 kB of
+// memory for each, and 0.2 s a message, of 9,900 expressions.
+constexpr std::size_t maxPatterns = 2'000;
 
 struct Pattern {
     std::string m_expression;

@@ -3,7 +3,6 @@
 
 #include "rules/language/Builders.h"
 #include "rules/language/Parser.h"
-#include "rules/language/TokenReader.h"
 
 #include <algorithm>
 #include <tuple>
@@ -50,10 +49,9 @@ CompiledRules compileRules(std::string_view text) {
         buildTree(rules, compiled);
         buildNamesFile(rules, compiled);
     }
-    // The lexer has no limit of its own.
     auto& errors = compiled.m_errors;
     std::stable_sort(errors.begin(), errors.end(), s_isBefore);
-    errors.resize(std::min(errors.size(), TokenReader::maxErrors));
+    errors.resize(std::min(errors.size(), maxErrors));
     return compiled;
 }
 

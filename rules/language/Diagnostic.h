@@ -22,6 +22,9 @@ struct Diagnostic {
     std::string m_text;
 };
 
+// Further errors of a text are not worth reading.
+inline constexpr std::size_t maxErrors = 20;
+
 // "FILE:LINE:COLUMN: error: TEXT", the line of the source and a mark below the place, for each.
 // Control characters of the source are shown as '?', where a text quotes them, too.
 std::string showErrors(std::string_view file, std::string_view source,

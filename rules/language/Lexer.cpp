@@ -34,7 +34,12 @@ class Lexer {
         : m_rest(text), m_errors(errors) {}
 
     std::vector<Token> run() {
-        while (skipBlanks(), !m_rest.empty()) {
+        while (skipBlanks(), !m_rest.empty() && m_errors.size() < maxErrors) {
+            if (m_tokens.size() == maxTokens) {
+                reject(m_rest.size(), "more than " + std::to_string(maxTokens) +
+                                          " words and signs; no rule set has so many");
+                break;
+            }
             token();
         }
         add(Token::Kind::end, 0, 0);
@@ -130,13 +135,13 @@ class Lexer {
     }
 
     void string() {
-        auto const end = toLineEnd();
-        for (std::size_t i = 1; i < end; ++i) {
-            if (at(i) == '"') {
-                add(Token::Kind::string, i + 1, 1);
+        std::size_t end = 1;
+        for (; end < m_rest.size() && m_rest[end] != '\n'; ++end) {
+            if (m_rest[end] == '"') {
+                add(Token::Kind::string, end + 1, 1);
                 return;
             }
-            i += at(i) == '\\' ? 1 : 0;
+            end += m_rest[end] == '\\' && at(end + 1) != '\n' ? 1 : 0;
         }
         reject(end, "this text has no end; close it with \" on the same line");
     }
@@ -153,9 +158,8 @@ class Lexer {
     }
 
     std::size_t brokenCharacterLength() const {
-        auto const line = m_rest.substr(0, toLineEnd());
-        auto const end = line.find('\'', 1);
-        return end == std::string_view::npos ? std::max<std::size_t>(line.size(), 2) : end + 1;
+        auto const end = std::min(m_rest.find_first_of("'\n", 1), m_rest.size());
+        return at(end) == '\'' ? end + 1 : std::max<std::size_t>(end, 2);
     }
 
     void sign() {

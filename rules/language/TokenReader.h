@@ -21,9 +21,6 @@ struct TextFailed {};
 
 class TokenReader {
   public:
-    // Further errors are not worth reading.
-    static constexpr std::size_t maxErrors = 20;
-
     TokenReader(std::vector<Token> tokens, std::vector<Diagnostic>& errors)
         : m_tokens(std::move(tokens)), m_errors(errors) {}
 

@@ -108,9 +108,9 @@ TEST_F(Archive, EncryptedFilesAre66AndTheNextInputIsJudged) {
     auto const result = scan({file, "-"}, ham());
     EXPECT_EQ(result.m_status, 66);
     EXPECT_EQ(summary(result), Arguments{"- ham"});
-    EXPECT_EQ(result.m_errors, "qvscan: " + file +
-                                   "/secret.eml: cannot be read: it is encrypted\n" +
-                                   "qvscan: " + file + ": cannot be read: it is encrypted\n");
+    EXPECT_EQ(result.m_errors,
+              "qvscan: " + file + "/secret.eml: cannot be read: it is encrypted\n" +
+                  "qvscan: " + file + "/other.eml: cannot be read: it is encrypted\n");
 }
 
 TEST_F(Archive, ADamagedFileIsReportedAndTheNextJudged) {

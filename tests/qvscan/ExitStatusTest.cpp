@@ -191,6 +191,17 @@ TEST_F(ExitStatus, EndlessFilesOfSettingsAre78) {
     }
 }
 
+TEST_F(ExitStatus, EndlessPipesOfSettingsAre78) {
+    for (std::string const option : {"--config", "--dynamic-patterns", "--dns-data"}) {
+        auto const command = "yes 2>/dev/null | " QV_SCAN_PROGRAM " --root " + root() + " " +
+                             option + " /dev/stdin " + m_folder.write("mail", ham());
+        auto const result = runProgram("/bin/sh", {"-c", command});
+        EXPECT_EQ(result.m_status, 78) << option;
+        EXPECT_EQ(result.m_errors,
+                  "qvscan: /dev/stdin: larger than 64 MiB, so it is not what is expected here\n");
+    }
+}
+
 TEST_F(ExitStatus, RuleFilesThatAreNoRegularFilesCountAsMissing) {
     for (auto const* const name : {"README", "qv.dt", "qv2.dt"}) {
         auto const file = root() + "/var/spool/etc/antispam/" + name;

@@ -81,6 +81,43 @@ class Protocol(unittest.TestCase):
             self.assertEqual(self.server.ask("GET", "/", host=host or " ")[0], 403, host)
             self.assertEqual(self.server.post(b"From: x\n\n", host=host or " ")[0], 403, host)
 
+    def test_refuses_whoever_does_not_know_the_secret(self):
+        """Such as another user of the machine."""
+        secret = self.server.secret
+        wrong = ("0" if secret[-1] != "0" else "1")
+        for prefix in ("", "/" + secret[:-1] + wrong, "/" + secret[:-1], "/" + secret.upper() + "x",
+                       "/x" + secret, "//" + secret, "/%" + secret):
+            for method, path in (("GET", "/"), ("HEAD", "/"), ("POST", "/explain"), ("PUT", "/")):
+                status, text = self.server.ask_bare(method, prefix + path, b"From: x\n\n",
+                                                    Content_Type="message/rfc822")
+                self.assertEqual(status, 403, (method, prefix, path))
+                self.assertNotIn(secret, text)
+        self.assertEqual(self.server.ask_bare("GET", f"/{secret}x/")[0], 404)
+
+    def test_has_a_secret_of_its_own(self):
+        other = showpage.Server()
+        try:
+            self.assertNotEqual(other.secret, self.server.secret)
+            self.assertEqual(other.ask_bare("GET", f"/{self.server.secret}/")[0], 403)
+        finally:
+            other.end()
+
+    def test_does_not_tell_other_sites_its_address(self):
+        with self.server.connect(f"GET /{self.server.secret}/ HTTP/1.1\r\nHost: "
+                                 f"127.0.0.1:{self.server.port}\r\n\r\n".encode()) as client:
+            self.assertIn(b"\r\nReferrer-Policy: no-referrer\r\n", whole_answer(client))
+
+    def test_answers_with_the_page_once_however_many_ranges_are_asked_for(self):
+        """2,600 overlapping ranges must not make 2,600 copies."""
+        whole = self.server.ask("GET", "/")[1]
+        ranges = "bytes=" + ",".join(["0-"] * 2600)
+        self.assertEqual(self.server.ask("GET", "/", Range=ranges), (200, whole))
+
+    def test_refuses_a_huge_head(self):
+        start = b"GET / HTTP/1.1\r\nX: " + b"x" * 40000 + b"\r\n\r\n"
+        with self.server.connect(start) as client:
+            self.assertIn(b" 400 ", whole_answer(client).splitlines()[0])
+
     def test_refuses_other_pages(self):
         for origin in ("http://evil.example", "null", f"https://127.0.0.1:{self.server.port}",
                        "http://127.0.0.1:1"):
@@ -127,7 +164,7 @@ class Protocol(unittest.TestCase):
 
     def test_limits_what_it_reads(self):
         status, text = self.server.post(None, Content_Length=str(1 << 40))
-        self.assertEqual((status, text), (413, "a message may have at most 64 MiB\n"))
+        self.assertEqual((status, text), (413, "a message may have at most 32 MiB\n"))
 
     def status_while_it_sends(self, start, pieces):
         """The status of a request whose body does not end."""
@@ -138,9 +175,9 @@ class Protocol(unittest.TestCase):
 
     def test_limits_what_it_reads_of_a_body_that_tells_no_length(self):
         start = self.server.post_start()
-        self.assertEqual(self.status_while_it_sends(start, [MIB] * 65), 411)
+        self.assertEqual(self.status_while_it_sends(start, [MIB] * 33), 411)
         start = self.server.post_start("Transfer-Encoding: chunked")
-        chunks = [b"100000\r\n" + MIB + b"\r\n"] * 65
+        chunks = [b"100000\r\n" + MIB + b"\r\n"] * 33
         self.assertEqual(self.status_while_it_sends(start, chunks), 413)
 
     def test_reads_a_body_in_chunks(self):
@@ -159,7 +196,7 @@ class Protocol(unittest.TestCase):
         self.assertEqual(self.status_while_it_sends(b"EHLO mx.example\r\n", [b"\r\n"]), 400)
 
     def test_answers_a_head_without_the_page(self):
-        start = f"HEAD / HTTP/1.1\r\nHost: 127.0.0.1:{self.server.port}\r\n\r\n"
+        start = f"HEAD /{self.server.secret}/ HTTP/1.1\r\nHost: 127.0.0.1:{self.server.port}\r\n\r\n"
         with self.server.connect(start.encode()) as client:
             answer = whole_answer(client)
         self.assertIn(b" 200 OK\r\n", answer)
@@ -167,8 +204,9 @@ class Protocol(unittest.TestCase):
         self.assertTrue(answer.endswith(b"\r\n\r\n"))
 
     def test_refuses_bodies_that_it_does_not_want_before_they_end(self):
-        for line, status in (("POST /other", 404), ("PUT /explain", 405), ("DELETE /", 405)):
-            start = (f"{line} HTTP/1.1\r\nHost: 127.0.0.1:{self.server.port}\r\n"
+        for method, path, status in (("POST", "other", 404), ("PUT", "explain", 405),
+                                     ("DELETE", "", 405)):
+            start = (f"{method} /{self.server.secret}/{path} HTTP/1.1\r\nHost: 127.0.0.1:{self.server.port}\r\n"
                      "Content-Type: message/rfc822\r\nTransfer-Encoding: chunked\r\n\r\n")
             self.assertEqual(self.status_while_it_sends(start.encode(), [b"1\r\nx\r\n"]), status)
 

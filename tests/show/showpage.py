@@ -53,11 +53,18 @@ class Server:
              str(EXAMPLES / "dns.zone"), *map(str, arguments), "--serve"],
             stdout=subprocess.PIPE, text=True)
         line = self.process.stdout.readline()
-        self.port = int(re.search(r"http://127\.0\.0\.1:(\d+)/", line).group(1))
+        port, self.secret = re.search(r"http://127\.0\.0\.1:(\d+)/([0-9a-f]{32})/ ",
+                                      line).groups()
+        self.port = int(port)
         self.origin = f"http://127.0.0.1:{self.port}"
+        self.page = f"{self.origin}/{self.secret}/"
 
     def ask(self, method, path, body=None, host=None, **headers):
-        """Status and text of an answer. Header names have "_" for "-"."""
+        """Status and text of the answer about a path beside the page."""
+        return self.ask_bare(method, f"/{self.secret}{path}", body, host, **headers)
+
+    def ask_bare(self, method, path, body=None, host=None, **headers):
+        """The same of any path. Header names have "_" for "-"."""
         connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=60)
         connection.putrequest(method, path, skip_host=True, skip_accept_encoding=True)
         connection.putheader("Host", host or f"127.0.0.1:{self.port}")
@@ -84,7 +91,7 @@ class Server:
 
     def post_start(self, *headers):
         """The head of a posted message, as far as `headers` go."""
-        lines = ["POST /explain HTTP/1.1", f"Host: 127.0.0.1:{self.port}",
+        lines = [f"POST /{self.secret}/explain HTTP/1.1", f"Host: 127.0.0.1:{self.port}",
                  "Content-Type: message/rfc822", *headers, "", ""]
         return "\r\n".join(lines).encode()
 

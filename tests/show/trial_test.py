@@ -275,7 +275,7 @@ class Served(showpage.ShowPageTest):
 
     def open(self, server):
         """Opens the page of a server, and waits until the first of its messages is shown."""
-        self.browser.open(server.origin + "/")
+        self.browser.open(server.page)
         self.wait_for(lambda: self.titles() == ["none"] or self.answer()["verdict"])
 
     def ask(self, text):
@@ -366,11 +366,11 @@ class Served(showpage.ShowPageTest):
     def test_sends_no_file_that_is_too_large(self):
         self.browser.run("""
             const transfer = new DataTransfer();
-            transfer.items.add(new File([new Uint8Array((64 << 20) + 1)], 'large.mbox'));
+            transfer.items.add(new File([new Uint8Array((32 << 20) + 1)], 'large.mbox'));
             document.body.dispatchEvent(
                 new DragEvent('drop', {dataTransfer: transfer, bubbles: true, cancelable: true}));
             """)
-        self.wait_for(lambda: self.answer()["problem"] == "large.mbox: larger than 64 MiB")
+        self.wait_for(lambda: self.answer()["problem"] == "large.mbox: larger than 32 MiB")
 
     # --- vectors ---
 

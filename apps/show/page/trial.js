@@ -95,7 +95,7 @@ const QvTrial = (() => {
       Array.from(part("settings").querySelectorAll("input"), ({name, value}) =>
         [name, value.trim()]));
     try {
-      const answer = await fetch(`/explain?${settings}`,
+      const answer = await fetch(`explain?${settings}`,
         {method: "POST", headers: {"Content-Type": type}, body});
       return answer.ok ? {record: await answer.json()} : {problem: await answer.text()};
     } catch {
