@@ -13,8 +13,8 @@ import statistics
 import subprocess
 import time
 
-from milter_programs import MESSAGE, PROGRAMS, SESSIONS, SOURCE, messages
-from milter import Daemon, wait_for
+from milter_programs import MESSAGE, PROGRAMS, SESSIONS, messages
+from milter import Daemon, example_zone, wait_for
 from postfix import Postfix
 from protocol import MailServer
 
@@ -97,7 +97,7 @@ def report(ours, asking, without, processor_without):
 
 
 def main():
-    filters = [Filter(), Filter(f'dns-data = "{SOURCE}/examples/dns.zone"')]
+    filters = [Filter(), Filter(f'dns-data = "{example_zone()}"')]
     ours, asking = filters
     socket = ours.daemon.folder / "empty.sock"
     empty = subprocess.Popen([str(PROGRAMS / "empty_filter"), f"unix:{socket}"])

@@ -6,8 +6,8 @@
 // The objects hold nothing: any number of them use the one process-wide engine. All operations may
 // be called from many threads at once. A scan keeps the engine it began with, also when init
 // installs another one meanwhile. No Exception escapes: failures go to the Logger, and the caller
-// gets an answer without a verdict. Whatever the Logger itself throws is dropped. std::bad_alloc may
-// escape when there is not even memory for a handle or the version; what was in force stays.
+// gets an answer without a verdict. Whatever the Logger itself throws is dropped. std::bad_alloc
+// may escape when there is not even memory for a handle or the version; what was in force stays.
 //
 // A thread that is cancelled (pthread_cancel) ends after the call. A child of fork may scan; its
 // look-ups count as failed until it configures the Resolver itself.

@@ -114,16 +114,17 @@ Show::PageExtras s_extras(ShowArguments const& arguments, HostSettings const& se
     if (arguments.m_serve) {
         extras.m_served = settings;
     }
-    Show::readMessages(arguments.m_messages, settings.m_limits, interrupt, [&](Show::PageMessage message) {
-        // A page in a file cannot ask later.
-        if (!arguments.m_serve) {
-            message.m_record = explainer.explain(message.m_source, message.m_headers);
-        }
-        if (interrupt.signalNumber() != 0) {
-            throw Interrupted();
-        }
-        extras.m_messages.push_back(std::move(message));
-    });
+    Show::readMessages(
+        arguments.m_messages, settings.m_limits, interrupt, [&](Show::PageMessage message) {
+            // A page in a file cannot ask later.
+            if (!arguments.m_serve) {
+                message.m_record = explainer.explain(message.m_source, message.m_headers);
+            }
+            if (interrupt.signalNumber() != 0) {
+                throw Interrupted();
+            }
+            extras.m_messages.push_back(std::move(message));
+        });
     return extras;
 }
 

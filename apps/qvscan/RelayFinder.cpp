@@ -127,8 +127,7 @@ class RelayFinder {
         if (!item.m_problem.empty()) {
             return std::nullopt;
         }
-        return s_found(
-            host.scan(host.read(item.m_headers), m_options.m_facts, RecordDepth::steps));
+        return s_found(host.scan(host.read(item.m_headers), m_options.m_facts, RecordDepth::steps));
     }
 
     // A problem shows in every pass.

@@ -83,8 +83,7 @@ std::string MessageExplainer::explain(ScanHost const& host, std::string const& s
 }
 
 void readMessages(std::vector<std::string> const& paths, HeaderLimits const& limits,
-                  Interrupt& interrupt,
-                  std::function<void(PageMessage message)> const& take) {
+                  Interrupt& interrupt, std::function<void(PageMessage message)> const& take) {
     if (paths.empty()) {
         return; // none would mean standard input
     }

@@ -47,7 +47,6 @@ class MessageExplainer {
 // Passes on all messages of the paths, in order, without records. A RuleError for what cannot be
 // read; Interrupted.
 void readMessages(std::vector<std::string> const& paths, HeaderLimits const& limits,
-                  Interrupt& interrupt,
-                  std::function<void(PageMessage message)> const& take);
+                  Interrupt& interrupt, std::function<void(PageMessage message)> const& take);
 
 } // namespace Quorvane::Show

@@ -25,8 +25,8 @@ constexpr std::int64_t automatonMemory = std::int64_t{16} << 20U;
 // What one expression may take: repetitions such as ".{1000}" make a short line large.
 constexpr std::int64_t expressionMemory = std::int64_t{1} << 20U;
 
-// The instructions, of 16 bytes each, that all expressions of a set may compile to. RE2 gives them a
-// quarter of an automaton's memory, so a list that is taken fits into one.
+// The instructions, of 16 bytes each, that all expressions of a set may compile to. RE2 gives them
+// a quarter of an automaton's memory, so a list that is taken fits into one.
 constexpr int maxInstructions = automatonMemory / 4 / 16;
 
 // More cores than this share automatons, which bounds the memory on large machines.

@@ -200,7 +200,8 @@ Ticket UnboundContext::ask(RecordType type, std::string const& name, std::shared
 
 // libunbound calls s_deliver exactly when it does not accept the cancellation.
 void UnboundContext::cancel(Ticket ticket) const {
-    if (isUsable() && ticket.m_delivery != nullptr && ub_cancel(m_context.get(), ticket.m_id) == UB_NOERROR) {
+    if (isUsable() && ticket.m_delivery != nullptr &&
+        ub_cancel(m_context.get(), ticket.m_id) == UB_NOERROR) {
         delete ticket.m_delivery;
     }
 }

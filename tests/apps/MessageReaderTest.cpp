@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "apps/input/HeaderCheck.h"
 #include "apps/input/MessageReader.h"
+#include "apps/input/HeaderCheck.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -100,8 +100,7 @@ TEST(MessageReader, AHeaderSectionBeyondTheLimitIsReportedAndTheNextRecordRead) 
         HeaderSection section;
         ASSERT_TRUE(reader.next(section));
         EXPECT_EQ(section.m_text.size(), isBeyond ? 0 : limits.m_maxBytes);
-        EXPECT_EQ(section.m_problem,
-                  isBeyond ? tooLong(limits) : "");
+        EXPECT_EQ(section.m_problem, isBeyond ? tooLong(limits) : "");
         ASSERT_TRUE(reader.next(section));
         EXPECT_EQ(section.m_problem, "");
         EXPECT_EQ(section.m_text, "C: d\n\n");

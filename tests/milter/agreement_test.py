@@ -5,7 +5,7 @@ import unittest
 
 from agreement import AgreementTest, newest_received, with_crlf
 from mail_server import HELLO
-from milter import DEFAULT_RULES, EXAMPLES
+from milter import DEFAULT_RULES, EXAMPLES, example_zone
 from postfix_test import PostfixTest
 
 CLIENTS = (
@@ -26,7 +26,7 @@ def without_tls_details(written):
 
 class WithPostfix(PostfixTest, AgreementTest):
     def test_of_all_examples(self):
-        daemon, postfix = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"', rules=DEFAULT_RULES,
+        daemon, postfix = self.flow(shared=f'dns-data = "{example_zone()}"', rules=DEFAULT_RULES,
                                     own="log-details = 1")
         self.check_examples(daemon, postfix, CLIENTS)
 

@@ -5,7 +5,7 @@ import unittest
 
 from agreement import AgreementTest
 from mail_server import HELLO
-from milter import DEFAULT_RULES, EXAMPLES
+from milter import DEFAULT_RULES, example_zone
 from postfix_test import PostfixTest
 from private_machine import CLIENTS, NameServer, enter
 
@@ -23,7 +23,7 @@ class WithPostfixThatLooksUp(PostfixTest, AgreementTest):
                 self.check_message(daemon, postfix, number, HELLO, **client)
 
     def test_of_all_examples(self):
-        daemon, postfix = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"', rules=DEFAULT_RULES,
+        daemon, postfix = self.flow(shared=f'dns-data = "{example_zone()}"', rules=DEFAULT_RULES,
                                     own="log-details = 1", postfix={"looks_up": True})
         self.check_examples(daemon, postfix, CLIENTS)
 

@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
 """The daemon under test: a qvmilter with rules, settings and a socket of its own, and scripts that
 play a mail server (miltertest)."""
+import atexit
 import email
+import functools
 import json
 import os
 import pathlib
@@ -46,6 +48,15 @@ DEFAULT_RULES = (pathlib.Path(os.environ["QV_DEFAULT_TEXT"]).read_text()
 # The line of a message in the log, with `log-details`.
 LOGGED = re.compile(r" queue=(?P<queue>\S+) verdict=(?P<verdict>\S+) node=(?P<node>\d+)(?: rule=\"[^\"]*\")?"
                     r" \S+ \S+ vector=(?P<vector>[-0-9,]*)(?: hop=(?P<hop>.*))?$")
+
+
+@functools.cache
+def example_zone():
+    """The DNS data of the examples, in a file of our own: a daemon that root starts refuses the files
+    of others, and the source may be somebody else's."""
+    folder = tempfile.TemporaryDirectory()
+    atexit.register(folder.cleanup)
+    return shutil.copyfile(EXAMPLES / "dns.zone", pathlib.Path(folder.name) / "dns.zone")
 
 
 def free_port():

@@ -7,7 +7,7 @@ import unittest
 from agreement import AgreementTest, newest_received
 from debian import unpacked
 from mail_server import HELLO
-from milter import DEFAULT_RULES, EXAMPLES
+from milter import DEFAULT_RULES, example_zone
 from planted import PlantedTest
 from private_machine import CLIENTS, NameServer, enter
 from sendmail import PACKAGES, SOCKET, Sendmail
@@ -53,7 +53,7 @@ class Actions(SendmailTest, PlantedTest):
 
 class Agreement(SendmailTest):
     def test_of_all_examples(self):
-        daemon, sendmail = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"',
+        daemon, sendmail = self.flow(shared=f'dns-data = "{example_zone()}"',
                                      rules=DEFAULT_RULES, own="log-details = 1")
         self.check_examples(daemon, sendmail, CLIENTS)
 
@@ -75,7 +75,7 @@ class Agreement(SendmailTest):
                 self.assertEqual(self.scanned(daemon, delivered)["node"], 0)
 
     def test_of_clients_that_do_not_say_their_name(self):
-        daemon, sendmail = self.flow(shared=f'dns-data = "{EXAMPLES}/dns.zone"',
+        daemon, sendmail = self.flow(shared=f'dns-data = "{example_zone()}"',
                                      own="log-details = 1")
         self.check_without_helo(daemon, sendmail, CLIENTS)
 

@@ -266,6 +266,30 @@ RC_GTEST_PROP(HeaderReader, EveryValueIsASliceOfTheMessageInOrder, ()) {
     }
 }
 
+RC_GTEST_PROP(HeaderReader, CountsTheFieldsThatItReads, ()) {
+    auto const message = *s_anyMessage();
+    Exact const exact(message);
+    RC_ASSERT(HeaderReader::countFields(exact.view()) == s_read(message).size());
+}
+
+TEST(HeaderReader, KeepsTheNewestHopsOfMoreThanItIsTold) {
+    std::string const message = "A: 1\nReceived: 1\nRECEIVED : 2\nReceived: 3\n x\nB: 2\n";
+    struct Row {
+        std::size_t m_maxHops;
+        std::vector<std::string> m_values;
+    };
+    for (auto const& row :
+         {Row{0, {"1", "2"}}, Row{2, {"1", "1", "2", "2"}}, Row{3, {"1", "1", "2", "3\n x", "2"}},
+          Row{4, {"1", "1", "2", "3\n x", "2"}}}) {
+        auto const container = HeaderReader::read(message, row.m_maxHops);
+        std::vector<std::string> values;
+        for (auto const& header : container.headers()) {
+            values.push_back(header.value());
+        }
+        EXPECT_EQ(values, row.m_values) << row.m_maxHops;
+    }
+}
+
 RC_GTEST_PROP(HeaderReader, TheSectionAloneReadsAsTheWholeMessage, ()) {
     auto const message = *s_anyMessage();
     RC_ASSERT(s_read(message.substr(0, s_sectionLength(message))) == s_read(message));
