@@ -24,6 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
 namespace {
 
 constexpr int port = 8080;
+constexpr char secret[] = "5ec2e7";
 constexpr char pageText[] = "<p>the page</p>";
 
 MessageExplainer s_makeExplainer() {
@@ -45,6 +46,8 @@ void s_checkAnswer(PageRequest const& request, Answer const& answer) {
     auto const host = request.get()[Http::field::host];
     bool const isOurs = host == "127.0.0.1:8080" || host == "localhost:8080";
     check(isOurs || answer.result() == Http::status::forbidden, "other hosts are refused");
+    bool const hasSecret = request.get().target().starts_with("/5ec2e7/");
+    check(hasSecret || answer.result() != Http::status::ok, "without the secret there is nothing");
     check(answer.result() != Http::status::ok || answer["X-Frame-Options"] == "DENY",
           "no other page can show an answer");
     check(answer.body() != pageText || request.get().method() == Http::verb::get,
@@ -67,7 +70,7 @@ bool s_put(PageRequest& request, std::string_view& bytes, bool isWhole) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    static PageAnswers const s_answers(pageText, s_explain, port);
+    static PageAnswers const s_answers(pageText, s_explain, port, secret);
     std::string_view bytes(reinterpret_cast<char const*>(data), size);
     PageRequest request;
     if (!s_put(request, bytes, false)) {
