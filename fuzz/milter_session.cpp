@@ -48,12 +48,12 @@ Milter::Service& s_makeService() {
     static Testing::TemporaryFolder const s_folder;
     auto const settings = s_folder.write("settings.toml", "root = \"" QV_DEFAULT_ROOT "\"\n"
                                                           "dns = \"off\"\n"
+                                                          "max-headers = 40\n"
+                                                          "max-hops = 10\n"
                                                           "[milter]\n"
                                                           "on-spam = \"quarantine\"\n"
                                                           "on-ham = \"accept\"\n"
-                                                          "add-reasons = 1\n"
-                                                          "max-headers = 40\n"
-                                                          "max-hops = 10\n");
+                                                          "add-reasons = 1\n");
     Logger::install(std::make_shared<CheckingLogger>());
     static Milter::Service s_service(settings);
     Milter::useService(s_service);

@@ -112,9 +112,18 @@ class Page(unittest.TestCase):
 
     def test_no_block_is_left_out(self):
         """The other tests use so many."""
-        counts = {START: 8, "Postfix in a chroot": 3, "Under systemd": 1, "The log": 3}
+        counts = {START: 8, "Postfix in a chroot": 3, "Under systemd": 1, "Started by root": 1,
+                  "The log": 3}
         self.assertEqual({heading: len(blocks(PAGE, heading)) for heading in headings(PAGE)
                           if blocks(PAGE, heading)}, counts)
+
+    def test_settings_that_others_may_write_are_refused(self):
+        CONFIG.write_text("\n".join(blocks(PAGE, START, "toml")))
+        self.addCleanup(CONFIG.chmod, 0o644)
+        CONFIG.chmod(0o664)
+        with self.assertRaises(AssertionError) as refusal:
+            run(block(START, "qvmilter"))
+        self.assertIn(block("Started by root", "qvmilter"), str(refusal.exception))
 
     def test_five_minutes_are_enough(self):
         postfix = self.postfix()
