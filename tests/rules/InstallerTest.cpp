@@ -14,6 +14,7 @@
 #include <limits>
 #include <random>
 #include <set>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -258,6 +259,38 @@ TEST_F(InstallerTest, AnInstallationThatIsKilledLeavesAWholeSetAtEveryMoment) {
     for (auto const& entry : fs::directory_iterator(m_rules / "sets")) {
         EXPECT_NE(s_markIn(entry.path()), 0) << entry.path();
     }
+}
+
+// A disk is full after so many bytes of a file. Status 0: the set was installed, 1: it was refused.
+int s_installWithin(rlim_t bytes, fs::path const& folder, RuleSet const& set) {
+    auto const child = ::fork();
+    if (child == 0) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit const limit{bytes, bytes};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        try {
+            installRules(folder, set, "");
+        } catch (...) {
+            ::_exit(1);
+        }
+        ::_exit(0);
+    }
+    int status = -1;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(InstallerTest, AFullDiskLeavesTheSetInForce) {
+    install(s_set(1, 5));
+    int refused = 0;
+    rlim_t bytes = 0;
+    for (; s_installWithin(bytes, m_rules, s_set(2)) == 1; bytes += bytes / 8 + 1) {
+        ASSERT_EQ(s_markIn(m_rules), 1) << "with files of " << bytes << " bytes";
+        ASSERT_EQ(version(), 5);
+        ++refused;
+    }
+    EXPECT_GT(refused, 10);
+    EXPECT_EQ(s_markIn(m_rules), 2);
+    EXPECT_EQ(version(), 6);
 }
 
 TEST_F(InstallerTest, WhatAKilledInstallationLeftIsRemovedByTheNext) {
