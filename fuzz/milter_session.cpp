@@ -16,6 +16,7 @@
 #include "platform/IPAddress.h"
 #include "platform/Logger.h"
 #include "platform/LogMessages.h"
+#include "rules/format/RuleFiles.h"
 #include "support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -23,10 +24,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <netinet/in.h>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 
 using namespace Quorvane;
 
@@ -44,16 +48,29 @@ class CheckingLogger : public Logger {
     }
 };
 
+// The default rules, in files of our own: a filter that root starts refuses those of others.
+std::string s_ownRules(Testing::TemporaryFolder const& folder) {
+    for (auto const* const name : ruleFileNames) {
+        auto const path = std::string(ruleDirectory) + '/' + name;
+        if (std::ifstream file(QV_DEFAULT_ROOT + path, std::ios::binary); file) {
+            folder.write("root" + path, std::string(std::istreambuf_iterator<char>(file), {}));
+        }
+    }
+    return folder.path("root");
+}
+
 Milter::Service& s_makeService() {
     static Testing::TemporaryFolder const s_folder;
-    auto const settings = s_folder.write("settings.toml", "root = \"" QV_DEFAULT_ROOT "\"\n"
-                                                          "dns = \"off\"\n"
-                                                          "max-headers = 40\n"
-                                                          "max-hops = 10\n"
-                                                          "[milter]\n"
-                                                          "on-spam = \"quarantine\"\n"
-                                                          "on-ham = \"accept\"\n"
-                                                          "add-reasons = 1\n");
+    ::umask(022); // what others may write is refused, too
+    auto const settings = s_folder.write("settings.toml", "root = \"" + s_ownRules(s_folder) +
+                                                              "\"\n"
+                                                              "dns = \"off\"\n"
+                                                              "max-headers = 40\n"
+                                                              "max-hops = 10\n"
+                                                              "[milter]\n"
+                                                              "on-spam = \"quarantine\"\n"
+                                                              "on-ham = \"accept\"\n"
+                                                              "add-reasons = 1\n");
     Logger::install(std::make_shared<CheckingLogger>());
     static Milter::Service s_service(settings);
     Milter::useService(s_service);

@@ -22,6 +22,9 @@ import urllib.request
 
 from protocol import MailServer
 
+# A daemon that root starts refuses settings that others may write.
+os.umask(0o022)
+
 QVMILTER = os.environ["QV_MILTER"]
 QVRULES = os.environ["QV_RULES"]
 QVSCAN = os.environ["QV_SCAN"]
