@@ -26,11 +26,12 @@ constexpr std::size_t shownEntries = 5;
 // are counted only when they are known already.
 constexpr std::size_t maxNames = 100'000;
 
-void s_count(std::map<std::string, std::uint64_t>& counts, std::string const& name) {
+template<typename Name>
+void s_count(std::map<Name, std::uint64_t>& counts, Name const& name) {
     auto const found = counts.find(name);
     if (found != counts.end()) {
         ++found->second;
-    } else if (!name.empty() && counts.size() < maxNames) {
+    } else if (name != Name() && counts.size() < maxNames) {
         counts.emplace(name, 1);
     }
 }
@@ -120,9 +121,7 @@ void Summary::add(MessageFigures const& figures) {
 }
 
 void Summary::countSpam(MessageFigures const& figures) {
-    s_count(m_spamRelays, figures.m_relayName.empty()
-                              ? figures.m_relay
-                              : figures.m_relay + " (" + figures.m_relayName + ")");
+    s_count(m_spamRelays, {figures.m_relay, figures.m_relayName});
     s_count(m_spamDomains, figures.m_senderDomain);
 }
 
@@ -140,12 +139,18 @@ std::string Summary::text(Run const& run) const {
     text += s_list("Not judged", s_top(m_whyNot));
     std::vector<std::pair<std::string, std::uint64_t>> rules;
     for (auto const& [rule, count] : s_top(m_rules)) {
-        rules.emplace_back("node " + std::to_string(rule.second) +
+        rules.emplace_back((rule.first == Decision::elite ? "rule " : "node ") +
+                               std::to_string(rule.second) +
                                inBrackets(deciderName(run.m_names, rule.first, rule.second)),
                            count);
     }
     text += s_list("Decided by", rules);
-    text += s_list("Spam by relay", s_top(m_spamRelays));
+    std::vector<std::pair<std::string, std::uint64_t>> relays;
+    for (auto const& [relay, count] : s_top(m_spamRelays)) {
+        auto const& [address, name] = relay;
+        relays.emplace_back(name.empty() ? address : address + " (" + name + ")", count);
+    }
+    text += s_list("Spam by relay", relays);
     text += s_list("Spam by the domain of the sender", s_top(m_spamDomains));
     text += failedLookupsText(run.m_lookups);
     if (m_byOwnRelay != 0) {
@@ -172,13 +177,20 @@ std::string Summary::json(Run const& run) const {
         rules.push_back(named({{"node", rule.second}, {"messages", count}},
                               deciderName(run.m_names, rule.first, rule.second)));
     }
+    auto relays = Json::array();
+    for (auto const& [relay, count] : s_top(m_spamRelays)) {
+        auto const& [address, name] = relay;
+        relays.push_back({{"relay", address},
+                          {"reverseName", name.empty() ? Json() : Json(toUtf8(name))},
+                          {"messages", count}});
+    }
     Json const summary = {
         {"messages", m_messages},
         {"verdicts", verdicts},
         {"notJudged", s_json(s_top(m_whyNot), "reason")},
         {"leftOut", m_problems},
         {"rules", rules},
-        {"spamRelays", s_json(s_top(m_spamRelays), "relay")},
+        {"spamRelays", relays},
         {"spamDomains", s_json(s_top(m_spamDomains), "domain")},
         {"byOwnRelay", m_byOwnRelay},
         {"lookups", {{"failed", run.m_lookups.m_failed}, {"late", run.m_lookups.m_late}}},

@@ -63,6 +63,7 @@ class Summary {
 
   private:
     using Counts = std::map<std::string, std::uint64_t>;
+    using Relay = std::pair<std::string, std::string>; // address and reverse name, if any
     using Rule = std::pair<Decision, std::int32_t>;
 
     void countSpam(MessageFigures const& figures);
@@ -75,7 +76,7 @@ class Summary {
     Counts m_kinds;
     Counts m_whyNot;
     std::map<Rule, std::uint64_t> m_rules;
-    Counts m_spamRelays; // "192.0.2.7", or "192.0.2.7 (its.name)"
+    std::map<Relay, std::uint64_t> m_spamRelays;
     Counts m_spamDomains;
 };
 
