@@ -42,6 +42,17 @@ OutputFormat s_format(CommandLine const& line) {
     return format == "text" ? OutputFormat::text : OutputFormat::json;
 }
 
+// It shows no results, so there is nothing to choose from them.
+bool s_findsRelays(CommandLine const& line) {
+    for (auto const* const name : {"only", "rule", "extract", "explain"}) {
+        if (line.has("find-relays") && line.has(name)) {
+            throw UsageError("--find-relays proposes settings, and shows no results: leave out --" +
+                             std::string(name));
+        }
+    }
+    return line.has("find-relays");
+}
+
 // An explanation is no table.
 std::vector<Column> s_columns(CommandLine const& line, OutputFormat format) {
     auto const row = columnsRow();
@@ -127,7 +138,7 @@ ScanOptions scanOptions(CommandLine const& line) {
     if (line.has("summary") || line.has("no-summary")) {
         options.m_summary = !line.has("no-summary");
     }
-    options.m_findsRelays = line.has("find-relays");
+    options.m_findsRelays = s_findsRelays(line);
     options.m_paths = line.texts("PATH");
     options.m_wantsPager = options.m_explain && options.m_format == OutputFormat::text &&
                            !line.has(noPagerRow.m_name) && !isTyped(options.m_paths);

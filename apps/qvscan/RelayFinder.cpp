@@ -109,7 +109,11 @@ class RelayFinder {
                 return [this, &pass, found = judge(*host, item), problem = item.m_problem,
                         source = item.m_source, status = item.m_exitStatus,
                         position = item.m_position] {
-                    found ? s_add(pass, *found) : note(source, problem, status);
+                    if (found) {
+                        s_add(pass, *found);
+                    } else if (!problem.empty()) {
+                        note(source, problem, status);
+                    }
                     m_progress.update(pass.m_messages);
                     m_progress.doneTo(position);
                     return true;
@@ -123,11 +127,16 @@ class RelayFinder {
         return pass;
     }
 
+    // Empty for a problem, and for a message of another time.
     std::optional<Found> judge(ScanHost const& host, InputItem const& item) const {
         if (!item.m_problem.empty()) {
             return std::nullopt;
         }
-        return s_found(host.scan(host.read(item.m_headers), m_options.m_facts, RecordDepth::steps));
+        auto const headers = host.read(item.m_headers);
+        if (!m_options.m_filter.isInPeriod(headers)) {
+            return std::nullopt;
+        }
+        return s_found(host.scan(headers, m_options.m_facts, RecordDepth::steps));
     }
 
     // A problem shows in every pass.

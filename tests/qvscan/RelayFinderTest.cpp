@@ -112,6 +112,30 @@ TEST_F(RelayFinderTest, ReadsItsInputSeveralTimes) {
     }
 }
 
+TEST_F(RelayFinderTest, LooksAtMailOfAPeriod) {
+    auto const of = [](std::string const& date) {
+        return "From a\nReceived: from gate.example.org (gate.example.org [203.0.113.5])\n by "
+               "mx.example.org; " +
+               date + "\nFrom: a@example.com\n\n\n";
+    };
+    auto const file = m_folder.write("box", of("Mon, 6 May 2024 10:00:00 +0000") +
+                                                of("Mon, 13 May 2024 10:00:00 +0000"));
+    EXPECT_THAT(scan({"--find-relays", file}).m_output, HasSubstr("# 2 messages were judged."));
+    EXPECT_THAT(scan({"--find-relays", "--since", "2024-05-10", file}).m_output,
+                HasSubstr("# 1 messages were judged."));
+}
+
+TEST_F(RelayFinderTest, RefusesOptionsThatChooseResults) {
+    for (auto const& options :
+         {Arguments{"--only", "spam"}, {"--rule", "3"}, {"--extract", "x"}, {"--explain"}}) {
+        Arguments arguments{"--find-relays", m_folder.path("box")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        auto const result = scan(arguments);
+        EXPECT_EQ(result.m_status, 64);
+        EXPECT_THAT(result.m_errors, HasSubstr("leave out " + options.front())) << result.m_errors;
+    }
+}
+
 TEST_F(RelayFinderTest, ReportsAProblemOnce) {
     auto const result = scan({"--find-relays", box(border, 2), m_folder.path("none")});
     EXPECT_EQ(result.m_status, 66);
