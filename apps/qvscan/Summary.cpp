@@ -63,6 +63,10 @@ std::string s_line(std::uint64_t count, std::string const& what) {
            toPrintable(what) + "\n";
 }
 
+std::string s_relayText(std::string const& address, std::string const& name) {
+    return name.empty() ? address : address + " (" + name + ")";
+}
+
 std::string s_list(std::string const& title,
                    std::vector<std::pair<std::string, std::uint64_t>> const& top) {
     auto text = top.empty() ? std::string() : title + ":\n";
@@ -148,7 +152,7 @@ std::string Summary::text(Run const& run) const {
     std::vector<std::pair<std::string, std::uint64_t>> relays;
     for (auto const& [relay, count] : s_top(m_spamRelays)) {
         auto const& [address, name] = relay;
-        relays.emplace_back(name.empty() ? address : address + " (" + name + ")", count);
+        relays.emplace_back(s_relayText(address, name), count);
     }
     text += s_list("Spam by relay", relays);
     text += s_list("Spam by the domain of the sender", s_top(m_spamDomains));
