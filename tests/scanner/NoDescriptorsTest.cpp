@@ -52,6 +52,9 @@ ResolverSettings s_settings(char const* name) {
 }
 
 TEST(NoDescriptorsTest, RulesAndResolverStayInForceAndCanBeReplacedLater) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the sanitizer needs descriptors to look at memory";
+#endif
     RuleFolder const rules;
     auto const write = [&rules](int number) {
         rules.writeTree(treeOf({leaf(0, 0, markOf(number)), leaf(0, 1, markOf(number))}));
