@@ -4,7 +4,7 @@
 // header sections are parts of the input, and copies hold what they should.
 #include "apps/input/MessageReader.h"
 #include "Check.h"
-#include "MemorySource.h"
+#include "support/MemorySource.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -26,7 +26,8 @@ std::vector<HeaderSection> s_read(std::string_view bytes, std::size_t mostAtOnce
     if (isCopied) {
         options.m_copies = "/tmp";
     }
-    MessageReader reader(std::make_unique<MemorySource>(bytes, mostAtOnce), options);
+    MessageReader reader(std::make_unique<Testing::MemorySource>(std::string(bytes), mostAtOnce),
+                         options);
     std::vector<HeaderSection> sections;
     HeaderSection section;
     while (reader.next(section)) {

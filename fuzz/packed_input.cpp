@@ -6,11 +6,12 @@
 #include "apps/input/HeaderCheck.h"
 #include "apps/input/Inputs.h"
 #include "Check.h"
-#include "MemorySource.h"
+#include "support/MemorySource.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 using namespace Quorvane;
@@ -32,7 +33,8 @@ void s_checkItem(InputItem const& item, std::uint64_t before, std::size_t size) 
 
 std::optional<OpenInput> s_open(std::string_view bytes) {
     try {
-        return openPacked(std::make_unique<MemorySource>(bytes, bytes.size()));
+        return openPacked(
+            std::make_unique<Testing::MemorySource>(std::string(bytes), bytes.size()));
     } catch (InputError const&) {
         return std::nullopt; // a damaged start
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/MessageReader.h"
 #include "apps/input/HeaderCheck.h"
+#include "support/MemorySource.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -10,27 +11,9 @@ namespace Quorvane::Testing {
 
 namespace {
 
-// Gives its text in pieces of a fixed size, as a slow pipe would.
-class PieceSource : public ByteSource {
-  public:
-    PieceSource(std::string text, std::size_t piece) : m_text(std::move(text)), m_piece(piece) {}
-
-    std::size_t read(char* buffer, std::size_t size) override {
-        auto const count = m_text.copy(buffer, std::min(size, m_piece), m_position);
-        m_position += count;
-        return count;
-    }
-    std::uint64_t position() const override { return m_position; }
-
-  private:
-    std::string m_text;
-    std::size_t m_piece;
-    std::size_t m_position = 0;
-};
-
 // "number:text" of each section.
 std::vector<std::string> s_sections(std::string const& text, std::size_t piece) {
-    MessageReader reader(std::make_unique<PieceSource>(text, piece), {});
+    MessageReader reader(std::make_unique<MemorySource>(text, piece), {});
     std::vector<std::string> sections;
     for (HeaderSection section; reader.next(section);) {
         sections.push_back(std::to_string(section.m_number) + ":" + section.m_text);
@@ -96,7 +79,7 @@ TEST(MessageReader, AHeaderSectionBeyondTheLimitIsReportedAndTheNextRecordRead) 
     std::string const most(limits.m_maxBytes - 5, 'b'); // with "A: " and two line breaks
     for (bool const isBeyond : {false, true}) {
         auto const text = "From x\nA: " + most + (isBeyond ? "b" : "") + "\n\nFrom y\nC: d\n\n";
-        MessageReader reader(std::make_unique<PieceSource>(text, 1 << 20), {});
+        MessageReader reader(std::make_unique<MemorySource>(text, 1 << 20), {});
         HeaderSection section;
         ASSERT_TRUE(reader.next(section));
         EXPECT_EQ(section.m_text.size(), isBeyond ? 0 : limits.m_maxBytes);
@@ -108,7 +91,7 @@ TEST(MessageReader, AHeaderSectionBeyondTheLimitIsReportedAndTheNextRecordRead) 
 }
 
 TEST(MessageReader, ASingleMessageIsNotReadBeyondItsHeaders) {
-    auto source = std::make_unique<PieceSource>("A: b\n\n" + std::string(1 << 20, 'x'), 4096);
+    auto source = std::make_unique<MemorySource>("A: b\n\n" + std::string(1 << 20, 'x'), 4096);
     auto const& looked = *source;
     MessageReader reader(std::move(source), {});
     HeaderSection section;
@@ -120,7 +103,7 @@ TEST(MessageReader, ASingleMessageIsNotReadBeyondItsHeaders) {
 // What stands after a record that cannot be read on does not take the record with it.
 TEST(MessageReader, ARecordOfAnMboxIsNotReadBeyondItsHeadersEither) {
     auto const text = "From x\nA: b\n\n" + std::string(1000, 'x') + "\n\nFrom x\nC: d\n\n";
-    MessageReader reader(std::make_unique<PieceSource>(text, 14), {});
+    MessageReader reader(std::make_unique<MemorySource>(text, 14), {});
     HeaderSection section;
     EXPECT_TRUE(reader.next(section));
     EXPECT_EQ(section.m_text, "A: b\n\n");
@@ -131,7 +114,7 @@ TEST(MessageReader, ARecordOfAnMboxIsNotReadBeyondItsHeadersEither) {
 }
 
 TEST(MessageReader, ADrainedMessageIsReadToItsEnd) {
-    auto source = std::make_unique<PieceSource>("A: b\n\n" + std::string(1 << 20, 'x'), 4096);
+    auto source = std::make_unique<MemorySource>("A: b\n\n" + std::string(1 << 20, 'x'), 4096);
     auto const& looked = *source;
     MessageReader reader(std::move(source), {true, {}});
     HeaderSection section;
