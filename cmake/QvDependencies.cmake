@@ -25,6 +25,14 @@ add_library(qv_unbound INTERFACE)
 target_include_directories(qv_unbound SYSTEM INTERFACE "${UNBOUND_INCLUDE_DIR}")
 target_link_libraries(qv_unbound INTERFACE "${UNBOUND_LIBRARY}")
 
+# Debian's own Python, whatever else is on the PATH: its packages are for that one.
+set(Python3_EXECUTABLE /usr/bin/python3 CACHE FILEPATH "The Python that the module is for")
+find_package(Python3 3.11 REQUIRED COMPONENTS Interpreter Development.Module)
+# Only the headers of pybind11: its own CMake functions bring flags that are not ours.
+find_path(PYBIND11_INCLUDE_DIR pybind11/pybind11.h REQUIRED)
+add_library(qv_pybind11 INTERFACE)
+target_include_directories(qv_pybind11 SYSTEM INTERFACE "${PYBIND11_INCLUDE_DIR}")
+
 # libmilter brings neither a CMake package nor a pkg-config file.
 find_path(LIBMILTER_INCLUDE_DIR libmilter/mfapi.h REQUIRED)
 find_library(LIBMILTER_LIBRARY milter REQUIRED)

@@ -5,6 +5,7 @@
 // the items move forward.
 #include "apps/input/HeaderCheck.h"
 #include "apps/input/Inputs.h"
+#include "apps/input/Interrupt.h"
 #include "Check.h"
 #include "support/MemorySource.h"
 

@@ -72,13 +72,6 @@ PreparedResolver s_resolver(HostSettings const& settings) {
     }
 }
 
-// "file:line: text" if the error has a place.
-std::string s_located(Exception const& error) {
-    auto const& file = error.fileName();
-    auto const line = error.lineNumber() == 0 ? "" : ':' + std::to_string(error.lineNumber());
-    return file.empty() ? error.stringParameter() : file + line + ": " + error.stringParameter();
-}
-
 boost::shared_ptr<Telvanis::DynamicIdentifier> s_patterns(HostSettings const& settings) {
     using Telvanis::DynamicIdentifier;
     auto const& path = settings.m_dynamicPatterns;
@@ -87,7 +80,7 @@ boost::shared_ptr<Telvanis::DynamicIdentifier> s_patterns(HostSettings const& se
                    ? DynamicIdentifier::builtIn()
                    : DynamicIdentifier::compile(s_text(path, settings.m_patternText), path);
     } catch (Exception const& error) {
-        throw SettingsError(s_located(error));
+        throw SettingsError({error.fileName(), error.lineNumber(), 0}, error.stringParameter());
     }
 }
 
@@ -161,11 +154,15 @@ void settleDns(HostSettings& settings, bool isNeeded) {
 }
 
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, LoadedRules rules) {
-    PreparedPlatform platform(settings);
-    platform.fit(settings, rules.m_engine);
     auto host = std::make_shared<ScanHost const>(settings, std::move(rules));
-    platform.publish();
+    putInForce(*host);
     return host;
+}
+
+void putInForce(ScanHost const& host) {
+    PreparedPlatform platform(host.settings());
+    platform.fit(host.settings(), host.engine());
+    platform.publish();
 }
 
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
@@ -183,6 +180,24 @@ std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::str
     }
     platform.publish();
     return host;
+}
+
+bool canBeSideBySide(ScanHost const& one, ScanHost const& other) {
+    auto const isSame = [&one, &other](auto HostSettings::*field) {
+        return one.settings().*field == other.settings().*field;
+    };
+    auto const areSame = [&one, &other](std::vector<IPPrefix> HostSettings::*relays) {
+        return settingTexts(one.settings().*relays) == settingTexts(other.settings().*relays);
+    };
+    auto const asks = [](ScanHost const& host) {
+        return !s_dependsOnRules(host.settings()) || needsLookups(host.engine());
+    };
+    return areSame(&HostSettings::m_trusted) && areSame(&HostSettings::m_antiSpam) &&
+           areSame(&HostSettings::m_internal) && isSame(&HostSettings::m_dynamicPatterns) &&
+           isSame(&HostSettings::m_patternText) && isSame(&HostSettings::m_dns) &&
+           isSame(&HostSettings::m_dnsTimeout) && isSame(&HostSettings::m_dnsData) &&
+           isSame(&HostSettings::m_zoneText) && isSame(&HostSettings::m_zoneLines) &&
+           asks(one) == asks(other);
 }
 
 std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> host) {

@@ -40,4 +40,11 @@ std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> h
 // A host with rules of the program's own; the root folder does not matter.
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, LoadedRules rules);
 
+// Puts in force what the process has one of, as this host's settings say.
+void putInForce(ScanHost const& host);
+
+// Whether two hosts can be in force at the same time, since what the process has one of (relays,
+// patterns, resolver) is the same for both.
+bool canBeSideBySide(ScanHost const& one, ScanHost const& other);
+
 } // namespace Quorvane

@@ -95,6 +95,12 @@ void useRoot(std::string const& folder) {
 }
 
 void useOwnRulesIfNoneAreInstalled(SettingsSection& settings) {
+    std::error_code error;
+    auto const program = std::filesystem::read_symlink("/proc/self/exe", error);
+    useOwnRulesIfNoneAreInstalled(settings, program.parent_path().parent_path());
+}
+
+void useOwnRulesIfNoneAreInstalled(SettingsSection& settings, std::filesystem::path const& prefix) {
     namespace fs = std::filesystem;
     constexpr std::string_view root = "root";
     auto const hasRules = [](fs::path const& folder) {
@@ -104,9 +110,7 @@ void useOwnRulesIfNoneAreInstalled(SettingsSection& settings) {
     if (settings.origin(root) != defaultOrigin || hasRules("/")) {
         return;
     }
-    std::error_code error;
-    auto const program = fs::read_symlink("/proc/self/exe", error);
-    auto const own = program.parent_path().parent_path() / "share/qvdeepheader/root";
+    auto const own = prefix / "share/qvdeepheader/root";
     if (hasRules(own)) {
         settings.set(root, {own.string()}, "came with the program, as none are installed");
     }

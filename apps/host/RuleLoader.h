@@ -10,6 +10,7 @@
 #include "rules/model/RuleSet.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -23,6 +24,8 @@ void useRoot(std::string const& folder);
 // root and no rules are installed in "/", the root becomes that of the rules which came with the
 // program, in share/qvdeepheader/root beside its bin folder.
 void useOwnRulesIfNoneAreInstalled(SettingsSection& settings);
+// The same for what is no program: `prefix` is the folder with lib and share.
+void useOwnRulesIfNoneAreInstalled(SettingsSection& settings, std::filesystem::path const& prefix);
 
 struct LoadedRules {
     DeepHeaderEngine m_engine;

@@ -109,8 +109,8 @@ OpenInput openPacked(std::unique_ptr<ByteSource> source) {
     return opened;
 }
 
-OpenInput openInput(std::string const& path, Interrupt const& interrupt) {
-    return openPacked(openBytes(path, interrupt));
+OpenInput openInput(std::string const& path, InputWait const& wait) {
+    return openPacked(openBytes(path, wait));
 }
 
 } // namespace Quorvane

@@ -32,7 +32,8 @@ class Archive {
         std::unique_ptr<ByteSource> m_source;
     };
 
-    // False at the end. Throws an InputError when the rest cannot be read, and Interrupted.
+    // False at the end. Throws an InputError when the rest cannot be read, and what ended
+    // a wait for input.
     bool next(Member& member);
 
     std::uint64_t position() const;
@@ -55,6 +56,6 @@ struct OpenInput {
 OpenInput openPacked(std::unique_ptr<ByteSource> source);
 
 // A file, or "-".
-OpenInput openInput(std::string const& path, Interrupt const& interrupt);
+OpenInput openInput(std::string const& path, InputWait const& wait);
 
 } // namespace Quorvane

@@ -13,8 +13,8 @@ namespace {
 
 class DescriptorSource : public ByteSource {
   public:
-    DescriptorSource(int descriptor, bool isOwner, Interrupt const& interrupt)
-        : m_descriptor(descriptor), m_isOwner(isOwner), m_interrupt(interrupt) {}
+    DescriptorSource(int descriptor, bool isOwner, InputWait const& wait)
+        : m_descriptor(descriptor), m_isOwner(isOwner), m_wait(wait) {}
     DescriptorSource(DescriptorSource const&) = delete;
     DescriptorSource& operator=(DescriptorSource const&) = delete;
     ~DescriptorSource() override {
@@ -26,7 +26,7 @@ class DescriptorSource : public ByteSource {
     // A terminal can be read again after Ctrl-D; whoever typed it means the end.
     std::size_t read(char* buffer, std::size_t size) override {
         while (!m_isAtEnd) {
-            m_interrupt.waitForInput(m_descriptor);
+            m_wait.waitForInput(m_descriptor);
             auto const count = ::read(m_descriptor, buffer, size);
             if (count >= 0) {
                 m_isAtEnd = count == 0;
@@ -46,7 +46,7 @@ class DescriptorSource : public ByteSource {
     int m_descriptor;
     bool m_isOwner;
     bool m_isAtEnd = false;
-    Interrupt const& m_interrupt;
+    InputWait const& m_wait;
     std::uint64_t m_position = 0;
 };
 
@@ -85,7 +85,7 @@ std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size) {
     return start;
 }
 
-std::unique_ptr<ByteSource> openBytes(std::string const& path, Interrupt const& interrupt) {
+std::unique_ptr<ByteSource> openBytes(std::string const& path, InputWait const& wait) {
     bool const isStandardInput = path == "-";
     // A named pipe without a writer must not block the program where it ignores signals.
     int const descriptor =
@@ -93,7 +93,7 @@ std::unique_ptr<ByteSource> openBytes(std::string const& path, Interrupt const& 
     if (descriptor < 0) {
         throw InputError(std::strerror(errno));
     }
-    return std::make_unique<DescriptorSource>(descriptor, !isStandardInput, interrupt);
+    return std::make_unique<DescriptorSource>(descriptor, !isStandardInput, wait);
 }
 
 } // namespace Quorvane

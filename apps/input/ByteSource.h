@@ -3,7 +3,7 @@
 // ByteSource: bytes in pieces, of a file or pipe, or unpacked from one. One object, one thread.
 #pragma once
 
-#include "apps/input/Interrupt.h"
+#include "apps/input/InputWait.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,7 +23,7 @@ class ByteSource {
   public:
     virtual ~ByteSource() = default;
 
-    // Fills up to `size` bytes; 0 at the end. Throws an InputError, or Interrupted.
+    // Fills up to `size` bytes; 0 at the end. Throws an InputError, or what ended the wait.
     virtual std::size_t read(char* buffer, std::size_t size) = 0;
 
     // Bytes taken from the file so far, before unpacking.
@@ -31,8 +31,8 @@ class ByteSource {
 };
 
 // The bytes of a file as they are, or for "-" of standard input, which is left open at the end.
-// Throws an InputError when it cannot be opened. `interrupt` outlives the source.
-std::unique_ptr<ByteSource> openBytes(std::string const& path, Interrupt const& interrupt);
+// Throws an InputError when it cannot be opened. `wait` outlives the source.
+std::unique_ptr<ByteSource> openBytes(std::string const& path, InputWait const& wait);
 
 // The first bytes, `size` of them unless the end comes before. `source` returns them again.
 std::string peekStart(std::unique_ptr<ByteSource>& source, std::size_t size);

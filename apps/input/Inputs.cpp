@@ -34,14 +34,14 @@ void s_setProblem(InputItem& item, int exitStatus, std::string text) {
 
 } // namespace
 
-Inputs::Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt,
+Inputs::Inputs(std::vector<std::string> const& paths, InputWait const& wait,
                HeaderLimits const& limits, std::optional<std::filesystem::path> copies)
-    : m_interrupt(interrupt), m_files(s_orStandardInput(paths)), m_limits(limits),
+    : m_wait(wait), m_files(s_orStandardInput(paths)), m_limits(limits),
       m_copies(std::move(copies)) {}
 
-Inputs::Inputs(std::string path, OpenInput opened, Interrupt const& interrupt,
+Inputs::Inputs(std::string path, OpenInput opened, InputWait const& wait,
                HeaderLimits const& limits)
-    : m_interrupt(interrupt), m_files({}), m_limits(limits), m_name{std::move(path), {}, 0},
+    : m_wait(wait), m_files({}), m_limits(limits), m_name{std::move(path), {}, 0},
       m_source(m_name.m_path), m_archive(std::move(opened.m_archive)) {
     if (opened.m_bytes) {
         startReading(std::move(opened.m_bytes));
@@ -76,7 +76,7 @@ bool Inputs::openNext(InputItem& item) {
         return true;
     }
     try {
-        auto opened = openInput(m_name.m_path, m_interrupt);
+        auto opened = openInput(m_name.m_path, m_wait);
         if (opened.m_bytes && !m_name.m_member.empty()) {
             throw InputError("it is no archive");
         }

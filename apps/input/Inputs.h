@@ -35,15 +35,14 @@ struct InputItem {
 
 class Inputs {
   public:
-    // No path means standard input. `interrupt` outlives the object. A message beyond the limits is
+    // No path means standard input. `wait` outlives the object. A message beyond the limits is
     // a problem. `copies`: copies of the messages are wanted; large ones are kept in this folder.
-    Inputs(std::vector<std::string> const& paths, Interrupt const& interrupt,
-           HeaderLimits const& limits, std::optional<std::filesystem::path> copies = std::nullopt);
+    Inputs(std::vector<std::string> const& paths, InputWait const& wait, HeaderLimits const& limits,
+           std::optional<std::filesystem::path> copies = std::nullopt);
     // One input that is open already.
-    Inputs(std::string path, OpenInput opened, Interrupt const& interrupt,
-           HeaderLimits const& limits);
+    Inputs(std::string path, OpenInput opened, InputWait const& wait, HeaderLimits const& limits);
 
-    // False at the end. Throws Interrupted.
+    // False at the end. Throws what ended a wait for input.
     bool next(InputItem& item);
 
   private:
@@ -60,7 +59,7 @@ class Inputs {
     std::uint64_t openPosition() const;
     std::uint64_t position() const;
 
-    Interrupt const& m_interrupt;
+    InputWait const& m_wait;
     FileWalker m_files;
     HeaderLimits m_limits;
     std::optional<std::filesystem::path> m_copies;

@@ -8,6 +8,8 @@
 // threads.
 #pragma once
 
+#include "apps/input/InputWait.h"
+
 #include <atomic>
 #include <exception>
 #include <stop_token>
@@ -21,19 +23,19 @@ class Interrupted : public std::exception {
     char const* what() const noexcept override { return "interrupted"; }
 };
 
-class Interrupt {
+class Interrupt : public InputWait {
   public:
     // A std::system_error when no descriptors are left; the program is then meant to end.
     Interrupt();
     Interrupt(Interrupt const&) = delete;
     Interrupt& operator=(Interrupt const&) = delete;
     // The signals have their usual effect again.
-    ~Interrupt();
+    ~Interrupt() override;
 
     // Waits until a signal comes.
     void wait() const;
     // Waits until `descriptor` can be read; throws Interrupted when a signal came first.
-    void waitForInput(int descriptor) const;
+    void waitForInput(int descriptor) const override;
 
     // The number of the signal that came; 0: none.
     int signalNumber() const { return m_signal; }

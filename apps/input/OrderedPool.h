@@ -9,6 +9,7 @@
 #pragma once
 
 #include "apps/input/Inputs.h"
+#include "apps/input/Interrupt.h"
 
 #include <condition_variable>
 #include <cstddef>

@@ -3,6 +3,7 @@
 
 #include "apps/commandline/Program.h"
 #include "apps/input/Inputs.h"
+#include "apps/input/Interrupt.h"
 #include "apps/qvrules/NameWarning.h"
 #include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"

@@ -13,7 +13,7 @@ std::string readSettingFile(std::string const& path) {
     try {
         return Rules::readFile(path);
     } catch (Rules::RuleError const& error) {
-        throw SettingsError(error.what());
+        throw SettingsError(error);
     }
 }
 

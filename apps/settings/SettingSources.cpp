@@ -54,8 +54,9 @@ class FileReader {
     void readTable(SettingsSection* section, toml::key const& title, toml::node const& node) const {
         auto const* const table = node.as_table();
         if (table == nullptr) {
-            throw SettingsError(tomlPlace(m_path, title.source().begin) + std::string(title.str()) +
-                                " is a table: write [" + std::string(title.str()) + "]");
+            throw SettingsError(tomlPlace(m_path, title.source().begin),
+                                std::string(title.str()) + " is a table: write [" +
+                                    std::string(title.str()) + "]");
         }
         if (section == nullptr) {
             return;
@@ -67,7 +68,7 @@ class FileReader {
 
     void readKey(SettingsSection& section, toml::key const& name, toml::node const& node) const {
         if (section.find(name.str()) == nullptr) {
-            throw SettingsError(tomlPlace(m_path, name.source().begin) +
+            throw SettingsError(tomlPlace(m_path, name.source().begin),
                                 unknownKey(section, name.str()));
         }
         setFromToml(section, name.str(), node, m_path);

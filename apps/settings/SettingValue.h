@@ -8,11 +8,13 @@
 #include "platform/EmailAddress.h"
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
+#include "rules/model/RuleError.h"
 
 #include <concepts>
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Quorvane {
@@ -27,6 +29,18 @@ inline constexpr int highestScore = 10;
 class SettingsError : public ProgramError {
   public:
     explicit SettingsError(std::string const& text) : ProgramError(ExitStatus::config, text) {}
+    // The text begins with the place.
+    SettingsError(Rules::FilePlace place, std::string const& what)
+        : ProgramError(ExitStatus::config, place.text() + what), m_place(std::move(place)) {}
+
+    explicit SettingsError(Rules::RuleError const& error)
+        : ProgramError(ExitStatus::config, error.what()), m_place(error.place()) {}
+
+    // In a settings file, or one that settings name; empty where it is not known.
+    Rules::FilePlace const& place() const { return m_place; }
+
+  private:
+    Rules::FilePlace m_place;
 };
 
 // They throw a SettingsError that shows the text and what is expected. The ends of a range belong

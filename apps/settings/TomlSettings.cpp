@@ -50,8 +50,8 @@ void s_add(SettingsSection& section, SettingFacts const& facts, toml::node const
     auto const at = node.source().begin;
     auto text = tomlScalar(facts.m_kind, node);
     if (!text) {
-        throw SettingsError(tomlPlace(path, at) + std::string(facts.m_name) + " needs " +
-                            tomlExpected(facts.m_kind));
+        throw SettingsError(tomlPlace(path, at),
+                            std::string(facts.m_name) + " needs " + tomlExpected(facts.m_kind));
     }
     if (facts.m_kind == SettingKind::path && !text->empty()) {
         text = (std::filesystem::path(path).parent_path() / *text).string();
@@ -59,28 +59,29 @@ void s_add(SettingsSection& section, SettingFacts const& facts, toml::node const
     try {
         section.add(facts.m_name, *text);
     } catch (SettingsError const& error) {
-        throw SettingsError(tomlPlace(path, at) + error.what());
+        throw SettingsError(tomlPlace(path, at), error.what());
     }
 }
 
 } // namespace
 
-std::string tomlPlace(std::string const& path, toml::source_position const& at) {
-    return path + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ": ";
+Rules::FilePlace tomlPlace(std::string const& path, toml::source_position const& at) {
+    return {path, at.line, at.column};
 }
 
 toml::table parseToml(std::string const& path, std::string const& text) {
     if (auto const byte = findLongKey(text)) {
-        throw SettingsError(tomlPlace(path, s_place(text, *byte)) + "a key of more than " +
-                            std::to_string(maxKeyParts) + " parts; no setting has so many");
+        throw SettingsError(tomlPlace(path, s_place(text, *byte)),
+                            "a key of more than " + std::to_string(maxKeyParts) +
+                                " parts; no setting has so many");
     }
     try {
         return toml::parse(text, path);
     } catch (toml::parse_error const& error) {
-        throw SettingsError(tomlPlace(path, error.source().begin) +
+        throw SettingsError(tomlPlace(path, error.source().begin),
                             std::string(error.description()));
     } catch (TomlAssertion const&) {
-        throw SettingsError(tomlPlace(path, s_assertionPlace(text)) +
+        throw SettingsError(tomlPlace(path, s_assertionPlace(text)),
                             "this is not TOML; \"[\" is followed by the name of a table");
     }
 }

@@ -6,6 +6,7 @@
 
 #include "apps/settings/SettingsSection.h"
 #include "apps/settings/Toml.h"
+#include "rules/model/FilePlace.h"
 
 #include <optional>
 #include <string>
@@ -13,8 +14,8 @@
 
 namespace Quorvane {
 
-// "FILE:LINE:COLUMN: ".
-std::string tomlPlace(std::string const& path, toml::source_position const& at);
+// A place in the text that toml++ has read from `path`.
+Rules::FilePlace tomlPlace(std::string const& path, toml::source_position const& at);
 
 // Errors name the text `path`.
 toml::table parseToml(std::string const& path, std::string const& text);

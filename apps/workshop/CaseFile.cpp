@@ -35,7 +35,7 @@ class CaseFileReader {
 
   private:
     [[noreturn]] void fail(toml::source_position const& at, std::string const& what) const {
-        throw SettingsError(tomlPlace(m_path, at) + what);
+        throw SettingsError(tomlPlace(m_path, at), what);
     }
 
     void checkName(toml::key const& name) const {

@@ -19,7 +19,7 @@ namespace Quorvane::Workshop {
 namespace {
 
 [[noreturn]] void s_fail(std::string const& path, toml::node const& node, std::string const& what) {
-    throw SettingsError(tomlPlace(path, node.source().begin) + what);
+    throw SettingsError(tomlPlace(path, node.source().begin), what);
 }
 
 std::string s_text(std::string const& path, std::string_view name, toml::node const& node) {
@@ -75,7 +75,7 @@ class CaseReader {
             setFromToml(m_facts, name.str(), node, m_path);
             m_fact = &node;
         } else {
-            throw SettingsError(tomlPlace(m_path, name.source().begin) + unknownKey(name.str()));
+            throw SettingsError(tomlPlace(m_path, name.source().begin), unknownKey(name.str()));
         }
     }
 

@@ -14,6 +14,7 @@
 
 #include "apps/input/Archive.h"
 #include "apps/input/InputName.h"
+#include "apps/input/Interrupt.h"
 #include "platform/HeaderReader.h"
 #include "rules/vectors/VectorTable.h"
 

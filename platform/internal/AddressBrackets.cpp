@@ -7,6 +7,10 @@ namespace Quorvane::internal {
 
 namespace {
 
+bool s_isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
 class BracketScan {
   public:
     explicit BracketScan(std::string_view text) : m_text(text) {}
@@ -24,7 +28,7 @@ class BracketScan {
     // All of these are false when a bracket is out of place, or a separator within brackets.
     bool step(char c) {
         bool const inPlace = isInPlace(c);
-        bool const isFiller = c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '(';
+        bool const isFiller = s_isBlank(c) || c == '(';
         m_before = isFiller ? m_before : c;
         return inPlace;
     }
@@ -102,6 +106,31 @@ class BracketScan {
 };
 
 } // namespace
+
+void emptyLiteralBeforeOpenComment(std::string& text) {
+    std::size_t literal = 0; // where the last one begins and ends; with anything but blanks after
+    std::size_t literalEnd = 0; // it, both are 0
+    for (std::size_t at = 0; at < text.size();) {
+        char const c = text[at];
+        auto const next = c == '"'   ? afterSpan(text, at + 1, '"')
+                          : c == '[' ? afterSpan(text, at + 1, ']')
+                          : c == '(' ? afterComment(text, at + 1)
+                                     : at + 1;
+        if (next == std::string::npos) {
+            if (c == '(') {
+                text.erase(literal, literalEnd - literal);
+            }
+            return;
+        }
+        if (c == '[') {
+            literal = at;
+            literalEnd = next;
+        } else if (!s_isBlank(c)) {
+            literal = literalEnd = 0;
+        }
+        at = next;
+    }
+}
 
 std::size_t wellBracketedLength(std::string_view text) {
     return BracketScan(text).wellBracketedLength();

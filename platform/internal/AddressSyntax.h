@@ -44,6 +44,10 @@ inline std::size_t afterComment(std::string_view text, std::size_t position) {
 // bracket, or where a blank and another word follow its domain.
 void spoilDoubleAts(std::string& text);
 
+// Empties the literal of an address that a comment follows which nothing closes. Nobody can read
+// such an address, and GMime leaks what it has read of it; of one without a literal it does not.
+void emptyLiteralBeforeOpenComment(std::string& text);
+
 // Length of the longest run of whole addresses from the beginning of `text` in which quotation
 // marks, comments, literals and angle brackets are closed, a literal follows "@", each address has
 // at most one pair of angle brackets with no "@" in front of it, and separators stand between the

@@ -86,6 +86,7 @@ std::optional<AddressText> prepareAddressText(std::string const& header, bool le
         prepared.m_text.resize(wellBracketedLength(prepared.m_text));
     }
     spoilDoubleAts(prepared.m_text);
+    emptyLiteralBeforeOpenComment(prepared.m_text);
     bool const usable = !prepared.m_text.empty() && header.find('\0') == std::string::npos &&
                         std::all_of(std::begin(s_decoded), std::end(s_decoded),
                                     [&](Decoded const& each) { return s_hide(each, prepared); });

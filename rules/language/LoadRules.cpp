@@ -19,8 +19,10 @@ LoadedRules loadRules(std::filesystem::path const& path) {
     auto const text = readFile(path);
     auto compiled = compileRules(text);
     if (!compiled.m_errors.empty()) {
+        auto const& first = compiled.m_errors.front().m_position;
         throw RuleError(RuleError::Kind::badData,
-                        showErrors(path.string(), text, compiled.m_errors));
+                        showErrors(path.string(), text, compiled.m_errors),
+                        {path.string(), first.m_line, first.m_column});
     }
     auto names = readNames(compiled.m_set.m_names);
     return {std::move(compiled.m_set), true, std::move(compiled.m_places), std::move(names)};

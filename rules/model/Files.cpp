@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 using Kind = RuleError::Kind;
 
 [[noreturn]] void s_fail(Kind kind, fs::path const& path, char const* what, int error) {
-    throw RuleError(kind, path.string() + ": " + what + ": " + std::strerror(error));
+    throw RuleError(kind, {path.string()}, std::string(what) + ": " + std::strerror(error));
 }
 
 class Descriptor {
@@ -63,7 +63,7 @@ void s_requireRegularFile(fs::path const& path) {
     std::error_code error;
     auto const status = fs::status(path, error);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        throw RuleError(Kind::noInput, path.string() + ": is no regular file");
+        throw RuleError(Kind::noInput, {path.string()}, "is no regular file");
     }
 }
 
@@ -103,9 +103,9 @@ std::optional<Bytes> readFileIfThere(fs::path const& path) {
         s_fail(Kind::noInput, path, "cannot be read", errno);
     }
     if (content.size() > maxRuleFileSize) {
-        throw RuleError(Kind::badData, path.string() + ": larger than " +
-                                           std::to_string(maxRuleFileSize >> 20U) +
-                                           " MiB, so it is not what is expected here");
+        throw RuleError(Kind::badData, {path.string()},
+                        "larger than " + std::to_string(maxRuleFileSize >> 20U) +
+                            " MiB, so it is not what is expected here");
     }
     return content;
 }

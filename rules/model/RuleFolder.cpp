@@ -14,9 +14,8 @@ namespace {
 void s_checkIsNoFile(std::filesystem::path const& folder) {
     std::error_code error;
     if (std::filesystem::exists(folder, error) && !std::filesystem::is_directory(folder, error)) {
-        throw RuleError(RuleError::Kind::noInput,
-                        folder.string() +
-                            ": is not a folder; give the folder that holds the rule " + "files " +
+        throw RuleError(RuleError::Kind::noInput, {folder.string()},
+                        std::string("is not a folder; give the folder that holds the rule files ") +
                             treeFileName + ", " + eliteFileName + " and " + versionFileName);
     }
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <malloc.h>
 #include <ostream>
 #include <pthread.h>
 #include <sstream>
@@ -289,6 +290,29 @@ TEST(EmailAddress, HostileTextIsHarmless) {
 }
 
 // A host's scanning threads may have small stacks.
+#if !defined(__SANITIZE_ADDRESS__) &&                                                              \
+    !defined(__SANITIZE_THREAD__) // they look for leaks themselves
+TEST(EmailAddress, AnAddressBeforeACommentWithoutAnEndLeaksNothing) {
+    for (std::string const text : {"m@[](", "m@[192.0.2.1] (a (b)", "x@y.example, m@[\"]\r\n (",
+                                   "g: m@[1](a\\)", "(c) m@[(](x, y@z.example"}) {
+        constexpr std::size_t calls = 1000;
+        EmailAddress::rfc5322Parse(text); // with what is made once
+        auto const before = ::mallinfo2().uordblks;
+        for (std::size_t i = 0; i < calls; ++i) {
+            EmailAddress::rfc5322Parse(text);
+        }
+        EXPECT_LT(::mallinfo2().uordblks, before + calls * 16) << text;
+    }
+}
+#endif
+
+TEST(EmailAddress, ALiteralBeforeACommentWithoutAnEndTakesNoOtherAddressAway) {
+    EXPECT_EQ(EmailAddress::rfc5322Parse("x@y.example, m@[192.0.2.1](").domain(), "y.example");
+    EXPECT_TRUE(EmailAddress::rfc5322Parse("m@[192.0.2.1](").isNull());
+    EXPECT_EQ(EmailAddress::rfc5322Parse("\"[a] (\" <m@y.example>").domain(), "y.example");
+    EXPECT_EQ(EmailAddress::rfc5322Parse("m@[192.0.2.1] (a)").domain(), "[192.0.2.1]");
+}
+
 TEST(EmailAddress, HostileTextNeedsLittleStack) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);

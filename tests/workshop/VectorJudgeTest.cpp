@@ -4,6 +4,7 @@
 #include "apps/host/HostSetup.h"
 #include "apps/host/RuleLoader.h"
 #include "apps/input/Inputs.h"
+#include "apps/input/Interrupt.h"
 #include "platform/HeaderReader.h"
 #include "rules/language/LoadRules.h"
 #include "rules/model/RuleError.h"

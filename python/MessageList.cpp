@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "python/MessageList.h"
+
+#include "python/Argument.h"
+#include "python/Held.h"
+
+#include <cerrno>
+#include <memory>
+#include <poll.h>
+#include <pybind11/operators.h>
+#include <utility>
+
+namespace Quorvane::Python {
+
+namespace {
+
+namespace py = pybind11;
+
+py::tuple s_state(Message const& message) {
+    return py::make_tuple(py::bytes(message.m_source), py::bytes(message.m_headers),
+                          py::bytes(message.m_error));
+}
+
+Message s_fromState(py::tuple const& state) {
+    if (state.size() != 3) {
+        throw py::value_error("this is not the state of a Message");
+    }
+    return {state[0].cast<std::string>(), state[1].cast<std::string>(),
+            state[2].cast<std::string>()};
+}
+
+std::string s_repr(Message const& message) {
+    auto const text = [](py::object const& value) { return py::repr(value).cast<std::string>(); };
+    return "Message(source=" + text(fileName(message.m_source)) +
+           (message.m_error.empty() ? ", " + std::to_string(message.m_headers.size()) + " bytes"
+                                    : ", error=" + text(textOf(message.m_error))) +
+           ")";
+}
+
+std::unique_ptr<MessageList> s_messages(py::args const& paths, py::object const& settings) {
+    if (paths.empty()) {
+        throw py::type_error("messages() needs at least one path");
+    }
+    std::vector<std::string> texts;
+    for (auto const path : paths) {
+        texts.push_back(pathOf(path));
+    }
+    return std::make_unique<MessageList>(texts, settingsOf(settings).values().m_limits);
+}
+
+} // namespace
+
+// A signal interrupts the wait of the thread that it reaches: the threads of this module block
+// signals, so that this is the interpreter's.
+void SignalWait::waitForInput(int descriptor) const {
+    pollfd waiting{descriptor, POLLIN, 0};
+    while (::poll(&waiting, 1, -1) < 0 && errno == EINTR) {
+        py::gil_scoped_acquire const lock;
+        if (PyErr_CheckSignals() != 0) {
+            throw py::error_already_set();
+        }
+    }
+}
+
+Message MessageList::next() {
+    if (m_isReading) {
+        throw py::value_error("another thread is reading these messages");
+    }
+    Held const reading(m_isReading);
+    InputItem item;
+    bool isThere = false;
+    {
+        py::gil_scoped_release const release;
+        isThere = m_inputs.next(item);
+    }
+    if (!isThere) {
+        throw py::stop_iteration();
+    }
+    return {std::move(item.m_source), std::move(item.m_headers), std::move(item.m_problem)};
+}
+
+void bindMessages(py::module_& module) {
+    using Self = Message const&;
+    py::class_<Message>(module, "Message", py::is_final(),
+                        "The header section of a message, and where it is from.")
+        .def(py::init([](py::buffer const& headers, py::str const& source) {
+                 return Message{pathOf(source), sectionOf(headers), {}};
+             }),
+             py::arg("headers"), py::arg("source") = "",
+             "headers: a message; its body is not kept. source: what answers are to call it.")
+        .def_property_readonly(
+            "source", [](Self self) { return fileName(self.m_source); }, "As Answer.source.")
+        .def_property_readonly(
+            "headers", [](Self self) { return py::bytes(self.m_headers); },
+            "Up to and including the empty line; empty when the message could not be read.")
+        .def_property_readonly(
+            "error", [](Self self) { return textOrNone(self.m_error); },
+            "Why it could not be read, or is no message; None for a message.")
+        .def("__repr__", s_repr)
+        .def(py::self == py::self)
+        .def(py::pickle(&s_state, &s_fromState));
+
+    py::class_<MessageList>(module, "Messages", py::is_final(), "The iterator of messages().")
+        .def("__iter__", [](py::object const& self) { return self; })
+        .def("__next__", &MessageList::next);
+
+    module.def(
+        "messages", &s_messages, py::arg("settings") = py::none(),
+        "All messages of files, mailboxes (mbox), Maildirs, folders and archives (tar, zip),\n"
+        "packed (gzip, bzip2, xz, zstd) or not, in order. PATH:N is message N of a mailbox;\n"
+        "'-' is standard input. Bodies are not kept.\n\n"
+        "What cannot be read, or is no message, comes as a Message with an error, and the\n"
+        "rest follows. settings: as for Scanner; only the limits of a message count.");
+}
+
+} // namespace Quorvane::Python

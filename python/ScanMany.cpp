@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "python/ScanMany.h"
+
+#include "python/Held.h"
+
+#include <csignal>
+#include <new>
+#include <pthread.h>
+#include <set>
+#include <thread>
+#include <utility>
+
+namespace Quorvane::Python {
+
+namespace {
+
+namespace py = pybind11;
+
+// Enough that no thread waits while Python takes answers one by one.
+constexpr std::size_t mostUnderWay = 512;
+
+// Those that exist, to be stopped before the interpreter ends. Under the interpreter's lock.
+std::set<ScanMany*>& s_all() {
+    static std::set<ScanMany*> all;
+    return all;
+}
+
+// Signals are for the interpreter: while an object of this class exists, threads that begin are
+// spared.
+class BlockedSignals {
+  public:
+    BlockedSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    BlockedSignals(BlockedSignals const&) = delete;
+    BlockedSignals& operator=(BlockedSignals const&) = delete;
+    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+  private:
+    sigset_t m_before{};
+};
+
+} // namespace
+
+ScanMany::ScanMany(std::shared_ptr<Scanner const> scanner, py::iterator messages,
+                   unsigned int threads)
+    : m_scanner(std::move(scanner)), m_messages(std::move(messages)) {
+    s_all().insert(this);
+    if (threads != 1) {
+        BlockedSignals const spared;
+        m_pool = std::make_unique<OrderedPool>(
+            threads,
+            [this](InputItem const& item) {
+                return [this, result = resultOf(item)]() mutable {
+                    return deliver(std::move(result));
+                };
+            },
+            m_stop.get_token());
+    }
+}
+
+ScanMany::~ScanMany() {
+    stop();
+    s_all().erase(this);
+}
+
+void ScanMany::stop() {
+    m_isAtEnd = true;
+    m_stop.request_stop();
+    py::gil_scoped_release const release;
+    m_pool.reset();
+}
+
+// False at the end.
+bool ScanMany::take(Message& message) {
+    if (m_isAtEnd) {
+        return false;
+    }
+    try {
+        if (m_messages == py::iterator::sentinel()) {
+            m_isAtEnd = true;
+            return false;
+        }
+        message = messageOf(*m_messages);
+        ++m_messages;
+        return true;
+    } catch (...) {
+        m_thrown = std::current_exception();
+        m_isAtEnd = true;
+        return false;
+    }
+}
+
+Answer ScanMany::nextAlone() {
+    Message message;
+    if (!take(message)) {
+        if (auto const thrown = std::exchange(m_thrown, nullptr)) {
+            std::rethrow_exception(thrown);
+        }
+        throw py::stop_iteration();
+    }
+    py::gil_scoped_release const release;
+    return m_scanner->judge(message);
+}
+
+// While answers wait, a few messages for each that is taken; otherwise until one comes or enough
+// are under way.
+void ScanMany::readAhead() {
+    constexpr int few = 2;
+    Message message;
+    for (int i = 0; m_underWay < mostUnderWay && (i < few || !hasResult()) && take(message); ++i) {
+        InputItem item;
+        item.m_source = std::move(message.m_source);
+        item.m_headers = std::move(message.m_headers);
+        item.m_problem = std::move(message.m_error);
+        ++m_underWay;
+        py::gil_scoped_release const release;
+        m_pool->submit(std::move(item));
+    }
+}
+
+// On a thread of the pool. Of running out of memory the pool makes a problem of the message.
+ScanMany::Result ScanMany::resultOf(InputItem const& item) const {
+    try {
+        return m_scanner->judge({item.m_source, item.m_headers, item.m_problem});
+    } catch (std::bad_alloc const&) {
+        throw;
+    } catch (...) {
+        return std::current_exception();
+    }
+}
+
+// On a thread of the pool.
+bool ScanMany::deliver(Result result) {
+    std::lock_guard const lock(m_mutex);
+    try {
+        m_results.push_back(std::move(result));
+    } catch (std::bad_alloc const&) {
+        m_isOutOfMemory = true;
+    }
+    m_hasResults.notify_one();
+    return !m_isOutOfMemory;
+}
+
+bool ScanMany::hasResult() {
+    std::lock_guard const lock(m_mutex);
+    return !m_results.empty();
+}
+
+ScanMany::Result ScanMany::waitForResult() {
+    py::gil_scoped_release const release;
+    std::unique_lock lock(m_mutex);
+    m_hasResults.wait(lock, [this] { return !m_results.empty() || m_isOutOfMemory; });
+    if (m_results.empty()) {
+        throw std::bad_alloc();
+    }
+    auto result = std::move(m_results.front());
+    m_results.pop_front();
+    return result;
+}
+
+Answer ScanMany::next() {
+    if (m_isBusy) {
+        throw py::value_error("another thread is taking these answers");
+    }
+    Held const busy(m_isBusy);
+    m_scanner->requireInForce();
+    if (m_pool == nullptr) {
+        return nextAlone();
+    }
+    readAhead();
+    if (m_underWay == 0) {
+        if (auto const thrown = std::exchange(m_thrown, nullptr)) {
+            std::rethrow_exception(thrown);
+        }
+        throw py::stop_iteration();
+    }
+    --m_underWay;
+    auto result = waitForResult();
+    if (auto const* const thrown = std::get_if<std::exception_ptr>(&result)) {
+        std::rethrow_exception(*thrown);
+    }
+    return std::get<Answer>(std::move(result));
+}
+
+std::unique_ptr<ScanMany> scanMany(std::shared_ptr<Scanner const> const& scanner,
+                                   py::iterable const& messages, unsigned int threads) {
+    scanner->requireInForce();
+    return std::make_unique<ScanMany>(scanner, py::iter(messages),
+                                      threads != 0 ? threads : scanner->jobs());
+}
+
+void bindScanMany(py::module_& module) {
+    py::class_<ScanMany>(module, "Scans", py::is_final(), "The iterator of Scanner.scan_many.")
+        .def("__iter__", [](py::object const& self) { return self; })
+        .def("__next__", &ScanMany::next);
+    py::module_::import("atexit").attr("register")(py::cpp_function([] {
+        for (auto* const each : s_all()) {
+            each->stop();
+        }
+    }));
+}
+
+} // namespace Quorvane::Python
