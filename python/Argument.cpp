@@ -104,6 +104,14 @@ SettingsStore settingsOf(py::handle argument) {
     return settings;
 }
 
+void warnAbout(SettingsStore const& settings) {
+    for (auto const& warning : settingWarnings(settings)) {
+        if (PyErr_WarnEx(PyExc_UserWarning, toUtf8(warning).c_str(), 1) != 0) {
+            throw py::error_already_set(); // warnings are errors here
+        }
+    }
+}
+
 MessageFacts factsOf(py::kwargs const& arguments) {
     FactsStore facts;
     for (auto const& [key, value] : arguments) {

@@ -24,6 +24,9 @@ std::string pathOf(pybind11::handle path);
 // mapping of names to values. What it names as files is read. Throws a SettingsError.
 SettingsStore settingsOf(pybind11::handle argument);
 
+// Warns of what is allowed and hardly meant, as UserWarnings of Python's module warnings.
+void warnAbout(SettingsStore const& settings);
+
 // What is known of a message besides its text: keyword arguments with the names of the options of
 // qvscan, "_" for "-". Throws a SettingsError.
 MessageFacts factsOf(pybind11::kwargs const& arguments);

@@ -50,11 +50,15 @@ std::unique_ptr<MessageList> s_messages(py::args const& paths, py::object const&
 
 } // namespace
 
-// A signal interrupts the wait of the thread that it reaches: the threads of this module block
-// signals, so that this is the interpreter's.
+// The interpreter only notes that a signal came. One that comes right before the wait would not end
+// it, so no wait is long.
 void SignalWait::waitForInput(int descriptor) const {
+    constexpr int longestWait = 100; // milliseconds
     pollfd waiting{descriptor, POLLIN, 0};
-    while (::poll(&waiting, 1, -1) < 0 && errno == EINTR) {
+    for (int ready = 0; (ready = ::poll(&waiting, 1, longestWait)) <= 0;) {
+        if (ready < 0 && errno != EINTR) {
+            return; // the read will fail, too, and say why
+        }
         py::gil_scoped_acquire const lock;
         if (PyErr_CheckSignals() != 0) {
             throw py::error_already_set();

@@ -44,7 +44,7 @@ class BlockedSignals {
 
 } // namespace
 
-ScanMany::ScanMany(std::shared_ptr<Scanner const> scanner, py::iterator messages,
+ScanMany::ScanMany(std::shared_ptr<Scanner const> scanner, py::object messages,
                    unsigned int threads)
     : m_scanner(std::move(scanner)), m_messages(std::move(messages)) {
     s_all().insert(this);
@@ -79,12 +79,12 @@ bool ScanMany::take(Message& message) {
         return false;
     }
     try {
-        if (m_messages == py::iterator::sentinel()) {
+        auto const next = py::reinterpret_steal<py::object>(PyIter_Next(m_messages.ptr()));
+        if (!next) {
             m_isAtEnd = true;
-            return false;
+            return PyErr_Occurred() == nullptr ? false : throw py::error_already_set();
         }
-        message = messageOf(*m_messages);
-        ++m_messages;
+        message = messageOf(next);
         return true;
     } catch (...) {
         m_thrown = std::current_exception();

@@ -24,7 +24,7 @@ namespace Quorvane::Python {
 class ScanMany {
   public:
     // `threads`: 1 for none besides the caller's.
-    ScanMany(std::shared_ptr<Scanner const> scanner, pybind11::iterator messages,
+    ScanMany(std::shared_ptr<Scanner const> scanner, pybind11::object messages,
              unsigned int threads);
     ScanMany(ScanMany const&) = delete;
     ScanMany& operator=(ScanMany const&) = delete;
@@ -50,7 +50,7 @@ class ScanMany {
     Result waitForResult();
 
     std::shared_ptr<Scanner const> m_scanner;
-    pybind11::iterator m_messages;
+    pybind11::object m_messages; // an iterator
     std::exception_ptr m_thrown; // by the iterator
     bool m_isAtEnd = false;
     bool m_isBusy = false; // under the interpreter's lock

@@ -61,6 +61,7 @@ Message messageOf(py::handle message) {
 
 Scanner::Scanner(py::handle rules, py::handle settings) {
     auto store = settingsOf(settings);
+    warnAbout(store);
     useOwnRulesIfNoneAreInstalled(store, s_prefix());
     auto const path =
         rules.is_none()

@@ -1,0 +1,74 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""bench/python_module.py BUILD [MESSAGES]: the Python package against qvscan on the same mailbox.
+
+Both judge all messages (default 100,000), made from those in examples/. They take turns, and the
+figures are the medians of the ratios: times on a machine that does other things mean little.
+"""
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+SOURCE = pathlib.Path(__file__).resolve().parent.parent
+TURNS = 5
+JUDGE = """
+import sys
+import qvdeepheader
+
+scanner = qvdeepheader.Scanner(settings={"dns": "off"})
+count = sum(answer.error is None for answer in scanner.scan_many(
+    qvdeepheader.messages(sys.argv[1]), threads=int(sys.argv[2])))
+assert count == int(sys.argv[3]), count
+"""
+
+
+def writeMailbox(path, messages):
+    examples = [file.read_bytes() for file in sorted((SOURCE / "examples").glob("*.eml"))]
+    with path.open("wb") as out:
+        for number in range(messages):
+            out.write(b"From a@b.example Thu Jan  1 00:00:00 2026\n")
+            out.write(examples[number % len(examples)] + b"\n" + b"A line of the body.\n" * 50 + b"\n")
+
+
+def seconds(command, **options):
+    start = time.monotonic()
+    run = subprocess.run(command, stdout=subprocess.DEVNULL, check=False, **options)
+    if run.returncode not in (0, 1):
+        sys.exit(f"{command[0]} ended with status {run.returncode}")
+    return time.monotonic() - start
+
+
+def main():
+    build = pathlib.Path(sys.argv[1]).resolve()
+    messages = int(sys.argv[2]) if len(sys.argv) > 2 else 100_000
+    environment = os.environ | {"PYTHONPATH": str(build / "lib/python3/dist-packages")}
+    with tempfile.TemporaryDirectory() as folder:
+        box = pathlib.Path(folder, "all.mbox")
+        writeMailbox(box, messages)
+
+        def qvscan(jobs):
+            return seconds([build / "bin/qvscan", "--root", build / "share/qvdeepheader/root",
+                            "--dns", "off", "--format", "json", "--jobs", str(jobs), box])
+
+        def package(threads):
+            return seconds(["/usr/bin/python3", "-B", "-c", JUDGE, box, str(threads),
+                            str(messages)], env=environment)
+
+        ratios = {"scan_many to qvscan, 1 thread": [], "scan_many to qvscan, 2 threads": [],
+                  "scan_many, 1 thread to 2": [], "qvscan, 1 thread to 2": []}
+        for _ in range(TURNS):
+            times = package(1), qvscan(1), package(2), qvscan(2)
+            for row, ratio in zip(ratios.values(), (times[0] / times[1], times[2] / times[3],
+                                                    times[0] / times[2], times[1] / times[3])):
+                row.append(ratio)
+    print(f"{messages:,} messages, medians of {TURNS} turns")
+    for name, row in ratios.items():
+        print(f"{name}: {statistics.median(row):.2f} ({min(row):.2f} to {max(row):.2f})")
+
+
+if __name__ == "__main__":
+    main()
