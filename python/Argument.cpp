@@ -7,6 +7,7 @@
 #include "rules/language/Nearest.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace Quorvane::Python {
@@ -104,11 +105,15 @@ SettingsStore settingsOf(py::handle argument) {
     return settings;
 }
 
+void warn(std::string_view text) {
+    if (PyErr_WarnEx(PyExc_UserWarning, toUtf8(text).c_str(), 1) != 0) {
+        throw py::error_already_set(); // whoever wants warnings to be errors gets them so
+    }
+}
+
 void warnAbout(SettingsStore const& settings) {
     for (auto const& warning : settingWarnings(settings)) {
-        if (PyErr_WarnEx(PyExc_UserWarning, toUtf8(warning).c_str(), 1) != 0) {
-            throw py::error_already_set(); // warnings are errors here
-        }
+        warn(warning);
     }
 }
 
@@ -132,9 +137,8 @@ std::string sectionOf(py::handle message) {
     }
     std::string_view const bytes(static_cast<char const*>(view.buf),
                                  static_cast<std::size_t>(view.len));
-    std::string section(bytes.substr(0, HeaderReader::sectionLength(bytes)));
-    PyBuffer_Release(&view);
-    return section;
+    std::unique_ptr<Py_buffer, void (*)(Py_buffer*)> const end(&view, PyBuffer_Release);
+    return std::string(bytes.substr(0, HeaderReader::sectionLength(bytes)));
 }
 
 } // namespace Quorvane::Python

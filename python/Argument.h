@@ -24,7 +24,9 @@ std::string pathOf(pybind11::handle path);
 // mapping of names to values. What it names as files is read. Throws a SettingsError.
 SettingsStore settingsOf(pybind11::handle argument);
 
-// Warns of what is allowed and hardly meant, as UserWarnings of Python's module warnings.
+// A UserWarning of Python's module warnings.
+void warn(std::string_view text);
+// Warns of what is allowed and hardly meant.
 void warnAbout(SettingsStore const& settings);
 
 // What is known of a message besides its text: keyword arguments with the names of the options of

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "python/ScanMany.h"
 
+#include "apps/settings/SettingsTable.h"
 #include "python/Held.h"
 
 #include <csignal>
 #include <new>
 #include <pthread.h>
 #include <set>
-#include <thread>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace Quorvane::Python {
@@ -46,8 +49,7 @@ class BlockedSignals {
 
 ScanMany::ScanMany(std::shared_ptr<Scanner const> scanner, py::object messages,
                    unsigned int threads)
-    : m_scanner(std::move(scanner)), m_messages(std::move(messages)) {
-    s_all().insert(this);
+    : m_scanner(std::move(scanner)), m_messages(std::move(messages)), m_process(::getpid()) {
     if (threads != 1) {
         BlockedSignals const spared;
         m_pool = std::make_unique<OrderedPool>(
@@ -59,6 +61,7 @@ ScanMany::ScanMany(std::shared_ptr<Scanner const> scanner, py::object messages,
             },
             m_stop.get_token());
     }
+    s_all().insert(this);
 }
 
 ScanMany::~ScanMany() {
@@ -68,9 +71,19 @@ ScanMany::~ScanMany() {
 
 void ScanMany::stop() {
     m_isAtEnd = true;
+    if (::getpid() != m_process) {
+        static_cast<void>(m_pool.release()); // nobody could wait for its threads here
+        return;
+    }
     m_stop.request_stop();
     py::gil_scoped_release const release;
     m_pool.reset();
+}
+
+void ScanMany::stopAtExit() {
+    if (!m_isBusy) {
+        stop();
+    }
 }
 
 // False at the end.
@@ -165,6 +178,9 @@ Answer ScanMany::next() {
     if (m_isBusy) {
         throw py::value_error("another thread is taking these answers");
     }
+    if (::getpid() != m_process) {
+        throw std::runtime_error("this scan belongs to the parent of this process; begin one here");
+    }
     Held const busy(m_isBusy);
     m_scanner->requireInForce();
     if (m_pool == nullptr) {
@@ -188,6 +204,7 @@ Answer ScanMany::next() {
 std::unique_ptr<ScanMany> scanMany(std::shared_ptr<Scanner const> const& scanner,
                                    py::iterable const& messages, unsigned int threads) {
     scanner->requireInForce();
+    SettingsStore().set("jobs", {std::to_string(threads)}, "Python"); // checks the number
     return std::make_unique<ScanMany>(scanner, py::iter(messages),
                                       threads != 0 ? threads : scanner->jobs());
 }
@@ -197,8 +214,10 @@ void bindScanMany(py::module_& module) {
         .def("__iter__", [](py::object const& self) { return self; })
         .def("__next__", &ScanMany::next);
     py::module_::import("atexit").attr("register")(py::cpp_function([] {
-        for (auto* const each : s_all()) {
-            each->stop();
+        while (!s_all().empty()) {
+            auto* const each = *s_all().begin();
+            s_all().erase(each);
+            each->stopAtExit();
         }
     }));
 }

@@ -17,6 +17,7 @@
 #include <mutex>
 #include <pybind11/pybind11.h>
 #include <stop_token>
+#include <sys/types.h>
 #include <variant>
 
 namespace Quorvane::Python {
@@ -35,8 +36,10 @@ class ScanMany {
     // for the messages before.
     Answer next();
 
-    // Ends the threads; next then finds no more messages. For the end of the interpreter.
+    // Ends the threads; next then finds no more messages.
     void stop();
+    // The same at the end of the interpreter, unless a thread that it does not wait for is in next.
+    void stopAtExit();
 
   private:
     using Result = std::variant<Answer, std::exception_ptr>;
@@ -54,6 +57,7 @@ class ScanMany {
     std::exception_ptr m_thrown; // by the iterator
     bool m_isAtEnd = false;
     bool m_isBusy = false; // under the interpreter's lock
+    pid_t m_process;       // has the threads; its children have none of them
     std::size_t m_underWay = 0;
     std::mutex m_mutex;
     std::condition_variable m_hasResults;

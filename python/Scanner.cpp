@@ -71,6 +71,9 @@ Scanner::Scanner(py::handle rules, py::handle settings) {
         py::gil_scoped_release const release; // files may be slow
         m_host = s_host(store.values(), path);
     }
+    if (auto const& problem = m_host->namesProblem(); !problem.empty()) {
+        warn(path + ": " + problem + "; rules are without names");
+    }
     auto& inForce = s_inForce();
     if (inForce == nullptr || !canBeSideBySide(*inForce, *m_host)) {
         putInForce(*m_host);

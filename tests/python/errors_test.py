@@ -7,9 +7,11 @@ import os
 import pathlib
 import pickle
 import random
+import shutil
 import tempfile
 import threading
 import unittest
+import warnings
 
 import qvdeepheader
 from support import EXAMPLES, ROOT, SETTINGS, SOURCE
@@ -93,6 +95,18 @@ class Errors(unittest.TestCase):
             self.assertEqual((bad.verdict, bad.error),
                              ("none", "not a message: it has no header field"))
 
+    def testANumberOfThreadsIsChecked(self):
+        for wrong in (1_000_000, -1, "2"):
+            with self.assertRaises((qvdeepheader.SettingsError, TypeError)):
+                self.scanner.scan_many([], threads=wrong)
+
+    def testNamesThatCannotBeReadAreWarnedOf(self):
+        folder = self.path("rules")
+        shutil.copytree(pathlib.Path(ROOT, "var/spool/etc/antispam"), folder)
+        (folder / "qv.names").write_text("not a file of names")
+        with self.assertWarnsRegex(UserWarning, "^/.*/rules: .*without names"):
+            qvdeepheader.Scanner(rules=folder, settings=SETTINGS)
+
     def testAnErrorOfTheIteratorComesInItsTurn(self):
         def broken():
             yield self.message
@@ -120,6 +134,7 @@ class Errors(unittest.TestCase):
             self.assertIsInstance(self.scanner.explain(message), dict)
 
     def testDamagedRulesAreRefusedOrLoaded(self):
+        warnings.simplefilter("ignore")  # of names; unittest restores it
         dice = random.Random(8)
         good = pathlib.Path(ROOT, "var/spool/etc/antispam")
         for damage in range(100):

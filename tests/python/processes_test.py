@@ -72,6 +72,22 @@ except KeyboardInterrupt:
                 self.assertEqual(child.wait(), 0)
                 child.stdout.close()
 
+    def testAChildOfAForkNeitherUsesNorEndsTheThreadsOfItsParent(self):
+        ended = run("""
+answers = scanner.scan_many([message] * 1000, threads=2)
+next(answers)
+child = os.fork()
+if child == 0:
+    try:
+        next(answers)
+    except RuntimeError:
+        del answers
+        os._exit(42)
+_, status = os.waitpid(child, 0)
+print(os.waitstatus_to_exitcode(status), sum(1 for _ in answers))
+""")
+        self.assertEqual((ended.stderr, ended.stdout), ("", "42 999\n"))
+
     def testChildrenOfAForkJudge(self):
         scanner = qvdeepheader.Scanner(settings=SETTINGS)
         messages = [example.read_bytes() for example in EXAMPLES]
