@@ -37,15 +37,33 @@ std::string s_repr(Message const& message) {
            ")";
 }
 
-std::unique_ptr<MessageList> s_messages(py::args const& paths, py::object const& settings) {
+std::vector<std::string> s_paths(py::args const& paths) {
     if (paths.empty()) {
-        throw py::type_error("messages() needs at least one path");
+        throw py::type_error("at least one path is needed");
     }
     std::vector<std::string> texts;
     for (auto const path : paths) {
         texts.push_back(pathOf(path));
     }
-    return std::make_unique<MessageList>(texts, settingsOf(settings).values().m_limits);
+    return texts;
+}
+
+std::unique_ptr<MessageList> s_messages(py::args const& paths, py::object const& settings) {
+    return std::make_unique<MessageList>(s_paths(paths), settingsOf(settings).values().m_limits);
+}
+
+std::unique_ptr<FileWalker> s_files(py::args const& paths) {
+    return std::make_unique<FileWalker>(s_paths(paths));
+}
+
+// A folder that cannot be opened takes its own place: whoever reads it finds out why.
+py::str s_nextFile(FileWalker& files) {
+    FileWalker::Entry entry;
+    if (!files.next(entry)) {
+        throw py::stop_iteration();
+    }
+    auto const number = entry.m_name.m_number;
+    return fileName(entry.m_name.source() + (number == 0 ? "" : ':' + std::to_string(number)));
 }
 
 } // namespace
@@ -107,6 +125,14 @@ void bindMessages(py::module_& module) {
     py::class_<MessageList>(module, "Messages", py::is_final(), "The iterator of messages().")
         .def("__iter__", [](py::object const& self) { return self; })
         .def("__next__", &MessageList::next);
+
+    py::class_<FileWalker>(module, "Files", py::is_final(), "The iterator of files().")
+        .def("__iter__", [](py::object const& self) { return self; })
+        .def("__next__", &s_nextFile);
+
+    module.def("files", &s_files,
+               "The files that messages() reads for these paths, in its order: of a folder all\n"
+               "that may hold mail, of a Maildir those in cur and new. For sharing an archive.");
 
     module.def(
         "messages", &s_messages, py::arg("settings") = py::none(),

@@ -12,11 +12,23 @@ may be called from many threads; while messages are read and judged, other threa
 """
 
 from ._errors import Error, MessageError, RulesError, ScanError, SettingsError
-from ._native import Answer, Message, Messages, Scanner, Scans, __version__, attributes, messages
+from ._native import (
+    Answer,
+    Files,
+    Message,
+    Messages,
+    Scanner,
+    Scans,
+    __version__,
+    attributes,
+    files,
+    messages,
+)
 
 __all__ = [
     "Answer",
     "Error",
+    "Files",
     "Message",
     "MessageError",
     "Messages",
@@ -27,5 +39,6 @@ __all__ = [
     "SettingsError",
     "__version__",
     "attributes",
+    "files",
     "messages",
 ]

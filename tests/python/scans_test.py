@@ -132,6 +132,18 @@ class Scans(unittest.TestCase):
         section = message[:message.index(b"\n\n") + 2]
         self.assertEqual([each.headers for each in found[:3]], [section] * 3)
 
+    def testFilesAreThoseThatMessagesReads(self):
+        top = pathlib.Path(self.folder.name, "tree")
+        for name in ("b/two.eml", "a.eml", ".hidden/x.eml", "M/cur/1", "M/new/2", "M/tmp/3",
+                     "M/dovecot.index"):
+            (top / name).parent.mkdir(parents=True, exist_ok=True)
+            (top / name).write_bytes(EXAMPLES[0].read_bytes())
+        paths = [top, f"{self.box}:2", "/nonexistent"]
+        files = list(qvdeepheader.files(*paths))
+        self.assertEqual(files, [message.source for message in qvdeepheader.messages(*paths)])
+        self.assertEqual(files[:4], [f"{top}/{name}" for name in ("M/cur/1", "M/new/2", "a.eml",
+                                                                  "b/two.eml")])
+
     def testOtherThreadsRunWhileOneWaitsForInput(self):
         pipe = pathlib.Path(self.folder.name, "pipe")
         os.mkfifo(pipe)

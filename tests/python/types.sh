@@ -15,7 +15,7 @@ mypy() {
 # so.
 cat >"$folder/pybind11" <<'END'
 qvdeepheader(\._native)?\.[A-Z][a-z]+
-qvdeepheader(\._native)?\.(Answer|Messages|Scans)\.__init__
+qvdeepheader(\._native)?\.(Answer|Files|Messages|Scans)\.__init__
 END
 /usr/bin/python3 -m mypy.stubtest qvdeepheader --ignore-missing-stub --allowlist "$folder/pybind11"
 mypy "$MYPYPATH"/qvdeepheader/*.py
