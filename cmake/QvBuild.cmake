@@ -42,15 +42,25 @@ if(QV_FUZZ)
     target_compile_options(qv_options INTERFACE -fsanitize=fuzzer-no-link)
     target_link_options(qv_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-if(QV_COVERAGE)
-    if(QV_FUZZ) # counts of clang's, which fuzz/coverage.py reads
-        set(coverage -fprofile-instr-generate -fcoverage-mapping)
-    else()
-        set(coverage --coverage)
-    endif()
-    target_compile_options(qv_options INTERFACE ${coverage})
-    target_link_options(qv_options INTERFACE ${coverage})
+# The fuzzers' counts of clang's, which fuzz/coverage.py reads.
+if(QV_COVERAGE AND QV_FUZZ)
+    target_compile_options(qv_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+    target_link_options(qv_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+elseif(QV_COVERAGE)
+    target_link_options(qv_options INTERFACE --coverage)
 endif()
+
+# qv_counted_rooms(FOLDER...): adds folders of which QV_COVERAGE counts the lines with gcov.
+function(qv_counted_rooms)
+    get_property(usual DIRECTORY PROPERTY COMPILE_OPTIONS)
+    if(QV_COVERAGE AND NOT QV_FUZZ)
+        add_compile_options(--coverage)
+    endif()
+    foreach(folder ${ARGN})
+        add_subdirectory(${folder})
+    endforeach()
+    set_property(DIRECTORY PROPERTY COMPILE_OPTIONS "${usual}")
+endfunction()
 
 # qv_room(NAME DEPENDS ROOM...)
 # Declares the headers of the current folder as room NAME, a target qv_room_<name with _>. A header
