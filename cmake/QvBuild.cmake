@@ -42,15 +42,25 @@ if(QV_FUZZ)
     target_compile_options(qv_options INTERFACE -fsanitize=fuzzer-no-link)
     target_link_options(qv_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-if(QV_COVERAGE)
-    if(QV_FUZZ) # counts of clang's, which fuzz/coverage.py reads
-        set(coverage -fprofile-instr-generate -fcoverage-mapping)
-    else()
-        set(coverage --coverage)
-    endif()
-    target_compile_options(qv_options INTERFACE ${coverage})
-    target_link_options(qv_options INTERFACE ${coverage})
+# The fuzzers' counts of clang's, which fuzz/coverage.py reads.
+if(QV_COVERAGE AND QV_FUZZ)
+    target_compile_options(qv_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+    target_link_options(qv_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+elseif(QV_COVERAGE)
+    target_link_options(qv_options INTERFACE --coverage)
 endif()
+
+# qv_counted_rooms(FOLDER...): adds folders of which QV_COVERAGE counts the lines with gcov.
+function(qv_counted_rooms)
+    get_property(usual DIRECTORY PROPERTY COMPILE_OPTIONS)
+    if(QV_COVERAGE AND NOT QV_FUZZ)
+        add_compile_options(--coverage)
+    endif()
+    foreach(folder ${ARGN})
+        add_subdirectory(${folder})
+    endforeach()
+    set_property(DIRECTORY PROPERTY COMPILE_OPTIONS "${usual}")
+endfunction()
 
 # qv_room(NAME DEPENDS ROOM...)
 # Declares the headers of the current folder as room NAME, a target qv_room_<name with _>. A header
@@ -80,14 +90,20 @@ target_include_directories(qv_public_headers
 # In force while a test runs, for the programs that it starts too.
 set(QV_TEST_ENVIRONMENT "TSAN_OPTIONS=suppressions=${CMAKE_CURRENT_SOURCE_DIR}/tests/tsan.supp")
 
-# qv_test(NAME SOURCES FILE... LINK TARGET...): one GoogleTest program for each room.
+# qv_test(NAME [SKIP_TSAN] SOURCES FILE... LINK TARGET... [PROPERTIES NAME VALUE...]): one GoogleTest
+# program for each room, with properties of the test. SKIP_TSAN: it is not about threads, so builds with
+# ThreadSanitizer leave it out.
 function(qv_test name)
-    cmake_parse_arguments(TEST "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(TEST "SKIP_TSAN" "" "SOURCES;LINK;PROPERTIES" ${ARGN})
     add_executable(${name} ${TEST_SOURCES})
     target_link_libraries(${name} PRIVATE qv_options ${TEST_LINK} GTest::gmock_main)
+    if(TEST_SKIP_TSAN AND QV_SANITIZE STREQUAL "thread")
+        set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+        return()
+    endif()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 600
-        ENVIRONMENT "${QV_TEST_ENVIRONMENT}")
+        ENVIRONMENT "${QV_TEST_ENVIRONMENT}" ${TEST_PROPERTIES})
 endfunction()
 
 # qv_browser_test(NAME SCRIPT [ENVIRONMENT NAME=VALUE...]): a Python script that drives a real

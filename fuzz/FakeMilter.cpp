@@ -62,8 +62,8 @@ int smfi_chgheader(SMFICTX* context, char* /*name*/, int /*index*/, char* /*valu
     return s_change(context);
 }
 
-int smfi_quarantine(SMFICTX* context, char* /*reason*/) {
-    return s_change(context);
+int smfi_quarantine(SMFICTX* ctx, char* /*reason*/) {
+    return s_change(ctx);
 }
 
 int smfi_setreply(SMFICTX* /*context*/, char* /*code*/, char* /*extendedCode*/, char* /*text*/) {
