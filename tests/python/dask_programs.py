@@ -7,17 +7,17 @@ import sys
 import tempfile
 import unittest
 
-SOURCE = pathlib.Path(os.environ["QV_SOURCE"])
-EXAMPLES = SOURCE / "examples"
-PROGRAMS = pathlib.Path(os.environ["QV_PROGRAMS"])
-TIME = 300 # seconds; far more than anything here takes
+from support import EXAMPLES, SOURCE
 
-sys.path.insert(0, str(EXAMPLES / "dask"))
+FOLDER = SOURCE / "examples" / "dask"
+TIME = 300  # seconds; far more than anything here takes
+
+sys.path.insert(0, str(FOLDER))
 
 
 def mails():
     """The example messages, as bytes."""
-    return [path.read_bytes() for path in sorted(EXAMPLES.glob("*.eml"))]
+    return [path.read_bytes() for path in EXAMPLES]
 
 
 def mailbox(messages, line_break=b"\n"):
@@ -32,8 +32,8 @@ def mailbox(messages, line_break=b"\n"):
 def command(program, *arguments):
     """The command line of a program of examples/dask, or of one that was built."""
     if program.endswith(".py"):
-        return [sys.executable, "-B", str(EXAMPLES / "dask" / program), *map(str, arguments)]
-    return [str(PROGRAMS / program), *map(str, arguments)]
+        return [sys.executable, "-B", str(FOLDER / program), *map(str, arguments)]
+    return [os.path.join(os.environ["QV_PROGRAMS"], program), *map(str, arguments)]
 
 
 class ArchiveTest(unittest.TestCase):
