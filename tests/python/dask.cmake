@@ -6,6 +6,7 @@ if(QV_SANITIZE OR QV_COVERAGE)
 endif()
 qv_python_test(python_dask_agreement dask_agreement_test.py)
 qv_python_test(python_dask_death dask_death_test.py)
+qv_python_test(python_dask_page dask_page_test.py)
 qv_python_test(python_pages page_test.py)
 add_test(NAME python_dask_types
          COMMAND "${Python3_EXECUTABLE}" -m mypy --cache-dir=/dev/null

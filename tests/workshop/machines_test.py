@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""GNU parallel shares shards among machines through ssh, as docs/scale-out.md says: a private machine
-plays them, with a real sshd."""
+"""GNU parallel shares shards among machines through ssh, and they get rules, as docs/scale-out.md says: a
+private machine plays them, with a real sshd."""
 import os
 import pathlib
 import re
@@ -13,7 +13,7 @@ sys.path.insert(0, str(SOURCE / "tests" / "milter"))
 
 from debian import unpacked
 from milter import wait_for
-from pages import blocks
+from pages import blocks, section
 from private_machine import enter
 
 SSHD = pathlib.Path("/usr/sbin/sshd")
@@ -22,12 +22,19 @@ LOG = FOLDER / "log"
 SERVER = f"""HostKey {FOLDER}/host
 AuthorizedKeysFile {FOLDER}/user.pub
 MaxStartups 100
+Subsystem sftp internal-sftp
 PidFile none
 """
 CLIENT = f"""IdentityFile {FOLDER}/user
 UserKnownHostsFile {FOLDER}/known
 """
-PAGE, HEADING = "scale-out.md", "An archive on many machines"
+PAGE = "scale-out.md"
+RULES = """version {version}
+tree {{
+    first_reverse_dynamic == yes: confidence 0.97 support 25
+    first_reverse_dynamic != yes: confidence 0.04 support 75
+}}
+"""
 
 
 def packages():
@@ -59,25 +66,47 @@ def start(hosts):
     return process
 
 
+def logins():
+    return LOG.read_text().count("Accepted publickey")
+
+
 class Machines(unittest.TestCase):
-    def test_the_rules_learned_are_the_same_to_the_byte(self):
-        setting, = (block for block in blocks(PAGE, HEADING) if "--sshlogin" in block)
-        options = re.fullmatch("export PARALLEL='(.*)'\n", setting)[1]
-        hosts = re.search(r"--sshlogin (\S+)", options)[1].split(",")
-        self.assertEqual(len(hosts), 2)
-        process = start(hosts)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.terminate)
+    @classmethod
+    def setUpClass(cls):
+        cls.shards, = (block for block in blocks(PAGE, "An archive on many machines")
+                       if "--sshlogin" in block)
+        cls.rules = [block for block in blocks(PAGE, "Rules on many machines") if "ssh" in block]
+        process = start(set(re.findall(r"[a-z0-9]+\.example\.net", cls.shards + cls.rules[0])))
+        cls.addClassCleanup(process.wait)
+        cls.addClassCleanup(process.terminate)
         # Where ssh finds them: in the path that sshd gives.
         for program in ("qvscan", "qvrules"):
             pathlib.Path("/usr/local/bin", program).symlink_to(BUILD / "bin" / program)
+
+    def test_the_rules_learned_are_the_same_to_the_byte(self):
+        before = logins()
+        options = re.fullmatch("export PARALLEL='(.*)'\n", self.shards)[1]
         done = subprocess.run(
             [SOURCE / "tests/workshop/shards.sh", "/usr/local/bin", SOURCE / "docs/learning.md"],
             env={**os.environ, "PARALLEL": options, "PARALLEL_HOME": "/run/parallel"},
             capture_output=True, text=True)
         self.assertEqual(done.returncode, 0, done.stderr)
         # Each shard was one login; parallel itself also asks each machine what it has.
-        self.assertGreaterEqual(LOG.read_text().count("Accepted publickey"), 16)
+        self.assertGreaterEqual(logins() - before, 16)
+
+    def test_rules_are_installed_and_taken_back(self):
+        """The two names lead to one machine, so one is enough."""
+        install, rollback = (block.replace("mx1.example.net mx2", "mx1") for block in self.rules)
+        for version, commands, expected in ((20261101, install, "20261101 is in force"),
+                                            (20261108, install, "20261108 is in force"),
+                                            (None, rollback, "20261109 is in force")):
+            if version:
+                (FOLDER / "new.qvr").write_text(RULES.format(version=version))
+            done = subprocess.run(["bash", "-ec", commands], cwd=FOLDER, capture_output=True,
+                                  text=True)
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertIn(expected, done.stdout + done.stderr)
+        self.assertIn("20261101 and 20261108 it is\n20261109", section(PAGE, "Rules on many machines"))
 
 
 if __name__ == "__main__":
