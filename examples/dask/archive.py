@@ -8,6 +8,7 @@ import collections
 import functools
 import json
 import os
+import stat
 import threading
 from collections.abc import Iterable, Iterator
 from typing import Generic, NamedTuple, TypeVar
@@ -96,10 +97,12 @@ class _PieceError(Exception):
 
 
 def file_size(path: str) -> int:
+    """Bytes of a file; 0 when it is something else, or cannot be reached."""
     try:
-        return os.stat(path).st_size
+        status = os.stat(path)
     except OSError:
         return 0
+    return status.st_size if stat.S_ISREG(status.st_mode) else 0
 
 
 def files(paths: Iterable[str]) -> Iterator[str]:
@@ -211,9 +214,10 @@ def messages(pieces: Iterable[Piece], setup: Setup,
              problems: Problems) -> Iterator[tuple[str, qvdeepheader.Message]]:
     """All messages of the pieces, with their names for reports. Nothing is held in memory but the
     header section of one message."""
+    settings = json.loads(setup.settings)
     for piece in pieces:
         try:
-            for message in _read(piece, json.loads(setup.settings)):
+            for message in _read(piece, settings):
                 source = piece.source(message.source)
                 if message.error is None:
                     yield source, message

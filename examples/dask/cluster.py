@@ -4,14 +4,16 @@
 from __future__ import annotations
 
 import argparse
+import asyncio
+import concurrent.futures
 import contextlib
 import json
 import logging
 import os
-import stat
 import sys
 import tempfile
 import tomllib
+import traceback
 from collections.abc import Callable, Iterable, Iterator
 from typing import Any, NamedTuple, NoReturn
 
@@ -24,7 +26,7 @@ from distributed.diagnostics.plugin import UploadFile
 import archive
 
 # Exit statuses, as <sysexits.h> numbers them.
-USAGE, UNAVAILABLE, CANNOT_WRITE, BAD_SETTINGS = 64, 69, 73, 78
+USAGE, UNAVAILABLE, INTERNAL, CANNOT_WRITE, BAD_SETTINGS = 64, 69, 70, 73, 78
 
 # So many tasks for each thread of a worker: one that runs and one that waits. A scheduler that
 # knows few tasks stays small, however large the archive is.
@@ -141,14 +143,10 @@ def jobs(client: Any, paths: Iterable[str], place: tuple[int, ...],
 def _pieces(client: Any, paths: Iterable[str], most_bytes: int) -> Iterator[archive.Piece]:
     for path in archive.files(paths):
         size = archive.file_size(path)
-        if size > most_bytes and _is_file(path) and archive.is_plain_mailbox(path):
+        if size > most_bytes and archive.is_plain_mailbox(path):
             yield from _cut(client, path, size, most_bytes)
         else:
             yield archive.Piece(path)
-
-
-def _is_file(path: str) -> bool:
-    return stat.S_ISREG(os.stat(path).st_mode)
 
 
 def _cut(client: Any, path: str, size: int, most_bytes: int) -> list[archive.Piece]:
@@ -210,7 +208,7 @@ class Outcome:
     def __init__(self, program: str) -> None:
         self._program = program
         self._count = 0
-        self._first: tuple[tuple[int, ...], int] | None = None  # of the input; its place, its status
+        self._first: tuple[tuple[int, ...], int] | None = None  # in the input: place and status
 
     def add(self, job: Job, problems: Iterable[archive.Problem] | None) -> None:
         """`problems` is None for a file that kills workers."""
@@ -250,7 +248,11 @@ def run(program: str, main: Callable[[], int]) -> NoReturn:
         status, text = BAD_SETTINGS, str(error)
     except ImportError as error:
         status, text = UNAVAILABLE, f"a worker cannot import what it needs: {error}"
+    except (asyncio.CancelledError, concurrent.futures.CancelledError):
+        status, text = UNAVAILABLE, "the cluster has ended, and the work with it"
     except OSError as error:
         status, text = CANNOT_WRITE, str(error)
+    except Exception:
+        status, text = INTERNAL, f"an internal error\n{traceback.format_exc()}"
     print(f"{program}: {text}", file=sys.stderr)
     sys.exit(status)

@@ -85,7 +85,8 @@ def write(counts: collections.Counter[tuple[bytes, str, str]], file: TextIO) -> 
 def arguments() -> argparse.Namespace:
     parser = cluster.Parser(prog="learn_archive", description=__doc__, epilog="Exit status: 0 "
                             "well, 64 usage, 65 an input that is no message, 66 an input that "
-                            "cannot be read, 69 no cluster, 73 output that cannot be written, 78 "
+                            "cannot be read, 69 no cluster, 70 an internal error, 73 output that "
+                            "cannot be written, 78 "
                             "settings.")
     for label in ("ham", "spam"):
         parser.add_argument(f"--{label}", metavar="[CORPUS=]PATH", nargs="+", action="extend",
@@ -111,6 +112,8 @@ def jobs(client: object, options: argparse.Namespace) -> Iterable[cluster.Job]:
 def main() -> int:
     options = arguments()
     # Names in old mail may no longer exist, which rules would learn.
+    if options.output:
+        options.output.open("a").close()  # fails now rather than after hours
     setup = cluster.setup(NO_RULES, options.config, dns="off")
     counts: collections.Counter[tuple[bytes, str, str]] = collections.Counter()
     outcome = cluster.Outcome("learn_archive")
@@ -122,12 +125,9 @@ def main() -> int:
                 kind = options.sources[job.place[0]]
                 for vector, messages in report.counts.items():
                     counts[vector, kind.corpus, kind.label] += messages
-    if options.output:
-        with open(options.output, "w", newline="", encoding="utf-8",
-                  errors="surrogateescape") as file:
-            write(counts, file)
-    else:
-        write(counts, sys.stdout)
+    with open(options.output or sys.stdout.fileno(), "w", newline="", encoding="utf-8",
+              errors="surrogateescape", closefd=options.output is not None) as file:
+        write(counts, file)
     return outcome.status(0)
 
 

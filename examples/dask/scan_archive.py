@@ -96,8 +96,8 @@ def join(parts: str, places: Iterable[tuple[int, ...]], output: pathlib.Path) ->
 def arguments() -> argparse.Namespace:
     parser = cluster.Parser(prog="scan_archive", description=__doc__, epilog="Exit status: 0 no "
                             "spam, 1 spam, 64 usage, 65 an input that is no message, 66 an input "
-                            "that cannot be read, 69 no cluster, 73 output that cannot be "
-                            "written, 78 settings or rules.")
+                            "that cannot be read, 69 no cluster, 70 an internal error, 73 output "
+                            "that cannot be written, 78 settings or rules.")
     parser.add_argument("paths", metavar="PATH", nargs="+",
                         help="what qvscan takes: mailboxes, messages, folders, archives")
     parser.add_argument("-o", "--output", metavar="FILE", type=pathlib.Path,
@@ -109,8 +109,9 @@ def arguments() -> argparse.Namespace:
     cluster.add_options(parser)
     options = parser.parse_args()
     cluster.require_paths(parser, options.paths, options)
-    if options.output:
-        options.output = options.output.absolute()
+    # Workers may run in other folders.
+    options.output = options.output and options.output.absolute()
+    options.rules = options.rules and os.path.abspath(options.rules)
     return options
 
 

@@ -3,6 +3,7 @@
 import bz2
 import csv
 import io
+import json
 import os
 import tarfile
 import unittest
@@ -10,6 +11,7 @@ import unittest
 from dask_programs import ArchiveTest, mailbox, mails
 
 import archive
+import cluster
 
 # Bodies with lines that look like the start of a message, and line breaks of both kinds.
 TRICKY = mailbox([
@@ -100,7 +102,7 @@ class Agreement(ArchiveTest):
         self.write("mail/Maildir/new/2", examples[2])
         self.write("mail/Maildir/tmp/3", examples[3])
         self.write("mail/Maildir/.Sent/cur/4:2,", examples[4])
-        (self.folder / "mail/Maildir/.Sent/new").mkdir()
+        self.write("mail/Maildir/.Sent/tmp/5", examples[5])
         self.write("mail/Maildir/dovecot.index", b"no mail")
         self.write("mail/folder/.hidden.eml", examples[5])
         self.write("mail/folder/dovecot-uidlist", b"no mail")
@@ -177,6 +179,14 @@ class Agreement(ArchiveTest):
         one = (self.folder / "one.qvr").read_bytes()
         self.assertEqual((self.folder / "many.qvr").read_bytes(), one)
         self.assertGreater(one.count(b"\n"), 10, "there is a tree")
+
+
+class Settings(ArchiveTest):
+    def test_workers_get_what_the_settings_file_says_and_the_changes(self):
+        config = self.write("all.toml", b'internal = ["192.0.2.1"]\ndns = "system"\n'
+                            b'[milter]\nsocket = "unix:x"\n')
+        setup = cluster.setup(os.devnull, str(config), dns="off")
+        self.assertEqual(json.loads(setup.settings), {"internal": ["192.0.2.1"], "dns": "off"})
 
 
 class Errors(ArchiveTest):

@@ -1,11 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
 """Workers that die, and how much memory those take that live."""
 import contextlib
+import json
 import os
 import pathlib
 import select
 import signal
+import subprocess
 import threading
+import time
 import unittest
 
 from dask_programs import TIME, ArchiveTest, mailbox, mails
@@ -68,8 +71,9 @@ class Deaths(ArchiveTest):
         _, errors = process.communicate(timeout=TIME)
         self.assertEqual(process.returncode, 1, errors)
         rows = (self.folder / "table.csv").read_text().splitlines()
-        self.assertEqual([row.split(",")[0] for row in rows[1:]], [*(f"mail/{number:02}.eml" for number in range(len(mails()))),
-                                       str(self.pipe)])
+        self.assertEqual([row.split(",")[0] for row in rows[1:]],
+                         [*(f"mail/{number:02}.eml" for number in range(len(mails()))),
+                          str(self.pipe)])
 
     def test_a_file_that_kills_every_worker_is_reported(self):
         process = self.start("scan_archive.py", "--workers", "2", "--deaths", "1", "--config",
@@ -92,6 +96,34 @@ class Deaths(ArchiveTest):
         self.assertEqual(deaths, 4, "two with the others of its task, two alone")
         rows = (self.folder / "table.csv").read_text().splitlines()
         self.assertEqual(len(rows), 1 + len(mails()), "the others of its task are there")
+
+
+    def test_a_cluster_that_ends_ends_the_program(self):
+        environment = {**os.environ, "DASK_DISTRIBUTED__COMM__TIMEOUTS__CONNECT": "1s"}
+        scheduler, address = self.cluster(environment)
+        process = self.start("scan_archive.py", "--scheduler", address, self.pipe,
+                             env=environment)
+        with open(self.pipe, "wb"): # a worker reads it
+            scheduler.kill()
+            _, errors = process.communicate(timeout=TIME)
+        self.assertEqual(process.returncode, 69, errors)
+        self.assertIn("scan_archive: the cluster has ended", errors)
+
+    def cluster(self, environment):
+        """A scheduler, and its address; it has one worker."""
+        file = self.folder / "scheduler.json"
+        started = []
+        for line in (["dask-scheduler", "--host", "127.0.0.1", "--port", "0", "--no-dashboard"],
+                     ["dask-worker", "--nworkers", "1", "--nthreads", "1", "--no-dashboard"]):
+            process = subprocess.Popen([*line, "--scheduler-file", str(file)], cwd=self.folder,
+                                       env=environment, stderr=subprocess.DEVNULL)
+            self.addCleanup(process.wait)
+            self.addCleanup(process.kill)
+            started.append(process)
+        while not file.exists():
+            self.assertIsNone(started[0].poll())
+            time.sleep(0.1)
+        return started[0], json.loads(file.read_text())["address"]
 
 
 class Memory(ArchiveTest):

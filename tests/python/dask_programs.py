@@ -58,9 +58,9 @@ class ArchiveTest(unittest.TestCase):
         self.assertEqual(done.returncode, status, done.stderr)
         return done.stdout, done.stderr
 
-    def start(self, program, *arguments):
+    def start(self, program, *arguments, env=None):
         """The process of a program that runs on."""
-        process = subprocess.Popen(command(program, *arguments), cwd=self.folder, text=True,
+        process = subprocess.Popen(command(program, *arguments), cwd=self.folder, text=True, env=env,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
 
         def stop():

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""GNU parallel shares shards among machines through ssh, and they get rules, as docs/scale-out.md says: a
-private machine plays them, with a real sshd."""
+"""GNU parallel shares shards among machines through ssh, and they get rules, as docs/scale-out.md
+says: a private machine plays them, with a real sshd."""
 import os
 import pathlib
 import re
@@ -59,7 +59,8 @@ def start(hosts):
         with open(f"/etc/{name}", "a") as file:
             file.write(line)
     shadow = pathlib.Path("/etc/shadow")
-    shadow.write_text(re.sub("^root:[^:]*:", "root:*:", shadow.read_text(), flags=re.M)) # not locked
+    shadow.write_text(re.sub("^root:[^:]*:", "root:*:", shadow.read_text(), # not locked
+                             flags=re.M))
     LOG.touch()
     process = subprocess.Popen([SSHD, "-D", "-f", FOLDER / "config", "-E", LOG])
     wait_for(lambda: "Server listening" in LOG.read_text(), "sshd")
@@ -106,7 +107,8 @@ class Machines(unittest.TestCase):
                                   text=True)
             self.assertEqual(done.returncode, 0, done.stderr)
             self.assertIn(expected, done.stdout + done.stderr)
-        self.assertIn("20261101 and 20261108 it is\n20261109", section(PAGE, "Rules on many machines"))
+        self.assertIn("20261101 and 20261108 it is\n20261109",
+                      section(PAGE, "Rules on many machines"))
 
 
 if __name__ == "__main__":
