@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Mail archives in pieces: which files there are, where a large mailbox can be cut, and the
-messages of one piece. Clients and workers use it. Nothing here knows of Dask."""
+"""Mail archives in pieces: where a large mailbox can be cut, and the messages of one piece. Clients
+and workers use it. Nothing here knows of Dask."""
 
 from __future__ import annotations
 
@@ -15,8 +15,6 @@ from typing import Generic, NamedTuple, TypeVar
 
 import qvdeepheader
 
-# What IMAP servers keep beside messages.
-_INDEX_FILES = ("dovecot", "courierimap", "maildirsize", "maildirfolder", "subscriptions")
 # In an mbox, a line that follows an empty line and begins with these five bytes begins a message.
 _START = b"From "
 _MARKS = (b"\n\n" + _START, b"\n\r\n" + _START)
@@ -103,37 +101,6 @@ def file_size(path: str) -> int:
     except OSError:
         return 0
     return status.st_size if stat.S_ISREG(status.st_mode) else 0
-
-
-def files(paths: Iterable[str]) -> Iterator[str]:
-    """The files that qvscan reads when it is given these paths, in the same order."""
-    pending = list(paths)[::-1]
-    while pending:
-        path = pending.pop()
-        listing = _listing(path) if os.path.isdir(path) else None
-        if listing is None:
-            yield path
-        else:
-            pending.extend(reversed(listing))
-
-
-def _listing(folder: str) -> list[str] | None:
-    maildir = sum(os.path.isdir(os.path.join(folder, name)) for name in ("cur", "new", "tmp")) >= 2
-    try:
-        with os.scandir(folder) as entries:
-            paths = [entry.path for entry in entries if _is_wanted(entry, maildir)]
-    except OSError:
-        return None  # the worker that is to read it says why it cannot
-    return sorted(paths, key=os.fsencode)
-
-
-def _is_wanted(entry: os.DirEntry[str], maildir: bool) -> bool:
-    is_hidden, is_folder = entry.name.startswith("."), entry.is_dir(follow_symlinks=False)
-    if maildir:
-        return is_folder and (is_hidden or entry.name in ("cur", "new"))
-    if is_folder:
-        return not is_hidden
-    return entry.is_file() and not is_hidden and not entry.name.startswith(_INDEX_FILES)
 
 
 def is_plain_mailbox(path: str) -> bool:

@@ -141,7 +141,7 @@ def jobs(client: Any, paths: Iterable[str], place: tuple[int, ...],
 
 
 def _pieces(client: Any, paths: Iterable[str], most_bytes: int) -> Iterator[archive.Piece]:
-    for path in archive.files(paths):
+    for path in qvdeepheader.files(*paths):
         size = archive.file_size(path)
         if size > most_bytes and archive.is_plain_mailbox(path):
             yield from _cut(client, path, size, most_bytes)
