@@ -53,14 +53,17 @@ class Parser(argparse.ArgumentParser):
         self.exit(USAGE, f"{self.prog}: {message}\n\"{self.prog} --help\" shows the options.\n")
 
 
-def _bytes(text: str) -> int:
-    return int(parse_bytes(text))
+def _size(text: str) -> int:
+    with contextlib.suppress(ValueError):
+        if (size := int(parse_bytes(text))) > 0:
+            return size
+    raise argparse.ArgumentTypeError(f"a size is a number of bytes such as 64MiB, not '{text}'")
 
 
 def _count(text: str) -> int:
-    if int(text) < 1:
-        raise ValueError
-    return int(text)
+    if text.isdecimal() and (count := int(text)) > 0:
+        return count
+    raise argparse.ArgumentTypeError(f"it takes a whole number from 1 on, not '{text}'")
 
 
 def add_options(parser: argparse.ArgumentParser) -> None:
@@ -73,12 +76,12 @@ def add_options(parser: argparse.ArgumentParser) -> None:
                        "and this Python package at the same paths")
     group.add_argument("--workers", metavar="N", type=_count, default=os.cpu_count(),
                        help="processes on this machine (default: one for each core)")
-    group.add_argument("--memory-limit", metavar="SIZE", default="auto",
-                       help="memory of each of them, such as 512MiB")
+    group.add_argument("--memory-limit", metavar="SIZE", type=_size,
+                       help="memory of each of them, such as 512MiB (default: all, shared evenly)")
     group.add_argument("--deaths", metavar="N", type=_count, default=5,
                        help="a file that has killed more workers than N is left out (default: "
                        "%(default)s); with --scheduler, the scheduler's allowed-failures counts")
-    group.add_argument("--partition-bytes", metavar="SIZE", type=_bytes, default="64MiB",
+    group.add_argument("--partition-bytes", metavar="SIZE", type=_size, default="64MiB",
                        help="mail for one task; mailboxes that are larger and not packed are cut "
                        "(default: %(default)s)")
     group.add_argument("--partition-files", metavar="N", type=_count, default=1000,
@@ -118,6 +121,8 @@ def connected(options: argparse.Namespace) -> Iterator[Any]:
         with client:
             # Workers import what tasks are made of, those too that join later.
             client.register_worker_plugin(UploadFile(archive.__file__))
+            if not client.nthreads():
+                print(f"{options.scheduler}: waiting for a worker", file=sys.stderr)
             yield client
         return
     with tempfile.TemporaryDirectory(prefix="dask-") as folder, dask.config.set({
@@ -126,7 +131,7 @@ def connected(options: argparse.Namespace) -> Iterator[Any]:
         # run programs.
         with LocalCluster(n_workers=options.workers, threads_per_worker=1, processes=True,
                           host="127.0.0.1", dashboard_address=None, security=True,
-                          memory_limit=options.memory_limit, local_directory=folder,
+                          memory_limit=options.memory_limit or "auto", local_directory=folder,
                           silence_logs=logging.ERROR) as cluster, Client(cluster) as client:
             yield client
 

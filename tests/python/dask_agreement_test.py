@@ -198,7 +198,9 @@ class Errors(ArchiveTest):
         for program, arguments, text in (
                 ("scan_archive.py", ["-"], "workers cannot read standard input"),
                 ("scan_archive.py", [], "PATH"),
-                ("scan_archive.py", ["x", "--workers", "0"], "--workers"),
+                ("scan_archive.py", ["x", "--workers", "0"], "--workers: it takes a whole number"),
+                ("scan_archive.py", ["x", "--partition-bytes", "0"], "--partition-bytes: a size"),
+                ("scan_archive.py", ["x", "--memory-limit", "much"], "--memory-limit: a size"),
                 ("scan_archive.py", ["x", "--scheduler", "tcp://127.0.0.1:1"], "absolute paths"),
                 ("learn_archive.py", [], "give mail: --ham, --spam")):
             with self.subTest(arguments):

@@ -83,7 +83,7 @@ class Page(ArchiveTest):
 
     def test_others_cannot_use_the_processes_of_one_machine(self):
         """Nobody else on the machine has the key."""
-        options = argparse.Namespace(scheduler=None, deaths=1, workers=1, memory_limit="auto")
+        options = argparse.Namespace(scheduler=None, deaths=1, workers=1, memory_limit=None)
         with cluster.connected(options) as client:
             address = client.scheduler.address
             self.assertTrue(address.startswith("tls://127.0.0.1:"), address)
