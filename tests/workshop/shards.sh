@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # shards.sh PROGRAMS DOCS: a scan spread over GNU parallel, its tables brought together, and one learner
-# give the very tree that one process learns. The commands are read from docs/learning.md.
+# give the very tree that one process learns. The commands are read from docs/learning.md; options of
+# GNU parallel may be in PARALLEL.
 set -euo pipefail
 export PATH=$1:$PATH
 docs=$2
@@ -32,6 +33,6 @@ qvrules learn --ham mail/{site-a,site-b}/ham --spam mail/{site-a,site-b}/spam -o
 # Shards, of 16 messages instead of 10,000.
 commands=$(awk '/With GNU parallel:$/ { found = 1; next } found && /^[^ ]/ { exit } found' "$docs" |
     sed 's/^    //; s/-n 10000/-n 16/')
-PARALLEL='--will-cite -j 4' bash -euo pipefail -c "$commands"
+PARALLEL="--will-cite -j 4 ${PARALLEL-}" bash -euo pipefail -c "$commands"
 [[ $(find shards -type f | wc -l) == 16 ]]
 cmp one.qvr learned.qvr
