@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# The programs of examples/dask, and the code of pages. Their processes do not change with the sanitizers that the module is
-# built with.
+# The programs of examples/dask, and the code of pages. They do not change with the sanitizers that the
+# module is built with.
 if(QV_SANITIZE OR QV_COVERAGE)
     return()
 endif()
