@@ -54,7 +54,7 @@ endif()
 function(qv_counted_rooms)
     get_property(usual DIRECTORY PROPERTY COMPILE_OPTIONS)
     if(QV_COVERAGE AND NOT QV_FUZZ)
-        add_compile_options(--coverage)
+        add_compile_options(--coverage -fprofile-update=atomic) # threads count the same lines
     endif()
     foreach(folder ${ARGN})
         add_subdirectory(${folder})
