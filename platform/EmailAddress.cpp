@@ -4,6 +4,7 @@
 #include "platform/ForkBarrier.h"
 #include "platform/internal/AddressText.h"
 #include "platform/internal/MailLibrary.h"
+#include "platform/internal/PlainAddress.h"
 
 #include <cstddef>
 #include <gmime/gmime.h>
@@ -77,6 +78,11 @@ InternetAddressMailbox* s_firstMailbox(InternetAddressList* list) {
 
 EmailAddress EmailAddress::rfc5322Parse(std::string const& text, bool lenient) {
     EmailAddress result;
+    if (auto const plain = internal::plainAddress(text)) {
+        result.m_localPart = plain->m_localPart;
+        result.m_domain = plain->m_domain;
+        return result;
+    }
     auto const prepared = internal::prepareAddressText(text, lenient);
     if (!prepared) {
         return result;

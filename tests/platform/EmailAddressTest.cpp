@@ -395,6 +395,36 @@ RC_GTEST_PROP(EmailAddress, NoSecondAtFollowsWhatIsRead, ()) {
     RC_ASSERT(isAlone);
 }
 
+// With a comment, which is none of the forms that are read without the mail library.
+RC_GTEST_PROP(EmailAddress, APlainAddressIsReadAsTheMailLibraryReadsIt, ()) {
+    auto const piece =
+        rc::gen::element<std::string>("a", "B", "7", ".", "-", "_", "+", "=", "'", " ", "xn--",
+                                      "--", "John Doe", "J. Doe", "\"a, b@c; (\"", "\"", "<", ">",
+                                      "@", "@", "a@b.example", "<a.b@c-d.example>", ",", "\r\n ");
+    std::string text;
+    for (auto const& each : *rc::gen::container<std::vector<std::string>>(piece)) {
+        text += each;
+    }
+    bool const lenient = *rc::gen::arbitrary<bool>();
+    auto const address = EmailAddress::rfc5322Parse(text, lenient);
+    auto const read = EmailAddress::rfc5322Parse(text + " (c)", lenient);
+    RC_CLASSIFY(!address.isNull(), "an address");
+    RC_ASSERT(address.localPart() == read.localPart());
+    RC_ASSERT(address.domain() == read.domain());
+}
+
+TEST(EmailAddress, PlainAddressesAreReadInAllTheirForms) {
+    for (std::string const text :
+         {"a.b+c=d_e-f@g-h.example", " <a.b+c=d_e-f@g-h.example>\r\n",
+          "J O'Neill-7 <a.b+c=d_e-f@g-h.example>", "\"x (y), @z; <\" <a.b+c=d_e-f@g-h.example>"}) {
+        for (bool const lenient : {true, false}) {
+            auto const address = EmailAddress::rfc5322Parse(text, lenient);
+            EXPECT_EQ(address.localPart(), "a.b+c=d_e-f") << text;
+            EXPECT_EQ(address.domain(), "g-h.example") << text;
+        }
+    }
+}
+
 RC_GTEST_PROP(EmailAddress, AnAtomAddressReadsBackInEveryDress, ()) {
     auto const atom = rc::gen::nonEmpty(rc::gen::container<std::string>(
         rc::gen::elementOf(std::string("abcXYZ0189!#$%&'*+-/=^_`{|}~"))));

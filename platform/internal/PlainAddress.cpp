@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/internal/PlainAddress.h"
+
+#include "platform/internal/AddressText.h"
+
+#include <algorithm>
+
+namespace Quorvane::internal {
+
+namespace {
+
+bool s_isAlphanumeric(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+bool s_isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+std::string_view s_withoutBlanks(std::string_view text) {
+    while (!text.empty() && s_isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && s_isBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+// Words between dots, each of letters, digits and some other bytes, which are within it only.
+bool s_areWords(std::string_view text, std::string_view others) {
+    char before = '.';
+    for (char const c : text) {
+        bool const isOther = others.find(c) != std::string_view::npos;
+        if (!s_isAlphanumeric(c) && (before == '.' || (c != '.' && !isOther))) {
+            return false;
+        }
+        before = c;
+    }
+    return s_isAlphanumeric(before);
+}
+
+bool s_isWordByte(char c) {
+    return s_isAlphanumeric(c) || c == ' ' || c == '-' || c == '\'';
+}
+
+bool s_isQuotableByte(char c) {
+    return c >= ' ' && c <= '~' && c != '"' && c != '\\' && c != '?';
+}
+
+bool s_isName(std::string_view name) {
+    name = s_withoutBlanks(name);
+    if (name.size() > 1 && name.front() == '"' && name.back() == '"') {
+        auto const quoted = name.substr(1, name.size() - 2);
+        return std::all_of(quoted.begin(), quoted.end(), s_isQuotableByte);
+    }
+    return std::all_of(name.begin(), name.end(), s_isWordByte);
+}
+
+} // namespace
+
+std::optional<PlainAddress> plainAddress(std::string_view text) {
+    if (text.size() > consideredBytes) {
+        return std::nullopt;
+    }
+    text = s_withoutBlanks(text);
+    if (!text.empty() && text.back() == '>') {
+        auto const open = text.rfind('<');
+        if (open == std::string_view::npos || !s_isName(text.substr(0, open))) {
+            return std::nullopt;
+        }
+        text = text.substr(open + 1, text.size() - open - 2);
+    }
+    auto const at = text.find('@');
+    if (at == std::string_view::npos) {
+        return std::nullopt;
+    }
+    auto const local = text.substr(0, at);
+    auto const domain = text.substr(at + 1);
+    bool const isPlain = s_areWords(local, "_+-=") && s_areWords(domain, "-");
+    return isPlain ? std::optional(PlainAddress{local, domain}) : std::nullopt;
+}
+
+} // namespace Quorvane::internal
