@@ -33,8 +33,10 @@ int s_replayAll(std::filesystem::path const& place) {
     }
     int count = 0;
     for (auto const& entry : std::filesystem::directory_iterator(place)) {
-        s_replay(entry.path());
-        ++count;
+        if (entry.is_regular_file()) {
+            s_replay(entry.path());
+            ++count;
+        }
     }
     return count;
 }
