@@ -6,7 +6,6 @@
 #include "apps/story/VerdictStory.h"
 #include "python/Argument.h"
 
-#include <pybind11/operators.h>
 #include <pybind11/stl.h>
 #include <utility>
 
@@ -132,7 +131,8 @@ void bindAnswer(py::module_& module) {
             "error", [](Self self) { return textOrNone(self.m_error); },
             "Why the message could not be read or judged; None when it could.")
         .def("__repr__", s_repr)
-        .def(py::self == py::self)
+        .def(
+            "__eq__", [](Self self, Self other) { return self == other; }, py::is_operator())
         .def(py::pickle(&s_state, &s_fromState));
 }
 

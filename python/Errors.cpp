@@ -9,6 +9,7 @@
 
 #include <exception>
 #include <pybind11/pybind11.h>
+#include <utility>
 
 namespace Quorvane::Python {
 
@@ -29,7 +30,7 @@ void s_set(char const* name, std::string const& text, Rules::FilePlace const& pl
 
 void s_translate(std::exception_ptr thrown) {
     try {
-        std::rethrow_exception(thrown);
+        std::rethrow_exception(std::move(thrown));
     } catch (SettingsError const& error) {
         s_set("SettingsError", error.what(), error.place());
     } catch (Rules::RuleError const& error) {

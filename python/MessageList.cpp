@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <memory>
 #include <poll.h>
-#include <pybind11/operators.h>
 #include <utility>
 
 namespace Quorvane::Python {
@@ -119,7 +118,8 @@ void bindMessages(py::module_& module) {
             "error", [](Self self) { return textOrNone(self.m_error); },
             "Why it could not be read, or is no message; None for a message.")
         .def("__repr__", s_repr)
-        .def(py::self == py::self)
+        .def(
+            "__eq__", [](Self self, Self other) { return self == other; }, py::is_operator())
         .def(py::pickle(&s_state, &s_fromState));
 
     py::class_<MessageList>(module, "Messages", py::is_final(), "The iterator of messages().")

@@ -64,7 +64,7 @@ ScanMany::ScanMany(std::shared_ptr<Scanner const> scanner, py::object messages,
     s_all().insert(this);
 }
 
-ScanMany::~ScanMany() {
+ScanMany::~ScanMany() { // NOLINT(bugprone-exception-escape)
     stop();
     s_all().erase(this);
 }

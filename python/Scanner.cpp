@@ -113,12 +113,12 @@ Scanner::Scan Scanner::scan(py::handle message, py::kwargs const& facts, RecordD
     if (!problem.empty()) {
         s_refuse(taken.m_source, problem);
     }
-    auto headers = m_host->read(taken.m_headers);
+    auto const headers = m_host->read(taken.m_headers);
     auto record = m_host->scan(headers, known, depth);
     if (record.failure) {
         throw FailedScan{*record.failure};
     }
-    return {std::move(taken.m_source), std::move(headers), std::move(record)};
+    return {std::move(taken.m_source), headers, std::move(record)};
 }
 
 Answer Scanner::scan(py::handle message, py::kwargs const& facts) const {

@@ -26,7 +26,7 @@ class RuleError : public std::runtime_error {
     RuleError(Kind kind, std::string const& text, FilePlace place = {})
         : std::runtime_error(text), m_kind(kind), m_place(std::move(place)) {}
     // The text begins with the place.
-    RuleError(Kind kind, FilePlace place, std::string const& what)
+    RuleError(Kind kind, FilePlace const& place, std::string const& what)
         : RuleError(kind, place.text() + what, place) {}
 
     Kind kind() const { return m_kind; }
