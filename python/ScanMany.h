@@ -29,8 +29,8 @@ class ScanMany {
              unsigned int threads);
     ScanMany(ScanMany const&) = delete;
     ScanMany& operator=(ScanMany const&) = delete;
-    // What has been read ahead is dropped. A thread that cannot take the interpreter's lock back has
-    // no way to go on.
+    // What has been read ahead is dropped. A thread that cannot take the interpreter's lock back
+    // has no way to go on.
     ~ScanMany(); // NOLINT(bugprone-exception-escape)
 
     // Throws pybind11::stop_iteration at the end; what the iterator threw comes after the answers
