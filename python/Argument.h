@@ -21,7 +21,7 @@ pybind11::str fileName(std::string_view path);
 std::string pathOf(pybind11::handle path);
 
 // The settings that an argument means: None (the defaults), the path of a settings file, or a
-// mapping of names to values. What it names as files is read. Throws a SettingsError.
+// mapping of names to values. Throws a SettingsError.
 SettingsStore settingsOf(pybind11::handle argument);
 
 // A UserWarning of Python's module warnings.

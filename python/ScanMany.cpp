@@ -2,11 +2,10 @@
 #include "python/ScanMany.h"
 
 #include "apps/settings/SettingsTable.h"
+#include "platform/SignalsBlocked.h"
 #include "python/Held.h"
 
-#include <csignal>
 #include <new>
-#include <pthread.h>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -28,30 +27,13 @@ std::set<ScanMany*>& s_all() {
     return all;
 }
 
-// Signals are for the interpreter: while an object of this class exists, threads that begin are
-// spared.
-class BlockedSignals {
-  public:
-    BlockedSignals() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_before);
-    }
-    BlockedSignals(BlockedSignals const&) = delete;
-    BlockedSignals& operator=(BlockedSignals const&) = delete;
-    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-
-  private:
-    sigset_t m_before{};
-};
-
 } // namespace
 
 ScanMany::ScanMany(std::shared_ptr<Scanner const> scanner, py::object messages,
                    unsigned int threads)
     : m_scanner(std::move(scanner)), m_messages(std::move(messages)), m_process(::getpid()) {
     if (threads != 1) {
-        BlockedSignals const spared;
+        SignalsBlocked const blocked; // the interpreter handles them
         m_pool = std::make_unique<OrderedPool>(
             threads,
             [this](InputItem const& item) {

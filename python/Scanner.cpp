@@ -90,10 +90,13 @@ void Scanner::requireInForce() const {
     }
 }
 
+std::string Scanner::problemWith(Message const& message) const {
+    return message.m_error.empty() ? whyNotJudged(message.m_headers, m_host->settings().m_limits)
+                                   : message.m_error;
+}
+
 Answer Scanner::judge(Message const& message) const {
-    auto problem = message.m_error.empty()
-                       ? whyNotJudged(message.m_headers, m_host->settings().m_limits)
-                       : message.m_error;
+    auto problem = problemWith(message);
     if (!problem.empty()) {
         return problemOf(message.m_source, std::move(problem));
     }
@@ -107,10 +110,7 @@ Scanner::Scan Scanner::scan(py::handle message, py::kwargs const& facts, RecordD
     auto taken = messageOf(message);
     auto const known = factsOf(facts);
     py::gil_scoped_release const release;
-    auto const problem = taken.m_error.empty()
-                             ? whyNotJudged(taken.m_headers, m_host->settings().m_limits)
-                             : taken.m_error;
-    if (!problem.empty()) {
+    if (auto const problem = problemWith(taken); !problem.empty()) {
         s_refuse(taken.m_source, problem);
     }
     auto const headers = m_host->read(taken.m_headers);
@@ -147,16 +147,12 @@ void bindScanner(py::module_& module) {
     py::class_<Scanner, std::shared_ptr<Scanner>>(
         module, "Scanner", py::is_final(),
         "Rules and settings that judge messages.\n\n"
-        "rules: a rule text, or a folder with compiled rules; None for the rules below the "
-        "setting\n"
-        "root, or those that came with the package when none are installed. settings: the path of "
-        "a\n"
-        "settings file, or a mapping such as {'internal': ['192.0.2.0/24'], 'dns': 'off'}; None "
-        "for\n"
-        "the defaults. Raises SettingsError or RulesError.\n\n"
-        "Relays, patterns and DNS settings belong to the process: a Scanner that is made later "
-        "with\n"
-        "other ones replaces them, and the earlier one raises RuntimeError when it is used again.\n"
+        "rules: a rule text, or a folder with compiled rules; None for the rules below the\n"
+        "setting root, or those that came with the package when none are installed. settings:\n"
+        "the path of a settings file, or a mapping such as {'internal': ['192.0.2.0/24'],\n"
+        "'dns': 'off'}; None for the defaults. Raises SettingsError or RulesError.\n\n"
+        "Relays, patterns and DNS settings belong to the process: a Scanner that is made later\n"
+        "with other ones replaces them, and the earlier one raises RuntimeError when it is used.\n"
         "dns = 'auto' asks for names only when the rules test what comes from DNS.")
         .def(py::init<py::object const&, py::object const&>(), py::arg("rules") = py::none(),
              py::arg("settings") = py::none())
@@ -164,9 +160,8 @@ void bindScanner(py::module_& module) {
             "scan", py::overload_cast<py::handle, py::kwargs const&>(&Scanner::scan, py::const_),
             py::arg("message"), py::pos_only(),
             "Judges one message: bytes, a Message, or an email.message.Message. Keywords are what\n"
-            "is known besides: env_from, header_from, recipient, client and the like, named as "
-            "the\n"
-            "options of qvscan. Raises MessageError for what is no message, ScanError for a scan\n"
+            "is known besides: env_from, header_from, recipient, client and the like, as qvscan\n"
+            "names its options. Raises MessageError for what is no message, ScanError for a scan\n"
             "that failed.")
         .def("explain", &Scanner::explain, py::arg("message"), py::pos_only(),
              "The same, with the whole explanation: the JSON record of qvscan --explain as a dict.")

@@ -37,6 +37,9 @@ class Scanner {
     std::optional<std::int32_t> ruleVersion() const { return m_host->ruleVersion(); }
 
   private:
+    // Why a message is not judged; empty: it is.
+    std::string problemWith(Message const& message) const;
+
     struct Scan {
         std::string m_source;
         HeaderContainer m_headers;

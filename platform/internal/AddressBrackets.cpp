@@ -7,10 +7,6 @@ namespace Quorvane::internal {
 
 namespace {
 
-bool s_isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
 class BracketScan {
   public:
     explicit BracketScan(std::string_view text) : m_text(text) {}
@@ -28,7 +24,7 @@ class BracketScan {
     // All of these are false when a bracket is out of place, or a separator within brackets.
     bool step(char c) {
         bool const inPlace = isInPlace(c);
-        bool const isFiller = s_isBlank(c) || c == '(';
+        bool const isFiller = isBlank(c) || c == '(';
         m_before = isFiller ? m_before : c;
         return inPlace;
     }
@@ -125,7 +121,7 @@ void emptyLiteralBeforeOpenComment(std::string& text) {
         if (c == '[') {
             literal = at;
             literalEnd = next;
-        } else if (!s_isBlank(c)) {
+        } else if (!isBlank(c)) {
             literal = literalEnd = 0;
         }
         at = next;

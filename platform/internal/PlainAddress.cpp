@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/internal/PlainAddress.h"
 
+#include "platform/internal/AddressSyntax.h"
 #include "platform/internal/AddressText.h"
 
 #include <algorithm>
@@ -13,15 +14,11 @@ bool s_isAlphanumeric(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-bool s_isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
 std::string_view s_withoutBlanks(std::string_view text) {
-    while (!text.empty() && s_isBlank(text.front())) {
+    while (!text.empty() && isBlank(text.front())) {
         text.remove_prefix(1);
     }
-    while (!text.empty() && s_isBlank(text.back())) {
+    while (!text.empty() && isBlank(text.back())) {
         text.remove_suffix(1);
     }
     return text;

@@ -4,13 +4,12 @@
 #include "include2/Exception.h"
 #include "platform/ForkBarrier.h"
 #include "platform/internal/DnsSettings.h"
+#include "platform/SignalsBlocked.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <mutex>
 #include <poll.h>
-#include <pthread.h>
 #include <sys/eventfd.h>
 #include <system_error>
 #include <unbound.h>
@@ -25,22 +24,6 @@ struct Delivery {
 };
 
 namespace {
-
-// A host that waits for signals in one of its threads must not lose them to ours.
-class SignalsBlocked {
-  public:
-    SignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_before);
-    }
-    SignalsBlocked(SignalsBlocked const&) = delete;
-    SignalsBlocked& operator=(SignalsBlocked const&) = delete;
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-
-  private:
-    sigset_t m_before{};
-};
 
 [[noreturn]] void s_doesNotStart(char const* why) {
     throw Exception(std::string("DNS: the resolver does not start: ") + why, 3, nullptr, 0);
