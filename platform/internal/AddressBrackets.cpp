@@ -101,31 +101,35 @@ class BracketScan {
     bool m_sawAt = false;
 };
 
+bool s_isEscaped(std::string_view text, std::size_t position) {
+    auto const other = text.substr(0, position).find_last_not_of('\\');
+    return (position - (other + 1)) % 2 != 0;
+}
+
+bool s_isAfterLiteral(std::string_view text, std::size_t position) {
+    auto const before = std::find_if_not(text.rend() - position, text.rend(), isBlank);
+    return before != text.rend() && *before == ']';
+}
+
 } // namespace
 
-void emptyLiteralBeforeOpenComment(std::string& text) {
-    std::size_t literal = 0; // where the last one begins and ends; with anything but blanks after
-    std::size_t literalEnd = 0; // it, both are 0
-    for (std::size_t at = 0; at < text.size();) {
-        char const c = text[at];
-        auto const next = c == '"'   ? afterSpan(text, at + 1, '"')
-                          : c == '[' ? afterSpan(text, at + 1, ']')
-                          : c == '(' ? afterComment(text, at + 1)
-                                     : at + 1;
-        if (next == std::string::npos) {
-            if (c == '(') {
-                text.erase(literal, literalEnd - literal);
-            }
-            return;
+std::vector<std::size_t> openCommentsAfterLiterals(std::string_view text) {
+    std::vector<std::size_t> found;
+    std::size_t closing = 0; // parentheses behind `at` that nothing behind it opens
+    for (auto at = text.size(); at-- > 0;) {
+        bool const opens = text[at] == '(';
+        if ((!opens && text[at] != ')') || s_isEscaped(text, at)) {
+            continue;
         }
-        if (c == '[') {
-            literal = at;
-            literalEnd = next;
-        } else if (!isBlank(c)) {
-            literal = literalEnd = 0;
+        if (!opens) {
+            ++closing;
+        } else if (closing > 0) {
+            --closing;
+        } else if (s_isAfterLiteral(text, at)) {
+            found.push_back(at);
         }
-        at = next;
     }
+    return found;
 }
 
 std::size_t wellBracketedLength(std::string_view text) {

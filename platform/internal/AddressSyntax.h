@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Quorvane::internal {
 
@@ -49,9 +50,10 @@ inline std::size_t afterComment(std::string_view text, std::size_t position) {
 // bracket, or where a blank and another word follow its domain.
 void spoilDoubleAts(std::string& text);
 
-// Empties the literal of an address that a comment follows which nothing closes. Nobody can read
-// such an address, and GMime leaks what it has read of it; of one without a literal it does not.
-void emptyLiteralBeforeOpenComment(std::string& text);
+// Where in `text` comments begin that follow a literal and that nothing closes; the last one first.
+// GMime leaks what it has read of an address when it meets one. It may meet one in what we take for
+// quoted text, because it skips to the next comma after an error; so quotation marks do not count.
+std::vector<std::size_t> openCommentsAfterLiterals(std::string_view text);
 
 // Length of the longest run of whole addresses from the beginning of `text` in which quotation
 // marks, comments, literals and angle brackets are closed, a literal follows "@", each address has

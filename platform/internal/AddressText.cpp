@@ -53,7 +53,20 @@ char s_unusedByte(std::string const& text) {
     return found == s_atomBytes.end() ? '\0' : *found;
 }
 
-// False when there is something to hide and no unused byte to hide it with.
+// Both are false when there is something to hide and no unused byte to hide it with.
+bool s_hideOpenComments(AddressText& prepared) {
+    auto const comments = openCommentsAfterLiterals(prepared.m_text);
+    if (comments.empty()) {
+        return true;
+    }
+    char const standIn = s_unusedByte(prepared.m_text);
+    prepared.m_standIns.emplace_back('(', standIn);
+    for (auto const at : comments) {
+        prepared.m_text[at] = standIn;
+    }
+    return standIn != '\0';
+}
+
 bool s_hide(Decoded const& decoded, AddressText& prepared) {
     auto& text = prepared.m_text;
     auto lower = text;
@@ -86,8 +99,8 @@ std::optional<AddressText> prepareAddressText(std::string const& header, bool le
         prepared.m_text.resize(wellBracketedLength(prepared.m_text));
     }
     spoilDoubleAts(prepared.m_text);
-    emptyLiteralBeforeOpenComment(prepared.m_text);
     bool const usable = !prepared.m_text.empty() && header.find('\0') == std::string::npos &&
+                        s_hideOpenComments(prepared) &&
                         std::all_of(std::begin(s_decoded), std::end(s_decoded),
                                     [&](Decoded const& each) { return s_hide(each, prepared); });
     return usable ? std::optional(std::move(prepared)) : std::nullopt;
