@@ -7,7 +7,9 @@
 #include "rules/language/Nearest.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <pybind11/stl.h>
 #include <vector>
 
 namespace Quorvane::Python {
@@ -59,6 +61,16 @@ void s_set(SettingsSection& section, std::string const& name, py::handle value) 
     section.set(name, texts, "Python");
 }
 
+// REQUIRES: a setting that is no list has one text.
+py::object s_pythonValue(SettingFacts const& facts, SettingTexts const& texts) {
+    if (facts.m_kind == SettingKind::list) {
+        return py::cast(texts);
+    }
+    auto const& text = texts.front();
+    bool const isPath = facts.m_kind == SettingKind::path && !text.empty();
+    return isPath ? fileName(std::filesystem::absolute(text).string()) : py::str(text);
+}
+
 } // namespace
 
 py::str textOf(std::string_view bytes) {
@@ -105,6 +117,18 @@ SettingsStore settingsOf(py::handle argument) {
     return settings;
 }
 
+py::dict settingsAsDict(py::handle argument) {
+    auto const settings = settingsOf(argument);
+    py::dict values;
+    for (auto const& facts : settings.facts()) {
+        if (settings.origin(facts.m_name) != defaultOrigin) {
+            values[py::str(facts.m_name.data(), facts.m_name.size())] =
+                s_pythonValue(facts, settings.texts(facts.m_name));
+        }
+    }
+    return values;
+}
+
 void warn(std::string_view text) {
     if (PyErr_WarnEx(PyExc_UserWarning, toUtf8(text).c_str(), 1) != 0) {
         throw py::error_already_set(); // whoever wants warnings to be errors gets them so
@@ -139,6 +163,13 @@ std::string sectionOf(py::handle message) {
                                  static_cast<std::size_t>(view.len));
     std::unique_ptr<Py_buffer, void (*)(Py_buffer*)> const end(&view, PyBuffer_Release);
     return std::string(bytes.substr(0, HeaderReader::sectionLength(bytes)));
+}
+
+void bindSettings(py::module_& module) {
+    module.def("settings", &settingsAsDict, py::arg("source"), py::pos_only(),
+               "The settings of a file, or of a mapping, checked, as a mapping for Scanner and\n"
+               "messages: all that are not defaults. Paths in it are absolute, so that it means the\n"
+               "same in another process that sees the same files. Raises SettingsError.");
 }
 
 } // namespace Quorvane::Python

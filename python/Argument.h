@@ -24,6 +24,10 @@ std::string pathOf(pybind11::handle path);
 // mapping of names to values. Throws a SettingsError.
 SettingsStore settingsOf(pybind11::handle argument);
 
+// The same as a mapping with all that is not a default: paths absolute, lists as lists, the rest as
+// text. It means the same on any machine and in any folder.
+pybind11::dict settingsAsDict(pybind11::handle argument);
+
 // A UserWarning of Python's module warnings.
 void warn(std::string_view text);
 // Warns of what is allowed and hardly meant.
@@ -35,5 +39,7 @@ MessageFacts factsOf(pybind11::kwargs const& arguments);
 
 // The header section of what is to be judged: bytes of a message, or a message of Python's.
 std::string sectionOf(pybind11::handle message);
+
+void bindSettings(pybind11::module_& module);
 
 } // namespace Quorvane::Python

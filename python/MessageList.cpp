@@ -17,15 +17,15 @@ namespace py = pybind11;
 
 py::tuple s_state(Message const& message) {
     return py::make_tuple(py::bytes(message.m_source), py::bytes(message.m_headers),
-                          py::bytes(message.m_error));
+                          py::bytes(message.m_error), message.m_exitStatus);
 }
 
 Message s_fromState(py::tuple const& state) {
-    if (state.size() != 3) {
+    if (state.size() != 4) {
         throw py::value_error("this is not the state of a Message");
     }
     return {state[0].cast<std::string>(), state[1].cast<std::string>(),
-            state[2].cast<std::string>()};
+            state[2].cast<std::string>(), state[3].cast<int>()};
 }
 
 std::string s_repr(Message const& message) {
@@ -97,7 +97,8 @@ Message MessageList::next() {
     if (!isThere) {
         throw py::stop_iteration();
     }
-    return {std::move(item.m_source), std::move(item.m_headers), std::move(item.m_problem)};
+    return {std::move(item.m_source), std::move(item.m_headers), std::move(item.m_problem),
+            item.m_exitStatus};
 }
 
 void bindMessages(py::module_& module) {
@@ -105,7 +106,7 @@ void bindMessages(py::module_& module) {
     py::class_<Message>(module, "Message", py::is_final(),
                         "The header section of a message, and where it is from.")
         .def(py::init([](py::buffer const& headers, py::str const& source) {
-                 return Message{pathOf(source), sectionOf(headers), {}};
+                 return Message{pathOf(source), sectionOf(headers), {}, 0};
              }),
              py::arg("headers"), py::arg("source") = "",
              "headers: a message; its body is not kept. source: what answers are to call it.")
@@ -117,6 +118,10 @@ void bindMessages(py::module_& module) {
         .def_property_readonly(
             "error", [](Self self) { return textOrNone(self.m_error); },
             "Why it could not be read, or is no message; None for a message.")
+        .def_property_readonly(
+            "exit_status", [](Self self) { return self.m_exitStatus; },
+            "What qvscan would end with: 0 for a message, 65 for what is none, 66 for what cannot\n"
+            "be read.")
         .def("__repr__", s_repr)
         .def(
             "__eq__", [](Self self, Self other) { return self == other; }, py::is_operator())

@@ -16,6 +16,7 @@ struct Message {
     std::string m_source;
     std::string m_headers;
     std::string m_error;
+    int m_exitStatus = 0; // not 0 when there is an error
 
     bool operator==(Message const&) const = default;
 };

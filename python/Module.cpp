@@ -2,6 +2,7 @@
 //
 // The module qvdeepheader._native. qvdeepheader/_native.pyi has its types.
 #include "python/Answer.h"
+#include "python/Argument.h"
 #include "python/Errors.h"
 #include "python/MessageList.h"
 #include "python/ScanMany.h"
@@ -24,4 +25,5 @@ PYBIND11_MODULE(_native, module) {
     Python::bindMessages(module);
     Python::bindScanMany(module);
     Python::bindScanner(module);
+    Python::bindSettings(module);
 }

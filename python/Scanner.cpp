@@ -56,7 +56,7 @@ Message messageOf(py::handle message) {
     if (py::isinstance<Message>(message)) {
         return message.cast<Message const&>();
     }
-    return {{}, sectionOf(message), {}};
+    return {{}, sectionOf(message), {}, 0};
 }
 
 Scanner::Scanner(py::handle rules, py::handle settings) {

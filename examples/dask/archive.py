@@ -58,9 +58,7 @@ class Problem(NamedTuple):
 
     source: str
     text: str
-
-    def status(self) -> int:
-        return NO_INPUT if self.text.startswith("cannot be ") else NO_MESSAGE
+    status: int = NO_MESSAGE  # the exit status of a program that ends with it
 
 
 class Problems:
@@ -189,9 +187,9 @@ def messages(pieces: Iterable[Piece], setup: Setup,
                 if message.error is None:
                     yield source, message
                 else:
-                    problems.add(piece.path, Problem(source, message.error))
+                    problems.add(piece.path, Problem(source, message.error, message.exit_status))
         except _PieceError as error:
-            problems.add(piece.path, Problem(piece.path, f"cannot be read: {error}"))
+            problems.add(piece.path, Problem(piece.path, f"cannot be read: {error}", NO_INPUT))
 
 
 def _read(piece: Piece, settings: dict[str, str]) -> Iterator[qvdeepheader.Message]:

@@ -12,7 +12,6 @@ import logging
 import os
 import sys
 import tempfile
-import tomllib
 import traceback
 from collections.abc import Callable, Iterable, Iterator
 from typing import Any, NamedTuple, NoReturn
@@ -101,13 +100,8 @@ def require_paths(parser: argparse.ArgumentParser, paths: Iterable[str],
 def setup(rules: str | None, config: str | None, **changes: str) -> archive.Setup:
     """Rules and settings for the workers, checked before they start. A file is read once, here."""
     qvdeepheader.Scanner(rules=rules, settings=config)
-    settings: dict[str, object] = {}
-    if config:
-        with open(config, "rb") as file:
-            # Tables are for other programs.
-            settings = {name: value for name, value in tomllib.load(file).items()
-                        if not isinstance(value, dict)}
-    return archive.Setup(rules, json.dumps({**settings, **changes}, sort_keys=True))
+    settings = {**qvdeepheader.settings(config), **changes}
+    return archive.Setup(rules, json.dumps(settings, sort_keys=True))
 
 
 @contextlib.contextmanager
@@ -218,14 +212,15 @@ class Outcome:
     def add(self, job: Job, problems: Iterable[archive.Problem] | None) -> None:
         """`problems` is None for a file that kills workers."""
         if problems is None:
-            problems = [archive.Problem(piece.path, "cannot be read: workers die of it")
+            problems = [archive.Problem(piece.path, "cannot be read: workers die of it",
+                                        archive.NO_INPUT)
                         for piece in job.pieces]
         for problem in problems:
             text = f"{problem.source}: {problem.text}"
             print(f"{self._program}: {printable(text)}", file=sys.stderr)
             self._count += 1
             if self._first is None or job.place < self._first[0]:
-                self._first = job.place, problem.status()
+                self._first = job.place, problem.status
 
     def status(self, otherwise: int) -> int:
         if self._first is None:

@@ -107,8 +107,10 @@ bool s_isEscaped(std::string_view text, std::size_t position) {
 }
 
 bool s_isAfterLiteral(std::string_view text, std::size_t position) {
-    auto const before = std::find_if_not(text.rend() - position, text.rend(), isBlank);
-    return before != text.rend() && *before == ']';
+    while (position > 0 && isBlank(text[position - 1])) {
+        --position;
+    }
+    return position > 0 && text[position - 1] == ']';
 }
 
 } // namespace

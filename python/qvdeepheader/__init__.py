@@ -23,6 +23,7 @@ from ._native import (
     attributes,
     files,
     messages,
+    settings,
 )
 
 __all__ = [
@@ -41,4 +42,5 @@ __all__ = [
     "attributes",
     "files",
     "messages",
+    "settings",
 ]

@@ -61,7 +61,7 @@ class Pieces(ArchiveTest):
         _, problems = read([archive.Piece(path, 0, len(TRICKY) + 1)])
         self.assertEqual(problems[-1].source, path)
         self.assertIn("it ended at byte", problems[-1].text)
-        self.assertEqual(problems[-1].status(), 66)
+        self.assertEqual(problems[-1].status, 66)
 
     def test_only_plain_mailboxes_are_cut(self):
         for name, content, expected in (("a.mbox", TRICKY, True),
@@ -74,7 +74,7 @@ class Pieces(ArchiveTest):
         path = str(self.write("empty.mbox", mailbox([b"\n"] * 150)))
         _, problems = read([archive.Piece(path)])
         self.assertEqual(len(problems), 101)
-        self.assertEqual(problems[-1], (path, "50 more are no messages"))
+        self.assertEqual(problems[-1], (path, "50 more are no messages", 65))
 
     def test_partitions_hold_all_pieces_in_order(self):
         pieces = [archive.Piece("x", 0, size) for size in (5, 5, 5, 100, 1, 1, 1, 1)]
@@ -183,10 +183,18 @@ class Agreement(ArchiveTest):
 
 class Settings(ArchiveTest):
     def test_workers_get_what_the_settings_file_says_and_the_changes(self):
-        config = self.write("all.toml", b'internal = ["192.0.2.1"]\ndns = "system"\n'
+        config = self.write("all.toml", b'internal = ["192.0.2.0/24"]\ndns = "system"\n'
                             b'[milter]\nsocket = "unix:x"\n')
         setup = cluster.setup(os.devnull, str(config), dns="off")
-        self.assertEqual(json.loads(setup.settings), {"internal": ["192.0.2.1"], "dns": "off"})
+        self.assertEqual(json.loads(setup.settings), {"internal": ["192.0.2.0/24"], "dns": "off"})
+
+    def test_workers_find_the_files_that_the_settings_name(self):
+        self.write("names.zone", b"")
+        config = self.write("all.toml", b'dns-data = "names.zone"\n')
+        setup = cluster.setup(os.devnull, os.path.relpath(config))
+        path = json.loads(setup.settings)["dns-data"]
+        self.assertTrue(os.path.isabs(path), path)
+        self.assertTrue(os.path.samefile(path, self.folder / "names.zone"), path)
 
 
 class Errors(ArchiveTest):

@@ -164,6 +164,28 @@ class Scans(unittest.TestCase):
                     for scanner in (own, self.scanner)]
         self.assertNotEqual(verdicts[0], verdicts[1])
 
+    def testSettingsAreCheckedAndMeanTheSameInAnotherFolder(self):
+        folder = pathlib.Path(self.folder.name)
+        (folder / "site.conf").write_text(
+            'internal = ["10.0.0.0/8", "192.0.2.1/32"]\ndns-data = "names.zone"\nmax-hops = 40\n')
+        file = os.path.relpath(folder / "site.conf")
+        seen = qvdeepheader.settings(file)
+        self.assertEqual({name: seen[name] for name in ("internal", "max-hops")},
+                         {"internal": ["10.0.0.0/8", "192.0.2.1/32"], "max-hops": "40"})
+        self.assertTrue(os.path.isabs(seen["dns-data"]))
+        self.assertEqual(os.path.normpath(seen["dns-data"]), str(folder / "names.zone"))
+        self.assertEqual(qvdeepheader.settings(seen), seen)
+        self.assertEqual(qvdeepheader.settings(None), {})
+        with self.assertRaises(qvdeepheader.SettingsError):
+            qvdeepheader.settings({"max-hops": -1})
+
+    def testWhatCannotBeReadHasTheExitStatusOfQvscan(self):
+        no_message = pathlib.Path(self.folder.name, "no-message")
+        no_message.write_text("\nA body.\n")
+        statuses = [each.exit_status
+                    for each in qvdeepheader.messages(EXAMPLES[0], no_message, "/nonexistent")]
+        self.assertEqual(statuses, [0, 65, 66])
+
     def testASettingsFileIsThatOfThePrograms(self):
         file = pathlib.Path(self.folder.name, "site.conf")
         file.write_text('dns = "off"\ninternal = ["10.0.0.0/8"]\n\n[milter]\nmax-scans = 5\n')
