@@ -3,7 +3,8 @@
 """bench/python_module.py BUILD [MESSAGES]: the Python package against qvscan on the same mailbox.
 
 Both judge all messages (default 100,000), made from those in examples/. They take turns, and the
-figures are the medians of the ratios: times on a machine that does other things mean little.
+figures are the medians of the ratios: times on a machine that does other things mean little. What two
+threads can reach at most is what two processes reach that share the messages and nothing else.
 """
 import os
 import pathlib
@@ -29,16 +30,17 @@ assert count == int(sys.argv[3]), count
 def writeMailbox(path, messages):
     examples = [file.read_bytes() for file in sorted((SOURCE / "examples").glob("*.eml"))]
     with path.open("wb") as out:
-        for number in range(messages):
+        for number in messages:
             out.write(b"From a@b.example Thu Jan  1 00:00:00 2026\n")
             out.write(examples[number % len(examples)] + b"\n" + b"A line of the body.\n" * 50 + b"\n")
 
 
-def seconds(command, **options):
+def seconds(*commands, **options):
     start = time.monotonic()
-    run = subprocess.run(command, stdout=subprocess.DEVNULL, check=False, **options)
-    if run.returncode not in (0, 1):
-        sys.exit(f"{command[0]} ended with status {run.returncode}")
+    runs = [subprocess.Popen(each, stdout=subprocess.DEVNULL, **options) for each in commands]
+    for run in runs:
+        if run.wait() not in (0, 1):
+            sys.exit(f"{run.args[0]} ended with status {run.returncode}")
     return time.monotonic() - start
 
 
@@ -48,22 +50,34 @@ def main():
     environment = os.environ | {"PYTHONPATH": str(build / "lib/python3/dist-packages")}
     with tempfile.TemporaryDirectory() as folder:
         box = pathlib.Path(folder, "all.mbox")
-        writeMailbox(box, messages)
+        writeMailbox(box, range(messages))
+        halves = [pathlib.Path(folder, "half-1.mbox"), pathlib.Path(folder, "half-2.mbox")]
+        for begin, half in enumerate(halves):
+            writeMailbox(half, range(begin, messages, 2))
 
         def qvscan(jobs):
             return seconds([build / "bin/qvscan", "--root", build / "share/qvdeepheader/root",
                             "--dns", "off", "--format", "json", "--jobs", str(jobs), box])
 
+        def judge(mail, threads, count):
+            return ["/usr/bin/python3", "-B", "-c", JUDGE, mail, str(threads), str(count)]
+
         def package(threads):
-            return seconds(["/usr/bin/python3", "-B", "-c", JUDGE, box, str(threads),
-                            str(messages)], env=environment)
+            return seconds(judge(box, threads, messages), env=environment)
+
+        def processes():
+            counts = (messages + 1) // 2, messages // 2
+            return seconds(*(judge(half, 1, count) for half, count in zip(halves, counts)),
+                           env=environment)
 
         ratios = {"scan_many to qvscan, 1 thread": [], "scan_many to qvscan, 2 threads": [],
-                  "scan_many, 1 thread to 2": [], "qvscan, 1 thread to 2": []}
+                  "scan_many, 1 thread to 2": [], "qvscan, 1 thread to 2": [],
+                  "scan_many, 1 process to 2": [], "scan_many, 2 processes to 2 threads": []}
         for _ in range(TURNS):
-            times = package(1), qvscan(1), package(2), qvscan(2)
+            times = package(1), qvscan(1), package(2), qvscan(2), processes()
             for row, ratio in zip(ratios.values(), (times[0] / times[1], times[2] / times[3],
-                                                    times[0] / times[2], times[1] / times[3])):
+                                                    times[0] / times[2], times[1] / times[3],
+                                                    times[0] / times[4], times[4] / times[2])):
                 row.append(ratio)
     print(f"{messages:,} messages, medians of {TURNS} turns")
     for name, row in ratios.items():

@@ -20,6 +20,7 @@ namespace py = pybind11;
 
 // Enough that no thread waits while Python takes answers one by one.
 constexpr std::size_t mostUnderWay = 512;
+constexpr std::size_t submittedTogether = 16;
 
 // Those that exist, to be stopped before the interpreter ends. Under the interpreter's lock.
 std::set<ScanMany*>& s_all() {
@@ -100,19 +101,32 @@ Answer ScanMany::nextAlone() {
     return m_scanner->judge(message);
 }
 
-// While answers wait, a few messages for each that is taken; otherwise until one comes or enough
-// are under way.
+// While answers wait, a few messages for each that is given away; otherwise until one comes or
+// enough are under way.
 void ScanMany::readAhead() {
     constexpr int few = 2;
     Message message;
     for (int i = 0; m_underWay < mostUnderWay && (i < few || !hasResult()) && take(message); ++i) {
-        InputItem item;
-        item.m_source = std::move(message.m_source);
-        item.m_headers = std::move(message.m_headers);
-        item.m_problem = std::move(message.m_error);
-        ++m_underWay;
+        add(std::move(message));
+    }
+    if (m_taken.empty() && !m_toSubmit.empty()) {
         py::gil_scoped_release const release;
-        m_pool->submit(std::move(item));
+        m_pool->submit(m_toSubmit);
+    }
+}
+
+// A message waits for others, so that locks cost little, unless the threads have nothing to do.
+void ScanMany::add(Message message) {
+    InputItem item;
+    item.m_source = std::move(message.m_source);
+    item.m_headers = std::move(message.m_headers);
+    item.m_problem = std::move(message.m_error);
+    m_toSubmit.push_back(std::move(item));
+    ++m_underWay;
+    bool const isIdle = m_underWay == m_toSubmit.size() + m_taken.size();
+    if (isIdle || m_toSubmit.size() == submittedTogether) {
+        py::gil_scoped_release const release;
+        m_pool->submit(m_toSubmit);
     }
 }
 
@@ -135,24 +149,38 @@ bool ScanMany::deliver(Result result) {
     } catch (std::bad_alloc const&) {
         m_isOutOfMemory = true;
     }
-    m_hasResults.notify_one();
+    if (m_results.size() <= 1) { // nobody waits while there are some
+        m_hasResults.notify_one();
+    }
     return !m_isOutOfMemory;
 }
 
 bool ScanMany::hasResult() {
+    if (!m_taken.empty()) {
+        return true;
+    }
     std::lock_guard const lock(m_mutex);
-    return !m_results.empty();
+    m_taken.swap(m_results);
+    return !m_taken.empty();
 }
 
-ScanMany::Result ScanMany::waitForResult() {
+void ScanMany::waitForResults() {
     py::gil_scoped_release const release;
     std::unique_lock lock(m_mutex);
     m_hasResults.wait(lock, [this] { return !m_results.empty() || m_isOutOfMemory; });
     if (m_results.empty()) {
         throw std::bad_alloc();
     }
-    auto result = std::move(m_results.front());
-    m_results.pop_front();
+    m_taken.swap(m_results);
+}
+
+ScanMany::Result ScanMany::takeResult() {
+    if (!hasResult()) {
+        waitForResults();
+    }
+    auto result = std::move(m_taken.front());
+    m_taken.pop_front();
+    --m_underWay;
     return result;
 }
 
@@ -175,8 +203,7 @@ Answer ScanMany::next() {
         }
         throw py::stop_iteration();
     }
-    --m_underWay;
-    auto result = waitForResult();
+    auto result = takeResult();
     if (auto const* const thrown = std::get_if<std::exception_ptr>(&result)) {
         std::rethrow_exception(*thrown);
     }

@@ -19,6 +19,7 @@
 #include <stop_token>
 #include <sys/types.h>
 #include <variant>
+#include <vector>
 
 namespace Quorvane::Python {
 
@@ -48,10 +49,12 @@ class ScanMany {
     bool take(Message& message);
     Answer nextAlone();
     void readAhead();
+    void add(Message message);
     Result resultOf(InputItem const& item) const;
     bool deliver(Result result);
     bool hasResult();
-    Result waitForResult();
+    void waitForResults();
+    Result takeResult();
 
     std::shared_ptr<Scanner const> m_scanner;
     pybind11::object m_messages; // an iterator
@@ -59,7 +62,9 @@ class ScanMany {
     bool m_isAtEnd = false;
     bool m_isBusy = false; // under the interpreter's lock
     pid_t m_process;       // has the threads; its children have none of them
-    std::size_t m_underWay = 0;
+    std::size_t m_underWay = 0; // taken from the iterator, answers not given away
+    std::vector<InputItem> m_toSubmit;
+    std::deque<Result> m_taken; // from m_results
     std::mutex m_mutex;
     std::condition_variable m_hasResults;
     std::deque<Result> m_results;

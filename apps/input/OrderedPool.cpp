@@ -36,17 +36,37 @@ OrderedPool::~OrderedPool() {
 
 bool OrderedPool::submit(InputItem item) {
     std::unique_lock lock(m_mutex);
+    waitForRoom(lock);
+    addToOpen(std::move(item));
+    m_hasWork.notify_one();
+    return !isStopping();
+}
+
+bool OrderedPool::submit(std::vector<InputItem>& items) {
+    std::unique_lock lock(m_mutex);
+    for (auto& item : items) {
+        waitForRoom(lock);
+        addToOpen(std::move(item));
+    }
+    items.clear();
+    m_hasWork.notify_one();
+    return !isStopping();
+}
+
+// REQUIRES, as the next two: m_mutex is held.
+void OrderedPool::waitForRoom(std::unique_lock<std::mutex>& lock) {
     m_hasRoom.wait(lock, [this] {
         return isStopping() || m_inOrder.empty() ||
                (m_inOrder.size() < m_maxBatches && m_bytes < maxWaitingBytes);
     });
+}
+
+void OrderedPool::addToOpen(InputItem item) {
     m_open->m_bytes += item.m_headers.size() + (item.m_copy ? item.m_copy->cost() : 0);
     m_open->m_items.push_back(std::move(item));
     if (m_open->m_items.size() >= batchItems || m_open->m_bytes >= batchBytes) {
         queueOpen();
     }
-    m_hasWork.notify_one();
-    return !isStopping();
 }
 
 // Under the lock, so that no thread is between its look at the state and its wait.
@@ -56,12 +76,12 @@ void OrderedPool::wakeAll() {
     m_hasWork.notify_all();
 }
 
-// REQUIRES: m_mutex is held.
 void OrderedPool::queueOpen() {
     m_bytes += m_open->m_bytes;
     m_queue.push_back(m_open.get());
     m_inOrder.push_back(std::move(m_open));
     m_open = std::make_unique<Batch>();
+    m_open->m_items.reserve(batchItems);
 }
 
 void OrderedPool::finish() {
@@ -141,6 +161,7 @@ OrderedPool::Hand OrderedPool::resultAlone(InputItem const& item) {
 
 // A result that the request to stop may have spoilt is dropped.
 void OrderedPool::workOn(Batch& batch) {
+    batch.m_results.reserve(batch.m_items.size());
     for (auto const& item : batch.m_items) {
         auto result = resultFor(item);
         if (m_stop.stop_requested()) {

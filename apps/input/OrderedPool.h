@@ -41,6 +41,8 @@ class OrderedPool {
 
     // False when no more results are wanted, after an exception and after a request to stop.
     bool submit(InputItem item);
+    // Several at once, which locks once. Leaves `items` empty.
+    bool submit(std::vector<InputItem>& items);
     // Waits for what was submitted; rethrows an exception.
     void finish();
 
@@ -52,6 +54,8 @@ class OrderedPool {
         bool m_isDone = false;
     };
 
+    void waitForRoom(std::unique_lock<std::mutex>& lock);
+    void addToOpen(InputItem item);
     void queueOpen();
     Batch* nextBatch(std::unique_lock<std::mutex>& lock);
     void run();
