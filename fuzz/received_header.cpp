@@ -41,6 +41,21 @@ void s_readAll(MsgReceived const& hop) {
     Quorvane::check(hop.isForged() == 0, "nobody is found forged without DNS");
 }
 
+// As a scan does it, with the generic header that comes out of a list of headers.
+void s_readAssigned(std::string const& value) {
+    MsgReceived assigned;
+    Quorvane::Header const generic(assigned.type(), value);
+    MsgReceived const hop(generic.value());
+    assigned = generic;
+    Quorvane::check(assigned.from() == hop.from() && assigned.by() == hop.by() &&
+                        assigned.reverseName() == hop.reverseName() &&
+                        assigned.address() == hop.address(),
+                    "a header reads the same wherever it comes from");
+    assigned = Quorvane::Header();
+    Quorvane::check(assigned.from().empty() && assigned.address().isNull(),
+                    "no header has no fields");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
@@ -49,10 +64,12 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    MsgReceived const hop(std::string(reinterpret_cast<char const*>(data), size));
+    std::string const value(reinterpret_cast<char const*>(data), size);
+    MsgReceived const hop(value);
     try {
         s_readAll(hop);
         s_readAll(hop); // an abandoned parse starts again
+        s_readAssigned(value);
     } catch (std::out_of_range const&) {
         // The documented failure.
     }
