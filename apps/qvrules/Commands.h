@@ -22,6 +22,8 @@ int check(CommandLine const& line);
 int install(CommandLine const& line);
 int status(CommandLine const& line);
 int learn(CommandLine const& line);
+// ExitStatus::findings when the adapted rules would be no better.
+int adapt(CommandLine const& line);
 int evaluate(CommandLine const& line);
 int show(CommandLine const& line);
 int explain(CommandLine const& line);

@@ -23,8 +23,9 @@ struct Command {
 constexpr Command commands[] = {
     {"compile", compile},   {"decompile", decompile}, {"check", check},
     {"install", install},   {"status", status},       {"learn", learn},
-    {"evaluate", evaluate}, {"show", show},           {"explain", explain},
-    {"test", test},         {"diff", diff},           {"attributes", listAttributes},
+    {"adapt", adapt},       {"evaluate", evaluate},   {"show", show},
+    {"explain", explain},   {"test", test},           {"diff", diff},
+    {"attributes", listAttributes},
 };
 
 // Without a command the program can show the settings of the commands that scan mail.
