@@ -35,7 +35,7 @@ Rules::AdaptOutcome s_adapt(Rules::RuleSet const& rules, Rules::CountedVectors c
                        std::to_string(plans));
     };
     return Rules::adaptToSite(
-        rules, mail, {settings.spamThreshold, settings.hamThreshold, settings.minSupport},
+        rules, mail, {settings.spamThreshold, settings.minSupport},
         s_judgeMaker(settings), report);
 }
 

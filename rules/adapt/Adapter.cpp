@@ -13,14 +13,6 @@ namespace {
 
 using ByCode = std::map<std::int32_t, LabelCounts>;
 
-enum class Side { ham, none, spam };
-
-Side s_side(double probability, AdaptLimits const& limits) {
-    return probability >= limits.m_spamThreshold        ? Side::spam
-           : probability <= 1.0 - limits.m_hamThreshold ? Side::ham
-                                                        : Side::none;
-}
-
 // A probability that weighs as much as so many messages, and messages beside it.
 double s_estimate(double probability, double weight, LabelCounts const& counts) {
     return (probability * weight + static_cast<double>(counts.m_spam)) /
@@ -89,18 +81,18 @@ class EliteAdapter {
         std::erase_if(rules(), [](auto const& rule) { return rule.type == EliteType::adjusting; });
     }
 
-    // The code of the rule whose verdict holds least, among those whose verdict does not hold.
+    // The code of the rule that holds least, among those that do not hold. A rule below the
+    // threshold decides nothing anyway.
     std::optional<std::int32_t> worstRule() {
         m_decided = s_decidedByElite(m_mail, m_makeJudge(m_adapted.m_set));
         std::optional<std::int32_t> worst;
-        double furthest = 0.0;
+        double lowest = m_limits.m_spamThreshold;
         for (auto const& rule : rules()) {
-            auto const after = rule.type == EliteType::deciding ? estimate(rule) : rule.weight;
-            auto const side = s_side(rule.weight, m_limits);
-            double const moved = side == Side::spam ? rule.weight - after : after - rule.weight;
-            if (side != Side::none && s_side(after, m_limits) != side && moved > furthest) {
+            bool const decides =
+                rule.type == EliteType::deciding && rule.weight >= m_limits.m_spamThreshold;
+            if (decides && estimate(rule) < lowest) {
                 worst = rule.code;
-                furthest = moved;
+                lowest = estimate(rule);
             }
         }
         return worst;

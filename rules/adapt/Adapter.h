@@ -39,8 +39,7 @@ struct AdaptPlan {
 // What counts as a verdict, and what a rule needs to be used: the settings of the host.
 struct AdaptLimits {
     double m_spamThreshold = 0.95;
-    double m_hamThreshold = 0.95; // ham: a probability of at most 1 minus this
-    double m_minSupport = 0.15;   // percentage of the mail
+    double m_minSupport = 0.15; // percentage of the mail
 };
 
 // Of one elite rule.

@@ -78,14 +78,13 @@ TEST(Adapter, ARuleThatDoesNotHoldIsLeftOutAndTheNextDecides) {
     rulesOf(text); // it compiles
 }
 
-TEST(Adapter, AHamRuleThatTakesSpamIsLeftOut) {
+TEST(Adapter, ARuleBelowTheThresholdIsLeftAlone) {
     std::string const rules = "version 1\nelite first also-tree\n"
-                              "decide 0.01 support 3 code 3 when first_reverse_dynamic == no\n"
-                              "tree confidence 0.5 { first_helo_dynamic == no: confidence 0.3 support 80 }\n";
-    auto const good = s_adapted(rules, {counted({{10, 0}}, 0, 40)}, {50, 20, 0, false, true});
-    EXPECT_EQ(s_codes(good.m_set), (std::vector<std::int32_t>{3}));
-    auto const bad = s_adapted(rules, {counted({{10, 0}}, 20, 20)}, {50, 20, 0, false, true});
-    EXPECT_FALSE(bad.m_set.m_elite.has_value());
+                              "decide 0.5 support 3 code 3 when first_reverse_dynamic == no\n"
+                              "tree confidence 0.5 { first_helo_dynamic == no: confidence 0.3 "
+                              "support 80 }\n";
+    auto const adapted = s_adapted(rules, {counted({{10, 0}}, 0, 40)}, {50, 20, 0, false, true});
+    EXPECT_EQ(s_codes(adapted.m_set), (std::vector<std::int32_t>{3}));
 }
 
 TEST(Adapter, AdjustingRulesAreLeftOutIfThePlanSaysSo) {
@@ -149,7 +148,7 @@ TEST(Adapter, ATreeNeverOutgrowsItsFile) {
                                i % 2 == 0 ? 9000U : 0U));
     }
     auto const adapted = adaptRules(rulesOf(s_rules), mail, {50, 20, 0, true, true},
-                                    {0.95, 0.95, 0.0}, judgeOf);
+                                    {0.95, 0.0}, judgeOf);
     EXPECT_GT(adapted.m_nodesAdded, 400U);
     EXPECT_LE(adapted.m_set.m_nodes.size(), static_cast<std::size_t>(maxTreeNodes));
     judgeOf(adapted.m_set); // an engine loads it
