@@ -33,7 +33,8 @@ struct MailVector {
     std::uint64_t m_position = 0; // of the input, as in InputItem
     // Empty when the message has no public hop and so nothing to judge.
     std::optional<Rules::AttributeVector> m_vector;
-    // A DNS look-up failed or came late, so there are no vectors: nobody knows what they would be.
+    // A DNS look-up failed or came late: the vectors may say that a name does not exist although it
+    // does.
     bool m_hasFailedLookup = false;
     // Of the same message as a gateway that records no reverse names would have recorded it; empty
     // when that was not asked for, or the form of the gateway's header is not known.
