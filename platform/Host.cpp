@@ -12,7 +12,10 @@ void Host::take(ResolverMessage const& answer) {
             m_addresses.push_back(address);
         }
     }
-    m_result = m_addresses.empty() ? std::max(m_result, answer.result()) : LookupResult::answered;
+    m_result = std::max(m_result, answer.result());
+    if (m_result < LookupResult::failed && !m_addresses.empty()) {
+        m_result = LookupResult::answered;
+    }
 }
 
 Host::Host(std::string const& name, bool forwardLookup) {

@@ -36,7 +36,8 @@ class QV_API Host {
     // True when the name has no address, or none could be asked for.
     bool isNull() const { return m_addresses.empty(); }
     std::list<IPAddress> const& addressList() const { return m_addresses; }
-    // How the look-ups ended; of two without an address the less certain one counts.
+    // How the look-ups ended. When one of the two failed or came late, that counts: addresses may
+    // be missing.
     LookupResult result() const { return m_result; }
 
   private:

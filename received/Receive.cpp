@@ -39,16 +39,18 @@ MsgReceivedImpl& s_record(TypeAndValueImpl* impl, unsigned int line) {
     return *record;
 }
 
-// As s_isForged; `lookup` says how the look-up ended.
+// As s_isForged; `lookup` says how the look-up ended. When one failed, the address may be among the
+// missing ones, so the name is not forged.
 bool s_isForgedBy(IPAddress const& address, std::string const& name, LookupResult& lookup) {
     if (address.isNull() || name.empty()) {
         return false;
     }
     Host const host(name, true);
-    lookup = host.result();
     auto const& addresses = host.addressList();
-    return !host.isNull() &&
-           std::find(addresses.begin(), addresses.end(), address) == addresses.end();
+    bool const isConfirmed =
+        std::find(addresses.begin(), addresses.end(), address) != addresses.end();
+    lookup = isConfirmed ? LookupResult::answered : host.result();
+    return !host.isNull() && lookup == LookupResult::answered && !isConfirmed;
 }
 
 } // namespace

@@ -2,20 +2,16 @@
 #include "apps/milter/Judgement.h"
 
 #include "apps/milter/MilterTable.h"
+#include "apps/story/FailedLookups.h"
 #include "apps/story/RuleNaming.h"
 #include "apps/story/VerdictStory.h"
 #include "apps/text/NumberText.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace Quorvane::Milter {
 
 namespace {
-
-bool s_couldNotAsk(RecordedLookup const& lookup) {
-    return lookup.result == LookupResult::failed || lookup.result == LookupResult::late;
-}
 
 FailureAction s_actionOn(Failure failure, MilterSettings const& settings) {
     switch (failure) {
@@ -40,8 +36,7 @@ Judgement judgementOf(ScanRecord record, MilterSettings const& settings,
     Judgement judgement;
     if (record.failure) {
         judgement.m_failure = Failure::scanFailed;
-    } else if (settings.m_trustFailedLookups == 0 &&
-               std::any_of(record.lookups.begin(), record.lookups.end(), s_couldNotAsk)) {
+    } else if (settings.m_trustFailedLookups == 0 && hasFailedLookup(record)) {
         judgement.m_failure = Failure::dnsFailed;
     } else {
         judgement.m_verdict = record.verdict;

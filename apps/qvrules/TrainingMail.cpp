@@ -134,6 +134,10 @@ class TrainingMailReader {
             leaveOut(mail);
             return;
         }
+        if (mail.m_hasFailedLookup) {
+            ++m_counts.m_failedLookups;
+            return;
+        }
         auto& table = tableOf(inputs);
         auto& samples = inputs.m_isSorted ? m_found.m_sortedSamples : m_found.m_unsortedSamples;
         auto const label = inputs.m_label.value_or(Rules::MailLabel::ham);
@@ -165,6 +169,11 @@ class TrainingMailReader {
         if (m_counts.m_leftOut != 0) {
             std::cerr << "qvrules: " << m_counts.m_leftOut
                       << (m_counts.m_leftOut == 1 ? " input was" : " inputs were") << " left out\n";
+        }
+        if (auto const count = m_counts.m_failedLookups; count != 0) {
+            std::cerr << "qvrules: left out " << count << (count == 1 ? " message" : " messages")
+                      << " whose DNS look-ups failed or came too late: run it again, or raise "
+                         "--dns-timeout\n";
         }
     }
 

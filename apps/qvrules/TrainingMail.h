@@ -42,18 +42,20 @@ struct TrainingMail {
 };
 
 struct TrainingMailCounts {
-    std::uint64_t m_messages = 0;     // scanned, copies not counted
-    std::uint64_t m_notJudgeable = 0; // no public hop, so no vector
-    std::uint64_t m_copies = 0;       // rewritten messages that were added
-    std::uint64_t m_leftOut = 0;      // inputs that are no messages, or cannot be read
+    std::uint64_t m_messages = 0;      // scanned, copies not counted
+    std::uint64_t m_notJudgeable = 0;  // no public hop, so no vector
+    std::uint64_t m_copies = 0;        // rewritten messages that were added
+    std::uint64_t m_failedLookups = 0; // messages left out since a DNS look-up failed or came late
+    std::uint64_t m_leftOut = 0;       // inputs that are no messages, or cannot be read
     // For the first of them, once the work on the others is done; else `status`.
     int exitStatus(int status) const { return m_leftOut == 0 ? status : m_leftOutStatus; }
     int m_leftOutStatus = 0;
 };
 
 // All mail, with the sources of some messages of each kind. What is no message is reported and left
-// out. A RuleError for a path that there is not and for a table that cannot be read, a
-// SettingsError for settings that cannot be put in force.
+// out, and so are messages whose names could not be looked up. A RuleError for a path that there is
+// not and for a table that cannot be read, a SettingsError for settings that cannot be put in
+// force.
 Rules::ComparedMail gatherMail(TrainingMail const& mail, TrainingMailCounts& counts);
 
 // The same for commands that measure: a RuleError when there are no messages at all.

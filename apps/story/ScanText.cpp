@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/story/ScanText.h"
 
+#include "apps/story/FailedLookups.h"
 #include "apps/story/OwnRelay.h"
 #include "apps/story/ResultText.h"
 #include "apps/story/RuleNaming.h"
@@ -51,7 +52,7 @@ std::string s_attributes(ScanRecord const& record) {
 std::string s_lookups(ScanRecord const& record) {
     std::string lines;
     for (auto const& lookup : record.lookups) {
-        if (lookup.result == LookupResult::failed || lookup.result == LookupResult::late) {
+        if (hasFailed(lookup)) {
             lines += s_line(toPrintable(lookup.name) + ": " + lookupText(lookup.result));
         }
     }

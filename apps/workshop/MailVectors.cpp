@@ -7,6 +7,7 @@
 #include "apps/host/RuleLoader.h"
 #include "apps/input/HeaderCheck.h"
 #include "apps/input/OrderedPool.h"
+#include "apps/story/FailedLookups.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
 #include "rules/model/RuleError.h"
@@ -55,7 +56,9 @@ HeaderContainer messageHeaders(ScanHost const& host, std::string const& source,
 
 // The engine does not start without a tree; an empty tree decides nothing.
 MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
-    : m_wantsRewritten(wantsRewritten), m_host(setUpHost(settings, loadedRules(Rules::RuleSet{}))),
+    : m_wantsRewritten(wantsRewritten),
+      m_depth(settings.m_dns == "off" ? RecordDepth::result : RecordDepth::steps),
+      m_host(setUpHost(settings, loadedRules(Rules::RuleSet{}))),
       m_isOwnRelay(s_ownRelays(settings)) {}
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
@@ -86,18 +89,19 @@ MailVector MailVectors::vectorOf(InputItem const& item) const {
         vector.m_exitStatus = item.m_exitStatus;
         return vector;
     }
-    vector.m_vector = attributesOf(m_host->read(item.m_headers));
+    vector.m_vector = attributesOf(m_host->read(item.m_headers), vector);
     if (m_wantsRewritten) {
         if (auto const rewritten = Rules::withoutReverseNames(item.m_headers, m_isOwnRelay)) {
-            vector.m_withoutReverseName = attributesOf(m_host->read(*rewritten));
+            vector.m_withoutReverseName = attributesOf(m_host->read(*rewritten), vector);
         }
     }
     return vector;
 }
 
-std::optional<Rules::AttributeVector>
-MailVectors::attributesOf(HeaderContainer const& headers) const {
-    auto const record = m_host->scan(headers, MessageFacts{}, RecordDepth::result);
+std::optional<Rules::AttributeVector> MailVectors::attributesOf(HeaderContainer const& headers,
+                                                                MailVector& vector) const {
+    auto const record = m_host->scan(headers, MessageFacts{}, m_depth);
+    vector.m_hasFailedLookup = vector.m_hasFailedLookup || hasFailedLookup(record);
     return record.isJudged() ? std::optional(record.attributes) : std::nullopt;
 }
 

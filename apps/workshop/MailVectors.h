@@ -33,6 +33,9 @@ struct MailVector {
     std::uint64_t m_position = 0; // of the input, as in InputItem
     // Empty when the message has no public hop and so nothing to judge.
     std::optional<Rules::AttributeVector> m_vector;
+    // A DNS look-up failed or came late: the vectors may say that a name does not exist although it
+    // does.
+    bool m_hasFailedLookup = false;
     // Of the same message as a gateway that records no reverse names would have recorded it; empty
     // when that was not asked for, or the form of the gateway's header is not known.
     std::optional<Rules::AttributeVector> m_withoutReverseName;
@@ -61,10 +64,12 @@ class MailVectors {
 
   private:
     MailVector vectorOf(InputItem const& item) const;
-    std::optional<Rules::AttributeVector> attributesOf(HeaderContainer const& headers) const;
+    std::optional<Rules::AttributeVector> attributesOf(HeaderContainer const& headers,
+                                                       MailVector& vector) const;
 
     Interrupt m_interrupt; // before any thread
     bool m_wantsRewritten;
+    RecordDepth m_depth; // look-ups are recorded only where there can be some
     std::shared_ptr<ScanHost const> m_host;
     Rules::IsOwnRelay m_isOwnRelay;
 };

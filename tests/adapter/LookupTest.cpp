@@ -6,6 +6,7 @@
 #include "received/MsgReceivedImpl.h"
 #include "rules/format/AttributeTable.h"
 #include "support/DnsServer.h"
+#include "support/HostileDnsServer.h"
 #include "support/LateDnsServer.h"
 #include "support/SilentDnsServer.h"
 
@@ -105,6 +106,35 @@ TEST_F(LookupTest, AFailedLookUpIsCountedAndSaysNothingAgainstTheMessage) {
     EXPECT_EQ(props.attributes[Attribute::firstHeloResolves], 0);
     EXPECT_EQ(props.attributes[Attribute::envelopeDomainResolves], 0);
     EXPECT_GT(Resolver::instance().counters().m_failed, before.m_failed);
+}
+
+// The server fails for AAAA records below bad.test: the machine's address may be among them.
+TEST_F(LookupTest, AReverseNameIsForgedOnlyWhenAllItsAddressesAreKnown) {
+    HostileDnsServer const server([](std::string answer) {
+        bool const hasRecord = answer[7] != 0;
+        if (!hasRecord) {
+            answer[3] = static_cast<char>(0x82);
+        }
+        return std::vector<std::string>{answer};
+    });
+    ask(server.address());
+    struct {
+        char const* m_reverse;
+        char const* m_address;
+        int m_isForged;
+        LookupResult m_lookup;
+    } const rows[] = {
+        {"relay.good.test", "192.0.2.99", 1, LookupResult::answered},
+        {"relay.bad.test", "192.0.2.99", 0, LookupResult::failed},
+        {"relay.bad.test", "192.0.2.7", 0, LookupResult::answered},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.m_reverse);
+        auto const props =
+            attributes(Message(received("x", row.m_reverse, row.m_address, "mx.test")));
+        EXPECT_EQ(props.attributes[Attribute::firstForged], row.m_isForged);
+        EXPECT_EQ(ReceivedAccess::fields(props.receivedList.front())->m_forgedLookup, row.m_lookup);
+    }
 }
 
 TEST_F(LookupTest, AnAnswerThatSaysNoIsNoFailure) {

@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """The daemon as mail servers see it: each order of callbacks, each kind of macros, each action."""
+import os
 import subprocess
 import unittest
 
-from milter import MilterTest, SilentDnsServer
+from milter import (FailingDnsServer, MilterTest, SilentDnsServer, example_zone,
+                    shipped_rules)
 
 SPAM = "X-QV-Deep-Header: spam; node=7; confidence=0.99; support=10; ips=192.0.2.55"
 HAM = "X-QV-Deep-Header: ham; node=3; confidence=0.01; support=30; ips=192.0.2.56"
@@ -251,6 +253,22 @@ class Settings(MilterTest):
                 self.assertEqual(self.answer(script, shared=shared,
                                              own="trust-failed-lookups = true"),
                                  ["accept", NONE])
+
+    def test_the_rules_that_ask_dns_decide_only_where_every_name_could_be_asked_for(self):
+        script = """
+            postfix_client("unknown", "192.0.2.55", "nowhere.example")
+            sender("<a@example.org>") recipient("<b@example.net>")
+            header("Message-ID", "<1@letters.example>") header("From", "<c@author.example>")
+            finish()"""
+        rules = shipped_rules(os.environ["QV_WITH_DNS_TEXT"])
+        self.assertEqual(
+            self.answer(script, rules=rules, shared=f'dns-data = "{example_zone()}"\ndns = "auto"'),
+            ["accept", 'X-QV-Deep-Header: spam; node=9101; rule="Machine without any real name"; '
+                       "confidence=0.96; support=100; ips=192.0.2.55"])
+        # The sender's domain is there, and nobody can say whether the announced name is.
+        with FailingDnsServer(known="example.org") as server:
+            self.assertEqual(self.answer(script, rules=rules, shared=f'dns = "{server.address}"'),
+                             ["accept", "X-QV-Deep-Header: none; error=dns-failure"])
 
     def test_headers_beyond_a_limit_make_a_message_odd(self):
         odd = ["accept", "X-QV-Deep-Header: none; error=odd-message"]

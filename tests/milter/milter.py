@@ -44,9 +44,12 @@ tree {{
 """
 
 
-# The shipped rules, for Daemon(rules=...).
-DEFAULT_RULES = (pathlib.Path(os.environ["QV_DEFAULT_TEXT"]).read_text()
-                 .replace("{", "{{").replace("}", "}}"))
+def shipped_rules(path):
+    """A rule text that is shipped, for Daemon(rules=...)."""
+    return pathlib.Path(path).read_text().replace("{", "{{").replace("}", "}}")
+
+
+DEFAULT_RULES = shipped_rules(os.environ["QV_DEFAULT_TEXT"])
 
 # The line of a message in the log, with `log-details`.
 LOGGED = re.compile(r" queue=(?P<queue>\S+) verdict=(?P<verdict>\S+) node=(?P<node>\d+)(?: rule=\"[^\"]*\")?"
@@ -89,17 +92,23 @@ class SilentDnsServer:
 
 
 class FailingDnsServer(socketserver.UDPServer):
-    """A DNS server that answers each question with SERVFAIL (RFC 1035 section 4.1.1)."""
+    """A DNS server that answers each question with SERVFAIL (RFC 1035 section 4.1.1), but for one name,
+    which has an address (section 4.1.3)."""
 
     class Handler(socketserver.BaseRequestHandler):
         def handle(self):
             packet, server = self.request
             question = packet[12:packet.index(0, 12) + 5]
-            server.sendto(packet[:2] + b"\x81\x82\0\1\0\0\0\0\0\0" + question,
-                          self.client_address)
+            is_known = question[:-4].lower() == server.known and question[-4:-2] == b"\0\1"
+            head, record = ((b"\x84\x80\0\1\0\1\0\0\0\0",
+                             b"\xc0\x0c\0\1\0\1\0\0\0\0\0\4\xc0\0\2\7") if is_known
+                            else (b"\x81\x82\0\1\0\0\0\0\0\0", b""))
+            server.sendto(packet[:2] + head + question + record, self.client_address)
 
-    def __init__(self):
+    def __init__(self, known=""):
         super().__init__(("127.0.0.1", 0), self.Handler)
+        self.known = b"".join(bytes([len(label)]) + label.encode()
+                              for label in known.split(".")) + b"\0"
         self.address = f"127.0.0.1@{self.server_address[1]}"
         self.thread = threading.Thread(target=self.serve_forever, kwargs={"poll_interval": 0.05})
 

@@ -6,9 +6,11 @@
 #include "rules/check/Checker.h"
 #include "rules/language/Compiler.h"
 #include "support/ReadFile.h"
+#include "support/TemporaryFolder.h"
 #include "Transcript.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -47,6 +49,14 @@ std::vector<std::string> s_replayed(std::vector<Block> const& blocks) {
 // The name of a page in docs/.
 class DocumentationTest : public testing::TestWithParam<char const*> {
   protected:
+    // The rules as they are installed, in the folder that pages call $rules.
+    DocumentationTest() {
+        std::filesystem::create_symlink(QV_DEFAULT_TEXT, m_rules.path("default.qvr"));
+        std::filesystem::create_symlink(QV_WITH_DNS_TEXT, m_rules.path("with-dns.qvr"));
+        ::setenv("rules", m_rules.path().c_str(), 1);
+    }
+
+    TemporaryFolder m_rules;
     std::string m_page = std::string(QV_DOCS "/") + GetParam() + ".md";
     std::string m_text = readFile(m_page);
 };
@@ -76,7 +86,8 @@ TEST_P(DocumentationTest, TranscriptsReplay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, DocumentationTest,
-                         testing::Values("seeing-rules", "testing-rules", "writing-rules"));
+                         testing::Values("seeing-rules", "testing-rules", "with-dns",
+                                         "writing-rules"));
 
 TEST(RuleTexts, AreShownInTheDocumentation) {
     EXPECT_FALSE(s_blocks(readFile(QV_DOCS "/writing-rules.md"), "qvr").empty());

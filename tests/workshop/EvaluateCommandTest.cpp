@@ -2,6 +2,7 @@
 //
 // `qvrules evaluate` as its users see it.
 #include "CommandTest.h"
+#include "support/DnsServer.h"
 #include "support/JsonLines.h"
 #include "support/SilentDnsServer.h"
 #include "support/Terminal.h"
@@ -54,6 +55,25 @@ class EvaluateCommand : public CommandTest {
 
     std::string m_rules = m_folder.write("r.qvr", rules);
 };
+
+// One server answers for the announced name of the first message and fails for that of the second.
+TEST_F(EvaluateCommand, LeavesMessagesOutWhoseNamesCannotBeLookedUp) {
+    DnsServer const server({{"known.test", "@ A 192.0.2.7\n"}, {"broken.test", "", true}});
+    auto const message = [](std::string const& helo) {
+        return "From x@example.org Mon Jan  1 10:00:00 2024\nReceived: from " + helo +
+               " ([192.0.2.7]) by mx.example.org\n\n";
+    };
+    auto const mail = m_folder.write("d/ham.mbox", message("known.test") + message("broken.test"));
+    auto const dnsRules = m_folder.write(
+        "dns.qvr", "version 1\ntree {\n    first_helo_resolves == yes: confidence 0.01 support 50\n"
+                   "    first_helo_resolves != yes: confidence 0.99 support 50\n}\n");
+    auto const result = runProgram(QV_RULES_PROGRAM, {"evaluate", dnsRules, "--ham", mail, "--dns",
+                                                      server.address(), "--format", "json"});
+    EXPECT_EQ(result.m_status, 0);
+    EXPECT_THAT(result.m_errors, HasSubstr("left out 1 message whose DNS look-ups failed"));
+    EXPECT_EQ(Json::parse(result.m_output)["corpora"][0]["verdictsOnHam"],
+              Json::parse(R"({"spam":0,"ham":1,"none":0})"));
+}
 
 TEST_F(EvaluateCommand, CountsWhatTheThresholdsGive) {
     auto const json = report(mail());
