@@ -34,6 +34,18 @@ def thirds(boxes, folder):
     return first, last
 
 
+def beginning_and_end(boxes, folder, beginning, end):
+    """Of each mbox the share `beginning` from its start, and all after the share `end`, in the order
+    of the file."""
+    parts = {"beginning": {}, "end": {}}
+    for label, path in boxes.items():
+        mails = messages(path)
+        for part, chosen in (("beginning", mails[:int(len(mails) * beginning)]),
+                             ("end", mails[int(len(mails) * end):])):
+            parts[part][label] = write(folder, f"{part}/{label}", chosen)
+    return parts["beginning"], parts["end"]
+
+
 def header_field(names):
     """Matches a whole field with one of these names; its value, folding included, is group 1."""
     return re.compile(rb"^(?:" + names + rb")[ \t]*:(.*\n(?:[ \t].*\n)*)",

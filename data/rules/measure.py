@@ -2,11 +2,13 @@
 # SPDX-License-Identifier: Apache-2.0
 """measure.py QVRULES CORPORA PAGE: writes what the default rules do into the tables of PAGE.
 
-PAGE marks where a table goes by "<!-- table NAME -->" and "<!-- end -->":
+It also draws adapted.svg beside PAGE. PAGE marks where a table goes by "<!-- table NAME -->" and "<!-- end -->":
 left-out  each corpus judged by rules whose tree was learned without it, and the last third of the
           corpus with the most spam by rules learned from all mail but that third
 envelope  the same corpora, as they are and with the author of each message as its envelope sender,
           by those rules and by a tree alone that may test the envelope sender
+adapted   rules learned without a corpus and adapted to its first 100 messages, tenth, quarter and
+          half, judging its second half
 rules     what each elite rule decides, and what is left for the tree to call spam
 messages  what each elite rule decides in each corpus
 copies    the same for the copies without reverse names
@@ -15,6 +17,7 @@ import pathlib
 import re
 import sys
 
+import curve
 import mailboxes
 import training
 
@@ -81,6 +84,59 @@ def left_out(qvrules, mail, folder):
     rows.append(left_out_row(f"last third of {largest}",
                              training.evaluate(qvrules, rules, {largest: last})))
     return rows
+
+
+# --- Adapted to a site ---------------------------------------------------------------------------
+
+SHARES = {"a tenth": 0.1, "a quarter": 0.25, "half": 0.5}
+FIRST = 100  # messages, before the shares
+
+
+def caught_at_one_in_thousand(corpus):
+    return next(point["caught"] for point in corpus["roc"]["caughtAt"]
+                if point["falsePositives"] == 0.001)
+
+
+def adapted_row(corpus, learned_from, mail):
+    return table_row(corpus, learned_from, share(mail["falsePositives"]), brief(mail["caught"]),
+                     brief(caught_at_one_in_thousand(mail)), f"{mail['roc']['area']:.3f}")
+
+
+def adapted_steps(qvrules, shipped, corpus, boxes, folder):
+    """What was learned from, and the figures of the second half: for the rules as they are, and
+    adapted to more and more of the first half."""
+    def judged(rules):
+        return figures(training.evaluate(qvrules, rules, {corpus: end}, training.SCANNING))
+
+    _, end = mailboxes.beginning_and_end(boxes, folder, 0, 0.5)
+    own = folder / "own.qvr"
+    yield "nothing", judged(shipped)
+    all_messages = sum(len(mailboxes.messages(path)) for path in boxes.values())
+    for name, part in {"": FIRST / all_messages, **SHARES}.items():
+        beginning, _ = mailboxes.beginning_and_end(boxes, folder, part, 0.5)
+        count = sum(len(mailboxes.messages(path)) for path in beginning.values())
+        cell = f"{name}: {count:,} messages" if name else f"{count:,} messages"
+        try:
+            better = training.adapt(qvrules, shipped, {corpus: beginning}, own)
+        except training.TrainingError:
+            yield f"{cell}, too few of one kind", judged(shipped)
+            continue
+        yield (cell, judged(own)) if better else (f"{cell}, kept as they were", judged(shipped))
+
+
+def adapted(qvrules, mail, folder):
+    """The rows, and the chart."""
+    rows = heading("site", "adapted to", "ham called spam", "spam caught",
+                   "spam caught at 0.1 % false positives", "area")
+    lines = {}
+    shipped = folder / "rules.qvr"
+    for corpus, boxes in mail.items():
+        training.learn(qvrules, without(mail, corpus), shipped)
+        steps = list(adapted_steps(qvrules, shipped, corpus, boxes, folder))
+        rows += [adapted_row(corpus, cell, found) for cell, found in steps]
+        lines[corpus] = [found["roc"]["area"] for _, found in steps]
+    return rows, curve.chart("Area under the ROC curve on the second half, by the mail adapted to",
+                             ["nothing", f"{FIRST} messages", *SHARES], lines)
 
 
 # --- The author as envelope sender ---------------------------------------------------------------
@@ -177,13 +233,15 @@ def main(arguments):
     mail = training.corpora(corpora)
     with training.work_folder() as name:
         folder = pathlib.Path(name)
-        tables = {"left-out": left_out(qvrules, mail, folder),
+        adapted_rows, drawing = adapted(qvrules, mail, folder)
+        tables = {"left-out": left_out(qvrules, mail, folder), "adapted": adapted_rows,
                   "envelope": envelope(qvrules, mail, folder)}
     evaluation = training.evaluate(qvrules, training.HERE / "default.qvr", mail)
     messages, copies = counts_by_corpus(qvrules, mail)
     tables.update({"rules": deciders(evaluation), "messages": corpus_table(messages),
                    "copies": corpus_table(copies)})
     fill(pathlib.Path(page), tables)
+    pathlib.Path(page).with_name("adapted.svg").write_text(drawing, encoding="utf-8")
     return 0
 
 

@@ -54,11 +54,12 @@ def mail_options(mail):
     return options
 
 
-def run(qvrules, *arguments):
-    done = subprocess.run([qvrules, *arguments], text=True, stdout=subprocess.PIPE, check=False)
-    if done.returncode != 0:
+def run(qvrules, *arguments, allowed=(0,), **streams):
+    done = subprocess.run([qvrules, *arguments], text=True, stdout=subprocess.PIPE, check=False,
+                          **streams)
+    if done.returncode not in allowed:
         raise TrainingError(f"qvrules {arguments[0]} failed with status {done.returncode}")
-    return done.stdout
+    return done.stdout if allowed == (0,) else done.returncode
 
 
 def learn_tree(qvrules, mail, output, excluded, *options):
@@ -70,6 +71,13 @@ def learn_tree(qvrules, mail, output, excluded, *options):
 def learn(qvrules, mail, output):
     """Writes the elite rules with a tree learned from `mail` after them."""
     learn_tree(qvrules, mail, output, EXCLUDED, "--with", str(ELITE))
+
+
+def adapt(qvrules, rules, mail, output):
+    """Adapts rules to a site; false when what comes out would be no better, and nothing is written."""
+    status = run(qvrules, "adapt", str(rules), *SCANNING, *mail_options(mail), "-o", str(output),
+                 "--force", allowed=(0, 1), stderr=subprocess.DEVNULL)
+    return status == 0
 
 
 def evaluate(qvrules, rules, mail, scanning=tuple(WITH_COPIES)):

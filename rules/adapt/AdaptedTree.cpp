@@ -19,6 +19,8 @@ constexpr double leastMessages = 8;
 constexpr double leastGain = 12;
 // What the node above says counts in a new node like so many messages.
 constexpr double parentMessages = 2;
+// How far below the threshold a node stays that the site's mail does not prove right.
+constexpr double justBelow = 0.01;
 
 class TreeAdapter {
   public:
@@ -65,9 +67,14 @@ class TreeAdapter {
     // A probability that weighs as much as so many messages, and messages beside it. Where no mail
     // of the site went, nothing is known that was not known before.
     double estimated(double before, double weight, LabelCounts const& counts) const {
+        auto const spam = static_cast<double>(counts.m_spam);
+        auto const messages = static_cast<double>(counts.total());
         auto const unseen = counts.total() == 0 ? 0.0 : m_how.m_unseenHam;
-        return (before * weight + static_cast<double>(counts.m_spam)) /
-               (weight + static_cast<double>(counts.total()) + unseen);
+        auto const estimate = (before * weight + spam) / (weight + messages + unseen);
+        bool const isProven = spam >= m_how.m_provenFrom * (messages + m_how.m_unseenHam);
+        return estimate < m_how.m_provenFrom || (isProven && messages > 0)
+                   ? estimate
+                   : m_how.m_provenFrom - justBelow;
     }
 
     // The counts of a file end where its numbers do.

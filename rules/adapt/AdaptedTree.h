@@ -17,6 +17,9 @@ struct TreeAdaptation {
     double m_unseenHam;
     bool m_grows;
     double m_minSupport; // percentage of the mail
+    // Probability from which on a node needs mail of the site that says so by itself, without what
+    // the node said before; above 1: none does.
+    double m_provenFrom;
 };
 
 // Estimates the nodes again by the mail that `judge` says they decide, and lets leaves grow.

@@ -150,7 +150,8 @@ AdaptedRules adaptRules(RuleSet const& rules, CountedVectors const& mail, AdaptP
     s_dropNames(adapted.m_set, adapted.m_changes);
     adapted.m_nodesAdded =
         adaptTree(adapted.m_set.m_nodes, mail, makeJudge(adapted.m_set),
-                  {plan.m_nodeMessages, plan.m_unseenHam, plan.m_grows, limits.m_minSupport});
+                  {plan.m_nodeMessages, plan.m_unseenHam, plan.m_grows, limits.m_minSupport,
+                   plan.m_keepsAdjusting ? 2.0 : limits.m_spamThreshold});
     return adapted;
 }
 

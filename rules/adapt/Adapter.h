@@ -4,8 +4,8 @@
 // few messages; the messages of the site count beside these:
 // - The probability of an elite rule is estimated again. A rule whose verdict does not hold at the
 //   site is left out.
-// - Adjusting rules are kept or left out, as the plan says: the site's mail shows by itself what
-//   they guess.
+// - Adjusting rules are kept or left out, as the plan says. They keep the tree from saying "spam" of
+//   mail that it does not know; without them a node says so only if the site's mail proves it right.
 // - The probabilities of the nodes are estimated again, and leaves with enough mail of the site grow
 //   branches of their own.
 //

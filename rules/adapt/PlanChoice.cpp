@@ -17,7 +17,7 @@ std::vector<AdaptPlan> s_plans() {
     std::vector<AdaptPlan> plans;
     for (double const ruleMessages : {50.0, 200.0}) {
         for (double const nodeMessages : {10.0, 50.0}) {
-            for (double const unseenHam : {0.0, 1.0, 3.0, 6.0}) {
+            for (double const unseenHam : {3.0, 6.0}) {
                 for (bool const grows : {false, true}) {
                     for (bool const keepsAdjusting : {true, false}) {
                         plans.push_back(

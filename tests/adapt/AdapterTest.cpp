@@ -135,6 +135,23 @@ TEST(Adapter, HamThatNobodySawKeepsASmallLeafFromAVerdict) {
     EXPECT_EQ(verdict(6), Verdict::none);
 }
 
+TEST(Adapter, WithoutAdjustingRulesANodeSaysSpamOnlyOfWhatTheSiteProves) {
+    std::string const rules = "version 1\nelite first also-tree\n"
+                              "adjust -0.2 code 'a' when first_helo_is_domain == no\n"
+                              "tree confidence 0.9 {\n"
+                              "    first_helo_dynamic == no: confidence 0.99 support 50\n"
+                              "    first_helo_dynamic != no: confidence 0.99 support 50\n}\n";
+    auto const verdict = [&](std::int32_t helo, std::uint64_t spam, bool keepsAdjusting) {
+        auto const mail = {counted({{0, 0}, {5, 0}}, spam, 0)};
+        auto const adapted = s_adapted(rules, mail, {50, 20, 3, false, keepsAdjusting});
+        return judgeOf(adapted.m_set)(vectorOf({{0, 1}, {5, helo}})).m_verdict;
+    };
+    EXPECT_EQ(verdict(0, 100, false), Verdict::spam);
+    EXPECT_EQ(verdict(0, 20, false), Verdict::none); // 20 of 23 prove nothing
+    EXPECT_EQ(verdict(1, 100, false), Verdict::none); // no mail of the site
+    EXPECT_EQ(verdict(1, 100, true), Verdict::spam);
+}
+
 TEST(Adapter, AFewMessagesGrowNothing) {
     auto const mail = {counted({{10, 2}, {5, 0}, {19, 1}}, 0, 7),
                        counted({{10, 2}, {5, 0}, {19, 0}}, 7, 0)};
