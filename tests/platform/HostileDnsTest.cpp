@@ -50,8 +50,9 @@ TEST_P(HostileDnsTest, TheLookUpEndsAndTheNextOneWorks) {
     HostileDnsServer const server(GetParam().m_replies, GetParam().m_when);
     configure(serverSettings(server.address()));
     EXPECT_EQ(s_resultOf(GetParam().m_result), GetParam().m_result);
-    EXPECT_GT(server.badQuestions(), 0);
     EXPECT_EQ(ask(RecordType::A, "name.good.test").result(), LookupResult::answered);
+    // Only now: a deadline may pass before a busy machine has sent the question.
+    EXPECT_GT(server.badQuestions(), 0);
 }
 
 TEST_F(DeadDnsTest, ADeadServerIsLateAndAnswersOnceItLives) {
