@@ -3,6 +3,7 @@
 #include "rules/format/AttributeTable.h"
 
 #include <map>
+#include <string_view>
 
 namespace Quorvane::Testing {
 namespace {
@@ -39,7 +40,6 @@ TEST_F(AttributesTest, TheMessageIdDomainHasADotOrNot) {
 constexpr char const* trails[] = {
     "from mail.a.test (mail.a.test [P]) by mx",
     "from pc (dsl-192-0-2-1.pool.a.test [P]) by mx",
-    "from [P] (unknown [P]) by mx",
     "from mail.a.test ([P]) by mx\nReceived: from desk (desk.b.test [Q]) by mail.a.test",
     "from a (b [L]) by mx\nReceived: from mail.a.test (mail.a.test [P]) by a",
     "from mail.a.test (mail.a.test [P]) by mx\nReceived: from x (y [L]) by mail.a.test\n"
@@ -47,13 +47,13 @@ constexpr char const* trails[] = {
     "from mail.a.test (mail.b.test [P]) by mx\nReceived: from x (y [Q]) by elsewhere.test",
 };
 
-std::string s_trail(std::string trail, std::map<char, std::string> const& addresses) {
-    for (auto const& [letter, address] : addresses) {
-        for (auto at = trail.find(letter); at != std::string::npos; at = trail.find(letter)) {
-            trail.replace(at, 1, address);
-        }
+std::string s_trail(std::string_view trail, std::map<char, std::string> const& addresses) {
+    std::string text = "Received: ";
+    for (char const letter : trail) {
+        auto const address = addresses.find(letter);
+        text += address == addresses.end() ? std::string(1, letter) : address->second;
     }
-    return "Received: " + trail + "\nFrom: x@a.test\nMessage-ID: <1@a.test>\n";
+    return text + "\nFrom: x@a.test\nMessage-ID: <1@a.test>\n";
 }
 
 TEST_F(AttributesTest, AJudgedIPv6TrailIsDescribedAsTheSameOverIPv4) {
@@ -66,6 +66,17 @@ TEST_F(AttributesTest, AJudgedIPv6TrailIsDescribedAsTheSameOverIPv4) {
             s_trail(trail, {{'P', "IPv6:2001:db8::1"}, {'Q', "2001:db8:2::1"}, {'L', "fd00::1"}})));
         EXPECT_EQ(over6.attributes, over4.attributes);
         EXPECT_EQ(over6.receivers[0].ip, "2001:db8::1");
+    }
+}
+
+// It has no dot, and a full name has one.
+TEST_F(AttributesTest, AnAnnouncedIPv6AddressIsNoFullNameWhateverTheRelaysAddress) {
+    TrustedMTASetRef::install({}, {}, {}, IPv6Relays::judge);
+    for (auto const* const relay : {"192.0.2.1", "IPv6:2001:db8::1"}) {
+        auto const slot =
+            chain(Message(received("[IPv6:2001:db8::1]", "unknown", relay, "mx"))).receivers[0];
+        EXPECT_EQ(slot.heloIsDomain, Code::no) << relay;
+        EXPECT_EQ(slot.heloDynamic, Code::notApplicable) << relay;
     }
 }
 
