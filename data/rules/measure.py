@@ -177,6 +177,11 @@ def not_judged_over_ipv6(qvrules, path):
     return len(mails), [mail for mail, line in zip(mails, lines) if ended_at_ipv6(json.loads(line))]
 
 
+def figures_with(qvrules, ipv6, corpus, boxes):
+    return figures(training.evaluate(qvrules, training.HERE / "default.qvr", {corpus: boxes},
+                                     [*training.SCANNING, "--ipv6", ipv6]))
+
+
 def ipv6_row(qvrules, corpus, boxes, folder):
     left, shares = {}, []
     for label in training.LABELS:
@@ -186,17 +191,20 @@ def ipv6_row(qvrules, corpus, boxes, folder):
         if found:
             left[label] = mailboxes.write(folder, f"{corpus}/{label}", found)
     if not left:
-        return table_row(corpus, *shares, *["-"] * 5)
-    mail = figures(training.evaluate(qvrules, training.HERE / "default.qvr", {corpus: left},
-                                     [*training.SCANNING, "--ipv6", "judge"]))
-    return table_row(corpus, *shares, brief(mail["judgeable"]), *(share(mail[name]) for name in (
-        "falsePositives", "caught", "passed", "missed")))
+        return table_row(corpus, *shares, *["-"] * 6)
+    mail = figures_with(qvrules, "judge", corpus, left)
+    lost = [figures_with(qvrules, ipv6, corpus, boxes)["falsePositives"]
+            for ipv6 in ("stop", "judge")]
+    return table_row(corpus, *shares, brief(mail["judgeable"]),
+                     *(share(mail[name]) for name in ("falsePositives", "caught", "passed", "missed")),
+                     " → ".join(f"{rate['count']:,} of {rate['of']:,}" for rate in lost))
 
 
 def over_ipv6(qvrules, mail, folder):
     return heading("corpus", "ham without a verdict", "spam without a verdict",
                    "judgeable with `judge`", "of these: ham called spam", "spam caught",
-                   "ham called ham", "spam called ham") + [
+                   "ham called ham", "spam called ham",
+                   "all mail: ham called spam, `stop` → `judge`") + [
         ipv6_row(qvrules, corpus, boxes, folder / "ipv6") for corpus, boxes in mail.items()]
 
 
