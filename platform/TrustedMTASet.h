@@ -3,8 +3,8 @@
 // The relays that the site trusts: its mail servers (skipped along the trail), its anti-spam relays
 // (they end the trail), and the internal ones, which stand at the newest end of every trail and say
 // nothing about the sender (skipped as long as no other relay came before them, IPv6 or not). And
-// what an IPv6 relay means that is none of these: it stands here so that a scan, which holds one
-// set from its first hop to its last, never sees two answers.
+// what an IPv6 relay means: it stands here so that a scan, which holds one set from its first hop
+// to its last, never sees two answers.
 //
 // A TrustedMTASet never changes. TrustedMTASetRef::install publishes a new one at any time; scans
 // that hold a reference to the old one finish with it.

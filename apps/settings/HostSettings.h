@@ -44,7 +44,7 @@ struct HostSettings {
     std::vector<IPPrefix> m_antiSpam;
     // Relays of the site itself: the newest hops that came from them are skipped.
     std::vector<IPPrefix> m_internal;
-    // Of relays that none of these lists names.
+    // Internal relays are skipped, and those that filter end the walk, under both values.
     IPv6Relays m_ipv6 = IPv6Relays::stop;
     std::vector<ReputationTable::Entry> m_scores;
     // Asked about relays that m_scores says nothing about.
