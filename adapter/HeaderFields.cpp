@@ -2,8 +2,9 @@
 //
 // First stage of a scan: the message's addresses, the domain of its Message-ID, and the hops to
 // judge, newest first. Hops that the site trusts and authenticated submissions are skipped; the
-// list ends before a trusted anti-spam relay, an IPv6 relay or a relay of good reputation, because
-// what is older than one of those was judged elsewhere or cannot be judged by these rules.
+// list ends before a trusted anti-spam relay, an IPv6 relay (unless the site has those judged) or a
+// relay of good reputation, because what is older than one of those was judged elsewhere or cannot
+// be judged by these rules.
 #include "adapter/HeaderFields.h"
 
 #include "adapter/DeepHeaderAdapter.h"
@@ -209,7 +210,7 @@ class TrailWalk {
         if (m_trusted.isTrustedAntiSpamMTA(address)) {
             return HopRole::trustedPartner;
         }
-        return address.isV6() ? HopRole::ipv6End : HopRole::listed;
+        return m_trusted.countsAsV6(address) ? HopRole::ipv6End : HopRole::listed;
     }
 
     HopRole scoredRole(std::uint32_t score) {

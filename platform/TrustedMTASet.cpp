@@ -24,47 +24,52 @@ AddressSet s_setOf(std::vector<IPPrefix> const& prefixes) {
 
 } // namespace
 
-struct TrustedMTASet::Prefixes {
+struct TrustedMTASet::Content {
     AddressSet m_trusted;
     AddressSet m_antiSpam;
     AddressSet m_internal;
+    IPv6Relays m_ipv6;
 };
 
-TrustedMTASet::TrustedMTASet() : TrustedMTASet({}, {}, {}) {}
+TrustedMTASet::TrustedMTASet() : TrustedMTASet({}, {}) {}
 
 TrustedMTASet::TrustedMTASet(std::vector<IPPrefix> const& trusted,
                              std::vector<IPPrefix> const& antiSpam,
-                             std::vector<IPPrefix> const& internal)
-    : m_prefixes(new Prefixes{s_setOf(trusted), s_setOf(antiSpam), s_setOf(internal)}) {}
+                             std::vector<IPPrefix> const& internal, IPv6Relays ipv6)
+    : m_content(new Content{s_setOf(trusted), s_setOf(antiSpam), s_setOf(internal), ipv6}) {}
 
-TrustedMTASet::TrustedMTASet(std::shared_ptr<Prefixes const> prefixes)
-    : m_prefixes(std::move(prefixes)) {}
+TrustedMTASet::TrustedMTASet(std::shared_ptr<Content const> content)
+    : m_content(std::move(content)) {}
 
 TrustedMTASet::~TrustedMTASet() = default;
 
 bool TrustedMTASet::isTrustedMTA(IPAddress const& address) const {
-    return m_prefixes->m_trusted.find(address) != nullptr;
+    return m_content->m_trusted.find(address) != nullptr;
 }
 
 bool TrustedMTASet::isTrustedAntiSpamMTA(IPAddress const& address) const {
-    return m_prefixes->m_antiSpam.find(address) != nullptr;
+    return m_content->m_antiSpam.find(address) != nullptr;
 }
 
 bool TrustedMTASet::isInternalMTA(IPAddress const& address) const {
-    return m_prefixes->m_internal.find(address) != nullptr;
+    return m_content->m_internal.find(address) != nullptr;
 }
 
-// The prefixes in force. Every thread wraps them in a set of its own, because the reference count
+bool TrustedMTASet::countsAsV6(IPAddress const& address) const {
+    return m_content->m_ipv6 == IPv6Relays::stop && address.isV6();
+}
+
+// What is in force. Every thread wraps them in a set of its own, because the reference count
 // lives in the set.
 struct TrustedMTASetRef::InForce {
-    using Slot = Snapshot<TrustedMTASet::Prefixes, TrustedMTASetRef>;
+    using Slot = Snapshot<TrustedMTASet::Content, TrustedMTASetRef>;
 
-    static TrustedMTASetRef wrap(std::shared_ptr<TrustedMTASet::Prefixes const> const& prefixes) {
-        return TrustedMTASetRef(new TrustedMTASet(prefixes));
+    static TrustedMTASetRef wrap(std::shared_ptr<TrustedMTASet::Content const> const& content) {
+        return TrustedMTASetRef(new TrustedMTASet(content));
     }
 
     static Slot& slot() {
-        static auto* const slot = new Slot(TrustedMTASet().m_prefixes, wrap);
+        static auto* const slot = new Slot(TrustedMTASet().m_content, wrap);
         return *slot;
     }
 };
@@ -79,13 +84,13 @@ TrustedMTASetRef TrustedMTASetRef::instance(bool /*reload*/) {
 }
 
 void TrustedMTASetRef::install(TrustedMTASet const& set) {
-    InForce::slot().publish(set.m_prefixes);
+    InForce::slot().publish(set.m_content);
 }
 
 void TrustedMTASetRef::install(std::vector<IPPrefix> const& trusted,
                                std::vector<IPPrefix> const& antiSpam,
-                               std::vector<IPPrefix> const& internal) {
-    install(TrustedMTASet(trusted, antiSpam, internal));
+                               std::vector<IPPrefix> const& internal, IPv6Relays ipv6) {
+    install(TrustedMTASet(trusted, antiSpam, internal, ipv6));
 }
 
 } // namespace Quorvane

@@ -2,7 +2,9 @@
 //
 // The relays that the site trusts: its mail servers (skipped along the trail), its anti-spam relays
 // (they end the trail), and the internal ones, which stand at the newest end of every trail and say
-// nothing about the sender (skipped as long as no other relay came before them, IPv6 or not).
+// nothing about the sender (skipped as long as no other relay came before them, IPv6 or not). And
+// what an IPv6 relay means: it stands here so that a scan, which holds one set from its first hop
+// to its last, never sees two answers.
 //
 // A TrustedMTASet never changes. TrustedMTASetRef::install publishes a new one at any time; scans
 // that hold a reference to the old one finish with it.
@@ -18,26 +20,34 @@
 
 namespace Quorvane {
 
+enum class IPv6Relays {
+    stop,  // an IPv6 relay ends the trail
+    judge, // it is like any other: trusted, private, of good reputation, or judged by its names
+};
+
 class QV_API TrustedMTASet : public RefImpl {
   public:
-    // Trusts nobody.
+    // Trusts nobody; IPv6 relays end the trail.
     TrustedMTASet();
     TrustedMTASet(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam,
-                  std::vector<IPPrefix> const& internal = {});
+                  std::vector<IPPrefix> const& internal = {}, IPv6Relays ipv6 = IPv6Relays::stop);
     ~TrustedMTASet() override;
 
     // All are false for a null address. An anti-spam relay is not by itself a trusted relay.
     bool isTrustedMTA(IPAddress const& address) const;
     bool isTrustedAntiSpamMTA(IPAddress const& address) const;
     bool isInternalMTA(IPAddress const& address) const;
+    // Whether a scan takes the relay for an IPv6 one, which its trail ends at: what isV6() of the
+    // address says, and with IPv6Relays::judge never.
+    bool countsAsV6(IPAddress const& address) const;
 
   private:
     friend class TrustedMTASetRef;
-    struct Prefixes;
-    explicit TrustedMTASet(std::shared_ptr<Prefixes const> prefixes);
+    struct Content;
+    explicit TrustedMTASet(std::shared_ptr<Content const> content);
 
     // Aligned so that the counts of two threads' sets never share a cache line.
-    alignas(64) std::shared_ptr<Prefixes const> m_prefixes;
+    alignas(64) std::shared_ptr<Content const> m_content;
 };
 
 class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
@@ -57,7 +67,8 @@ class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
     // Puts a new set in force. Safe at any time from any thread. The first one does not throw.
     static void install(TrustedMTASet const& set);
     static void install(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam,
-                        std::vector<IPPrefix> const& internal = {});
+                        std::vector<IPPrefix> const& internal = {},
+                        IPv6Relays ipv6 = IPv6Relays::stop);
 
   private:
     struct InForce;

@@ -106,7 +106,7 @@ PreparedResolver s_resolverFor(HostSettings const& settings, DeepHeaderEngine co
 class PreparedPlatform {
   public:
     explicit PreparedPlatform(HostSettings const& settings)
-        : m_trusted(settings.m_trusted, settings.m_antiSpam, settings.m_internal),
+        : m_trusted(settings.m_trusted, settings.m_antiSpam, settings.m_internal, settings.m_ipv6),
           m_patterns(s_patterns(settings)),
           m_resolver(s_dependsOnRules(settings) ? nullptr : s_resolver(settings)) {}
 
@@ -193,11 +193,11 @@ bool canBeSideBySide(ScanHost const& one, ScanHost const& other) {
         return !s_dependsOnRules(host.settings()) || needsLookups(host.engine());
     };
     return areSame(&HostSettings::m_trusted) && areSame(&HostSettings::m_antiSpam) &&
-           areSame(&HostSettings::m_internal) && isSame(&HostSettings::m_dynamicPatterns) &&
-           isSame(&HostSettings::m_patternText) && isSame(&HostSettings::m_dns) &&
-           isSame(&HostSettings::m_dnsTimeout) && isSame(&HostSettings::m_dnsData) &&
-           isSame(&HostSettings::m_zoneText) && isSame(&HostSettings::m_zoneLines) &&
-           asks(one) == asks(other);
+           areSame(&HostSettings::m_internal) && isSame(&HostSettings::m_ipv6) &&
+           isSame(&HostSettings::m_dynamicPatterns) && isSame(&HostSettings::m_patternText) &&
+           isSame(&HostSettings::m_dns) && isSame(&HostSettings::m_dnsTimeout) &&
+           isSame(&HostSettings::m_dnsData) && isSame(&HostSettings::m_zoneText) &&
+           isSame(&HostSettings::m_zoneLines) && asks(one) == asks(other);
 }
 
 std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> host) {

@@ -12,6 +12,7 @@
 #include "platform/IPAddress.h"
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
+#include "platform/TrustedMTASet.h"
 
 #include <chrono>
 #include <cstdint>
@@ -43,6 +44,8 @@ struct HostSettings {
     std::vector<IPPrefix> m_antiSpam;
     // Relays of the site itself: the newest hops that came from them are skipped.
     std::vector<IPPrefix> m_internal;
+    // Internal relays are skipped, and those that filter end the walk, under both values.
+    IPv6Relays m_ipv6 = IPv6Relays::stop;
     std::vector<ReputationTable::Entry> m_scores;
     // Asked about relays that m_scores says nothing about.
     std::vector<DnsList> m_dnsLists;

@@ -11,6 +11,9 @@ namespace Quorvane {
 
 namespace {
 
+constexpr char s_stop[] = "stop";
+constexpr char s_judge[] = "judge";
+
 template<typename Number>
 bool s_parses(std::string const& text, Number& value) {
     // std::from_chars does not accept a plus sign.
@@ -78,6 +81,14 @@ void readSetting(std::string const& text, ReputationTable::Entry& field) {
     }
 }
 
+void readSetting(std::string const& text, IPv6Relays& field) {
+    if (text != s_stop && text != s_judge) {
+        throw SettingsError("\"" + text + "\" does not say what IPv6 relays mean; write " + s_stop +
+                            " or " + s_judge);
+    }
+    field = text == s_judge ? IPv6Relays::judge : IPv6Relays::stop;
+}
+
 SettingTexts settingTexts(std::string const& value) {
     return {value};
 }
@@ -100,6 +111,10 @@ SettingTexts settingTexts(IPPrefix const& value) {
 
 SettingTexts settingTexts(ReputationTable::Entry const& value) {
     return {value.first.asString() + "=" + std::to_string(value.second)};
+}
+
+SettingTexts settingTexts(IPv6Relays value) {
+    return {value == IPv6Relays::judge ? s_judge : s_stop};
 }
 
 } // namespace Quorvane

@@ -8,6 +8,7 @@
 #include "platform/EmailAddress.h"
 #include "platform/IPPrefix.h"
 #include "platform/ReputationTable.h"
+#include "platform/TrustedMTASet.h"
 #include "rules/model/RuleError.h"
 
 #include <concepts>
@@ -55,6 +56,7 @@ void readSetting(std::string const& text, double& field);
 void readSetting(std::string const& text, EmailAddress& field);
 void readSetting(std::string const& text, IPPrefix& field);
 void readSetting(std::string const& text, ReputationTable::Entry& field); // "192.0.2.0/24=7"
+void readSetting(std::string const& text, IPv6Relays& field);             // "stop" or "judge"
 
 // A text or an optional text.
 template<typename Field>
@@ -84,6 +86,7 @@ SettingTexts settingTexts(double value);
 SettingTexts settingTexts(EmailAddress const& value);
 SettingTexts settingTexts(IPPrefix const& value);
 SettingTexts settingTexts(ReputationTable::Entry const& value);
+SettingTexts settingTexts(IPv6Relays value);
 
 template<std::integral Number>
 SettingTexts settingTexts(Number value) {

@@ -89,6 +89,9 @@ constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
                                            "relay that already filters mail: ends the walk"}),
     settingRow<&HostSettings::m_internal>(
         {"internal", SettingKind::list, "PREFIX", "the site's own relays; their hops are skipped"}),
+    settingRow<&HostSettings::m_ipv6>(
+        {"ipv6", SettingKind::text, "stop|judge",
+         "IPv6 relays: stop the walk there, or judge them by their names like any other (stop)"}),
     settingRow<&HostSettings::m_scores>(
         {"score", SettingKind::list, "PREFIX=N",
          "reputation score of relays, 0..9; the longest prefix wins"}),

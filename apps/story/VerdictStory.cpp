@@ -155,14 +155,14 @@ void s_addSingleChanges(std::vector<Requirement>& list, ScanRecord const& record
     }
 }
 
-// A walk that ended at an IPv6 relay continues if that relay is declared as the site's own.
+// A walk that ended at an IPv6 relay continues if that relay is declared as the site's own, or if
+// IPv6 relays are judged.
 std::vector<Requirement> s_wayOn(Trail const& trail) {
     for (auto const& hop : trail) {
         if (hop.role == HopRole::ipv6End) {
-            return {
-                {"any",
-                 "--internal " + hop.address.asString(true) + ", if that is a relay of this site",
-                 {}}};
+            auto const relay = hop.address.asString(true);
+            return {{"any", "--internal " + relay + ", if that is a relay of this site", {}},
+                    {"any", "--ipv6 judge, which judges " + relay + " by its names", {}}};
         }
     }
     return {};

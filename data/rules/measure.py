@@ -12,7 +12,9 @@ adapted   rules learned without a corpus and adapted to its first 100 messages, 
 rules     what each elite rule decides, and what is left for the tree to call spam
 messages  what each elite rule decides in each corpus
 copies    the same for the copies without reverse names
+ipv6      the messages that have no verdict because of an IPv6 relay, judged all the same
 """
+import json
 import pathlib
 import re
 import sys
@@ -213,6 +215,55 @@ def corpus_table(counts):
     return rows
 
 
+# --- Mail over IPv6 ------------------------------------------------------------------------------
+
+def ended_at_ipv6(record):
+    """Whether the scan found nothing to judge because an IPv6 relay ended its walk."""
+    explained = record["explain"]
+    return not explained["values"] and any(hop["role"] == "ipv6End" for hop in explained["trail"])
+
+
+def not_judged_over_ipv6(qvrules, path):
+    """How many messages the mbox has, and those of them that IPv6 leaves without a verdict."""
+    lines = training.run(qvrules, "explain", str(training.HERE / "default.qvr"), str(path),
+                         *training.SCANNING, "--ipv6", "stop", "--format", "json").splitlines()
+    mails = mailboxes.messages(path)
+    if len(lines) != len(mails):
+        raise training.TrainingError(f"{path}: {len(mails)} messages, {len(lines)} explained")
+    return len(mails), [mail for mail, line in zip(mails, lines) if ended_at_ipv6(json.loads(line))]
+
+
+def figures_with(qvrules, ipv6, corpus, boxes):
+    return figures(training.evaluate(qvrules, training.HERE / "default.qvr", {corpus: boxes},
+                                     [*training.SCANNING, "--ipv6", ipv6]))
+
+
+def ipv6_row(qvrules, corpus, boxes, folder):
+    left, shares = {}, []
+    for label in training.LABELS:
+        total, found = not_judged_over_ipv6(qvrules, boxes[label]) if label in boxes else (0, [])
+        shares.append(f"{len(found):,} of {total:,}, {100 * len(found) / total:.1f} %"
+                      if total else "-")
+        if found:
+            left[label] = mailboxes.write(folder, f"{corpus}/{label}", found)
+    if not left:
+        return table_row(corpus, *shares, *["-"] * 6)
+    mail = figures_with(qvrules, "judge", corpus, left)
+    lost = [figures_with(qvrules, ipv6, corpus, boxes)["falsePositives"]
+            for ipv6 in ("stop", "judge")]
+    return table_row(corpus, *shares, brief(mail["judgeable"]),
+                     *(share(mail[name]) for name in ("falsePositives", "caught", "passed", "missed")),
+                     " → ".join(f"{rate['count']:,} of {rate['of']:,}" for rate in lost))
+
+
+def over_ipv6(qvrules, mail, folder):
+    return heading("corpus", "ham without a verdict", "spam without a verdict",
+                   "judgeable with `judge`", "of these: ham called spam", "spam caught",
+                   "ham called ham", "spam called ham",
+                   "all mail: ham called spam, `stop` → `judge`") + [
+        ipv6_row(qvrules, corpus, boxes, folder / "ipv6") for corpus, boxes in mail.items()]
+
+
 def fill(page, tables):
     text = page.read_text(encoding="utf-8")
     for name, rows in tables.items():
@@ -235,7 +286,8 @@ def main(arguments):
         folder = pathlib.Path(name)
         adapted_rows, drawing = adapted(qvrules, mail, folder)
         tables = {"left-out": left_out(qvrules, mail, folder), "adapted": adapted_rows,
-                  "envelope": envelope(qvrules, mail, folder)}
+                  "envelope": envelope(qvrules, mail, folder),
+                  "ipv6": over_ipv6(qvrules, mail, folder)}
     evaluation = training.evaluate(qvrules, training.HERE / "default.qvr", mail)
     messages, copies = counts_by_corpus(qvrules, mail)
     tables.update({"rules": deciders(evaluation), "messages": corpus_table(messages),

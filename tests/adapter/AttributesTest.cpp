@@ -2,6 +2,9 @@
 #include "Engine.h"
 #include "rules/format/AttributeTable.h"
 
+#include <map>
+#include <string_view>
+
 namespace Quorvane::Testing {
 namespace {
 
@@ -29,6 +32,51 @@ TEST_F(AttributesTest, TheMessageIdDomainHasADotOrNot) {
         MsgProperties props;
         props.messageIdDomain = row.m_domain;
         EXPECT_EQ(of(props).attributes[Attribute::messageIdHasDot], row.m_hasDot) << row.m_domain;
+    }
+}
+
+// What tells one trail from another are its names. "P" stands for a public relay, "Q" for another
+// one, "L" for a private address.
+constexpr char const* trails[] = {
+    "from mail.a.test (mail.a.test [P]) by mx",
+    "from pc (dsl-192-0-2-1.pool.a.test [P]) by mx",
+    "from mail.a.test ([P]) by mx\nReceived: from desk (desk.b.test [Q]) by mail.a.test",
+    "from a (b [L]) by mx\nReceived: from mail.a.test (mail.a.test [P]) by a",
+    "from mail.a.test (mail.a.test [P]) by mx\nReceived: from x (y [L]) by mail.a.test\n"
+    "Received: from z (z.b.test [Q]) by x",
+    "from mail.a.test (mail.b.test [P]) by mx\nReceived: from x (y [Q]) by elsewhere.test",
+};
+
+std::string s_trail(std::string_view trail, std::map<char, std::string> const& addresses) {
+    std::string text = "Received: ";
+    for (char const letter : trail) {
+        auto const address = addresses.find(letter);
+        text += address == addresses.end() ? std::string(1, letter) : address->second;
+    }
+    return text + "\nFrom: x@a.test\nMessage-ID: <1@a.test>\n";
+}
+
+TEST_F(AttributesTest, AJudgedIPv6TrailIsDescribedAsTheSameOverIPv4) {
+    TrustedMTASetRef::install({}, {}, {}, IPv6Relays::judge);
+    for (auto const* const trail : trails) {
+        SCOPED_TRACE(trail);
+        auto const over4 = attributes(Message(
+            s_trail(trail, {{'P', "192.0.2.1"}, {'Q', "198.51.100.1"}, {'L', "10.0.0.1"}})));
+        auto const over6 = attributes(Message(
+            s_trail(trail, {{'P', "IPv6:2001:db8::1"}, {'Q', "2001:db8:2::1"}, {'L', "fd00::1"}})));
+        EXPECT_EQ(over6.attributes, over4.attributes);
+        EXPECT_EQ(over6.receivers[0].ip, "2001:db8::1");
+    }
+}
+
+// It has no dot, and a full name has one.
+TEST_F(AttributesTest, AnAnnouncedIPv6AddressIsNoFullNameWhateverTheRelaysAddress) {
+    TrustedMTASetRef::install({}, {}, {}, IPv6Relays::judge);
+    for (auto const* const relay : {"192.0.2.1", "IPv6:2001:db8::1"}) {
+        auto const slot =
+            chain(Message(received("[IPv6:2001:db8::1]", "unknown", relay, "mx"))).receivers[0];
+        EXPECT_EQ(slot.heloIsDomain, Code::no) << relay;
+        EXPECT_EQ(slot.heloDynamic, Code::notApplicable) << relay;
     }
 }
 

@@ -13,6 +13,14 @@ class HeaderFieldsTest : public EngineTest {
     // The addresses of the hops that a scan of `message` judges, newest first.
     std::vector<std::string> hops(Message const& message) { return hops(fields(message)); }
 
+    // The same with and without IPv6 relays judged; the lists of relays are those of prefixes().
+    std::vector<std::string> hopsUnder(IPv6Relays ipv6, Message const& message) {
+        TrustedMTASetRef::install(prefixes({"2001:db8:7::/48", "fd00:7::/32"}),
+                                  prefixes({"2001:db8:a::/48"}), prefixes({"2001:db8:1::/48"}),
+                                  ipv6);
+        return hops(message);
+    }
+
     static std::vector<std::string> hops(MsgProperties const& props) {
         std::vector<std::string> addresses;
         for (auto const& hop : props.receivedList) {
@@ -156,6 +164,84 @@ TEST_F(HeaderFieldsTest, TheHopAboutToBeAddedComesBeforeThoseOfTheMessage) {
     EXPECT_EQ(hops(message), (Hops{"192.0.2.9", "10.0.0.1", "192.0.2.1"}));
 }
 
+// --- IPv6 relays --------------------------------------------------------------------------------
+
+struct V6WalkCase {
+    char const* m_why;
+    std::string m_headers;
+    Hops m_stopped;
+    Hops m_judged;
+};
+
+// Trusted: 2001:db8:7::/48 and fd00:7::/32; filters already: 2001:db8:a::/48; the site's own:
+// 2001:db8:1::/48.
+V6WalkCase const v6WalkCases[] = {
+    {"the newest", s_hop("2001:db8::1") + s_hop("192.0.2.1"), {}, {"2001:db8::1", "192.0.2.1"}},
+    {"a tagged literal", s_hop("IPv6:2001:db8::1"), {}, {"2001:db8::1"}},
+    {"between others",
+     s_hop("192.0.2.1") + s_hop("2001:db8::1") + s_hop("192.0.2.2"),
+     {"192.0.2.1"},
+     {"192.0.2.1", "2001:db8::1", "192.0.2.2"}},
+    {"the oldest",
+     s_hop("10.0.0.1") + s_hop("192.0.2.1") + s_hop("2001:db8::1"),
+     {"10.0.0.1", "192.0.2.1"},
+     {"10.0.0.1", "192.0.2.1", "2001:db8::1"}},
+    {"an IPv4 address in IPv6 form is IPv4",
+     s_hop("IPv6:::ffff:192.0.2.1") + s_hop("192.0.2.2"),
+     {"192.0.2.1", "192.0.2.2"},
+     {"192.0.2.1", "192.0.2.2"}},
+    {"private: loopback, unique local, link local, unspecified",
+     s_hop("::1") + s_hop("fd12::1") + s_hop("fe80::1") + s_hop("::") + s_hop("192.0.2.1"),
+     {},
+     {"::1", "fd12::1", "fe80::1", "::", "192.0.2.1"}},
+    {"trusted", s_hop("2001:db8:7::1") + s_hop("192.0.2.1"), {}, {"192.0.2.1"}},
+    {"trusted and private",
+     s_hop("fd00:7::1") + s_hop("192.0.2.1"),
+     {},
+     {"fd00:7::1", "192.0.2.1"}},
+    {"one that filters ends the walk under both",
+     s_hop("192.0.2.1") + s_hop("2001:db8:a::1") + s_hop("192.0.2.2"),
+     {"192.0.2.1"},
+     {"192.0.2.1"}},
+    {"the site's own are skipped under both",
+     s_hop("2001:db8:1::1") + s_hop("2001:db8:1::2") + s_hop("192.0.2.1"),
+     {"192.0.2.1"},
+     {"192.0.2.1"}},
+    {"the site's own, then a stranger by IPv6",
+     s_hop("2001:db8:1::1") + s_hop("2001:db8::1") + s_hop("2001:db8:1::2"),
+     {},
+     {"2001:db8::1", "2001:db8:1::2"}},
+    {"authenticated ones are skipped under both",
+     "Received: from a (b [IPv6:2001:db8::1]) (authenticated) by c\n" + s_hop("192.0.2.1"),
+     {"192.0.2.1"},
+     {"192.0.2.1"}},
+    {"no address",
+     "Received: from a (b) by c\n" + s_hop("2001:db8::1"),
+     {"none"},
+     {"none", "2001:db8::1"}},
+    {"no address that could be one",
+     s_hop("2001:db8::g") + s_hop("192.0.2.1"),
+     {"none", "192.0.2.1"},
+     {"none", "192.0.2.1"}},
+};
+
+TEST_F(HeaderFieldsTest, AnIPv6RelayIsLikeAnyOtherWhenThoseAreJudged) {
+    for (auto const& row : v6WalkCases) {
+        Message const message(row.m_headers);
+        EXPECT_EQ(hopsUnder(IPv6Relays::stop, message), row.m_stopped) << row.m_why;
+        EXPECT_EQ(hopsUnder(IPv6Relays::judge, message), row.m_judged) << row.m_why;
+    }
+}
+
+TEST_F(HeaderFieldsTest, TheReputationOfAJudgedIPv6RelayEndsTheTrail) {
+    Message message(s_hop("192.0.2.1") + s_hop("IPv6:2001:db8::1") + s_hop("192.0.2.2"));
+    score(message, "2001:db8::1", 7);
+    EXPECT_EQ(hopsUnder(IPv6Relays::judge, message), (Hops{"192.0.2.1"}));
+    EXPECT_EQ(fields(message).scoredHopIP, "2001:db8::1");
+    hopsUnder(IPv6Relays::stop, message);
+    EXPECT_EQ(fields(message).scoredHopIP, "") << "the walk ended before anybody asked";
+}
+
 // --- reputation ---------------------------------------------------------------------------------
 
 TEST_F(HeaderFieldsTest, RelaysThatTheListDoesNotNameAreScoredByTheTable) {
@@ -285,6 +371,17 @@ TEST_F(HeaderFieldsTest, ACurrentHopFromAnAntiSpamOrIPv6RelayLeavesNothing) {
     trust({}, {"192.0.2.1"});
     EXPECT_EQ(hops(s_withCurrentHop("192.0.2.1")), Hops{});
     EXPECT_EQ(hops(s_withCurrentHop("2001:db8::1")), Hops{});
+}
+
+TEST_F(HeaderFieldsTest, ACurrentHopFromAnIPv6RelayIsJudgedByItsClientsScore) {
+    auto message = s_withCurrentHop("IPv6:2001:db8::1");
+    EXPECT_EQ(hopsUnder(IPv6Relays::stop, message), Hops{});
+    EXPECT_EQ(hopsUnder(IPv6Relays::judge, message), (Hops{"2001:db8::1", "198.51.100.1"}));
+    EXPECT_EQ(hopsUnder(IPv6Relays::judge, s_withCurrentHop("2001:db8:7::1")),
+              (Hops{"198.51.100.1"}));
+    message.m_properties->clientScore(6);
+    EXPECT_EQ(hopsUnder(IPv6Relays::judge, message), Hops{});
+    EXPECT_EQ(fields(message).scoredHopIP, "2001:db8::1");
 }
 
 TEST_F(HeaderFieldsTest, TheCurrentHopsScoreIsTheClientsNotTheTrails) {

@@ -87,6 +87,17 @@ TEST_F(LookupTest, NamesAreForgedOrResolveAsTheServerSays) {
     }
 }
 
+TEST_F(LookupTest, TheReverseNameOfAJudgedIPv6RelayIsForgedUnlessItHasThatAddress) {
+    TrustedMTASetRef::install({}, {}, {}, IPv6Relays::judge);
+    auto const isForged = [this](std::string const& name) {
+        return attributes(Message(received("x", name, "IPv6:2001:db8::7", "mx.test")))
+            .attributes[Attribute::firstForged];
+    };
+    EXPECT_EQ(isForged("v6.here.test"), 0);
+    EXPECT_EQ(isForged("honest.here.test"), 1) << "it has an IPv4 address only";
+    EXPECT_EQ(isForged("gone.here.test"), 0);
+}
+
 TEST_F(LookupTest, TheSendersDomainResolvesAsTheServerSays) {
     for (auto const& row : lookupCases) {
         auto const name = std::string(row.m_name);

@@ -112,6 +112,16 @@ TEST_F(ScanRecordTest, EveryHopHasTheRoleThatTheScanGaveIt) {
     }
 }
 
+TEST_F(ScanRecordTest, AJudgedIPv6RelayIsTakenForWhatAnyOtherWouldBe) {
+    TrustedMTASetRef::install(s_prefix("2001:db8:7::/48"), {}, s_prefix("2001:db8:1::/48"),
+                              IPv6Relays::judge);
+    EXPECT_THAT(
+        roles(record(Message(s_hop("2001:db8:1::1") + s_hop("2001:db8:7::1") +
+                             s_hop("2001:db8::1") + s_hop("fe80::1") + s_hop("2001:db8::2")))),
+        ElementsAre(HopRole::internal, HopRole::trusted, HopRole::firstPublic,
+                    HopRole::privateAddress, HopRole::publicNotJudged));
+}
+
 TEST_F(ScanRecordTest, AScoredRelayIsRecordedWithItsScore) {
     Message message(s_hop("192.0.2.1") + s_hop("192.0.2.2"));
     message.m_properties->receivedHeaderAnalysis().push_back({Received(IPAddress("192.0.2.2")), 8});

@@ -69,6 +69,7 @@ class HostSetupTest : public testing::Test {
     HostSettings other() const {
         auto settings = m_first;
         settings.m_trusted = {IPPrefix::parse("198.51.100.0/24")};
+        settings.m_ipv6 = IPv6Relays::judge;
         settings.m_zoneLines = {"there.test. A 192.0.2.7"};
         settings.m_dynamicPatterns = s_folder().write("other", "^other\n");
         return settings;
@@ -93,8 +94,13 @@ class HostSetupTest : public testing::Test {
         return TrustedMTASetRef::instance(false)->isTrustedMTA(IPAddress(address));
     }
 
+    static bool isV6Judged() {
+        return !TrustedMTASetRef::instance(false)->countsAsV6(IPAddress("2001:db8::1"));
+    }
+
     static void expectFirstInForce() {
         EXPECT_TRUE(isTrusted("192.0.2.1"));
+        EXPECT_FALSE(isV6Judged());
         EXPECT_FALSE(isTrusted("198.51.100.1"));
         EXPECT_TRUE(isDynamic("first.a.example"));
         EXPECT_FALSE(isDynamic("other.a.example"));
@@ -125,6 +131,7 @@ TEST_F(HostSetupTest, OtherSettingsAreInForceTogether) {
     auto const host = setUpHost(other(), "root");
     EXPECT_TRUE(isTrusted("198.51.100.1"));
     EXPECT_FALSE(isTrusted("192.0.2.1"));
+    EXPECT_TRUE(isV6Judged());
     EXPECT_TRUE(isDynamic("other.a.example"));
     EXPECT_TRUE(resolves("there.test"));
     EXPECT_EQ(host->settings().m_trusted.front().asString(), "198.51.100.0/24");

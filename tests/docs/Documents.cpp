@@ -23,7 +23,7 @@ std::string helpOf(std::string const& program, std::string const& command) {
 }
 
 Names optionsIn(std::string const& help) {
-    return captures(help, "^  (-[a-zA-Z], ?)?(--[a-z-]+)", 2);
+    return captures(help, "^  (-[a-zA-Z], ?)?(--[a-z][a-z0-9-]*)", 2);
 }
 
 std::vector<std::string> rulesCommands() {

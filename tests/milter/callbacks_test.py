@@ -90,6 +90,18 @@ class Verdicts(MilterTest):
         # The walk ends at an IPv6 hop: nothing can be judged.
         self.assertEqual(answer, ["accept", "X-QV-Deep-Header: none; node=0"])
 
+    def test_an_ipv6_client_is_judged_by_its_name_if_the_settings_say_so_from_the_reload_on(self):
+        daemon = self.daemon().start()
+        script = """
+            postfix_client("unknown", "2001:db8::5", "localhost")
+            message()"""
+        self.assertEqual(self.play(daemon, script), ["accept", "X-QV-Deep-Header: none; node=0"])
+        daemon.configure(shared='ipv6 = "judge"')
+        daemon.reload()
+        daemon.wait_for_log("settings and rules were reloaded")
+        self.assertEqual(self.play(daemon, script),
+                         ["accept", SPAM.replace("192.0.2.55", "2001:db8::5")])
+
     def test_all_result_headers_from_outside_are_removed(self):
         for name in ("X-QV-Deep-Header", "x-qv-deep-header", "X-QV-Deep-Header-Reasons"):
             with self.subTest(name):

@@ -67,6 +67,52 @@ TEST(TrustedMTASet, TrustsNoNullAddress) {
     EXPECT_FALSE(set.isTrustedAntiSpamMTA(IPAddress()));
 }
 
+struct V6Case {
+    char const* m_address;
+    bool m_whenStopping;
+};
+
+V6Case const v6Cases[] = {
+    {"2001:db8::1", true},
+    {"IPv6:2001:db8::1", true},
+    {"::", true},
+    {"::1", true},
+    {"fc00::1", true},
+    {"fe80::1", true},
+    {"2002:c000:201::", true},
+    {"64:ff9b::192.0.2.1", true},
+    {"::ffff:192.0.2.1", false},
+    {"IPv6:::ffff:10.0.0.1", false},
+    {"192.0.2.1", false},
+    {"10.0.0.1", false},
+    {"", false},
+};
+
+TEST(TrustedMTASet, AnIPv6RelayCountsAsOneUnlessThoseAreJudged) {
+    TrustedMTASet const byDefault;
+    TrustedMTASet const stopping({}, {}, {}, IPv6Relays::stop);
+    TrustedMTASet const judging({}, {}, {}, IPv6Relays::judge);
+    for (auto const& row : v6Cases) {
+        IPAddress const address(row.m_address);
+        SCOPED_TRACE(row.m_address);
+        EXPECT_EQ(byDefault.countsAsV6(address), row.m_whenStopping);
+        EXPECT_EQ(stopping.countsAsV6(address), row.m_whenStopping);
+        EXPECT_FALSE(judging.countsAsV6(address));
+        EXPECT_EQ(address.isV6(), row.m_whenStopping) << "the address itself stays what it is";
+    }
+}
+
+TEST(TrustedMTASet, TrustDoesNotDependOnWhatIPv6RelaysMean) {
+    for (auto const ipv6 : {IPv6Relays::stop, IPv6Relays::judge}) {
+        TrustedMTASet const set(s_prefixes({"2001:db8::/32"}), s_prefixes({"2001:db9::/32"}),
+                                s_prefixes({"2001:dba::/32"}), ipv6);
+        EXPECT_TRUE(set.isTrustedMTA(IPAddress("2001:db8::1")));
+        EXPECT_TRUE(set.isTrustedAntiSpamMTA(IPAddress("2001:db9::1")));
+        EXPECT_TRUE(set.isInternalMTA(IPAddress("2001:dba::1")));
+        EXPECT_FALSE(set.isTrustedMTA(IPAddress("2001:dba::1")));
+    }
+}
+
 TEST(TrustedMTASet, ReferenceTakesOverTheInitialCount) {
     auto* const set = new TrustedMTASet;
     TrustedMTASetRef const reference(set);
@@ -104,6 +150,16 @@ TEST_F(TrustedMTASetInForce, WhoHoldsASupersededSetKeepsIt) {
     EXPECT_TRUE(reference->isTrustedMTA(IPAddress("192.0.2.1")));
 }
 
+TEST_F(TrustedMTASetInForce, SaysWhatIPv6RelaysMeanUntilAnotherIsInstalled) {
+    IPAddress const relay("2001:db8::1");
+    TrustedMTASetRef::install({}, {}, {}, IPv6Relays::judge);
+    auto const reference = TrustedMTASetRef::instance(false);
+    EXPECT_FALSE(reference->countsAsV6(relay));
+    TrustedMTASetRef::install({}, {});
+    EXPECT_TRUE(TrustedMTASetRef::instance(false)->countsAsV6(relay));
+    EXPECT_FALSE(reference->countsAsV6(relay)) << "who holds the old set keeps it";
+}
+
 TEST_F(TrustedMTASetInForce, EachThreadCountsOnALineOfItsOwn) {
     auto const address = [] {
         auto const reference = TrustedMTASetRef::instance(false);
@@ -139,6 +195,9 @@ TEST_F(TrustedMTASetInForce, CanBeReplacedWhileManyThreadsUseIt) {
                       copy->isTrustedMTA(IPAddress("192.0.2.3")));
             ASSERT_EQ(reference->isTrustedMTA(IPAddress("192.0.2.2")),
                       copy->isTrustedMTA(IPAddress("192.0.2.4")));
+            // And so is what IPv6 relays mean.
+            ASSERT_EQ(reference->isTrustedMTA(IPAddress("192.0.2.2")),
+                      !reference->countsAsV6(IPAddress("2001:db8::1")));
         }
     };
     std::vector<std::thread> users;
@@ -146,7 +205,11 @@ TEST_F(TrustedMTASetInForce, CanBeReplacedWhileManyThreadsUseIt) {
         users.emplace_back(use);
     }
     for (int i = 0; i < 500; ++i) {
-        TrustedMTASetRef::install(i % 2 == 0 ? even : odd, {});
+        if (i % 2 == 0) {
+            TrustedMTASetRef::install(even, {}, {}, IPv6Relays::judge);
+        } else {
+            TrustedMTASetRef::install(odd, {}, {}, IPv6Relays::stop);
+        }
     }
     done = true;
     for (auto& user : users) {

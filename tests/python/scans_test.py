@@ -179,6 +179,19 @@ class Scans(unittest.TestCase):
         with self.assertRaises(qvdeepheader.SettingsError):
             qvdeepheader.settings({"max-hops": -1})
 
+    def testIPv6RelaysAreJudgedIfTheSettingsSaySo(self):
+        message = (SOURCE / "examples/ipv6-newest-hop.eml").read_bytes()
+        hops = []
+        for ipv6 in ("stop", "judge"):
+            scanner = qvdeepheader.Scanner(settings={**SETTINGS, "ipv6": ipv6})
+            hops.append(scanner.explain(message)["explain"]["hopCount"])
+            self.assertEqual(scanner.scan(message).is_judged, ipv6 == "judge")
+        # The scanner of the class set other relays of the process in force.
+        type(self).scanner = qvdeepheader.Scanner(settings=SETTINGS)
+        self.assertEqual(hops, [0, 2])
+        with self.assertRaises(qvdeepheader.SettingsError):
+            qvdeepheader.settings({"ipv6": "yes"})
+
     def testWhatCannotBeReadHasTheExitStatusOfQvscan(self):
         no_message = pathlib.Path(self.folder.name, "no-message")
         no_message.write_text("\nA body.\n")

@@ -42,13 +42,15 @@ cmp -n "$(stat -c %s "$rules/elite.qvr")" plain.qvr "$rules/elite.qvr"
 
 {
     printf '# Page\n'
-    printf '\n<!-- table %s -->\nold\n<!-- end -->\n' left-out adapted envelope rules messages copies
+    printf '\n<!-- table %s -->\nold\n<!-- end -->\n' left-out adapted envelope rules messages copies ipv6
     echo rest
 } >page.md
 "$rules/measure.py" "$qvrules" packed page.md
 for row in '| alpha | 100.0 % | 0 of 90, ' '| beta | 100.0 % | 0 of 90, ' \
     '| last third of alpha | 100.0 % | 0 of 30, ' '| alpha | nothing | 0 of 45, ' \
-    '| alpha | a tenth: 18 messages, too few of one kind | 0 of 45, ' '| alpha | half: 90 messages' '| alpha | 0.00 % → 0.00 % | ' \
+    '| alpha | a tenth: 18 messages, too few of one kind | 0 of 45, ' \
+    '| alpha | half: 90 messages' '| alpha | 0.00 % → 0.00 % | ' \
+    '| alpha | 0 of 90, 0.0 % | 0 of 90, 0.0 % | - |' \
     '| 9002 | `' '| the tree | called spam by no elite rule, but by the tree | 0 | 0 |' \
     '| rule | alpha | beta |' '| 9002 | 90 / 0 | 90 / 0 |'; do
     grep -qF "$row" page.md || die "no row '$row' in: $(cat page.md)"

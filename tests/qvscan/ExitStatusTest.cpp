@@ -52,6 +52,8 @@ TEST_F(ExitStatus, WrongCommandLinesAre64) {
          "unknown option --spam-treshold; did you mean --spam-threshold?\n"},
         {{"--format", "xml"}, "--format: \"xml\" is not one of text|json|csv"},
         {{"--spam-threshold", "much"}, "--spam-threshold: \"much\" is not a number"},
+        {{"--ipv6", "Judge"},
+         "--ipv6: \"Judge\" does not say what IPv6 relays mean; write stop or judge"},
         {{"--walk-to-leaf", "2"}, "--walk-to-leaf: \"2\" is not a whole number from 0 to 1"},
         {{"--max-elite-level", "4294967296"}, "--max-elite-level: \"4294967296\" is not a whole"},
         {{"--client-score", "-1"}, "--client-score: \"-1\" is not a whole number"},
@@ -162,6 +164,9 @@ TEST_F(ExitStatus, BadSettingsAre78) {
         {"jobs = \n", ":1:"},
         {"jobs = 2\n[\n", ":2:2: this is not TOML"},
         {"trusted-mta = [\"192.0.2.1\", \"nope\"]\n", ":1:29: trusted-mta: "},
+        {"ipv6 = \"yes\"\n",
+         ":1:8: ipv6: \"yes\" does not say what IPv6 relays mean; write stop or judge"},
+        {"ipv6 = true\n", ":1:8: ipv6 needs a"},
         {"walk-to-leaf = 7\n", ":1:16: walk-to-leaf: \"7\" is not a whole number from 0 to 1"},
     };
     for (auto const& row : cases) {

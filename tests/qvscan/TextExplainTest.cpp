@@ -319,8 +319,20 @@ TEST_F(TextExplain, TellsWhatAnotherVerdictWouldHaveNeeded) {
     EXPECT_NE(undecided.find("    spam: a spam threshold of 0.5 or less\n"), std::string::npos);
     EXPECT_EQ(records(scan({"--spam-threshold", "0.5"}, none()))[0]["verdict"], "spam");
     auto const byIPv6 = explain({}, hop("a", "b", "2001:db8::1") + spam());
-    EXPECT_NE(byIPv6.find("    any: --internal 2001:db8::1, if that is a relay of this site\n"),
-              std::string::npos);
+    EXPECT_NE(byIPv6.find("    any: --internal 2001:db8::1, if that is a relay of this site\n"
+                          "    any: --ipv6 judge, which judges 2001:db8::1 by its names\n"),
+              std::string::npos)
+        << byIPv6;
+}
+
+TEST_F(TextExplain, AnIPv6RelayIsTakenForWhatTheSettingSays) {
+    auto const viaV6 = hop("a.example", "b.example", "2001:db8::1") + spam();
+    auto const stopped = explain({}, viaV6);
+    EXPECT_NE(stopped.find("IPv6: the walk ends here"), std::string::npos) << stopped;
+    auto const judged = explain({"--ipv6", "judge"}, viaV6);
+    EXPECT_EQ(judged.find("IPv6"), std::string::npos) << judged;
+    EXPECT_EQ(judged.find("--internal"), std::string::npos) << judged;
+    EXPECT_NE(judged.find("2001:db8::1  a.example"), std::string::npos) << judged;
 }
 
 TEST_F(TextExplain, HostileTextCannotSteerTheTerminal) {
