@@ -97,13 +97,13 @@ class FailingDnsServer(socketserver.UDPServer):
 
     class Handler(socketserver.BaseRequestHandler):
         def handle(self):
-            packet, server = self.request
+            packet, answering = self.request
             question = packet[12:packet.index(0, 12) + 5]
-            is_known = question[:-4].lower() == server.known and question[-4:-2] == b"\0\1"
+            is_known = question[:-4].lower() == self.server.known and question[-4:-2] == b"\0\1"
             head, record = ((b"\x84\x80\0\1\0\1\0\0\0\0",
                              b"\xc0\x0c\0\1\0\1\0\0\0\0\0\4\xc0\0\2\7") if is_known
                             else (b"\x81\x82\0\1\0\0\0\0\0\0", b""))
-            server.sendto(packet[:2] + head + question + record, self.client_address)
+            answering.sendto(packet[:2] + head + question + record, self.client_address)
 
     def __init__(self, known=""):
         super().__init__(("127.0.0.1", 0), self.Handler)
