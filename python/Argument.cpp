@@ -166,10 +166,11 @@ std::string sectionOf(py::handle message) {
 }
 
 void bindSettings(py::module_& module) {
-    module.def("settings", &settingsAsDict, py::arg("source"), py::pos_only(),
-               "The settings of a file, or of a mapping, checked, as a mapping for Scanner and\n"
-               "messages: all that are not defaults. Paths in it are absolute, so that it means the\n"
-               "same in another process that sees the same files. Raises SettingsError.");
+    module.def(
+        "settings", &settingsAsDict, py::arg("source"), py::pos_only(),
+        "The settings of a file, or of a mapping, checked, as a mapping for Scanner and\n"
+        "messages: all that are not defaults. Paths in it are absolute, so that it means the\n"
+        "same in another process that sees the same files. Raises SettingsError.");
 }
 
 } // namespace Quorvane::Python

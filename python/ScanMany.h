@@ -60,8 +60,8 @@ class ScanMany {
     pybind11::object m_messages; // an iterator
     std::exception_ptr m_thrown; // by the iterator
     bool m_isAtEnd = false;
-    bool m_isBusy = false; // under the interpreter's lock
-    pid_t m_process;       // has the threads; its children have none of them
+    bool m_isBusy = false;      // under the interpreter's lock
+    pid_t m_process;            // has the threads; its children have none of them
     std::size_t m_underWay = 0; // taken from the iterator, answers not given away
     std::vector<InputItem> m_toSubmit;
     std::deque<Result> m_taken; // from m_results

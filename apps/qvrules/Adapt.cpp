@@ -34,18 +34,16 @@ Rules::AdaptOutcome s_adapt(Rules::RuleSet const& rules, Rules::CountedVectors c
         progress.begin("adapting, plan " + std::to_string(plan + 1) + " of " +
                        std::to_string(plans));
     };
-    return Rules::adaptToSite(
-        rules, mail, {settings.spamThreshold, settings.minSupport},
-        s_judgeMaker(settings), report);
+    return Rules::adaptToSite(rules, mail, {settings.spamThreshold, settings.minSupport},
+                              s_judgeMaker(settings), report);
 }
 
 void s_requireEnough(Rules::LabelCounts const& mail) {
     if (mail.m_spam < leastMessages || mail.m_ham < leastMessages) {
-        throw Rules::LearnError("rules are adapted to at least " + std::to_string(leastMessages) +
-                                " spam and " + std::to_string(leastMessages) +
-                                " ham messages that can be judged; here are " +
-                                std::to_string(mail.m_spam) + " spam and " +
-                                std::to_string(mail.m_ham) + " ham");
+        throw Rules::LearnError(
+            "rules are adapted to at least " + std::to_string(leastMessages) + " spam and " +
+            std::to_string(leastMessages) + " ham messages that can be judged; here are " +
+            std::to_string(mail.m_spam) + " spam and " + std::to_string(mail.m_ham) + " ham");
     }
 }
 
@@ -72,8 +70,8 @@ int adapt(CommandLine const& line) {
                      "keep the present ones, or give more mail\n";
         return counts.exitStatus(ExitStatus::findings);
     }
-    writeOutput(output, Rules::adaptedComment(vectors, outcome) +
-                            Rules::ruleText(outcome.m_rules.m_set));
+    writeOutput(output,
+                Rules::adaptedComment(vectors, outcome) + Rules::ruleText(outcome.m_rules.m_set));
     return counts.exitStatus(ExitStatus::ok);
 }
 

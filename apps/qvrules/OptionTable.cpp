@@ -117,7 +117,8 @@ CommandRow const adaptCommand{
     "adapt",
     "Adapt rules to the mail of your site",
     {rulesArgument},
-    {{"output", "SRC", "rule text to write; - for standard output", Takes::required, 'o'}, forceRow},
+    {{"output", "SRC", "rule text to write; - for standard output", Takes::required, 'o'},
+     forceRow},
     "Begins with RULES and lets the mail of one site correct them: probabilities are\n"
     "estimated again, elite rules that do not hold there are left out, and leaves of\n"
     "the tree with enough mail grow branches. From a dozen messages of each kind on;\n"
@@ -283,8 +284,9 @@ ProgramTable s_table() {
          {helpRow, versionRow, configRow, showConfigRow},
          footer},
         {compileCommand, decompileCommand, s_judging(checkCommand), installCommand, statusCommand,
-         s_measuring(learnCommand), s_measuring(adaptCommand), s_measuring(evaluateCommand), s_explaining(showCommand),
-         s_explaining(explainCommand), testCommand, s_measuring(diffCommand), attributesCommand}};
+         s_measuring(learnCommand), s_measuring(adaptCommand), s_measuring(evaluateCommand),
+         s_explaining(showCommand), s_explaining(explainCommand), testCommand,
+         s_measuring(diffCommand), attributesCommand}};
     for (auto& command : table.m_commands) {
         command.m_options.insert(command.m_options.begin(), helpRow);
     }

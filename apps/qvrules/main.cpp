@@ -21,10 +21,18 @@ struct Command {
 };
 
 constexpr Command commands[] = {
-    {"compile", compile},   {"decompile", decompile}, {"check", check},
-    {"install", install},   {"status", status},       {"learn", learn},
-    {"adapt", adapt},       {"evaluate", evaluate},   {"show", show},
-    {"explain", explain},   {"test", test},           {"diff", diff},
+    {"compile", compile},
+    {"decompile", decompile},
+    {"check", check},
+    {"install", install},
+    {"status", status},
+    {"learn", learn},
+    {"adapt", adapt},
+    {"evaluate", evaluate},
+    {"show", show},
+    {"explain", explain},
+    {"test", test},
+    {"diff", diff},
     {"attributes", listAttributes},
 };
 

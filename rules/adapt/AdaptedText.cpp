@@ -13,7 +13,8 @@ std::string s_row(std::string const& name, RuleFigures const& figures) {
     auto const& all = figures.m_messages;
     return "  " + name + "\n    spam called spam            " +
            rateText({figures.m_calledSpam.m_spam, all.m_spam}) +
-           "\n    ham called spam             " + rateText({figures.m_calledSpam.m_ham, all.m_ham}) +
+           "\n    ham called spam             " +
+           rateText({figures.m_calledSpam.m_ham, all.m_ham}) +
            "\n    area under the ROC curve    " + fixedText(figures.m_area, 4) +
            "\n    spam caught at 0.1 % wrong  " +
            rateText({figures.m_atOneInThousand.m_spam, all.m_spam}) + '\n';
@@ -52,15 +53,16 @@ std::string adaptedFigures(AdaptOutcome const& outcome) {
 
 std::string adaptedComment(CountedVectors const& mail, AdaptOutcome const& outcome) {
     auto const& plan = outcome.m_plan;
-    std::string text = "Learned from " + s_counts(sumOf(mail)) +
-                       " messages of one site, beginning with other rules.\n"
-                       "What an elite rule said counts like " +
-                       fixedText(plan.m_ruleMessages, 0) + " messages, what a node said like " +
-                       fixedText(plan.m_nodeMessages, 0) + ". Nodes have " +
-                       fixedText(plan.m_unseenHam, 0) + " more ham than seen. " +
-                       std::to_string(outcome.m_rules.m_nodesAdded) + " nodes are new.\n" +
-                       "A third of the mail was kept aside and judged by rules made of the rest:\n" +
-                       adaptedFigures(outcome);
+    std::string text =
+        "Learned from " + s_counts(sumOf(mail)) +
+        " messages of one site, beginning with other rules.\n"
+        "What an elite rule said counts like " +
+        fixedText(plan.m_ruleMessages, 0) + " messages, what a node said like " +
+        fixedText(plan.m_nodeMessages, 0) + ". Nodes have " + fixedText(plan.m_unseenHam, 0) +
+        " more ham than seen. " + std::to_string(outcome.m_rules.m_nodesAdded) +
+        " nodes are new.\n" +
+        "A third of the mail was kept aside and judged by rules made of the rest:\n" +
+        adaptedFigures(outcome);
     if (!outcome.m_rules.m_changes.empty()) {
         text += "What each elite rule decided here, and its probability of spam:\n";
     }

@@ -87,7 +87,8 @@ class TreeAdapter {
     // A node was passed by all the mail that nodes below it decided. A file may hold a circle.
     void addUp(std::size_t node, std::size_t depth) { // NOLINT(misc-no-recursion)
         auto const count = std::clamp(m_nodes[node].childCount, 0, maxChildren);
-        for (std::size_t i = 0; depth < m_nodes.size() && i < static_cast<std::size_t>(count); ++i) {
+        for (std::size_t i = 0; depth < m_nodes.size() && i < static_cast<std::size_t>(count);
+             ++i) {
             auto const child = static_cast<std::size_t>(std::max(m_nodes[node].children.at(i), 0));
             if (child > node && child < m_nodes.size()) {
                 addUp(child, depth + 1);

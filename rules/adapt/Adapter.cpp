@@ -34,8 +34,8 @@ class EliteAdapter {
   public:
     EliteAdapter(AdaptedRules& adapted, CountedVectors const& mail, AdaptPlan const& plan,
                  AdaptLimits const& limits, JudgeMaker const& makeJudge)
-        : m_adapted(adapted), m_mail(mail), m_plan(plan), m_limits(limits),
-          m_makeJudge(makeJudge) {}
+        : m_adapted(adapted), m_mail(mail), m_plan(plan), m_limits(limits), m_makeJudge(makeJudge) {
+    }
 
     void adapt() {
         if (!m_adapted.m_set.m_elite) {
@@ -66,8 +66,8 @@ class EliteAdapter {
     }
 
     void note(EliteNodes const& rule, double after, bool isLeftOut) {
-        auto const kind = rule.type == EliteType::deciding ? RuleKey::Kind::decide
-                                                           : RuleKey::Kind::adjust;
+        auto const kind =
+            rule.type == EliteType::deciding ? RuleKey::Kind::decide : RuleKey::Kind::adjust;
         m_adapted.m_changes.push_back(
             {{kind, rule.code}, m_decided[rule.code], rule.weight, after, isLeftOut});
     }
@@ -114,7 +114,8 @@ class EliteAdapter {
         if (rules().empty()) {
             m_adapted.m_set.m_elite.reset();
         } else {
-            m_adapted.m_set.m_elite->m_header->nodeCount = static_cast<std::int32_t>(rules().size());
+            m_adapted.m_set.m_elite->m_header->nodeCount =
+                static_cast<std::int32_t>(rules().size());
         }
         std::stable_sort(m_adapted.m_changes.begin(), m_adapted.m_changes.end(),
                          [](auto const& a, auto const& b) { return a.m_rule < b.m_rule; });

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Adapts rules to the mail of one site. What the rules say is taken as if it had been learned from a
-// few messages; the messages of the site count beside these:
+// Adapts rules to the mail of one site. What the rules say is taken as if it had been learned from
+// a few messages; the messages of the site count beside these:
 // - The probability of an elite rule is estimated again. A rule whose verdict does not hold at the
 //   site is left out.
-// - Adjusting rules are kept or left out, as the plan says. They keep the tree from saying "spam" of
-//   mail that it does not know; without them a node says so only if the site's mail proves it right.
-// - The probabilities of the nodes are estimated again, and leaves with enough mail of the site grow
+// - Adjusting rules are kept or left out, as the plan says. They keep the tree from saying "spam"
+// of
+//   mail that it does not know; without them a node says so only if the site's mail proves it
+//   right.
+// - The probabilities of the nodes are estimated again, and leaves with enough mail of the site
+// grow
 //   branches of their own.
 //
 // Pure: the same mail gives the same rules.
@@ -27,8 +30,8 @@ namespace Quorvane::Rules {
 struct AdaptPlan {
     double m_ruleMessages = 50.0; // what an elite rule says weighs as much as so many messages
     double m_nodeMessages = 20.0; // what a node says
-    // Ham messages that each node is taken to have beside those seen: with more of them, a leaf needs
-    // more spam before it calls a message spam.
+    // Ham messages that each node is taken to have beside those seen: with more of them, a leaf
+    // needs more spam before it calls a message spam.
     double m_unseenHam = 0.0;
     bool m_grows = true;
     bool m_keepsAdjusting = true;

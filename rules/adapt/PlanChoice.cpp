@@ -13,19 +13,16 @@ constexpr std::size_t foldsForPlans = 4;
 // What a site may lose in any case.
 constexpr double oneInThousand = 0.001;
 
+// Every combination; of plans that do equally well the first one counts.
 std::vector<AdaptPlan> s_plans() {
+    constexpr unsigned choices = 5;
     std::vector<AdaptPlan> plans;
-    for (double const ruleMessages : {50.0, 200.0}) {
-        for (double const nodeMessages : {10.0, 50.0}) {
-            for (double const unseenHam : {3.0, 6.0}) {
-                for (bool const grows : {false, true}) {
-                    for (bool const keepsAdjusting : {true, false}) {
-                        plans.push_back(
-                            {ruleMessages, nodeMessages, unseenHam, grows, keepsAdjusting});
-                    }
-                }
-            }
-        }
+    for (unsigned plan = 0; plan < 1U << choices; ++plan) {
+        auto const pick = [plan](unsigned choice, auto first, auto second) {
+            return (plan >> choice & 1U) == 0 ? first : second;
+        };
+        plans.push_back({pick(4, 50.0, 200.0), pick(3, 10.0, 50.0), pick(2, 3.0, 6.0),
+                         pick(1, false, true), pick(0, true, false)});
     }
     return plans;
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Finds out how to adapt rules to a site's mail, and whether that is worth it. A third of the mail
-// is kept aside. On the rest several plans are tried, each on mail that its rules have not seen; the
-// best one then makes rules of that rest, and these and the present rules judge the mail aside.
+// is kept aside. On the rest several plans are tried, each on mail that its rules have not seen;
+// the best one then makes rules of that rest, and these and the present rules judge the mail aside.
 //
 // Pure: the same mail gives the same result.
 #pragma once

@@ -147,7 +147,7 @@ TEST(Adapter, WithoutAdjustingRulesANodeSaysSpamOnlyOfWhatTheSiteProves) {
         return judgeOf(adapted.m_set)(vectorOf({{0, 1}, {5, helo}})).m_verdict;
     };
     EXPECT_EQ(verdict(0, 100, false), Verdict::spam);
-    EXPECT_EQ(verdict(0, 20, false), Verdict::none); // 20 of 23 prove nothing
+    EXPECT_EQ(verdict(0, 20, false), Verdict::none);  // 20 of 23 prove nothing
     EXPECT_EQ(verdict(1, 100, false), Verdict::none); // no mail of the site
     EXPECT_EQ(verdict(1, 100, true), Verdict::spam);
 }
@@ -161,11 +161,11 @@ TEST(Adapter, AFewMessagesGrowNothing) {
 TEST(Adapter, ATreeNeverOutgrowsItsFile) {
     CountedVectors mail;
     for (std::int32_t i = 0; i < 900; ++i) { // hops: each number has a label of its own
-        mail.push_back(counted({{10, 2}, {5, 0}, {9, i}}, i % 2 == 0 ? 0U : 9000U,
-                               i % 2 == 0 ? 9000U : 0U));
+        mail.push_back(
+            counted({{10, 2}, {5, 0}, {9, i}}, i % 2 == 0 ? 0U : 9000U, i % 2 == 0 ? 9000U : 0U));
     }
-    auto const adapted = adaptRules(rulesOf(s_rules), mail, {50, 20, 0, true, true},
-                                    {0.95, 0.0}, judgeOf);
+    auto const adapted =
+        adaptRules(rulesOf(s_rules), mail, {50, 20, 0, true, true}, {0.95, 0.0}, judgeOf);
     EXPECT_GT(adapted.m_nodesAdded, 400U);
     EXPECT_LE(adapted.m_set.m_nodes.size(), static_cast<std::size_t>(maxTreeNodes));
     judgeOf(adapted.m_set); // an engine loads it

@@ -80,11 +80,10 @@ TEST(PlanChoice, TheSameMailGivesTheSameText) {
 TEST(PlanChoice, EveryPlanIsAnnounced) {
     std::size_t told = 0;
     std::size_t announced = 0;
-    adaptToSite(rulesOf(s_rules), s_mail(2), {}, judgeOf,
-                [&](std::size_t plan, std::size_t plans) {
-                    EXPECT_EQ(plan, told++);
-                    announced = plans;
-                });
+    adaptToSite(rulesOf(s_rules), s_mail(2), {}, judgeOf, [&](std::size_t plan, std::size_t plans) {
+        EXPECT_EQ(plan, told++);
+        announced = plans;
+    });
     EXPECT_EQ(told, announced);
     EXPECT_GT(told, 1U);
 }

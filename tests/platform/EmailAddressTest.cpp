@@ -315,7 +315,8 @@ TEST(EmailAddress, ACommentWithoutAnEndAfterALiteralCountsAsNoComment) {
     EXPECT_EQ(EmailAddress::rfc5322Parse("\"[a] (\" <m@y.example>", true).domain(), "y.example");
     EXPECT_EQ(EmailAddress::rfc5322Parse("\"[a](\"@y.example", true).localPart(), "[a](");
     EXPECT_EQ(EmailAddress::rfc5322Parse("m@[192.0.2.1] (a)", true).domain(), "[192.0.2.1]");
-    EXPECT_EQ(EmailAddress::rfc5322Parse("m@[192.0.2.1] (a\\) (\\()", true).domain(), "[192.0.2.1]");
+    EXPECT_EQ(EmailAddress::rfc5322Parse("m@[192.0.2.1] (a\\) (\\()", true).domain(),
+              "[192.0.2.1]");
 }
 
 TEST(EmailAddress, HostileTextNeedsLittleStack) {

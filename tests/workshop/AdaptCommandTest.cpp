@@ -12,12 +12,13 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-constexpr char s_rules[] = "version 3\nelite first also-tree\n"
-                           "decide 0.98 support 3 code 9\n"
-                           "    name \"Dynamic\"\n"
-                           "    because \"It looks dynamic.\"\n"
-                           "    when first_reverse_dynamic == yes\n"
-                           "tree confidence 0.4 { first_helo_dynamic == no: confidence 0.3 support 80 }\n";
+constexpr char s_rules[] =
+    "version 3\nelite first also-tree\n"
+    "decide 0.98 support 3 code 9\n"
+    "    name \"Dynamic\"\n"
+    "    because \"It looks dynamic.\"\n"
+    "    when first_reverse_dynamic == yes\n"
+    "tree confidence 0.4 { first_helo_dynamic == no: confidence 0.3 support 80 }\n";
 
 constexpr int usage = 64;
 constexpr int badData = 65;
@@ -52,7 +53,7 @@ class AdaptCommand : public CommandTest {
     std::string path(std::string const& name) const { return m_folder.path(name); }
 
     Arguments site() const {
-        return {path("now.qvr"),      "--ham", path("people.mbox"), path("servers.mbox"), "--spam",
+        return {path("now.qvr"),   "--ham", path("people.mbox"), path("servers.mbox"), "--spam",
                 path("spam.mbox"), "-o",    path("site.qvr")};
     }
 };
@@ -71,17 +72,16 @@ TEST_F(AdaptCommand, WritesRulesThatSuitTheSiteAndSaysHowMuchBetterTheyAre) {
                                 "0.9800 before, 0."));
     EXPECT_THAT(text, HasSubstr("\nversion 3\n"));
     auto const judged =
-        runProgram(QV_RULES_PROGRAM,
-                   {"evaluate", path("site.qvr"), "--ham", path("people.mbox"), "--spam",
-                    path("spam.mbox")});
+        runProgram(QV_RULES_PROGRAM, {"evaluate", path("site.qvr"), "--ham", path("people.mbox"),
+                                      "--spam", path("spam.mbox")});
     EXPECT_THAT(judged.m_output, HasSubstr("spam called spam                  240 of 240"));
     EXPECT_THAT(judged.m_output, HasSubstr("ham called spam                   0 of 60"));
 }
 
 TEST_F(AdaptCommand, RulesFromAFolderAreAdaptedLikeTheirText) {
     ASSERT_EQ(run(site()).m_status, 0);
-    ASSERT_EQ(runProgram(QV_RULES_PROGRAM, {"compile", path("now.qvr"), "-o", path("now")}).m_status,
-              0);
+    ASSERT_EQ(
+        runProgram(QV_RULES_PROGRAM, {"compile", path("now.qvr"), "-o", path("now")}).m_status, 0);
     auto arguments = site();
     arguments.front() = path("now");
     arguments.back() = path("folder.qvr");
@@ -109,8 +109,9 @@ TEST_F(AdaptCommand, NeedsSomeMailOfBothKinds) {
 TEST_F(AdaptCommand, SaysWhatIsMissing) {
     EXPECT_EQ(run({path("now.qvr"), "-o", path("site.qvr")}).m_status, usage);
     EXPECT_EQ(run({path("now.qvr"), "--ham", path("servers.mbox")}).m_status, usage);
-    EXPECT_EQ(run({path("none.qvr"), "--ham", path("servers.mbox"), "-o", path("site.qvr")}).m_status,
-              noInput);
+    EXPECT_EQ(
+        run({path("none.qvr"), "--ham", path("servers.mbox"), "-o", path("site.qvr")}).m_status,
+        noInput);
 }
 
 TEST_F(AdaptCommand, DoesNotReplaceSomebodysOwnRules) {
