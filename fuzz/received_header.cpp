@@ -39,6 +39,11 @@ void s_readAll(MsgReceived const& hop) {
     auto const& address = hop.address();
     Quorvane::check(isPrivate || !address.isNull(), "a hop without address is private");
     Quorvane::check(hop.isForged() == 0, "nobody is found forged without DNS");
+    Quorvane::IPAddress client(address);
+    std::string name = hop.reverseName();
+    Quorvane::check(!Quorvane::s_isForged(client, name), "nobody is found forged without DNS");
+    Quorvane::s_getReverseName(client, name);
+    Quorvane::check(name.empty(), "nobody has a name without DNS");
 }
 
 // As a scan does it, with the generic header that comes out of a list of headers.
@@ -51,6 +56,11 @@ void s_readAssigned(std::string const& value) {
                         assigned.reverseName() == hop.reverseName() &&
                         assigned.address() == hop.address(),
                     "a header reads the same wherever it comes from");
+    MsgReceived copy;
+    copy = assigned;
+    copy.isForged(1);
+    Quorvane::check(copy.isForged() == 1 && assigned.isForged() == 0,
+                    "a copy has a judgement of its own");
     assigned = Quorvane::Header();
     Quorvane::check(assigned.from().empty() && assigned.address().isNull(),
                     "no header has no fields");
