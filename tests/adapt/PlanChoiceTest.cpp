@@ -46,6 +46,20 @@ TEST(PlanChoice, FiguresAreOfAThirdThatWasKeptAside) {
     EXPECT_EQ(outcome.m_before.m_messages, (LabelCounts{166, 300}));
 }
 
+TEST(PlanChoice, NothingIsLearnedFromTheMailThatIsKeptAside) {
+    // Every third ham message goes aside: here all that rule 1 decides. Whoever has seen them
+    // leaves the rule out.
+    CountedVectors mail{counted({{10, 2}, {19, 0}}, 60, 0)};
+    for (std::int32_t i = 0; i < 8; ++i) {
+        mail.push_back(counted({{10, 2}, {19, 1}, {9, i}}, 0, 2));
+        mail.push_back(counted({{10, 1}, {19, 1}, {9, i}}, 0, 1));
+    }
+    auto const outcome = s_outcome(mail);
+    EXPECT_EQ(outcome.m_before.m_calledSpam.m_ham, 8U);
+    EXPECT_EQ(outcome.m_after.m_calledSpam.m_ham, 8U);
+    EXPECT_FALSE(outcome.m_rules.m_set.m_elite.has_value()); // made of all the mail
+}
+
 TEST(PlanChoice, RulesThatAreNoBetterAreKept) {
     // Nothing here tells spam from ham.
     auto const outcome = s_outcome({counted({{10, 2}, {19, 0}}, 50, 50)});
