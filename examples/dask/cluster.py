@@ -125,6 +125,10 @@ def connected(options: argparse.Namespace) -> Iterator[Any]:
         # run programs.
         with LocalCluster(n_workers=options.workers, threads_per_worker=1, processes=True,
                           host="127.0.0.1", dashboard_address=None, security=True,
+                          # The scheduler serves its health without a dashboard, too: on a free
+                          # port, so that several clusters can run.
+                          scheduler_kwargs={"dashboard": False,
+                                            "dashboard_address": "127.0.0.1:0"},
                           memory_limit=options.memory_limit or "auto", local_directory=folder,
                           silence_logs=logging.ERROR) as cluster, Client(cluster) as client:
             yield client
