@@ -37,9 +37,7 @@ class TreeAdapter {
                 m_counts[node] += row.m_counts;
             }
         }
-        if (m_nodes.size() > treeRoot) {
-            addUp(treeRoot, 0);
-        }
+        addUp();
     }
 
     void estimate() {
@@ -79,21 +77,29 @@ class TreeAdapter {
 
     // The counts of a file end where its numbers do.
     static std::int32_t added(std::int32_t count, std::uint64_t more) {
-        auto const room =
-            static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max() - count);
-        return count + static_cast<std::int32_t>(std::min(more, room));
+        constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+        auto const before = std::max(count, 0);
+        return more < static_cast<std::uint64_t>(most - before)
+                   ? before + static_cast<std::int32_t>(more)
+                   : most;
     }
 
-    // A node was passed by all the mail that nodes below it decided. A file may hold a circle.
-    void addUp(std::size_t node, std::size_t depth) { // NOLINT(misc-no-recursion)
-        auto const count = std::clamp(m_nodes[node].childCount, 0, maxChildren);
-        for (std::size_t i = 0; depth < m_nodes.size() && i < static_cast<std::size_t>(count);
-             ++i) {
-            auto const child = static_cast<std::size_t>(std::max(m_nodes[node].children.at(i), 0));
-            if (child > node && child < m_nodes.size()) {
-                addUp(child, depth + 1);
-                m_counts[node] += m_counts[child];
+    // A node was passed by all the mail that nodes below it decided. A damaged file may have
+    // circles and nodes with several parents; each node counts for one that comes before it.
+    void addUp() {
+        std::vector<std::size_t> parents(m_nodes.size(), 0);
+        for (std::size_t node = treeRoot; node < m_nodes.size(); ++node) {
+            auto const count = std::clamp(m_nodes[node].childCount, 0, maxChildren);
+            for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+                auto const child =
+                    static_cast<std::size_t>(std::max(m_nodes[node].children.at(i), 0));
+                if (child > node && child < m_nodes.size()) {
+                    parents[child] = node;
+                }
             }
+        }
+        for (auto node = m_nodes.size(); node-- > treeRoot + 1;) {
+            m_counts[parents[node]] += m_counts[node];
         }
     }
 

@@ -4,13 +4,10 @@
 // a few messages; the messages of the site count beside these:
 // - The probability of an elite rule is estimated again. A rule whose verdict does not hold at the
 //   site is left out.
-// - Adjusting rules are kept or left out, as the plan says. They keep the tree from saying "spam"
-// of
-//   mail that it does not know; without them a node says so only if the site's mail proves it
-//   right.
-// - The probabilities of the nodes are estimated again, and leaves with enough mail of the site
-// grow
-//   branches of their own.
+// - Adjusting rules are kept or left out, as the plan says. They keep the tree from calling mail
+//   spam that it does not know. Without them a node does so only if the site's mail proves it.
+// - The probabilities of the nodes are estimated again. A leaf with enough mail of the site grows
+//   branches of its own.
 //
 // Pure: the same mail gives the same rules.
 #pragma once
@@ -35,8 +32,6 @@ struct AdaptPlan {
     double m_unseenHam = 0.0;
     bool m_grows = true;
     bool m_keepsAdjusting = true;
-
-    bool operator==(AdaptPlan const&) const = default;
 };
 
 // What counts as a verdict, and what a rule needs to be used: the settings of the host.
@@ -56,7 +51,7 @@ struct RuleChange {
 
 struct AdaptedRules {
     RuleSet m_set;
-    std::vector<RuleChange> m_changes; // in the order of the rules
+    std::vector<RuleChange> m_changes; // by kind and code
     std::size_t m_nodesAdded = 0;
 };
 

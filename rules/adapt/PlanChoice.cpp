@@ -8,7 +8,7 @@ namespace Quorvane::Rules {
 
 namespace {
 
-constexpr std::size_t partsAsideOneOf = 3;
+constexpr std::size_t partsOfWhichOneIsAside = 3;
 constexpr std::size_t foldsForPlans = 4;
 // What a site may lose in any case.
 constexpr double oneInThousand = 0.001;
@@ -28,18 +28,11 @@ std::vector<AdaptPlan> s_plans() {
 }
 
 RuleFigures s_figures(CountedVectors const& mail, Judge const& judge) {
-    RuleFigures figures;
-    std::vector<ScoredCounts> scores;
-    for (auto const& row : mail) {
-        auto const judged = judge(row.m_vector);
-        figures.m_messages += row.m_counts;
-        figures.m_calledSpam += judged.m_verdict == Verdict::spam ? row.m_counts : LabelCounts{};
-        scores.push_back({judged.m_score, row.m_counts});
-    }
-    RocCurve const roc(std::move(scores));
-    figures.m_area = roc.area();
-    figures.m_atOneInThousand = roc.atFalsePositives(oneInThousand).m_called;
-    return figures;
+    auto const figures = figuresOf(mail, judge);
+    return {figures.judged(),
+            {figures.m_spamVerdicts.m_spam, figures.m_hamVerdicts.m_spam},
+            figures.m_roc.area(),
+            figures.m_roc.atFalsePositives(oneInThousand).m_called};
 }
 
 void s_add(RuleFigures& sum, RuleFigures const& more) {
@@ -120,7 +113,7 @@ bool AdaptOutcome::isBetter() const {
 AdaptOutcome adaptToSite(RuleSet const& rules, CountedVectors const& mail,
                          AdaptLimits const& limits, JudgeMaker const& makeJudge,
                          PlanProgress const& progress) {
-    auto const parts = dealtOut(mail, partsAsideOneOf);
+    auto const parts = dealtOut(mail, partsOfWhichOneIsAside);
     auto const& aside = parts.back();
     auto const rest = allBut(parts, parts.size() - 1);
     AdaptOutcome outcome;

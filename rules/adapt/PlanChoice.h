@@ -9,7 +9,7 @@
 
 #include "rules/adapt/Adapter.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <functional>
 
 namespace Quorvane::Rules {

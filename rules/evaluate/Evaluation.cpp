@@ -54,6 +54,14 @@ Rate CorpusFigures::judgeable() const {
     return {judged().total(), judged().total() + m_unjudged.total()};
 }
 
+CorpusFigures figuresOf(std::vector<CountedVector> const& vectors, Judge const& judge) {
+    std::vector<JudgedRow> rows;
+    for (auto const& row : vectors) {
+        rows.emplace_back(judge(row.m_vector), row.m_counts);
+    }
+    return s_figures({}, rows, {});
+}
+
 Evaluation evaluate(VectorTable const& table, Judge const& judge, SampleSources const& samples) {
     Evaluation evaluation;
     auto const corpora = table.corpora().size();

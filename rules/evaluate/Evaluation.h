@@ -77,6 +77,9 @@ using Judge = std::function<JudgedVector(AttributeVector const&)>;
 // Where some messages with a vector came from; nothing for vectors from tables.
 using SampleSources = std::map<std::pair<AttributeVector, MailLabel>, std::vector<std::string>>;
 
+// The figures of some vectors, without a name.
+CorpusFigures figuresOf(std::vector<CountedVector> const& vectors, Judge const& judge);
+
 Evaluation evaluate(VectorTable const& table, Judge const& judge, SampleSources const& samples);
 
 } // namespace Quorvane::Rules

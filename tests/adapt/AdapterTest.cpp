@@ -6,6 +6,7 @@
 #include "TrainingData.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Quorvane::Testing {
 
@@ -183,6 +184,18 @@ TEST(Adapter, AnUnusualTreeIsNoTrouble) {
     };
     adaptRules(rules, mail, {50, 20, 0, true, true}, s_limits,
                [&](RuleSet const&) { return judge; });
+    // Each node has the next one ten times: there are more ways down than can be gone.
+    rules.m_nodes.resize(60, rules.m_nodes[4]);
+    for (std::size_t i = treeRoot; i < rules.m_nodes.size(); ++i) {
+        rules.m_nodes[i].children.fill(static_cast<std::int32_t>(i) + 1);
+        rules.m_nodes[i].childCount = maxChildren;
+        rules.m_nodes[i].value1 = std::numeric_limits<std::int32_t>::min();
+        rules.m_nodes[i].value2 = std::numeric_limits<std::int32_t>::max();
+    }
+    auto const adapted = adaptRules(rules, mail, {50, 20, 0, true, true}, s_limits,
+                                    [&](RuleSet const&) { return judge; });
+    EXPECT_EQ(adapted.m_set.m_nodes[treeRoot].value1, 55);
+    EXPECT_EQ(adapted.m_set.m_nodes[treeRoot].value2, std::numeric_limits<std::int32_t>::max());
     adaptRules(RuleSet{}, mail, {50, 20, 0, true, true}, s_limits,
                [&](RuleSet const&) { return judge; });
 }
