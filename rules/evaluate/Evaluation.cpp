@@ -55,10 +55,10 @@ Rate CorpusFigures::judgeable() const {
 }
 
 CorpusFigures figuresOf(std::vector<CountedVector> const& vectors, Judge const& judge) {
-    std::vector<JudgedRow> rows;
-    for (auto const& row : vectors) {
-        rows.emplace_back(judge(row.m_vector), row.m_counts);
-    }
+    std::vector<JudgedRow> rows(vectors.size());
+    std::transform(vectors.begin(), vectors.end(), rows.begin(), [&judge](auto const& row) {
+        return JudgedRow(judge(row.m_vector), row.m_counts);
+    });
     return s_figures({}, rows, {});
 }
 
