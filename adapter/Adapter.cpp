@@ -47,7 +47,7 @@ RefDeepHeaderAdapter* s_adapterInstance = nullptr;
 
 // An engine without elite rules is a valid one. An installation puts another set in force in one
 // step; when that happened between the two files, both are read again.
-DeepHeaderAdapter::DeepHeaderAdapter() : m_dtNodes{}, m_eliteHeader{} {
+DeepHeaderAdapter::DeepHeaderAdapter() : m_eliteHeader{}, m_dtNodes{} {
     auto const realFolder = [] { return File::realFolder(ruleDirectory, treeFileName); };
     std::string folder;
     int result = 0;
@@ -62,7 +62,7 @@ DeepHeaderAdapter::DeepHeaderAdapter() : m_dtNodes{}, m_eliteHeader{} {
 }
 
 DeepHeaderAdapter::DeepHeaderAdapter(std::istream& tree, std::istream* elite)
-    : m_dtNodes{}, m_eliteHeader{} {
+    : m_eliteHeader{}, m_dtNodes{} {
     if (elite != nullptr) {
         loadEliteNodes(*elite);
     }

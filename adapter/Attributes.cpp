@@ -81,8 +81,7 @@ void DeepHeaderAdapter::startLookups(MsgProperties& props) {
 
 void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
     std::string const& fromDomain = props.headerFrom.domain();
-    std::string envFromDomain = props.envelopeFrom.domain();
-    std::string rcptDomain = props.recipient.domain();
+    std::string const& envFromDomain = props.envelopeFrom.domain();
     auto& first = props.receivers[0];
     auto const& deep = props.receivers[1];
     auto& attributes = props.attributes;
@@ -104,7 +103,7 @@ void DeepHeaderAdapter::getAttributes(MsgProperties& props) {
         first.heloIsIP == Code::no ? s_doesResolve(answers.m_announced) : first.heloIsIP;
     attributes[Attribute::envelopeDomainResolves] = s_doesResolve(answers.m_sender);
     attributes[Attribute::heloIsRecipientNotEnvelope] =
-        s_ThreeWayMisMatch(first.helo, rcptDomain, envFromDomain) ? 1 : 0;
+        isThreeWayMismatch(first.helo, props.recipient.domain(), envFromDomain) ? 1 : 0;
     s_copyDeepHop(attributes, deep);
     attributes[Attribute::deepSameAddress] = s_sameAddress(deep, first);
 }

@@ -115,9 +115,11 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
     int isDynamicHostname(std::string& name);
     void classifyNames(SingleReceiver& slot);
 
-    std::array<DTNode, treeTableSize> m_dtNodes;
     EliteFileHeader m_eliteHeader;
     std::list<EliteNodes> m_eliteNodes;
+    // The last one: the reference count comes after it. All threads write to that one, and hardly any
+    // scan reads the last nodes of the table.
+    std::array<DTNode, treeTableSize> m_dtNodes;
 };
 
 class QV_API RefDeepHeaderAdapter : public Ref<DeepHeaderAdapter> {

@@ -13,6 +13,7 @@
 #include "platform/TrustedMTASet.h"
 
 #include <algorithm>
+#include <list>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -133,23 +134,21 @@ class TrailWalk {
     // The hop that the host is about to add for the current connection. Its score is the host's
     // own, and it is judged even when it is private or authenticated: the host asked about it.
     void takeCurrent(std::string const& value) {
-        MsgReceived hop(value);
-        begin(hop, true);
+        auto& hop = begin(value, true);
         auto const& address = hop.address();
         auto const role = currentRole(address);
         if (role == HopRole::listed) {
             hop.isForged(m_query.currentIsForged());
         }
-        end(hop, address, role);
+        end(address, role);
     }
 
     // A hop that is recorded in the message itself.
     void take(std::string const& value) {
-        MsgReceived const hop(value);
-        begin(hop, false);
+        auto const& hop = begin(value, false);
         bool const isAuthenticated = hop.authenticated();
         auto const& address = hop.address();
-        end(hop, address, trailRole(address, isAuthenticated));
+        end(address, trailRole(address, isAuthenticated));
     }
 
     bool isEnded() const { return m_isEnded; }
@@ -219,19 +218,22 @@ class TrailWalk {
                                                                           : HopRole::listed;
     }
 
-    void begin(MsgReceived const& hop, bool isCurrent) {
+    MsgReceived& begin(std::string const& value, bool isCurrent) {
         m_score = 0;
+        m_hop.clear();
+        auto& hop = m_hop.emplace_back(value);
         if (m_props.recorder != nullptr) {
             m_props.recorder->beginHop(hop, isCurrent);
         }
+        return hop;
     }
 
-    void end(MsgReceived const& hop, IPAddress const& address, HopRole role) {
+    void end(IPAddress const& address, HopRole role) {
         if (m_props.recorder != nullptr) {
             m_props.recorder->endHop(role, m_score);
         }
         if (role == HopRole::listed) {
-            m_props.receivedList.push_back(hop);
+            m_props.receivedList.splice(m_props.receivedList.end(), m_hop);
         } else if (role == HopRole::scoredEnd) {
             m_props.scoredHopFound = 1;
             m_props.scoredHopIP = address.asString(true);
@@ -246,6 +248,7 @@ class TrailWalk {
     TrustedMTASetRef m_trustedRef;
     TrustedMTASet const& m_trusted;
     std::optional<RelayScoreIndex> m_relayScores; // once a hop of the trail needs it
+    std::list<MsgReceived> m_hop;                 // the current one, until it has a role
     std::uint32_t m_score = 0;                    // of the current hop
     bool m_isInside = true;                       // all hops so far came from relays of the site
     bool m_isEnded = false;

@@ -29,8 +29,12 @@ int s_domainMatch(std::string const& a, std::string const& b) {
     return longer.find(s_key(shorter)) != std::string_view::npos ? 1 : 0;
 }
 
-bool s_ThreeWayMisMatch(std::string& a, std::string& b, std::string& c) {
+bool isThreeWayMismatch(std::string const& a, std::string const& b, std::string const& c) {
     return s_domainMatch(a, b) == 1 && s_domainMatch(b, c) == 0;
+}
+
+bool s_ThreeWayMisMatch(std::string& a, std::string& b, std::string& c) {
+    return isThreeWayMismatch(a, b, c);
 }
 
 } // namespace Quorvane

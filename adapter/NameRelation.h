@@ -16,6 +16,7 @@ namespace Quorvane {
 int s_domainMatch(std::string const& a, std::string const& b);
 
 // True when `a` is related to `b`, and `b` is not related to `c`.
+bool isThreeWayMismatch(std::string const& a, std::string const& b, std::string const& c);
 QV_API bool s_ThreeWayMisMatch(std::string& a, std::string& b, std::string& c);
 
 } // namespace Quorvane

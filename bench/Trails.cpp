@@ -1,7 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Trails.h"
 
+#include "apps/input/Inputs.h"
+#include "apps/input/Interrupt.h"
+#include "platform/HeaderReader.h"
+
+#include <algorithm>
+#include <cstdlib>
 #include <random>
+#include <stdexcept>
+#include <utility>
 
 namespace Quorvane::Bench {
 
@@ -47,6 +55,29 @@ std::string s_received(std::mt19937& random, std::string const& by) {
     }
 }
 
+// The header sections of all messages below `folder`.
+std::vector<std::string> s_sections(std::string const& folder) {
+    Interrupt const interrupt;
+    Inputs inputs({folder}, interrupt, {});
+    std::vector<std::string> sections;
+    for (InputItem item; inputs.next(item);) {
+        if (item.m_problem.empty()) { // else a file that is no mail, such as a README
+            sections.push_back(std::move(item.m_headers));
+        }
+    }
+    return sections;
+}
+
+void s_add(Trails& trails, std::string const& section) {
+    auto const container = HeaderReader::read(section);
+    for (auto const& header : container.headers()) {
+        if (header.typeLowerCase() == "received") {
+            trails.m_received.push_back(header.value());
+        }
+    }
+    trails.m_blocks.push_back(section);
+}
+
 } // namespace
 
 Trails makeTrails(std::size_t messages) {
@@ -54,7 +85,7 @@ Trails makeTrails(std::size_t messages) {
     Trails trails;
     for (std::size_t i = 0; i < messages; ++i) {
         std::string block = "Return-Path: <bounce@sender" + s_number(random, 90) + ".example>\n";
-        auto const hops = 3 + random() % 5;
+        auto const hops = 2 + random() % 5;
         for (unsigned int hop = 0; hop < hops; ++hop) {
             trails.m_received.push_back(s_received(random, s_host(random)));
             block += "Received: " + trails.m_received.back() + '\n';
@@ -62,11 +93,28 @@ Trails makeTrails(std::size_t messages) {
         block += "Message-ID: <" + s_number(random, 1000000000) + "@mail.sender" +
                  s_number(random, 90) + ".example>\nDate: Mon, 1 Jan 2024 10:00:00 +0000\n" +
                  "From: \"Some One\" <someone@sender" + s_number(random, 90) +
-                 ".example>\nTo: other@recipient.example\nSubject: About this and that\n" +
-                 "MIME-Version: 1.0\nContent-Type: text/plain; charset=utf-8\n\n";
+                 ".example>\nTo: other@recipient.example\nSubject: About this and that\n\n";
         trails.m_blocks.push_back(block);
     }
     return trails;
+}
+
+Trails readTrails(std::string const& folder, std::size_t messages) {
+    auto const sections = s_sections(folder);
+    if (sections.empty()) {
+        throw std::runtime_error(folder + ": no messages");
+    }
+    Trails trails;
+    auto const count = std::min(messages, sections.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        s_add(trails, sections[i * sections.size() / count]);
+    }
+    return trails;
+}
+
+Trails benchmarkTrails(std::size_t messages) {
+    auto const* const folder = std::getenv("QV_BENCH_MAIL");
+    return folder == nullptr ? makeTrails(messages) : readTrails(folder, messages);
 }
 
 } // namespace Quorvane::Bench

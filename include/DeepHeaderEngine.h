@@ -53,7 +53,7 @@ class QV_API DeepHeaderEngine {
   private:
     explicit DeepHeaderEngine(RefDeepHeaderAdapter const& engine);
 
-    std::shared_ptr<RefDeepHeaderAdapter const> m_engine;
+    std::shared_ptr<RefDeepHeaderAdapter> m_engine; // never changes
 };
 
 } // namespace Quorvane

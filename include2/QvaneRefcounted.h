@@ -17,6 +17,7 @@
 
 #include "include2/Exception.h"
 #include "include2/Export.h"
+#include "include2/Recycled.h"
 
 #include <atomic>
 #include <cstdint>
@@ -48,7 +49,7 @@ class QV_API RefImpl {
 };
 
 template<typename T>
-class RefCounted {
+class RefCounted : public Recycled {
   public:
     // Holds a new default-constructed T and takes over its initial reference.
     RefCounted() : m_impl(new T) {}

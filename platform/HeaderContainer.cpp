@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/HeaderContainer.h"
 
+#include <utility>
+
 namespace Quorvane {
 
 HeaderContainerImpl::~HeaderContainerImpl() = default;
@@ -26,6 +28,10 @@ std::list<Header> const& HeaderContainer::headers() const {
 
 void HeaderContainer::append(Header const& header) {
     m_wrapper->impl()->m_headers.push_back(header);
+}
+
+void HeaderContainer::append(std::string name, std::string value) {
+    m_wrapper->impl()->m_headers.emplace_back(std::move(name), std::move(value));
 }
 
 } // namespace Quorvane

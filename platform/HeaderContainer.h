@@ -10,10 +10,11 @@
 #include "platform/Header.h"
 
 #include <list>
+#include <string>
 
 namespace Quorvane {
 
-class QV_API HeaderContainerImpl : public virtual RefImpl {
+class QV_API HeaderContainerImpl : public virtual RefImpl, public Recycled {
   public:
     HeaderContainerImpl() = default;
     ~HeaderContainerImpl() override;
@@ -31,6 +32,8 @@ class QV_API HeaderContainer {
     std::list<Header> const& headers() const;
     // Adds `header` at the end; every container that shares the list sees it.
     void append(Header const& header);
+    // The same with a new header.
+    void append(std::string name, std::string value);
 
   private:
     RefCounted<HeaderContainerImpl>* m_wrapper = nullptr;

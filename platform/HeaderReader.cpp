@@ -100,7 +100,7 @@ HeaderContainer HeaderReader::read(std::string_view message, std::size_t maxHops
             return;
         }
         auto const value = s_withoutLeadingBlanks(s_withoutTrailing(s_blanksAndBreaks, text));
-        headers.append(Header(std::string(name), std::string(value)));
+        headers.append(std::string(name), std::string(value));
     });
     return headers;
 }

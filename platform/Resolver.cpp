@@ -8,6 +8,7 @@
 #include "platform/internal/DnsName.h"
 #include "platform/internal/DnsSettings.h"
 
+#include <atomic>
 #include <mutex>
 #include <utility>
 
@@ -77,6 +78,17 @@ class Resolver::Slot {
         ForkBarrier const barrier;
         std::lock_guard<std::mutex> const lock(m_mutex);
         m_engine.swap(engine);
+        m_isOff.store(m_engine->m_context == nullptr && !m_engine->m_broken,
+                      std::memory_order_relaxed);
+    }
+
+    // Settings under which no name is asked cost a look-up no lock.
+    bool isOff() const { return m_isOff.load(std::memory_order_relaxed); }
+
+    // From now on look-ups fail, also those that would not be asked.
+    void stop() {
+        engine()->m_stop.request_stop();
+        m_isOff.store(false, std::memory_order_relaxed);
     }
 
     std::shared_ptr<Dns::Tally> const m_tally = std::make_shared<Dns::Tally>();
@@ -84,6 +96,7 @@ class Resolver::Slot {
   private:
     std::mutex m_mutex;
     PreparedResolver m_engine;
+    std::atomic<bool> m_isOff{false};
 };
 
 Resolver::Resolver() : m_slot(std::make_unique<Slot>()) {}
@@ -108,7 +121,7 @@ void Resolver::configure(ResolverSettings const& settings) {
 }
 
 void Resolver::stop() {
-    m_slot->engine()->m_stop.request_stop();
+    m_slot->stop();
 }
 
 ResolverMessage Resolver::submit(RecordType type, std::string const& name,
@@ -117,6 +130,9 @@ ResolverMessage Resolver::submit(RecordType type, std::string const& name,
 }
 
 PendingLookup Resolver::start(RecordType type, std::string const& name, RecordClass recordClass) {
+    if (m_slot->isOff()) {
+        return {};
+    }
     std::string const asked = Dns::askableName(name);
     if (asked.empty() || recordClass != RecordClass::IN) {
         return {};

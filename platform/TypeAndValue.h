@@ -13,7 +13,7 @@
 
 namespace Quorvane {
 
-class QV_API TypeAndValueImpl : public virtual RefImpl {
+class QV_API TypeAndValueImpl : public virtual RefImpl, public Recycled {
   public:
     TypeAndValueImpl() = default;
     TypeAndValueImpl(std::string type, std::string value);

@@ -3,7 +3,7 @@
 
 #include "platform/Strings.h"
 
-#include <array>
+#include <cstring>
 #include <string_view>
 
 namespace Quorvane {
@@ -17,25 +17,70 @@ constexpr std::string::size_type byMarkerLength = 4;
 // Length of "helo" and of the one separator ("=", " ", ":") after it.
 constexpr std::string::size_type heloMarkLength = 5;
 
-constexpr std::array<char const*, 4> authenticationMarks{"authenticated bits", "authenticated as",
-                                                         "(authenticated)", "authenticated user"};
+using Position = std::string::size_type;
 
-bool s_isLineBreak(std::string const& text, std::string::size_type pos) {
+// --- looking into text --------------------------------------------------------------------------
+// Every hop of every message is searched for half a dozen words and bytes, nearly always in vain.
+
+bool s_isLineBreak(std::string_view text, Position pos) {
     return pos < text.size() && (text[pos] == '\n' || text[pos] == '\r');
 }
 
-bool s_startsWith(std::string const& text, std::string::size_type pos, std::string_view word) {
-    return pos <= text.size() && text.compare(pos, word.size(), word) == 0;
+bool s_isBlankOrBreak(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-void s_trim(std::string& text) {
-    stringLeftTrim(text);
-    stringRightTrim(text);
+bool s_startsWith(std::string_view text, Position pos, std::string_view word) {
+    return pos <= text.size() && text.substr(pos, word.size()) == word;
 }
 
-bool s_hasAuthenticationMark(std::string const& text) {
-    for (auto const* mark : authenticationMarks) {
-        if (text.find(mark) != npos) {
+// As std::string_view::find. It looks for the byte of `word` at `rare`, which should be one that
+// ordinary headers hardly have: so most of the text is passed over without a comparison.
+template<Position rare, std::size_t size>
+Position s_find(std::string_view text, char const (&word)[size], Position from = 0) {
+    constexpr auto length = size - 1;
+    static_assert(rare < length);
+    for (auto at = text.find(word[rare], from + rare); at != npos; at = text.find(word[rare], at + 1)) {
+        auto const start = at - rare;
+        if (start + length <= text.size() && std::memcmp(&text[start], word, length) == 0) {
+            return start;
+        }
+    }
+    return npos;
+}
+
+// Where the first byte stands of which `isEnd` is true, or npos.
+template<typename IsEnd>
+Position s_findByte(std::string_view text, Position from, IsEnd isEnd) {
+    for (auto at = from; at < text.size(); ++at) {
+        if (isEnd(text[at])) {
+            return at;
+        }
+    }
+    return npos;
+}
+
+std::string_view s_trimmed(std::string_view text) {
+    while (!text.empty() && s_isBlankOrBreak(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && s_isBlankOrBreak(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+bool s_isAuthenticationMark(std::string_view text, Position word, Position end) {
+    bool const isInParentheses = word > 0 && text[word - 1] == '(' && s_startsWith(text, end, ")");
+    return isInParentheses || s_startsWith(text, end, " bits") || s_startsWith(text, end, " as") ||
+           s_startsWith(text, end, " user");
+}
+
+// "authenticated bits", "authenticated as", "(authenticated)" or "authenticated user".
+bool s_hasAuthenticationMark(std::string_view text) {
+    static constexpr char mark[] = "authenticated";
+    for (auto at = s_find<1>(text, mark); at != npos; at = s_find<1>(text, mark, at + 1)) {
+        if (s_isAuthenticationMark(text, at, at + sizeof mark - 1)) {
             return true;
         }
     }
@@ -48,7 +93,8 @@ void ReceivedScanner::parse() {
     stringToLowerNoCopy(m_text);
     m_fields.m_by.clear();
     splitOffReceivingHost();
-    s_trim(m_text);
+    stringLeftTrim(m_text);
+    stringRightTrim(m_text);
     if (m_text.empty() || runStates()) {
         finish();
     }
@@ -68,29 +114,30 @@ void ReceivedScanner::splitOffReceivingHost() {
 // such as after a line break. That last form is one character shorter, but the name is looked for
 // at the same distance: it loses its first character. Rules were made on names read this way.
 ReceivedScanner::Position ReceivedScanner::findByMarker() const {
-    for (auto const* marker : {"\tby ", " by ", "by "}) {
-        if (auto const found = m_text.find(marker); found != npos) {
-            return found;
-        }
+    if (auto const folded = s_find<0>(m_text, "\tby "); folded != npos) {
+        return folded;
     }
-    return npos;
+    auto const spaced = s_find<1>(m_text, " by ");
+    return spaced != npos ? spaced : s_find<0>(m_text, "by ");
 }
 
 // "by" at the end of a line with the name on the next one. The marker itself stays in the text.
 void ReceivedScanner::takeFoldedReceivingHost() {
-    auto const marker = m_text.find(" by");
+    auto const marker = s_find<1>(m_text, " by");
     if (marker == npos || !s_isLineBreak(m_text, marker + 3)) {
         return;
     }
-    auto const start = m_text.find_first_not_of("\t \r\n", marker + 3);
+    auto const start =
+        s_findByte(m_text, marker + 3, [](char c) { return !s_isBlankOrBreak(c); });
     if (start != npos) {
         takeReceivingHost(start, marker + 3);
     }
 }
 
 void ReceivedScanner::takeReceivingHost(Position start, Position cut) {
-    auto const end = m_text.find_first_of("\t ([\r\n", start);
-    m_fields.m_by = m_text.substr(start, end == npos ? npos : end - start);
+    auto const end = s_findByte(
+        m_text, start, [](char c) { return s_isBlankOrBreak(c) || c == '(' || c == '['; });
+    m_fields.m_by.assign(m_text, start, end == npos ? npos : end - start);
     m_text.resize(cut);
 }
 
@@ -133,7 +180,7 @@ ReceivedScanner::State ReceivedScanner::scanKeyword() {
     if (!s_startsWith(m_text, 0, "from")) {
         return State::done;
     }
-    bool const isHeloForm = m_text.find("helo=") != npos;
+    bool const isHeloForm = s_find<4>(m_text, "helo=") != npos;
     m_position = m_text.find_first_not_of("\t ", 4);
     if (m_position == npos) {
         return State::done;
@@ -199,7 +246,9 @@ bool ReceivedScanner::scanHeloAnnotation() {
 }
 
 ReceivedScanner::State ReceivedScanner::scanAddress() {
-    if (auto const end = m_text.find_first_of("])", m_position); end != npos) {
+    auto const end =
+        s_findByte(m_text, m_position, [](char c) { return c == ']' || c == ')'; });
+    if (end != npos) {
         takeAddress(m_position, end);
     }
     return State::done;
@@ -209,7 +258,9 @@ ReceivedScanner::State ReceivedScanner::scanReverseName() {
     if (m_text[m_position] == '[') {
         return State::bracketedAddress;
     }
-    auto const end = m_text.find_first_of("\t ([", m_position);
+    auto const end = s_findByte(m_text, m_position, [](char c) {
+        return c == '\t' || c == ' ' || c == '(' || c == '[';
+    });
     if (end == npos) {
         m_fields.m_reverseName = m_text.substr(m_position);
         return State::heloName;
@@ -232,12 +283,12 @@ ReceivedScanner::State ReceivedScanner::scanBracketedAddress() {
 }
 
 ReceivedScanner::State ReceivedScanner::scanHeloName() {
-    auto const mark = m_text.find("helo", m_position);
+    auto const mark = s_find<0>(m_text, "helo", m_position);
     if (mark == npos) {
         return State::done;
     }
     auto const start = mark + heloMarkLength;
-    auto const end = m_text.find_first_of(" )", start);
+    auto const end = s_findByte(m_text, start, [](char c) { return c == ' ' || c == ')'; });
     if (end != npos && !takeName(m_fields.m_from, start, end - start)) {
         return State::abandoned;
     }
@@ -247,8 +298,7 @@ ReceivedScanner::State ReceivedScanner::scanHeloName() {
 // Host names hold no blanks. A blank means that the header has an unknown shape: the field is
 // left empty, the parse is abandoned, and the next accessor call parses the record again.
 bool ReceivedScanner::takeName(std::string& field, Position start, Position length) {
-    field = m_text.substr(start, length);
-    s_trim(field);
+    field = s_trimmed(std::string_view(m_text).substr(start, length));
     if (field.find(' ') == npos) {
         return true;
     }
@@ -257,9 +307,8 @@ bool ReceivedScanner::takeName(std::string& field, Position start, Position leng
 }
 
 void ReceivedScanner::takeAddress(Position start, Position end) {
-    auto const literal = m_text.substr(start, end - start);
-    if (IPAddress::isValidIPAddress(literal)) {
-        m_fields.m_address = IPAddress(literal);
+    if (IPAddress const address(m_text.substr(start, end - start)); !address.isNull()) {
+        m_fields.m_address = address;
     }
 }
 
@@ -275,11 +324,13 @@ void ReceivedScanner::finish() {
 // The date of an ordinary header stands after the receiving host and is cut off by now; only a
 // header without one keeps it.
 void ReceivedScanner::takeReceiveTime() {
-    auto const semicolon = m_text.rfind(';');
-    if (semicolon == npos) {
+    auto const* const semicolon = ::memrchr(m_text.data(), ';', m_text.size());
+    if (semicolon == nullptr) {
         return;
     }
-    auto const start = m_text.find_first_not_of("\t\r\n ", semicolon + 1);
+    auto const after =
+        static_cast<Position>(static_cast<char const*>(semicolon) - m_text.data()) + 1;
+    auto const start = s_findByte(m_text, after, [](char c) { return !s_isBlankOrBreak(c); });
     if (start != npos) {
         copyStringToLower(m_text, m_fields.m_receiveTime, start, npos);
     }
@@ -287,8 +338,11 @@ void ReceivedScanner::takeReceiveTime() {
 
 // "from 192.0.2.3 by ...": what looked like a reverse name is the client's address.
 void ReceivedScanner::takeAddressFromReverseName() {
-    if (m_fields.m_address.isNull() && IPAddress::isValidIPAddress(m_fields.m_reverseName)) {
-        m_fields.m_address = IPAddress(m_fields.m_reverseName);
+    if (!m_fields.m_address.isNull()) {
+        return;
+    }
+    if (IPAddress const address(m_fields.m_reverseName); !address.isNull()) {
+        m_fields.m_address = address;
         m_fields.m_reverseName.clear();
     }
 }

@@ -11,7 +11,7 @@ namespace Quorvane {
 DeepHeaderEngine::DeepHeaderEngine() = default;
 
 DeepHeaderEngine::DeepHeaderEngine(RefDeepHeaderAdapter const& engine)
-    : m_engine(engine.isEmpty() ? nullptr : std::make_shared<RefDeepHeaderAdapter const>(engine)) {}
+    : m_engine(engine.isEmpty() ? nullptr : std::make_shared<RefDeepHeaderAdapter>(engine)) {}
 
 DeepHeaderEngine DeepHeaderEngine::inForce() {
     Synchronized const lock(DeepHeaderScanner::m_Mutex);
@@ -22,22 +22,20 @@ DeepHeaderEngine DeepHeaderEngine::fromStreams(std::istream& tree, std::istream*
     return DeepHeaderEngine(RefDeepHeaderAdapter(new DeepHeaderAdapter(tree, elite)));
 }
 
-// An engine is the same for all who hold it, const or not: nothing changes it.
+// An engine is the same for all who hold it, const or not: nothing changes it. The handle keeps it
+// alive meanwhile; a reference more would be a count that all threads write to.
 ScanRecord DeepHeaderEngine::scan(DeepHeaderQuery& query, RecordDepth depth) const {
     NoCancellation const guard;
-    RefDeepHeaderAdapter engine(*m_engine);
-    return recordScan(*engine.operator->(), query, depth);
+    return recordScan(*m_engine->operator->(), query, depth);
 }
 
 ScanRecord DeepHeaderEngine::judge(std::array<std::int32_t, 38> const& attributes,
                                    DeepHeaderSettings const& settings, RecordDepth depth) const {
-    RefDeepHeaderAdapter engine(*m_engine);
-    return recordJudgement(*engine.operator->(), attributes, settings, depth);
+    return recordJudgement(*m_engine->operator->(), attributes, settings, depth);
 }
 
 std::vector<std::int32_t> DeepHeaderEngine::testedAttributes() const {
-    RefDeepHeaderAdapter engine(*m_engine);
-    return Quorvane::testedAttributes(*engine.operator->());
+    return Quorvane::testedAttributes(*m_engine->operator->());
 }
 
 } // namespace Quorvane

@@ -11,7 +11,7 @@
 
 namespace Quorvane {
 
-class DeepHeaderAnswerImpl : public virtual RefImpl {
+class DeepHeaderAnswerImpl : public virtual RefImpl, public Recycled {
   public:
     DeepHeaderAnswerImpl() = default;
     ~DeepHeaderAnswerImpl() override;

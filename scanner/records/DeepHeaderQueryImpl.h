@@ -15,7 +15,7 @@
 
 namespace Quorvane {
 
-class DeepHeaderQueryImpl : public virtual RefImpl {
+class DeepHeaderQueryImpl : public virtual RefImpl, public Recycled {
   public:
     DeepHeaderQueryImpl() = default;
     ~DeepHeaderQueryImpl() override;
