@@ -39,6 +39,15 @@ void s_requireLoaded(int loadResult) {
     }
 }
 
+// Each attribute before a scan.
+constexpr AttributeVector startValues = [] {
+    AttributeVector values{};
+    for (auto const& facts : attributeTable) {
+        values[facts.m_index] = facts.m_start;
+    }
+    return values;
+}();
+
 RefDeepHeaderAdapter* s_adapterInstance = nullptr;
 
 } // namespace
@@ -71,11 +80,7 @@ DeepHeaderAdapter::DeepHeaderAdapter(std::istream& tree, std::istream* elite)
 
 DeepHeaderAdapter::~DeepHeaderAdapter() = default;
 
-DeepHeaderAdapter::MsgProperties::MsgProperties() {
-    for (auto const& facts : attributeTable) {
-        attributes[facts.m_index] = facts.m_start;
-    }
-}
+DeepHeaderAdapter::MsgProperties::MsgProperties() : attributes(startValues) {}
 
 // --- publication --------------------------------------------------------------------------------
 

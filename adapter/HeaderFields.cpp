@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <list>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -29,8 +30,9 @@ constexpr std::uint32_t highestScore = 9;
 
 using MsgProperties = DeepHeaderAdapter::MsgProperties;
 
-bool s_isNamed(Header const& header, char const* name) {
-    return stringCompareNoCase(header.type(), name, 0) == 0;
+bool s_isNamed(Header const& header, std::string_view name) {
+    auto const& type = header.type();
+    return type.size() == name.size() && stringCompareNoCase(type, name, 0) == 0;
 }
 
 // Unsigned on both sides: a negative threshold is never reached, one of 0 always.

@@ -147,7 +147,9 @@ void DeepHeaderAdapter::classifyNames(SingleReceiver& slot) {
     } else {
         slot.heloIsDomain = Code::yes;
         slot.heloIsIP = Code::no;
-        slot.heloDynamic = isDynamicHostname(slot.helo);
+        // Most machines announce the name that they have; then the patterns have been asked.
+        bool const isKnown = slot.reverseDynamic != Code::unknown && helo == reverse;
+        slot.heloDynamic = isKnown ? slot.reverseDynamic : isDynamicHostname(slot.helo);
     }
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "adapter/NameRelation.h"
 
-#include <algorithm>
 #include <string_view>
 
 namespace Quorvane {
@@ -11,10 +10,10 @@ namespace {
 constexpr std::string::size_type shortestName = 3;
 
 std::string_view s_key(std::string_view name) {
-    if (std::count(name.begin(), name.end(), '.') >= 2) {
-        name.remove_prefix(name.find('.') + 1);
-    }
-    return name;
+    auto const first = name.find('.');
+    bool const isLong =
+        first != std::string_view::npos && name.find('.', first + 1) != std::string_view::npos;
+    return isLong ? name.substr(first + 1) : name;
 }
 
 } // namespace
@@ -22,6 +21,9 @@ std::string_view s_key(std::string_view name) {
 int s_domainMatch(std::string const& a, std::string const& b) {
     if (a.size() < shortestName || b.size() < shortestName) {
         return 0;
+    }
+    if (a == b) {
+        return 1; // as below, but nearly all machines announce the name that they have
     }
     bool const isFirstShorter = a.size() < b.size();
     std::string_view const shorter = isFirstShorter ? a : b;

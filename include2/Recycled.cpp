@@ -31,14 +31,13 @@ struct Stack {
     unsigned int m_count;
 };
 
-// Needs no destructor, so it can be used until the thread is gone.
-struct Kept {
-    std::array<Stack, largest / step> m_stacks;
-    bool m_isWatched; // an Owner gives the blocks back when the thread ends
-    bool m_isEnded;
-};
+using Stacks = std::array<Stack, largest / step>;
 
-constinit thread_local Kept s_kept{};
+// Null until the thread first gives a block back, and again when it ends. Needs no destructor, so
+// they can be read until the thread is gone. Every object asks for the pointer: this way of access
+// costs one instruction, and a pointer is little enough for a library that is loaded late.
+__attribute__((tls_model("initial-exec"))) constinit thread_local Stacks* s_kept = nullptr;
+constinit thread_local bool s_isEnded = false;
 
 void s_release(Stack& stack) {
     while (stack.m_top != nullptr) {
@@ -48,39 +47,47 @@ void s_release(Stack& stack) {
     }
 }
 
-struct Owner {
-    Owner() { s_kept.m_isWatched = true; }
+// The stacks of a thread.
+class Owner {
+  public:
+    Owner() { s_kept = &m_stacks; }
     Owner(Owner const&) = delete;
     Owner& operator=(Owner const&) = delete;
     ~Owner() {
-        s_kept.m_isEnded = true;
-        for (auto& stack : s_kept.m_stacks) {
+        s_kept = nullptr;
+        s_isEnded = true;
+        for (auto& stack : m_stacks) {
             s_release(stack);
         }
     }
+
+  private:
+    Stacks m_stacks{};
 };
 
-// Null when blocks of the size are not kept.
-Stack* s_stack(Kept& kept, std::size_t size) {
-    bool const isKept = isRecycling && size > 0 && size <= largest;
-    return isKept ? &kept.m_stacks[(size - 1) / step] : nullptr;
-}
-
-bool s_takesBlocks(Kept& kept) {
-    if (!kept.m_isWatched) {
+void s_startKeeping() {
+    if (!s_isEnded) {
         static thread_local Owner const owner;
     }
-    return !kept.m_isEnded;
+}
+
+constexpr bool s_isKept(std::size_t size) {
+    return isRecycling && size > 0 && size <= largest;
+}
+
+// Null when the thread keeps none.
+Stack* s_stack(std::size_t size) {
+    return s_kept == nullptr ? nullptr : &(*s_kept)[(size - 1) / step];
 }
 
 } // namespace
 
 void* Recycled::operator new(std::size_t size) {
-    auto* const stack = s_stack(s_kept, size);
-    if (stack == nullptr) {
+    if (!s_isKept(size)) {
         return ::operator new(size);
     }
-    if (auto* const block = stack->m_top) {
+    if (auto* const stack = s_stack(size); stack != nullptr && stack->m_top != nullptr) {
+        auto* const block = stack->m_top;
         stack->m_top = block->m_next;
         --stack->m_count;
         return block;
@@ -89,10 +96,15 @@ void* Recycled::operator new(std::size_t size) {
 }
 
 void Recycled::operator delete(void* block, std::size_t size) noexcept {
-    auto& kept = s_kept;
-    auto* const stack = s_stack(kept, size);
-    if (block == nullptr || stack == nullptr || stack->m_count == mostKept ||
-        !s_takesBlocks(kept)) {
+    if (block == nullptr || !s_isKept(size)) {
+        ::operator delete(block);
+        return;
+    }
+    if (s_kept == nullptr) {
+        s_startKeeping();
+    }
+    auto* const stack = s_stack(size);
+    if (stack == nullptr || stack->m_count == mostKept) {
         ::operator delete(block);
         return;
     }

@@ -49,6 +49,13 @@ Position s_find(std::string_view text, char const (&word)[size], Position from =
     return npos;
 }
 
+// Bytes that end the name of the receiving host, all of them below "]".
+bool s_endsHost(char c) {
+    constexpr std::uint64_t low = 1ULL << ' ' | 1ULL << '\t' | 1ULL << '\r' | 1ULL << '\n' | 1ULL << '(';
+    auto const byte = static_cast<unsigned char>(c);
+    return byte < 64 ? (low >> byte & 1U) != 0 : c == '[';
+}
+
 // Where the first byte stands of which `isEnd` is true, or npos.
 template<typename IsEnd>
 Position s_findByte(std::string_view text, Position from, IsEnd isEnd) {
@@ -135,8 +142,7 @@ void ReceivedScanner::takeFoldedReceivingHost() {
 }
 
 void ReceivedScanner::takeReceivingHost(Position start, Position cut) {
-    auto const end = s_findByte(
-        m_text, start, [](char c) { return s_isBlankOrBreak(c) || c == '(' || c == '['; });
+    auto const end = s_findByte(m_text, start, s_endsHost);
     m_fields.m_by.assign(m_text, start, end == npos ? npos : end - start);
     m_text.resize(cut);
 }

@@ -10,7 +10,6 @@ namespace Quorvane::internal {
 
 namespace {
 
-constexpr std::string_view s_separators = ",:;";
 // Bytes of an atom (RFC 5322 section 3.2.3) that addresses hardly ever have.
 constexpr std::string_view s_atomBytes = "{}|~^`$#%*&!'/_";
 
@@ -26,8 +25,7 @@ std::size_t s_limit(std::string_view header) {
     auto const considered = header.substr(0, consideredBytes);
     std::size_t separators = 0;
     for (std::size_t i = 0; i < considered.size(); ++i) {
-        if (s_separators.find(considered[i]) != std::string_view::npos &&
-            ++separators > consideredSeparators) {
+        if (isAddressSeparator(considered[i]) && ++separators > consideredSeparators) {
             return i;
         }
     }

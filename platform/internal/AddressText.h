@@ -17,7 +17,11 @@ namespace Quorvane::internal {
 // stack in proportion to the nesting of groups, so a long run of "a:" would crash the process, and
 // time in proportion to the square of the number of commas.
 inline constexpr std::size_t consideredBytes = 2048;
-inline constexpr std::size_t consideredSeparators = 16; // "," ":" ";"
+inline constexpr std::size_t consideredSeparators = 16;
+
+inline bool isAddressSeparator(char c) {
+    return c == ',' || c == ':' || c == ';';
+}
 
 struct AddressText {
     // For GMime; holds no NUL byte.

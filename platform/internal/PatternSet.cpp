@@ -6,6 +6,7 @@
 #include "platform/internal/PatternList.h"
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <re2/re2.h>
 #include <re2/set.h>
@@ -75,9 +76,11 @@ struct alignas(64) PatternSet::Replica {
         if (set->Compile()) {
             m_set = std::move(set);
         }
+        m_isBuilt.store(true, std::memory_order_release);
     }
 
-    std::once_flag m_built;
+    std::atomic<bool> m_isBuilt{false}; // saves most calls of call_once
+    std::once_flag m_once;
     std::unique_ptr<re2::RE2::Set const> m_set;
 };
 
@@ -118,7 +121,9 @@ bool PatternSet::matchesOneByOne(std::string_view text) const {
 PatternSet::Replica& PatternSet::replica() const {
     // A failure is -1, which picks some replica, and any is right.
     auto& replica = m_replicas[static_cast<unsigned int>(sched_getcpu()) % replicaCount];
-    std::call_once(replica.m_built, [&] { replica.build(m_expressions); });
+    if (!replica.m_isBuilt.load(std::memory_order_acquire)) {
+        std::call_once(replica.m_once, [&] { replica.build(m_expressions); });
+    }
     return replica;
 }
 

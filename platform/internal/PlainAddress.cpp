@@ -54,12 +54,8 @@ bool s_isName(std::string_view name) {
     return std::all_of(name.begin(), name.end(), s_isWordByte);
 }
 
-} // namespace
-
-std::optional<PlainAddress> plainAddress(std::string_view text) {
-    if (text.size() > consideredBytes) {
-        return std::nullopt;
-    }
+// local@domain, alone or in angle brackets after a name.
+std::optional<PlainAddress> s_mailbox(std::string_view text) {
     text = s_withoutBlanks(text);
     if (!text.empty() && text.back() == '>') {
         auto const open = text.rfind('<');
@@ -76,6 +72,57 @@ std::optional<PlainAddress> plainAddress(std::string_view text) {
     auto const domain = text.substr(at + 1);
     bool const isPlain = s_areWords(local, "_+-=") && s_areWords(domain, "-");
     return isPlain ? std::optional(PlainAddress{local, domain}) : std::nullopt;
+}
+
+// Length of the first mailbox of a list, if the mailbox is a plain one.
+std::size_t s_mailboxLength(std::string_view list) {
+    bool isQuoted = false;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        isQuoted = isQuoted != (list[i] == '"');
+        if (list[i] == ',' && !isQuoted) {
+            return i;
+        }
+    }
+    return list.size();
+}
+
+// The first of a list, all of which are plain: a broken one behind it can change what is read.
+std::optional<PlainAddress> s_firstOfList(std::string_view list) {
+    auto const length = s_mailboxLength(list);
+    auto const first = s_mailbox(list.substr(0, length));
+    for (auto rest = list.substr(length); first && !rest.empty();) {
+        rest.remove_prefix(1);
+        auto const next = s_mailboxLength(rest);
+        if (!s_mailbox(rest.substr(0, next))) {
+            return std::nullopt;
+        }
+        rest.remove_prefix(next);
+    }
+    return first;
+}
+
+// "<>", the sender of a bounce, and "undisclosed-recipients:;".
+bool s_isNobody(std::string_view text) {
+    constexpr std::string_view emptyGroup = ":;";
+    text = s_withoutBlanks(text);
+    bool const isGroup = text.size() > emptyGroup.size() && text.ends_with(emptyGroup);
+    text.remove_suffix(isGroup ? emptyGroup.size() : 0);
+    return isGroup ? s_areWords(text, "-") : text.empty() || text == "<>";
+}
+
+bool s_isLookedAtWhole(std::string_view text) {
+    auto const count = std::count_if(text.begin(), text.end(), isAddressSeparator);
+    return text.size() <= consideredBytes &&
+           static_cast<std::size_t>(count) <= consideredSeparators;
+}
+
+} // namespace
+
+std::optional<PlainAddress> plainAddress(std::string_view text) {
+    if (!s_isLookedAtWhole(text)) {
+        return std::nullopt;
+    }
+    return s_isNobody(text) ? std::optional(PlainAddress{}) : s_firstOfList(text);
 }
 
 } // namespace Quorvane::internal

@@ -2,7 +2,8 @@
 //
 // The addresses that nearly all mail has, read without the mail library, whose locks all threads of
 // a host share: local@domain and <local@domain>, with a name of plain words or a quoted one before
-// the bracket. A pure function.
+// the bracket; lists of them, of which the first counts; and "<>" and "undisclosed-recipients:;",
+// which are nobody's. A pure function.
 #pragma once
 
 #include <optional>
@@ -10,7 +11,7 @@
 
 namespace Quorvane::internal {
 
-// Both point into the text.
+// Both point into the text; both are empty when the text holds no address.
 struct PlainAddress {
     std::string_view m_localPart;
     std::string_view m_domain;
