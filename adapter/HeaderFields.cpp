@@ -30,8 +30,7 @@ constexpr std::uint32_t highestScore = 9;
 
 using MsgProperties = DeepHeaderAdapter::MsgProperties;
 
-bool s_isNamed(Header const& header, std::string_view name) {
-    auto const& type = header.type();
+bool s_isNamed(std::string_view type, std::string_view name) {
     return type.size() == name.size() && stringCompareNoCase(type, name, 0) == 0;
 }
 
@@ -53,12 +52,12 @@ bool s_takeGivenAddresses(MsgProperties& props, DeepHeaderQuery const& query) {
 
 // True when the header was one of the address headers. Of authors and recipients the last header
 // counts, of envelope senders the first.
-bool s_takeAddressHeader(MsgProperties& props, Header const& header) {
-    if (s_isNamed(header, "from")) {
+bool s_takeAddressHeader(MsgProperties& props, Header const& header, std::string_view type) {
+    if (s_isNamed(type, "from")) {
         props.headerFrom = s_createEmailAddress(header.value());
-    } else if (s_isNamed(header, "To")) {
+    } else if (s_isNamed(type, "To")) {
         props.recipient = s_createEmailAddress(header.value());
-    } else if (s_isNamed(header, "Return-Path") || s_isNamed(header, "X-QV-ORIG-ENV-FROM")) {
+    } else if (s_isNamed(type, "Return-Path") || s_isNamed(type, "X-QV-ORIG-ENV-FROM")) {
         if (props.envelopeFrom.isNull()) {
             props.envelopeFrom = s_createEmailAddress(header.value());
         }
@@ -80,10 +79,11 @@ void s_takeMessageIdDomain(MsgProperties& props, std::string const& value) {
 }
 
 void s_takeOtherHeader(MsgProperties& props, Header const& header, bool areAddressesGiven) {
-    if (!areAddressesGiven && s_takeAddressHeader(props, header)) {
+    auto const& type = header.type();
+    if (!areAddressesGiven && s_takeAddressHeader(props, header, type)) {
         return;
     }
-    if (s_isNamed(header, "Message-ID")) {
+    if (s_isNamed(type, "Message-ID")) {
         s_takeMessageIdDomain(props, header.value());
     }
 }
@@ -259,7 +259,7 @@ class TrailWalk {
 } // namespace
 
 bool isReceivedHeader(Header const& header) {
-    return s_isNamed(header, "received");
+    return s_isNamed(header.type(), "received");
 }
 
 bool endsWalk(HopRole role) {

@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 #include <string>
+#include <type_traits>
 
 namespace Quorvane::Bench {
 
@@ -17,7 +18,8 @@ void keep(T const& value) {
     benchmark::DoNotOptimize(value);
 }
 
-// Registers `work`, one call of which does `units` units. Times are CPU times, which do not depend
+// Registers `work`, one call of which does `units` units; it may take the number of its thread,
+// from 0. Times are CPU times, which do not depend
 // on what else the machine does, unless UseRealTime is called on the result.
 template<typename Work>
 benchmark::internal::Benchmark* add(std::string const& name, double units, Work work) {
@@ -25,7 +27,11 @@ benchmark::internal::Benchmark* add(std::string const& name, double units, Work 
         using benchmark::Counter;
         auto const before = allocations();
         for ([[maybe_unused]] auto _ : state) {
-            work();
+            if constexpr (std::is_invocable_v<Work, int>) {
+                work(state.thread_index());
+            } else {
+                work();
+            }
         }
         auto const allocated = static_cast<double>(allocations() - before);
         state.counters["time/unit"] = Counter(units, Counter::kIsIterationInvariantRate |

@@ -3,7 +3,6 @@
 
 #include "platform/Strings.h"
 
-#include <algorithm>
 #include <limits>
 #include <string>
 
@@ -11,9 +10,15 @@ namespace Quorvane {
 
 namespace {
 
-constexpr std::string_view s_blanks = " \t";
-constexpr std::string_view s_blanksAndBreaks = " \t\r\n";
 constexpr std::string_view s_mboxStart = "From ";
+
+bool s_isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+bool s_isBlankOrBreak(char c) {
+    return s_isBlank(c) || c == '\r' || c == '\n';
+}
 
 // Offsets into the message.
 struct Line {
@@ -37,7 +42,7 @@ bool s_isEmpty(Line const& line) {
 }
 
 bool s_beginsWithBlank(std::string_view message, std::size_t position) {
-    return position < message.size() && s_blanks.find(message[position]) != std::string_view::npos;
+    return position < message.size() && s_isBlank(message[position]);
 }
 
 // The last of the lines that belong to the field beginning with `line`.
@@ -52,12 +57,19 @@ std::string_view s_slice(std::string_view message, std::size_t begin, std::size_
     return message.substr(begin, end - begin);
 }
 
-std::string_view s_withoutTrailing(std::string_view bytes, std::string_view text) {
-    return text.substr(0, text.find_last_not_of(bytes) + 1);
+template<typename IsDropped>
+std::string_view s_withoutTrailing(std::string_view text, IsDropped isDropped) {
+    while (!text.empty() && isDropped(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 std::string_view s_withoutLeadingBlanks(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(s_blanks), text.size()));
+    while (!text.empty() && s_isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
 }
 
 // A field that begins with a blank continues nothing, because it is the first of the section.
@@ -65,6 +77,11 @@ bool s_isSkipped(std::string_view message, Line const& first) {
     bool const isMboxLine =
         first.m_begin == 0 && message.substr(0, s_mboxStart.size()) == s_mboxStart;
     return isMboxLine || s_beginsWithBlank(message, first.m_begin);
+}
+
+bool s_isReceived(std::string_view name) {
+    constexpr std::string_view received = "received";
+    return name.size() == received.size() && stringCompareNoCase(name, received, 0) == 0;
 }
 
 // Calls `take` with the name of each field and with all that follows its colon.
@@ -79,7 +96,7 @@ void s_forEachField(std::string_view message, Take take) {
         auto const line = s_slice(message, first.m_begin, first.m_contentEnd);
         auto const colon = line.find(':');
         if (colon != std::string_view::npos && !s_isSkipped(message, first)) {
-            take(s_withoutTrailing(s_blanks, line.substr(0, colon)),
+            take(s_withoutTrailing(line.substr(0, colon), s_isBlank),
                  s_slice(message, first.m_begin + colon + 1, last.m_contentEnd));
         }
         position = last.m_end;
@@ -96,10 +113,10 @@ HeaderContainer HeaderReader::read(std::string_view message, std::size_t maxHops
     HeaderContainer headers;
     std::size_t hops = 0;
     s_forEachField(message, [&](std::string_view name, std::string_view text) {
-        if (stringCompareNoCase(name, "received", 0) == 0 && ++hops > maxHops) {
+        if (s_isReceived(name) && ++hops > maxHops) {
             return;
         }
-        auto const value = s_withoutLeadingBlanks(s_withoutTrailing(s_blanksAndBreaks, text));
+        auto const value = s_withoutLeadingBlanks(s_withoutTrailing(text, s_isBlankOrBreak));
         headers.append(std::string(name), std::string(value));
     });
     return headers;

@@ -49,7 +49,7 @@ Position s_find(std::string_view text, char const (&word)[size], Position from =
     return npos;
 }
 
-// Bytes that end the name of the receiving host, all of them below "]".
+// A byte that ends the name of the receiving host.
 bool s_endsHost(char c) {
     constexpr std::uint64_t low = 1ULL << ' ' | 1ULL << '\t' | 1ULL << '\r' | 1ULL << '\n' | 1ULL << '(';
     auto const byte = static_cast<unsigned char>(c);

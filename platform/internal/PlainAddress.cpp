@@ -5,13 +5,59 @@
 #include "platform/internal/AddressText.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace Quorvane::internal {
 
 namespace {
 
-bool s_isAlphanumeric(char c) {
+// What a byte may be part of, as bits.
+using ByteClass = std::uint8_t;
+constexpr ByteClass alphanumeric = 1;
+constexpr ByteClass withinLocalWord = 2;  // of a word of a local part, but not its first or last byte
+constexpr ByteClass withinDomainWord = 4; // the same of a domain
+constexpr ByteClass ofName = 8;
+constexpr ByteClass ofQuotedName = 16;
+
+constexpr bool s_isLetterOrDigit(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+constexpr ByteClass s_classesOf(char c) {
+    unsigned int classes = 0;
+    if (s_isLetterOrDigit(c)) {
+        classes |= alphanumeric | ofName;
+    }
+    if (c == ' ' || c == '-' || c == '\'') {
+        classes |= ofName;
+    }
+    if (c == '_' || c == '+' || c == '-' || c == '=') {
+        classes |= withinLocalWord;
+    }
+    if (c == '-') {
+        classes |= withinDomainWord;
+    }
+    if (c >= ' ' && c <= '~' && c != '"' && c != '\\' && c != '?') {
+        classes |= ofQuotedName;
+    }
+    return static_cast<ByteClass>(classes);
+}
+
+constexpr auto s_classes = [] {
+    std::array<ByteClass, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) {
+        table.at(byte) = s_classesOf(static_cast<char>(byte));
+    }
+    return table;
+}();
+
+bool s_isOf(ByteClass wanted, char c) {
+    return (s_classes[static_cast<unsigned char>(c)] & wanted) != 0;
+}
+
+bool s_areAllOf(ByteClass wanted, std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [=](char c) { return s_isOf(wanted, c); });
 }
 
 std::string_view s_withoutBlanks(std::string_view text) {
@@ -25,33 +71,24 @@ std::string_view s_withoutBlanks(std::string_view text) {
 }
 
 // Words between dots, each of letters, digits and some other bytes, which are within it only.
-bool s_areWords(std::string_view text, std::string_view others) {
+bool s_areWords(std::string_view text, ByteClass others) {
     char before = '.';
     for (char const c : text) {
-        bool const isOther = others.find(c) != std::string_view::npos;
-        if (!s_isAlphanumeric(c) && (before == '.' || (c != '.' && !isOther))) {
+        if (!s_isOf(alphanumeric, c) && (before == '.' || (c != '.' && !s_isOf(others, c)))) {
             return false;
         }
         before = c;
     }
-    return s_isAlphanumeric(before);
-}
-
-bool s_isWordByte(char c) {
-    return s_isAlphanumeric(c) || c == ' ' || c == '-' || c == '\'';
-}
-
-bool s_isQuotableByte(char c) {
-    return c >= ' ' && c <= '~' && c != '"' && c != '\\' && c != '?';
+    return s_isOf(alphanumeric, before);
 }
 
 bool s_isName(std::string_view name) {
     name = s_withoutBlanks(name);
     if (name.size() > 1 && name.front() == '"' && name.back() == '"') {
         auto const quoted = name.substr(1, name.size() - 2);
-        return std::all_of(quoted.begin(), quoted.end(), s_isQuotableByte);
+        return s_areAllOf(ofQuotedName, quoted);
     }
-    return std::all_of(name.begin(), name.end(), s_isWordByte);
+    return s_areAllOf(ofName, name);
 }
 
 // local@domain, alone or in angle brackets after a name.
@@ -70,7 +107,7 @@ std::optional<PlainAddress> s_mailbox(std::string_view text) {
     }
     auto const local = text.substr(0, at);
     auto const domain = text.substr(at + 1);
-    bool const isPlain = s_areWords(local, "_+-=") && s_areWords(domain, "-");
+    bool const isPlain = s_areWords(local, withinLocalWord) && s_areWords(domain, withinDomainWord);
     return isPlain ? std::optional(PlainAddress{local, domain}) : std::nullopt;
 }
 
@@ -107,7 +144,7 @@ bool s_isNobody(std::string_view text) {
     text = s_withoutBlanks(text);
     bool const isGroup = text.size() > emptyGroup.size() && text.ends_with(emptyGroup);
     text.remove_suffix(isGroup ? emptyGroup.size() : 0);
-    return isGroup ? s_areWords(text, "-") : text.empty() || text == "<>";
+    return isGroup ? s_areWords(text, withinDomainWord) : text.empty() || text == "<>";
 }
 
 bool s_isLookedAtWhole(std::string_view text) {

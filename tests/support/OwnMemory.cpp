@@ -71,6 +71,10 @@ bool FailingAllocation::hasFailed() const {
     return s_hasFailed;
 }
 
+std::size_t memoryInUse() {
+    return s_used;
+}
+
 PeakMemory::PeakMemory() : m_before(s_used) {
     s_peak = m_before;
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <thread>
 
 namespace Quorvane::Testing {
 
@@ -32,17 +33,21 @@ class PeakMemory {
     std::size_t m_before;
 };
 
+// Bytes that all threads have allocated and not given back.
+std::size_t memoryInUse();
+
 // Calls `action` with the first allocation failing, then with the second, and so on until none
-// fails any more; `check` is called after each, with the number. Returns how many failed.
+// fails any more; `check` is called after each, with the number. Returns how many failed. Each call
+// is made on a thread of its own, which has no blocks of earlier objects to use again.
 template<typename Action, typename Check>
 int failEachAllocation(Action action, Check check) {
     for (int number = 1;; ++number) {
         bool hasFailed = false;
-        {
+        std::thread([&] {
             FailingAllocation const failing(number);
             action();
             hasFailed = failing.hasFailed();
-        }
+        }).join();
         check(number);
         if (!hasFailed) {
             return number - 1;
