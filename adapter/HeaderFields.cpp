@@ -30,10 +30,6 @@ constexpr std::uint32_t highestScore = 9;
 
 using MsgProperties = DeepHeaderAdapter::MsgProperties;
 
-bool s_isNamed(std::string_view type, std::string_view name) {
-    return type.size() == name.size() && stringCompareNoCase(type, name, 0) == 0;
-}
-
 // Unsigned on both sides: a negative threshold is never reached, one of 0 always.
 bool s_isScoreReached(std::uint32_t score, std::int32_t threshold) {
     return score >= static_cast<std::uint32_t>(threshold) && score <= highestScore;
@@ -53,11 +49,11 @@ bool s_takeGivenAddresses(MsgProperties& props, DeepHeaderQuery const& query) {
 // True when the header was one of the address headers. Of authors and recipients the last header
 // counts, of envelope senders the first.
 bool s_takeAddressHeader(MsgProperties& props, Header const& header, std::string_view type) {
-    if (s_isNamed(type, "from")) {
+    if (isSameNoCase(type, "from")) {
         props.headerFrom = s_createEmailAddress(header.value());
-    } else if (s_isNamed(type, "To")) {
+    } else if (isSameNoCase(type, "To")) {
         props.recipient = s_createEmailAddress(header.value());
-    } else if (s_isNamed(type, "Return-Path") || s_isNamed(type, "X-QV-ORIG-ENV-FROM")) {
+    } else if (isSameNoCase(type, "Return-Path") || isSameNoCase(type, "X-QV-ORIG-ENV-FROM")) {
         if (props.envelopeFrom.isNull()) {
             props.envelopeFrom = s_createEmailAddress(header.value());
         }
@@ -83,7 +79,7 @@ void s_takeOtherHeader(MsgProperties& props, Header const& header, bool areAddre
     if (!areAddressesGiven && s_takeAddressHeader(props, header, type)) {
         return;
     }
-    if (s_isNamed(type, "Message-ID")) {
+    if (isSameNoCase(type, "Message-ID")) {
         s_takeMessageIdDomain(props, header.value());
     }
 }
@@ -259,7 +255,7 @@ class TrailWalk {
 } // namespace
 
 bool isReceivedHeader(Header const& header) {
-    return s_isNamed(header.type(), "received");
+    return isSameNoCase(header.type(), "received");
 }
 
 bool endsWalk(HopRole role) {

@@ -12,6 +12,8 @@
 #include "support/RuleFolder.h"
 #include "Trails.h"
 
+#include <array>
+
 namespace Quorvane::Bench {
 namespace {
 
@@ -67,10 +69,13 @@ class ScanBench {
         off.m_mode = ResolverSettings::Mode::off;
         Resolver::instance().configure(off);
         DeepHeaderScanner().init();
-        for (auto const& block : m_trails.m_blocks) {
-            m_containers.push_back(HeaderReader::read(block));
-            m_othersContainers.push_back(HeaderReader::read(block));
-            for (auto const& header : m_containers.back().headers()) {
+        for (auto& containers : m_containers) {
+            for (auto const& block : m_trails.m_blocks) {
+                containers.push_back(HeaderReader::read(block));
+            }
+        }
+        for (auto const& container : m_containers[0]) {
+            for (auto const& header : container.headers()) {
                 takeAddressText(header);
             }
         }
@@ -202,11 +207,11 @@ class ScanBench {
         }
     }
 
-    void judgeAll() const { judge(m_containers, m_address, m_properties); }
+    void judgeAll() const { judge(m_containers[0], m_address, m_properties); }
 
     // Nor do threads of a host judge the same message.
     void judgeOwn(int thread) const {
-        judge(thread == 0 ? m_containers : m_othersContainers, m_address,
+        judge(m_containers.at(static_cast<std::size_t>(thread)), m_address,
               RefMessageProperties(true));
     }
 
@@ -217,7 +222,7 @@ class ScanBench {
 
     void recordAll(RecordDepth depth) const {
         auto const engine = DeepHeaderEngine::inForce();
-        for (auto const& headers : m_containers) {
+        for (auto const& headers : m_containers[0]) {
             auto query = s_query(headers, m_address, m_properties);
             keep(engine.scan(query, depth).verdict.node);
         }
@@ -225,8 +230,7 @@ class ScanBench {
 
     Testing::RuleFolder m_rules;
     Trails m_trails;
-    std::vector<HeaderContainer> m_containers;
-    std::vector<HeaderContainer> m_othersContainers; // the same, for a second thread
+    std::array<std::vector<HeaderContainer>, 2> m_containers; // the same for each of two threads
     std::vector<std::string> m_addressTexts; // of all messages
     EmailAddress m_address;
     RefMessageProperties m_properties{true};

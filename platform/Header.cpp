@@ -7,9 +7,6 @@
 
 namespace Quorvane {
 
-HeaderImpl::HeaderImpl(std::string name, std::string value)
-    : TypeAndValueImpl(std::move(name), std::move(value)) {}
-
 HeaderImpl::~HeaderImpl() = default;
 
 Header::Header(std::string name, std::string value)

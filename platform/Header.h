@@ -7,13 +7,15 @@
 #include "platform/TypeAndValue.h"
 
 #include <string>
+#include <utility>
 
 namespace Quorvane {
 
 class QV_API HeaderImpl : public TypeAndValueImpl {
   public:
     HeaderImpl() = default;
-    HeaderImpl(std::string name, std::string value);
+    HeaderImpl(std::string name, std::string value)
+        : TypeAndValueImpl(std::move(name), std::move(value)) {}
     ~HeaderImpl() override;
 };
 

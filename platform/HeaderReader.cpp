@@ -80,8 +80,7 @@ bool s_isSkipped(std::string_view message, Line const& first) {
 }
 
 bool s_isReceived(std::string_view name) {
-    constexpr std::string_view received = "received";
-    return name.size() == received.size() && stringCompareNoCase(name, received, 0) == 0;
+    return isSameNoCase(name, "received");
 }
 
 // Calls `take` with the name of each field and with all that follows its colon.

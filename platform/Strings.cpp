@@ -43,6 +43,18 @@ int stringCompareNoCase(std::string_view a, std::string_view b, std::string::siz
     return rest.size() < b.size() ? -1 : 1;
 }
 
+// Looks at all bytes whatever they are, which takes less time for short names than to stop early.
+bool isSameNoCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    int difference = 0;
+    for (std::string_view::size_type i = 0; i < a.size(); ++i) {
+        difference |= s_lower(a[i]) ^ s_lower(b[i]);
+    }
+    return difference == 0;
+}
+
 void stringLeftTrim(std::string& text) {
     text.erase(0, text.find_first_not_of(trimmed));
 }

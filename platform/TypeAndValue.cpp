@@ -3,14 +3,9 @@
 
 #include "platform/Strings.h"
 
-#include <utility>
-
 namespace Quorvane {
 
 template class RefCounted<TypeAndValueImpl>;
-
-TypeAndValueImpl::TypeAndValueImpl(std::string type, std::string value)
-    : m_type(std::move(type)), m_value(std::move(value)) {}
 
 TypeAndValueImpl::~TypeAndValueImpl() = default;
 

@@ -10,13 +10,15 @@
 #include "include2/QvaneRefcounted.h"
 
 #include <string>
+#include <utility>
 
 namespace Quorvane {
 
 class QV_API TypeAndValueImpl : public virtual RefImpl, public Recycled {
   public:
     TypeAndValueImpl() = default;
-    TypeAndValueImpl(std::string type, std::string value);
+    TypeAndValueImpl(std::string type, std::string value)
+        : m_type(std::move(type)), m_value(std::move(value)) {}
     ~TypeAndValueImpl() override;
 
     // Same type but for letter case, and same value.
