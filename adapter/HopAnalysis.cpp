@@ -7,8 +7,6 @@
 #include "platform/DynamicIdentifier.h"
 #include "platform/Strings.h"
 
-#include <algorithm>
-
 namespace Quorvane {
 
 namespace {
@@ -18,7 +16,7 @@ constexpr auto npos = std::string::npos;
 using MsgProperties = DeepHeaderAdapter::MsgProperties;
 using SingleReceiver = DeepHeaderAdapter::SingleReceiver;
 
-bool s_contains(std::string const& text, char const* part) {
+bool s_contains(std::string_view text, std::string_view part) {
     return text.find(part) != npos;
 }
 
@@ -116,7 +114,7 @@ void s_count(SingleReceiver const& slot, MsgProperties& props) {
 
 // A name with fewer than three labels belongs to an organisation.
 int DeepHeaderAdapter::isDynamicHostname(std::string& name) {
-    if (std::count(name.begin(), name.end(), '.') < 2) {
+    if (!hasManyLabels(name)) {
         return 0;
     }
     return Telvanis::DynamicIdentifierSingleton::instance(false)->match(name) ? 1 : 0;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "adapter/NameRelation.h"
 
-#include <string_view>
-
 namespace Quorvane {
 
 namespace {
@@ -10,13 +8,15 @@ namespace {
 constexpr std::string::size_type shortestName = 3;
 
 std::string_view s_key(std::string_view name) {
-    auto const first = name.find('.');
-    bool const isLong =
-        first != std::string_view::npos && name.find('.', first + 1) != std::string_view::npos;
-    return isLong ? name.substr(first + 1) : name;
+    return hasManyLabels(name) ? name.substr(name.find('.') + 1) : name;
 }
 
 } // namespace
+
+bool hasManyLabels(std::string_view name) {
+    auto const first = name.find('.');
+    return first != std::string_view::npos && name.find('.', first + 1) != std::string_view::npos;
+}
 
 int s_domainMatch(std::string const& a, std::string const& b) {
     if (a.size() < shortestName || b.size() < shortestName) {

@@ -6,8 +6,12 @@
 #include "include2/Export.h"
 
 #include <string>
+#include <string_view>
 
 namespace Quorvane {
+
+// Whether a name has more than two labels, as the name of a machine has.
+bool hasManyLabels(std::string_view name);
 
 // 1 when the shorter name (of equally long ones `b`), without its first label if it has more than
 // two, occurs anywhere in the longer one; else 0. Names shorter than 3 bytes are related to

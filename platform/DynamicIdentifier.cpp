@@ -8,7 +8,6 @@
 #include "platform/Snapshot.h"
 #include "platform/Strings.h"
 
-#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -36,6 +35,15 @@ constexpr int badConfiguration = 3;
 
 bool s_isUpper(char c) {
     return c >= 'A' && c <= 'Z';
+}
+
+// Looks at all bytes whatever they are: most names have none, and the loop becomes vector instructions.
+bool s_hasUpper(std::string_view text) {
+    unsigned int count = 0;
+    for (char const c : text) {
+        count += s_isUpper(c) ? 1U : 0U;
+    }
+    return count > 0;
 }
 
 // The dot that marks a fully qualified name in DNS says nothing about the machine.
@@ -86,7 +94,7 @@ boost::shared_ptr<DynamicIdentifier> DynamicIdentifier::builtIn() {
 }
 
 bool DynamicIdentifier::match(std::string const& name) const {
-    if (std::none_of(name.begin(), name.end(), s_isUpper)) {
+    if (!s_hasUpper(name)) {
         return m_patterns->match(s_withoutTrailingDot(name));
     }
     std::string lower(name);

@@ -100,11 +100,16 @@ void ReceivedScanner::parse() {
     stringToLowerNoCopy(m_text);
     m_fields.m_by.clear();
     splitOffReceivingHost();
-    stringLeftTrim(m_text);
-    stringRightTrim(m_text);
+    trimText();
     if (m_text.empty() || runStates()) {
         finish();
     }
+}
+
+void ReceivedScanner::trimText() {
+    auto const trimmed = s_trimmed(m_text);
+    m_text.resize(static_cast<Position>(trimmed.data() - m_text.data()) + trimmed.size());
+    m_text.erase(0, m_text.size() - trimmed.size());
 }
 
 // --- the receiving host -------------------------------------------------------------------------

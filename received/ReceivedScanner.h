@@ -65,6 +65,7 @@ class ReceivedScanner {
         abandoned,
     };
 
+    void trimText();
     void splitOffReceivingHost();
     Position findByMarker() const;
     void takeReceivingHost(Position start, Position cut);
