@@ -47,7 +47,7 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
         EmailAddress headerFrom;
         EmailAddress envelopeFrom;
         EmailAddress recipient;
-        std::list<MsgReceived> receivedList; // the hops to judge, newest first
+        std::list<MsgReceived, RecycledAllocator<MsgReceived>> receivedList; // to judge, newest first
         // [0] the first public hop, [1] the deepest of the first run of public hops, [2] the hop
         // analysed into [1] just before.
         std::array<SingleReceiver, 3> receivers;

@@ -13,7 +13,6 @@
 #include "platform/TrustedMTASet.h"
 
 #include <algorithm>
-#include <list>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -246,7 +245,7 @@ class TrailWalk {
     TrustedMTASetRef m_trustedRef;
     TrustedMTASet const& m_trusted;
     std::optional<RelayScoreIndex> m_relayScores; // once a hop of the trail needs it
-    std::list<MsgReceived> m_hop;                 // the current one, until it has a role
+    decltype(MsgProperties::receivedList) m_hop;  // the current one, until it has a role
     std::uint32_t m_score = 0;                    // of the current hop
     bool m_isInside = true;                       // all hops so far came from relays of the site
     bool m_isEnded = false;

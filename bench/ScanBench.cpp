@@ -17,7 +17,8 @@
 namespace Quorvane::Bench {
 namespace {
 
-constexpr int messageCount = 2000;
+// As many as the cache of a core holds: a host has just read the message that it judges.
+constexpr int messageCount = 250;
 
 // ASCII only, so that the compiler makes vector instructions of the loop: an honest floor.
 char s_lower(char c) {
@@ -93,6 +94,7 @@ class ScanBench {
     void addScans() const {
         addMessages("one message/floor of its Received headers", [this] { floor(); });
         addMessages("one message/headers in memory, addresses given", [this] { judgeAll(); });
+        addMessages("one message/the same by a DeepHeaderEngine", [this] { judgeByEngine(0); });
         addMessages("one message/splitting the header section", [this] { split(); });
         addMessages("one message/reading its addresses", [this] { readAddresses(); });
         addMessages("one message/raw header section, addresses parsed",
@@ -109,6 +111,7 @@ class ScanBench {
             {"floor", &ScanBench::alone<&ScanBench::floor>},
             {"MsgReceived", &ScanBench::alone<&ScanBench::readReceived>},
             {"headers in memory", &ScanBench::judgeOwn},
+            {"the same by a DeepHeaderEngine", &ScanBench::judgeByEngine},
             {"splitting", &ScanBench::alone<&ScanBench::split>},
             {"addresses", &ScanBench::alone<&ScanBench::readAddresses>},
             {"raw header section", &ScanBench::alone<&ScanBench::judgeOwnBlocks>},
@@ -213,6 +216,16 @@ class ScanBench {
     void judgeOwn(int thread) const {
         judge(m_containers.at(static_cast<std::size_t>(thread)), m_address,
               RefMessageProperties(true));
+    }
+
+    // As programs do that keep the engine: nothing is shared.
+    void judgeByEngine(int thread) const {
+        auto const engine = DeepHeaderEngine::inForce();
+        RefMessageProperties const properties(true);
+        for (auto const& headers : m_containers.at(static_cast<std::size_t>(thread))) {
+            auto query = s_query(headers, m_address, properties);
+            keep(engine.scan(query, RecordDepth::result).verdict.node);
+        }
     }
 
     template<void (ScanBench::*work)() const>

@@ -29,4 +29,25 @@ class QV_API Recycled {
     ~Recycled() = default;
 };
 
+// For containers whose elements come and go one by one, such as lists.
+template<typename T>
+struct RecycledAllocator {
+    using value_type = T;
+
+    RecycledAllocator() = default;
+    template<typename Other>
+    explicit RecycledAllocator(RecycledAllocator<Other> const& /*other*/) {}
+
+    T* allocate(std::size_t count) {
+        return static_cast<T*>(Recycled::operator new(count * sizeof(T)));
+    }
+    void deallocate(T* objects, std::size_t count) noexcept {
+        Recycled::operator delete(objects, count * sizeof(T));
+    }
+
+    friend bool operator==(RecycledAllocator const& /*a*/, RecycledAllocator const& /*b*/) {
+        return true;
+    }
+};
+
 } // namespace Quorvane

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
-#include <charconv>
 #include <cstddef>
 #include <netinet/in.h>
 #include <optional>
@@ -97,19 +96,26 @@ std::optional<Bytes> s_parse(std::string const& text) {
     return isTaken ? std::optional(bytes) : std::nullopt;
 }
 
+char* s_writeNumber(char* at, std::uint8_t number) {
+    if (number >= 100) {
+        *at++ = static_cast<char>('0' + number / 100);
+    }
+    if (number >= 10) {
+        *at++ = static_cast<char>('0' + number / 10 % 10);
+    }
+    *at++ = static_cast<char>('0' + number % 10);
+    return at;
+}
+
 // inet_ntop goes through printf, which takes ten times as long.
 std::string s_dottedQuad(Bytes const& bytes) {
-    std::string text;
-    for (auto at = s_mappedBytes; at < bytes.size(); ++at) {
-        std::array<char, 3> digits{};
-        auto const end =
-            std::to_chars(digits.data(), digits.data() + digits.size(), bytes.at(at)).ptr;
-        if (at > s_mappedBytes) {
-            text += '.';
-        }
-        text.append(digits.data(), end);
+    std::array<char, INET_ADDRSTRLEN> text{};
+    auto* end = s_writeNumber(text.data(), bytes[s_mappedBytes]);
+    for (auto at = s_mappedBytes + 1; at < bytes.size(); ++at) {
+        *end++ = '.';
+        end = s_writeNumber(end, bytes.at(at));
     }
-    return text;
+    return {text.data(), end};
 }
 
 std::string s_fullGroups(Bytes const& bytes) {

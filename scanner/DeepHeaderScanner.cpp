@@ -7,6 +7,8 @@
 #include "platform/NoCancellation.h"
 #include "scanner/RuleVersion.h"
 
+#include <memory>
+
 namespace Quorvane {
 
 namespace {
@@ -29,9 +31,9 @@ void s_log(int messageId, Exception const* reason) {
 }
 
 // Null when the rules cannot be loaded; the reason is logged.
-DeepHeaderAdapter* s_buildEngine() {
+std::unique_ptr<DeepHeaderAdapter> s_buildEngine() {
     try {
-        return new DeepHeaderAdapter;
+        return std::make_unique<DeepHeaderAdapter>();
     } catch (Exception const& exception) {
         s_log(engineFailed, &exception);
     } catch (...) {
@@ -62,12 +64,15 @@ void DeepHeaderScanner::init() {
         if (version != noRuleVersion && version <= m_version.load(std::memory_order_relaxed)) {
             return;
         }
-        auto* const engine = s_buildEngine();
+        auto engine = s_buildEngine();
         if (engine == nullptr) {
             return;
         }
+        // What takes long to destroy ends after the lock, or with the last scan that holds it.
+        RefDeepHeaderAdapter superseded;
         Synchronized const lock(m_Mutex);
-        RefDeepHeaderAdapter::instance(engine);
+        superseded = RefDeepHeaderAdapter::instance(nullptr);
+        RefDeepHeaderAdapter::instance(engine.release());
         m_version.store(version, std::memory_order_relaxed);
     } catch (Exception const& exception) {
         s_log(initFailed, &exception);
