@@ -28,9 +28,7 @@ int s_domainMatch(std::string const& a, std::string const& b) {
     bool const isFirstShorter = a.size() < b.size();
     std::string_view const shorter = isFirstShorter ? a : b;
     std::string_view const longer = isFirstShorter ? b : a;
-    auto const key = s_key(shorter);
-    // Related names mostly end alike, which is seen without a search.
-    return longer.ends_with(key) || longer.find(key) != std::string_view::npos ? 1 : 0;
+    return longer.find(s_key(shorter)) != std::string_view::npos ? 1 : 0;
 }
 
 bool isThreeWayMismatch(std::string const& a, std::string const& b, std::string const& c) {
