@@ -10,7 +10,21 @@
 
 namespace Quorvane {
 
+namespace {
+
+// Visible ASCII without the start of an encoded word: what nearly all fields are. The mail library
+// would give it back as it is.
+bool s_isPlain(std::string_view value) {
+    return value.find("=?") == std::string_view::npos &&
+           std::all_of(value.begin(), value.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+} // namespace
+
 std::string headerText(std::string_view value) {
+    if (s_isPlain(value)) {
+        return std::string(value);
+    }
     startMailLibrary();
     ForkBarrier const barrier;
     std::string text(value);

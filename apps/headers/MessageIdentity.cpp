@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/headers/MessageIdentity.h"
 
-#include "apps/headers/ReceivedDate.h"
 #include "apps/text/Utf8.h"
 #include "platform/HeaderText.h"
+#include "platform/Strings.h"
 
 #include <algorithm>
 
@@ -13,16 +13,16 @@ namespace {
 
 // The place of a field; null: it does not tell.
 std::optional<std::string>* s_place(MessageIdentity& identity, std::string const& name) {
-    if (name == "date") {
+    if (isSameNoCase(name, "date")) {
         return &identity.m_date;
     }
-    if (name == "message-id") {
+    if (isSameNoCase(name, "message-id")) {
         return &identity.m_messageId;
     }
-    if (name == "from") {
+    if (isSameNoCase(name, "from")) {
         return &identity.m_from;
     }
-    return name == "subject" ? &identity.m_subject : nullptr;
+    return isSameNoCase(name, "subject") ? &identity.m_subject : nullptr;
 }
 
 std::string s_text(std::string value) {
@@ -37,11 +37,10 @@ std::string s_text(std::string value) {
 MessageIdentity identityOf(HeaderContainer const& headers) {
     MessageIdentity identity;
     for (auto const& header : headers.headers()) {
-        if (auto* const place = s_place(identity, header.typeLowerCase())) {
+        if (auto* const place = s_place(identity, header.type())) {
             *place = s_text(header.value());
         }
     }
-    identity.m_received = receivedDate(headers);
     return identity;
 }
 

@@ -6,7 +6,6 @@
 
 #include "platform/HeaderContainer.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -18,7 +17,6 @@ struct MessageIdentity {
     std::optional<std::string> m_messageId;
     std::optional<std::string> m_from;
     std::optional<std::string> m_subject;
-    std::optional<std::int64_t> m_received; // seconds since 1970 (ReceivedDate.h)
 };
 
 // Of several fields of one name the last counts, as it does for the verdict.

@@ -7,6 +7,8 @@
 #include "rules/model/RuleNames.h"
 #include "ScanRecord.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace Quorvane {
@@ -14,6 +16,7 @@ namespace Quorvane {
 struct ListedResult {
     std::string const& m_source;
     MessageIdentity const& m_message;
+    std::optional<std::int64_t> m_received; // seconds since 1970 (ReceivedDate.h)
     ScanRecord const& m_record;
     Rules::RuleNames const& m_names;
 };

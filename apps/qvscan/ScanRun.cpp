@@ -2,6 +2,7 @@
 #include "apps/qvscan/ScanRun.h"
 
 #include "apps/commandline/ProgramError.h"
+#include "apps/headers/ReceivedDate.h"
 #include "apps/host/LookupEnd.h"
 #include "apps/qvscan/VerdictCsv.h"
 #include "apps/story/JsonRecord.h"
@@ -76,12 +77,12 @@ std::string ScanRun::render(std::string const& source, HeaderContainer const& he
                                                   : std::nullopt) +
                "\n";
     case OutputFormat::verdictCsv:
-        return verdictCsvLine({source, identityOf(headers), record, names});
+        return verdictCsvLine({source, identityOf(headers), receivedDate(headers), record, names});
     case OutputFormat::text:
         break;
     }
     if (!m_options.m_explain) {
-        return m_columns.line({source, identityOf(headers), record, names});
+        return m_columns.line({source, identityOf(headers), receivedDate(headers), record, names});
     }
     auto const length = m_options.m_explainsAll ? ExplainLength::full : ExplainLength::brief;
     return forTerminal(

@@ -63,9 +63,9 @@ std::vector<std::size_t> s_widths(std::vector<Column> const& columns,
     return widths;
 }
 
-std::string s_date(MessageIdentity const& message) {
+std::string s_date(std::optional<std::int64_t> received) {
     constexpr std::size_t toTheMinute = 16;
-    return message.m_received ? dateText(*message.m_received).substr(0, toTheMinute) : "";
+    return received ? dateText(*received).substr(0, toTheMinute) : "";
 }
 
 std::string s_relay(ScanRecord const& record) {
@@ -74,7 +74,7 @@ std::string s_relay(ScanRecord const& record) {
 }
 
 std::string s_bytes(Column column, ListedResult const& result) {
-    auto const& [source, message, record, names] = result;
+    auto const& [source, message, received, record, names] = result;
     switch (column) {
     case Column::verdict:
         return verdictText(record.verdict);
@@ -85,7 +85,7 @@ std::string s_bytes(Column column, ListedResult const& result) {
     case Column::sender:
         return record.headerFrom.domain();
     case Column::date:
-        return s_date(message);
+        return s_date(received);
     case Column::source:
         return source;
     case Column::addresses:
@@ -125,7 +125,7 @@ std::string TextColumns::joined(std::vector<std::string> const& cells) const {
 }
 
 std::string TextColumns::line(ListedResult const& result) const {
-    auto const& [source, message, record, names] = result;
+    auto const& [source, message, received, record, names] = result;
     std::vector<std::string> cells;
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
         auto cell = textCell(s_bytes(m_columns[i], result));

@@ -44,7 +44,7 @@ std::string verdictCsvHeader() {
 }
 
 std::string verdictCsvLine(ListedResult const& result) {
-    auto const& [source, message, record, names] = result;
+    auto const& [source, message, received, record, names] = result;
     auto const& verdict = record.verdict;
     bool const isDecided = verdict.node != 0;
     return s_line({s_text(source), verdictName(verdict),
@@ -52,7 +52,7 @@ std::string verdictCsvLine(ListedResult const& result) {
                    s_number(isDecided, std::to_string(verdict.node)),
                    s_text(nameText(deciderName(names, verdict))), s_text(relayAddress(record)),
                    s_text(relayName(record)), s_text(record.headerFrom.domain()),
-                   message.m_received ? dateText(*message.m_received) : "",
+                   received ? dateText(*received) : "",
                    s_text(message.m_date.value_or("")), s_text(message.m_messageId.value_or("")),
                    s_text(message.m_from.value_or("")), s_text(message.m_subject.value_or("")),
                    s_text(record.failure.value_or(""))});

@@ -4,8 +4,8 @@
 #include "scanner/records/DeepHeaderAnswerImpl.h"
 #include "scanner/records/SharingCopy.h"
 
-#include <locale>
-#include <sstream>
+#include <array>
+#include <charconv>
 
 namespace Quorvane {
 
@@ -14,6 +14,16 @@ template class RefCounted<DeepHeaderAnswerImpl>;
 namespace {
 
 constexpr char noUntrustedIP[] = " No untrusted public ip! ";
+
+// As an output stream in the "C" locale writes it, whatever the locale of the host.
+void s_append(std::string& text, double number) {
+    constexpr int precision = 6;
+    std::array<char, 32> digits{};
+    auto const end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                                   std::chars_format::general, precision)
+                         .ptr;
+    text.append(digits.data(), end);
+}
 
 } // namespace
 
@@ -25,16 +35,18 @@ std::string DeepHeaderAnswerImpl::getReasons() const {
     if (m_node == 0) {
         return m_ips.empty() ? noUntrustedIP : m_ips;
     }
-    std::ostringstream text;
-    text.imbue(std::locale::classic()); // a host's locale must not group the digits
-    text << "Node:{" << m_node << "} ";
-    text << "Confidence degree{ " << m_confidenceDegree << " } ";
-    text << "Support degree{ " << m_supportDegree << " } ";
-    text << "IP{ " << m_ips << " } ";
+    std::string text = "Node:{" + std::to_string(m_node) + "} ";
+    text += "Confidence degree{ ";
+    s_append(text, m_confidenceDegree);
+    text += " } Support degree{ ";
+    s_append(text, m_supportDegree);
+    text += " } IP{ " + m_ips + " } ";
     if (m_adjust != 0.0) {
-        text << "Adjust{ " << m_adjust << ", " << m_adjustReason << "} ";
+        text += "Adjust{ ";
+        s_append(text, m_adjust);
+        text += ", " + m_adjustReason + "} ";
     }
-    return text.str();
+    return text;
 }
 
 DeepHeaderAnswer::DeepHeaderAnswer() : m_wrapper(new RefCounted<DeepHeaderAnswerImpl>) {}

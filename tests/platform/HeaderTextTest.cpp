@@ -2,6 +2,7 @@
 #include "platform/HeaderText.h"
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 namespace Quorvane::Testing {
 
@@ -37,6 +38,16 @@ TEST(HeaderText, HasEncodedWordsAsText) {
     for (auto const& row : cases) {
         EXPECT_EQ(headerText(row.m_bytes), row.m_text) << row.m_bytes;
     }
+}
+
+// The encoded word sees to it that the mail library reads the whole.
+RC_GTEST_PROP(HeaderText, PlainTextIsWhatTheMailLibraryMakesOfIt, ()) {
+    auto text = *rc::gen::container<std::string>(
+        rc::gen::oneOf(rc::gen::inRange(' ', '\x7f'), rc::gen::element('=', ' ', '?', '_')));
+    while (text.find("=?") != std::string::npos) {
+        text.erase(text.find("=?"), 2);
+    }
+    RC_ASSERT(headerText(text) + ". w" == headerText(text + ". =?us-ascii?q?w?="));
 }
 
 } // namespace
