@@ -34,7 +34,8 @@ class Guard {
     Guard() : m_trails(makeTrails(messageCount)) {
         m_rules.writeElite(
             Testing::eliteHeader(1, 1, 1),
-            {Testing::deciding(9001, 0.99, 5.0, {{0, 1, 0}, {1, 1, 0}})});
+            // Holds for no message, so that the tree is walked.
+            {Testing::deciding(9001, 0.99, 5.0, {EliteCondition{0, Comparison::equals, 77}})});
         m_rules.writeTree(Testing::treeOf({Testing::leaf(10, 1, 0.9), Testing::leaf(7, 1, 0.1),
                                            Testing::leaf(33, 0, 0.5)}));
         ResolverSettings off;
