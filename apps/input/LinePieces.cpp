@@ -49,6 +49,23 @@ bool LinePieces::next(LinePiece& piece) {
     return true;
 }
 
+bool LinePieces::skipTo(std::string_view start) {
+    bool followsEmptyLine = true;
+    while (!peek(lineStartSize).empty()) {
+        auto const text = buffered();
+        if (m_isAtLineStart) {
+            if (followsEmptyLine && text.starts_with(start)) {
+                return true;
+            }
+            followsEmptyLine = text.starts_with('\n') || text.starts_with("\r\n");
+        }
+        auto const lineBreak = text.find('\n');
+        m_isAtLineStart = lineBreak != std::string_view::npos;
+        m_begin += m_isAtLineStart ? lineBreak + 1 : text.size();
+    }
+    return false;
+}
+
 void LinePieces::drain() {
     do {
         m_begin = m_end = 0;

@@ -33,6 +33,9 @@ class LinePieces {
     bool next(LinePiece& piece);
     // The first bytes of what is left, `size` of them unless the end comes before.
     std::string_view peek(std::size_t size);
+    // Skips lines up to one that begins with `start`, which is next then, at the start or after an
+    // empty line. False when there is none; all is read then. Faster than to look at each line.
+    bool skipTo(std::string_view start);
     // Reads and discards what is left.
     void drain();
 

@@ -72,10 +72,7 @@ bool MessageReader::single(HeaderSection& section) {
 // The previous body is skipped only now: its message must not wait for it, nor be lost when it
 // cannot be read.
 bool MessageReader::nextOfMbox(HeaderSection& section) {
-    if (!m_isPastSeparator) {
-        readBody(nullptr);
-    }
-    if (!m_isPastSeparator) {
+    if (!m_isPastSeparator && !skipBody()) {
         return false;
     }
     m_isPastSeparator = false;
@@ -131,17 +128,28 @@ void MessageReader::copyBody(HeaderSection& section) {
         return;
     }
     try {
-        readBody(section.m_copy.get());
+        readBody(*section.m_copy);
     } catch (InputError const&) {
         section.m_copy.reset();
         m_thrown = std::current_exception();
     }
 }
 
+// As readBody of an mbox, for what nobody wants a copy of. False at the end.
+bool MessageReader::skipBody() {
+    if (!m_pieces.skipTo(separator)) {
+        return false;
+    }
+    LinePiece line;
+    m_pieces.next(line);
+    skipLine(line);
+    return true;
+}
+
 // Reads up to and including the next separator line of an mbox, or to the end. What comes before
 // counts as following an empty line: the end of a header section, or the start of the input. The
 // empty line that an mbox has after each message is no part of the message.
-void MessageReader::readBody(MessageCopy* copy) {
+void MessageReader::readBody(MessageCopy& copy) {
     std::string emptyLine;
     bool followsEmptyLine = true;
     LinePiece piece;
@@ -152,11 +160,9 @@ void MessageReader::readBody(MessageCopy* copy) {
             return;
         }
         followsEmptyLine = piece.isEmptyLine();
-        if (copy != nullptr) {
-            copy->append(emptyLine);
-            emptyLine = m_isMbox && followsEmptyLine ? piece.m_text : std::string_view();
-            copy->append(emptyLine.empty() ? piece.m_text : std::string_view());
-        }
+        copy.append(emptyLine);
+        emptyLine = m_isMbox && followsEmptyLine ? piece.m_text : std::string_view();
+        copy.append(emptyLine.empty() ? piece.m_text : std::string_view());
     }
 }
 

@@ -56,7 +56,8 @@ class MessageReader {
   private:
     void readHeaders(HeaderSection& section);
     void append(HeaderSection& section, std::string_view text) const;
-    void readBody(MessageCopy* copy);
+    void readBody(MessageCopy& copy);
+    bool skipBody();
     void skipLine(LinePiece piece);
     bool nextOfMbox(HeaderSection& section);
     bool single(HeaderSection& section);
