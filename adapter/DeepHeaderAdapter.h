@@ -47,7 +47,8 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
         EmailAddress headerFrom;
         EmailAddress envelopeFrom;
         EmailAddress recipient;
-        std::list<MsgReceived, RecycledAllocator<MsgReceived>> receivedList; // to judge, newest first
+        // The hops to judge, newest first.
+        std::list<MsgReceived, RecycledAllocator<MsgReceived>> receivedList;
         // [0] the first public hop, [1] the deepest of the first run of public hops, [2] the hop
         // analysed into [1] just before.
         std::array<SingleReceiver, 3> receivers;
@@ -117,8 +118,8 @@ class QV_API DeepHeaderAdapter : public virtual RefImpl {
 
     EliteFileHeader m_eliteHeader;
     std::list<EliteNodes> m_eliteNodes;
-    // The last one: the reference count comes after it. All threads write to that one, and hardly any
-    // scan reads the last nodes of the table.
+    // The last one: the reference count comes after it. All threads write to that one, and hardly
+    // any scan reads the last nodes of the table.
     std::array<DTNode, treeTableSize> m_dtNodes;
 };
 

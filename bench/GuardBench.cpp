@@ -36,8 +36,8 @@ class Guard {
             Testing::eliteHeader(1, 1, 1),
             // Holds for no message, so that the tree is walked.
             {Testing::deciding(9001, 0.99, 5.0, {EliteCondition{0, Comparison::equals, 77}})});
-        m_rules.writeTree(Testing::treeOf({Testing::leaf(10, 1, 0.9), Testing::leaf(7, 1, 0.1),
-                                           Testing::leaf(33, 0, 0.5)}));
+        m_rules.writeTree(Testing::treeOf(
+            {Testing::leaf(10, 1, 0.9), Testing::leaf(7, 1, 0.1), Testing::leaf(33, 0, 0.5)}));
         ResolverSettings off;
         off.m_mode = ResolverSettings::Mode::off;
         Resolver::instance().configure(off);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a scan and its parts cost, compared with the least that any reader of Received headers has to
-// do: copy each, lower-case it, and search it for six words. Then the same with two threads, and
+// What a scan and its parts cost, compared with the least that any reader of Received headers has
+// to do: copy each, lower-case it, and search it for six words. Then the same with two threads, and
 // what records and long trails cost.
 #include "DeepHeaderEngine.h"
 #include "DeepHeaderScanner.h"
@@ -117,9 +117,10 @@ class ScanBench {
             {"raw header section", &ScanBench::alone<&ScanBench::judgeOwnBlocks>},
         };
         for (auto const& [name, part] : parts) {
-            addMessages(std::string("two threads, ") + name + "/threads",
-                        [this, part = part](int thread) { (this->*part)(thread); })
-                ->ThreadRange(1, 2);
+            addMessages(std::string("two threads, ") + name + "/threads", [this, part = part](
+                                                                              int thread) {
+                (this->*part)(thread);
+            })->ThreadRange(1, 2);
         }
     }
 
@@ -244,7 +245,7 @@ class ScanBench {
     Testing::RuleFolder m_rules;
     Trails m_trails;
     std::array<std::vector<HeaderContainer>, 2> m_containers; // the same for each of two threads
-    std::vector<std::string> m_addressTexts; // of all messages
+    std::vector<std::string> m_addressTexts;
     EmailAddress m_address;
     RefMessageProperties m_properties{true};
 };

@@ -17,8 +17,8 @@ constexpr bool isRecycling = true;
 // Sizes are rounded up to whole steps; blocks of one size are kept together.
 constexpr std::size_t step = 16;
 constexpr std::size_t largest = 512;
-// Of each size. A message of real mail needs fewer at once; one with thousands of fields must not make
-// a thread keep their memory.
+// Of each size. A message of real mail needs fewer at once; one with thousands of fields must not
+// make a thread keep their memory.
 constexpr unsigned int mostKept = 64;
 
 // A free block; its own memory links it to the next one.

@@ -2,8 +2,8 @@
 //
 // Recycled: base of small objects that are made and destroyed many times a message, such as the
 // wrappers of handles. Their memory goes back to the thread that destroys them, which uses it again
-// for the next object of about the same size: a scan makes a hundred of them, and the heap would be a
-// fifth of its time. Each thread keeps a bounded number of blocks, until it ends.
+// for the next object of about the same size: a scan makes a hundred of them, and the heap would be
+// a fifth of its time. Each thread keeps a bounded number of blocks, until it ends.
 //
 // A derived class may be destroyed on any thread. Under AddressSanitizer all memory comes from the
 // heap, so that the use of an object after its end is found.

@@ -37,7 +37,8 @@ bool s_isUpper(char c) {
     return c >= 'A' && c <= 'Z';
 }
 
-// Looks at all bytes whatever they are: most names have none, and the loop becomes vector instructions.
+// Looks at all bytes whatever they are: most names have none, and the loop becomes vector
+// instructions.
 bool s_hasUpper(std::string_view text) {
     unsigned int count = 0;
     for (char const c : text) {

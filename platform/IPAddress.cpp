@@ -89,10 +89,9 @@ std::optional<Bytes> s_parse(std::string const& text) {
         return std::nullopt;
     }
     Bytes bytes = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
-    bool const isTaken =
-        isV6 ? inet_pton(AF_INET6, text.c_str() + start, bytes.data()) == 1
-             : s_mayBeV4(text) &&
-                   inet_pton(AF_INET, text.c_str(), bytes.data() + s_mappedBytes) == 1;
+    bool const isTaken = isV6 ? inet_pton(AF_INET6, text.c_str() + start, bytes.data()) == 1
+                              : s_mayBeV4(text) && inet_pton(AF_INET, text.c_str(),
+                                                             bytes.data() + s_mappedBytes) == 1;
     return isTaken ? std::optional(bytes) : std::nullopt;
 }
 

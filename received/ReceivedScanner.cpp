@@ -40,7 +40,8 @@ template<Position rare, std::size_t size>
 Position s_find(std::string_view text, char const (&word)[size], Position from = 0) {
     constexpr auto length = size - 1;
     static_assert(rare < length);
-    for (auto at = text.find(word[rare], from + rare); at != npos; at = text.find(word[rare], at + 1)) {
+    for (auto at = text.find(word[rare], from + rare); at != npos;
+         at = text.find(word[rare], at + 1)) {
         auto const start = at - rare;
         if (start + length <= text.size() && std::memcmp(&text[start], word, length) == 0) {
             return start;
@@ -51,7 +52,8 @@ Position s_find(std::string_view text, char const (&word)[size], Position from =
 
 // A byte that ends the name of the receiving host.
 bool s_endsHost(char c) {
-    constexpr std::uint64_t low = 1ULL << ' ' | 1ULL << '\t' | 1ULL << '\r' | 1ULL << '\n' | 1ULL << '(';
+    constexpr std::uint64_t low =
+        1ULL << ' ' | 1ULL << '\t' | 1ULL << '\r' | 1ULL << '\n' | 1ULL << '(';
     auto const byte = static_cast<unsigned char>(c);
     return byte < 64 ? (low >> byte & 1U) != 0 : c == '[';
 }
@@ -139,8 +141,7 @@ void ReceivedScanner::takeFoldedReceivingHost() {
     if (marker == npos || !s_isLineBreak(m_text, marker + 3)) {
         return;
     }
-    auto const start =
-        s_findByte(m_text, marker + 3, [](char c) { return !s_isBlankOrBreak(c); });
+    auto const start = s_findByte(m_text, marker + 3, [](char c) { return !s_isBlankOrBreak(c); });
     if (start != npos) {
         takeReceivingHost(start, marker + 3);
     }
@@ -257,8 +258,7 @@ bool ReceivedScanner::scanHeloAnnotation() {
 }
 
 ReceivedScanner::State ReceivedScanner::scanAddress() {
-    auto const end =
-        s_findByte(m_text, m_position, [](char c) { return c == ']' || c == ')'; });
+    auto const end = s_findByte(m_text, m_position, [](char c) { return c == ']' || c == ')'; });
     if (end != npos) {
         takeAddress(m_position, end);
     }
@@ -269,9 +269,8 @@ ReceivedScanner::State ReceivedScanner::scanReverseName() {
     if (m_text[m_position] == '[') {
         return State::bracketedAddress;
     }
-    auto const end = s_findByte(m_text, m_position, [](char c) {
-        return c == '\t' || c == ' ' || c == '(' || c == '[';
-    });
+    auto const end = s_findByte(
+        m_text, m_position, [](char c) { return c == '\t' || c == ' ' || c == '(' || c == '['; });
     if (end == npos) {
         m_fields.m_reverseName = m_text.substr(m_position);
         return State::heloName;

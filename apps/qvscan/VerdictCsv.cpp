@@ -52,10 +52,9 @@ std::string verdictCsvLine(ListedResult const& result) {
                    s_number(isDecided, std::to_string(verdict.node)),
                    s_text(nameText(deciderName(names, verdict))), s_text(relayAddress(record)),
                    s_text(relayName(record)), s_text(record.headerFrom.domain()),
-                   received ? dateText(*received) : "",
-                   s_text(message.m_date.value_or("")), s_text(message.m_messageId.value_or("")),
-                   s_text(message.m_from.value_or("")), s_text(message.m_subject.value_or("")),
-                   s_text(record.failure.value_or(""))});
+                   received ? dateText(*received) : "", s_text(message.m_date.value_or("")),
+                   s_text(message.m_messageId.value_or("")), s_text(message.m_from.value_or("")),
+                   s_text(message.m_subject.value_or("")), s_text(record.failure.value_or(""))});
 }
 
 } // namespace Quorvane

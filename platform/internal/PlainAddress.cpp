@@ -12,11 +12,11 @@ namespace Quorvane::internal {
 
 namespace {
 
-// What a byte may be part of, as bits.
+// What a byte may be part of, as bits. "Within" means not the first or last byte of a word.
 using ByteClass = std::uint8_t;
 constexpr ByteClass alphanumeric = 1;
-constexpr ByteClass withinLocalWord = 2;  // of a word of a local part, but not its first or last byte
-constexpr ByteClass withinDomainWord = 4; // the same of a domain
+constexpr ByteClass withinLocalWord = 2;
+constexpr ByteClass withinDomainWord = 4;
 constexpr ByteClass ofName = 8;
 constexpr ByteClass ofQuotedName = 16;
 

@@ -30,9 +30,9 @@ TEST(ReceivedDate, IsWhatStandsAfterTheLastSemicolon) {
 }
 
 TEST(ReceivedDate, IsThatOfTheNewestHop) {
-    EXPECT_EQ(receivedDate(HeaderReader::read(
-                  "Received: from a by b; Tue, 14 May 2024 09:12:53 +0000\n"
-                  "Received: from c by a; Tue, 14 May 2024 09:12:50 +0000\n\n")),
+    EXPECT_EQ(receivedDate(
+                  HeaderReader::read("Received: from a by b; Tue, 14 May 2024 09:12:53 +0000\n"
+                                     "Received: from c by a; Tue, 14 May 2024 09:12:50 +0000\n\n")),
               hopDate("; Tue, 14 May 2024 09:12:53 +0000"));
     EXPECT_EQ(receivedDate(HeaderContainer()), std::nullopt);
 }

@@ -86,7 +86,7 @@ TEST_F(RecycledTest, ObjectsMayEndOnAnotherThreadThanTheyBeganOn) {
     for (int round = 0; round < 100; ++round) {
         std::vector<std::unique_ptr<Small>> objects;
         std::thread([&] { objects = s_make(100); }).join();
-        std::thread([&] { objects = {}; }).join();
+        std::thread([&] { objects.clear(); }).join();
     }
     EXPECT_EQ(memoryInUse(), before);
 }

@@ -402,12 +402,11 @@ RC_GTEST_PROP(EmailAddress, NoSecondAtFollowsWhatIsRead, ()) {
 
 // With a comment, which is none of the forms that are read without the mail library.
 RC_GTEST_PROP(EmailAddress, APlainAddressIsReadAsTheMailLibraryReadsIt, ()) {
-    auto const piece =
-        rc::gen::element<std::string>("a", "B", "7", ".", "-", "_", "+", "=", "'", " ", "xn--",
-                                      "--", "John Doe", "J. Doe", "\"a, b@c; (\"", "\"", "<", ">",
-                                      "@", "@", "a@b.example", "<a.b@c-d.example>", ",", "\r\n ",
-                                      "a@b.example,\n <c@d.example>, E <f@g.example>", "<>",
-                                      "undisclosed-recipients:;", ":;", ";");
+    auto const piece = rc::gen::element<std::string>(
+        "a", "B", "7", ".", "-", "_", "+", "=", "'", " ", "xn--", "--", "John Doe", "J. Doe",
+        "\"a, b@c; (\"", "\"", "<", ">", "@", "@", "a@b.example", "<a.b@c-d.example>", ",", "\r\n ",
+        "a@b.example,\n <c@d.example>, E <f@g.example>", "<>", "undisclosed-recipients:;", ":;",
+        ";");
     std::string text;
     for (auto const& each : *rc::gen::container<std::vector<std::string>>(piece)) {
         text += each;
