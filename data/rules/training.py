@@ -13,7 +13,7 @@ import tempfile
 import branches
 
 HERE = pathlib.Path(__file__).resolve().parent
-HAND_WRITTEN = HERE / "top.qvr.in"
+TOP = HERE / "top.qvr"
 LABELS = ("ham", "spam")
 SCANNING = ["--config", str(HERE / "training.toml")]
 WITH_COPIES = [*SCANNING, "--augment", "no-reverse-name"]
@@ -98,18 +98,18 @@ def shape_of_branches(qvrules, table, folder):
     run(qvrules, "learn", "--vectors", str(ordinary), *left_out((*EXCLUDED, "first_reverse_dynamic")),
         "--prune", "none", "--min-node-support", str(branches.LEAST_SUPPORT * messages / kept),
         "-o", str(shape))
-    return branches.learned_tree(shape.read_text(encoding="utf-8"))
+    return list(branches.tree_nodes(shape.read_text(encoding="utf-8")))[0][0]
 
 
-def learn(qvrules, mail, output):
-    """Writes the hand-written rules, with figures and learned branches from `mail` and its copies."""
+def learn(qvrules, mail, output, *options):
+    """Writes the hand-written rules with branches learned from `mail` and its copies."""
     with work_folder() as name:
         folder = pathlib.Path(name)
         table = folder / "table.csv"
-        run(qvrules, "learn", *WITH_COPIES, *mail_options(mail), "--table", str(table))
-        text = branches.rules_text(HAND_WRITTEN.read_text(encoding="utf-8"),
-                                   shape_of_branches(qvrules, table, folder),
-                                   branches.Mail.read(table))
+        run(qvrules, "learn", *WITH_COPIES, *options, *mail_options(mail), "--table", str(table))
+        text = branches.with_branches(TOP.read_text(encoding="utf-8"),
+                                      shape_of_branches(qvrules, table, folder),
+                                      branches.Mail.read(table))
     pathlib.Path(output).write_text(text, encoding="utf-8")
 
 
