@@ -29,6 +29,9 @@ class Test:
         self.is_equal = operator == "=="
         self.value = CODES[word] if word in CODES else int(word)
 
+    def negated(self):
+        return Test(self.text.replace("==", "!=") if self.is_equal else self.text.replace("!=", "=="))
+
     def __call__(self, vector):
         return (vector[self.attribute] == self.value) == self.is_equal
 
@@ -180,8 +183,10 @@ class Branches:
             shape = shape.children[most]
             tests = [child.test for child in shape.children]
             parts = node.mail.split(tests)
-        for below, part in zip(shape.children, parts):
-            child = Node(below.test)
+        if len(tests) == 2:
+            tests[1] = tests[0].negated()  # a value that no message had goes there, too
+        for test, below, part in zip(tests, shape.children, parts):
+            child = Node(test)
             child.mail, child.estimate = part, estimate(part, node.estimate)
             node.children.append(child)
             self.grow(child, below)
