@@ -101,11 +101,12 @@ class Node:
 
 # --- Reading --------------------------------------------------------------------------------------
 
-NODE = re.compile(r"(\s*)(?:tree|([^\s#]+ (?:==|!=) [^\s:]+):) (confidence [^{]*?)( \{)?")
+NODE = re.compile(r"(\s*)(?:tree|([^\s#]+ (?:==|!=) [^\s:]+):)((?: [a-z]+(?: [\d.e+-]+)+)*)( \{)?")
 
 
 def tree_nodes(text):
-    """The nodes of a rule text in their order, each with the tests that lead to it."""
+    """The nodes of a rule text in their order, each with the tests that lead to it. A brace follows the
+    figures of its node, not a name."""
     path = []
     for line in text[text.index("\ntree ") + 1:].splitlines():
         found = NODE.fullmatch(line)
@@ -225,7 +226,7 @@ def with_branches(top, shape, mail):
     lines = top.splitlines()
     last = max(at for at, line in enumerate(lines) if NODE.fullmatch(line))
     found = NODE.fullmatch(lines[last])
-    lines[last] = lines[last].replace(found[3], grown.figures(grown.root))
+    lines[last] = lines[last].replace(found[3], " " + grown.figures(grown.root))
     if grown.root.children:
         end = next(at for at in range(last, len(lines)) if lines[at].strip() == "}")
         lines[end - 1] += " {"
