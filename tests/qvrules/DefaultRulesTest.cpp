@@ -23,8 +23,8 @@ TEST(DefaultRulesTest, TheyHaveNothingToFind) {
     }
 }
 
-// What is written by hand has a file of its own; whoever changes it makes the whole anew. Branches are
-// learned below its last leaf.
+// What is written by hand has a file of its own; whoever changes it makes the whole anew. Branches
+// are learned below its last leaf.
 TEST(DefaultRulesTest, TheyBeginWithWhatIsWrittenByHand) {
     auto const top = Rules::readFile(QV_TOP_TEXT);
     auto const lastLeaf = top.rfind(": confidence");
