@@ -129,8 +129,7 @@ class EliteAdapter {
     ByCode m_decided; // by the rules as they are now
 };
 
-// Adjusting rules hold the nodes back. Without any, a node above the threshold calls messages spam,
-// and one below it must not begin to before the site's mail proves it.
+// Adjusting rules hold the nodes back. Without any, a node above the threshold calls messages spam.
 TreeAdaptation s_treeAdaptation(RuleSet const& rules, AdaptPlan const& plan,
                                 AdaptLimits const& limits) {
     constexpr double none = 2.0; // no probability reaches it
@@ -143,7 +142,7 @@ TreeAdaptation s_treeAdaptation(RuleSet const& rules, AdaptPlan const& plan,
             plan.m_unseenHam,
             plan.m_grows,
             limits.m_minSupport,
-            areHeldBack && plan.m_keepsAdjusting ? none : limits.m_spamThreshold,
+            plan.m_keepsAdjusting ? none : limits.m_spamThreshold,
             areHeldBack ? none : limits.m_spamThreshold};
 }
 

@@ -153,7 +153,7 @@ TEST(Adapter, WithoutAdjustingRulesANodeSaysSpamOnlyOfWhatTheSiteProves) {
     EXPECT_EQ(verdict(1, 100, true), Verdict::spam);
 }
 
-TEST(Adapter, WhatSaidSpamGoesOnAndOtherNodesMustBeProvedWhereNothingHoldsThemBack) {
+TEST(Adapter, WhatSaidSpamGoesOnWhereNothingHoldsItBack) {
     std::string const rules = "version 1\ntree confidence 0.5 {\n"
                               "    first_helo_dynamic == no: confidence 0.99 support 50\n"
                               "    first_helo_dynamic != no: confidence 0.9 support 50\n}\n";
