@@ -4,13 +4,16 @@
 A folder of corpora holds one folder for each corpus, with an mbox of wanted mail (ham.mbox) and one
 of unwanted mail (spam.mbox). Each of them may be packed, and one may be missing.
 """
+import csv
 import json
 import pathlib
 import subprocess
 import tempfile
 
+import branches
+
 HERE = pathlib.Path(__file__).resolve().parent
-ELITE = HERE / "elite.qvr"
+TOP = HERE / "top.qvr"
 LABELS = ("ham", "spam")
 SCANNING = ["--config", str(HERE / "training.toml")]
 WITH_COPIES = [*SCANNING, "--augment", "no-reverse-name"]
@@ -62,15 +65,52 @@ def run(qvrules, *arguments, allowed=(0,), **streams):
     return done.stdout if allowed == (0,) else done.returncode
 
 
-def learn_tree(qvrules, mail, output, excluded, *options):
+def left_out(names):
+    return [word for name in names for word in ("--exclude", name)]
+
+
+def learn_tree(qvrules, mail, output, excluded):
     """Writes a tree learned from `mail` and its copies."""
-    left_out = [word for name in excluded for word in ("--exclude", name)]
-    run(qvrules, "learn", *WITH_COPIES, *left_out, *options, *mail_options(mail), "-o", str(output))
+    run(qvrules, "learn", *WITH_COPIES, *left_out(excluded), *mail_options(mail), "-o", str(output))
 
 
-def learn(qvrules, mail, output):
-    """Writes the elite rules with a tree learned from `mail` after them."""
-    learn_tree(qvrules, mail, output, EXCLUDED, "--with", str(ELITE))
+def shape_of_branches(qvrules, table, folder):
+    """Which tests tell spam from ham among machines with an ordinary name, on consumer lines or not: what
+    the spam of consumer lines has besides its origin, other spam has, too."""
+    ordinary, shape = folder / "ordinary.csv", folder / "shape.qvr"
+    messages = kept = 0
+    with open(table, newline="", encoding="utf-8") as whole, \
+            open(ordinary, "w", newline="", encoding="utf-8") as part:
+        rows = csv.DictReader(whole)
+        chosen = csv.DictWriter(part, rows.fieldnames)
+        chosen.writeheader()
+        labels = set()
+        for row in rows:
+            if not row["hop_behind_first"]:
+                continue
+            messages += int(row["count"])
+            if row["first_helo_dynamic"] == str(branches.CODES["no"]):
+                kept += int(row["count"])
+                labels.add(row["label"])
+                chosen.writerow(row)
+    if len(labels) < len(LABELS):
+        return branches.Node(None)
+    run(qvrules, "learn", "--vectors", str(ordinary), *left_out((*EXCLUDED, "first_reverse_dynamic")),
+        "--prune", "none", "--min-node-support", str(branches.LEAST_SUPPORT * messages / kept),
+        "-o", str(shape))
+    return list(branches.tree_nodes(shape.read_text(encoding="utf-8")))[0][0]
+
+
+def learn(qvrules, mail, output, *options):
+    """Writes the hand-written rules with branches learned from `mail` and its copies."""
+    with work_folder() as name:
+        folder = pathlib.Path(name)
+        table = folder / "table.csv"
+        run(qvrules, "learn", *WITH_COPIES, *options, *mail_options(mail), "--table", str(table))
+        text = branches.with_branches(TOP.read_text(encoding="utf-8"),
+                                      shape_of_branches(qvrules, table, folder),
+                                      branches.Mail.read(table))
+    pathlib.Path(output).write_text(text, encoding="utf-8")
 
 
 def adapt(qvrules, rules, mail, output):

@@ -67,6 +67,9 @@ class TreeAdapter {
     double estimated(double before, double weight, LabelCounts const& counts) const {
         auto const spam = static_cast<double>(counts.m_spam);
         auto const messages = static_cast<double>(counts.total());
+        if (before >= m_how.m_sureFrom) {
+            return (before * m_how.m_sureMessages + spam) / (m_how.m_sureMessages + messages);
+        }
         auto const unseen = counts.total() == 0 ? 0.0 : m_how.m_unseenHam;
         auto const estimate = (before * weight + spam) / (weight + messages + unseen);
         bool const isProven = spam >= m_how.m_provenFrom * (messages + m_how.m_unseenHam);

@@ -129,6 +129,23 @@ class EliteAdapter {
     ByCode m_decided; // by the rules as they are now
 };
 
+// Adjusting rules hold the nodes back. Without any, a node above the threshold calls messages spam.
+TreeAdaptation s_treeAdaptation(RuleSet const& rules, AdaptPlan const& plan,
+                                AdaptLimits const& limits) {
+    constexpr double none = 2.0; // no probability reaches it
+    bool const areHeldBack =
+        rules.m_elite &&
+        std::any_of(rules.m_elite->m_rules.begin(), rules.m_elite->m_rules.end(),
+                    [](auto const& rule) { return rule.type == EliteType::adjusting; });
+    return {plan.m_nodeMessages,
+            plan.m_ruleMessages,
+            plan.m_unseenHam,
+            plan.m_grows,
+            limits.m_minSupport,
+            plan.m_keepsAdjusting ? none : limits.m_spamThreshold,
+            areHeldBack ? none : limits.m_spamThreshold};
+}
+
 // The names of what is no longer there.
 void s_dropNames(RuleSet& set, std::vector<RuleChange> const& changes) {
     auto names = readNames(set.m_names).m_names;
@@ -149,10 +166,8 @@ AdaptedRules adaptRules(RuleSet const& rules, CountedVectors const& mail, AdaptP
     AdaptedRules adapted{rules, {}, 0};
     EliteAdapter(adapted, mail, plan, limits, makeJudge).adapt();
     s_dropNames(adapted.m_set, adapted.m_changes);
-    adapted.m_nodesAdded =
-        adaptTree(adapted.m_set.m_nodes, mail, makeJudge(adapted.m_set),
-                  {plan.m_nodeMessages, plan.m_unseenHam, plan.m_grows, limits.m_minSupport,
-                   plan.m_keepsAdjusting ? 2.0 : limits.m_spamThreshold});
+    adapted.m_nodesAdded = adaptTree(adapted.m_set.m_nodes, mail, makeJudge(adapted.m_set),
+                                     s_treeAdaptation(rules, plan, limits));
     return adapted;
 }
 

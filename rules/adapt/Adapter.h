@@ -6,8 +6,9 @@
 //   site is left out.
 // - Adjusting rules are kept or left out, as the plan says. They keep the tree from calling mail
 //   spam that it does not know. Without them a node does so only if the site's mail proves it.
-// - The probabilities of the nodes are estimated again. A leaf with enough mail of the site grows
-//   branches of its own.
+// - The probabilities of the nodes are estimated again. A node that called messages spam, with no
+//   adjusting rule to hold it back, goes on until the site's mail says otherwise. A leaf with
+//   enough mail of the site grows branches of its own.
 //
 // Pure: the same mail gives the same rules.
 #pragma once

@@ -153,6 +153,21 @@ TEST(Adapter, WithoutAdjustingRulesANodeSaysSpamOnlyOfWhatTheSiteProves) {
     EXPECT_EQ(verdict(1, 100, true), Verdict::spam);
 }
 
+TEST(Adapter, WhatSaidSpamGoesOnWhereNothingHoldsItBack) {
+    std::string const rules = "version 1\ntree confidence 0.5 {\n"
+                              "    first_helo_dynamic == no: confidence 0.99 support 50\n"
+                              "    first_helo_dynamic != no: confidence 0.9 support 50\n}\n";
+    auto const verdict = [&](std::int32_t helo, std::uint64_t spam, std::uint64_t ham) {
+        auto const mail = {counted({{5, helo}}, spam, ham)};
+        auto const adapted = s_adapted(rules, mail, {50, 20, 3, false, true});
+        return judgeOf(adapted.m_set)(vectorOf({{5, helo}})).m_verdict;
+    };
+    EXPECT_EQ(verdict(0, 3, 0), Verdict::spam);
+    EXPECT_EQ(verdict(0, 3, 10), Verdict::none); // it does not hold at this site
+    EXPECT_EQ(verdict(1, 40, 0), Verdict::none); // 40 of 43 prove nothing
+    EXPECT_EQ(verdict(1, 100, 0), Verdict::spam);
+}
+
 TEST(Adapter, AFewMessagesGrowNothing) {
     auto const mail = {counted({{10, 2}, {5, 0}, {19, 1}}, 0, 7),
                        counted({{10, 2}, {5, 0}, {19, 0}}, 7, 0)};

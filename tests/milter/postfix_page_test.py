@@ -192,7 +192,7 @@ class Page(unittest.TestCase):
         run(block("The log", "qvscan"))
         (HERE / "my.qvr").write_text(RULES.format(version=9))
         explain, diff = block("The log", "qvrules").splitlines()
-        self.assertIn("9003", run(explain))
+        self.assertIn("Consumer line that begins the trail", run(explain))
         self.assertIn("\n1 message: 1 unsorted\n", run(diff))
 
 

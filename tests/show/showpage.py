@@ -21,6 +21,11 @@ STARTER = SOURCE / "data/rules/starter.qvr"
 DEFAULT = SOURCE / "data/rules/default.qvr"
 
 
+def defaults(word):
+    """How many lines of the default rules are about nodes ("confidence") or elite rules ("decide")."""
+    return len(re.findall(rf"(?m)^[^\"#\n]*\b{word} \d", DEFAULT.read_text()))
+
+
 def rules(*arguments, **how):
     """Runs qvrules; what it printed."""
     return subprocess.run([os.environ["QV_RULES"], *map(str, arguments)], check=True, text=True,

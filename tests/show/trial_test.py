@@ -160,9 +160,16 @@ class InAFile(showpage.ShowPageTest):
                          r"dsl-203-0-113-17\.pool\.provider\.example: "
                          r"(the look-up failed|no answer before the deadline)")
 
+    def with_adjusting_rule(self):
+        """The default rules and a rule that fires without deciding."""
+        text = showpage.DEFAULT.read_text(encoding="utf-8")
+        return self.write("adjusted.qvr", text.replace(
+            "\nelite first also-tree\n", "\nelite first also-tree\n"
+            "adjust -0.01 code 'm' when first_reverse_dynamic == no\n"))
+
     def test_shows_what_a_record_adds_by_its_name(self):
         path = self.page("--message", showpage.EXAMPLES / "mailing-list.eml", "--dns", "off",
-                         source=showpage.DEFAULT)
+                         source=self.with_adjusting_rule())
         page = path.read_text(encoding="utf-8")
         start = page.index(">", page.index('id="data"')) + 1
         end = page.index("</script>", start)
@@ -203,7 +210,7 @@ class InAFile(showpage.ShowPageTest):
             answer = self.answer()
             for way in ways:
                 self.assertIn(way, answer["text"])
-            self.assertEqual((len(answer["hops"]), len(answer["walk"])), (3, 10))
+            self.assertEqual((len(answer["hops"]), len(answer["walk"])), (3, 11))
             outside = self.browser.run("""
                 return [...document.querySelectorAll('#answer td')].filter((cell) => {
                   const {left, right} = cell.getBoundingClientRect();
