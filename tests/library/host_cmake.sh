@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# host_cmake.sh PREFIX WORK EXPECTED MESSAGE: copies the small host out of the tree, builds it
+# host_cmake.sh PREFIX EXPECTED MESSAGE: copies the small host out of the tree, builds it
 # against the library installed in PREFIX with find_package, and runs it on MESSAGE.
 set -euo pipefail
-prefix=$1 work=$2 expected=$3 message=$4
+prefix=$1 expected=$2 message=$3
 source=$(dirname "${BASH_SOURCE[0]}")/host
 
-rm -rf "$work"
-mkdir -p "$work"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 cp -r "$source" "$work/source"
 cmake -S "$work/source" -B "$work/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/log"
 cmake --build "$work/build" >>"$work/log" || {

@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 #
-# host_pkgconfig.sh COMPILER PREFIX WORK EXPECTED MESSAGE: the same with pkg-config; also builds the
+# host_pkgconfig.sh COMPILER PREFIX EXPECTED MESSAGE: the same with pkg-config; also builds the
 # very lines of C++ that README shows, and runs them.
 set -euo pipefail
-compiler=$1 prefix=$2 work=$3 expected=$4 message=$5
+compiler=$1 prefix=$2 expected=$3 message=$4
 here=$(dirname "${BASH_SOURCE[0]}")
 
-rm -rf "$work"
-mkdir -p "$work"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name qvdeepheader.pc)")
 export PKG_CONFIG_PATH
 read -ra flags < <(pkg-config --cflags --libs qvdeepheader)
