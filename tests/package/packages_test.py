@@ -87,7 +87,8 @@ def processes():
     found = []
     for status in pathlib.Path("/proc").glob("[0-9]*/status"):
         text = status.read_text()
-        if text.startswith("Name:\tqvmilter\n"):
+        # This test is the first process here and buries nobody, so those that ended stay as zombies.
+        if text.startswith("Name:\tqvmilter\n") and "\nState:\tZ" not in text:
             found.append(int(re.search(r"^Uid:\t(\d+)", text, re.M).group(1)))
     return found
 
@@ -133,6 +134,10 @@ class Packages(unittest.TestCase):
         for package in FOLDER.glob("*.deb"):
             shutil.copy(package, ROOT)
         shutil.copy("/etc/resolv.conf", ROOT / "etc")
+        # A system of its own has an init; of this one the test says that services may start.
+        policy = ROOT / "usr/sbin/policy-rc.d"
+        policy.write_text("#!/bin/sh\n")
+        policy.chmod(0o755)
         inside("apt-get", "update", "-q")
         self.install("/")
 
@@ -152,7 +157,7 @@ class Packages(unittest.TestCase):
         example = "/usr/share/qvdeepheader/examples/spam-bot-dynamic-name.eml"
         done = subprocess.run(["chroot", ROOT, "qvscan", "--format", "text", "--dns", "off", example],
                               capture_output=True, text=True)
-        self.assertEqual((done.returncode, done.stdout.split()[0]), (1, "spam"), done.stderr)
+        self.assertEqual((done.returncode, done.stdout.splitlines()[1].split()[0]), (1, "spam"), done.stderr)
         self.assertEqual(inside("python3", "-c", "import qvdeepheader, sys\n"
                                 "scanner = qvdeepheader.Scanner(settings={'dns': 'off'})\n"
                                 f"print(scanner.scan(open('{example}', 'rb').read()).verdict)"),
@@ -168,9 +173,8 @@ class Packages(unittest.TestCase):
         self.assertEqual((config.read_text(), (ROOT / README).read_text()), before)
         # The new filter runs, with both.
         self.assertEqual(len(processes()), 1)
-        answer = judged()
-        self.assertIn("reply", answer.splitlines()[0])
-        self.assertIn("Consumer", inside("qvrules", "decompile", "/var/spool/etc/antispam"))
+        self.assertEqual(judged().splitlines(), ["replycode"])
+        self.assertIn("Straight from a consumer line", inside("qvrules", "decompile", "/var/spool/etc/antispam"))
 
     def test_a_removal_leaves_no_process_and_keeps_what_the_site_wrote(self):
         inside("apt-get", "remove", "-q", "-y", "qvmilter")
