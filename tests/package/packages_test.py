@@ -139,6 +139,7 @@ class Packages(unittest.TestCase):
         policy.write_text("#!/bin/sh\n")
         policy.chmod(0o755)
         inside("apt-get", "update", "-q")
+        self.policy = policy
         self.install("/")
 
     def install(self, folder):
@@ -162,6 +163,30 @@ class Packages(unittest.TestCase):
                                 "scanner = qvdeepheader.Scanner(settings={'dns': 'off'})\n"
                                 f"print(scanner.scan(open('{example}', 'rb').read()).verdict)"),
                          "spam\n")
+
+    def test_postfix_asks_the_filter_as_the_notes_of_the_package_say(self):
+        self.policy.write_text("#!/bin/sh\nexit 101\n") # Postfix waits for a network of its own
+        inside("apt-get", "install", "-q", "-y", "--no-install-recommends", "postfix", "curl")
+        self.policy.write_text("#!/bin/sh\n")
+        notes = (ROOT / "usr/share/doc/qvmilter/README.Debian").read_text()
+        settings, postfix, commands = (
+            "".join(f"{line}\n" for line in re.findall("^    (.*)$", block, re.M))
+            for block in re.findall(r"(?:^    .*\n)+", notes.split("Rules\n")[0], re.M))
+        config = ROOT / CONFIG
+        chosen = re.search("^socket = .*$", settings, re.M).group()
+        self.assertIn(f"\n#{chosen}\n", config.read_text())
+        config.write_text("dns = 'off'\n" + re.sub("^socket = .*$", chosen, config.read_text(), flags=re.M))
+        with open(ROOT / "etc/postfix/main.cf", "a") as main:
+            main.write(postfix)
+        (ROOT / "trial").write_text(
+            "set -e\nip link set lo up\nchroot " f"{ROOT} sh -ec '\n/etc/init.d/postfix start\n{commands}"
+            "curl -sS --crlf smtp://127.0.0.1 --mail-from a@example.org --mail-rcpt root@localhost "
+            "--upload-file /usr/share/qvdeepheader/examples/helo-localhost.eml\n"
+            "until test -s /var/mail/root; do sleep 0.1; done\n"
+            "/etc/init.d/postfix stop\n'\n")
+        run("unshare", "--net", "timeout", "120", "bash", ROOT / "trial", env={
+            **os.environ, "PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL": "C.UTF-8"})
+        self.assertIn("\nX-QV-Deep-Header: spam; node=9003;", (ROOT / "var/mail/root").read_text())
 
     def test_an_upgrade_keeps_settings_and_rules(self):
         config = ROOT / CONFIG
