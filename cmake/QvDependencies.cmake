@@ -33,6 +33,8 @@ find_path(PYBIND11_INCLUDE_DIR pybind11/pybind11.h REQUIRED)
 add_library(qv_pybind11 INTERFACE)
 target_include_directories(qv_pybind11 SYSTEM INTERFACE "${PYBIND11_INCLUDE_DIR}")
 
+find_program(LOWDOWN_PROGRAM lowdown REQUIRED)
+
 # libmilter brings neither a CMake package nor a pkg-config file.
 find_path(LIBMILTER_INCLUDE_DIR libmilter/mfapi.h REQUIRED)
 find_library(LIBMILTER_LIBRARY milter REQUIRED)

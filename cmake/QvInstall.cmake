@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
-# What a host, an administrator and a reader get: libraries, public headers, CMake package,
-# pkg-config file, programs, default rules, examples. Everything is found relative to itself, so an
-# installed tree may be moved.
+# What a host, an administrator and a reader get: libraries, public headers, CMake package, pkg-config
+# file, programs, rules, patterns, an example of settings, a unit, documents. Everything but the unit
+# finds the rest relative to itself, so an installed tree may be moved. The Python package and what is
+# made of the option tables are installed where they are built (python/, apps/docgen/).
 include(CMakePackageConfigHelpers)
 
 set(packageDir "${CMAKE_INSTALL_LIBDIR}/cmake/QuorvaneDeepHeader")
@@ -39,16 +40,27 @@ configure_file(cmake/qvdeepheader.pc.in "${CMAKE_BINARY_DIR}/qvdeepheader.pc" @O
 install(FILES "${CMAKE_BINARY_DIR}/qvdeepheader.pc"
         DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
-foreach(program qvscan qvrules qvmilter)
-    if(TARGET ${program})
-        install(TARGETS ${program} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-    endif()
-endforeach()
+install(TARGETS qvscan qvrules qvmilter RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 
-install(DIRECTORY "${CMAKE_BINARY_DIR}/share/qvdeepheader"
-        DESTINATION "${CMAKE_INSTALL_DATADIR}" OPTIONAL)
-install(DIRECTORY data/rules DESTINATION "${CMAKE_INSTALL_DATADIR}/qvdeepheader"
-        FILES_MATCHING PATTERN "*.qvr")
-install(DIRECTORY examples DESTINATION "${CMAKE_INSTALL_DATADIR}/qvdeepheader" OPTIONAL)
-install(FILES README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+# The rules: as text with their cases, and the default rules as files that the programs find.
+set(dataDir "${CMAKE_INSTALL_DATADIR}/qvdeepheader")
+install(DIRECTORY "${CMAKE_BINARY_DIR}/share/qvdeepheader/root" DESTINATION "${dataDir}")
+install(FILES "${CMAKE_BINARY_DIR}/share/qvdeepheader/rules/with-dns.qvr"
+        DESTINATION "${dataDir}/rules")
+install(DIRECTORY data/rules DESTINATION "${dataDir}"
+        FILES_MATCHING PATTERN "*.qvr" PATTERN "cases/*.toml")
+install(FILES data/with-dns/cases.toml DESTINATION "${dataDir}/rules/cases" RENAME with-dns.toml)
+
+# What a site starts from: patterns, settings, the daemon's unit, the figures to watch, examples.
+install(FILES data/dynamic-patterns.txt data/service/qvdeepheader.toml DESTINATION "${dataDir}")
+install(CODE "
+    set(programs \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
+    configure_file(\"${CMAKE_SOURCE_DIR}/data/service/qvmilter.service.in\"
+                   \"${CMAKE_BINARY_DIR}/qvmilter.service\" @ONLY)")
+install(FILES "${CMAKE_BINARY_DIR}/qvmilter.service" DESTINATION lib/systemd/system)
+install(DIRECTORY data/monitoring examples DESTINATION "${dataDir}")
+
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN man EXCLUDE)
 install(FILES LICENSES/Apache-2.0.txt DESTINATION "${CMAKE_INSTALL_DOCDIR}" RENAME LICENSE)

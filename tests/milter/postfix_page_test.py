@@ -146,7 +146,7 @@ class Page(unittest.TestCase):
         postfix = self.postfix()
         self.use(START, SOCKET)
         run(block("Under systemd", "useradd"))
-        unit = "/etc/systemd/system/qvmilter.service"
+        unit = "/usr/local/lib/systemd/system/qvmilter.service"
         self.assertTrue(pathlib.Path("/etc/systemd/system/multi-user.target.wants/qvmilter.service")
                         .is_symlink())
         done = subprocess.run(["systemd-analyze", "verify", "--man=no", unit], capture_output=True,
@@ -166,7 +166,7 @@ class Page(unittest.TestCase):
         run(f"install -d -o {unit['User']} -g {unit['Group']} -m {unit['RuntimeDirectoryMode']} "
             f"{folder}")
         self.start("setpriv", f"--reuid={unit['User']}", f"--regid={unit['Group']}",
-                   "--clear-groups", "sh", "-c", f"umask {unit['UMask']}; exec {unit['ExecStart']}")
+                   "--init-groups", "sh", "-c", f"umask {unit['UMask']}; exec {unit['ExecStart']}")
 
     def start(self, *command):
         """A qvmilter in the foreground, whose log is a file."""
