@@ -82,7 +82,7 @@ Stack* s_stack(std::size_t size) {
 
 } // namespace
 
-void* Recycled::operator new(std::size_t size) {
+void* Recycled::operator new(std::size_t size) { // NOLINT(misc-new-delete-overloads): sized delete
     if (!s_isKept(size)) {
         return ::operator new(size);
     }

@@ -18,7 +18,7 @@ namespace Quorvane {
 class QV_API Recycled {
   public:
     // Throws std::bad_alloc. A block for more than 512 bytes comes from the heap.
-    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t size); // NOLINT(misc-new-delete-overloads): sized delete
     // `size` as it was asked for.
     static void operator delete(void* block, std::size_t size) noexcept;
 
