@@ -64,8 +64,12 @@ bool TrustedMTASet::countsAsV6(IPAddress const& address) const {
 struct TrustedMTASetRef::InForce {
     using Slot = Snapshot<TrustedMTASet::Content, TrustedMTASetRef>;
 
+    // The set is nobody's until there was memory for the wrapper.
     static TrustedMTASetRef wrap(std::shared_ptr<TrustedMTASet::Content const> const& content) {
-        return TrustedMTASetRef(new TrustedMTASet(content));
+        std::unique_ptr<TrustedMTASet> set(new TrustedMTASet(content));
+        TrustedMTASetRef handle(set.get());
+        static_cast<void>(set.release());
+        return handle;
     }
 
     static Slot& slot() {

@@ -19,7 +19,10 @@ DeepHeaderEngine DeepHeaderEngine::inForce() {
 }
 
 DeepHeaderEngine DeepHeaderEngine::fromStreams(std::istream& tree, std::istream* elite) {
-    return DeepHeaderEngine(RefDeepHeaderAdapter(new DeepHeaderAdapter(tree, elite)));
+    auto engine = std::make_unique<DeepHeaderAdapter>(tree, elite);
+    RefDeepHeaderAdapter const handle(engine.get());
+    static_cast<void>(engine.release()); // the handle's now; before, there may have been no memory
+    return DeepHeaderEngine(handle);
 }
 
 // An engine is the same for all who hold it, const or not: nothing changes it. The handle keeps it
