@@ -8,8 +8,11 @@ namespace Quorvane {
 
 namespace {
 
-#ifdef __SANITIZE_ADDRESS__
+// GCC and clang say it in different ways.
+#if defined(__SANITIZE_ADDRESS__)
 constexpr bool isRecycling = false;
+#elif defined(__has_feature)
+constexpr bool isRecycling = !__has_feature(address_sanitizer);
 #else
 constexpr bool isRecycling = true;
 #endif
