@@ -19,8 +19,20 @@ std::string s_number(std::mt19937& random, unsigned int limit) {
     return std::to_string(random() % limit);
 }
 
-std::string s_ip(std::mt19937& random) {
-    return "203.0." + s_number(random, 256) + '.' + s_number(random, 256);
+enum class Client { publicAddress, privateAddress, none };
+
+// In the shares of 34,570 real messages: the newest hop, and older ones.
+Client s_client(std::mt19937& random, bool isNewest) {
+    auto const percent = random() % 100;
+    if (percent < (isNewest ? 84 : 38)) {
+        return Client::publicAddress;
+    }
+    return percent < (isNewest ? 92 : 66) ? Client::privateAddress : Client::none;
+}
+
+std::string s_ip(std::mt19937& random, Client client) {
+    return (client == Client::publicAddress ? "203.0." : "10.0.") + s_number(random, 256) + '.' +
+           s_number(random, 256);
 }
 
 std::string s_host(std::mt19937& random) {
@@ -30,11 +42,15 @@ std::string s_host(std::mt19937& random) {
 }
 
 // One Received value in the shape of Postfix, Sendmail, Exim, qmail or Exchange.
-std::string s_received(std::mt19937& random, std::string const& by) {
+std::string s_received(std::mt19937& random, std::string const& by, Client client) {
     auto const host = s_host(random);
-    auto const ip = s_ip(random);
+    auto const ip = s_ip(random, client);
     auto const date = ";\n\tMon, 1 Jan 2024 10:00:0" + s_number(random, 10) + " +0000 (UTC)";
     auto const id = "4S" + s_number(random, 100000000);
+    if (client == Client::none) {
+        return "(from someone@localhost)\n\tby " + by + " (8.15.2/8.15.2/Submit)\n\tid " + id +
+               "; for other@recipient.example" + date;
+    }
     switch (random() % 5) {
     case 0:
         return "from " + host + " (" + host + " [" + ip + "])\n\tby " + by +
@@ -85,9 +101,10 @@ Trails makeTrails(std::size_t messages) {
     Trails trails;
     for (std::size_t i = 0; i < messages; ++i) {
         std::string block = "Return-Path: <bounce@sender" + s_number(random, 90) + ".example>\n";
-        auto const hops = 2 + random() % 5;
+        auto const hops = 1 + random() % 6;
         for (unsigned int hop = 0; hop < hops; ++hop) {
-            trails.m_received.push_back(s_received(random, s_host(random)));
+            auto const client = s_client(random, hop == 0);
+            trails.m_received.push_back(s_received(random, s_host(random), client));
             block += "Received: " + trails.m_received.back() + '\n';
         }
         block += "Message-ID: <" + s_number(random, 1000000000) + "@mail.sender" +
