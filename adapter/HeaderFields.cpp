@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -47,7 +46,8 @@ bool s_takeGivenAddresses(MsgProperties& props, DeepHeaderQuery const& query) {
 
 // True when the header was one of the address headers. Of authors and recipients the last header
 // counts, of envelope senders the first.
-bool s_takeAddressHeader(MsgProperties& props, Header const& header, std::string_view type) {
+bool s_takeAddressHeader(MsgProperties& props, Header const& header) {
+    auto const& type = header.type();
     if (isSameNoCase(type, "from")) {
         props.headerFrom = s_createEmailAddress(header.value());
     } else if (isSameNoCase(type, "To")) {
@@ -74,11 +74,10 @@ void s_takeMessageIdDomain(MsgProperties& props, std::string const& value) {
 }
 
 void s_takeOtherHeader(MsgProperties& props, Header const& header, bool areAddressesGiven) {
-    auto const& type = header.type();
-    if (!areAddressesGiven && s_takeAddressHeader(props, header, type)) {
+    if (!areAddressesGiven && s_takeAddressHeader(props, header)) {
         return;
     }
-    if (isSameNoCase(type, "Message-ID")) {
+    if (isSameNoCase(header.type(), "Message-ID")) {
         s_takeMessageIdDomain(props, header.value());
     }
 }

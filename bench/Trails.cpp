@@ -4,6 +4,7 @@
 #include "apps/input/Inputs.h"
 #include "apps/input/Interrupt.h"
 #include "platform/HeaderReader.h"
+#include "platform/Strings.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -87,7 +88,7 @@ std::vector<std::string> s_sections(std::string const& folder) {
 void s_add(Trails& trails, std::string const& section) {
     auto const container = HeaderReader::read(section);
     for (auto const& header : container.headers()) {
-        if (header.typeLowerCase() == "received") {
+        if (isSameNoCase(header.type(), "received")) {
             trails.m_received.push_back(header.value());
         }
     }

@@ -47,7 +47,7 @@ def curves(program):
 
 
 def exponent(points):
-    """Of a power of the size, fitted to the points whose work is more than a start (least squares)."""
+    """Of the power of the size that fits all points best (least squares of the logarithms)."""
     logs = [(math.log(size), math.log(seconds)) for size, seconds in points]
     means = [sum(values) / len(logs) for values in zip(*logs)]
     return (sum((x - means[0]) * (y - means[1]) for x, y in logs)

@@ -16,10 +16,6 @@ bool s_isBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
-bool s_isBlankOrBreak(char c) {
-    return s_isBlank(c) || c == '\r' || c == '\n';
-}
-
 // Offsets into the message.
 struct Line {
     std::size_t m_begin;
@@ -79,10 +75,6 @@ bool s_isSkipped(std::string_view message, Line const& first) {
     return isMboxLine || s_beginsWithBlank(message, first.m_begin);
 }
 
-bool s_isReceived(std::string_view name) {
-    return isSameNoCase(name, "received");
-}
-
 // Calls `take` with the name of each field and with all that follows its colon.
 template<typename Take>
 void s_forEachField(std::string_view message, Take take) {
@@ -112,10 +104,10 @@ HeaderContainer HeaderReader::read(std::string_view message, std::size_t maxHops
     HeaderContainer headers;
     std::size_t hops = 0;
     s_forEachField(message, [&](std::string_view name, std::string_view text) {
-        if (s_isReceived(name) && ++hops > maxHops) {
+        if (isSameNoCase(name, "received") && ++hops > maxHops) {
             return;
         }
-        auto const value = s_withoutLeadingBlanks(s_withoutTrailing(text, s_isBlankOrBreak));
+        auto const value = s_withoutLeadingBlanks(s_withoutTrailing(text, isBlankOrBreak));
         headers.append(std::string(name), std::string(value));
     });
     return headers;

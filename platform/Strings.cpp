@@ -7,8 +7,6 @@ namespace Quorvane {
 
 namespace {
 
-constexpr char trimmed[] = " \t\r\n";
-
 // Written so that the compiler can turn a loop over it into vector instructions.
 char s_lower(char c) {
     bool const upper = c >= 'A' && c <= 'Z';
@@ -56,11 +54,13 @@ bool isSameNoCase(std::string_view a, std::string_view b) {
 }
 
 void stringLeftTrim(std::string& text) {
-    text.erase(0, text.find_first_not_of(trimmed));
+    text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isBlankOrBreak));
 }
 
 void stringRightTrim(std::string& text) {
-    text.erase(text.find_last_not_of(trimmed) + 1);
+    while (!text.empty() && isBlankOrBreak(text.back())) {
+        text.pop_back();
+    }
 }
 
 } // namespace Quorvane

@@ -26,7 +26,23 @@ QV_API int stringCompareNoCase(std::string_view a, std::string_view b, std::stri
 // finds the order.
 QV_API bool isSameNoCase(std::string_view a, std::string_view b);
 
-// Strip space, tab, CR and LF at one end.
+// Space, tab, CR and LF: what may stand around the parts of a header field, its folding included.
+inline bool isBlankOrBreak(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// `text` without these bytes at both ends.
+inline std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && isBlankOrBreak(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isBlankOrBreak(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+// Strip them at one end.
 QV_API void stringLeftTrim(std::string& text);
 QV_API void stringRightTrim(std::string& text);
 

@@ -26,10 +26,6 @@ bool s_isLineBreak(std::string_view text, Position pos) {
     return pos < text.size() && (text[pos] == '\n' || text[pos] == '\r');
 }
 
-bool s_isBlankOrBreak(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
 bool s_startsWith(std::string_view text, Position pos, std::string_view word) {
     return pos <= text.size() && text.substr(pos, word.size()) == word;
 }
@@ -69,16 +65,6 @@ Position s_findByte(std::string_view text, Position from, IsEnd isEnd) {
     return npos;
 }
 
-std::string_view s_trimmed(std::string_view text) {
-    while (!text.empty() && s_isBlankOrBreak(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && s_isBlankOrBreak(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 bool s_isAuthenticationMark(std::string_view text, Position word, Position end) {
     bool const isInParentheses = word > 0 && text[word - 1] == '(' && s_startsWith(text, end, ")");
     return isInParentheses || s_startsWith(text, end, " bits") || s_startsWith(text, end, " as") ||
@@ -102,16 +88,11 @@ void ReceivedScanner::parse() {
     stringToLowerNoCopy(m_text);
     m_fields.m_by.clear();
     splitOffReceivingHost();
-    trimText();
+    stringLeftTrim(m_text);
+    stringRightTrim(m_text);
     if (m_text.empty() || runStates()) {
         finish();
     }
-}
-
-void ReceivedScanner::trimText() {
-    auto const trimmed = s_trimmed(m_text);
-    m_text.resize(static_cast<Position>(trimmed.data() - m_text.data()) + trimmed.size());
-    m_text.erase(0, m_text.size() - trimmed.size());
 }
 
 // --- the receiving host -------------------------------------------------------------------------
@@ -141,7 +122,7 @@ void ReceivedScanner::takeFoldedReceivingHost() {
     if (marker == npos || !s_isLineBreak(m_text, marker + 3)) {
         return;
     }
-    auto const start = s_findByte(m_text, marker + 3, [](char c) { return !s_isBlankOrBreak(c); });
+    auto const start = s_findByte(m_text, marker + 3, [](char c) { return !isBlankOrBreak(c); });
     if (start != npos) {
         takeReceivingHost(start, marker + 3);
     }
@@ -308,7 +289,7 @@ ReceivedScanner::State ReceivedScanner::scanHeloName() {
 // Host names hold no blanks. A blank means that the header has an unknown shape: the field is
 // left empty, the parse is abandoned, and the next accessor call parses the record again.
 bool ReceivedScanner::takeName(std::string& field, Position start, Position length) {
-    field = s_trimmed(std::string_view(m_text).substr(start, length));
+    field = trimmed(std::string_view(m_text).substr(start, length));
     if (field.find(' ') == npos) {
         return true;
     }
@@ -340,7 +321,7 @@ void ReceivedScanner::takeReceiveTime() {
     }
     auto const after =
         static_cast<Position>(static_cast<char const*>(semicolon) - m_text.data()) + 1;
-    auto const start = s_findByte(m_text, after, [](char c) { return !s_isBlankOrBreak(c); });
+    auto const start = s_findByte(m_text, after, [](char c) { return !isBlankOrBreak(c); });
     if (start != npos) {
         copyStringToLower(m_text, m_fields.m_receiveTime, start, npos);
     }

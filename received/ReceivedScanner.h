@@ -65,7 +65,6 @@ class ReceivedScanner {
         abandoned,
     };
 
-    void trimText();
     void splitOffReceivingHost();
     Position findByMarker() const;
     void takeReceivingHost(Position start, Position cut);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/internal/AddressSyntax.h"
 
+#include "platform/Strings.h"
+
 #include <algorithm>
 
 namespace Quorvane::internal {
@@ -24,7 +26,7 @@ class BracketScan {
     // All of these are false when a bracket is out of place, or a separator within brackets.
     bool step(char c) {
         bool const inPlace = isInPlace(c);
-        bool const isFiller = isBlank(c) || c == '(';
+        bool const isFiller = isBlankOrBreak(c) || c == '(';
         m_before = isFiller ? m_before : c;
         return inPlace;
     }
@@ -107,7 +109,7 @@ bool s_isEscaped(std::string_view text, std::size_t position) {
 }
 
 bool s_isAfterLiteral(std::string_view text, std::size_t position) {
-    while (position > 0 && isBlank(text[position - 1])) {
+    while (position > 0 && isBlankOrBreak(text[position - 1])) {
         --position;
     }
     return position > 0 && text[position - 1] == ']';

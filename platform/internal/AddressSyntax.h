@@ -12,11 +12,6 @@
 
 namespace Quorvane::internal {
 
-// What may stand around the parts of an address, line breaks of folding included.
-inline bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
 // Where `text` goes on after the part that the byte before `position` opened and `end` closes, or
 // npos when nothing closes it. A backslash takes away the meaning of the byte after it.
 inline std::size_t afterSpan(std::string_view text, std::size_t position, char end) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/internal/PlainAddress.h"
 
-#include "platform/internal/AddressSyntax.h"
 #include "platform/internal/AddressText.h"
+#include "platform/Strings.h"
 
 #include <algorithm>
 #include <array>
@@ -60,16 +60,6 @@ bool s_areAllOf(ByteClass wanted, std::string_view text) {
     return std::all_of(text.begin(), text.end(), [=](char c) { return s_isOf(wanted, c); });
 }
 
-std::string_view s_withoutBlanks(std::string_view text) {
-    while (!text.empty() && isBlank(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && isBlank(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 // Words between dots, each of letters, digits and some other bytes, which are within it only.
 bool s_areWords(std::string_view text, ByteClass others) {
     char before = '.';
@@ -83,7 +73,7 @@ bool s_areWords(std::string_view text, ByteClass others) {
 }
 
 bool s_isName(std::string_view name) {
-    name = s_withoutBlanks(name);
+    name = trimmed(name);
     if (name.size() > 1 && name.front() == '"' && name.back() == '"') {
         auto const quoted = name.substr(1, name.size() - 2);
         return s_areAllOf(ofQuotedName, quoted);
@@ -93,7 +83,7 @@ bool s_isName(std::string_view name) {
 
 // local@domain, alone or in angle brackets after a name.
 std::optional<PlainAddress> s_mailbox(std::string_view text) {
-    text = s_withoutBlanks(text);
+    text = trimmed(text);
     if (!text.empty() && text.back() == '>') {
         auto const open = text.rfind('<');
         if (open == std::string_view::npos || !s_isName(text.substr(0, open))) {
@@ -141,7 +131,7 @@ std::optional<PlainAddress> s_firstOfList(std::string_view list) {
 // "<>", the sender of a bounce, and "undisclosed-recipients:;".
 bool s_isNobody(std::string_view text) {
     constexpr std::string_view emptyGroup = ":;";
-    text = s_withoutBlanks(text);
+    text = trimmed(text);
     bool const isGroup = text.size() > emptyGroup.size() && text.ends_with(emptyGroup);
     text.remove_suffix(isGroup ? emptyGroup.size() : 0);
     return isGroup ? s_areWords(text, withinDomainWord) : text.empty() || text == "<>";
