@@ -103,6 +103,28 @@ TEST_F(HopAnalysisTest, TheReverseNameIsClassified) {
     }
 }
 
+// Names of one length, so that only their bytes tell them apart.
+TEST_F(HopAnalysisTest, EachNameIsDynamicByItself) {
+    struct {
+        char const* m_helo;
+        char const* m_reverse;
+        int m_heloDynamic;
+        int m_reverseDynamic;
+    } const cases[] = {
+        {"a.dyn.example", "a.dyn.example", 1, 1},
+        {"a.dyn.example", "a.fix.example", 1, 0},
+        {"a.fix.example", "a.dyn.example", 0, 1},
+        {"a.fix.example", "a.fix.example", 0, 0},
+    };
+    for (auto const& row : cases) {
+        SCOPED_TRACE(std::string(row.m_helo) + ' ' + row.m_reverse);
+        auto const slot = analyse("from " + std::string(row.m_helo) + " (" + row.m_reverse +
+                                  " [192.0.2.1]) by c");
+        EXPECT_EQ(slot.heloDynamic, row.m_heloDynamic);
+        EXPECT_EQ(slot.reverseDynamic, row.m_reverseDynamic);
+    }
+}
+
 // --- the addresses ------------------------------------------------------------------------------
 
 constexpr char plainHop[] = "from mail.example.com (mail.example.com [192.0.2.1]) by c";

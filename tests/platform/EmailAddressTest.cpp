@@ -113,6 +113,7 @@ Case const s_noAddress[] = {
     {"j\xf6rg@host.example", nullptr, nullptr, "Latin-1 local part"},
     {std::string("user@host.example\0", 18), nullptr, nullptr, "NUL at the end"},
     {std::string("user@host\0.example", 18), nullptr, nullptr, "NUL inside"},
+    {std::string("user@host.example, a\0", 21), nullptr, nullptr, "NUL in a later one of a list"},
     {std::string("\0user@host.example", 18), nullptr, nullptr, "NUL in front"},
     {"{}|~^`$#%*&!'/_@xn--mller-kva.example", nullptr, nullptr, "no byte left to hide with"},
     {"a@b@c.example", nullptr, nullptr, "two @"},

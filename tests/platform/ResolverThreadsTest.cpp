@@ -102,5 +102,22 @@ TEST_F(ResolverThreadsTest, AStoppedResolverKeepsNobodyWaiting) {
     EXPECT_TRUE(resolves("mail.example.test"));
 }
 
+// One that asks nobody has nothing to stop, but says so too.
+TEST_F(ResolverThreadsTest, AStoppedResolverFailsEvenWhereNothingIsAsked) {
+    ResolverSettings off;
+    off.m_mode = ResolverSettings::Mode::off;
+    auto const result = [] {
+        return Resolver::instance()
+            .submit(RecordType::mailName, "mail.example.test", RecordClass::IN)
+            .result();
+    };
+    configure(off);
+    EXPECT_EQ(result(), LookupResult::notAsked);
+    Resolver::instance().stop();
+    EXPECT_EQ(result(), LookupResult::failed);
+    configure(off);
+    EXPECT_EQ(result(), LookupResult::notAsked);
+}
+
 } // namespace
 } // namespace Quorvane::Testing
