@@ -2,7 +2,10 @@
 #include "include2/Recycled.h"
 
 #include <array>
+#include <memory>
 #include <new>
+#include <optional>
+#include <pthread.h>
 
 namespace Quorvane {
 
@@ -50,27 +53,32 @@ void s_release(Stack& stack) {
     }
 }
 
-// The stacks of a thread.
-class Owner {
-  public:
-    Owner() { s_kept = &m_stacks; }
-    Owner(Owner const&) = delete;
-    Owner& operator=(Owner const&) = delete;
-    ~Owner() {
-        s_kept = nullptr;
-        s_isEnded = true;
-        for (auto& stack : m_stacks) {
-            s_release(stack);
-        }
+// When a thread ends, after its thread_local objects.
+void s_giveBack(void* kept) {
+    s_kept = nullptr;
+    s_isEnded = true;
+    std::unique_ptr<Stacks> const stacks(static_cast<Stacks*>(kept));
+    for (auto& stack : *stacks) {
+        s_release(stack);
     }
+}
 
-  private:
-    Stacks m_stacks{};
-};
+// A key and no thread_local object with a destructor: to register that one ends the process when
+// memory has run out, and a thread may give its first block back just then. Empty without a key.
+std::optional<pthread_key_t> s_makeKey() {
+    pthread_key_t key{};
+    return pthread_key_create(&key, s_giveBack) == 0 ? std::optional(key) : std::nullopt;
+}
 
-void s_startKeeping() {
-    if (!s_isEnded) {
-        static thread_local Owner const owner;
+// Nothing is kept without memory for the stacks.
+void s_startKeeping() noexcept {
+    static auto const key = s_makeKey();
+    if (s_isEnded || !key) {
+        return;
+    }
+    std::unique_ptr<Stacks> stacks(new (std::nothrow) Stacks{});
+    if (stacks != nullptr && pthread_setspecific(*key, stacks.get()) == 0) {
+        s_kept = stacks.release();
     }
 }
 

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
+#include <new>
+#include <pthread.h>
 #include <thread>
 #include <vector>
 
@@ -70,15 +72,38 @@ TEST_F(RecycledTest, LargeObjectsAreNotKept) {
     EXPECT_EQ(memoryInUse(), before);
 }
 
-// What a thread of a host destroys while it ends, after its blocks have gone.
+// What a thread of a host destroys while it ends, after its blocks have gone: keys are destroyed in
+// the order in which they were made.
 TEST_F(RecycledTest, ObjectsMayEndAfterTheThreadHasGivenItsBlocksBack) {
+    s_make(1);
+    pthread_key_t key{};
+    auto const destroy = [](void* objects) {
+        delete static_cast<std::vector<std::unique_ptr<Small>>*>(objects);
+    };
+    ASSERT_EQ(pthread_key_create(&key, destroy), 0);
     auto const before = memoryInUse();
-    std::thread([] {
-        static thread_local std::vector<std::unique_ptr<Small>> latest;
-        latest = s_make(10); // destroyed after what is constructed below
+    std::thread([&] {
         s_make(10);
+        auto late = std::make_unique<std::vector<std::unique_ptr<Small>>>(s_make(10));
+        if (pthread_setspecific(key, late.get()) == 0) {
+            static_cast<void>(late.release());
+        }
     }).join();
     EXPECT_EQ(memoryInUse(), before);
+    pthread_key_delete(key);
+}
+
+// Without memory nothing is kept, and nothing else happens.
+TEST_F(RecycledTest, ABlockThatIsGivenBackNeedsNoMemory) {
+    int const failed = failEachAllocation(
+        [] {
+            try {
+                s_make(1);
+            } catch (std::bad_alloc const&) { // for the list or for the object
+            }
+        },
+        [](int) {});
+    EXPECT_EQ(failed, 3); // the list, the object, what a thread keeps
 }
 
 TEST_F(RecycledTest, ObjectsMayEndOnAnotherThreadThanTheyBeganOn) {
