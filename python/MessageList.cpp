@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "python/MessageList.h"
 
+#include "apps/input/Interrupt.h"
 #include "python/Argument.h"
-#include "python/Held.h"
 
 #include <cerrno>
 #include <memory>
@@ -68,13 +68,25 @@ py::str s_nextFile(FileWalker& files) {
 } // namespace
 
 // The interpreter only notes that a signal came. One that comes right before the wait would not end
-// it, so no wait is long.
-void SignalWait::waitForInput(int descriptor) const {
+// it, and a stop ends none, so no wait is long.
+void MessageWait::waitForInput(int descriptor) const {
     constexpr int longestWait = 100; // milliseconds
     pollfd waiting{descriptor, POLLIN, 0};
+    if (::poll(&waiting, 1, 0) > 0) {
+        return;
+    }
+    if (m_beforeWait) {
+        m_beforeWait();
+    }
     for (int ready = 0; (ready = ::poll(&waiting, 1, longestWait)) <= 0;) {
         if (ready < 0 && errno != EINTR) {
             return; // the read will fail, too, and say why
+        }
+        if (m_stop.stop_possible()) {
+            if (m_stop.stop_requested()) {
+                throw Interrupted();
+            }
+            continue;
         }
         py::gil_scoped_acquire const lock;
         if (PyErr_CheckSignals() != 0) {
@@ -83,16 +95,24 @@ void SignalWait::waitForInput(int descriptor) const {
     }
 }
 
-Message MessageList::next() {
-    if (m_isReading) {
-        throw py::value_error("another thread is reading these messages");
+MessageList::Turn::Turn(MessageList& messages, std::stop_token stop,
+                        std::function<void()> beforeWait)
+    : m_messages(messages) {
+    if (messages.m_isReading) {
+        throw py::value_error("another thread or scan is reading these messages");
     }
-    Held const reading(m_isReading);
+    messages.m_isReading = true;
+    messages.m_wait.m_stop = std::move(stop);
+    messages.m_wait.m_beforeWait = std::move(beforeWait);
+}
+
+Message MessageList::next() {
+    Turn turn(*this);
     InputItem item;
     bool isThere = false;
     {
         py::gil_scoped_release const release;
-        isThere = m_inputs.next(item);
+        isThere = turn.next(item);
     }
     if (!isThere) {
         throw py::stop_iteration();

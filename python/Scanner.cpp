@@ -90,18 +90,17 @@ void Scanner::requireInForce() const {
     }
 }
 
-std::string Scanner::problemWith(Message const& message) const {
-    return message.m_error.empty() ? whyNotJudged(message.m_headers, m_host->settings().m_limits)
-                                   : message.m_error;
+std::string Scanner::problemWith(std::string_view headers, std::string const& problem) const {
+    return problem.empty() ? whyNotJudged(headers, m_host->settings().m_limits) : problem;
 }
 
-Answer Scanner::judge(Message const& message) const {
-    auto problem = problemWith(message);
+Answer Scanner::judge(InputItem const& item) const {
+    auto problem = problemWith(item.m_headers, item.m_problem);
     if (!problem.empty()) {
-        return problemOf(message.m_source, std::move(problem));
+        return problemOf(item.m_source, std::move(problem));
     }
-    auto const headers = m_host->read(message.m_headers);
-    return answerOf(message.m_source, m_host->scan(headers, {}, RecordDepth::result),
+    auto const headers = m_host->read(item.m_headers);
+    return answerOf(item.m_source, m_host->scan(headers, {}, RecordDepth::result),
                     m_host->ruleNames());
 }
 
@@ -110,7 +109,7 @@ Scanner::Scan Scanner::scan(py::handle message, py::kwargs const& facts, RecordD
     auto taken = messageOf(message);
     auto const known = factsOf(facts);
     py::gil_scoped_release const release;
-    if (auto const problem = problemWith(taken); !problem.empty()) {
+    if (auto const problem = problemWith(taken.m_headers, taken.m_error); !problem.empty()) {
         s_refuse(taken.m_source, problem);
     }
     auto const headers = m_host->read(taken.m_headers);

@@ -26,7 +26,7 @@ class Scanner {
     // Throws std::runtime_error when a later scanner has put other settings in force.
     void requireInForce() const;
 
-    Answer judge(Message const& message) const;
+    Answer judge(InputItem const& item) const;
     // 0: one for each core.
     unsigned int jobs() const { return m_host->settings().m_jobs; }
 
@@ -37,8 +37,8 @@ class Scanner {
     std::optional<std::int32_t> ruleVersion() const { return m_host->ruleVersion(); }
 
   private:
-    // Why a message is not judged; empty: it is.
-    std::string problemWith(Message const& message) const;
+    // Why a header section is not judged, apart from a problem that is known; empty: it is.
+    std::string problemWith(std::string_view headers, std::string const& problem) const;
 
     struct Scan {
         std::string m_source;

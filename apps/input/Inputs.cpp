@@ -34,6 +34,15 @@ void s_setProblem(InputItem& item, int exitStatus, std::string text) {
 
 } // namespace
 
+void InputItem::clear() {
+    m_source.clear();
+    m_headers.clear();
+    m_problem.clear();
+    m_exitStatus = 0;
+    m_position = 0;
+    m_copy.reset();
+}
+
 Inputs::Inputs(std::vector<std::string> const& paths, InputWait const& wait,
                HeaderLimits const& limits, std::optional<std::filesystem::path> copies)
     : m_wait(wait), m_files(s_orStandardInput(paths)), m_limits(limits),
@@ -49,7 +58,7 @@ Inputs::Inputs(std::string path, OpenInput opened, InputWait const& wait,
 }
 
 bool Inputs::next(InputItem& item) {
-    item = InputItem();
+    item.clear();
     while (item.m_problem.empty() && item.m_headers.empty()) {
         if (m_reader) {
             readMessage(item);
@@ -147,6 +156,7 @@ void Inputs::openMember(Archive::Member& member, InputItem& item) {
 void Inputs::readMessage(InputItem& item) {
     item.m_source = m_source;
     HeaderSection section;
+    section.m_text = std::move(item.m_headers); // its memory
     try {
         if (!m_reader->next(section)) {
             noteMissing(item);

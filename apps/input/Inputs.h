@@ -18,6 +18,9 @@
 namespace Quorvane {
 
 struct InputItem {
+    // Keeps the memory of the texts.
+    void clear();
+
     // PATH, or "-" for standard input; PATH/MEMBER for a file in an archive; with :N for the N-th
     // message of an mbox.
     std::string m_source;
@@ -42,7 +45,7 @@ class Inputs {
     // One input that is open already.
     Inputs(std::string path, OpenInput opened, InputWait const& wait, HeaderLimits const& limits);
 
-    // False at the end. Throws what ended a wait for input.
+    // False at the end. Throws what ended a wait for input. Uses the memory of `item` again.
     bool next(InputItem& item);
 
   private:

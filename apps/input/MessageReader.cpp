@@ -32,6 +32,13 @@ void s_copy(HeaderSection& section, std::string_view text) {
 
 } // namespace
 
+void HeaderSection::clear() {
+    m_number = 0;
+    m_text.clear();
+    m_problem.clear();
+    m_copy.reset();
+}
+
 std::string noMemoryFor(std::size_t size) {
     return "not enough memory for its header section of " + std::to_string(size) + " bytes";
 }
@@ -47,7 +54,7 @@ bool MessageReader::next(HeaderSection& section) {
         m_hasBegun = true;
         m_isMbox = m_pieces.peek(separator.size()) == separator;
     }
-    section = HeaderSection();
+    section.clear();
     if (m_options.m_copies) {
         section.m_copy = std::make_shared<MessageCopy>(*m_options.m_copies);
     }

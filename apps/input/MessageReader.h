@@ -24,6 +24,9 @@ namespace Quorvane {
 std::string noMemoryFor(std::size_t size);
 
 struct HeaderSection {
+    // Keeps the memory of the text.
+    void clear();
+
     // Position in an mbox, from 1; 0 for a single message.
     std::size_t m_number = 0;
     // Up to and including the empty line that ends it, without the separator line. Empty when there

@@ -103,22 +103,20 @@ class RelayFinder {
         auto const host = setUpHost(m_settings, "--root, or root in the settings file,");
         Pass pass;
         m_progress.begin("messages");
+        std::vector<std::optional<Found>> found(OrderedPool::places(m_settings.m_jobs));
         OrderedPool pool(
             m_settings.m_jobs,
-            [&](InputItem const& item) -> OrderedPool::Hand {
-                return [this, &pass, found = judge(*host, item), problem = item.m_problem,
-                        source = item.m_source, status = item.m_exitStatus,
-                        position = item.m_position] {
-                    if (found) {
-                        s_add(pass, *found);
-                    } else if (!problem.empty()) {
-                        note(source, problem, status);
-                    }
-                    m_progress.update(pass.m_messages);
-                    m_progress.doneTo(position);
-                    return true;
-                };
-            },
+            {[&](InputItem const& item, std::size_t place) { found[place] = judge(*host, item); },
+             [&](InputItem const& item, std::size_t place) {
+                 if (found[place]) {
+                     s_add(pass, *found[place]);
+                 } else if (!item.m_problem.empty()) {
+                     note(item);
+                 }
+                 m_progress.update(pass.m_messages);
+                 m_progress.doneTo(item.m_position);
+                 return true;
+             }},
             m_interrupt.token());
         Inputs inputs(m_options.m_paths, m_interrupt, m_settings.m_limits);
         submitAll(pool, inputs, m_interrupt); // run looks at the signal
@@ -140,11 +138,11 @@ class RelayFinder {
     }
 
     // A problem shows in every pass.
-    void note(std::string const& source, std::string const& problem, int status) {
+    void note(InputItem const& item) {
         if (m_isFirst) {
-            m_problem = m_problem == 0 ? status : m_problem;
+            m_problem = m_problem == 0 ? item.m_exitStatus : m_problem;
             m_progress.clear();
-            std::cerr << "qvscan: " << toPrintable(source + ": " + problem) << '\n';
+            std::cerr << "qvscan: " << toPrintable(item.m_source + ": " + item.m_problem) << '\n';
         }
     }
 

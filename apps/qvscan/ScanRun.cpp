@@ -15,6 +15,7 @@
 #include <cstring>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace Quorvane {
 
@@ -111,20 +112,20 @@ ScanResult ScanRun::judge(InputItem const& item) const {
     return result;
 }
 
-bool ScanRun::take(ScanResult const& result, std::string const& source) {
+bool ScanRun::take(ScanResult const& result, InputItem const& item) {
     m_foundSpam = m_foundSpam || result.m_isSpam;
     note(result.m_exitStatus);
     ++m_messages;
-    count(result);
+    count(result, item.m_position);
     m_errors.write(result.m_errors);
-    return m_output.write(result.m_output) && extract(result, source);
+    return m_output.write(result.m_output) && extract(result, item.m_source);
 }
 
 // A record that is written elsewhere leaves the progress line alone.
-void ScanRun::count(ScanResult const& result) {
+void ScanRun::count(ScanResult const& result, std::uint64_t position) {
     if (m_progress) {
         m_progress->update(m_messages);
-        m_progress->doneTo(result.m_position);
+        m_progress->doneTo(position);
         if (m_sharesTerminal || !result.m_errors.empty()) {
             m_progress->clear();
         }
@@ -228,15 +229,14 @@ int ScanRun::run() {
     reportWaiting();
     startProgress();
     LookupEnd const lookupEnd(m_interrupt.token());
+    auto const jobs = m_host->settings().m_jobs;
+    std::vector<ScanResult> results(OrderedPool::places(jobs));
     OrderedPool pool(
-        m_host->settings().m_jobs,
-        [this](InputItem const& item) {
-            auto judged = judge(item);
-            judged.m_position = item.m_position;
-            return [this, result = std::move(judged), source = item.m_source] {
-                return take(result, source);
-            };
-        },
+        jobs,
+        {[&](InputItem const& item, std::size_t place) { results[place] = judge(item); },
+         [&](InputItem const& item, std::size_t place) {
+             return take(std::exchange(results[place], {}), item);
+         }},
         m_interrupt.token());
     Inputs inputs(m_options.m_paths, m_interrupt, m_host->settings().m_limits,
                   m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)

@@ -29,8 +29,7 @@ struct ScanResult {
     std::string m_output;
     std::string m_errors;
     bool m_isSpam = false;
-    int m_exitStatus = 0;         // of a problem
-    std::uint64_t m_position = 0; // of the input, as in InputItem
+    int m_exitStatus = 0; // of a problem
     std::optional<MessageFigures> m_figures = {};
     // To be extracted; null: it is not.
     std::shared_ptr<MessageCopy const> m_copy = {};
@@ -51,13 +50,13 @@ class ScanRun {
     std::string heading() const;
     std::string render(std::string const& source, HeaderContainer const& headers,
                        ScanRecord const& record) const;
-    bool take(ScanResult const& result, std::string const& source);
+    bool take(ScanResult const& result, InputItem const& item);
     bool extract(ScanResult const& result, std::string const& source);
     bool showsProgress() const;
     bool mayShowSummary() const;
     bool showsSummary() const;
     RecordDepth depth() const;
-    void count(ScanResult const& result);
+    void count(ScanResult const& result, std::uint64_t position);
     void startProgress();
     void reportNames();
     void reportWaiting();

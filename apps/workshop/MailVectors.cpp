@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace Quorvane::Workshop {
 
@@ -64,14 +65,15 @@ MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
     Inputs inputs(paths, m_interrupt, m_host->settings().m_limits);
     LookupEnd const lookupEnd(m_interrupt.token());
+    auto const jobs = m_host->settings().m_jobs;
+    std::vector<MailVector> vectors(OrderedPool::places(jobs));
     OrderedPool pool(
-        m_host->settings().m_jobs,
-        [this, &sink](InputItem const& item) {
-            return [&sink, vector = vectorOf(item)] {
-                sink(vector);
-                return true;
-            };
-        },
+        jobs,
+        {[&](InputItem const& item, std::size_t place) { vectors[place] = vectorOf(item); },
+         [&](InputItem const& /*item*/, std::size_t place) {
+             sink(vectors[place]);
+             return true;
+         }},
         m_interrupt.token());
     submitAll(pool, inputs, m_interrupt);
     pool.finish();

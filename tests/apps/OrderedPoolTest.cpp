@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/OrderedPool.h"
 
+#include <algorithm>
 #include <atomic>
 #include <gtest/gtest.h>
+#include <latch>
 #include <new>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace Quorvane::Testing {
 
@@ -25,43 +30,156 @@ int s_submit(OrderedPool& pool, int count) {
     return number;
 }
 
-TEST(OrderedPool, HandsResultsOnInOrder) {
-    std::vector<std::string> taken;
-    OrderedPool pool(4, [&taken](InputItem const& item) {
-        return [&taken, source = item.m_source] {
-            taken.push_back(source);
-            return true;
-        };
-    });
-    EXPECT_EQ(s_submit(pool, 2000), 2000);
-    pool.finish();
-    ASSERT_EQ(taken.size(), 2000U);
-    for (std::size_t i = 0; i < taken.size(); ++i) {
+// A source of `count` messages.
+OrderedPool::Source s_source(int count) {
+    return [number = 0, count](InputItem& item, OrderedPool& /*pool*/) mutable {
+        item.m_source = std::to_string(number);
+        return number++ < count;
+    };
+}
+
+void s_doNothing(InputItem const& /*item*/, std::size_t /*place*/) {}
+
+// Notes what is delivered: the name of a message and its problem.
+OrderedPool::Take s_noteIn(std::vector<std::string>& taken) {
+    return [&taken](InputItem const& item, std::size_t /*place*/) {
+        taken.push_back(item.m_source + item.m_problem);
+        return true;
+    };
+}
+
+void s_expectAll(std::vector<std::string> const& taken, std::size_t count) {
+    ASSERT_EQ(taken.size(), count);
+    for (std::size_t i = 0; i < count; ++i) {
         ASSERT_EQ(taken[i], std::to_string(i));
     }
 }
 
+TEST(OrderedPool, HandsResultsOnInOrder) {
+    std::vector<std::string> results(OrderedPool::places(4));
+    std::vector<std::string> taken;
+    OrderedPool pool(4, {[&](InputItem const& item, std::size_t place) {
+                             EXPECT_EQ(results[place], "") << "the place is another message's";
+                             results[place] = item.m_source;
+                         },
+                         [&](InputItem const& item, std::size_t place) {
+                             EXPECT_EQ(results[place], item.m_source);
+                             taken.push_back(std::exchange(results[place], ""));
+                             return true;
+                         }});
+    EXPECT_EQ(s_submit(pool, 20000), 20000);
+    pool.finish();
+    s_expectAll(taken, 20000);
+}
+
+TEST(OrderedPool, ReadsItsSourceToTheEnd) {
+    for (unsigned int const threads : {1U, 2U, 7U}) {
+        std::vector<std::string> taken;
+        std::vector<bool> ends;
+        OrderedPool pool(threads, {s_doNothing, s_noteIn(taken), s_source(20000),
+                                   [&](bool isEnd, std::exception_ptr const& thrown) {
+                                       EXPECT_EQ(thrown, nullptr);
+                                       ends.push_back(isEnd);
+                                   }});
+        pool.finish();
+        s_expectAll(taken, 20000);
+        EXPECT_EQ(std::count(ends.begin(), ends.end(), true), 1);
+        EXPECT_TRUE(ends.back());
+    }
+}
+
+TEST(OrderedPool, AnEmptySourceHasAnEnd) {
+    std::vector<std::string> taken;
+    bool isAtEnd = false;
+    OrderedPool pool(2, {s_doNothing, s_noteIn(taken), s_source(0),
+                         [&](bool isEnd, std::exception_ptr const&) { isAtEnd = isEnd; }});
+    pool.finish();
+    EXPECT_TRUE(isAtEnd);
+    EXPECT_TRUE(taken.empty());
+}
+
+TEST(OrderedPool, WhatItsSourceThrowsComesAfterTheResultsBefore) {
+    std::vector<std::string> taken;
+    std::exception_ptr told;
+    OrderedPool pool(3, {s_doNothing, s_noteIn(taken),
+                         [source = s_source(1000)](InputItem& item, OrderedPool& all) mutable {
+                             return source(item, all) ? true : throw std::runtime_error("broken");
+                         },
+                         [&](bool isEnd, std::exception_ptr const& thrown) {
+                             EXPECT_EQ(isEnd, thrown != nullptr);
+                             told = thrown;
+                         }});
+    EXPECT_THROW(pool.finish(), std::runtime_error);
+    s_expectAll(taken, 1000);
+    EXPECT_NE(told, nullptr);
+}
+
+// The source goes on only when what it has given before is delivered: a writer who waits for an
+// answer before it sends more.
+TEST(OrderedPool, WhatWasReadDoesNotWaitForASourceThatWaits) {
+    std::vector<std::string> taken;
+    std::latch isTaken(3);
+    OrderedPool pool(2, {s_doNothing,
+                         [&](InputItem const& item, std::size_t /*place*/) {
+                             taken.push_back(item.m_source);
+                             if (taken.size() <= 3) {
+                                 isTaken.count_down();
+                             }
+                             return true;
+                         },
+                         [&, number = 0](InputItem& item, OrderedPool& all) mutable {
+                             if (number == 3) {
+                                 all.sourceWaits();
+                                 isTaken.wait();
+                             }
+                             item.m_source = std::to_string(number);
+                             return number++ < 10;
+                         }});
+    pool.finish();
+    s_expectAll(taken, 10);
+}
+
+// No more messages are read than have places.
+TEST(OrderedPool, ASourceIsReadNoFurtherThanThereAreResultsTaken) {
+    std::atomic<std::size_t> read{0};
+    std::size_t taken = 0;
+    OrderedPool pool(2, {s_doNothing,
+                         [&](InputItem const& /*item*/, std::size_t /*place*/) {
+                             ++taken;
+                             EXPECT_LE(read - taken, OrderedPool::places(2));
+                             return true;
+                         },
+                         [&](InputItem& item, OrderedPool& /*pool*/) {
+                             item.m_source = "x";
+                             return ++read <= 50000;
+                         }});
+    pool.finish();
+    EXPECT_EQ(taken, 50000U);
+}
+
 TEST(OrderedPool, EndsWhenNothingMoreIsWanted) {
     int taken = 0;
-    OrderedPool pool(
-        4, [&taken](InputItem const& /*item*/) { return [&taken] { return ++taken < 10; }; });
+    auto const takeTen = [&taken](InputItem const&, std::size_t) { return ++taken < 10; };
+    OrderedPool pool(4, {s_doNothing, takeTen});
     // Far more than may wait.
     EXPECT_LT(s_submit(pool, 1000000), 1000000);
     pool.finish();
+    EXPECT_EQ(taken, 10);
+
+    taken = 0;
+    OrderedPool reading(4, {s_doNothing, takeTen, s_source(1000000)});
+    reading.finish();
     EXPECT_EQ(taken, 10);
 }
 
 TEST(OrderedPool, WhatIsThrownForAMessageComesOutInItsTurn) {
     std::vector<std::string> taken;
-    OrderedPool pool(4, [&taken](InputItem const& item) -> OrderedPool::Hand {
-        if (item.m_source == "100" || item.m_source == "500") {
-            throw std::runtime_error(item.m_source);
-        }
-        return [&taken, source = item.m_source] {
-            taken.push_back(source);
-            return true;
-        };
-    });
+    OrderedPool pool(4, {[](InputItem const& item, std::size_t /*place*/) {
+                             if (item.m_source == "100" || item.m_source == "500") {
+                                 throw std::runtime_error(item.m_source);
+                             }
+                         },
+                         s_noteIn(taken)});
     s_submit(pool, 2000);
     try {
         pool.finish();
@@ -69,23 +187,19 @@ TEST(OrderedPool, WhatIsThrownForAMessageComesOutInItsTurn) {
     } catch (std::runtime_error const& error) {
         EXPECT_STREQ(error.what(), "100");
     }
-    ASSERT_EQ(taken.size(), 100U);
-    EXPECT_EQ(taken.back(), "99");
+    s_expectAll(taken, 100);
 }
 
 // A message that the memory is too small for becomes a problem that bears its name; the others are
 // judged as ever.
 TEST(OrderedPool, AMessageThatDoesNotFitIsAProblemInItsTurn) {
     std::vector<std::string> taken;
-    OrderedPool pool(4, [&taken](InputItem const& item) -> OrderedPool::Hand {
-        if (item.m_source == "100" && item.m_problem.empty()) {
-            throw std::bad_alloc();
-        }
-        return [&taken, text = item.m_source + item.m_problem] {
-            taken.push_back(text);
-            return true;
-        };
-    });
+    OrderedPool pool(4, {[](InputItem const& item, std::size_t /*place*/) {
+                             if (item.m_source == "100" && item.m_problem.empty()) {
+                                 throw std::bad_alloc();
+                             }
+                         },
+                         s_noteIn(taken)});
     EXPECT_EQ(s_submit(pool, 200), 200);
     pool.finish();
     ASSERT_EQ(taken.size(), 200U);
@@ -99,7 +213,7 @@ TEST(OrderedPool, AMessageThatDoesNotFitIsTriedAgainAlone) {
     std::atomic<int> atWork{0};
     std::atomic<int> failures{0};
     std::vector<std::string> taken;
-    OrderedPool pool(4, [&](InputItem const& item) -> OrderedPool::Hand {
+    auto const work = [&](InputItem const& item, std::size_t /*place*/) {
         struct Counted {
             explicit Counted(std::atomic<int>& count) : m_count(count), m_others(count++) {}
             ~Counted() { --m_count; }
@@ -113,36 +227,42 @@ TEST(OrderedPool, AMessageThatDoesNotFitIsTriedAgainAlone) {
         if (item.m_source == "7") {
             EXPECT_EQ(counted.m_others, 0) << "another message is being judged";
         }
-        return [&taken, text = item.m_source + item.m_problem] {
-            taken.push_back(text);
-            return true;
-        };
-    });
+    };
+    OrderedPool pool(4, {work, s_noteIn(taken)});
     EXPECT_EQ(s_submit(pool, 1000), 1000);
     pool.finish();
-    ASSERT_EQ(taken.size(), 1000U);
-    EXPECT_EQ(taken[7], "7");
+    s_expectAll(taken, 1000);
 }
 
 // The third message is in hand when the stop is requested.
 TEST(OrderedPool, ARequestToStopDeliversWhatIsDoneAndDropsTheRest) {
     std::vector<std::string> taken;
     std::stop_source stop;
-    OrderedPool pool(
-        1,
-        [&](InputItem const& item) {
-            if (item.m_source == "3") {
-                stop.request_stop();
-            }
-            return [&taken, source = item.m_source] {
-                taken.push_back(source);
-                return true;
-            };
-        },
-        stop.get_token());
+    OrderedPool pool(1,
+                     {[&](InputItem const& item, std::size_t /*place*/) {
+                          if (item.m_source == "3") {
+                              stop.request_stop();
+                          }
+                      },
+                      s_noteIn(taken)},
+                     stop.get_token());
     EXPECT_LT(s_submit(pool, 1000000), 1000000);
     pool.finish();
     EXPECT_EQ(taken, (std::vector<std::string>{"0", "1", "2"}));
+}
+
+// Messages that take long are shared one by one: each thread has one of the first four.
+TEST(OrderedPool, SlowMessagesAreSharedAmongTheThreads) {
+    std::latch areAtWork(4);
+    std::vector<std::string> taken;
+    OrderedPool pool(4, {[&](InputItem const& item, std::size_t /*place*/) {
+                             if (std::stoi(item.m_source) < 4) {
+                                 areAtWork.arrive_and_wait();
+                             }
+                         },
+                         s_noteIn(taken), s_source(100)});
+    pool.finish();
+    s_expectAll(taken, 100);
 }
 
 } // namespace
