@@ -7,6 +7,8 @@
 #include "python/Argument.h"
 
 #include <pybind11/stl.h>
+#include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace Quorvane::Python {
@@ -14,6 +16,11 @@ namespace Quorvane::Python {
 namespace {
 
 namespace py = pybind11;
+
+Rules::RuleName const& s_rule(Judgement const& judgement) {
+    static Rules::RuleName const none;
+    return judgement.m_rule == nullptr ? none : *judgement.m_rule;
+}
 
 py::object s_confidence(Answer const& answer) {
     return answer.m_node == 0 ? py::none() : py::object(py::float_(answer.m_confidence));
@@ -36,13 +43,13 @@ std::string s_repr(Answer const& answer) {
     return start + ", verdict='" + answer.m_verdict +
            "', confidence=" + text(s_confidence(answer)) +
            ", node=" + std::to_string(answer.m_node) +
-           (answer.m_rule.m_name.empty() ? "" : ", name=" + text(textOf(answer.m_rule.m_name))) +
+           (s_rule(answer).m_name.empty() ? "" : ", name=" + text(textOf(s_rule(answer).m_name))) +
            ")";
 }
 
 py::tuple s_state(Answer const& a) {
     return py::make_tuple(py::bytes(a.m_source), a.m_verdict, a.m_isJudged, a.m_node,
-                          py::bytes(a.m_rule.m_name), py::bytes(a.m_rule.m_sentence),
+                          py::bytes(s_rule(a).m_name), py::bytes(s_rule(a).m_sentence),
                           a.m_confidence, a.m_support, a.m_adjustment, s_addresses(a),
                           py::bytes(a.m_reasons), py::bytes(a.m_error));
 }
@@ -54,42 +61,45 @@ Answer s_fromState(py::tuple const& state) {
     }
     auto const text = [&state](std::size_t field) { return state[field].cast<std::string>(); };
     auto const number = [&state](std::size_t field) { return state[field].cast<double>(); };
-    return {text(0),
-            text(1),
-            state[2].cast<bool>(),
-            state[3].cast<std::int32_t>(),
-            {text(4), text(5)},
-            number(6),
-            number(7),
-            number(8),
-            state[9].cast<std::vector<std::string>>(),
-            text(10),
-            text(11)};
+    auto const rule = std::make_shared<Rules::RuleName const>(Rules::RuleName{text(4), text(5)});
+    return {{text(0), text(1), state[2].cast<bool>(), state[3].cast<std::int32_t>(), rule.get(),
+             number(6), number(7), number(8), state[9].cast<std::vector<std::string>>(), text(10),
+             text(11)},
+            rule};
 }
 
 } // namespace
 
-Answer answerOf(std::string source, ScanRecord const& record, Rules::RuleNames const& names) {
-    auto const& verdict = record.verdict;
-    auto const* const rule = deciderName(names, verdict);
-    return {std::move(source),
-            verdictName(verdict),
-            record.isJudged(),
-            verdict.node,
-            rule == nullptr ? Rules::RuleName() : *rule,
-            verdict.confidence,
-            verdict.support,
-            verdict.adjust,
-            judgedAddresses(verdict),
-            record.answer.getReasons(),
-            record.failure.value_or("")};
+bool Answer::operator==(Answer const& other) const {
+    auto const values = [](Answer const& a) {
+        return std::tie(a.m_source, a.m_verdict, a.m_isJudged, a.m_node, s_rule(a).m_name,
+                        s_rule(a).m_sentence, a.m_confidence, a.m_support, a.m_adjustment,
+                        a.m_addresses, a.m_reasons, a.m_error);
+    };
+    return values(*this) == values(other);
 }
 
-Answer problemOf(std::string source, std::string problem) {
-    Answer answer;
-    answer.m_source = std::move(source);
-    answer.m_error = std::move(problem);
-    return answer;
+void takeRecord(Judgement& judgement, std::string const& source, ScanRecord const& record,
+                Rules::RuleNames const& names) {
+    auto const& verdict = record.verdict;
+    auto const addresses = judgedAddresses(verdict);
+    judgement.m_source = source;
+    judgement.m_verdict = verdictName(verdict);
+    judgement.m_isJudged = record.isJudged();
+    judgement.m_node = verdict.node;
+    judgement.m_rule = deciderName(names, verdict);
+    judgement.m_confidence = verdict.confidence;
+    judgement.m_support = verdict.support;
+    judgement.m_adjustment = verdict.adjust;
+    judgement.m_addresses.assign(addresses.begin(), addresses.end());
+    judgement.m_reasons.assign(record.answer.getReasons());
+    judgement.m_error.assign(record.failure ? *record.failure : std::string_view());
+}
+
+void takeProblem(Judgement& judgement, std::string const& source, std::string const& problem) {
+    judgement = Judgement();
+    judgement.m_source = source;
+    judgement.m_error = problem;
 }
 
 void bindAnswer(py::module_& module) {
@@ -109,10 +119,10 @@ void bindAnswer(py::module_& module) {
             "node", [](Self self) { return self.m_node; },
             "The number of the tree node or elite rule that decided; 0: none.")
         .def_property_readonly(
-            "name", [](Self self) { return textOrNone(self.m_rule.m_name); },
+            "name", [](Self self) { return textOrNone(s_rule(self).m_name); },
             "The name of what decided; None when it has no name.")
         .def_property_readonly(
-            "sentence", [](Self self) { return textOrNone(self.m_rule.m_sentence); },
+            "sentence", [](Self self) { return textOrNone(s_rule(self).m_sentence); },
             "Why the rule is there; None when its author does not say.")
         .def_property_readonly("confidence", s_confidence,
                                "The probability of spam, 0 to 1; None when no rule decided.")

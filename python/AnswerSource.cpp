@@ -63,17 +63,6 @@ class TakenMessages {
     bool m_isAtEnd = false;
 };
 
-// Null is the end.
-std::optional<Answer> s_answerOf(Result const* result) {
-    if (result == nullptr) {
-        return std::nullopt;
-    }
-    if (result->m_thrown) {
-        std::rethrow_exception(result->m_thrown);
-    }
-    return result->m_answer;
-}
-
 class ByCaller : public AnswerSource {
   public:
     ByCaller(ScannerPointer scanner, py::object messages)
@@ -85,8 +74,12 @@ class ByCaller : public AnswerSource {
             m_messages.rethrow();
             return std::nullopt;
         }
-        py::gil_scoped_release const release;
-        return m_scanner->judge(item);
+        Judgement judgement;
+        {
+            py::gil_scoped_release const release;
+            m_scanner->judge(item, judgement);
+        }
+        return m_scanner->answer(std::move(judgement));
     }
 
   private:
@@ -103,21 +96,22 @@ class ByPool : public AnswerSource {
   protected:
     // For threads of the pool.
     OrderedPool::Roles roles(OrderedPool::Source source) {
-        return {[this](InputItem const& item, std::size_t place) { judge(item, m_atPlaces[place]); },
-                [this](InputItem const& /*item*/, std::size_t place) {
-                    return m_results.add(m_atPlaces[place]);
-                },
-                std::move(source),
-                [this](bool isEnd, std::exception_ptr const& thrown) {
-                    if (isEnd) {
-                        m_results.end(thrown);
-                    } else {
-                        m_results.publish();
-                    }
-                }};
+        return {
+            [this](InputItem const& item, std::size_t place) { judge(item, m_atPlaces[place]); },
+            [this](InputItem const& /*item*/, std::size_t place) {
+                return m_results.add(m_atPlaces[place]);
+            },
+            std::move(source),
+            [this](bool isEnd, std::exception_ptr const& thrown) {
+                if (isEnd) {
+                    m_results.end(thrown);
+                } else {
+                    m_results.publish();
+                }
+            }};
     }
 
-    // The next one, or empty at the end; lets the interpreter handle signals meanwhile.
+    // The next one, or null at the end; lets the interpreter handle signals meanwhile.
     Result const* nextResult() {
         while (!m_results.isReady() && !waitForResults()) {
             if (PyErr_CheckSignals() != 0) {
@@ -125,6 +119,17 @@ class ByPool : public AnswerSource {
             }
         }
         return m_results.take();
+    }
+
+    // Copies, so that the memory of the result goes back to the threads.
+    std::optional<Answer> answerOf(Result const* result) const {
+        if (result == nullptr) {
+            return std::nullopt;
+        }
+        if (result->m_thrown) {
+            std::rethrow_exception(result->m_thrown);
+        }
+        return m_scanner->answer(result->m_judgement);
     }
 
     void stop(std::unique_ptr<OrderedPool>& pool) {
@@ -138,13 +143,11 @@ class ByPool : public AnswerSource {
     ResultQueue m_results;
 
   private:
-    // Of running out of memory the pool makes a problem of the message. Copies, since the memory of
-    // the result may be another thread's.
+    // Of running out of memory the pool makes a problem of the message.
     void judge(InputItem const& item, Result& result) const {
         result.m_thrown = nullptr;
         try {
-            auto const answer = m_scanner->judge(item);
-            result.m_answer = answer;
+            m_scanner->judge(item, result.m_judgement);
         } catch (std::bad_alloc const&) {
             throw;
         } catch (...) {
@@ -179,7 +182,7 @@ class FedByCaller : public ByPool {
         }
         auto const* const result = nextResult();
         --m_underWay;
-        return s_answerOf(result);
+        return answerOf(result);
     }
 
   private:
@@ -190,8 +193,8 @@ class FedByCaller : public ByPool {
     void readAhead() {
         constexpr int few = 2;
         InputItem item;
-        for (int i = 0; m_underWay < ResultQueue::mostWaiting && (i < few || !m_results.isReady()) &&
-                        m_messages.take(item);
+        for (int i = 0; m_underWay < ResultQueue::mostWaiting &&
+                        (i < few || !m_results.isReady()) && m_messages.take(item);
              ++i) {
             add(std::move(item));
         }
@@ -228,17 +231,16 @@ class ReadByPool : public ByPool {
         : ByPool(std::move(scanner), threads), m_owner(std::move(owner)),
           m_messages(messages, m_stop.get_token(), [this] { m_reading->sourceWaits(); }) {
         SignalsBlocked const blocked;
-        m_pool = std::make_unique<OrderedPool>(
-            threads,
-            roles([this](InputItem& item, OrderedPool& pool) {
-                m_reading = &pool;
-                return m_messages.next(item);
-            }),
-            m_stop.get_token());
+        m_pool = std::make_unique<OrderedPool>(threads,
+                                               roles([this](InputItem& item, OrderedPool& pool) {
+                                                   m_reading = &pool;
+                                                   return m_messages.next(item);
+                                               }),
+                                               m_stop.get_token());
     }
     ~ReadByPool() override { stop(m_pool); } // NOLINT(bugprone-exception-escape)
 
-    std::optional<Answer> next() override { return s_answerOf(nextResult()); }
+    std::optional<Answer> next() override { return answerOf(nextResult()); }
 
   private:
     py::object m_owner;

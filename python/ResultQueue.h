@@ -19,8 +19,8 @@
 namespace Quorvane::Python {
 
 struct Result {
-    Answer m_answer;
-    std::exception_ptr m_thrown; // instead of an answer, or null
+    Judgement m_judgement;
+    std::exception_ptr m_thrown; // instead of it, or null
 };
 
 // A list that only grows: what was in it serves again.
@@ -43,8 +43,8 @@ class ResultQueue {
     // Enough that no thread waits while Python takes answers one by one.
     static constexpr std::size_t mostWaiting = 512;
 
-    // For one thread at a time, these three. Exchanges the result for one that is over. False: there
-    // is no memory for more.
+    // For one thread at a time, these three. Exchanges the result for one that is over. False:
+    // there is no memory for more.
     bool add(Result& result);
     // Shows what was added, many at once, so that threads seldom wake each other. Waits for room.
     void publish();
@@ -58,8 +58,8 @@ class ResultQueue {
     // Waits until isReady, or the end is there; false when that takes longer. Throws std::bad_alloc
     // when a result was lost.
     bool waitFor(std::chrono::milliseconds time);
-    // The next result, which stays until the next call; null at the end. What was thrown comes once.
-    // REQUIRES: waitFor or isReady said true.
+    // The next result, which stays until the next call; null at the end. What was thrown comes
+    // once. REQUIRES: waitFor or isReady said true.
     Result const* take();
 
   private:
@@ -71,8 +71,8 @@ class ResultQueue {
     bool m_isEnded = false;
     bool m_isStopped = false;
     bool m_isOutOfMemory = false;
-    ResultList m_added; // not shown yet
-    ResultList m_taken; // from m_results, all at once
+    ResultList m_added;     // not shown yet
+    ResultList m_taken;     // from m_results, all at once
     std::size_t m_next = 0; // in m_taken
 };
 

@@ -94,14 +94,15 @@ std::string Scanner::problemWith(std::string_view headers, std::string const& pr
     return problem.empty() ? whyNotJudged(headers, m_host->settings().m_limits) : problem;
 }
 
-Answer Scanner::judge(InputItem const& item) const {
-    auto problem = problemWith(item.m_headers, item.m_problem);
+void Scanner::judge(InputItem const& item, Judgement& judgement) const {
+    auto const problem = problemWith(item.m_headers, item.m_problem);
     if (!problem.empty()) {
-        return problemOf(item.m_source, std::move(problem));
+        takeProblem(judgement, item.m_source, problem);
+        return;
     }
     auto const headers = m_host->read(item.m_headers);
-    return answerOf(item.m_source, m_host->scan(headers, {}, RecordDepth::result),
-                    m_host->ruleNames());
+    takeRecord(judgement, item.m_source, m_host->scan(headers, {}, RecordDepth::result),
+               m_host->ruleNames());
 }
 
 Scanner::Scan Scanner::scan(py::handle message, py::kwargs const& facts, RecordDepth depth) const {
@@ -121,8 +122,10 @@ Scanner::Scan Scanner::scan(py::handle message, py::kwargs const& facts, RecordD
 }
 
 Answer Scanner::scan(py::handle message, py::kwargs const& facts) const {
-    auto done = scan(message, facts, RecordDepth::result);
-    return answerOf(std::move(done.m_source), done.m_record, m_host->ruleNames());
+    auto const done = scan(message, facts, RecordDepth::result);
+    Judgement judgement;
+    takeRecord(judgement, done.m_source, done.m_record, m_host->ruleNames());
+    return answer(std::move(judgement));
 }
 
 py::object Scanner::explain(py::handle message, py::kwargs const& facts) const {

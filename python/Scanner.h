@@ -26,7 +26,10 @@ class Scanner {
     // Throws std::runtime_error when a later scanner has put other settings in force.
     void requireInForce() const;
 
-    Answer judge(InputItem const& item) const;
+    // Uses the memory of `judgement` again.
+    void judge(InputItem const& item, Judgement& judgement) const;
+    // For Python.
+    Answer answer(Judgement judgement) const { return {std::move(judgement), m_host}; }
     // 0: one for each core.
     unsigned int jobs() const { return m_host->settings().m_jobs; }
 
