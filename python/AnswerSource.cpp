@@ -187,14 +187,15 @@ class FedByCaller : public ByPool {
 
   private:
     static constexpr std::size_t submittedTogether = 16;
+    static constexpr std::size_t mostUnderWay = 512; // fewer than may wait
 
     // While answers wait, a few messages for each that is given away; otherwise until one comes or
     // enough are under way.
     void readAhead() {
         constexpr int few = 2;
         InputItem item;
-        for (int i = 0; m_underWay < ResultQueue::mostWaiting &&
-                        (i < few || !m_results.isReady()) && m_messages.take(item);
+        for (int i = 0; m_underWay < mostUnderWay && (i < few || !m_results.isReady()) &&
+                        m_messages.take(item);
              ++i) {
             add(std::move(item));
         }

@@ -41,7 +41,7 @@ class ResultList {
 class ResultQueue {
   public:
     // Enough that no thread waits while Python takes answers one by one.
-    static constexpr std::size_t mostWaiting = 512;
+    static constexpr std::size_t mostWaiting = 2048;
 
     // For one thread at a time, these three. Exchanges the result for one that is over. False:
     // there is no memory for more.

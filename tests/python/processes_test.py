@@ -16,7 +16,8 @@ from support import EXAMPLES, SETTINGS
 START = f"""
 import os, qvdeepheader, threading
 scanner = qvdeepheader.Scanner(settings={SETTINGS!r})
-message = open({str(EXAMPLES[0])!r}, "rb").read()
+path = {str(EXAMPLES[0])!r}
+message = open(path, "rb").read()
 """
 
 
@@ -39,6 +40,8 @@ cycle.answers = scanner.scan_many((message for _ in range(100000)), threads=4)
 print(next(cycle.answers).verdict)
 kept = scanner.scan_many([message] * 1000, threads=4)
 next(kept)
+read = scanner.scan_many(qvdeepheader.messages(*[path] * 2000), threads=4)
+next(read)
 """)
         self.assertEqual((ended.returncode, ended.stderr), (0, ""))
 
@@ -46,6 +49,7 @@ next(kept)
         ended = run("""
 for _ in range(50):
     next(scanner.scan_many([message] * 1000, threads=4))
+    next(scanner.scan_many(qvdeepheader.messages(*[path] * 2000), threads=4))
 print(len(os.listdir("/proc/self/task")))
 """)
         self.assertEqual((ended.returncode, ended.stderr), (0, ""))
@@ -73,8 +77,11 @@ except KeyboardInterrupt:
                 child.stdout.close()
 
     def testAChildOfAForkNeitherUsesNorEndsTheThreadsOfItsParent(self):
-        ended = run("""
-answers = scanner.scan_many([message] * 1000, threads=2)
+        for messages in ("[message] * 1000", "qvdeepheader.messages(*[path] * 1000)"):
+            self.assertForkedChildIsRefused(messages)
+
+    def assertForkedChildIsRefused(self, messages):
+        ended = run(f"answers = scanner.scan_many({messages}, threads=2)" + """
 next(answers)
 child = os.fork()
 if child == 0:

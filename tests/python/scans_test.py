@@ -156,6 +156,43 @@ class Scans(unittest.TestCase):
         reader.join()
         self.assertEqual(len(found), 1)
 
+    def testAnAnswerDoesNotWaitForTheNextMessage(self):
+        pipe = pathlib.Path(self.folder.name, "slow")
+        os.mkfifo(pipe)
+        answers = self.scanner.scan_many(qvdeepheader.messages(pipe), threads=2)
+        found = []
+        isFirstThere = threading.Event()
+
+        def read():
+            for answer in answers:
+                found.append(answer.source)
+                isFirstThere.set()
+        reader = threading.Thread(target=read)
+        reader.start()
+        body = b"A line of the body.\n" * 100  # enough to tell a mailbox from an archive
+        mail = (b"From a@b.example Thu Jan  1 00:00:00 2026\n" + EXAMPLES[0].read_bytes() + b"\n" +
+                body + b"\n")
+        with pipe.open("wb") as out:
+            out.write(mail)
+            out.flush()
+            isFirstThere.wait()  # the writer sends no more before
+            out.write(mail)
+        reader.join()
+        self.assertEqual(found, [f"{pipe}:1", f"{pipe}:2"])
+
+    def testMessagesBelongToAScanWhileItLasts(self):
+        for threads in (2, 7):
+            messages = qvdeepheader.messages(self.box)
+            answers = self.scanner.scan_many(messages, threads=threads)
+            first = next(answers)
+            with self.assertRaisesRegex(ValueError, "scan is reading these messages"):
+                next(messages)
+            with self.assertRaisesRegex(ValueError, "scan is reading these messages"):
+                next(self.scanner.scan_many(messages, threads=threads))
+            self.assertEqual(1 + sum(1 for _ in answers), 20 * len(EXAMPLES))
+            self.assertEqual(first.source, f"{self.box}:1")
+            self.assertEqual(list(messages), [])  # free, and at their end
+
     def testARuleTextIsCompiledForAScanner(self):
         rules = pathlib.Path(self.folder.name, "own.qvr")
         rules.write_text((SOURCE / "data/rules/starter.qvr").read_text())
