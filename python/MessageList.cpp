@@ -72,7 +72,7 @@ py::str s_nextFile(FileWalker& files) {
 void MessageWait::waitForInput(int descriptor) const {
     constexpr int longestWait = 100; // milliseconds
     pollfd waiting{descriptor, POLLIN, 0};
-    if (::poll(&waiting, 1, 0) > 0) {
+    if (isInputReady(descriptor)) {
         return;
     }
     if (m_beforeWait) {

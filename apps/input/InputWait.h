@@ -4,7 +4,15 @@
 // program (Interrupt.h), an exception of the interpreter in its module.
 #pragma once
 
+#include <poll.h>
+
 namespace Quorvane {
+
+// Whether a read would give something at once: bytes, the end, or an error.
+inline bool isInputReady(int descriptor) {
+    pollfd polled{descriptor, POLLIN, 0};
+    return ::poll(&polled, 1, 0) != 0;
+}
 
 class InputWait {
   public:

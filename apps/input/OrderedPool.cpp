@@ -36,15 +36,15 @@ std::size_t OrderedPool::places(unsigned int threads) {
 }
 
 OrderedPool::OrderedPool(unsigned int threads, Roles roles, std::stop_token stop)
-    : m_roles(std::move(roles)), m_batches(s_batches(threads)), m_stop(std::move(stop)),
-      m_onStop(m_stop, [this] { wakeAll(); }) {
+    : m_roles(std::move(roles)), m_threadCount(s_threads(threads)), m_batches(s_batches(threads)),
+      m_stop(std::move(stop)), m_onStop(m_stop, [this] { wakeAll(); }) {
     for (std::size_t i = 0; i < m_batches.size(); ++i) {
         m_batches[i].m_firstPlace = i * batchItems;
         m_batches[i].m_items.resize(batchItems);
         m_batches[i].m_thrown.resize(batchItems);
         m_free.push_back(&m_batches[i]);
     }
-    for (unsigned int i = 0; i < s_threads(threads); ++i) {
+    for (unsigned int i = 0; i < m_threadCount; ++i) {
         m_threads.emplace_back(&OrderedPool::run, this);
     }
 }
@@ -202,14 +202,21 @@ bool OrderedPool::fillOpen(std::exception_ptr& thrown) {
     }
 }
 
-// On the thread that reads.
+// On the thread that reads. Where there is no other one it works, too.
 void OrderedPool::sourceWaits() {
     std::unique_lock lock(m_mutex);
     m_hasRoom.wait(lock, [this] { return isStopping() || !m_free.empty(); });
-    if (m_open->m_count != 0 && !m_free.empty()) {
-        queueOpen();
-        open();
+    if (m_open->m_count == 0 || m_free.empty()) {
+        return;
+    }
+    queueOpen();
+    open();
+    if (m_threadCount > 1) {
         m_hasWork.notify_one();
+    } else {
+        while (auto* const batch = takeBatch()) {
+            workOn(*batch, lock);
+        }
     }
 }
 
@@ -226,6 +233,10 @@ OrderedPool::Batch* OrderedPool::nextBatch(std::unique_lock<std::mutex>& lock) {
     if (m_queue.empty() && hasWork()) {
         queueOpen();
     }
+    return takeBatch();
+}
+
+OrderedPool::Batch* OrderedPool::takeBatch() {
     if (m_queue.empty() || m_stop.stop_requested()) {
         return nullptr;
     }
@@ -251,19 +262,23 @@ void OrderedPool::run() {
 
 void OrderedPool::work(std::unique_lock<std::mutex>& lock) {
     while (auto* const batch = nextBatch(lock)) {
-        bool const isWanted = !m_isStopped;
-        lock.unlock();
-        auto const begin = std::chrono::steady_clock::now();
-        if (isWanted) {
-            workOn(*batch);
-        }
-        auto const time = std::chrono::steady_clock::now() - begin;
-        lock.lock();
-        adaptBatches(batch->m_count, time);
-        batch->m_isDone = true;
-        deliver(lock);
+        workOn(*batch, lock);
         tellEnd(lock);
     }
+}
+
+void OrderedPool::workOn(Batch& batch, std::unique_lock<std::mutex>& lock) {
+    bool const isWanted = !m_isStopped;
+    lock.unlock();
+    auto const begin = std::chrono::steady_clock::now();
+    if (isWanted) {
+        workOn(batch);
+    }
+    auto const time = std::chrono::steady_clock::now() - begin;
+    lock.lock();
+    adaptBatches(batch.m_count, time);
+    batch.m_isDone = true;
+    deliver(lock);
 }
 
 void OrderedPool::adaptBatches(std::size_t count, std::chrono::nanoseconds time) {
@@ -391,21 +406,6 @@ void OrderedPool::tellEnd(std::unique_lock<std::mutex>& lock) {
         m_roles.m_delivered(true, m_thrown);
         lock.lock();
     }
-}
-
-std::optional<std::uint64_t> submitAll(OrderedPool& pool, Inputs& inputs,
-                                       Interrupt const& interrupt) {
-    std::uint64_t submitted = 0;
-    try {
-        for (InputItem item; interrupt.signalNumber() == 0 && inputs.next(item); ++submitted) {
-            if (!pool.submit(std::move(item))) {
-                return std::nullopt;
-            }
-        }
-    } catch (Interrupted const&) {
-        return std::nullopt;
-    }
-    return interrupt.signalNumber() == 0 ? std::optional(submitted) : std::nullopt;
 }
 
 } // namespace Quorvane

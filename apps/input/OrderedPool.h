@@ -17,17 +17,14 @@
 #pragma once
 
 #include "apps/input/Inputs.h"
-#include "apps/input/Interrupt.h"
 
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
-#include <cstdint>
 #include <deque>
 #include <exception>
 #include <functional>
 #include <mutex>
-#include <optional>
 #include <shared_mutex>
 #include <stop_token>
 #include <thread>
@@ -67,8 +64,7 @@ class OrderedPool {
     bool submit(InputItem item);
     // Several at once, which locks once. Leaves `items` empty.
     bool submit(std::vector<InputItem>& items);
-    // For the source, when the next message may take long: with two threads or more, what was read
-    // need not wait for it.
+    // For the source, when the next message may take long: what was read does not wait for it.
     void sourceWaits();
     // Waits for what was submitted, or for all of the source; rethrows an exception.
     void finish();
@@ -97,9 +93,11 @@ class OrderedPool {
     void queueOpen();
     void readBatches(std::unique_lock<std::mutex>& lock);
     bool fillOpen(std::exception_ptr& thrown);
+    Batch* takeBatch();
     Batch* nextBatch(std::unique_lock<std::mutex>& lock);
     void run();
     void work(std::unique_lock<std::mutex>& lock);
+    void workOn(Batch& batch, std::unique_lock<std::mutex>& lock);
     void adaptBatches(std::size_t count, std::chrono::nanoseconds time);
     void workOn(Batch& batch);
     bool tryWorkOn(Batch& batch, std::size_t number);
@@ -114,6 +112,7 @@ class OrderedPool {
     void join();
 
     Roles m_roles;
+    unsigned int m_threadCount;
     std::mutex m_mutex;
     std::condition_variable m_hasWork; // or something may be read
     std::condition_variable m_hasRoom;
@@ -136,10 +135,5 @@ class OrderedPool {
     std::stop_token m_stop;
     std::stop_callback<std::function<void()>> m_onStop; // ends before the others do
 };
-
-// Submits all messages. Their number; empty when a signal came, or no more results are wanted: what
-// was submitted before is still worked on.
-std::optional<std::uint64_t> submitAll(OrderedPool& pool, Inputs& inputs,
-                                       Interrupt const& interrupt);
 
 } // namespace Quorvane

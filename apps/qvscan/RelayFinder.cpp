@@ -8,6 +8,7 @@
 #include "apps/input/Inputs.h"
 #include "apps/input/InputSize.h"
 #include "apps/input/OrderedPool.h"
+#include "apps/input/PooledInputs.h"
 #include "apps/story/OwnRelay.h"
 #include "apps/text/NumberText.h"
 #include "apps/text/Utf8.h"
@@ -103,6 +104,7 @@ class RelayFinder {
         auto const host = setUpHost(m_settings, "--root, or root in the settings file,");
         Pass pass;
         m_progress.begin("messages");
+        PooledInputs inputs(m_options.m_paths, m_interrupt, m_settings.m_limits);
         std::vector<std::optional<Found>> found(OrderedPool::places(m_settings.m_jobs));
         OrderedPool pool(
             m_settings.m_jobs,
@@ -116,11 +118,10 @@ class RelayFinder {
                  m_progress.update(pass.m_messages);
                  m_progress.doneTo(item.m_position);
                  return true;
-             }},
+             },
+             inputs.source()},
             m_interrupt.token());
-        Inputs inputs(m_options.m_paths, m_interrupt, m_settings.m_limits);
-        submitAll(pool, inputs, m_interrupt); // run looks at the signal
-        pool.finish();
+        pool.finish(); // run looks at the signal
         m_isFirst = false;
         return pass;
     }

@@ -4,6 +4,8 @@
 #include "apps/commandline/ProgramError.h"
 #include "apps/headers/ReceivedDate.h"
 #include "apps/host/LookupEnd.h"
+#include "apps/input/OrderedPool.h"
+#include "apps/input/PooledInputs.h"
 #include "apps/qvscan/VerdictCsv.h"
 #include "apps/story/JsonRecord.h"
 #include "apps/story/ScanText.h"
@@ -36,7 +38,19 @@ ScanResult s_problem(std::string const& source, std::string const& text, int sta
     return result;
 }
 
+// What is longer is not kept.
+constexpr std::size_t maxKeptBytes = std::size_t{8} << 10;
+
 } // namespace
+
+void ScanResult::clear() {
+    auto output = std::move(m_output);
+    *this = ScanResult();
+    if (output.capacity() <= maxKeptBytes) {
+        m_output = std::move(output);
+        m_output.clear();
+    }
+}
 
 ScanRun::ScanRun(ScanOptions const& options, HostSettings const& settings, Interrupt& interrupt,
                  bool pagerRuns)
@@ -223,29 +237,39 @@ void ScanRun::reportSummary() {
     }
 }
 
+// A result is copied into its place and stays there, so that its memory serves again.
+void ScanRun::judgeAll() {
+    auto const jobs = m_host->settings().m_jobs;
+    PooledInputs inputs(m_options.m_paths, m_interrupt, m_host->settings().m_limits,
+                        m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)
+                                     : std::nullopt);
+    std::vector<ScanResult> results(OrderedPool::places(jobs));
+    OrderedPool pool(jobs,
+                     {[&](InputItem const& item, std::size_t place) {
+                          auto const result = judge(item);
+                          results[place] = result;
+                      },
+                      [&](InputItem const& item, std::size_t place) {
+                          bool const isGoingOn = take(results[place], item);
+                          results[place].clear();
+                          return isGoingOn;
+                      },
+                      inputs.source([this](std::uint64_t count) {
+                          if (m_progress) {
+                              m_progress->expect(count);
+                          }
+                      })},
+                     m_interrupt.token());
+    pool.finish();
+}
+
 int ScanRun::run() {
     m_output.write(heading());
     reportNames();
     reportWaiting();
     startProgress();
     LookupEnd const lookupEnd(m_interrupt.token());
-    auto const jobs = m_host->settings().m_jobs;
-    std::vector<ScanResult> results(OrderedPool::places(jobs));
-    OrderedPool pool(
-        jobs,
-        {[&](InputItem const& item, std::size_t place) { results[place] = judge(item); },
-         [&](InputItem const& item, std::size_t place) {
-             return take(std::exchange(results[place], {}), item);
-         }},
-        m_interrupt.token());
-    Inputs inputs(m_options.m_paths, m_interrupt, m_host->settings().m_limits,
-                  m_extraction ? std::optional<std::filesystem::path>(m_options.m_extractTo)
-                               : std::nullopt);
-    auto const submitted = submitAll(pool, inputs, m_interrupt);
-    if (m_progress && submitted) {
-        m_progress->expect(*submitted);
-    }
-    pool.finish();
+    judgeAll();
     m_progress.reset();
     if (showsSummary()) {
         reportSummary();

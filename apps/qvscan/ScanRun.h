@@ -26,6 +26,9 @@ namespace Quorvane {
 
 // The output for one message, and its effect on the exit status.
 struct ScanResult {
+    // Keeps the memory of a short output.
+    void clear();
+
     std::string m_output;
     std::string m_errors;
     bool m_isSpam = false;
@@ -57,6 +60,7 @@ class ScanRun {
     bool showsSummary() const;
     RecordDepth depth() const;
     void count(ScanResult const& result, std::uint64_t position);
+    void judgeAll();
     void startProgress();
     void reportNames();
     void reportWaiting();

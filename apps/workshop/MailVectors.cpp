@@ -7,6 +7,7 @@
 #include "apps/host/RuleLoader.h"
 #include "apps/input/HeaderCheck.h"
 #include "apps/input/OrderedPool.h"
+#include "apps/input/PooledInputs.h"
 #include "apps/story/FailedLookups.h"
 #include "platform/HeaderReader.h"
 #include "platform/IPAddress.h"
@@ -63,7 +64,7 @@ MailVectors::MailVectors(HostSettings const& settings, bool wantsRewritten)
       m_isOwnRelay(s_ownRelays(settings)) {}
 
 void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) {
-    Inputs inputs(paths, m_interrupt, m_host->settings().m_limits);
+    PooledInputs inputs(paths, m_interrupt, m_host->settings().m_limits);
     LookupEnd const lookupEnd(m_interrupt.token());
     auto const jobs = m_host->settings().m_jobs;
     std::vector<MailVector> vectors(OrderedPool::places(jobs));
@@ -73,9 +74,9 @@ void MailVectors::scan(std::vector<std::string> const& paths, Sink const& sink) 
          [&](InputItem const& /*item*/, std::size_t place) {
              sink(vectors[place]);
              return true;
-         }},
+         },
+         inputs.source()},
         m_interrupt.token());
-    submitAll(pool, inputs, m_interrupt);
     pool.finish();
     if (int const number = m_interrupt.signalNumber(); number != 0) {
         throw ScanInterrupted{number};
