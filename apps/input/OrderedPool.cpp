@@ -206,17 +206,17 @@ bool OrderedPool::fillOpen(std::exception_ptr& thrown) {
 void OrderedPool::sourceWaits() {
     std::unique_lock lock(m_mutex);
     m_hasRoom.wait(lock, [this] { return isStopping() || !m_free.empty(); });
-    if (m_open->m_count == 0 || m_free.empty()) {
-        return;
-    }
-    queueOpen();
-    open();
-    if (m_threadCount > 1) {
+    if (m_open->m_count != 0 && !m_free.empty()) {
+        queueOpen();
+        open();
         m_hasWork.notify_one();
-    } else {
-        while (auto* const batch = takeBatch()) {
-            workOn(*batch, lock);
+    }
+    while (m_threadCount == 1) {
+        auto* const batch = takeBatch();
+        if (batch == nullptr) {
+            break;
         }
+        workOn(*batch, lock);
     }
 }
 

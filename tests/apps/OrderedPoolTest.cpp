@@ -115,28 +115,31 @@ TEST(OrderedPool, WhatItsSourceThrowsComesAfterTheResultsBefore) {
 }
 
 // The source goes on only when what it has given before is delivered: a writer who waits for an
-// answer before it sends more.
+// answer before it sends more. Batches are of many messages by then.
 TEST(OrderedPool, WhatWasReadDoesNotWaitForASourceThatWaits) {
-    std::vector<std::string> taken;
-    std::latch isTaken(3);
-    OrderedPool pool(2, {s_doNothing,
-                         [&](InputItem const& item, std::size_t /*place*/) {
-                             taken.push_back(item.m_source);
-                             if (taken.size() <= 3) {
-                                 isTaken.count_down();
-                             }
-                             return true;
-                         },
-                         [&, number = 0](InputItem& item, OrderedPool& all) mutable {
-                             if (number == 3) {
-                                 all.sourceWaits();
-                                 isTaken.wait();
-                             }
-                             item.m_source = std::to_string(number);
-                             return number++ < 10;
-                         }});
-    pool.finish();
-    s_expectAll(taken, 10);
+    for (unsigned int const threads : {1U, 2U, 7U}) {
+        std::atomic<int> delivered{0};
+        std::vector<std::string> taken;
+        OrderedPool pool(threads, {s_doNothing,
+                                   [&](InputItem const& item, std::size_t /*place*/) {
+                                       taken.push_back(item.m_source);
+                                       ++delivered;
+                                       delivered.notify_one();
+                                       return true;
+                                   },
+                                   [&, number = 0](InputItem& item, OrderedPool& all) mutable {
+                                       if (number % 700 == 1 || number % 700 == 77) {
+                                           all.sourceWaits();
+                                           for (int now = 0; (now = delivered) < number;) {
+                                               delivered.wait(now);
+                                           }
+                                       }
+                                       item.m_source = std::to_string(number);
+                                       return number++ < 5000;
+                                   }});
+        pool.finish();
+        s_expectAll(taken, 5000);
+    }
 }
 
 // No more messages are read than have places.
