@@ -25,7 +25,9 @@ class QV_API DeepHeaderAnswer {
 
     // The estimated probability of spam (0..1) that the deciding rule gives; -1 when none decided.
     float confidenceDegree() const;
+    // The probability reached the spam threshold of the query. Never both this and isHam.
     bool isSpam() const;
+    // The probability of ham reached the ham threshold.
     bool isHam() const;
     // The number of the deciding tree node or elite rule; 0 when none decided.
     int getNode() const;

@@ -36,6 +36,7 @@ class QV_API DeepHeaderEngine {
     // cannot be loaded; elite rules that cannot be loaded are left out.
     static DeepHeaderEngine fromStreams(std::istream& tree, std::istream* elite);
 
+    // True: no engine, and nothing else may be called.
     bool isEmpty() const { return m_engine == nullptr; }
 
     // Judges one message, as DeepHeaderScanner::postQuery does. May block on DNS. A scan that fails

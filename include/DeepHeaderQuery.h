@@ -35,14 +35,22 @@ class QV_API DeepHeaderQuery {
     DeepHeaderQuery& operator=(DeepHeaderQuery const& other);
     virtual ~DeepHeaderQuery();
 
-    // References into the shared record, valid as long as a handle to it lives.
+    // Thresholds and switches. This reference and those below lead into the shared record: they are
+    // valid as long as a handle to it lives.
     DeepHeaderSettings const& settings() const;
+    // What the host knows besides the headers.
     RefMessageProperties const& messageProperties() const;
+    // All header fields, newest first.
     HeaderContainer const& headers() const;
+    // The header that the host is about to add; null when there is none.
     Header const& currentReceived() const;
+    // 0 honest, 1 forged, -1: the engine asks DNS.
     int currentIsForged() const;
+    // The envelope sender, as it was given.
     EmailAddress const& from() const;
+    // The author, as it was given.
     EmailAddress const& headerFrom() const;
+    // The envelope recipient, as it was given.
     EmailAddress const& recipient() const;
 
   private:

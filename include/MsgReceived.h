@@ -29,6 +29,7 @@ class QV_API MsgReceived : public Header {
   public:
     // Without record.
     MsgReceived();
+    // A record of its own with this value text, which may be folded.
     explicit MsgReceived(std::string const& value);
     // Shares the record of `other`.
     MsgReceived(MsgReceived const& other);

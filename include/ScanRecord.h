@@ -52,61 +52,65 @@ enum class HopRole : std::uint8_t {
     notLookedAt,     // after the end of the walk
 };
 
+// One hop of the trail: a Received header, or the one that the host is about to add.
 struct RecordedHop {
-    HopRole role = HopRole::unreadable;
+    HopRole role = HopRole::unreadable; // what the scan made of it
     // The hop that the host is about to add.
     bool isCurrent = false;
     // A relay on the site's side recorded it. A sender could have invented any other.
     bool isVouched = false;
     // Of Role scoredEnd.
     std::uint32_t score = 0;
-    // The fields of MsgReceived as the scan left them; of a hop that was not looked at, as they
-    // read.
+    // This and what follows are the fields of MsgReceived as the scan left them; of a hop that was
+    // not looked at, as they read. Here: the name that the sending host announced.
     std::string from;
-    std::string reverseName;
-    std::string by;
-    IPAddress address; // null: none
-    bool privateIP = true;
-    bool authenticated = false;
-    std::string receiveTime;
+    std::string reverseName;    // that the receiving host recorded; empty: none
+    std::string by;             // the receiving host
+    IPAddress address;          // null: none
+    bool privateIP = true;      // or no address
+    bool authenticated = false; // the header says so, of a public client
+    std::string receiveTime;    // lower-cased
     std::int32_t isForged = -1; // -1: nobody asked
 
     // It is one of the hops that were judged as a chain.
     bool isTaken() const { return role >= HopRole::listed && role <= HopRole::publicNotJudged; }
 };
 
-// The names of one judged hop, classified and compared. 3 means that a field was never analysed.
+// The names of one judged hop, classified and compared: 0 no, 1 yes, 2 unknown (of heloIsIP and
+// heloDynamic: an address), 3 never analysed, 8 the question does not arise.
 struct HopAnalysis {
-    std::string helo;        // announced name, lower-cased, without its brackets
-    std::string ip;          // address text; empty when the hop has none
-    std::string reverseName; // lower-cased
-    std::int32_t hasIP = 3;
-    std::int32_t heloIsDomain = 3;
-    std::int32_t heloIsIP = 3;
-    std::int32_t heloDynamic = 3;
-    std::int32_t heloEqualsIP = 0; // meaningful only for an address literal: 2 equal, 0 not
-    std::int32_t reverseDynamic = 3;
-    std::int32_t reverseIsDomain = 3;
-    std::int32_t isForged = 3; // first hop only
-    std::int32_t heloMatchesReverse = 3;
-    std::int32_t fromDomainMatchesHelo = 3;
-    std::int32_t fromDomainMatchesReverse = 3;
-    std::int32_t envFromDomainMatches = 3;
-    std::int32_t fromDomainMatchesBoth = 3;
+    std::string helo;                    // announced name, lower-cased, without its brackets
+    std::string ip;                      // address text; empty when the hop has none
+    std::string reverseName;             // lower-cased
+    std::int32_t hasIP = 3;              // the header names an address
+    std::int32_t heloIsDomain = 3;       // or an address
+    std::int32_t heloIsIP = 3;           // 2: it is
+    std::int32_t heloDynamic = 3;        // by the patterns of dynamic names
+    std::int32_t heloEqualsIP = 0;       // meaningful only for an address literal: 2 equal, 0 not
+    std::int32_t reverseDynamic = 3;     // by the patterns of dynamic names
+    std::int32_t reverseIsDomain = 3;    // it has a dot
+    std::int32_t isForged = 3;           // first hop only
+    std::int32_t heloMatchesReverse = 3; // both names are related
+    std::int32_t fromDomainMatchesHelo = 3;    // the author's domain to the announced name
+    std::int32_t fromDomainMatchesReverse = 3; // the author's domain to the reverse name
+    std::int32_t envFromDomainMatches = 3;     // the envelope sender's domain to both names
+    std::int32_t fromDomainMatchesBoth = 3;    // the author's domain to both names
 };
 
 // --- look-ups -----------------------------------------------------------------------------------
 
+// A question to DNS about the message.
 struct RecordedLookup {
+    // What DNS was asked for.
     enum class Question : std::uint8_t {
         reverseName,    // does the reverse name of the first public hop have its address?
         announcedName,  // does the name that this hop announced exist?
         envelopeDomain, // does the domain of the envelope sender exist?
         relayScore,     // what does a DNS list say of a relay? Asked by the host, before the scan.
     };
-    Question question = Question::reverseName;
-    std::string name;
-    LookupResult result = LookupResult::notAsked;
+    Question question = Question::reverseName;    // what for
+    std::string name;                             // that was asked about
+    LookupResult result = LookupResult::notAsked; // how it ended
 };
 
 // --- rules --------------------------------------------------------------------------------------
@@ -114,11 +118,12 @@ struct RecordedLookup {
 // A test of a rule on one attribute. In an elite rule 0 asks for the value, 1 for another one, and
 // nothing passes any other test; in the tree any test but 0 asks for another value.
 struct AttributeTest {
-    std::int32_t attribute = 0;
-    std::int32_t test = 0;
-    std::int32_t value = 0;
+    std::int32_t attribute = 0; // number, 0 to 37 unless the rules are damaged
+    std::int32_t test = 0;      // as above
+    std::int32_t value = 0;     // that the attribute is compared with
 };
 
+// What became of an elite rule in a run.
 enum class RuleOutcome : std::uint8_t {
     notReached,  // the run ended before it
     level,       // its level is above the settings' maximum
@@ -133,16 +138,17 @@ enum class RuleOutcome : std::uint8_t {
 
 // One elite rule, in the order of the engine's list.
 struct RecordedRule {
-    std::int32_t code = 0;
-    std::int32_t type = 0; // 1 adjusting, 2 deciding
-    std::int32_t level = 0;
-    double weight = 0;
-    double support = 0; // percent of the training mail
-    std::vector<AttributeTest> tests;
-    RuleOutcome outcome = RuleOutcome::notReached;
-    std::size_t failedTest = 0; // of outcome noMatch: its place in `tests`
+    std::int32_t code = 0;                         // its number, or the letter of an adjusting rule
+    std::int32_t type = 0;                         // 1 adjusting, 2 deciding
+    std::int32_t level = 0;                        // compared with maxEliteLevel of the settings
+    double weight = 0;                             // probability of spam, or what is added to it
+    double support = 0;                            // percent of the training mail
+    std::vector<AttributeTest> tests;              // all must hold
+    RuleOutcome outcome = RuleOutcome::notReached; // what became of it
+    std::size_t failedTest = 0;                    // of outcome noMatch: its place in `tests`
     std::size_t replacedBy = 0; // of outcome replaced: the place of that rule in the list
 
+    // It matched and had an effect, or could have had one.
     bool hasFired() const { return outcome >= RuleOutcome::adjusted; }
 };
 
@@ -157,14 +163,15 @@ struct EliteResult {
 
 // A node of the tree that the walk visited.
 struct RecordedNode {
-    std::int32_t number = 0;
-    AttributeTest test; // admitted the message; without meaning on the root
-    bool isLeaf = false;
+    std::int32_t number = 0;              // in the rule file; the root is 2
+    AttributeTest test;                   // admitted the message; without meaning on the root
+    bool isLeaf = false;                  // the walk ends here
     double confidence = 0;                // probability of spam
     double support = 0;                   // percent of the training mail
     std::array<std::int32_t, 3> counts{}; // training messages: all, spam, ham
 };
 
+// Whether the tree was asked.
 enum class TreeUse : std::uint8_t {
     notReached,   // the scan ended before the rules
     eliteDecided, // an elite rule decided before it
@@ -173,6 +180,7 @@ enum class TreeUse : std::uint8_t {
     walked,
 };
 
+// Why the walk along the tree ended where it did.
 enum class WalkEnd : std::uint8_t {
     notWalked,
     leaf,
@@ -183,15 +191,17 @@ enum class WalkEnd : std::uint8_t {
     tooLong,    // the rules lead in circles
 };
 
+// The walk along the tree.
 struct RecordedWalk {
-    TreeUse use = TreeUse::notReached;
-    std::vector<RecordedNode> path; // the root first
-    WalkEnd end = WalkEnd::notWalked;
-    std::int32_t result = -1; // the node that the walk reached; -1: none
+    TreeUse use = TreeUse::notReached; // whether there was one
+    std::vector<RecordedNode> path;    // the root first
+    WalkEnd end = WalkEnd::notWalked;  // why it ended
+    std::int32_t result = -1;          // the node that the walk reached; -1: none
 };
 
 // --- the verdict --------------------------------------------------------------------------------
 
+// Who decided.
 enum class Decision : std::uint8_t {
     notReached, // no public hop, or the scan failed
     none,       // the rules were asked and none decided
@@ -201,15 +211,15 @@ enum class Decision : std::uint8_t {
 
 // The verdict in full precision. `answer` of the record is what postQuery returns.
 struct RecordedVerdict {
-    Decision decision = Decision::notReached;
-    std::int32_t node = 0; // tree node or elite code; 0: none
-    double confidence = -1.0;
-    double support = 0.0;
-    double adjust = 0.0;
-    std::string adjustReason;
-    bool isSpam = false;
-    bool isHam = false;
-    std::string ips;
+    Decision decision = Decision::notReached; // who decided
+    std::int32_t node = 0;                    // tree node or elite code; 0: none
+    double confidence = -1.0; // probability of spam, before the adjustment; -1: none
+    double support = 0.0;     // percent of the training mail
+    double adjust = 0.0;      // sum of the weights of the adjusting rules that fired
+    std::string adjustReason; // one character for each of them
+    bool isSpam = false;      // at the thresholds of the settings
+    bool isHam = false;       // never together with isSpam
+    std::string ips;          // as DeepHeaderAnswer::getIPs gives them
     // The highest spam threshold at which these rules still say spam, in a walk to the leaf; minus
     // infinity: at none.
     double spamScore = -std::numeric_limits<double>::infinity();
@@ -217,15 +227,16 @@ struct RecordedVerdict {
 
 // Attributes that would have led to another verdict if they had differed. Tried on the engine.
 struct Alternative {
+    // One attribute and what it would have had to be.
     struct Change {
-        std::int32_t attribute = 0;
-        std::int32_t value = 0; // that it would need
+        std::int32_t attribute = 0; // number
+        std::int32_t value = 0;     // that it would need
     };
-    bool isSpam = false;
-    bool isHam = false; // neither: no verdict
+    bool isSpam = false; // the other verdict
+    bool isHam = false;  // neither: no verdict
     // What would decide, as in RecordedVerdict.
     Decision decision = Decision::none;
-    std::int32_t node = 0;
+    std::int32_t node = 0;       // its number
     std::vector<Change> changes; // at most 3: more would be another message
 };
 
@@ -241,34 +252,34 @@ struct SingleChanges {
 // --- the whole ----------------------------------------------------------------------------------
 
 struct ScanRecord {
-    DeepHeaderAnswer answer;
-    RecordedVerdict verdict;
+    DeepHeaderAnswer answer; // what postQuery would have returned
+    RecordedVerdict verdict; // the same in full precision
     // Why the scan failed: the text of the Exception. The answer is then the default one, and the
     // rest of the record shows how far the scan came.
     std::optional<std::string> failure;
     // Attributes were judged, without a message.
     bool isVector = false;
 
-    std::string messageIdDomain; // lower-cased
-    EmailAddress headerFrom;
-    EmailAddress envelopeFrom;
-    EmailAddress recipient;
-    std::array<HopAnalysis, 3> receivers; // the judged hops, as the attributes see them
-    std::int32_t scoredHopFound = 0;      // 1: a relay's reputation ended the walk
-    std::string scoredHopIP;
-    std::int32_t scoredHopScore = 0;
-    std::int32_t hopCount = 0;
-    std::int32_t maxPrivateRun = 0; // longest run of private hops
-    std::int32_t publicRun = 0;     // length of the last run of public hops
-    std::int32_t noAddressHops = 0;
-    std::array<std::int32_t, 38> attributes{};
+    std::string messageIdDomain;               // lower-cased
+    EmailAddress headerFrom;                   // the author
+    EmailAddress envelopeFrom;                 // null for a bounce, or when nobody knows
+    EmailAddress recipient;                    // of the envelope, or of the headers
+    std::array<HopAnalysis, 3> receivers;      // the judged hops, as the attributes see them
+    std::int32_t scoredHopFound = 0;           // 1: a relay's reputation ended the walk
+    std::string scoredHopIP;                   // of that relay; empty: none did
+    std::int32_t scoredHopScore = 0;           // of that relay
+    std::int32_t hopCount = 0;                 // hops that were taken
+    std::int32_t maxPrivateRun = 0;            // longest run of private hops
+    std::int32_t publicRun = 0;                // length of the last run of public hops
+    std::int32_t noAddressHops = 0;            // taken hops whose header names no address
+    std::array<std::int32_t, 38> attributes{}; // by number; complete if isJudged
 
     // From depth `steps` on.
-    std::vector<RecordedHop> trail; // all hops, newest first
-    std::vector<RecordedLookup> lookups;
+    std::vector<RecordedHop> trail;      // all hops, newest first
+    std::vector<RecordedLookup> lookups; // scores of relays first
     std::vector<RecordedRule> rules; // empty when the engine holds none or the scan ended before
-    EliteResult elite;
-    RecordedWalk tree;
+    EliteResult elite;               // of the run over the elite rules
+    RecordedWalk tree;               // of the walk
     // From depth `alternatives` on: the fewest changes for spam and for ham, at most one of each.
     std::vector<Alternative> alternatives;
     // Of a verdict of spam, from the same depth on: what would have let the message pass.

@@ -9,6 +9,7 @@ namespace Quorvane {
 
 class DeepHeaderException : public Exception {
   public:
+    // Both as Exception takes them.
     DeepHeaderException(char const* fileName, unsigned int lineNumber)
         : Exception("DeepHeaderException", 4, fileName, lineNumber) {}
     ~DeepHeaderException() override = default;

@@ -21,27 +21,36 @@ namespace Quorvane {
 
 class QV_API Exception {
   public:
-    // A null `fileName` and line 0 mean that no location is known.
+    // `intParameter` is the category. A null `fileName` and line 0 mean that no location is known.
     Exception(std::string const& text, int intParameter, char const* fileName,
               unsigned int lineNumber);
     Exception(Exception const&) = default;
     Exception& operator=(Exception const&) = default;
     virtual ~Exception();
 
+    // What went wrong. It may quote a message, so it can hold any byte; asString shows it safely.
     virtual std::string const& stringParameter() const;
+    // Replaces the text.
     virtual void stringParameter(std::string const& text);
+    // The category, 1 to 4.
     virtual int intParameter() const;
+    // Replaces the category.
     virtual void intParameter(int category);
     // Empty when no location is known.
     virtual std::string const& fileName() const;
+    // Replaces it.
     virtual void fileName(std::string const& name);
+    // The same; null empties it.
     virtual void fileName(char const* name);
+    // 0 when no location is known.
     virtual unsigned int lineNumber() const;
+    // Replaces it.
     virtual void lineNumber(unsigned int line);
     // Records a copy of `cause`. Of a subclass only the Exception part is kept.
     virtual void cause(Exception const& cause);
     // REQUIRES: hasCause().
     virtual Exception const& cause() const;
+    // A cause was recorded.
     virtual bool hasCause() const;
 
     // Text, category and, when known, file and line on one line; control characters of the text

@@ -4,4 +4,5 @@
 // that programs outside the library may call carries QV_API.
 #pragma once
 
+// Marks what a library exports.
 #define QV_API __attribute__((visibility("default")))

@@ -10,6 +10,7 @@ namespace Quorvane {
 
 class HeaderException : public Exception {
   public:
+    // Both as Exception takes them.
     HeaderException(char const* fileName, unsigned int lineNumber)
         : Exception("HeaderException", 1, fileName, lineNumber) {}
     ~HeaderException() override = default;

@@ -27,8 +27,8 @@ namespace Quorvane {
 
 // Locations that operator-> reports; programs match on them, so never renumber.
 inline constexpr char refCountedFile[] = "include2/QvaneRefcounted";
-inline constexpr unsigned int refArrowLine = 359;
-inline constexpr unsigned int refArrowConstLine = 368;
+inline constexpr unsigned int refArrowLine = 359;      // of a handle that may change
+inline constexpr unsigned int refArrowConstLine = 368; // of a constant one
 
 // Starts with a count of 1: the creator's reference, which the creator passes to the first wrapper.
 class QV_API RefImpl {
@@ -38,6 +38,7 @@ class QV_API RefImpl {
     RefImpl& operator=(RefImpl const&) = delete;
     virtual ~RefImpl();
 
+    // For whoever holds a reference already.
     void addReference() { m_references.fetch_add(1, std::memory_order_relaxed); }
     // True when the reference given up was the last one; the caller then destroys the object.
     bool dropReference() { return m_references.fetch_sub(1, std::memory_order_acq_rel) == 1; }
@@ -48,6 +49,7 @@ class QV_API RefImpl {
     std::atomic<std::int32_t> m_references{1};
 };
 
+// The wrapper: owns one counted reference to a T, or holds null. One thread at a time.
 template<typename T>
 class RefCounted : public Recycled {
   public:
@@ -111,12 +113,16 @@ void RefCountedImplCopy(RefCounted<T>*& target, RefCounted<T> const* source) {
     }
 }
 
+// The handle: owns one wrapper, or is empty. Copies share the implementation. One thread at a time.
 template<typename T>
 class Ref {
   public:
+    // Empty.
     Ref() = default;
+    // A wrapper of its own over the implementation of `other`.
     Ref(Ref const& other) { RefCountedImplCopy(m_wrapper, other.m_wrapper); }
 
+    // The same; what was held before is released.
     Ref& operator=(Ref const& other) {
         RefCountedImplCopy(m_wrapper, other.m_wrapper);
         return *this;
@@ -132,8 +138,10 @@ class Ref {
 
     // An Exception of category 1 when the handle has no wrapper; null when its wrapper holds null.
     T* operator->() { return implOrThrow(refArrowLine); }
+    // The same of a constant handle.
     T const* operator->() const { return implOrThrow(refArrowConstLine); }
 
+    // True: there is no wrapper.
     bool isEmpty() const { return m_wrapper == nullptr; }
 
   protected:

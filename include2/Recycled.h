@@ -32,19 +32,24 @@ class QV_API Recycled {
 // For containers whose elements come and go one by one, such as lists.
 template<typename T>
 struct RecycledAllocator {
-    using value_type = T;
+    using value_type = T; // what containers ask an allocator for
 
+    // Allocators hold nothing.
     RecycledAllocator() = default;
+    // From one for other objects.
     template<typename Other>
     explicit RecycledAllocator(RecycledAllocator<Other> const& /*other*/) {}
 
+    // Room for `count` objects. Throws std::bad_alloc.
     T* allocate(std::size_t count) {
         return static_cast<T*>(Recycled::operator new(count * sizeof(T)));
     }
+    // `count` as it was asked for.
     void deallocate(T* objects, std::size_t count) noexcept {
         Recycled::operator delete(objects, count * sizeof(T));
     }
 
+    // Always true: each can free what the other allocated.
     friend bool operator==(RecycledAllocator const& /*a*/, RecycledAllocator const& /*b*/) {
         return true;
     }

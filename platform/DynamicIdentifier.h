@@ -43,6 +43,7 @@ class QV_API DynamicIdentifier {
     std::unique_ptr<Patterns const> m_patterns;
 };
 
+// The process-wide identifier. Safe from many threads.
 class QV_API DynamicIdentifierSingleton {
   public:
     // The identifier in force; never empty. The built-in list until another one is installed.

@@ -24,6 +24,7 @@ class QV_API EmailAddress {
     // the common deviations from the grammar that real mail shows. Safe to call from many threads.
     static EmailAddress rfc5322Parse(std::string const& text, bool lenient);
 
+    // True: there is no address.
     bool isNull() const { return m_domain.empty() && m_localPart.empty(); }
     // Without quoting or route, letter case as in the text; empty when null.
     std::string const& localPart() const { return m_localPart; }

@@ -32,7 +32,9 @@ class QV_API Path {
     // `dir` and `name` joined by exactly one "/"; an empty `dir` gives `name` alone.
     Path(std::string const& dir, std::string const& name);
 
+    // There is something of this name, once links are followed.
     bool exists() const;
+    // It is a file: no folder, pipe, socket or device.
     bool isRegularFile() const;
     // NUL-terminated; valid as long as this object.
     operator const char*() const { return m_path.c_str(); }
@@ -46,6 +48,7 @@ class QV_API Path {
 template<typename CharT>
 class basic_ifstream : public std::basic_ifstream<CharT> {
   public:
+    // Opens it, or sets failbit.
     explicit basic_ifstream(Path const& path, std::ios_base::openmode mode = std::ios_base::in) {
         if (path.isRegularFile()) {
             this->open(static_cast<char const*>(path), mode);

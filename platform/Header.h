@@ -11,9 +11,11 @@
 
 namespace Quorvane {
 
+// What handles share: the name and the value of a header field.
 class QV_API HeaderImpl : public TypeAndValueImpl {
   public:
     HeaderImpl() = default;
+    // `name` without the colon.
     HeaderImpl(std::string name, std::string value)
         : TypeAndValueImpl(std::move(name), std::move(value)) {}
     ~HeaderImpl() override;
@@ -32,7 +34,9 @@ class QV_API Header : public TypeAndValue {
     virtual std::string asString() const;
     // Gives the handle a fresh implementation with empty name and value.
     virtual void newImpl();
+    // Shares the implementation of `other`.
     virtual Header& operator=(Header const& other);
+    // As for TypeAndValue.
     virtual bool operator==(Header const& other) const;
     using TypeAndValue::operator==;
 

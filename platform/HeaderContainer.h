@@ -14,21 +14,24 @@
 
 namespace Quorvane {
 
+// The list that containers share.
 class QV_API HeaderContainerImpl : public virtual RefImpl, public Recycled {
   public:
     HeaderContainerImpl() = default;
     ~HeaderContainerImpl() override;
 
-    std::list<Header> m_headers;
+    std::list<Header> m_headers; // in the message's order
 };
 
 class QV_API HeaderContainer {
   public:
+    // An empty list of its own.
     HeaderContainer();
     HeaderContainer(HeaderContainer const& other);
     HeaderContainer& operator=(HeaderContainer const& other);
     virtual ~HeaderContainer();
 
+    // Valid as long as a container shares the list.
     std::list<Header> const& headers() const;
     // Adds `header` at the end; every container that shares the list sees it.
     void append(Header const& header);

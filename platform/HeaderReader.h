@@ -25,9 +25,9 @@ namespace Quorvane {
 // take themselves (Postfix: 50 hops, 100 KiB for a field; Sendmail: 25 hops, 32 KiB), and real mail
 // has some tens of fields and less than 20 hops. HeaderReader itself knows no limit.
 struct HeaderLimits {
-    std::uint32_t m_maxFields = 1000;
-    std::uint32_t m_maxBytes = 1U << 20U;
-    std::uint32_t m_maxHops = 100; // the newest; only they say something about the client
+    std::uint32_t m_maxFields = 1000;     // a message with more is not judged
+    std::uint32_t m_maxBytes = 1U << 20U; // of all fields; a message with more is not judged
+    std::uint32_t m_maxHops = 100;        // the newest; only they say something about the client
 };
 
 class QV_API HeaderReader {

@@ -13,12 +13,15 @@
 
 namespace Quorvane {
 
+// The name of an address, or null.
 class QV_API HostName {
   public:
     // Null.
     HostName() = default;
+    // `name` without trailing dot; null when empty.
     explicit HostName(std::string name) : m_name(static_cast<std::string&&>(name)) {}
 
+    // True: there is no name.
     bool isNull() const { return m_name.empty(); }
     // Without trailing dot; empty when null.
     std::string const& asString() const { return m_name; }
@@ -35,6 +38,7 @@ class QV_API Host {
 
     // True when the name has no address, or none could be asked for.
     bool isNull() const { return m_addresses.empty(); }
+    // In the order of the answers.
     std::list<IPAddress> const& addressList() const { return m_addresses; }
     // How the look-ups ended. When one of the two failed or came late, that counts: addresses may
     // be missing.

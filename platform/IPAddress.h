@@ -15,12 +15,14 @@ namespace Quorvane {
 
 class QV_API IPAddress {
   public:
+    // In network order.
     using Bytes = std::array<std::uint8_t, 16>;
 
     // Null.
     IPAddress() = default;
     // Null when `text` is not valid (isValidIPAddress).
     explicit IPAddress(std::string const& text);
+    // Never null; an IPv4-mapped address is the IPv4 one.
     static IPAddress fromBytes(Bytes const& bytes);
     // From 4 or 16 bytes in network order, as sockets and A and AAAA records have them; null for
     // another length.
@@ -36,9 +38,11 @@ class QV_API IPAddress {
     // documentation ranges count as public. False for a null address.
     static bool isPrivateAddress(IPAddress const& address);
 
+    // True: there is no address.
     bool isNull() const { return !m_isSet; }
     // False for IPv4, for IPv4-mapped IPv6 and for null.
     bool isV6() const;
+    // All zero when null.
     Bytes const& bytes() const { return m_bytes; }
 
     // What inet_ntop prints, an IPv4-mapped address as dotted quad; with `compressed` false every
@@ -50,9 +54,11 @@ class QV_API IPAddress {
     // when null.
     std::string reversedLabels() const;
 
+    // The same bytes, or both null.
     friend bool operator==(IPAddress const& a, IPAddress const& b) {
         return a.m_isSet == b.m_isSet && a.m_bytes == b.m_bytes;
     }
+    // The opposite.
     friend bool operator!=(IPAddress const& a, IPAddress const& b) { return !(a == b); }
 
   private:

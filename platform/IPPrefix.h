@@ -23,8 +23,9 @@ class QV_API IPPrefix {
     // it: no address, a length out of range, or bits set after the length.
     static IPPrefix parse(std::string const& text);
 
-    // The lowest and the highest address of the range.
+    // The lowest address of the range.
     IPAddress::Bytes const& first() const { return m_first; }
+    // The highest one.
     IPAddress::Bytes const& last() const { return m_last; }
     // In bits of the 16-byte form: an IPv4 length counts 96 more.
     int length() const { return m_length; }

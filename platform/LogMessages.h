@@ -14,27 +14,28 @@
 
 namespace Quorvane {
 
+// What a postmaster has to do: nothing, look into it, act.
 enum class LogLevel { information, warning, error };
 
 // Never renumber the ids: filters on log servers know them.
 struct LogMessage {
-    int m_id;
-    LogLevel m_level;
-    char const* m_words;
+    int m_id;            // one of LogId, or of the libraries
+    LogLevel m_level;    // of all messages with this id
+    char const* m_words; // what happened; the detail follows them
 };
 
 // The daemon's own messages.
 namespace LogId {
-inline constexpr int started = 50332301;
-inline constexpr int stopping = 50332302;
-inline constexpr int reloaded = 50332303;
-inline constexpr int reloadRefused = 50332304;
-inline constexpr int rulesLoaded = 50332305;
-inline constexpr int rulesRefused = 50332306;
-inline constexpr int noRules = 50332307;
-inline constexpr int messageJudged = 50332308;
-inline constexpr int messageFailed = 50332309;
-inline constexpr int namesUnusable = 50332310;
+inline constexpr int started = 50332301;       // it serves
+inline constexpr int stopping = 50332302;      // it was told to end
+inline constexpr int reloaded = 50332303;      // settings and rules
+inline constexpr int reloadRefused = 50332304; // settings or rules are wrong; the old ones stay
+inline constexpr int rulesLoaded = 50332305;   // newer rules were found
+inline constexpr int rulesRefused = 50332306;  // newer rules are wrong; the old ones stay
+inline constexpr int noRules = 50332307;       // no message is judged until there are some
+inline constexpr int messageJudged = 50332308; // one line for each message
+inline constexpr int messageFailed = 50332309; // a message could not be handled
+inline constexpr int namesUnusable = 50332310; // the names of rules cannot be read
 } // namespace LogId
 
 // Bytes of a log line at most. Exceptions quote header text, which a sender may make megabytes

@@ -15,6 +15,7 @@ namespace Quorvane {
 // Destroy it on the thread that made it, the last one made first.
 class QV_API LookupDeadline {
   public:
+    // Of a clock that is never set.
     using TimePoint = std::chrono::steady_clock::time_point;
 
     // So long from now.

@@ -22,6 +22,7 @@ namespace Quorvane {
 class QV_API Received {
   public:
     Received() = default;
+    // The relay has this address.
     explicit Received(IPAddress const& address) : m_address(address) {}
 
     // Null when the header named none.
@@ -31,8 +32,9 @@ class QV_API Received {
     IPAddress m_address;
 };
 
+// A relay and its reputation score.
 struct AnalysedReceived {
-    Received m_received;
+    Received m_received; // the relay
     // 0..9 is the scale of the reputation scores; other values never end a walk.
     std::int32_t m_score = 0;
 };
@@ -45,6 +47,7 @@ class QV_API ReceivedHeaderAnalysis : public std::list<AnalysedReceived> {
     void reputation(std::shared_ptr<ReputationTable const> table) {
         m_reputation = std::move(table);
     }
+    // Null: none. Valid as long as this object keeps the table.
     ReputationTable const* reputation() const { return m_reputation.get(); }
 
   private:
@@ -59,11 +62,17 @@ class QV_API MessageProperties : public virtual RefImpl {
     MessageProperties() = default;
     ~MessageProperties() override;
 
+    // The reputation score of the connecting client, 0 to 9; 0 at first.
     std::uint32_t clientScore() const { return m_clientScore; }
+    // Sets it.
     void clientScore(std::uint32_t score) { m_clientScore = score; }
+    // A number of the host's own; rules can only test whether it is indicatedMessageStatus.
     std::int32_t status() const { return m_status; }
+    // Sets it.
     void status(std::int32_t status) { m_status = status; }
+    // To be filled: the scores of the relays.
     ReceivedHeaderAnalysis& receivedHeaderAnalysis() { return m_analysis; }
+    // The same to be read.
     ReceivedHeaderAnalysis const& receivedHeaderAnalysis() const { return m_analysis; }
 
   private:
@@ -72,6 +81,7 @@ class QV_API MessageProperties : public virtual RefImpl {
     ReceivedHeaderAnalysis m_analysis;
 };
 
+// A handle to such a record; copies share it.
 class QV_API RefMessageProperties : public Ref<MessageProperties> {
   public:
     // With `create` a handle to a fresh record, else an empty handle. A query needs a record: a

@@ -23,8 +23,10 @@ class QV_API Mutex {
     std::mutex m_mutex;
 };
 
+// Holds a Mutex from construction to destruction, on one thread.
 class QV_API Synchronized {
   public:
+    // Waits for the lock. `mutex` outlives this object.
     explicit Synchronized(Mutex& mutex);
     Synchronized(Synchronized const&) = delete;
     Synchronized& operator=(Synchronized const&) = delete;

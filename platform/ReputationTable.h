@@ -20,6 +20,7 @@ namespace Quorvane {
 
 class QV_API ReputationTable {
   public:
+    // A range of addresses, and its score.
     using Entry = std::pair<IPPrefix, std::int32_t>;
 
     // Of two entries with the same prefix the later one counts.

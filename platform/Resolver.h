@@ -50,12 +50,15 @@ enum class LookupResult : std::uint8_t {
 // The answer to one look-up: its records in the order of the answer. A plain value.
 class QV_API ResolverMessage {
   public:
+    // There is no record.
     bool isEmpty() const { return m_records.empty(); }
+    // How the look-up ended.
     LookupResult result() const { return isEmpty() ? m_result : LookupResult::answered; }
     // Of a message without records.
     void result(LookupResult result) { m_result = result; }
     // Wire-format record data (RFC 1035 section 3.2.1, RDATA).
     std::vector<std::string> const& records() const { return m_records; }
+    // Adds a record; the result is then `answered`.
     void append(std::string rdata);
 
   private:
@@ -63,14 +66,16 @@ class QV_API ResolverMessage {
     LookupResult m_result = LookupResult::notAsked;
 };
 
+// Who is asked, and for how long. A plain value; Resolver::prepare checks it.
 struct ResolverSettings {
+    // Who answers look-ups.
     enum class Mode {
         system,  // the servers that m_systemFile names
         servers, // m_servers
         local,   // m_zoneData alone; nothing else is asked
         off,     // nothing resolves
     };
-    Mode m_mode = Mode::system;
+    Mode m_mode = Mode::system; // who answers
     // The system's resolver configuration (resolv.conf(5)); its "nameserver" lines count.
     std::string m_systemFile = "/etc/resolv.conf";
     // "192.0.2.1", "192.0.2.1@5353", "2001:db8::1@53".
@@ -153,9 +158,10 @@ class QV_API Resolver {
     // them a host can tell "does not resolve" from "could not ask". Each look-up that was waited
     // for counts at most once; a Host is two look-ups.
     struct Counters {
-        std::uint64_t m_failed = 0;
-        std::uint64_t m_late = 0;
+        std::uint64_t m_failed = 0; // SERVFAIL, refused, no server
+        std::uint64_t m_late = 0;   // no answer before the deadline
     };
+    // Both as they are now.
     Counters counters() const;
 
     // One observer for the process; null: none. It stays while settings change.

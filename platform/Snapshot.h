@@ -38,12 +38,14 @@ std::shared_ptr<T const> snapshotUnderOwnCount(std::shared_ptr<T const> const& v
     return {value.get(), [value](T const*) {}};
 }
 
+// The slot. All operations may be called from many threads at once.
 template<typename T, typename Local = std::shared_ptr<T const>>
 class Snapshot {
   public:
     // Turns the published value into a thread's own form of it.
     using MakeLocal = Local (*)(std::shared_ptr<T const> const& value);
 
+    // With a first value in force.
     explicit Snapshot(std::shared_ptr<T const> value, MakeLocal makeLocal = snapshotUnderOwnCount)
         : m_value(std::move(value)), m_makeLocal(makeLocal) {}
     Snapshot(Snapshot const&) = delete;

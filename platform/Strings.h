@@ -16,6 +16,7 @@ namespace Quorvane {
 // past it). Throws std::out_of_range when `pos` is beyond the end.
 QV_API void copyStringToLower(std::string const& src, std::string& dst, std::string::size_type pos,
                               std::string::size_type length);
+// Lower-cases `text` in place.
 QV_API void stringToLowerNoCopy(std::string& text);
 
 // 0 when `a` from byte `pos` on equals `b` but for letter case, else the order: negative when that
@@ -42,8 +43,9 @@ inline std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-// Strip them at one end.
+// Takes these bytes away at the beginning.
 QV_API void stringLeftTrim(std::string& text);
+// Takes them away at the end.
 QV_API void stringRightTrim(std::string& text);
 
 } // namespace Quorvane

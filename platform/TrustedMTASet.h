@@ -20,6 +20,7 @@
 
 namespace Quorvane {
 
+// What becomes of an IPv6 relay that is none of the site's own.
 enum class IPv6Relays {
     stop,  // an IPv6 relay ends the trail
     judge, // it is like any other: trusted, private, of good reputation, or judged by its names
@@ -29,13 +30,16 @@ class QV_API TrustedMTASet : public RefImpl {
   public:
     // Trusts nobody; IPv6 relays end the trail.
     TrustedMTASet();
+    // The ranges may overlap, and be empty.
     TrustedMTASet(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam,
                   std::vector<IPPrefix> const& internal = {}, IPv6Relays ipv6 = IPv6Relays::stop);
     ~TrustedMTASet() override;
 
-    // All are false for a null address. An anti-spam relay is not by itself a trusted relay.
+    // A trusted relay. This and the next two are false for a null address.
     bool isTrustedMTA(IPAddress const& address) const;
+    // An anti-spam relay. It is not by itself a trusted relay.
     bool isTrustedAntiSpamMTA(IPAddress const& address) const;
+    // One of the internal relays.
     bool isInternalMTA(IPAddress const& address) const;
     // Whether a scan takes the relay for an IPv6 one, which its trail ends at: what isV6() of the
     // address says, and with IPv6Relays::judge never.
@@ -50,6 +54,7 @@ class QV_API TrustedMTASet : public RefImpl {
     alignas(64) std::shared_ptr<Content const> m_content;
 };
 
+// A handle to a set, and the place of the one that is in force for the process.
 class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
   public:
     // Empty.
@@ -66,6 +71,7 @@ class QV_API TrustedMTASetRef : public Ref<TrustedMTASet> {
 
     // Puts a new set in force. Safe at any time from any thread. The first one does not throw.
     static void install(TrustedMTASet const& set);
+    // The same with a set of these.
     static void install(std::vector<IPPrefix> const& trusted, std::vector<IPPrefix> const& antiSpam,
                         std::vector<IPPrefix> const& internal = {},
                         IPv6Relays ipv6 = IPv6Relays::stop);

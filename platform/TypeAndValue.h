@@ -14,9 +14,12 @@
 
 namespace Quorvane {
 
+// What handles share: the two texts.
 class QV_API TypeAndValueImpl : public virtual RefImpl, public Recycled {
   public:
+    // Both empty.
     TypeAndValueImpl() = default;
+    // With these texts.
     TypeAndValueImpl(std::string type, std::string value)
         : m_type(std::move(type)), m_value(std::move(value)) {}
     ~TypeAndValueImpl() override;
@@ -24,8 +27,11 @@ class QV_API TypeAndValueImpl : public virtual RefImpl, public Recycled {
     // Same type but for letter case, and same value.
     virtual bool operator==(TypeAndValueImpl const& other) const;
 
+    // Never changes.
     std::string const& type() const { return m_type; }
+    // Valid until somebody rewrites it.
     std::string const& value() const { return m_value; }
+    // Rewrites it, for all handles.
     void value(std::string const& value) { m_value = value; }
 
   protected:
@@ -49,6 +55,7 @@ class QV_API TypeAndValue {
     // Both null, or both with equal implementations.
     virtual bool operator==(TypeAndValue const& other) const;
 
+    // True: there is no implementation.
     bool isNull() const { return m_wrapper == nullptr; }
     // An Exception of category 1 ("value") on a null handle. The reference is valid as long as a
     // handle to the implementation lives and nobody rewrites the value.

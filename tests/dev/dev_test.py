@@ -48,7 +48,7 @@ esac
 class Checkout:
     """A folder with ./dev and a project of the same shape."""
 
-    def __init__(self, folder, packages="bash | build, test, lint | installed everywhere\n"):
+    def __init__(self, folder, packages="bash coreutils | build, test, lint | installed everywhere\n"):
         self.folder = folder / "checkout"
         (self.folder / "cmake").mkdir(parents=True)
         (self.folder / "examples").mkdir()
@@ -188,7 +188,7 @@ class Packages(Newcomer):
         self.tools.mkdir()
         (self.tools / "sudo").write_text('#!/bin/sh\nexec "$@"\n')
         (self.tools / "sudo").chmod(0o755)
-        self.missing = self.checkout("qv-small-thing | build | what is missing\n")
+        self.missing = self.checkout("bash qv-small-thing | build | what is missing\n")
 
     def add_source(self):
         """A repository with the package."""

@@ -86,7 +86,7 @@ TEST_P(DocumentationTest, TranscriptsReplay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, DocumentationTest,
-                         testing::Values("seeing-rules", "testing-rules", "with-dns",
+                         testing::Values("seeing-rules", "testing-rules", "tuning", "with-dns",
                                          "writing-rules"));
 
 TEST(RuleTexts, AreShownInTheDocumentation) {
