@@ -152,6 +152,7 @@ class Trial(SystemTest):
         self.assertEqual(text.read_text().count(f"\n{line}"), 1)
         text.write_text(text.read_text().replace(line, f"{line}\n{rule}"))
         self.assertTrue(as_ann(attempt, status=1).endswith(verdict))
+        self.assertIn("be root ", as_ann(install.splitlines()[0], status=73))
         as_root(install, HOME)
         self.assertIn(" 9100 (Consumer line", as_ann("qvscan bot.eml", status=1))
         send_until(send, shown)
