@@ -9,7 +9,7 @@ import sys
 import time
 import unittest
 
-from bare_system import NO, ROOT, YES, SystemTest, enter, inside, offline, on_terminal, run
+from bare_system import NO, ROOT, YES, SystemTest, enter, inside, offline, on_terminal
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(SOURCE / "tests/support"))
