@@ -115,7 +115,7 @@ class SystemTest(unittest.TestCase):
     def setUp(self):
         """A bare system with our packages below /src/build/package."""
         run("mount", "-t", "tmpfs", "tmpfs", "/mnt")
-        self.addCleanup(run, "umount", "--recursive", "/mnt")
+        self.addCleanup(run, "umount", "--recursive", "--lazy", "/mnt") # what was killed may still be ending
         self.addCleanup(self.end)
         for name in ("upper", "work", "system"):
             (ROOT.parent / name).mkdir()

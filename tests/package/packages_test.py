@@ -55,7 +55,7 @@ def next_version():
             control.write_text(control.read_text().replace(
                 f"Version: {version}\n", f"Version: {version}+next\n").replace(
                 f"(= {version})", f"(= {version}+next)"))
-            run("dpkg-deb", "--root-owner-group", "--build", content, folder)
+            run("dpkg-deb", "--root-owner-group", "-Znone", "--build", content, folder)
     return folder
 
 
