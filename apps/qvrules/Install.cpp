@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <iostream>
 #include <limits>
+#include <unistd.h>
 
 namespace Quorvane::RulesApp {
 
@@ -84,10 +85,7 @@ void s_checkUsage(CommandLine const& line) {
     }
 }
 
-} // namespace
-
-int install(CommandLine const& line) {
-    s_checkUsage(line);
+int s_install(CommandLine const& line) {
     auto const folder = ruleFolder(line);
     if (line.has("rollback")) {
         return s_rollBack(folder, line);
@@ -106,6 +104,24 @@ int install(CommandLine const& line) {
     }
     s_report(folder, Rules::installRules(folder, rules.m_set, source));
     return ExitStatus::ok;
+}
+
+} // namespace
+
+int install(CommandLine const& line) {
+    s_checkUsage(line);
+    try {
+        return s_install(line);
+    } catch (Rules::RuleError const& error) {
+        auto const isRefused = error.kind() == Rules::RuleError::Kind::cannotWrite;
+        if (!isRefused || line.has("root") || ::geteuid() == 0) {
+            throw;
+        }
+        throw Rules::RuleError(
+            error.kind(), std::string(error.what()) +
+                              "; be root to install rules for this machine, or have --root DIR "
+                              "put them below a folder of yours");
+    }
 }
 
 } // namespace Quorvane::RulesApp

@@ -4,16 +4,15 @@ import grp
 import os
 import pathlib
 import pwd
-import re
 import signal
 import socket
 import stat
-import textwrap
 import threading
 import time
 import unittest
 
 from milter import SANITIZED, FailingDnsServer, MilterTest, SilentDnsServer, check, wait_for
+from pages import blocks_of, text_of
 from protocol import MailServer
 
 MESSAGE = """
@@ -92,12 +91,9 @@ class Check(MilterTest):
     def test_the_settings_in_the_documents_are_in_order(self):
         daemon = self.daemon()
         for page in ("postfix.md", "scale-out.md"):
-            text = (pathlib.Path(os.environ["QV_DOCS"]) / page).read_text()
-            blocks = re.findall(r"```toml\n(.*?)```", textwrap.dedent(text), re.S)
-            blocks += [textwrap.dedent(block)
-                       for block in re.findall(r"   ```toml\n(.*?)   ```", text, re.S)]
-            self.assertTrue(blocks, page)
-            for block in blocks:
+            settings = blocks_of(text_of(page), "toml")
+            self.assertTrue(settings, page)
+            for block in settings:
                 daemon.config.write_text(block)
                 done = check(daemon.config, "--show-config")
                 self.assertEqual((done.returncode, done.stderr), (0, ""), block)

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-"""docs/postfix.md, followed to the letter on a private machine with a Postfix: every block of the page
-is run, or put where the page says. What stands in for something is listed in STAND_INS."""
+"""docs/postfix.md, followed to the letter on a private machine with a Postfix and without packages: every
+block of the page is run, or put where the page says. What stands in for something is listed in STAND_INS.
+What the page says of packages, tests/package/trial_test.py follows."""
 import email
 import os
 import pathlib
@@ -16,7 +17,7 @@ from postfix import Postfix
 from private_machine import NameServer, enter
 
 PAGE = "postfix.md"
-START = "Five minutes to the first judged message"
+FIRST, START = "Five minutes to the first judged message", "Without packages"
 SOURCE, BUILD = pathlib.Path(os.environ["QV_SOURCE"]), os.environ["QV_BUILD"]
 HERE = pathlib.Path("/run/quorvane") # the folder of the sources, to which the page adds files
 CONFIG = pathlib.Path("/etc/qvdeepheader.toml")
@@ -25,6 +26,8 @@ LOG = pathlib.Path("/run/log")
 STAND_INS = {
     # It builds before it does this; here all is built.
     "./dev install --prefix /usr/local": f"cmake --install {BUILD} --prefix /usr/local",
+    # Where the page says that it is then.
+    "/usr/share/qvdeepheader": "/usr/local/share/qvdeepheader",
     # There is no journal here; the same lines are in a file.
     "journalctl -u qvmilter -o cat": f"cat {LOG}",
     # There is no systemd here that could start it; the test does.
@@ -104,15 +107,15 @@ class Page(unittest.TestCase):
     def check_first_message(self, postfix):
         """Sends the message of the page. The new settings of Postfix come into force soon."""
         def judged():
-            run(block(START, "curl"))
+            run(block(FIRST, "curl"))
             self.sent = getattr(self, "sent", 0) + 1
             return email.message_from_bytes(postfix.newest(self.sent))["X-QV-Deep-Header"]
         header = wait_for(judged, "a judged message")
-        self.assertEqual(f"X-QV-Deep-Header: {header}\n", block(START, "X-QV", ""))
+        self.assertEqual(f"X-QV-Deep-Header: {header}\n", block(FIRST, "X-QV", ""))
 
     def test_no_block_is_left_out(self):
-        """The other tests use so many."""
-        counts = {START: 8, "Postfix in a chroot": 3, "Under systemd": 1, "Started by root": 1,
+        """The other tests, and the trial of the packages, use so many."""
+        counts = {FIRST: 7, START: 5, "Postfix in a chroot": 3, "Under systemd": 1, "Started by root": 1,
                   "The log": 3}
         self.assertEqual({heading: len(blocks(PAGE, heading)) for heading in headings(PAGE)
                           if blocks(PAGE, heading)}, counts)
@@ -122,13 +125,13 @@ class Page(unittest.TestCase):
         self.addCleanup(CONFIG.chmod, 0o644)
         CONFIG.chmod(0o664)
         with self.assertRaises(AssertionError) as refusal:
-            run(block(START, "qvmilter"))
+            run(block(FIRST, "qvmilter"))
         self.assertIn(block("Started by root", "qvmilter"), str(refusal.exception))
 
     def test_five_minutes_are_enough(self):
         postfix = self.postfix()
         self.use(START, SOCKET)
-        self.assertIn("in order", run(block(START, "qvmilter")))
+        self.assertIn("in order", run(block(FIRST, "qvmilter")))
         run(block(START, "mkdir"))
         self.connect(START)
         self.check_first_message(postfix)

@@ -2,15 +2,17 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # reproduce.sh FOLDER: builds the packages of this checkout again, elsewhere, with another language, time
-# zone and mask and without a compiler cache. They have to be those in FOLDER, byte for byte.
+# zone and mask. They have to be those in FOLDER, byte for byte. A compiler cache may only give what was
+# compiled here, never what was compiled for FOLDER.
 set -euo pipefail
 folder=$1
 here=$(dirname "${BASH_SOURCE[0]}")
-again=$(mktemp -d)
-trap 'rm -rf "$again"' EXIT
+again=$folder/again
+mkdir -p "$again"
+trap 'rm -rf "$again/other"' EXIT
 
 umask 027
-env CCACHE_DISABLE=1 LC_ALL=C.UTF-8 TZ=Pacific/Auckland \
+env -u CCACHE_BASEDIR -u CCACHE_NOHASHDIR CCACHE_NAMESPACE=again LC_ALL=C.UTF-8 TZ=Pacific/Auckland \
     "$here/../../debian/build" "$again/other/folder" >"$again/log" 2>&1 || {
     tail -n 40 "$again/log" >&2
     exit 1

@@ -4,7 +4,6 @@ import argparse
 import contextlib
 import os
 import pathlib
-import re
 import shlex
 import socket
 import subprocess
@@ -12,12 +11,13 @@ import unittest
 
 from dask_programs import TIME, ArchiveTest, mailbox, mails
 from distributed import Client, Security
+from pages import blocks
 from support import SOURCE
 
 import cluster
+import qvdeepheader
 
-SECTION = (SOURCE / "docs/scale-out.md").read_text().split("\n### Dask\n")[1]
-LOCAL, KEY, SETTINGS, CLUSTER, USE = re.findall(r"^```\w*\n(.*?)^```$", SECTION, re.S | re.M)
+LOCAL, KEY, SETTINGS, CLUSTER, USE = blocks("scale-out.md", "Dask")
 HOST = "one.example.net"
 
 
@@ -30,7 +30,7 @@ class Page(ArchiveTest):
     def setUp(self):
         super().setUp()
         home = self.folder / "home/qv"
-        package = pathlib.Path(os.environ["PYTHONPATH"])
+        package = pathlib.Path(qvdeepheader.__file__).parents[1]
         for name, target in (("lib/python3/dist-packages", package),
                              ("bin", os.environ["QV_PROGRAMS"]),
                              ("share/qvdeepheader/root", os.environ["QV_DEFAULT_ROOT"]),
