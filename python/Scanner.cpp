@@ -9,7 +9,7 @@
 #include "python/Argument.h"
 #include "python/Errors.h"
 #include "python/ScanMany.h"
-#include "rules/format/RuleFiles.h"
+#include "rules/format/RulePlace.h"
 #include "rules/language/LoadRules.h"
 
 #include <filesystem>
@@ -64,9 +64,7 @@ Scanner::Scanner(py::handle rules, py::handle settings) {
     warnAbout(store);
     useOwnRulesIfNoneAreInstalled(store, s_prefix());
     auto const path =
-        rules.is_none()
-            ? (std::filesystem::path(store.values().m_root) / (ruleDirectory + 1)).string()
-            : pathOf(rules);
+        rules.is_none() ? ruleFolderOfRoot(store.values().m_root).string() : pathOf(rules);
     {
         py::gil_scoped_release const release; // files may be slow
         m_host = s_host(store.values(), path);

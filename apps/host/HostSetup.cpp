@@ -10,6 +10,7 @@
 #include "platform/Resolver.h"
 #include "platform/TrustedMTASet.h"
 #include "rules/format/AttributeTable.h"
+#include "rules/format/RulePlace.h"
 
 #include <algorithm>
 #include <sstream>
@@ -130,9 +131,9 @@ class PreparedPlatform {
     PreparedResolver m_resolver;
 };
 
-LoadedRules s_rules(std::string const& rootName) {
+LoadedRules s_rules(std::string const& root, std::string const& rootName) {
     try {
-        return loadRules();
+        return loadRules(root);
     } catch (NoRulesError const& error) {
         throw NoRulesError(error.what() + ("; " + rootName) + " says below which folder to look");
     }
@@ -168,11 +169,13 @@ void putInForce(ScanHost const& host) {
 std::shared_ptr<ScanHost const> setUpHost(HostSettings const& settings, std::string const& rootName,
                                           std::shared_ptr<Logger> logger) {
     PreparedPlatform platform(settings);
-    useRoot(settings.m_root);
+    if (!holdsRules(settings.m_root)) {
+        useRoot(settings.m_root);
+    }
     if (settings.m_root == HostSettings().m_root) {
         requireOwnRules(settings.m_root); // nobody chose them for this run
     }
-    auto rules = s_rules(rootName);
+    auto rules = s_rules(settings.m_root, rootName);
     platform.fit(settings, rules.m_engine);
     auto host = std::make_shared<ScanHost const>(settings, std::move(rules));
     if (logger != nullptr) {
@@ -201,11 +204,12 @@ bool canBeSideBySide(ScanHost const& one, ScanHost const& other) {
 }
 
 std::shared_ptr<ScanHost const> withNewerRules(std::shared_ptr<ScanHost const> host) {
-    auto const installed = installedVersion();
+    auto const& root = host->settings().m_root;
+    auto const installed = installedVersion(root);
     if (!installed || *installed <= host->ruleVersion().value_or(0)) {
         return host;
     }
-    auto rules = loadRules();
+    auto rules = loadRules(root);
     if (s_dependsOnRules(host->settings()) &&
         needsLookups(rules.m_engine) != needsLookups(host->engine())) {
         Resolver::instance().configure(s_resolverFor(host->settings(), rules.m_engine));

@@ -5,7 +5,7 @@
 #include "include2/Exception.h"
 #include "platform/File.h"
 #include "platform/Logger.h"
-#include "rules/format/RuleFiles.h"
+#include "rules/format/RulePlace.h"
 #include "rules/model/Binary.h"
 #include "rules/model/Files.h"
 #include "rules/model/Readme.h"
@@ -57,23 +57,50 @@ void LoadLogger::log(int messageId, int reserved, char const* format, ...) {
     }
 }
 
-// Rules that are installed while others load bring names for themselves, not for those.
-Rules::NamesRead s_namesOf(std::optional<std::int32_t> version) {
-    auto const folder = File::root() + ruleDirectory;
+Rules::NamesRead s_namesIn(std::filesystem::path const& folder) {
     auto names = Rules::readNames(Rules::readNamesFile(folder));
-    if (installedVersion() != version) {
-        return {};
-    }
     if (!names.m_problem.empty()) {
-        names.m_problem = folder + '/' + namesFileName + ": " + names.m_problem;
+        names.m_problem = (folder / namesFileName).string() + ": " + names.m_problem;
     }
     return names;
+}
+
+// Rules that are installed while others load bring names for themselves, not for those.
+Rules::NamesRead s_namesOf(std::string const& root, std::optional<std::int32_t> version) {
+    auto names = s_namesIn(ruleFolderBelow(root));
+    return installedVersion(root) == version ? names : Rules::NamesRead();
 }
 
 // A version that is not a number above 0 is never newer than "nothing loaded", and the library then
 // has nothing to log.
 std::string s_whyNotLoaded(std::string const& logged) {
     return logged.empty() ? std::string("the version in README must be above 0") : logged;
+}
+
+LoadedRules s_belowRoot(std::string const& root) {
+    auto const version = installedVersion(root);
+    std::shared_ptr<Logger> before = Logger::instance(false);
+    auto const logger = std::make_shared<LoadLogger>(before);
+    Logger::install(logger);
+    // However the load ends.
+    std::shared_ptr<void> const restore(nullptr, [&](void*) { Logger::install(before); });
+    DeepHeaderScanner().init();
+    auto engine = DeepHeaderEngine::inForce();
+    if (engine.isEmpty() || !logger->text().empty()) {
+        throw NoRulesError("no usable rules in " + File::root() + ruleDirectory + ": " +
+                           s_whyNotLoaded(logger->text()));
+    }
+    return {engine, version, s_namesOf(root, version)};
+}
+
+LoadedRules s_inFolder(std::string const& folder) {
+    try {
+        auto loaded = loadedRules(Rules::readFolder(folder));
+        loaded.m_names = s_namesIn(folder);
+        return loaded;
+    } catch (Rules::RuleError const& error) {
+        throw NoRulesError("no usable rules in " + folder + ": " + error.what());
+    }
 }
 
 } // namespace
@@ -104,8 +131,7 @@ void useOwnRulesIfNoneAreInstalled(SettingsSection& settings, std::filesystem::p
     namespace fs = std::filesystem;
     constexpr std::string_view root = "root";
     auto const hasRules = [](fs::path const& folder) {
-        std::error_code error;
-        return fs::exists(folder / (ruleDirectory + 1) / treeFileName, error);
+        return holdsRules(ruleFolderBelow(folder));
     };
     if (settings.origin(root) != defaultOrigin || hasRules("/")) {
         return;
@@ -116,28 +142,16 @@ void useOwnRulesIfNoneAreInstalled(SettingsSection& settings, std::filesystem::p
     }
 }
 
-std::optional<std::int32_t> installedVersion() {
-    File::Path const path(ruleDirectory, versionFileName);
-    auto const readme = path.isRegularFile()
-                            ? Rules::readFileIfThere(static_cast<char const*>(path))
-                            : std::nullopt;
+std::optional<std::int32_t> installedVersion(std::string const& root) {
+    auto const path = ruleFolderOfRoot(root) / versionFileName;
+    std::error_code error;
+    auto const readme =
+        std::filesystem::is_regular_file(path, error) ? Rules::readFileIfThere(path) : std::nullopt;
     return readme ? Rules::readmeVersion(*readme) : std::nullopt;
 }
 
-LoadedRules loadRules() {
-    auto const version = installedVersion();
-    std::shared_ptr<Logger> before = Logger::instance(false);
-    auto const logger = std::make_shared<LoadLogger>(before);
-    Logger::install(logger);
-    // However the load ends.
-    std::shared_ptr<void> const restore(nullptr, [&](void*) { Logger::install(before); });
-    DeepHeaderScanner().init();
-    auto engine = DeepHeaderEngine::inForce();
-    if (engine.isEmpty() || !logger->text().empty()) {
-        throw NoRulesError("no usable rules in " + File::root() + ruleDirectory + ": " +
-                           s_whyNotLoaded(logger->text()));
-    }
-    return {engine, version, s_namesOf(version)};
+LoadedRules loadRules(std::string const& root) {
+    return holdsRules(root) ? s_inFolder(root) : s_belowRoot(root);
 }
 
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The rules of a host: those below the process's root folder, and those in memory.
+// The rules of a host: those below the process's root folder, those in a folder of rules that a
+// user gives instead (rules/format/RulePlace.h), and those in memory.
 #pragma once
 
 #include "apps/settings/SettingsSection.h"
@@ -30,7 +31,7 @@ void useOwnRulesIfNoneAreInstalled(SettingsSection& settings, std::filesystem::p
 struct LoadedRules {
     DeepHeaderEngine m_engine;
     std::optional<std::int32_t> m_version; // empty: README names none
-    // Of rules below the root folder, a problem begins with the path of the file.
+    // Of rules in files, a problem begins with the path of the file.
     Rules::NamesRead m_names;
 };
 
@@ -40,12 +41,12 @@ class NoRulesError : public SettingsError {
     using SettingsError::SettingsError;
 };
 
-// The version that README names; empty when it names none.
-std::optional<std::int32_t> installedVersion();
+// The version that README names; empty when it names none. `root`: in use, or a folder of rules.
+std::optional<std::int32_t> installedVersion(std::string const& root);
 
-// Loads the rules if they are newer than those in force. A NoRulesError that says why when they
-// cannot be loaded; those in force then stay.
-LoadedRules loadRules();
+// Loads the rules, those below the root folder if they are newer than those in force. A
+// NoRulesError that says why when they cannot be loaded; those in force then stay.
+LoadedRules loadRules(std::string const& root);
 
 // An engine with these rules. A RuleError when no host can load them.
 DeepHeaderEngine engineOf(Rules::RuleSet const& rules);

@@ -8,7 +8,7 @@
 #include "apps/settings/SettingFiles.h"
 #include "apps/settings/SettingSources.h"
 #include "platform/HeaderReader.h"
-#include "rules/format/RuleFiles.h"
+#include "rules/format/RulePlace.h"
 #include "rules/language/AttributePage.h"
 #include "rules/model/RuleError.h"
 
@@ -76,7 +76,7 @@ std::filesystem::path ruleFolder(CommandLine const& line) {
         throw Rules::RuleError(Rules::RuleError::Kind::noInput,
                                root + ": is not a folder; make it first, or correct --root");
     }
-    return std::filesystem::path(root) / std::filesystem::path(ruleDirectory).relative_path();
+    return ruleFolderBelow(root);
 }
 
 SettingsStore settingsStore(CommandLine const& line) {

@@ -2,7 +2,7 @@
 #include "apps/settings/FileTrust.h"
 
 #include "apps/settings/SettingValue.h"
-#include "rules/format/RuleFiles.h"
+#include "rules/format/RulePlace.h"
 
 #include <array>
 #include <cstdio>
@@ -70,8 +70,9 @@ void requireOwnFile(std::string const& path) {
 }
 
 void requireOwnRules(std::string const& root) {
+    auto const folder = ruleFolderOfRoot(root);
     for (auto const* const name : ruleFileNames) {
-        requireOwnFile(root + ruleDirectory + '/' + name);
+        requireOwnFile(folder / name);
     }
 }
 

@@ -58,7 +58,8 @@ void s_checkDns(std::string const& text) {
 
 constexpr auto settings = std::to_array<SettingRow<HostSettings>>({
     settingRow<&HostSettings::m_root>(
-        {"root", SettingKind::path, "DIR", "read the rules from DIR/var/spool/etc/antispam (/)"}),
+        {"root", SettingKind::path, "DIR",
+         "read the rules from DIR/var/spool/etc/antispam, or from DIR itself (/)"}),
     settingRow<&HostSettings::m_judging, &DeepHeaderSettings::spamThreshold>(
         {"spam-threshold", SettingKind::number, "X", "minimum probability for spam, 0..1 (0.95)",
          true},

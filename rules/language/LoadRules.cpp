@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "rules/language/LoadRules.h"
 
+#include "rules/format/RulePlace.h"
 #include "rules/model/Files.h"
 #include "rules/model/RuleError.h"
 #include "rules/model/RuleFolder.h"
@@ -12,7 +13,7 @@ namespace Quorvane::Rules {
 LoadedRules loadRules(std::filesystem::path const& path) {
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) {
-        auto set = readFolder(path);
+        auto set = readFolder(ruleFolderOf(path));
         auto names = readNames(set.m_names);
         return {std::move(set), false, {}, std::move(names)};
     }

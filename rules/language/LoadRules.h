@@ -17,8 +17,8 @@ struct LoadedRules {
     NamesRead m_names;
 };
 
-// A folder is read, a file is compiled. Throws a RuleError: noInput for what cannot be opened,
-// badData with all the errors for a text that does not compile.
+// A folder, which may be a root folder, is read; a file is compiled. Throws a RuleError: noInput
+// for what cannot be opened, badData with all the errors for a text that does not compile.
 LoadedRules loadRules(std::filesystem::path const& path);
 
 } // namespace Quorvane::Rules

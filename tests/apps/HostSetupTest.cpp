@@ -290,6 +290,24 @@ TEST_F(RuleNamesOfHost, KeepNoRulesFromBeingLoaded) {
     EXPECT_EQ(pipe->namesProblem(), file + "is no regular file");
 }
 
+// The rules of the process's root folder have nothing to do with it.
+TEST_F(HostSetupTest, AFolderOfRulesAsRootIsRenewedByItself) {
+    auto settings = other();
+    settings.m_root = s_folder().path("rules");
+    auto const write = [](double confidence, int version) {
+        s_folder().write("rules/qv.dt", treeBytes(treeOf({leaf(37, 0, confidence)})));
+        s_folder().write("rules/README", "CF_DT_VERSION=" + std::to_string(version) + "\n");
+    };
+    write(0.25, 7);
+    auto const first = setUpHost(settings, "root");
+    EXPECT_EQ(confidence(*first), 0.25);
+    EXPECT_EQ(first->ruleVersion(), 7);
+    installRules(0.9);
+    EXPECT_EQ(withNewerRules(first), first);
+    write(0.75, 8);
+    EXPECT_EQ(confidence(*withNewerRules(first)), 0.75);
+}
+
 TEST_F(HostSetupTest, AnEngineOfTheProgramsOwnNeedsNoRoot) {
     auto settings = other();
     settings.m_root = "/no/such/folder";

@@ -230,6 +230,23 @@ TEST_F(ExitStatus, RulesThatCannotBeLoadedAre78) {
     EXPECT_NE(result.m_errors.find("Error loading the deep header rules"), std::string::npos);
 }
 
+// A folder of rules, as qvrules compile writes it, serves as well as the root folder above it.
+TEST_F(ExitStatus, ARootMayBeTheFolderOfRulesItself) {
+    auto const rules = root() + "/var/spool/etc/antispam";
+    auto const below = scan({}, spam());
+    auto const itself = scan({"--root", rules}, spam());
+    EXPECT_EQ(itself.m_status, 1) << itself.m_errors;
+    EXPECT_EQ(itself.m_output, below.m_output);
+    writeNamesFile("damaged");
+    EXPECT_EQ(scan({"--root", rules}, spam()).m_errors, scan({}, spam()).m_errors);
+
+    std::ofstream(rules + "/qv.dt") << std::string(sizeof(DTNode) * treeTableSize, 1);
+    auto const damaged = scan({"--root", rules}, spam());
+    EXPECT_EQ(damaged.m_status, 78);
+    EXPECT_EQ(damaged.m_errors.find("qvscan: no usable rules in " + rules + ": "), 0U)
+        << damaged.m_errors;
+}
+
 // The build tree is laid out as an installation is.
 TEST_F(ExitStatus, WithoutInstalledRulesThoseThatCameWithTheProgramAreUsed) {
     if (std::filesystem::exists("/var/spool/etc/antispam/qv.dt")) {
