@@ -172,7 +172,8 @@ void bindScanner(py::module_& module) {
              "Judges messages, of any kind that scan takes, and yields their answers in the same\n"
              "order. What cannot be judged has an error and ends nothing. threads: 1 for none but\n"
              "the caller's, 0 for what the setting jobs says (one for each core). Reads some\n"
-             "hundred messages ahead.")
+             "hundred messages ahead, of messages() some thousand, which no one else can take\n"
+             "until the scan ends.")
         .def_property_readonly("rule_version", &Scanner::ruleVersion,
                                "The version of the rules; None when they have none.");
 }

@@ -40,6 +40,9 @@ ValueKind kindOf(std::string_view valueName) {
             return ValueKind::file;
         }
     }
+    if (valueName.ends_with("VECTOR")) {
+        return ValueKind::vector;
+    }
     return valueName == "DIR" ? ValueKind::folder : ValueKind::other;
 }
 

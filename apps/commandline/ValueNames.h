@@ -19,8 +19,9 @@ bool isLiteral(std::string_view alternative);
 // The alternatives that are written literally: "system" and "off".
 std::vector<std::string> literalsOf(std::string_view valueName);
 
-// What a shell can offer for a value.
-enum class ValueKind { flag, words, file, folder, other };
+// What a shell can offer for a value. A vector ("PATH|VECTOR") is attributes with their values, or
+// a file.
+enum class ValueKind { flag, words, file, folder, vector, other };
 ValueKind kindOf(std::string_view valueName);
 
 } // namespace Quorvane

@@ -41,6 +41,18 @@ std::string s_offer(std::vector<std::string> const& words) {
            "' -- \"$current\")";
 }
 
+// NAME=VALUE,NAME=VALUE: the last name. Names would hide files as long as nothing is typed.
+std::string s_offerAttributes() {
+    return "compopt -o default\n"
+           "        if [[ $current ]]; then\n"
+           "            mapfile -t COMPREPLY < <(compgen -P \"${current%\"${current##*,}\"}\" -W "
+           "'" +
+           attributeWords("=") +
+           "' -- \"${current##*,}\")\n"
+           "            [[ ${#COMPREPLY[@]} == 0 ]] || compopt -o nospace\n"
+           "        fi";
+}
+
 // Readline completes paths itself: it knows how to quote them.
 std::string s_offerValue(std::string_view valueName) {
     switch (kindOf(valueName)) {
@@ -50,6 +62,8 @@ std::string s_offerValue(std::string_view valueName) {
         return "compopt -o default";
     case ValueKind::folder:
         return "compopt -o dirnames";
+    case ValueKind::vector:
+        return s_offerAttributes();
     case ValueKind::flag:
     case ValueKind::other:
         break;
@@ -87,8 +101,9 @@ std::vector<std::string> s_optionWords(CommandRow const& command) {
     return words;
 }
 
+// Nobody counts which argument the cursor is at: the last one offers what the others do, and more.
 std::string s_arguments(CommandRow const& command) {
-    return command.m_arguments.empty() ? ":" : s_offerValue(command.m_arguments[0].m_valueName);
+    return command.m_arguments.empty() ? ":" : s_offerValue(command.m_arguments.back().m_valueName);
 }
 
 // After the values: options where the word begins with "-", arguments elsewhere.

@@ -5,10 +5,20 @@
 #pragma once
 
 #include "apps/commandline/OptionTable.h"
+#include "rules/format/AttributeTable.h"
 
 #include <string>
 
 namespace Quorvane::Docs {
+
+// All names of attributes, each with `suffix`, and blanks between them.
+inline std::string attributeWords(std::string_view suffix) {
+    std::string words;
+    for (auto const& attribute : attributeTable) {
+        words.append(words.empty() ? "" : " ").append(attribute.m_name).append(suffix);
+    }
+    return words;
+}
 
 // A function _NAME, tied to the program with complete -F.
 std::string bashCompletion(ProgramTable const& program);

@@ -32,6 +32,8 @@ std::string s_action(std::string_view valueName) {
         return "_files";
     case ValueKind::folder:
         return "_files -/";
+    case ValueKind::vector:
+        return R"({ compset -P "*,"; compadd -S "=" - )" + attributeWords("") + "; _files }";
     case ValueKind::flag:
     case ValueKind::other:
         break;

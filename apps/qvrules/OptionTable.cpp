@@ -170,7 +170,7 @@ CommandRow const explainCommand{
     "explain",
     "Explain verdicts in plain words",
     {rulesArgument,
-     {"INPUT", "PATH", "message, FILE:N, table of vectors, vector, or - for standard input",
+     {"INPUT", "PATH|VECTOR", "message, FILE:N, table of vectors, vector, or - for standard input",
       Takes::required}},
     {formatRow,
      {"all", "",

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Which folder holds the rules that a user means: the folder that was given, such as qvrules compile
-// writes, or the one that engines read below it, as below a root folder.
+// Which folder holds the rules that a user means: the folder that was given, such as qvrules
+// compile writes, or the one that engines read below it, as below a root folder.
 #pragma once
 
 #include "rules/format/RuleFiles.h"

@@ -122,6 +122,21 @@ TEST(BashCompletion, LeavesPathsToReadline) {
     EXPECT_EQ(s_bash("qvrules decompile "), Names{"compopt -o dirnames"});
 }
 
+// A name is completed up to the "=" before its value. What is no name may be a file.
+TEST(BashCompletion, OffersTheNamesOfAttributesInAVector) {
+    EXPECT_EQ(s_bash("qvrules explain my.qvr hop_b"),
+              (Names{"compopt -o default", "compopt -o nospace", "hop_behind_first="}));
+    EXPECT_EQ(s_bash("qvrules explain my.qvr chain_broken = yes,hop_b"),
+              (Names{"compopt -o default", "compopt -o nospace", "yes,hop_behind_first="}));
+    EXPECT_EQ(s_bash("qvrules explain my.qvr mail/"), Names{"compopt -o default"});
+    EXPECT_EQ(s_bash("qvrules explain "), Names{"compopt -o default"});
+}
+
+TEST(ZshCompletion, OffersTheNamesOfAttributesInAVector) {
+    EXPECT_EQ(s_zsh("qvrules explain my.qvr hop_b"), Names{"hop_behind_first"});
+    EXPECT_EQ(s_zsh("qvrules explain my.qvr chain_broken=yes,hop_b"), Names{"hop_behind_first"});
+}
+
 TEST(ZshCompletion, OffersValuesBehindAnEqualsSign) {
     EXPECT_EQ(s_zsh("qvscan --format=c"), Names{"csv"});
 }
