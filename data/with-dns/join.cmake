@@ -3,7 +3,7 @@
 # cmake -DDEFAULT=default.qvr -DMORE=rules.qvr.in -DOUTPUT=with-dns.qvr -P join.cmake
 #
 # Writes the default rules with the rules of MORE after the last elite rule, before the tree.
-set(license "# SPDX-License-Identifier: Apache-2.0\n")
+string(CONCAT license "# SPDX-License-" "Identifier: Apache-2.0\n") # not a licence line of this file
 file(READ "${DEFAULT}" default)
 file(READ "${MORE}" more)
 string(REPLACE "${license}" "" default "${default}")
