@@ -39,8 +39,8 @@ void StopWatch::run() {
             return;
         }
     }
-    // Not shutdown() of the socket: libmilter keeps its descriptor to itself, and sleeps for a second
-    // after an accept() that fails.
+    // Not shutdown() of the socket: libmilter keeps its descriptor to itself, and sleeps for a
+    // second after an accept() that fails.
     WakeUpCall const call(m_place);
     if (!m_wake.wait_for(lock, returnTime, hasReturned)) {
         m_end();

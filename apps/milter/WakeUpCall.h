@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// WakeUpCall: a connection of the process to its own listening socket, so that who waits there looks
-// up. It says nothing and asks for nothing: to libmilter it is no session before it does.
+// WakeUpCall: a connection of the process to its own listening socket, so that who waits there
+// looks up. It says nothing and asks for nothing: to libmilter it is no session before it does.
 #pragma once
 
 #include <sys/socket.h>
@@ -18,8 +18,8 @@ struct ListenPlace {
 
 class WakeUpCall {
   public:
-    // Returns at once. When nobody listens there, or too many others wait to be accepted, no call is
-    // made.
+    // Returns at once. When nobody listens there, or too many others wait to be accepted, no call
+    // is made.
     explicit WakeUpCall(ListenPlace const& place);
     WakeUpCall(WakeUpCall const&) = delete;
     WakeUpCall& operator=(WakeUpCall const&) = delete;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // To be preloaded: libmilter that looks whether it has to end only when somebody connects, and says
-// that its main loop has returned.
+// when it waits for that, and when its main loop has returned.
 #include <cstdio>
 #include <dlfcn.h>
 #include <poll.h>
@@ -17,8 +17,12 @@ Function* s_next(char const* name) {
 } // namespace
 
 extern "C" int poll(pollfd* sockets, nfds_t count, int patience) {
-    return s_next<int(pollfd*, nfds_t, int)>("poll")(sockets, count,
-                                                     patience == lookEvery ? -1 : patience);
+    auto* const next = s_next<int(pollfd*, nfds_t, int)>("poll");
+    if (patience != lookEvery) {
+        return next(sockets, count, patience);
+    }
+    std::fputs("libmilter waits\n", stderr);
+    return next(sockets, count, -1);
 }
 
 extern "C" int smfi_main() {
