@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -38,6 +39,14 @@ bool s_isOnPath(std::string const& program) {
         auto const file = std::filesystem::path(folder) / program;
         return !folder.empty() && ::access(file.c_str(), X_OK) == 0;
     });
+}
+
+// What the environment says of the terminal, and of the person at it.
+bool s_mayColour() {
+    auto const* const noColour = std::getenv("NO_COLOR");
+    auto const* const kind = std::getenv("TERM");
+    return (noColour == nullptr || *noColour == '\0') &&
+           (kind == nullptr || std::string_view(kind) != "dumb");
 }
 
 // Empty: none is to be started.
@@ -68,9 +77,8 @@ bool outputsShareTerminal() {
 
 bool wantsColour(CommandLine const& line) {
     auto const choice = line.text(colorRow.m_name, "auto");
-    auto const* const noColour = std::getenv("NO_COLOR");
-    bool const isAllowed = noColour == nullptr || *noColour == '\0';
-    return choice == "always" || (choice == "auto" && isAllowed && ::isatty(STDOUT_FILENO) == 1);
+    return choice == "always" ||
+           (choice == "auto" && s_mayColour() && ::isatty(STDOUT_FILENO) == 1);
 }
 
 std::optional<std::size_t> terminalWidth() {

@@ -19,7 +19,7 @@ inline constexpr OptionRow noPagerRow{"no-pager", "",
                                       "write explanations to the terminal, not to a pager"};
 
 // What --color says. By default a terminal gets colours unless NO_COLOR is set and not empty
-// (no-color.org).
+// (no-color.org), or TERM says that it shows none ("dumb").
 bool wantsColour(CommandLine const& line);
 
 // The columns of the terminal that standard output is; empty when it is none, or does not tell.

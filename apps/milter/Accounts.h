@@ -8,6 +8,8 @@
 
 namespace Quorvane::Milter {
 
+// Of the settings "user" and "socket-group".
+uid_t userId(std::string const& name);
 gid_t groupId(std::string const& name);
 
 // Makes the process run as this user, with its groups and nothing of the old one's. An empty name

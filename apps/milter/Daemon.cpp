@@ -125,8 +125,8 @@ bool s_finishCallbacks(Service& service) {
     return isDone;
 }
 
-int s_runLibrary(Service& service, PidFile& pidFile) {
-    StopWatch const watch([&service, &pidFile] {
+int s_runLibrary(Service& service, PidFile& pidFile, ListenPlace const& place) {
+    StopWatch const watch(place, [&service, &pidFile] {
         bool const isDone = s_finishCallbacks(service);
         pidFile.remove();
         ::_exit(isDone ? ExitStatus::ok : ExitStatus::internal);
@@ -135,19 +135,19 @@ int s_runLibrary(Service& service, PidFile& pidFile) {
 }
 
 // Until SIGTERM, which libmilter takes. It then returns without waiting for callbacks.
-int s_serveSessions(Service& service, PidFile& pidFile) {
-    int const result = s_runLibrary(service, pidFile);
+int s_serveSessions(Service& service, PidFile& pidFile, ListenPlace const& place) {
+    int const result = s_runLibrary(service, pidFile, place);
     bool const isDone = s_finishCallbacks(service);
     return result == MI_SUCCESS && isDone ? ExitStatus::ok : ExitStatus::internal;
 }
 
 // What one thread is enough for, as root if need be.
-void s_openSocket(MilterSettings const& settings) {
+ListenPlace s_openSocket(MilterSettings const& settings) {
     if (!registerFilter()) {
         throw SettingsError("libmilter does not take the filter");
     }
     smfi_settimeout(static_cast<int>(settings.m_idleTimeoutSeconds));
-    openSocket(settings);
+    return openSocket(settings);
 }
 
 } // namespace
@@ -170,7 +170,7 @@ int serve(std::string const& path, bool foreground) {
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     s_raiseFileLimit();
     Logger::install(serviceLogger(settings.m_log, foreground));
-    s_openSocket(settings);
+    auto const place = s_openSocket(settings);
     PidFile pidFile(settings.m_pidFile);
     becomeUser(settings.m_user);
     // Callbacks that are still under way when the process ends use it. Made by the user that will
@@ -185,7 +185,7 @@ int serve(std::string const& path, bool foreground) {
     logMessage(LogId::started, settings.m_socket);
     background.ready();
     ::sd_notify(0, "READY=1");
-    return s_serveSessions(*service, pidFile);
+    return s_serveSessions(*service, pidFile, place);
 }
 
 } // namespace Quorvane::Milter

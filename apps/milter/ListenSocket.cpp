@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <fcntl.h>
 #include <libmilter/mfapi.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -37,14 +38,24 @@ bool s_isServed(std::string const& path) {
     throw SettingsError("socket: " + what + ": " + why);
 }
 
+// The socket belongs to the user that the daemon becomes, who has to connect to it at the end.
 void s_setAccess(std::string const& path, MilterSettings const& settings) {
-    if (!settings.m_socketGroup.empty() &&
-        ::chown(path.c_str(), static_cast<uid_t>(-1), groupId(settings.m_socketGroup)) != 0) {
-        s_fail(path, "its group cannot be set: " + std::string(std::strerror(errno)));
+    constexpr auto unchanged = static_cast<uid_t>(-1);
+    auto const user = settings.m_user.empty() ? unchanged : userId(settings.m_user);
+    auto const group = settings.m_socketGroup.empty() ? unchanged : groupId(settings.m_socketGroup);
+    if (::chown(path.c_str(), user, group) != 0) {
+        s_fail(path, "its user and group cannot be set: " + std::string(std::strerror(errno)));
     }
     if (::chmod(path.c_str(), socketMode(settings.m_socketMode)) != 0) {
         s_fail(path, "its mode cannot be set: " + std::string(std::strerror(errno)));
     }
+}
+
+// The descriptor that is opened next is the lowest that is free.
+int s_nextDescriptor() {
+    int const next = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ::close(next);
+    return next;
 }
 
 } // namespace
@@ -81,12 +92,13 @@ mode_t socketMode(std::string const& text) {
     return mode;
 }
 
-void openSocket(MilterSettings const& settings) {
+ListenPlace openSocket(MilterSettings const& settings) {
     auto const address = ListenAddress::parse(settings.m_socket);
     if (!address.m_path.empty() && s_isServed(address.m_path)) {
         s_fail(address.m_path, "another program serves it");
     }
     auto text = address.m_text;
+    int const descriptor = s_nextDescriptor(); // libmilter does not say which it opens
     // Nobody may connect before group and mode are set.
     auto const before = ::umask(0177);
     bool const isOpen =
@@ -99,6 +111,7 @@ void openSocket(MilterSettings const& settings) {
     if (!address.m_path.empty()) {
         s_setAccess(address.m_path, settings);
     }
+    return ListenPlace::of(descriptor);
 }
 
 } // namespace Quorvane::Milter

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "apps/milter/MilterSettings.h"
+#include "apps/milter/WakeUpCall.h"
 
 #include <string>
 #include <sys/types.h>
@@ -23,9 +24,9 @@ struct ListenAddress {
 // "660" is 0660. A SettingsError when it is not an octal number up to 777.
 mode_t socketMode(std::string const& text);
 
-// Opens the socket, with the group and the mode that the settings name. A socket that a dead daemon
-// left is replaced. A SettingsError when it cannot be opened, or another program serves it.
-// REQUIRES: the filter is registered with libmilter.
-void openSocket(MilterSettings const& settings);
+// Opens the socket, with the user, the group and the mode that the settings name; where it listens.
+// A socket that a dead daemon left is replaced. A SettingsError when it cannot be opened, or
+// another program serves it. REQUIRES: the filter is registered with libmilter.
+ListenPlace openSocket(MilterSettings const& settings);
 
 } // namespace Quorvane::Milter

@@ -12,14 +12,15 @@ namespace Quorvane::Milter {
 
 namespace {
 
-constexpr std::chrono::seconds lookEvery{1};
-// The main loop looks every 5 seconds whether it has to end.
+// libmilter takes the signals and tells nobody; this is how long an end may go unnoticed.
+constexpr std::chrono::milliseconds lookEvery{100};
+// The main loop looks every 5 seconds whether it has to end, if the wake-up call did not reach it.
 constexpr std::chrono::seconds returnTime{8};
 
 } // namespace
 
-StopWatch::StopWatch(std::function<void()> end)
-    : m_end(std::move(end)), m_thread([this] { run(); }) {}
+StopWatch::StopWatch(ListenPlace const& place, std::function<void()> end)
+    : m_place(place), m_end(std::move(end)), m_thread([this] { run(); }) {}
 
 StopWatch::~StopWatch() {
     {
@@ -38,6 +39,9 @@ void StopWatch::run() {
             return;
         }
     }
+    // Not shutdown() of the socket: libmilter keeps its descriptor to itself, and sleeps for a
+    // second after an accept() that fails.
+    WakeUpCall const call(m_place);
     if (!m_wake.wait_for(lock, returnTime, hasReturned)) {
         m_end();
     }

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// StopWatch: ends the process when libmilter cannot. When it has been told to stop, it destroys a
-// lock that its threads may still use, and when a mail server connects just then, its main loop can
-// wait for that lock forever. The service manager would have to kill the daemon.
+// StopWatch: sees to it that libmilter ends when it has been told to stop. Its main loop looks for
+// that only when somebody connects, or every 5 seconds: the watch connects. And it ends the process
+// when libmilter cannot: when it has been told to stop, it destroys a lock that its threads may
+// still use, and when a mail server connects just then, its main loop can wait for that lock
+// forever. The service manager would have to kill the daemon.
 #pragma once
+
+#include "apps/milter/WakeUpCall.h"
 
 #include <condition_variable>
 #include <functional>
@@ -14,9 +18,10 @@ namespace Quorvane::Milter {
 
 class StopWatch {
   public:
-    // `end` ends the process. It is called, on a thread of this object's own, when libmilter has
-    // been told to stop and its main loop has not returned after a while.
-    explicit StopWatch(std::function<void()> end);
+    // `place`: where libmilter listens. `end` ends the process. It is called, on a thread of this
+    // object's own, when libmilter has been told to stop and its main loop has not returned after a
+    // while.
+    StopWatch(ListenPlace const& place, std::function<void()> end);
     StopWatch(StopWatch const&) = delete;
     StopWatch& operator=(StopWatch const&) = delete;
     // The main loop has returned.
@@ -25,6 +30,7 @@ class StopWatch {
   private:
     void run();
 
+    ListenPlace m_place;
     std::function<void()> m_end;
     std::mutex m_mutex;
     std::condition_variable m_wake;

@@ -11,7 +11,8 @@ import threading
 import time
 import unittest
 
-from milter import SANITIZED, FailingDnsServer, MilterTest, SilentDnsServer, check, wait_for
+from milter import (SANITIZED, FailingDnsServer, MilterTest, SilentDnsServer, check, free_port,
+                    wait_for)
 from pages import blocks_of, text_of
 from protocol import MailServer
 
@@ -204,6 +205,19 @@ class Life(MilterTest):
         with socket.socket(socket.AF_UNIX) as client:
             client.connect(str(daemon.socket))
             self.assertEqual(daemon.stop(), 0, "".join(daemon.log))
+
+    @unittest.skipIf(SANITIZED, "sanitizers have to be loaded first")
+    def test_term_ends_it_without_waiting_for_libmilter_to_look(self):
+        for kind, own in (("unix", ""), ("unix", 'user = "nobody"'), ("inet", "")):
+            with self.subTest(kind, own=own):
+                daemon = self.daemon(own=own)
+                if kind == "inet":
+                    daemon.config.write_text(daemon.config.read_text().replace(
+                        f"unix:{daemon.socket}", f"inet:{free_port()}@localhost"))
+                daemon.launch(env={**os.environ, "LD_PRELOAD": os.environ["QV_PATIENT_LIBRARY"]})
+                daemon.wait_for_log("libmilter waits")
+                self.assertEqual(daemon.stop(), 0)
+                self.assertIn("libmilter has returned\n", daemon.log)
 
     @unittest.skipIf(SANITIZED, "sanitizers have to be loaded first")
     def test_term_ends_it_even_when_libmilter_never_returns(self):

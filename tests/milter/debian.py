@@ -4,16 +4,9 @@ displace others or start a service: downloaded, and unpacked into a folder below
 import os
 import pathlib
 import subprocess
-import sys
 import tempfile
 
-SKIPPED = 77 # the exit status of a test that could not run (SKIP_RETURN_CODE)
-
-
-def skip(reason):
-    """Ends the test: something outside of it is missing."""
-    print("skipped:", reason, flush=True)
-    sys.exit(SKIPPED)
+from skipping import skip
 
 
 def _download(packages, folder):

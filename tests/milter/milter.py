@@ -234,7 +234,11 @@ class Daemon:
         self._forget()
 
     def _forget(self):
-        status = self.process.wait(timeout=60)
+        try:
+            status = self.process.wait(timeout=PATIENCE)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            raise AssertionError("qvmilter does not end:\n" + "".join(self.log)) from None
         self.reader.join()
         self.process.stderr.close()
         self.process = None
@@ -246,19 +250,7 @@ class Daemon:
             return None
         if self.process.poll() is None:
             self.process.send_signal(signal.SIGTERM)
-            self._wake()
         return self._forget()
-
-    def _wake(self):
-        """libmilter looks whether it has to end when somebody connects, or every 5 seconds."""
-        end = time.monotonic() + PATIENCE
-        while self.process.poll() is None:
-            if time.monotonic() > end:
-                self.process.kill()
-                raise AssertionError("qvmilter does not end:\n" + "".join(self.log))
-            with socket.socket(socket.AF_UNIX) as client:
-                client.connect_ex(str(self.socket))
-            time.sleep(0.02)
 
     def remove(self):
         status = self.stop()

@@ -8,8 +8,8 @@ import subprocess
 import sys
 import tempfile
 
-from debian import skip
 from milter import EXAMPLES, wait_for
+from skipping import skip
 
 NAME = "mx.example.net"
 ADDRESS = "198.51.100.1"

@@ -13,7 +13,10 @@ import subprocess
 import sys
 import unittest
 
-SKIPPED = 77
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+
+from skipping import skip
+
 FOLDER = pathlib.Path(sys.argv.pop(1)).resolve()
 BARE, ARCHIVES = FOLDER / "bare", FOLDER / "archives"
 ROOT = pathlib.Path("/mnt/system") # a short path: that of a socket has a limit
@@ -33,11 +36,6 @@ def run(*command, status=0, **options):
     if done.returncode != status:
         raise AssertionError(f"{command}: {done.returncode}\n{done.stdout}{done.stderr}")
     return done.stdout
-
-
-def skip(reason):
-    print("skipped:", reason, flush=True)
-    sys.exit(SKIPPED)
 
 
 def make_bare():

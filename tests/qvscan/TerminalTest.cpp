@@ -88,6 +88,15 @@ TEST_F(TerminalScan, NoColorMeansNoColour) {
               std::string::npos);
 }
 
+TEST_F(TerminalScan, ATerminalWithoutColoursGetsNone) {
+    auto const text = m_terminal.screen("TERM=dumb " + program() + mbox());
+    EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
+    EXPECT_NE(text.find("spam 99 %"), std::string::npos) << text;
+    EXPECT_NE(m_terminal.screen("TERM=dumb " + program() + "--color always " + mbox())
+                  .find("\x1B[31mspam"),
+              std::string::npos);
+}
+
 TEST_F(TerminalScan, TheEndOfATypedMessageIsTypedOnce) {
     m_terminal.start(program());
     m_terminal.type({"From: a@b.example", "Enter", "C-d"});
