@@ -176,7 +176,7 @@ class EvaluationPage(mailpages.MailPageTest):
             flags = self.texts("#comparison ~ .scroll [data-name='ROC area']")
             self.assertEqual([flag.endswith("below 0.5") for flag in flags], [True, False, True])
             self.browser.find(".concern-box a[href='#corpus-1']").click()
-            self.assertEqual(self.shown(), ["corpus-1"])
+            self.wait_for(lambda: self.shown() == ["corpus-1"])
             self.wait_for(lambda: self.box("#corpus-1")["top"] < size[1])
         self.assert_contrast(page)
 
