@@ -16,6 +16,8 @@ Function* s_next(char const* name) {
 
 } // namespace
 
+// The C library declares it with names that only it may use.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int poll(pollfd* sockets, nfds_t count, int patience) {
     auto* const next = s_next<int(pollfd*, nfds_t, int)>("poll");
     if (patience != lookEvery) {
