@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <latch>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -266,6 +268,32 @@ TEST(OrderedPool, SlowMessagesAreSharedAmongTheThreads) {
                          s_noteIn(taken), s_source(100)});
     pool.finish();
     s_expectAll(taken, 100);
+}
+
+// Each of the last messages takes a millisecond at least, however fast the machine is.
+TEST(OrderedPool, BatchesGetSmallWhenMessagesGetSlow) {
+    constexpr int quick = 300;
+    constexpr int all = 900;
+    std::vector<int> batches{0};
+    OrderedPool pool(4, {[](InputItem const& item, std::size_t /*place*/) {
+                             if (std::stoi(item.m_source) >= quick) {
+                                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                             }
+                         },
+                         [&](InputItem const& /*item*/, std::size_t /*place*/) {
+                             ++batches.back();
+                             return true;
+                         },
+                         s_source(all),
+                         [&](bool isEnd, std::exception_ptr const& /*thrown*/) {
+                             if (!isEnd) {
+                                 batches.push_back(0);
+                             }
+                         }});
+    pool.finish();
+    batches.pop_back();
+    ASSERT_GT(batches.size(), 20U);
+    EXPECT_EQ(std::vector<int>(batches.end() - 20, batches.end()), std::vector<int>(20, 1));
 }
 
 } // namespace
