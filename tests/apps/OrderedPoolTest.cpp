@@ -270,8 +270,8 @@ TEST(OrderedPool, SlowMessagesAreSharedAmongTheThreads) {
     s_expectAll(taken, 100);
 }
 
-// Each of the last messages takes a millisecond at least, however fast the machine is. As many as have
-// places may have been read in large batches before the first of them is done.
+// Each of the last messages takes a millisecond at least, however fast the machine is. As many as
+// have places may have been read in large batches before the first of them is done.
 TEST(OrderedPool, BatchesGetSmallWhenMessagesGetSlow) {
     constexpr int quick = 300;
     int const all = quick + static_cast<int>(OrderedPool::places(4)) + 200;
