@@ -4,6 +4,7 @@
 #include "platform/Strings.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Quorvane::internal {
 
@@ -13,6 +14,14 @@ class BracketScan {
   public:
     explicit BracketScan(std::string_view text) : m_text(text) {}
 
+    WellBracketed run() {
+        auto const length = wellBracketedLength();
+        auto& brackets = m_plainBrackets;
+        brackets.erase(std::lower_bound(brackets.begin(), brackets.end(), length), brackets.end());
+        return {length, std::move(brackets)};
+    }
+
+  private:
     std::size_t wellBracketedLength() {
         while (m_position < m_text.size()) {
             if (!step(m_text[m_position++])) {
@@ -22,7 +31,6 @@ class BracketScan {
         return m_isOpen ? m_addressStart : m_text.size();
     }
 
-  private:
     // All of these are false when a bracket is out of place, or a separator within brackets.
     bool step(char c) {
         bool const inPlace = isInPlace(c);
@@ -49,7 +57,12 @@ class BracketScan {
     }
 
     bool goTo(std::size_t position) {
-        m_position = std::min(position, m_text.size());
+        auto const end = std::min(position, m_text.size());
+        for (; m_position < end; ++m_position) {
+            if (m_text[m_position] == '<' || m_text[m_position] == '>') {
+                m_plainBrackets.push_back(m_position);
+            }
+        }
         return position != std::string_view::npos;
     }
 
@@ -94,6 +107,7 @@ class BracketScan {
 
     std::string_view m_text;
     std::size_t m_position = 0;
+    std::vector<std::size_t> m_plainBrackets;
     // Of the current address.
     std::size_t m_addressStart = 0;
     char m_before = '\0'; // the last byte outside blanks and comments
@@ -136,8 +150,8 @@ std::vector<std::size_t> openCommentsAfterLiterals(std::string_view text) {
     return found;
 }
 
-std::size_t wellBracketedLength(std::string_view text) {
-    return BracketScan(text).wellBracketedLength();
+WellBracketed wellBracketed(std::string_view text) {
+    return BracketScan(text).run();
 }
 
 } // namespace Quorvane::internal

@@ -50,12 +50,19 @@ void spoilDoubleAts(std::string& text);
 // quoted text, because it skips to the next comma after an error; so quotation marks do not count.
 std::vector<std::size_t> openCommentsAfterLiterals(std::string_view text);
 
-// Length of the longest run of whole addresses from the beginning of `text` in which quotation
-// marks, comments, literals and angle brackets are closed, a literal follows "@", each address has
-// at most one pair of angle brackets with no "@" in front of it, and separators stand between the
-// brackets in a route only. For headers that are read strictly: GMime rejects a stray bracket too,
-// but leaks the memory of the address that it was reading. After this check it finds no stray
-// bracket, except where it mistakes one in a quoted name while it recovers from another error.
-std::size_t wellBracketedLength(std::string_view text);
+struct WellBracketed {
+    // Length of the longest run of whole addresses from the beginning of a text in which quotation
+    // marks, comments, literals and angle brackets are closed, a literal follows "@", each address
+    // has at most one pair of angle brackets with no "@" in front of it, and separators stand
+    // between the brackets in a route only.
+    std::size_t m_length = 0;
+    // Where in that run angle brackets stand in quoted text, comments and literals, in order.
+    std::vector<std::size_t> m_plainBrackets;
+};
+
+// For headers that are read strictly: GMime rejects a stray bracket too, but leaks the memory of
+// the address that it was reading. It may also find one in quoted text, because it skips to the
+// next comma after an error; without the plain brackets, it finds none in the run.
+WellBracketed wellBracketed(std::string_view text);
 
 } // namespace Quorvane::internal

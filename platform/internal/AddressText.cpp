@@ -51,18 +51,36 @@ char s_unusedByte(std::string const& text) {
     return found == s_atomBytes.end() ? '\0' : *found;
 }
 
-// Both are false when there is something to hide and no unused byte to hide it with.
-bool s_hideOpenComments(AddressText& prepared) {
-    auto const comments = openCommentsAfterLiterals(prepared.m_text);
-    if (comments.empty()) {
-        return true;
-    }
-    char const standIn = s_unusedByte(prepared.m_text);
-    prepared.m_standIns.emplace_back('(', standIn);
-    for (auto const at : comments) {
+// All of these are false when there is something to hide and no unused byte to hide it with.
+
+// Hides `byte` at those of `places` where it stands.
+bool s_hideByte(char byte, std::vector<std::size_t> const& places, AddressText& prepared) {
+    char standIn = '\0';
+    for (auto const at : places) {
+        if (prepared.m_text[at] != byte) {
+            continue;
+        }
+        if (standIn == '\0') {
+            standIn = s_unusedByte(prepared.m_text);
+            prepared.m_standIns.emplace_back(byte, standIn);
+        }
+        if (standIn == '\0') {
+            return false;
+        }
         prepared.m_text[at] = standIn;
     }
-    return standIn != '\0';
+    return true;
+}
+
+bool s_hideOpenComments(AddressText& prepared) {
+    return s_hideByte('(', openCommentsAfterLiterals(prepared.m_text), prepared);
+}
+
+bool s_cutAtStrayBracket(AddressText& prepared) {
+    auto const brackets = wellBracketed(prepared.m_text);
+    prepared.m_text.resize(brackets.m_length);
+    return s_hideByte('<', brackets.m_plainBrackets, prepared) &&
+           s_hideByte('>', brackets.m_plainBrackets, prepared);
 }
 
 bool s_hide(Decoded const& decoded, AddressText& prepared) {
@@ -93,8 +111,8 @@ std::string AddressText::original(std::string_view part) const {
 
 std::optional<AddressText> prepareAddressText(std::string const& header, bool lenient) {
     AddressText prepared{s_considered(header), {}};
-    if (!lenient) {
-        prepared.m_text.resize(wellBracketedLength(prepared.m_text));
+    if (!lenient && !s_cutAtStrayBracket(prepared)) {
+        return std::nullopt;
     }
     spoilDoubleAts(prepared.m_text);
     bool const usable = !prepared.m_text.empty() && header.find('\0') == std::string::npos &&
