@@ -3,6 +3,7 @@
 block of the page is run, or put where the page says. What stands in for something is listed in STAND_INS.
 What the page says of packages, tests/package/trial_test.py follows."""
 import email
+import errno
 import os
 import pathlib
 import re
@@ -10,6 +11,8 @@ import signal
 import socket
 import subprocess
 import unittest
+
+import seccomp # type: ignore[import-not-found]
 
 from milter import RULES, wait_for
 from pages import blocks, headings, section
@@ -72,6 +75,30 @@ def stop(path):
     wait_for(is_gone, "the end of qvmilter")
 
 
+def calls_of(groups):
+    """The system calls of groups as a unit names them, "@privileged @resources"."""
+    shown = subprocess.run(["systemd-analyze", "syscall-filter", *groups.split()], check=True,
+                           capture_output=True, text=True).stdout
+    members = set(re.findall(r"^ +([@\w-]+)$", shown, re.M))
+    nested = {name for name in members if name.startswith("@")}
+    return (members - nested) | (calls_of(" ".join(nested)) if nested else set())
+
+
+def filter_of(filters):
+    """What a unit's SystemCallFilter lines let a process call."""
+    allowed = set()
+    for groups in filters:
+        calls = calls_of(groups.removeprefix("~"))
+        allowed = allowed - calls if groups.startswith("~") else allowed | calls
+    rules = seccomp.SyscallFilter(seccomp.ERRNO(errno.EPERM))
+    for call in allowed:
+        try:
+            rules.add_rule(seccomp.ALLOW, call)
+        except (OSError, RuntimeError, ValueError):
+            pass # a call that this machine does not have
+    return rules
+
+
 class Page(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -80,6 +107,7 @@ class Page(unittest.TestCase):
         for path in SOURCE.iterdir():
             (HERE / path.name).symlink_to(path)
         run(block(START, "./dev install"))
+        run(block(START, "useradd").splitlines()[0]) # once, for all tests
 
     def postfix(self, chroot=False):
         """A Postfix whose files are where the page has them."""
@@ -99,6 +127,9 @@ class Page(unittest.TestCase):
         CONFIG.write_text("\n".join(blocks(PAGE, heading, "toml")))
         self.addCleanup(stop, path)
 
+    def start_by_hand(self):
+        run("\n".join(block(START, "useradd").splitlines()[1:]))
+
     def connect(self, heading):
         with open("/etc/postfix/main.cf", "a") as main:
             main.write(block(heading, "smtpd_milters", ""))
@@ -115,7 +146,7 @@ class Page(unittest.TestCase):
 
     def test_no_block_is_left_out(self):
         """The other tests, and the trial of the packages, use so many."""
-        counts = {FIRST: 7, START: 5, "Postfix in a chroot": 3, "Under systemd": 1, "Started by root": 1,
+        counts = {FIRST: 7, START: 5, "Postfix in a chroot": 3, "Under systemd": 2, "Started by root": 1,
                   "The log": 3}
         self.assertEqual({heading: len(blocks(PAGE, heading)) for heading in headings(PAGE)
                           if blocks(PAGE, heading)}, counts)
@@ -132,7 +163,8 @@ class Page(unittest.TestCase):
         postfix = self.postfix()
         self.use(START, SOCKET)
         self.assertIn("in order", run(block(FIRST, "qvmilter")))
-        run(block(START, "mkdir"))
+        self.start_by_hand()
+        self.assertEqual(pathlib.Path(SOCKET).owner(), "qvmilter")
         self.connect(START)
         self.check_first_message(postfix)
 
@@ -141,43 +173,54 @@ class Page(unittest.TestCase):
         postfix = self.postfix(chroot=True)
         self.use(heading, "/var/spool/postfix/qvmilter/qvmilter.sock")
         run(block(heading, "mkdir"))
-        run(block(START, "mkdir").splitlines()[1])
+        run(block(START, "useradd").splitlines()[2])
         self.connect(heading)
         self.check_first_message(postfix)
 
     def test_the_unit_starts_it(self):
         postfix = self.postfix()
         self.use(START, SOCKET)
-        run(block("Under systemd", "useradd"))
+        self.start_by_hand()
+        self.assertIn("take `user` out", section(PAGE, "Under systemd"))
+        CONFIG.write_text(CONFIG.read_text().replace('user = "qvmilter"\n', ""))
+        run(block("Under systemd", "pkill"))
+        wait_for(lambda: not processes(), "the end of the filter that was started by hand")
         unit = "/usr/local/lib/systemd/system/qvmilter.service"
         self.assertTrue(pathlib.Path("/etc/systemd/system/multi-user.target.wants/qvmilter.service")
                         .is_symlink())
         done = subprocess.run(["systemd-analyze", "verify", "--man=no", unit], capture_output=True,
                               text=True)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
-        settings = dict(re.findall(r"^(\w+)=(.*)$", pathlib.Path(unit).read_text(), re.M))
-        self.start_as(settings)
+        lines = re.findall(r"^(\w+)=(.*)$", pathlib.Path(unit).read_text() +
+                           block("Under systemd", "[Service]"), re.M)
+        settings = dict(lines)
+        self.start_as(settings, [value for name, value in lines if name == "SystemCallFilter"])
+        self.assertEqual(pathlib.Path(SOCKET).group(), "postfix")
         self.connect(START)
         self.check_first_message(postfix)
         self.assertIn("`systemctl reload qvmilter`", section(PAGE, "Reload"))
         run(settings["ExecReload"].replace("$MAINPID", str(*processes())))
         wait_for(lambda: "were reloaded" in LOG.read_text(), "the reload")
 
-    def start_as(self, unit):
-        """What systemd does: the program with the unit's user, group, mask and folder."""
+    def start_as(self, unit, filters):
+        """What systemd does: the program with the unit's user, group, mask, folder and system calls."""
         folder = pathlib.Path("/run") / unit["RuntimeDirectory"]
         run(f"install -d -o {unit['User']} -g {unit['Group']} -m {unit['RuntimeDirectoryMode']} "
             f"{folder}")
-        self.start("setpriv", f"--reuid={unit['User']}", f"--regid={unit['Group']}",
-                   "--init-groups", "sh", "-c", f"umask {unit['UMask']}; exec {unit['ExecStart']}")
+        rules = filter_of(filters)
+        self.start(*unit["ExecStart"].split(), user=unit["User"], group=unit["Group"],
+                   extra_groups=[], umask=int(unit["UMask"], 8), preexec_fn=rules.load)
 
-    def start(self, *command):
+    def start(self, *command, **settings):
         """A qvmilter in the foreground, whose log is a file."""
         with open(LOG, "w") as log:
-            process = subprocess.Popen(command, stderr=log)
+            process = subprocess.Popen(command, stderr=log, **settings)
         self.addCleanup(process.wait)
         self.addCleanup(stop, SOCKET)
-        wait_for(lambda: "info: started" in LOG.read_text(), "qvmilter")
+        try:
+            wait_for(lambda: "info: started" in LOG.read_text(), "qvmilter")
+        except AssertionError as error:
+            raise AssertionError(f"{error}: {LOG.read_text()}") from error
 
     def test_the_log_becomes_a_table_that_rules_are_compared_on(self):
         postfix = self.postfix()

@@ -47,7 +47,7 @@ class Rspamd(PostfixTest):
 
     def test_behind_qvmilter_it_sees_our_header(self):
         # flow() names our socket, and then these.
-        later = ORDER.split("qvmilter.sock, ")[1].strip()
+        later = ORDER.split("accept }, ")[1].strip()
         _, postfix = self.flow(later_milters=[later])
         for number, (client, expected) in enumerate(((SPAMMER, "SPAM"), (HAM, "HAM")), 1):
             self.assertEqual(postfix.send(HELLO, **client)[0], 250)
