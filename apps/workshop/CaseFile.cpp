@@ -121,8 +121,10 @@ CaseFile readCaseFile(std::string const& path) {
     try {
         return CaseFileReader(path).read();
     } catch (SettingsError const& error) {
-        // The text quotes the file, which may hold anything.
+        // The texts quote the file, which may hold anything.
         throw Rules::RuleError(Rules::RuleError::Kind::badData, toPrintable(error.what()));
+    } catch (Rules::RuleError const& error) {
+        throw Rules::RuleError(error.kind(), toPrintable(error.what()));
     }
 }
 

@@ -171,6 +171,12 @@ class Folder(Newcomer):
                           if path.lstat().st_uid != NOBODY], [])
 
 
+class Fuzz(Newcomer):
+    def test_what_is_no_number_of_seconds_starts_nothing(self):
+        self.check_last_line(self.checkout().dev("fuzz", "--help"), "--help", "SECONDS")
+        self.assertFalse((self.folder / "checkout/build").exists())
+
+
 class Packages(Newcomer):
     """One package is missing, which a package source of the test's own has."""
 
