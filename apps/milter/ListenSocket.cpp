@@ -39,14 +39,16 @@ bool s_isServed(std::string const& path) {
 }
 
 // The socket belongs to the user that the daemon becomes, who has to connect to it at the end.
-// A hardened service may not change owners at all; it need not where they are right already.
+// A hardened service may change no owner, so one that is right already is left alone.
 void s_setOwner(std::string const& path, MilterSettings const& settings) {
     struct stat file {};
-    bool const isKnown = ::stat(path.c_str(), &file) == 0;
+    if (::stat(path.c_str(), &file) != 0) {
+        s_fail(path, "its user and group cannot be read: " + std::string(std::strerror(errno)));
+    }
     auto const user = settings.m_user.empty() ? file.st_uid : userId(settings.m_user);
     auto const group =
         settings.m_socketGroup.empty() ? file.st_gid : groupId(settings.m_socketGroup);
-    bool const isRight = isKnown && user == file.st_uid && group == file.st_gid;
+    bool const isRight = user == file.st_uid && group == file.st_gid;
     if (!isRight && ::chown(path.c_str(), user, group) != 0) {
         s_fail(path, "its user and group cannot be set: " + std::string(std::strerror(errno)));
     }

@@ -62,10 +62,10 @@ bool s_hideByte(char byte, std::vector<std::size_t> const& places, AddressText& 
         }
         if (standIn == '\0') {
             standIn = s_unusedByte(prepared.m_text);
+            if (standIn == '\0') {
+                return false;
+            }
             prepared.m_standIns.emplace_back(byte, standIn);
-        }
-        if (standIn == '\0') {
-            return false;
         }
         prepared.m_text[at] = standIn;
     }
@@ -84,19 +84,14 @@ bool s_cutAtStrayBracket(AddressText& prepared) {
 }
 
 bool s_hide(Decoded const& decoded, AddressText& prepared) {
-    auto& text = prepared.m_text;
-    auto lower = text;
+    auto lower = prepared.m_text;
     stringToLowerNoCopy(lower);
-    auto at = lower.find(decoded.m_mark);
-    if (at == std::string::npos) {
-        return true;
+    std::vector<std::size_t> places;
+    for (auto at = lower.find(decoded.m_mark); at != std::string::npos;
+         at = lower.find(decoded.m_mark, at + 1)) {
+        places.push_back(at + decoded.m_hidden);
     }
-    char const standIn = s_unusedByte(text);
-    prepared.m_standIns.emplace_back(decoded.m_mark[decoded.m_hidden], standIn);
-    for (; at != std::string::npos; at = lower.find(decoded.m_mark, at + 1)) {
-        text.at(at + decoded.m_hidden) = standIn;
-    }
-    return standIn != '\0';
+    return s_hideByte(decoded.m_mark[decoded.m_hidden], places, prepared);
 }
 
 } // namespace

@@ -12,7 +12,7 @@ import socket
 import subprocess
 import unittest
 
-import seccomp # type: ignore[import-not-found]
+import seccomp
 
 from milter import RULES, wait_for
 from pages import blocks, headings, section

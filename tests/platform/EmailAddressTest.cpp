@@ -291,7 +291,6 @@ TEST(EmailAddress, HostileTextIsHarmless) {
     }
 }
 
-// A host's scanning threads may have small stacks.
 #if !defined(__SANITIZE_ADDRESS__) &&                                                              \
     !defined(__SANITIZE_THREAD__) // they look for leaks themselves
 void s_expectNoLeak(std::string const& text, bool lenient) {
@@ -334,6 +333,7 @@ TEST(EmailAddress, ACommentWithoutAnEndAfterALiteralCountsAsNoComment) {
               "[192.0.2.1]");
 }
 
+// A host's scanning threads may have small stacks.
 TEST(EmailAddress, HostileTextNeedsLittleStack) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
