@@ -96,12 +96,14 @@ std::string SettingsSection::asToml() const {
     for (auto const& facts : m_facts) {
         auto const shown = texts(facts.m_name);
         auto line = std::string(facts.m_name) + " = " + s_value(facts.m_kind, shown);
-        // A path that is not set has no value.
-        if (facts.m_kind == SettingKind::path && shown.front().empty()) {
+        auto const from = origin(facts.m_name);
+        // A path that is not set has no value. One that was set to nothing is shown as it was set,
+        // because its default may be a folder.
+        if (facts.m_kind == SettingKind::path && shown.front().empty() && from == defaultOrigin) {
             line.insert(0, "# ");
         }
         line.resize(std::max(line.size() + 1, commentColumn), ' ');
-        out += line + "# " + origin(facts.m_name) + "\n";
+        out += line + "# " + from + "\n";
     }
     return out;
 }

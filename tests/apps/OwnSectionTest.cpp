@@ -154,6 +154,17 @@ TEST_F(OwnSection, ShownAsTomlItReadsBackAsItIs) {
     }
 }
 
+TEST_F(OwnSection, AFolderThatIsSetToNothingIsShownAndReadBackAsNothing) {
+    load("root = \"\"\n");
+    EXPECT_EQ(m_host.values().m_root, "");
+    auto const shown = m_host.asToml();
+    EXPECT_THAT(shown, testing::StartsWith("root = \"\" "));
+    EXPECT_THAT(shown, HasSubstr("\n# dynamic-patterns = \"\" "));
+    m_host = SettingsStore();
+    load(shown);
+    EXPECT_EQ(m_host.values().m_root, "");
+}
+
 TEST_F(OwnSection, TheCommandLineWinsOverTheFile) {
     auto const file = m_folder.write("a.toml", "[milter]\ntimeout = 1\nexempt = \"192.0.2.1\"\n");
     auto const given = line({"--config", file, "--timeout=-7", "--exempt", "192.0.2.2", "--exempt",
