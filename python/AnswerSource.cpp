@@ -209,14 +209,20 @@ class FedByCaller : public ByPool {
         bool const isIdle = m_underWay == 0;
         m_toSubmit.push_back(std::move(item));
         ++m_underWay;
-        if (isIdle || m_toSubmit.size() == submittedTogether) {
+        if (isIdle || m_toSubmit.size() >= submittedTogether) {
             submit();
         }
     }
 
+    // Messages wait for room here, where answers may be given away meanwhile, unless all answers
+    // that are to come are theirs.
     void submit() {
         py::gil_scoped_release const release;
-        m_pool->submit(m_toSubmit);
+        if (m_underWay == m_toSubmit.size()) {
+            m_pool->submit(m_toSubmit);
+        } else {
+            m_pool->submitThoseWithRoom(m_toSubmit);
+        }
     }
 
     TakenMessages m_messages;

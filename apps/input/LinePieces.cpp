@@ -8,8 +8,6 @@ namespace Quorvane {
 namespace {
 
 constexpr std::size_t bufferSize = 65536;
-// Enough to see "From ", with quotes before it, or an empty line in one piece.
-constexpr std::size_t lineStartSize = 80;
 
 } // namespace
 
@@ -35,7 +33,7 @@ std::string_view LinePieces::peek(std::size_t size) {
 }
 
 bool LinePieces::next(LinePiece& piece) {
-    auto const start = peek(lineStartSize);
+    auto const start = peek(LinePiece::startSize);
     if (start.empty()) {
         return false;
     }
@@ -51,7 +49,7 @@ bool LinePieces::next(LinePiece& piece) {
 
 bool LinePieces::skipTo(std::string_view start) {
     bool followsEmptyLine = true;
-    while (!peek(lineStartSize).empty()) {
+    while (!peek(LinePiece::startSize).empty()) {
         auto const text = buffered();
         if (m_isAtLineStart) {
             if (followsEmptyLine && text.starts_with(start)) {

@@ -13,6 +13,10 @@
 namespace Quorvane {
 
 struct LinePiece {
+    // So much of a line is in its first piece at least, or all of it, however its bytes come:
+    // enough to see an empty line, or "From " with quotes before it.
+    static constexpr std::size_t startSize = 80;
+
     // Valid until the next call. The line break, if any, is its last byte.
     std::string_view m_text;
     bool m_startsLine = false;

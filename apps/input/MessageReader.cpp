@@ -3,6 +3,7 @@
 
 #include "apps/input/HeaderCheck.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -12,11 +13,12 @@ namespace {
 
 constexpr std::string_view separator = "From ";
 
-// ">From " and ">>From " mean the same text with one ">" less.
+// ">From " and ">>From " mean the same text with one ">" less. Only the start of a line is looked
+// at, which does not depend on the pieces.
 bool s_isQuotedSeparator(LinePiece const& piece) {
-    auto const quotes = piece.m_text.find_first_not_of('>');
-    return piece.startsWith(">") && quotes != std::string_view::npos &&
-           piece.m_text.substr(quotes, separator.size()) == separator;
+    auto const start = piece.m_text.substr(0, LinePiece::startSize);
+    auto const quotes = std::min(start.find_first_not_of('>'), start.size());
+    return piece.startsWith(">") && start.substr(quotes).starts_with(separator);
 }
 
 void s_drop(HeaderSection& section, std::string problem) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <new>
+#include <system_error>
 #include <utility>
 
 namespace Quorvane {
@@ -37,15 +38,29 @@ std::size_t OrderedPool::places(unsigned int threads) {
 
 OrderedPool::OrderedPool(unsigned int threads, Roles roles, std::stop_token stop)
     : m_roles(std::move(roles)), m_threadCount(s_threads(threads)), m_batches(s_batches(threads)),
-      m_stop(std::move(stop)), m_onStop(m_stop, [this] { wakeAll(); }) {
+      m_stop(std::move(stop)), m_onStop(m_stop, [this] { wakeOnStop(); }) {
     for (std::size_t i = 0; i < m_batches.size(); ++i) {
         m_batches[i].m_firstPlace = i * batchItems;
         m_batches[i].m_items.resize(batchItems);
         m_batches[i].m_thrown.resize(batchItems);
         m_free.push_back(&m_batches[i]);
     }
-    for (unsigned int i = 0; i < m_threadCount; ++i) {
-        m_threads.emplace_back(&OrderedPool::run, this);
+    begin();
+}
+
+// Where the system gives fewer threads than are wanted, these do the work.
+void OrderedPool::begin() {
+    std::lock_guard const lock(m_mutex);
+    m_threads.reserve(m_threadCount);
+    try {
+        while (m_threads.size() < m_threadCount) {
+            m_threads.emplace_back(&OrderedPool::run, this);
+        }
+    } catch (std::system_error const&) {
+        if (m_threads.empty()) {
+            throw;
+        }
+        m_threadCount = m_threads.size();
     }
 }
 
@@ -66,6 +81,15 @@ bool OrderedPool::submit(std::vector<InputItem>& items) {
     }
     items.clear();
     return !isStopping();
+}
+
+void OrderedPool::submitThoseWithRoom(std::vector<InputItem>& items) {
+    std::unique_lock lock(m_mutex);
+    auto item = items.begin();
+    for (; item != items.end() && (isStopping() || hasRoom()); ++item) {
+        submit(*item, lock);
+    }
+    items.erase(items.begin(), item);
 }
 
 // REQUIRES, as all up to work but fillOpen: m_mutex is held.
@@ -118,18 +142,27 @@ void OrderedPool::addToOpen(InputItem& item) {
     m_open->m_bytes += place.m_headers.size() + (place.m_copy ? place.m_copy->cost() : 0);
 }
 
-// Under the lock, so that no thread is between its look at the state and its wait.
-void OrderedPool::wakeAll() {
-    std::lock_guard const lock(m_mutex);
-    m_hasRoom.notify_all();
-    m_hasWork.notify_all();
-}
-
 void OrderedPool::queueOpen() {
     m_bytes += m_open->m_bytes;
     m_queue.push_back(m_open);
     m_inOrder.push_back(m_open);
     m_open = nullptr;
+}
+
+void OrderedPool::stop() {
+    m_isStopped = true;
+    wakeAll();
+}
+
+void OrderedPool::wakeAll() {
+    m_hasRoom.notify_all();
+    m_hasWork.notify_all();
+}
+
+// Under the lock, so that no thread is between its look at the state and its wait.
+void OrderedPool::wakeOnStop() {
+    std::lock_guard const lock(m_mutex);
+    wakeAll();
 }
 
 void OrderedPool::finish() {
@@ -253,9 +286,7 @@ void OrderedPool::run() {
     } catch (...) { // no memory for the pool itself
         std::unique_lock lock(m_mutex);
         m_thrown = std::current_exception();
-        m_isStopped = true;
-        m_hasRoom.notify_all();
-        m_hasWork.notify_all();
+        stop();
         tellEnd(lock);
     }
 }
@@ -347,7 +378,9 @@ void OrderedPool::deliver(std::unique_lock<std::mutex>& lock) {
         lock.unlock();
         bool const isGoingOn = isWanted && handOn(batch);
         lock.lock();
-        m_isStopped = m_isStopped || !isGoingOn || batch.m_worked != batch.m_count;
+        if (!isGoingOn || batch.m_worked != batch.m_count) {
+            stop();
+        }
         m_inOrder.pop_front();
         recycle(batch);
     }

@@ -52,9 +52,10 @@ class OrderedPool {
         Delivered m_delivered = {}; // may be empty
     };
 
-    // How many places there are. 0 threads: one per core.
+    // How many places there are, at most. 0 threads: one per core.
     static std::size_t places(unsigned int threads);
 
+    // Throws std::system_error when the system gives it no thread at all.
     OrderedPool(unsigned int threads, Roles roles, std::stop_token stop = {});
     OrderedPool(OrderedPool const&) = delete;
     OrderedPool& operator=(OrderedPool const&) = delete;
@@ -64,6 +65,8 @@ class OrderedPool {
     bool submit(InputItem item);
     // Several at once, which locks once. Leaves `items` empty.
     bool submit(std::vector<InputItem>& items);
+    // Does not wait, and leaves in `items` those for which there is no room.
+    void submitThoseWithRoom(std::vector<InputItem>& items);
     // For the source, when the next message may take long: what was read does not wait for it.
     void sourceWaits();
     // Waits for what was submitted, or for all of the source; rethrows an exception.
@@ -81,6 +84,7 @@ class OrderedPool {
         bool m_isDone = false;
     };
 
+    void begin();
     bool hasRoom() const;
     bool hasWork() const;
     bool mayRead() const;
@@ -107,12 +111,14 @@ class OrderedPool {
     void recycle(Batch& batch);
     bool isAtEnd() const;
     void tellEnd(std::unique_lock<std::mutex>& lock);
+    void stop();
     void wakeAll();
+    void wakeOnStop();
     void close();
     void join();
 
     Roles m_roles;
-    unsigned int m_threadCount;
+    std::size_t m_threadCount;
     std::mutex m_mutex;
     std::condition_variable m_hasWork; // or something may be read
     std::condition_variable m_hasRoom;

@@ -85,10 +85,11 @@ class BracketScan {
     }
 
     // Separators inside angle brackets belong to a route:
-    // "<@relay.example,@next.example:user@host>".
+    // "<@relay.example,@next.example:user@host>". After an error GMime would go on behind the
+    // comma.
     bool isInPath(char c) {
         if (c == '@' && m_before == '<') {
-            m_isRoute = true;
+            m_isRoute = !m_sawError;
         }
         bool const inPlace = c == ',' || c == ':' ? m_isRoute : c != ';';
         m_isRoute = m_isRoute && c != ':';
@@ -102,7 +103,17 @@ class BracketScan {
             m_addressStart = m_position;
             m_sawAt = m_wasOpen = false;
         }
+        m_sawError = c != ',' && (m_sawError || isError(c));
         return true;
+    }
+
+    // No part of a word, or a word without a beginning; nothing but a comma follows a group.
+    bool isError(char c) const {
+        bool const isControl =
+            (static_cast<unsigned char>(c) < ' ' && !isBlankOrBreak(c)) || c == '\x7f';
+        bool const isFirst =
+            std::string_view("\0,:;<>", 6).find(m_before) != std::string_view::npos;
+        return isControl || c == ')' || c == ']' || c == '\\' || c == ';' || (c == '.' && isFirst);
     }
 
     std::string_view m_text;
@@ -115,6 +126,7 @@ class BracketScan {
     bool m_isRoute = false;
     bool m_wasOpen = false;
     bool m_sawAt = false;
+    bool m_sawError = false; // since the last comma between addresses
 };
 
 bool s_isEscaped(std::string_view text, std::size_t position) {

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/input/OrderedPool.h"
+#include "support/ReadFile.h"
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <latch>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -268,6 +273,73 @@ TEST(OrderedPool, SlowMessagesAreSharedAmongTheThreads) {
                          s_noteIn(taken), s_source(100)});
     pool.finish();
     s_expectAll(taken, 100);
+}
+
+// Work begins when what was submitted is back.
+TEST(OrderedPool, WhereThereIsNoRoomMessagesCanBeLeftOut) {
+    std::latch mayWork(1);
+    std::vector<std::string> taken;
+    OrderedPool pool(2, {[&](InputItem const& /*item*/, std::size_t /*place*/) { mayWork.wait(); },
+                         s_noteIn(taken)});
+    std::vector<InputItem> items;
+    for (int i = 0; i < 5000; ++i) {
+        items.push_back(s_item(i));
+    }
+    pool.submitThoseWithRoom(items);
+    ASSERT_FALSE(items.empty());
+    ASSERT_LT(items.size(), 5000U);
+    EXPECT_EQ(items.front().m_source, std::to_string(5000 - items.size()));
+    mayWork.count_down();
+    EXPECT_TRUE(pool.submit(items));
+    pool.finish();
+    s_expectAll(taken, 5000);
+}
+
+// Whether all threads of this process but the calling one wait.
+bool s_doOthersWait() {
+    auto const own = std::to_string(::gettid());
+    for (auto const& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        auto const stat = readFile(task.path() / "stat");
+        auto const state = stat.substr(std::min(stat.rfind(") "), stat.size())).substr(0, 3);
+        if (task.path().filename() != own && state != ") S") {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The first message is as large as all that may wait, so the other threads have nothing to read
+// into when its result is refused.
+TEST(OrderedPool, ThreadsThatWaitForRoomEndWhenNothingMoreIsWanted) {
+    auto const refuse = [](InputItem const& /*item*/, std::size_t /*place*/) {
+        while (!s_doOthersWait()) {
+            std::this_thread::yield();
+        }
+        return false;
+    };
+    OrderedPool pool(5, {s_doNothing, refuse, [](InputItem& item, OrderedPool& /*pool*/) {
+                             item.m_headers.assign(std::size_t{64} << 20, 'x');
+                             return true;
+                         }});
+    pool.finish();
+}
+
+// Each thread takes 8 MiB of addresses for its stack.
+TEST(OrderedPool, FewerThreadsThanWantedDoTheWork) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizers reserve more addresses than any limit leaves";
+#endif
+    auto const judge = [] {
+        auto const pages = std::stoull(readFile("/proc/self/statm"));
+        auto const size = pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + (rlim_t{40} << 20);
+        rlimit const limit{size, size};
+        ::setrlimit(RLIMIT_AS, &limit);
+        std::vector<std::string> taken;
+        OrderedPool pool(64, {s_doNothing, s_noteIn(taken), s_source(2000)});
+        pool.finish();
+        std::_Exit(taken.size() == 2000 ? 0 : 1);
+    };
+    EXPECT_EXIT(judge(), testing::ExitedWithCode(0), "");
 }
 
 // Each of the last messages takes a millisecond at least, however fast the machine is. As many as

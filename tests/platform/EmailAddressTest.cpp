@@ -241,6 +241,7 @@ TEST(EmailAddress, StrictlyBracketsInPlaceAreFine) {
     for (auto const* const text :
          {"\"<:,;[(\\\"\" <a@host.example>", "(<\\)[,>) a@host.example",
           "<@r.example, @s.example : a@host.example>", "a@host.example (]>)",
+          "J. Doe <@r.example,@s.example:a@host.example>", "), <@r,@s:a@host.example>",
           "Name (x) <a@host.example> (y)", "g: <a@host.example>, <b@c>;"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ("host.example", EmailAddress::rfc5322Parse(text, false).domain());
@@ -317,6 +318,14 @@ TEST(EmailAddress, StrictlyABracketInQuotedTextLeaksNothing) {
     for (auto const* const text :
          {"'\",a>\"", "'\",J. Doe>\"a, b@c; (\"", "\"\"\",7>\"", "\"a, b@c; (\"\",a@b<\"",
           "'\"a,\n <c@d>, E <f@g>a>\"", "@ (,a>)", "@[,a>]"}) {
+        s_expectNoLeak(text, false);
+    }
+}
+
+TEST(EmailAddress, StrictlyARouteAfterAnErrorLeaksNothing) {
+    for (auto const* const text :
+         {")<@b,g>", "x)<@b,g>", "a@b, )<@b,g>", "g:)<@b,g>;", "g:x@y;;<@b,g>", "(a).<@b,g>",
+          "=?utf-8?q?)?=<@b,g>", "a\\<@b,g>", "]<@b,g>", "\x7f<@b,g>"}) {
         s_expectNoLeak(text, false);
     }
 }
