@@ -10,15 +10,70 @@ namespace Quorvane::internal {
 
 namespace {
 
+// A byte of a domain that is no literal. Nobody uses routes, so labels need no check.
+bool s_isDomainByte(char c) {
+    return !isBlankOrBreak(c) && static_cast<unsigned char>(c) > ' ' && c != '\x7f' &&
+           std::string_view("()<>[]:;@\\,\"").find(c) == std::string_view::npos;
+}
+
+// All of these tell where `text` goes on after what stands at `position`, or npos when that is
+// something else or has no end.
+
+std::size_t s_afterDomain(std::string_view text, std::size_t position) {
+    if (position >= text.size()) {
+        return std::string_view::npos;
+    }
+    if (text[position] == '[') {
+        return afterSpan(text, position + 1, ']');
+    }
+    auto const rest = text.substr(position);
+    auto const end = std::find_if_not(rest.begin(), rest.end(), s_isDomainByte);
+    return end == rest.begin() ? std::string_view::npos
+                               : position + static_cast<std::size_t>(end - rest.begin());
+}
+
+// Blanks and comments, if there are any.
+std::size_t s_afterFillers(std::string_view text, std::size_t position) {
+    while (position < text.size() && (isBlankOrBreak(text[position]) || text[position] == '(')) {
+        position = text[position] == '(' ? afterComment(text, position + 1) : position + 1;
+    }
+    return position;
+}
+
+bool s_isAt(std::string_view text, std::size_t position, char byte) {
+    return position < text.size() && text[position] == byte;
+}
+
+std::size_t s_after(char byte, std::string_view text, std::size_t position) {
+    return s_isAt(text, position, byte) ? s_afterFillers(text, position + 1)
+                                        : std::string_view::npos;
+}
+
+// A route with its colon (RFC 5322 section 4.4), as in "<@relay.example,@next.example:user@host>".
+std::size_t s_afterRoute(std::string_view text, std::size_t position) {
+    bool isSeparated = true;
+    while (isSeparated) {
+        position = s_afterFillers(text, s_afterDomain(text, s_after('@', text, position)));
+        isSeparated = s_isAt(text, position, ',');
+        while (s_isAt(text, position, ',')) {
+            position = s_after(',', text, position);
+        }
+        if (s_isAt(text, position, ':')) {
+            return position + 1;
+        }
+    }
+    return std::string_view::npos;
+}
+
 class BracketScan {
   public:
     explicit BracketScan(std::string_view text) : m_text(text) {}
 
     WellBracketed run() {
-        auto const length = wellBracketedLength();
-        auto& brackets = m_plainBrackets;
-        brackets.erase(std::lower_bound(brackets.begin(), brackets.end(), length), brackets.end());
-        return {length, std::move(brackets)};
+        m_found.m_length = wellBracketedLength();
+        auto& marks = m_found.m_plainMarks;
+        marks.erase(std::lower_bound(marks.begin(), marks.end(), m_found.m_length), marks.end());
+        return std::move(m_found);
     }
 
   private:
@@ -35,7 +90,7 @@ class BracketScan {
     bool step(char c) {
         bool const inPlace = isInPlace(c);
         bool const isFiller = isBlankOrBreak(c) || c == '(';
-        m_before = isFiller ? m_before : c;
+        m_before = isFiller ? m_before : m_text[m_position - 1];
         return inPlace;
     }
 
@@ -52,15 +107,16 @@ class BracketScan {
         case '>':
             return close();
         default:
-            return m_isOpen ? isInPath(c) : isOutside(c);
+            return m_isOpen ? isInside(c) : isOutside(c);
         }
     }
 
     bool goTo(std::size_t position) {
         auto const end = std::min(position, m_text.size());
         for (; m_position < end; ++m_position) {
-            if (m_text[m_position] == '<' || m_text[m_position] == '>') {
-                m_plainBrackets.push_back(m_position);
+            char const c = m_text[m_position];
+            if (c == '<' || c == '>' || (c == ',' && m_isOpen)) {
+                m_found.m_plainMarks.push_back(m_position);
             }
         }
         return position != std::string_view::npos;
@@ -71,7 +127,6 @@ class BracketScan {
             return false;
         }
         m_isOpen = true;
-        m_isRoute = false;
         return true;
     }
 
@@ -84,16 +139,22 @@ class BracketScan {
         return true;
     }
 
-    // Separators inside angle brackets belong to a route:
-    // "<@relay.example,@next.example:user@host>". After an error GMime would go on behind the
-    // comma.
-    bool isInPath(char c) {
+    // Separators inside angle brackets belong to a route.
+    bool isInside(char c) {
         if (c == '@' && m_before == '<') {
-            m_isRoute = !m_sawError;
+            return passRoute();
         }
-        bool const inPlace = c == ',' || c == ':' ? m_isRoute : c != ';';
-        m_isRoute = m_isRoute && c != ':';
-        return inPlace;
+        return c != ',' && c != ':' && c != ';';
+    }
+
+    bool passRoute() {
+        auto const begin = m_position - 1;
+        auto const end = s_afterRoute(m_text, begin);
+        if (end != std::string_view::npos) {
+            m_found.m_routes.emplace_back(begin, end);
+            m_position = end;
+        }
+        return end != std::string_view::npos;
     }
 
     bool isOutside(char c) {
@@ -103,30 +164,18 @@ class BracketScan {
             m_addressStart = m_position;
             m_sawAt = m_wasOpen = false;
         }
-        m_sawError = c != ',' && (m_sawError || isError(c));
         return true;
-    }
-
-    // No part of a word, or a word without a beginning; nothing but a comma follows a group.
-    bool isError(char c) const {
-        bool const isControl =
-            (static_cast<unsigned char>(c) < ' ' && !isBlankOrBreak(c)) || c == '\x7f';
-        bool const isFirst =
-            std::string_view("\0,:;<>", 6).find(m_before) != std::string_view::npos;
-        return isControl || c == ')' || c == ']' || c == '\\' || c == ';' || (c == '.' && isFirst);
     }
 
     std::string_view m_text;
     std::size_t m_position = 0;
-    std::vector<std::size_t> m_plainBrackets;
+    WellBracketed m_found;
     // Of the current address.
     std::size_t m_addressStart = 0;
     char m_before = '\0'; // the last byte outside blanks and comments
     bool m_isOpen = false;
-    bool m_isRoute = false;
     bool m_wasOpen = false;
     bool m_sawAt = false;
-    bool m_sawError = false; // since the last comma between addresses
 };
 
 bool s_isEscaped(std::string_view text, std::size_t position) {

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Quorvane::internal {
@@ -56,13 +57,16 @@ struct WellBracketed {
     // has at most one pair of angle brackets with no "@" in front of it, and separators stand
     // between the brackets in a route only.
     std::size_t m_length = 0;
-    // Where in that run angle brackets stand in quoted text, comments and literals, in order.
-    std::vector<std::size_t> m_plainBrackets;
+    // Where in that run angle brackets stand in quoted text, comments and literals, and commas in
+    // those within angle brackets, in order.
+    std::vector<std::size_t> m_plainMarks;
+    // Where routes begin and end; some may lie behind that run.
+    std::vector<std::pair<std::size_t, std::size_t>> m_routes;
 };
 
 // For headers that are read strictly: GMime rejects a stray bracket too, but leaks the memory of
-// the address that it was reading. It may also find one in quoted text, because it skips to the
-// next comma after an error; without the plain brackets, it finds none in the run.
+// the address that it was reading. After an error it goes on behind the next comma, wherever that
+// stands; without the plain marks and the routes it finds no stray bracket then.
 WellBracketed wellBracketed(std::string_view text);
 
 } // namespace Quorvane::internal

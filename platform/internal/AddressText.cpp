@@ -13,6 +13,9 @@ namespace {
 // Bytes of an atom (RFC 5322 section 3.2.3) that addresses hardly ever have.
 constexpr std::string_view s_atomBytes = "{}|~^`$#%*&!'/_";
 
+// What ends an address, or what is read of it after an error.
+constexpr std::string_view s_marks = "<>,";
+
 // What GMime looks for, in lower case, and which byte of it is hidden.
 struct Decoded {
     std::string_view m_mark;
@@ -78,9 +81,14 @@ bool s_hideOpenComments(AddressText& prepared) {
 
 bool s_cutAtStrayBracket(AddressText& prepared) {
     auto const brackets = wellBracketed(prepared.m_text);
+    for (auto const& [begin, end] : brackets.m_routes) {
+        std::fill(prepared.m_text.begin() + static_cast<std::ptrdiff_t>(begin),
+                  prepared.m_text.begin() + static_cast<std::ptrdiff_t>(end), ' ');
+    }
     prepared.m_text.resize(brackets.m_length);
-    return s_hideByte('<', brackets.m_plainBrackets, prepared) &&
-           s_hideByte('>', brackets.m_plainBrackets, prepared);
+    return std::all_of(s_marks.begin(), s_marks.end(), [&](char mark) {
+        return s_hideByte(mark, brackets.m_plainMarks, prepared);
+    });
 }
 
 bool s_hide(Decoded const& decoded, AddressText& prepared) {
