@@ -23,9 +23,7 @@ bool s_isSame(EmailAddress const& left, EmailAddress const& right) {
 void s_checkAddress(std::string const& text, bool lenient) {
     auto const address = EmailAddress::rfc5322Parse(text, lenient);
     check(address.isNull() == address.domain().empty(), "an address has a domain");
-    bool const isLiteral = address.domain().starts_with('[');
-    check(isLiteral || address.domain().find('@') == std::string::npos,
-          "only a literal can have an \"@\" in it");
+    check(address.domain().find('@') == std::string::npos, "a domain has no \"@\" in it");
     check(address.domain().size() + address.localPart().size() <= text.size(),
           "an address is a part of the text");
     check(address.isNull() || text.find('@') != std::string::npos, "an address has an \"@\"");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/internal/AddressSyntax.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
@@ -46,11 +47,30 @@ class AtScan {
             m_firstAt = m_position;
         }
         m_isAfterGap = false;
-        m_isInLiteral = c == '[' ? m_before == '@' : m_isInLiteral && c != ']';
+        bool const beginsLiteral = c == '[' && m_before == '@';
+        m_isInLiteral = beginsLiteral || (m_isInLiteral && c != ']');
         m_before = c;
-        if (c != '"' || !skip(afterQuotes, m_isQuoteOpen)) {
+        bool const isSkipped =
+            beginsLiteral ? skipLiteral() : c == '"' && skip(afterQuotes, m_isQuoteOpen);
+        if (!isSkipped) {
             ++m_position;
         }
+    }
+
+    // No byte of a whole literal means anything, but an "@" in it is a second one.
+    bool skipLiteral() {
+        auto const begin = m_position;
+        if (!skip(afterLiteral, m_isLiteralOpen)) {
+            return false;
+        }
+        m_ats += static_cast<int>(std::count(at(begin), at(m_position), '@'));
+        m_isInLiteral = false;
+        m_before = ']';
+        return true;
+    }
+
+    std::string::const_iterator at(std::size_t position) const {
+        return m_text.cbegin() + static_cast<std::ptrdiff_t>(position);
     }
 
     // Skips what the current byte opens. After one that is never closed no other is looked for:
@@ -65,8 +85,11 @@ class AtScan {
     static std::size_t afterQuotes(std::string_view text, std::size_t position) {
         return afterSpan(text, position, '"');
     }
+    static std::size_t afterLiteral(std::string_view text, std::size_t position) {
+        return afterSpan(text, position, ']');
+    }
 
-    // The colons of an IPv6 literal separate nothing.
+    // The colons of an IPv6 literal separate nothing, even when nothing closes it.
     bool isDelimiter(char c) const {
         return s_delimiters.find(c) != npos || (c == ':' && !m_isInLiteral);
     }
@@ -97,6 +120,7 @@ class AtScan {
     // Of the whole text: a mark that nothing closes is an ordinary byte, and so are those after it.
     bool m_isQuoteOpen = false;
     bool m_isCommentOpen = false;
+    bool m_isLiteralOpen = false;
 };
 
 } // namespace
