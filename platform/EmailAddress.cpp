@@ -7,6 +7,7 @@
 #include "platform/internal/PlainAddress.h"
 
 #include <cstddef>
+#include <cstring>
 #include <gmime/gmime.h>
 #include <memory>
 #include <optional>
@@ -36,14 +37,17 @@ GMimeParserOptions* s_options(bool lenient) {
     return lenient ? loose : strict;
 }
 
-// Null for a group and for a mailbox without "@", such as the "Doe" of the unquoted name
-// "Doe, John <john@host.example>".
+// Null for a group, for a mailbox without "@", such as the "Doe" of the unquoted name
+// "Doe, John <john@host.example>", and for one with a second "@" in a literal: there may be more of
+// these than the header has, because they are doubled before GMime looks.
 InternetAddressMailbox* s_usable(InternetAddress* address) {
     if (!INTERNET_ADDRESS_IS_MAILBOX(address)) {
         return nullptr;
     }
     auto* const mailbox = INTERNET_ADDRESS_MAILBOX(address);
-    return mailbox->addr != nullptr && mailbox->at >= 0 ? mailbox : nullptr;
+    bool const hasAt = mailbox->addr != nullptr && mailbox->at >= 0;
+    return hasAt && std::strchr(mailbox->addr + mailbox->at + 1, '@') == nullptr ? mailbox
+                                                                                 : nullptr;
 }
 
 InternetAddressMailbox* s_firstMember(InternetAddress* address) {
