@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <new>
+#include <system_error>
 #include <unistd.h>
 
 namespace Quorvane {
@@ -43,6 +45,18 @@ std::string s_helpCommand(ProgramTable const& program, Words const& words) {
     return std::string(program.m_name) + (hasCommand ? ' ' + words[0] : "") + " --help";
 }
 
+// Of an error of the machine, or of one that nobody expected.
+std::string s_reason(std::exception const& error) {
+    if (dynamic_cast<std::bad_alloc const*>(&error) != nullptr) {
+        return "there is not enough memory (see \"ulimit -v\" and the limits of a container)";
+    }
+    auto const* const system = dynamic_cast<std::system_error const*>(&error);
+    if (system != nullptr && system->code() == std::errc::resource_unavailable_try_again) {
+        return "the system gives no more threads (see \"ulimit -u\" and the limits of a container)";
+    }
+    return std::string("unexpected: ") + error.what();
+}
+
 } // namespace
 
 int runProgram(ProgramTable const& program, int argc, char const* const* argv,
@@ -59,7 +73,7 @@ int runProgram(ProgramTable const& program, int argc, char const* const* argv,
     } catch (ProgramError const& error) {
         return s_fail(program, error.what(), error.status());
     } catch (std::exception const& error) {
-        return s_fail(program, std::string("unexpected: ") + error.what(), ExitStatus::internal);
+        return s_fail(program, s_reason(error), ExitStatus::internal);
     }
 }
 

@@ -5,6 +5,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
+#include <stdexcept>
+#include <system_error>
 
 namespace Quorvane::Testing {
 
@@ -205,6 +208,14 @@ TEST(Program, TurnsWhatIsThrownIntoAMessageAndAStatus) {
         s_run({"mark"}, [](CommandLine const&) -> int { throw std::runtime_error("broken"); });
     EXPECT_EQ(fault.m_status, 70);
     EXPECT_EQ(fault.m_errors, "tool: unexpected: broken\n");
+    auto const memory = s_run({"mark"}, [](CommandLine const&) -> int { throw std::bad_alloc(); });
+    EXPECT_EQ(memory.m_status, 70);
+    EXPECT_EQ(memory.m_errors.find("tool: there is not enough memory (see"), 0U);
+    auto const threads = s_run({"mark"}, [](CommandLine const&) -> int {
+        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+    });
+    EXPECT_EQ(threads.m_status, 70);
+    EXPECT_EQ(threads.m_errors.find("tool: the system gives no more threads (see"), 0U);
     EXPECT_EQ(s_run({"fly"}, nullptr).m_errors,
               "tool: unknown command \"fly\"\n\"tool --help\" shows the options.\n");
 }
