@@ -103,7 +103,7 @@ std::string SettingsSection::asToml() const {
             line.insert(0, "# ");
         }
         line.resize(std::max(line.size() + 1, commentColumn), ' ');
-        out += line + "# " + from + "\n";
+        out.append(line).append("# ").append(from) += '\n';
     }
     return out;
 }
