@@ -45,7 +45,7 @@ std::string s_helpCommand(ProgramTable const& program, Words const& words) {
     return std::string(program.m_name) + (hasCommand ? ' ' + words[0] : "") + " --help";
 }
 
-// Of an error of the machine, or of one that nobody expected.
+// The text for an error that is not the user's: of the machine, or unexpected.
 std::string s_reason(std::exception const& error) {
     if (dynamic_cast<std::bad_alloc const*>(&error) != nullptr) {
         return "there is not enough memory (see \"ulimit -v\" and the limits of a container)";

@@ -13,8 +13,8 @@
 namespace Quorvane {
 
 struct LinePiece {
-    // So much of a line is in its first piece at least, or all of it, however its bytes come:
-    // enough to see an empty line, or "From " with quotes before it.
+    // The first piece of a line has at least so many bytes, or the whole line, however its bytes
+    // arrive: enough to see an empty line, or "From " with quotes before it.
     static constexpr std::size_t startSize = 80;
 
     // Valid until the next call. The line break, if any, is its last byte.

@@ -38,18 +38,22 @@ std::size_t OrderedPool::places(unsigned int threads) {
 
 OrderedPool::OrderedPool(unsigned int threads, Roles roles, std::stop_token stop)
     : m_roles(std::move(roles)), m_threadCount(s_threads(threads)), m_batches(s_batches(threads)),
-      m_stop(std::move(stop)), m_onStop(m_stop, [this] { wakeOnStop(); }) {
+      m_stop(std::move(stop)), m_onStop(m_stop, [this] {
+          // No thread may be between its look at the state and its wait.
+          std::lock_guard const lock(m_mutex);
+          wakeAll();
+      }) {
     for (std::size_t i = 0; i < m_batches.size(); ++i) {
         m_batches[i].m_firstPlace = i * batchItems;
         m_batches[i].m_items.resize(batchItems);
         m_batches[i].m_thrown.resize(batchItems);
         m_free.push_back(&m_batches[i]);
     }
-    begin();
+    startThreads();
 }
 
 // Where the system gives fewer threads than are wanted, these do the work.
-void OrderedPool::begin() {
+void OrderedPool::startThreads() {
     std::lock_guard const lock(m_mutex);
     m_threads.reserve(m_threadCount);
     try {
@@ -157,12 +161,6 @@ void OrderedPool::stop() {
 void OrderedPool::wakeAll() {
     m_hasRoom.notify_all();
     m_hasWork.notify_all();
-}
-
-// Under the lock, so that no thread is between its look at the state and its wait.
-void OrderedPool::wakeOnStop() {
-    std::lock_guard const lock(m_mutex);
-    wakeAll();
 }
 
 void OrderedPool::finish() {

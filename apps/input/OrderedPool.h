@@ -84,7 +84,7 @@ class OrderedPool {
         bool m_isDone = false;
     };
 
-    void begin();
+    void startThreads();
     bool hasRoom() const;
     bool hasWork() const;
     bool mayRead() const;
@@ -113,7 +113,6 @@ class OrderedPool {
     void tellEnd(std::unique_lock<std::mutex>& lock);
     void stop();
     void wakeAll();
-    void wakeOnStop();
     void close();
     void join();
 

@@ -10,7 +10,7 @@ namespace Quorvane::internal {
 
 namespace {
 
-// A byte of a domain that is no literal. Nobody uses routes, so labels need no check.
+// A byte of a domain that is no literal. Routes are not used, so labels need no check.
 bool s_isDomainByte(char c) {
     return !isBlankOrBreak(c) && static_cast<unsigned char>(c) > ' ' && c != '\x7f' &&
            std::string_view("()<>[]:;@\\,\"").find(c) == std::string_view::npos;

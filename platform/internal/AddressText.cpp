@@ -13,7 +13,7 @@ namespace {
 // Bytes of an atom (RFC 5322 section 3.2.3) that addresses hardly ever have.
 constexpr std::string_view s_atomBytes = "{}|~^`$#%*&!'/_";
 
-// What ends an address, or what is read of it after an error.
+// Where GMime begins or ends an address after an error, also in quoted text.
 constexpr std::string_view s_marks = "<>,";
 
 // What GMime looks for, in lower case, and which byte of it is hidden.

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <latch>
 #include <new>
+#include <pthread.h>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
@@ -275,7 +276,7 @@ TEST(OrderedPool, SlowMessagesAreSharedAmongTheThreads) {
     s_expectAll(taken, 100);
 }
 
-// Work begins when what was submitted is back.
+// No message is done before the call returns.
 TEST(OrderedPool, WhereThereIsNoRoomMessagesCanBeLeftOut) {
     std::latch mayWork(1);
     std::vector<std::string> taken;
@@ -296,7 +297,7 @@ TEST(OrderedPool, WhereThereIsNoRoomMessagesCanBeLeftOut) {
 }
 
 // Whether all threads of this process but the calling one wait.
-bool s_doOthersWait() {
+bool s_doAllOthersWait() {
     auto const own = std::to_string(::gettid());
     for (auto const& task : std::filesystem::directory_iterator("/proc/self/task")) {
         auto const stat = readFile(task.path() / "stat");
@@ -312,7 +313,7 @@ bool s_doOthersWait() {
 // into when its result is refused.
 TEST(OrderedPool, ThreadsThatWaitForRoomEndWhenNothingMoreIsWanted) {
     auto const refuse = [](InputItem const& /*item*/, std::size_t /*place*/) {
-        while (!s_doOthersWait()) {
+        while (!s_doAllOthersWait()) {
             std::this_thread::yield();
         }
         return false;
@@ -324,12 +325,16 @@ TEST(OrderedPool, ThreadsThatWaitForRoomEndWhenNothingMoreIsWanted) {
     pool.finish();
 }
 
-// Each thread takes 8 MiB of addresses for its stack.
+// There are addresses for the stacks of a few threads only.
 TEST(OrderedPool, FewerThreadsThanWantedDoTheWork) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "sanitizers reserve more addresses than any limit leaves";
 #endif
     auto const judge = [] {
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setstacksize(&attributes, std::size_t{8} << 20);
+        pthread_setattr_default_np(&attributes);
         auto const pages = std::stoull(readFile("/proc/self/statm"));
         auto const size = pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + (rlim_t{40} << 20);
         rlimit const limit{size, size};

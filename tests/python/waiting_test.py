@@ -10,7 +10,7 @@ import qvdeepheader
 
 
 class SlowServer:
-    """Says of each name that it does not exist, of some not before they are released."""
+    """Says of every name that it does not exist, but only when its label has been released."""
 
     def __init__(self):
         self.socket = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
